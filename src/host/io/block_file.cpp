@@ -1,0 +1,141 @@
+// Block files over the table of system calls: positions are our own, transfers go on until they are
+// whole, and what the system answers becomes a status.
+//
+// Tested by tests/host/io_test.cpp
+#include "host/io/block_file.h"
+
+#include "host/io/syscalls.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace qvhost {
+namespace {
+
+constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
+
+// Repeats a call that a signal has interrupted.
+template <class Call>
+auto uninterrupted(Call call) {
+    for (;;) {
+        const auto result = call();
+        if (result >= 0 || errno != EINTR) {
+            return result;
+        }
+    }
+}
+
+bool isFull(int error) noexcept {
+    return error == ENOSPC || error == EDQUOT;
+}
+
+QVStatus openStatus(int error) noexcept {
+    switch (error) {
+        case ELOOP:   // a symbolic link
+        case EISDIR:  // a directory
+        case ENXIO:   // a socket, or a device that is not there
+            return QV_IO_REFUSED;
+        default:
+            return isFull(error) ? QV_IO_FULL : QV_IO_OPEN;
+    }
+}
+
+bool isOurs(const struct stat& info) noexcept {
+    return S_ISREG(info.st_mode) && info.st_size == 0 && info.st_nlink == 1 &&
+           info.st_uid == ::geteuid();
+}
+
+}  // namespace
+
+QVStatus BlockFile::create(const Syscalls& calls, const std::string& path,
+                           std::shared_ptr<BlockFile>& file) {
+    // Nothing is cut off an existing file, and a pipe or a device does not keep us waiting.
+    constexpr int kFlags = O_RDWR | O_CREAT | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC | O_NONBLOCK;
+    const int fd = uninterrupted([&] { return calls.open(path.c_str(), kFlags, kOwnerOnly); });
+    if (fd < 0) {
+        return openStatus(errno);
+    }
+    std::unique_ptr<BlockFile> made;
+    try {
+        made.reset(new BlockFile(calls, fd));
+    } catch (...) {
+        calls.close(fd);
+        throw;
+    }
+    if (const QVStatus status = made->claim(); status != QV_OK) {
+        return status;
+    }
+    file = std::move(made);
+    return QV_OK;
+}
+
+// Looks at what has been opened before anything of it is changed.
+QVStatus BlockFile::claim() {
+    struct stat info {};
+    if (calls_.fstat(fd_, &info) != 0) {
+        return QV_IO_OPEN;
+    }
+    if (!isOurs(info)) {
+        return QV_IO_REFUSED;
+    }
+    // Two that write one empty file would mix their blocks.  Where the file system has no locks,
+    // the caller's choice of names is all there is.
+    if (calls_.flock(fd_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+        return QV_IO_REFUSED;
+    }
+    // The umask may have left less, an existing file may allow more.
+    return calls_.fchmod(fd_, kOwnerOnly) == 0 ? QV_OK : QV_IO_OPEN;
+}
+
+BlockFile::~BlockFile() {
+    (void)calls_.close(fd_);  // nobody is left who could want the bytes
+}
+
+QVStatus BlockFile::append(std::span<const char> block) {
+    blocks_.push_back({size_, static_cast<int64_t>(block.size())});
+    int64_t end = size_;
+    while (!block.empty()) {
+        const ssize_t count =
+            uninterrupted([&] { return calls_.pwrite(fd_, block.data(), block.size(), end); });
+        if (count <= 0) {
+            const QVStatus status = count < 0 && isFull(errno) ? QV_IO_FULL : QV_IO_WRITE;
+            blocks_.pop_back();
+            (void)calls_.ftruncate(fd_, size_);  // the status tells of the failure that counts
+            return status;
+        }
+        end += count;
+        block = block.subspan(static_cast<std::size_t>(count));
+    }
+    size_ = end;
+    return QV_OK;
+}
+
+// A file system that writes late reports at a close.  So one of two descriptors is closed.
+QVStatus BlockFile::finish() {
+    const int kept = calls_.duplicate(fd_);
+    if (kept < 0) {
+        return QV_OK;  // no descriptor is free: the file goes on with the one it has
+    }
+    const int closed = calls_.close(fd_);
+    fd_ = kept;
+    return closed == 0 ? QV_OK : QV_IO_CLOSE;
+}
+
+QVStatus BlockFile::read(const Block& block, char* room) const {
+    int64_t done = 0;
+    while (done < block.length) {
+        const ssize_t count = uninterrupted([&] {
+            return calls_.pread(fd_, room + done, static_cast<std::size_t>(block.length - done),
+                                block.offset + done);
+        });
+        if (count <= 0) {
+            return count == 0 ? QV_IO_SHORT : QV_IO_READ;
+        }
+        done += count;
+    }
+    return QV_OK;
+}
+
+}  // namespace qvhost

@@ -1,0 +1,17 @@
+// Texts as JSON strings.
+//
+// Tested by tests/host/writer_test.cpp
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace qvhost {
+
+class CodePage;
+
+// Appends `text` in double quotes, escaped as writer.h says.
+//   page  code page of the text, null for UTF-8
+void appendJsonString(std::string& out, std::string_view text, const CodePage* page);
+
+}  // namespace qvhost

@@ -1,0 +1,266 @@
+// The parser outside its loop: the table, the tokens that need a collector, the ends of a call.
+//
+// Tested by tests/json/
+#include "host/json/parser.h"
+
+#include "host/json/parser_loop.h"
+#include "host/json/scan_sse2.h"
+#include "host/nls/code_page.h"
+#include "host/rim.h"
+
+#include <cstring>
+#include <new>
+#include <string_view>
+
+namespace qvhost {
+
+namespace {
+
+#if defined(__SSE2__)
+using ScanBest = ScanSse2;
+#else
+using ScanBest = ScanPortable;
+#endif
+
+StringCollector::TextScan chooseTextScan(ScanKernel kernel, bool utf8) {
+    if (kernel == ScanKernel::PORTABLE) {
+        return utf8 ? &ScanPortable::text<true> : &ScanPortable::text<false>;
+    }
+    return utf8 ? &ScanBest::text<true> : &ScanBest::text<false>;
+}
+
+bool isLetter(uint8_t byte) {
+    return (byte | 0x20) >= 'a' && (byte | 0x20) <= 'z';
+}
+
+bool isDigit(uint8_t byte) {
+    return byte >= '0' && byte <= '9';
+}
+
+template <std::size_t kSize>
+bool standsAt(const uint8_t* p, const uint8_t* end, const char (&word)[kSize]) {
+    return static_cast<std::size_t>(end - p) >= kSize - 1 && std::memcmp(p, word, kSize - 1) == 0;
+}
+
+std::string_view nameOf(const JSNParserParms& parms) {
+    return parms.desc == nullptr
+               ? std::string_view()
+               : std::string_view(parms.desc, static_cast<std::size_t>(parms.descLen));
+}
+
+}  // namespace
+
+// ---- The table ----------------------------------------------------------------------------------
+
+Parser::Parser(QVHndlp hndl, const JSNParserParms& parms, const ParserSettings& settings)
+    : JSNParser{},
+      callbacks_(parms.callbacks),
+      maxDepth_(settings.maxDepth == 0 ? UINT64_MAX : settings.maxDepth),
+      loop_(chooseLoop(settings.kernel, parms.textCei == U_UTF8_CE)),
+      containers_(parms.pool),
+      text_(parms.pool),
+      stringCollector_(chooseTextScan(settings.kernel, parms.textCei == U_UTF8_CE),
+                       codePage(parms.textCei), text_),
+      entry_(hndl, ObjectKind::PARSER, generic, nameOf(parms)) {
+    std::memcpy(generic.tag, "JSNP", sizeof generic.tag);
+    generic.destroy = &Rim<&destroyParser>::call;
+    JSNParser::parse = &Rim<&parseBuffer>::call;
+    JSNParser::line = &lineOf;
+    JSNParser::column = &columnOf;
+}
+
+QVStatus Parser::destroyParser(QVGeneric* self) {
+    delete static_cast<Parser*>(reinterpret_cast<JSNParser*>(self));
+    return QV_OK;
+}
+
+QVStatus Parser::parseBuffer(JSNParserh self, const void* buf, QVStrSize bufLen, QVBoolean done) {
+    if (bufLen < 0 || (buf == nullptr && bufLen != 0)) {
+        return QV_BADPARMS;
+    }
+    return static_cast<Parser*>(self)->parseBytes(static_cast<const uint8_t*>(buf),
+                                                  static_cast<std::size_t>(bufLen), done != 0);
+}
+
+int64_t Parser::lineOf(JSNParserh self) {
+    return static_cast<Parser*>(self)->line_;
+}
+
+int64_t Parser::columnOf(JSNParserh self) {
+    const auto* parser = static_cast<Parser*>(self);
+    return parser->offset_ - parser->lineStart_ + 1;
+}
+
+Parser::Loop Parser::chooseLoop(ScanKernel kernel, bool utf8) {
+    if (kernel == ScanKernel::PORTABLE) {
+        return utf8 ? &Parser::loop<ScanPortable, true> : &Parser::loop<ScanPortable, false>;
+    }
+    return utf8 ? &Parser::loop<ScanBest, true> : &Parser::loop<ScanBest, false>;
+}
+
+QVStatus Parser::parseBytes(const uint8_t* buf, std::size_t bufLen, bool done) {
+    if (state_ == State::FAILED) {
+        return status_;
+    }
+    static constexpr uint8_t kNothing[1] = {};
+    buf_ = buf == nullptr ? kNothing : buf;
+    try {
+        (this->*loop_)(buf_, buf_ + bufLen);
+    } catch (const std::bad_alloc&) {
+        fail(QV_NOMEM, buf_);
+    }
+    if (done && state_ == State::TOKEN && token_ == Token::NUMBER && containers_.depth() == 0 &&
+        numberGrammar_.whole()) {
+        // Only here does the end of the document end a token.
+        const QVStatus status = deliverNumber();
+        pause(status == QV_OK ? State::DONE : State::FAILED, status, buf_ + bufLen);
+    }
+    bufOffset_ += static_cast<int64_t>(bufLen);
+    return status_;
+}
+
+// ---- Steps that every loop shares -------------------------------------------------------------
+
+// A scalar that begins a buffer, or is the document: rare enough to go to its collector at once.
+const uint8_t* Parser::loneScalar(const uint8_t* p, const uint8_t* end) {
+    if (*p == '"') {
+        return beginString(p + 1, p + 1, end, Token::STRING);
+    }
+    return *p == '-' || isDigit(*p) ? beginNumber(p, end) : word(p, end);
+}
+
+// The word, or the mistake, that begins at `p`.
+const uint8_t* Parser::word(const uint8_t* p, const uint8_t* end) {
+    switch (*p) {
+        case 't':
+            return standsAt(p, end, "true")
+                       ? delivered(callbacks_->booleanVal(callbacks_, 1), p + 4)
+                       : beginWord(p, end);
+        case 'f':
+            return standsAt(p, end, "false")
+                       ? delivered(callbacks_->booleanVal(callbacks_, 0), p + 5)
+                       : beginWord(p, end);
+        case 'n':
+            return standsAt(p, end, "null") ? delivered(callbacks_->nullx(callbacks_), p + 4)
+                                            : beginWord(p, end);
+        default:
+            return unexpected(isLetter(*p) ? QV_JSON_LITERAL : QV_JSON_VALUE, p);
+    }
+}
+
+// ---- Tokens for the collectors ----------------------------------------------------------------
+
+// A string of which [text, stop) has been found to be plain.
+const uint8_t* Parser::beginString(const uint8_t* text, const uint8_t* stop, const uint8_t* end,
+                                   Token token) {
+    token_ = token;
+    stringCollector_.begin(text, stop);
+    return collectString(stop, end);
+}
+
+const uint8_t* Parser::beginNumber(const uint8_t* p, const uint8_t* end) {
+    token_ = Token::NUMBER;
+    text_.clear();
+    numberGrammar_.begin();
+    return collectNumber(p, end);
+}
+
+const uint8_t* Parser::beginWord(const uint8_t* p, const uint8_t* end) {
+    token_ = Token::WORD;
+    word_ = *p == 't' ? "true" : *p == 'f' ? "false" : "null";
+    matched_ = 0;
+    return collectWord(p, end);
+}
+
+const uint8_t* Parser::collectToken(const uint8_t* p, const uint8_t* end) {
+    switch (token_) {
+        case Token::NAME:
+        case Token::STRING:
+            return collectString(p, end);
+        case Token::NUMBER:
+            return collectNumber(p, end);
+        case Token::WORD:
+            return collectWord(p, end);
+    }
+    return nullptr;  // not reached
+}
+
+const uint8_t* Parser::collectString(const uint8_t* p, const uint8_t* end) {
+    const QVStatus status = stringCollector_.collect(p, end);
+    if (status == QV_OK) {
+        return deliverString(text_.data(), text_.data() + text_.size(), token_, p);
+    }
+    if (status == QV_EOF) {
+        return pause(State::TOKEN, QV_EOF, p);
+    }
+    fail(status, p);
+    offset_ -= stringCollector_.mistake();
+    return nullptr;
+}
+
+const uint8_t* Parser::collectNumber(const uint8_t* p, const uint8_t* end) {
+    const uint8_t* from = p;
+    QVStatus status = QV_OK;
+    while (p != end && (status = numberGrammar_.next(*p)) == QV_OK) {
+        ++p;
+    }
+    text_.append(from, static_cast<std::size_t>(p - from));
+    if (status == QV_EOF) {
+        return delivered(deliverNumber(), p);
+    }
+    return status == QV_OK ? pause(State::TOKEN, QV_EOF, p) : fail(status, p);
+}
+
+QVStatus Parser::deliverNumber() {
+    return callbacks_->number(callbacks_, reinterpret_cast<const char*>(text_.data()),
+                              static_cast<QVStrSize>(text_.size()), numberGrammar_.flags());
+}
+
+const uint8_t* Parser::collectWord(const uint8_t* p, const uint8_t* end) {
+    for (; word_[matched_] != '\0'; ++matched_, ++p) {
+        if (p == end) {
+            return pause(State::TOKEN, QV_EOF, p);
+        }
+        if (*p != static_cast<uint8_t>(word_[matched_])) {
+            return fail(QV_JSON_LITERAL, p);
+        }
+    }
+    return delivered(word_[0] == 'n' ? callbacks_->nullx(callbacks_)
+                                     : callbacks_->booleanVal(callbacks_, word_[0] == 't'),
+                     p);
+}
+
+// The bytes that may be a byte order mark.  Either way the document is wrong from its first byte.
+const uint8_t* Parser::byteOrderMark(const uint8_t* p, const uint8_t* end) {
+    static constexpr uint8_t kMark[] = {0xEF, 0xBB, 0xBF};
+    for (; p != end; ++p, ++matched_) {
+        const bool matches = *p == kMark[matched_];
+        if (!matches || matched_ == 2) {
+            fail(matches ? QV_JSON_BOM : QV_JSON_VALUE, p);
+            offset_ = 0;
+            return nullptr;
+        }
+    }
+    return pause(State::BOM, QV_EOF, p);
+}
+
+// ---- Ends of a call ---------------------------------------------------------------------------
+
+// The call ends with `status` at `p`, and the next one goes on at `state`.
+std::nullptr_t Parser::pause(State state, QVStatus status, const uint8_t* p) {
+    state_ = state;
+    status_ = status;
+    offset_ = offsetOf(p);
+    return nullptr;
+}
+
+std::nullptr_t Parser::fail(QVStatus status, const uint8_t* p) {
+    return pause(State::FAILED, status, p);
+}
+
+// A byte that begins nothing that may stand at `p`.  `status` says what was expected.
+std::nullptr_t Parser::unexpected(QVStatus status, const uint8_t* p) {
+    return fail(*p == '/' ? QV_JSON_COMMENT : status, p);
+}
+
+}  // namespace qvhost

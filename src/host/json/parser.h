@@ -1,0 +1,155 @@
+// The JSON push parser: takes a document in buffers of any size and calls the events of JSNParseCB.
+//
+// The work is divided in two.  The loop (parser_loop.h) recognises tokens that are well formed and
+// whole in the buffer, and hands them over from where they stand.  Every other token, one that
+// crosses the end of the buffer, has escapes or is wrong, goes to a collector: a small machine that
+// takes the token byte by byte into memory of the parser, can stop at any byte, and knows each
+// mistake.  So mistakes are described in one place, whichever way the document is cut.
+//
+// Nothing recurses: open containers are bits of a stack on the heap.
+//
+// Position.  Line ends are counted where white space is passed over, the only place where a raw
+// line feed may stand; so there is no second pass over the bytes.
+//
+// Tested by tests/json/
+#pragma once
+
+#include "qvehost.h"
+
+#include "host/host_object.h"
+#include "host/json/parser_memory.h"
+#include "host/json/parser_number.h"
+#include "host/json/parser_string.h"
+#include "host/json/scan_portable.h"
+#include "host/json/scan_window.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace qvhost {
+
+// How bytes are scanned.
+enum class ScanKernel : uint8_t { BEST, PORTABLE };
+
+struct ParserSettings {
+    uint64_t maxDepth = 0;  // containers that may be open at once, 0: any number
+    ScanKernel kernel = ScanKernel::BEST;
+};
+
+class Parser : public JSNParser {
+   public:
+    // Fills the table.  The parser is made with `new` and ended by `generic.destroy`.
+    Parser(QVHndlp hndl, const JSNParserParms& parms, const ParserSettings& settings);
+    Parser(const Parser&) = delete;
+    Parser& operator=(const Parser&) = delete;
+
+   private:
+    // What comes next.
+    enum class State : uint8_t {
+        BEGIN,           // the first byte: a byte order mark is told apart here
+        BOM,             // behind the first bytes of what may be one
+        VALUE,           // the value of the document, or behind ':'
+        NAME,            // behind ',' in an object
+        NAME_OR_END,     // behind '{'
+        COLON,           // behind a member name
+        MEMBER_NEXT,     // behind a member: ',' or '}'
+        ELEMENT,         // behind ',' in an array
+        ELEMENT_OR_END,  // behind '['
+        ELEMENT_NEXT,    // behind an element: ',' or ']'
+        TOKEN,           // inside a token that crosses the end of a buffer
+        DONE,            // only white space
+        FAILED           // nothing: `status_` is the answer for ever
+    };
+    enum class Token : uint8_t { NAME, STRING, NUMBER, WORD };
+    using Loop = void (Parser::*)(const uint8_t* p, const uint8_t* end);
+
+    // The table's slots.
+    static QVStatus parseBuffer(JSNParserh self, const void* buf, QVStrSize bufLen, QVBoolean done);
+    static int64_t lineOf(JSNParserh self);
+    static int64_t columnOf(JSNParserh self);
+    static QVStatus destroyParser(QVGeneric* self);
+    QVStatus parseBytes(const uint8_t* buf, std::size_t bufLen, bool done);
+
+    // The loop and its steps (parser_loop.h).  A step gives the byte behind what it took, or null
+    // when the call must end with `status_`.
+    static Loop chooseLoop(ScanKernel kernel, bool utf8);
+    template <class Scan, bool kUtf8>
+    void loop(const uint8_t* p, const uint8_t* end);
+    template <class Scan, bool kUtf8>
+    const uint8_t* members(const uint8_t* p, const uint8_t* end, TextWindow<Scan, kUtf8>& window);
+    template <class Scan, bool kUtf8>
+    const uint8_t* elements(const uint8_t* p, const uint8_t* end, TextWindow<Scan, kUtf8>& window);
+    template <class Scan>
+    const uint8_t* begin(const uint8_t* p, const uint8_t* end);
+    template <class Scan>
+    const uint8_t* firstOrEnd(const uint8_t* p, const uint8_t* end);
+    template <class Scan>
+    const uint8_t* next(const uint8_t* p, const uint8_t* end);
+    template <class Scan>
+    const uint8_t* otherState(const uint8_t* p, const uint8_t* end);
+    template <class Scan, bool kUtf8>
+    const uint8_t* scalar(const uint8_t* p, const uint8_t* end, TextWindow<Scan, kUtf8>& window);
+    template <class Scan, bool kUtf8>
+    const uint8_t* string(const uint8_t* p, const uint8_t* end, TextWindow<Scan, kUtf8>& window,
+                          Token token);
+    template <class Scan, bool kUtf8>
+    const uint8_t* otherString(const uint8_t* text, const uint8_t* stop, const uint8_t* end,
+                               TextWindow<Scan, kUtf8>& window, Token token);
+    template <class Scan>
+    const uint8_t* number(const uint8_t* p, const uint8_t* end);
+    template <class Scan>
+    const uint8_t* toToken(const uint8_t* p, const uint8_t* end, State state);
+    template <class Scan>
+    const uint8_t* space(const uint8_t* p, const uint8_t* end);
+    template <class Scan>
+    const uint8_t* spaceRun(const uint8_t* p, const uint8_t* end);
+    const uint8_t* loneScalar(const uint8_t* p, const uint8_t* end);
+    const uint8_t* word(const uint8_t* p, const uint8_t* end);
+    [[nodiscard]] State afterValue() const;
+    const uint8_t* deliverString(const uint8_t* text, const uint8_t* stop, Token token,
+                                 const uint8_t* p);
+    const uint8_t* delivered(QVStatus status, const uint8_t* p);
+
+    // Tokens for the collectors.
+    const uint8_t* beginString(const uint8_t* text, const uint8_t* stop, const uint8_t* end,
+                               Token token);
+    const uint8_t* beginNumber(const uint8_t* p, const uint8_t* end);
+    const uint8_t* beginWord(const uint8_t* p, const uint8_t* end);
+    const uint8_t* collectToken(const uint8_t* p, const uint8_t* end);
+    const uint8_t* collectString(const uint8_t* p, const uint8_t* end);
+    const uint8_t* collectNumber(const uint8_t* p, const uint8_t* end);
+    const uint8_t* collectWord(const uint8_t* p, const uint8_t* end);
+    QVStatus deliverNumber();
+    const uint8_t* byteOrderMark(const uint8_t* p, const uint8_t* end);
+
+    // Ends of a call, all null.
+    std::nullptr_t pause(State state, QVStatus status, const uint8_t* p);
+    std::nullptr_t fail(QVStatus status, const uint8_t* p);
+    std::nullptr_t unexpected(QVStatus status, const uint8_t* p);
+    [[nodiscard]] int64_t offsetOf(const uint8_t* p) const { return bufOffset_ + (p - buf_); }
+
+    JSNParseCB* callbacks_;
+    uint64_t maxDepth_;
+    Loop loop_;
+    State state_ = State::BEGIN;
+    QVStatus status_ = QV_OK;
+
+    ContainerStack containers_;
+
+    const uint8_t* buf_ = nullptr;  // the present buffer, during a call
+    int64_t bufOffset_ = 0;         // its place in the document
+    int64_t offset_ = 0;            // the position to tell
+    int64_t line_ = 1;
+    int64_t lineStart_ = 0;  // offset of its first byte
+
+    Token token_ = Token::STRING;  // the token of State::TOKEN
+    GrowingBytes text_;            // its text
+    StringCollector stringCollector_;
+    NumberGrammar numberGrammar_;
+    const char* word_ = nullptr;  // "true", "false" or "null"
+    int matched_ = 0;             // bytes of the word, or of a byte order mark
+
+    HostObject entry_;
+};
+
+}  // namespace qvhost

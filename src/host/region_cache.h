@@ -1,0 +1,50 @@
+// Mappings that ended pools leave to later ones.
+//
+// Most of the cost of fresh memory is the first touch of its pages.  A program that reads one
+// document after the other pays it once: the regions of an ended pool are kept, marked as free to
+// take for the system when it runs short (MADV_FREE), and handed to the next pool with whatever
+// they hold.
+//
+// Any thread may use it.
+//
+// Tested by tests/host/pool_test.cpp
+#pragma once
+
+#include <cstddef>
+#include <mutex>
+
+namespace qvhost {
+
+class RegionCache {
+   public:
+    struct Mapping {
+        std::byte* begin;  // null: none could be had
+        std::size_t size;
+        bool isZero;  // fresh from the system
+    };
+
+    RegionCache() = default;
+    ~RegionCache();
+    RegionCache(const RegionCache&) = delete;
+    RegionCache& operator=(const RegionCache&) = delete;
+
+    // A mapping of `wanted` bytes or more, or one of at least `least` when that is all there is.
+    Mapping get(std::size_t wanted, std::size_t least);
+    // Takes a mapping over, without any part of it hidden from the address sanitizer.
+    void put(std::byte* begin, std::size_t size);
+
+   private:
+    struct Kept {
+        Kept* next;
+        std::size_t size;
+    };
+    std::mutex mutex_;
+    Kept* first_ = nullptr;  // the record lies at the begin of its mapping
+    std::size_t bytes_ = 0;
+};
+
+// Zero-filled address space of its own, or null.
+std::byte* mapMemory(std::size_t size);
+void unmapMemory(void* mem, std::size_t size);
+
+}  // namespace qvhost

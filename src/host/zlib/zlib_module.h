@@ -1,0 +1,13 @@
+// The built-in module "qvezlib": zlib behind the table QVZLIB.
+//
+// Tested by tests/host/zlib_test.cpp
+#pragma once
+
+#include "qvehost.h"
+
+namespace qvhost {
+
+// Makes an instance.  Null when there is no memory.
+QVExtensionh qvezlibEntry(QVHndlp hndl, QVJnlh jnl);
+
+}  // namespace qvhost
