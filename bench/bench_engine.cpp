@@ -1,0 +1,148 @@
+// Speed of the engine in process, one thread, the document in memory: scan to the automatic map, and
+// reading each table.
+//
+//   BM_Scan/orders         bytes of document a second, buffers of 1 MiB, records kept, uncompressed
+//   BM_Read/orders/TABLE   bytes of records a second
+//
+// The first scan of each document touches fresh memory; it is timed apart and shown as "cold_MBps".
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "bench/documents.h"
+#include "qvejmap.h"
+#include "qvejmapx.h"
+#include "qvportable.h"
+
+namespace jmap::bench {
+namespace {
+
+constexpr std::size_t kBufferBytes = 1U << 20;
+constexpr std::size_t kTablesShown = 6;  // of each document
+
+void check(QVStatus status, const char* what) {
+    if (status != QV_OK) {
+        std::fprintf(stderr, "%s: %s\n", what, qvStatusText(status));
+        std::abort();
+    }
+}
+
+UserJMAP_S* engine() {
+    static UserJMAP_S* const loaded = [] {
+        QVPortableOptions options = {};
+        options.structSize = sizeof options;
+        QVHndlp host = nullptr;
+        check(qvPortableStart(&options, &host), "qvPortableStart");
+        check(qvPortableRegister(host, "qvejmap", &qvejmap), "qvPortableRegister");
+        return reinterpret_cast<UserJMAP_S*>(host->loadExtension(host, U"qvejmap", 7, nullptr));
+    }();
+    return loaded;
+}
+
+QVEJMAPJsonContexth scan(const std::string& text) {
+    QVEJMAPJsonInitParms parms = {};
+    parms.inCEI = U_UTF8_CE;
+    parms.ordinalCount = UINT64_MAX;
+    QVEJMAPJsonContexth doc = nullptr;
+    check(engine()->JsonInit(&engine()->exth, &parms, &doc, nullptr), "JsonInit");
+    QVBoolean caching = 0;
+    for (std::size_t at = 0; at < text.size(); at += kBufferBytes) {
+        const std::size_t size = std::min(kBufferBytes, text.size() - at);
+        check(engine()->JsonInput(doc, const_cast<char*>(text.data() + at), static_cast<QVStrSize>(size),
+                                  at + size == text.size(), &caching, nullptr),
+              "JsonInput");
+    }
+    return doc;
+}
+
+// A document, scanned once: its tables are read from `doc`.
+struct Prepared {
+    const Document* document;
+    QVEJMAPJsonContexth doc;
+    double coldRate;  // MB a second of the first scan
+};
+
+Prepared prepare(const Document& document) {
+    const auto start = std::chrono::steady_clock::now();
+    QVEJMAPJsonContexth doc = scan(document.text);
+    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return {&document, doc, static_cast<double>(document.text.size()) / 1e6 / seconds};
+}
+
+void scanDocument(benchmark::State& state, const Prepared& prepared) {
+    const std::string& text = prepared.document->text;
+    check(engine()->Term(scan(text), nullptr), "Term");  // its memory serves the timed scans
+    for (auto _ : state) {
+        QVEJMAPJsonContexth doc = scan(text);
+        state.PauseTiming();
+        check(engine()->Term(doc, nullptr), "Term");
+        state.ResumeTiming();
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size()));
+    state.counters["cold_MBps"] = prepared.coldRate;
+}
+
+void readTable(benchmark::State& state, QVEJMAPJsonContexth doc, JMAPTableh table) {
+    JMAPTotals totals = {};
+    jmapTotals(doc, &totals);
+    int64_t rows = 0;
+    for (auto _ : state) {
+        QVEJMAPReadContexth rctx = nullptr;
+        check(jmapReadTable(doc, table, nullptr, &rctx), "jmapReadTable");
+        QVStatus status = QV_OK;
+        while ((status = engine()->Read(rctx)) == QV_OK) {
+            benchmark::DoNotOptimize(rctx->obsbuf);
+            ++rows;
+        }
+        check(status == QV_EOF ? QV_OK : status, "Read");
+        check(engine()->ReadTerm(rctx), "ReadTerm");
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * totals.recordBytes));
+    state.counters["rows"] = benchmark::Counter(static_cast<double>(rows), benchmark::Counter::kIsRate);
+}
+
+void registerScan(const Prepared& prepared) {
+    benchmark::RegisterBenchmark(("BM_Scan/" + prepared.document->name).c_str(),
+                                 [prepared](benchmark::State& state) { scanDocument(state, prepared); })
+        ->Unit(benchmark::kMillisecond);
+}
+
+void registerTables(const Prepared& prepared) {
+    QVMemPtr map = nullptr;
+    check(engine()->GetAutoMap(prepared.doc, &map), "GetAutoMap");
+    JMAPTableh table = nullptr;
+    for (std::size_t i = 0; i < kTablesShown && jmapNextTable(map, &table) == QV_OK; ++i) {
+        JMAPTableInfo info = {};
+        jmapTableInfo(table, &info);
+        const std::string name = "BM_Read/" + prepared.document->name + "/" +
+                                 std::string(info.name, static_cast<std::size_t>(info.nameLen));
+        benchmark::RegisterBenchmark(name.c_str(), [prepared, table](benchmark::State& state) {
+            readTable(state, prepared.doc, table);
+        })->Unit(benchmark::kMillisecond);
+    }
+}
+
+}  // namespace
+}  // namespace jmap::bench
+
+int main(int argc, char** argv) {
+    using namespace jmap::bench;
+    benchmark::Initialize(&argc, argv);
+    const std::vector<Document> documents = loadDocuments();
+    std::vector<Prepared> prepared;
+    for (const Document& document : documents) {
+        prepared.push_back(prepare(document));
+    }
+    for (const Prepared& one : prepared) {
+        registerScan(one);
+    }
+    for (const Prepared& one : prepared) {
+        registerTables(one);
+    }
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

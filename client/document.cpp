@@ -1,0 +1,213 @@
+// See document.h.
+#include "client/document.h"
+
+#include "client/error.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace qvej {
+namespace {
+
+constexpr uint64_t kLongestCell = 32767;
+constexpr uint64_t kNumberBytes = 8;
+
+std::string_view view(const char* text, QVStrSize textLen) {
+    return text == nullptr ? std::string_view{}
+                           : std::string_view(text, static_cast<std::size_t>(textLen));
+}
+
+}  // namespace
+
+Document::Document(Engine& engine, const DocumentOptions& options)
+    : engine_(engine), codec_(engine.host(), options.encoding), alldataName_(options.alldataName) {
+    if (options.cacheFile.empty()) {
+        cache_.emplace();
+    }
+    std::u32string cacheName = toHostCharacters(cache_ ? cache_->path() : options.cacheFile);
+    std::string alldataName = codec_.encoded(options.alldataName);
+    std::string debug = options.debug;
+
+    QVEJMAPJsonInitParms parms = {};
+    parms.inCEI = options.encoding;
+    parms.debugString = debug.data();
+    parms.debugStringLen = static_cast<QVStrSize>(debug.size());
+    const std::size_t descLen = std::min(options.description.size(), sizeof parms.desc);
+    std::memcpy(parms.desc, options.description.data(), descLen);
+    parms.descLen = static_cast<QVStrSize>(descLen);
+    parms.tempName = cacheName.data();
+    parms.tempNameLen = static_cast<QVStrSize>(cacheName.size());
+    parms.rlmemSize = engine.availableMemory();
+    parms.memLeave = options.keepFree;
+    parms.compress = options.compress ? 1 : 0;
+    parms.ordinalCount = options.ordinals;
+    parms.alldataName = alldataName.data();
+    parms.alldataNameLen = static_cast<QVStrSize>(alldataName.size());
+
+    const QVStatus status =
+        operations()->JsonInit(&operations()->exth, &parms, &handle_, engine.host()->jnl);
+    if (status != QV_OK) {
+        if (handle_ != nullptr) {
+            (void)operations()->Term(handle_, nullptr);  // the first failure is the one to report
+        }
+        throw Error(status);
+    }
+}
+
+Document::~Document() {
+    (void)operations()->Term(handle_, engine_.host()->jnl);  // nobody to report to
+}
+
+void Document::input(std::string_view text, bool done) {
+    QVBoolean caching = 0;
+    // The engine only reads the buffer; its table just has no const.
+    const QVStatus status = operations()->JsonInput(handle_, const_cast<char*>(text.data()),
+                                                    static_cast<QVStrSize>(text.size()),
+                                                    done ? 1 : 0, &caching, engine_.host()->jnl);
+    if (caching != 0) {
+        caching_ = true;
+        if (cache_) {
+            cache_->remove();
+        }
+    }
+    if (status == QV_OK) {
+        return;
+    }
+    const ERRORINFO& info = handle_->e;
+    if (status == JMAP_INCOMPLETE && info.rc != QV_OK) {
+        // The parser stands behind the scalar by now.
+        throw Error(status, "a document must be an object or an array", startLine_, startColumn_);
+    }
+    if (status == JMAP_PARSE) {
+        throw Error(info.rc, qvStatusText(info.rc), info.line, info.col);
+    }
+    throw Error(status);
+}
+
+// Finds the place where the document begins.
+void Document::followStart(std::string_view text) {
+    for (std::size_t i = 0; i < text.size() && !begun_; ++i) {
+        if (text[i] == '\n') {
+            ++startLine_;
+            startColumn_ = 1;
+        } else if (text[i] == ' ' || text[i] == '\t' || text[i] == '\r') {
+            ++startColumn_;
+        } else {
+            begun_ = true;
+        }
+    }
+}
+
+void Document::feed(std::string_view text) {
+    followStart(text);
+    input(text, false);
+}
+
+void Document::finish() {
+    input("", true);
+
+    if (totals().unstoredBytes != 0) {
+        throw Error(caching_ ? QV_IO_WRITE : QV_NOMEM, "the last records could not be stored");
+    }
+    QVMemPtr map = nullptr;
+    check(operations()->GetAutoMap(handle_, &map));
+    JMAPTableh table = nullptr;
+    while (jmapNextTable(map, &table) == QV_OK) {
+        tables_.push_back(describe(table, false));
+    }
+    check(jmapAlldataTable(handle_, &table));
+    alldata_ = describe(table, true);
+}
+
+Table Document::describe(JMAPTableh handle, bool alldata) const {
+    JMAPTableInfo info = {};
+    jmapTableInfo(handle, &info);
+    Table table = {codec_.decoded(view(info.name, info.nameLen)),
+                   codec_.decoded(view(info.tablePath, info.tablePathLen)),
+                   {},
+                   alldata,
+                   handle};
+    table.columns.reserve(info.columnCount);
+    JMAPColumnh column = nullptr;
+    while (jmapNextColumn(handle, &column) == QV_OK) {
+        JMAPColumnInfo c = {};
+        jmapColumnInfo(column, &c);
+        const auto type = static_cast<ColumnType>(c.type);
+        table.columns.push_back(
+            {codec_.decoded(view(c.name, c.nameLen)), codec_.decoded(view(c.path, c.pathLen)), type,
+             type == ColumnType::CHARACTER ? std::min(c.length, kLongestCell) : kNumberBytes});
+    }
+    return table;
+}
+
+std::string Document::privateCachePath() const {
+    return cache_ ? cache_->path() : std::string();
+}
+
+const Table* Document::find(std::string_view name) const {
+    const auto found = std::find_if(tables_.begin(), tables_.end(), [&](const Table& t) {
+        return equalIgnoringCase(t.name, name);
+    });
+    if (found != tables_.end()) {
+        return &*found;
+    }
+    return name == alldataName_ ? &*alldata_ : nullptr;
+}
+
+std::string Document::mapText() const {
+    char* text = nullptr;
+    QVStrSize textLen = 0;
+    const QVStatus status =
+        operations()->GetAutoMapBuf(handle_, &text, &textLen, engine_.host()->jnl);
+    std::string document;
+    if (status == QV_OK) {
+        document = codec_.decoded(view(text, textLen));
+    }
+    const QVStatus freed = operations()->GetAutoMapBufFree(handle_);
+    check(status);
+    check(freed);
+    return document;
+}
+
+std::vector<PathStatistics> Document::pathStatistics() const {
+    std::vector<PathStatistics> statistics;
+    JMAPPathh path = nullptr;
+    while (jmapNextPath(handle_, &path) == QV_OK) {
+        JMAPPathInfo info = {};
+        jmapPathInfo(path, &info);
+        statistics.push_back({codec_.decoded(view(info.path, info.pathLen)), info.count, info.type,
+                              info.maxValueLen});
+    }
+    return statistics;
+}
+
+JMAPTotals Document::totals() const {
+    JMAPTotals totals = {};
+    jmapTotals(handle_, &totals);
+    return totals;
+}
+
+RecordCursor::RecordCursor(const Document& document) : document_(document) {
+    check(jmapRecordsOpen(document.handle(), &handle_));
+}
+
+RecordCursor::~RecordCursor() {
+    (void)jmapRecordsClose(handle_);  // only read from: nothing can be lost
+}
+
+bool RecordCursor::next(Record& record) {
+    JMAPRecord raw = {};
+    const QVStatus status = jmapRecordsNext(handle_, &raw);
+    if (status == QV_EOF) {
+        return false;
+    }
+    check(status);
+    const TextCodec& codec = document_.codec();
+    record.kind = raw.kind;
+    record.kindName = jmapKindName(raw.kind);
+    record.path = codec.decode(view(raw.path, raw.pathLen), path_);
+    record.value = codec.decode(view(raw.value, raw.valueLen), value_);
+    return true;
+}
+
+}  // namespace qvej

@@ -1,0 +1,152 @@
+// One JSON document: fed buffer by buffer, then its tables, its map and its records.
+//
+// All texts handed out are UTF-8, whatever the encoding of the document.
+//
+// Tested by tests/tool/client_test.cpp
+#pragma once
+
+#include "qvejmapx.h"
+
+#include "client/cache_file.h"
+#include "client/engine.h"
+#include "client/text.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qvej {
+
+struct DocumentOptions {
+    QVCEI encoding = U_UTF8_CE;      // of the text that is fed; see Engine::encodingId
+    std::string description = {};    // what notes call the document; 20 bytes are used
+    std::string debug = {};          // keywords with a comma before and after each: ",MAP,READ,"
+    std::string cacheFile = {};      // for records that leave memory; empty: a private file,
+                                     // removed by the document.  A named file stays.
+    uint64_t keepFree = 0;           // bytes of memory below which records go to the cache file
+    bool compress = false;           // deflate the records
+    uint64_t ordinals = UINT64_MAX;  // levels of ordinal columns
+    std::string alldataName = "ALLDATA";  // at most 40 bytes
+};
+
+enum class ColumnType {
+    ORDINAL = JMAP_ORDINAL,
+    NUMERIC = JMAP_NUMERIC,
+    CHARACTER = JMAP_CHARACTER
+};
+
+struct Column {
+    std::string name;
+    std::string path;  // separator 0x02 (withSlashes shows it); empty: none
+    ColumnType type;
+    uint64_t length;  // bytes in a row: 8, or the longest value of a character column (to 32767)
+};
+
+struct Table {
+    std::string name;
+    std::string path;  // as a column's
+    std::vector<Column> columns;
+    bool alldata;       // every value of the document, with the labels of its path
+    JMAPTableh handle;  // the engine's
+};
+
+// One record of the document.  The texts live until the next call on its cursor.
+struct Record {
+    int32_t kind;               // JMAP_KIND_...
+    std::string_view kindName;  // "NUMBER", ...
+    std::string_view path;      // separator 0x02
+    std::string_view value;     // empty for JMAP_KIND_NOVAL
+};
+
+// One distinct path that had a value.
+struct PathStatistics {
+    std::string path;  // separator 0x02
+    int64_t count;     // of values
+    int32_t type;      // JMAP_NUMERIC, JMAP_CHARACTER, 3 for an empty container
+    int64_t longest;   // bytes of the longest value
+};
+
+class Document {
+   public:
+    // Throws QV_BADPARMS (options), QV_UNMAPPABLE (a name that its encoding cannot hold), QV_NOMEM.
+    explicit Document(Engine& engine, const DocumentOptions& options = {});
+    ~Document();
+    Document(const Document&) = delete;
+    Document& operator=(const Document&) = delete;
+
+    // Takes the next piece of the text; it is only read.  Throws a mistake of the text with its
+    // place; trouble with the cache file (QV_IO_...); QV_NOMEM.  After a failure only the
+    // destructor may be called.
+    void feed(std::string_view text);
+
+    // Ends the text and builds the tables.  Throws as `feed`, and JMAP_INCOMPLETE without a place
+    // when the document is not complete.  The engine passes over a last block that it cannot store;
+    // here that is a failure too (QV_IO_WRITE, QV_NOMEM).
+    void finish();
+
+    // The private cache file, so that a program can remove it when a signal ends it; empty when a
+    // file was named by the options.
+    [[nodiscard]] std::string privateCachePath() const;
+
+    // ---- after `finish` ----
+
+    // Tables of the automatic map in order, without ALLDATA.
+    [[nodiscard]] const std::vector<Table>& tables() const { return tables_; }
+    [[nodiscard]] const Table& alldata() const { return *alldata_; }
+
+    // The table that a name opens: the first of that name in any case, else ALLDATA by its exact
+    // configured name.  Null: none.
+    [[nodiscard]] const Table* find(std::string_view name) const;
+
+    // The automatic map as a JSON document.
+    [[nodiscard]] std::string mapText() const;
+
+    [[nodiscard]] std::vector<PathStatistics> pathStatistics() const;
+    [[nodiscard]] JMAPTotals totals() const;
+
+    // ---- for cursors ----
+
+    [[nodiscard]] const TextCodec& codec() const { return codec_; }
+    [[nodiscard]] UserJMAP_S* operations() const { return engine_.operations(); }
+    [[nodiscard]] QVEJMAPJsonContexth handle() const { return handle_; }
+
+   private:
+    void input(std::string_view text, bool done);
+    void followStart(std::string_view text);
+    [[nodiscard]] Table describe(JMAPTableh handle, bool alldata) const;
+
+    Engine& engine_;
+    TextCodec codec_;
+    std::string alldataName_;  // UTF-8
+    std::optional<PrivateCacheFile> cache_;
+    QVEJMAPJsonContexth handle_ = nullptr;
+    bool caching_ = false;  // records go to the cache file
+    bool begun_ = false;    // something but white space has come, at startLine_, startColumn_
+    int64_t startLine_ = 1;
+    int64_t startColumn_ = 1;
+    std::vector<Table> tables_;
+    std::optional<Table> alldata_;
+};
+
+// Walks the records of a finished document, which must outlive it.
+class RecordCursor {
+   public:
+    explicit RecordCursor(const Document& document);
+    ~RecordCursor();
+    RecordCursor(const RecordCursor&) = delete;
+    RecordCursor& operator=(const RecordCursor&) = delete;
+
+    // False after the last record.  Throws QV_IO_..., QV_NOMEM.
+    bool next(Record& record);
+
+   private:
+    const Document& document_;
+    JMAPRecordCursorh handle_ = nullptr;
+    std::string path_;
+    std::string value_;
+};
+
+}  // namespace qvej

@@ -1,0 +1,43 @@
+// How the C++ face reports a failure: one exception class.
+//
+// Every routine of client/ that can fail throws qvej::Error (or std::bad_alloc).  Front doors that
+// must not let exceptions pass (a database, another language) catch them at their own rim.
+#pragma once
+
+#include "qvstatus.h"
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+namespace qvej {
+
+// What went wrong and, for the text of a document, where.  `what()` is a sentence without a subject
+// ("':' was expected after the member name").
+class Error : public std::runtime_error {
+   public:
+    explicit Error(QVStatus status) : Error(status, qvStatusText(status)) {}
+    Error(QVStatus status, const std::string& sentence, int64_t line = 0, int64_t column = 0)
+        : std::runtime_error(sentence), status_(status), line_(line), column_(column) {}
+
+    [[nodiscard]] QVStatus status() const { return status_; }
+
+    // Place in the document: 1-based, the column in bytes.  0 when the failure has no place, or
+    // when it is the end of the input (status JMAP_INCOMPLETE).
+    [[nodiscard]] int64_t line() const { return line_; }
+    [[nodiscard]] int64_t column() const { return column_; }
+
+   private:
+    QVStatus status_;
+    int64_t line_;
+    int64_t column_;
+};
+
+// Throws Error for every status but QV_OK.
+inline void check(QVStatus status) {
+    if (status != QV_OK) {
+        throw Error(status);
+    }
+}
+
+}  // namespace qvej

@@ -1,0 +1,63 @@
+// From the statistics of paths to the automatic map.
+//
+// Tested by tests/automap/discovery_test.cpp
+#include "discovery.h"
+
+#include "alldata.h"
+#include "core/list.h"
+#include "core/pool.h"
+#include "core/status.h"
+#include "names.h"
+#include "ordinals.h"
+#include "path_parts.h"
+#include "variables.h"
+
+namespace jmap {
+
+QVStatus doMapping(JMAP_PRIVATE* p) {
+    auto* map = poolNew<MAP>(p->cpool);
+    p->automap = map;
+    if (map == nullptr) {
+        return QV_NOMEM;
+    }
+    map->mtype = AUTO_MAP;
+    for (PATHINFO& info : each(p->pathInfoHead)) {
+        if (!info.processed) {
+            // Kept: a table that fails is left out silently.  One observes a map without it, and
+            // perhaps a gap in the numbers behind its name.
+            (void)doDataset(p, map, &info);
+        }
+    }
+    return doAlldataDsinfo(p, map);
+}
+
+QVStatus doDataset(JMAP_PRIVATE* p, MAP* m, PATHINFO* n) {
+    auto* ds = poolNew<DSINFO>(p->cpool);
+    if (ds == nullptr) {
+        return QV_NOMEM;
+    }
+    QV_TRY(uniqueDsName(p, ds, n));
+    QV_TRY(doOrdinals(p, ds, n));
+    QV_TRY(doVariables(p, ds, n));
+    QV_TRY(doTablePath(p, ds));
+    append(m->dshead, m->dstail, ds);
+    return QV_OK;
+}
+
+QVStatus doTablePath(JMAP_PRIVATE* p, DSINFO* ds) {
+    ds->tablePath = nullptr;
+    ds->tablePathLen = 0;
+    if (ds->vtail == nullptr) {
+        return QV_OK;
+    }
+    const std::string_view path = parentOf(p, pathOf(*ds->vtail));
+    char* copy = poolCopy(p->cpool, path);
+    if (copy == nullptr) {
+        return QV_NOMEM;
+    }
+    ds->tablePath = copy;
+    ds->tablePathLen = lengthOf(path);
+    return QV_OK;
+}
+
+}  // namespace jmap

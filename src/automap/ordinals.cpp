@@ -1,0 +1,92 @@
+// The ordinal columns of a table.
+//
+// Tested by tests/automap/ordinals_test.cpp
+#include "ordinals.h"
+
+#include "core/list.h"
+#include "core/pool.h"
+#include "core/status.h"
+#include "names.h"
+#include "path_parts.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace jmap {
+namespace {
+
+constexpr std::string_view kPrefix = "ordinal_";
+
+// Makes the ordinal that counts `path` and puts it in front.
+//   Kept: for an empty last component the record is made and left unused.
+QVStatus addOrdinal(JMAP_PRIVATE* p, DSINFO* ds, std::string_view path) {
+    auto* column = poolNew<VARINFO>(p->cpool);  // zero: VAR_ORDINAL of length 0
+    char* copy = poolCopy(p->cpool, path);
+    if (column == nullptr || copy == nullptr) {
+        return QV_NOMEM;
+    }
+    column->path = copy;
+    column->pathLen = lengthOf(path);
+
+    const std::string_view last = partsOf(p, path).last;
+    if (last.empty()) {
+        return QV_OK;
+    }
+    const QVStrSize lastLen = std::min(lengthOf(last), kNameMax - lengthOf(kPrefix));
+    column->nameLen = lengthOf(kPrefix) + lastLen;
+    column->name = poolBytes(p->cpool, column->nameLen + 1);
+    if (column->name == nullptr) {
+        return QV_NOMEM;
+    }
+    std::copy_n(last.data(), lastLen, std::copy_n(kPrefix.data(), kPrefix.size(), column->name));
+    validateName(column->name, column->nameLen);
+
+    column->next = ds->vhead;
+    ds->vhead = column;
+    if (ds->vtail == nullptr) {
+        ds->vtail = column;
+    }
+    ds->varcount += 1;
+    return QV_OK;
+}
+
+// Appends one character to a name.
+QVStatus appendCharacter(JMAP_PRIVATE* p, VARINFO& column, char c) {
+    auto* grown =
+        static_cast<char*>(p->cpool->reallocate(p->cpool, column.name, column.nameLen + 1, 0));
+    if (grown == nullptr) {
+        return QV_NOMEM;
+    }
+    column.name = grown;
+    column.name[column.nameLen] = c;
+    column.nameLen += 1;
+    return QV_OK;
+}
+
+// Tells equal names apart: each later one of a pair gets one more character.
+//   Kept: the characters count up through the code table, "1" to "9" and then ":", and over all
+//   pairs of the table; case counts; a name can get more than one.
+QVStatus makeOrdinalsUnique(JMAP_PRIVATE* p, DSINFO* ds) {
+    uint8_t next = '1';
+    for (const VARINFO& column : each(ds->vhead)) {
+        for (VARINFO& later : each(column.next)) {
+            if (nameOf(later) == nameOf(column)) {
+                QV_TRY(appendCharacter(p, later, static_cast<char>(next++)));
+            }
+        }
+    }
+    return QV_OK;
+}
+
+}  // namespace
+
+QVStatus doOrdinals(JMAP_PRIVATE* p, DSINFO* ds, PATHINFO* n) {
+    std::string_view path = parentOf(p, pathOf(*n));
+    for (uint64_t left = p->ordinalCount; left > 0 && !path.empty(); --left) {
+        QV_TRY(addOrdinal(p, ds, path));
+        path = parentOf(p, path);
+    }
+    return makeOrdinalsUnique(p, ds);
+}
+
+}  // namespace jmap

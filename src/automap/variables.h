@@ -1,0 +1,15 @@
+// The value columns of a table.
+//
+// Tested by tests/automap/variables_test.cpp
+#pragma once
+
+#include "core/context.h"
+
+namespace jmap {
+
+// Appends a column for every path of the group from `n` on that lies in the same object as `n`, and
+// marks these paths processed.  Placeholders of empty containers are marked only.
+// Returns QV_OK, QV_NOMEM, or a status of making a name; columns made so far stay in the table.
+[[nodiscard]] QVStatus doVariables(JMAP_PRIVATE* p, DSINFO* ds, PATHINFO* n);
+
+}  // namespace jmap

@@ -1,0 +1,175 @@
+// The engine instance and the document context that nearly every routine works on.
+//
+// Owners: the instance lives in its own pool; JMAP_PRIVATE and all it points to live in `cpool`, the
+// document pool, unless a field says otherwise.  `p` is the document context everywhere.
+#pragma once
+
+#include "qvejmap.h"
+#include "records.h"
+
+inline constexpr QVStrSize kBlockBytes = 1048576;  // capacity of one block of the record stream
+
+// The instance.  It begins with the public table, so its address is also the QVExtensionh.
+struct JMAP_S {
+    UserJMAP_S ujmap;  // must be first
+    QVJnlh jnl;
+    QVPoolh pool;      // the instance's own; set when all modules are loaded
+    QVNLSh nls;        // the host's, not owned
+    QVJSONh jsonh;
+    QVZLIBh zlibh;
+    QVFMTh fmth;
+    QVStringServiceh smh;  // Kept: reserved, null
+};
+static_assert(offsetof(JMAP_S, ujmap) == 0 && offsetof(UserJMAP_S, exth) == 0);
+
+// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): the fields stand by owner
+struct JMAP_PRIVATE {
+    // Parser callbacks; must be first, the parser hands its address back to them.
+    JSNParseCB parseCB;
+
+    // Host services.
+    QVTranscoderh tosess;  // host characters to document encoding; owned
+    QVJSONh jsonh;         // the instance's, as are the next two
+    QVZLIBh zlibh;
+    QVFMTh fmth;
+    QVIOEh qvioeh;     // loaded when first needed; owned
+    QVCEI inCei;       // document encoding
+    QVJnlh jnl;        // the caller's; null: no notes
+    QVPoolh cpool;     // the document pool
+    uint64_t flags;    // the caller's; no effect
+    JSNParserh parser;     // owned
+    JSNParserh mapParser;  // owned, ended by MapTerm
+    QVStringServiceh smh;  // string service of the document encoding; owned
+
+    // Text of the record being written.
+    VARSTR path;
+
+    // Statistics of paths.
+    PATHINFO* pathInfoHead;
+    PATHINFO* pathInfoTail;
+    PATHINFO* pathInfoLast;  // path of the last value; null when that was a new one
+    QVTrackerh hash;        // full path -> PATHINFO; owned, ended after the scan
+    QVTrackerh hash2;       // parent path -> group head; likewise
+    QVTrackerh dsNameHash;  // upper-cased table name -> DSNAMELIST; likewise
+
+    // Nesting.
+    LEVEL* lhead;            // top of the stack
+    LEVEL* ltail;            // bottom; Kept: not cleared when the stack becomes empty
+    int32_t labelCount;      // labels on the stack minus one; the reader keeps a record's count here
+    int32_t labelCountMax;   // highest `labelCount` of the scan
+    int32_t* labelCurLens;   // [labelMaxesSize + 1] length of the label last pushed at each depth
+    int32_t* labelMaxes;     // [labelMaxesSize + 1] longest label at each depth
+    int32_t labelMaxesSize;
+    QVStrSize valueMaxLen;   // longest value, bytes
+
+    // ALLDATA.
+    DSINFO* alldataDs;
+
+    // Record stream.
+    COMPPATHS* chead;
+    COMPPATHS* ctail;
+    char* cBuf;         // [kBlockBytes] the open block
+    QVStrSize cBufi;    // bytes used in it
+    char* coutBuf;      // deflate output
+    QVStrSize coutBufLen;
+    QVZStream z;
+    uint64_t pathCount;  // records written
+    uint64_t uncompressedPathBytes;
+    uint64_t compressedPathBytes;
+    uint64_t uncompTestPathCount;  // Kept: never used, 0
+    uint64_t elementCount;         // scalar elements named since the last array end
+
+    // Maps.
+    MAP* automap;
+    MAP* usermap;
+    JSNWriterh writer;  // of the map document; ended by GetAutoMapBufFree
+
+    // Transcoding scratch.
+    char* transbuf;
+    QVStrSize transbufAlloc;
+    QVStrSize transbufLen;
+
+    // Debug switches.
+    bool debugMap;
+    bool debugMapGen;
+    bool debugValidateMap;
+    bool debugLevel;
+    bool debugPath;
+    bool debugCompression;
+    bool debugRead;
+    bool debugReadInit;
+    bool debugReadReset;
+    bool debugMemory;
+    bool debugInsertPath;
+    bool debugUserMap;
+    bool debugRlmem;
+    bool debugAllData;
+
+    // Description.
+    char jsonDesc[20];
+    QVStrSize jsonDescLen;
+
+    // Candidate table names.
+    DSNAMELIST* dshead;
+    DSNAMELIST* dstail;
+
+    // User-map parse.
+    int32_t vstate;
+    QVStatus vrc;  // the engine's own reason for a failed parse, 0 when none
+    char badstring[32];
+    QVStrSize badstringLen;
+    char novardsname[32];
+    QVStrSize novardsnameLen;
+    uint64_t novarCount;
+    bool ordNoretain;
+    QVStrSize lineminus;  // length of the last token
+    int32_t badi;
+
+    // Cache file and memory.
+    QVChar* tempName;
+    QVStrSize tempNameLen;
+    bool usingTemp;     // blocks go to the cache file now; never cleared
+    bool usingTempMsg;  // the caller has been told
+    QVIOFileh tfp;      // the cache file, open while it is written; owned
+    uint64_t rlmemSize;
+    int32_t rlmemLeavePercent;
+    uint64_t memLeave;
+    uint64_t rlmemMin;  // below this much free memory blocks are spilled
+
+    // Options.
+    bool compress;
+    uint64_t ordinalCount;
+    CALLBACKTYPE lastCallback;
+    char* alldataName;
+    QVStrSize alldataNameLen;
+
+    // Separators.
+    bool munge;  // Kept: never used, false
+    char sep;    // 0x02
+    QVStrSize sepLongest;  // capacity of sepbuf
+    char* sepbuf;
+    QVStrSize sepLongest2;
+    char* sepbuf2;
+    char root[6];  // the root component, 5 bytes
+    QVStrSize rootL;
+
+    // Element names.
+    QVStrSize elementBufLen;
+    QVChar* elementBuf;
+    char* celementBuf;
+    QVStrSize lastNameLen;  // last component of the last record with its separator; 0: no name
+};
+static_assert(offsetof(JMAP_PRIVATE, parseCB) == 0);
+
+namespace jmap {
+
+// The context behind a callback's argument.
+[[nodiscard]] inline JMAP_PRIVATE* contextOf(JSNParseCB* cb) noexcept {
+    return reinterpret_cast<JMAP_PRIVATE*>(cb);  // the table is its first member
+}
+
+[[nodiscard]] inline JMAP_PRIVATE* contextOf(QVEJMAPJsonContexth inh) noexcept {
+    return static_cast<JMAP_PRIVATE*>(inh->p);
+}
+
+}  // namespace jmap

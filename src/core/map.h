@@ -1,0 +1,75 @@
+// The map model: which tables a document yields, which columns they have, where their values come
+// from.  Automatic and user maps have the same shape.
+//
+// All records live in the document pool, are created zero-filled and are never freed singly.  Names
+// and paths are counted and not terminated.  Paths are in internal form, separator 0x02.
+#pragma once
+
+#include <cstdint>
+
+#include "qvehost.h"
+
+enum MAPTYPE : int32_t { USER_MAP = 0, AUTO_MAP = 1 };
+
+// Kind of a column.
+enum VARTYPE : int32_t {
+    VAR_ORDINAL = 0,       // counter of an enclosing object or array
+    VAR_DOUBLE = 1,        // 8-byte floating point
+    VAR_CHAR = 2,          // fixed length
+    VAR_FAKEVARIABLE = 3   // placeholder, no column of an automatic map
+};
+
+struct VARINFO {
+    VARINFO* next;
+    char* name;
+    QVStrSize nameLen;
+    char label[256];
+    QVStrSize labelLen;
+    char* path;         // of the values; of an ordinal: what it counts.  Null: none (ALLDATA)
+    QVStrSize pathLen;
+    VARTYPE type;
+    uint64_t length;         // bytes; VAR_CHAR: longest value, not yet capped
+    bool lengthFromAutomap;  // user map: `length` came from the automatic map
+    uint64_t offset;         // in the row buffer; the reader's
+    uint64_t ordinalValue;   // running count; the reader's
+    char format[32];
+    QVStrSize formatLen;
+    uint64_t formatWidth;  // 0: none given
+    uint64_t formatDec;
+    char informat[32];
+    QVStrSize informatLen;
+    uint64_t informatWidth;  // 0: none given
+    uint64_t informatDec;
+    bool informatNoError;    // bad values are not to be reported
+    QVExtensionh infh;       // Kept: always null
+    bool retain;
+    bool noretain;
+    bool truncation;         // user map: `length` cuts the longest value
+    uint64_t currentLength;  // user map: length in the automatic map
+};
+
+struct DSINFO {
+    DSINFO* next;
+    char name[40];
+    QVStrSize nameLen;
+    VARINFO* vhead;
+    VARINFO* vtail;
+    uint64_t varcount;  // columns in the list
+    char* tablePath;    // path of the object that holds the values; null when there is no column
+    QVStrSize tablePathLen;
+};
+
+struct MAP {
+    MAPTYPE mtype;
+    DSINFO* dshead;
+    DSINFO* dstail;
+};
+
+// One candidate table name of the automatic map.
+struct DSNAMELIST {
+    DSNAMELIST* next;
+    char name[32];   // as first formed
+    char uname[32];  // upper-cased: the key
+    QVStrSize nameLen;
+    int32_t count;   // tables that asked for this name
+};

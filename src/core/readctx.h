@@ -1,0 +1,41 @@
+// The private state of an open table.  It lives in the read pool; `rp` is the name everywhere.
+#pragma once
+
+#include "context.h"
+
+struct COLUMNINDEX;  // src/reader/column_index.h
+
+struct JMAP_READPRIVATE {
+    JMAP_PRIVATE* p;  // the document
+    QVPoolh rpool;    // owns all of this
+    QVZStream z;      // inflate state
+    QVStrSize varCount;
+    char dsname[32];
+    QVStrSize dsnameLen;
+    VARINFO* varinfo;     // [varCount] own copies of the map's columns
+    COMPPATHS* curr;      // block being read; null: start from the first
+    char* pBuf;           // [kBlockBytes] room for its records
+    const char* records;  // its records: in pBuf, or where the document keeps them
+    QVStrSize pBufi;      // read position in `records`
+    QVStrSize pBufLen;    // valid bytes in `records`
+    bool inVariables;     // the row has received a value
+    bool atEOF;           // the next Read gives QV_EOF
+    char* obsbuf;         // the row buffer, the caller's context points to the same
+    QVStrSize obsbufLen;
+    char* tablePath;  // null for a table without one
+    QVStrSize tablePathLen;
+    bool tablePathSeen;  // the table path occurred in the row
+    bool obsbufCleared;  // the row buffer has been cleared once
+    bool ordinalsOnly;   // every column is an ordinal
+    QVIOFileh rfp;       // the cache file, open while it is read; owned
+    bool doAlldata;      // this is the ALLDATA table
+    COLUMNINDEX* index;  // columns by path
+};
+
+namespace jmap {
+
+[[nodiscard]] inline JMAP_READPRIVATE* readContextOf(QVEJMAPReadContexth rctx) noexcept {
+    return static_cast<JMAP_READPRIVATE*>(rctx->p);
+}
+
+}  // namespace jmap

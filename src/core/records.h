@@ -1,0 +1,77 @@
+// Records of the scan: the nesting stack, the statistics of paths, the blocks of the record stream.
+//
+// All live in the document pool.
+#pragma once
+
+#include <cstdint>
+
+#include "map.h"
+#include "qvtypes.h"
+
+// Kind of an entry of the nesting stack.
+enum WHAT : int32_t { WHAT_LABEL = 1, WHAT_ARRAY = 2, WHAT_OBJECT = 3 };
+
+// Kind of the last scan event; 0 before the first.
+enum CALLBACKTYPE : int32_t {
+    CB_OBJECTSTART = 1,
+    CB_OBJECTEND = 2,
+    CB_ARRAYSTART = 3,
+    CB_ARRAYEND = 4,
+    CB_STRING = 5,  // member names too
+    CB_NUMBER = 6,
+    CB_BOOLEAN = 7,
+    CB_NULL = 8
+};
+
+// Kind of a record.  Values on disk: DO NOT CHANGE.
+enum VALTYPE : int32_t {
+    VAL_NOVAL = 1,  // container marker, no value
+    VAL_NUMBER = 2,
+    VAL_STRING = 3,
+    VAL_NULL = 4,
+    VAL_BOOLEAN = 5,
+    VAL_FAKEVARIABLE = 6  // placeholder for an empty object or array
+};
+
+// A growable byte string, grown by jmapVarstrCheck; not terminated.
+struct VARSTR {
+    char* str;
+    QVStrSize len;    // bytes used
+    QVStrSize alloc;  // bytes allocated
+};
+
+// One entry of the nesting stack; freed by freeLevel.
+struct LEVEL {
+    LEVEL* next;  // entry below, null at the bottom
+    LEVEL* prev;  // entry above, null at the top
+    WHAT what;
+    char* name;         // label text, own copy behind the entry; null for containers
+    QVStrSize nameLen;  // bytes, 0 for containers
+    int refcount;       // Kept: never used, 0
+    int levelNum;       // Kept: never used, 0
+};
+
+// One distinct path of the document that had a value.
+struct PATHINFO {
+    PATHINFO* next;      // next group head
+    PATHINFO* down;      // next member of the group
+    PATHINFO* downtail;  // in a group head: last member of its group
+    PATHINFO* head;      // in a member: its group head
+    PATHINFO* follower;  // the path that came after it the last time
+    char* path;          // own copy: root, separators, labels
+    QVStrSize pathLen;
+    int64_t count;   // records with this path
+    bool processed;  // taken as a column (or placeholder) by the map builder
+    VARTYPE type;
+    QVStrSize pathMaxValLen;  // longest value, at least 1
+};
+
+// One closed block of the record stream.
+struct COMPPATHS {
+    COMPPATHS* next;
+    char* buf;                 // stored bytes; on disk: null until the reader loads it
+    QVStrSize bufLen;          // stored bytes
+    uint64_t uncompressedLen;  // bytes of records, > 0
+    bool onDisk;               // the stored bytes are in the cache file
+    bool compressed;           // the stored bytes are raw deflate data
+};

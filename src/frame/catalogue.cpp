@@ -1,0 +1,94 @@
+// Which tables a document has.
+//
+// Tested by tests/frame/catalogue_test.cpp
+#include "catalogue.h"
+
+#include "core/context.h"
+#include "core/list.h"
+#include "core/map.h"
+#include "core/pool.h"
+#include "core/text.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+namespace jmap {
+namespace {
+
+constexpr QVStatus kMemberExists = 0;
+constexpr QVStatus kNoMember = 1;
+
+// The tables of a map; none of a null map.
+[[nodiscard]] auto tablesOf(QVMemPtr m) noexcept {
+    const auto* map = static_cast<MAP*>(m);
+    return each(map == nullptr ? nullptr : map->dshead);
+}
+
+// Equal by the document's string service; by bytes when it could not be made.
+[[nodiscard]] bool sameName(JMAP_PRIVATE* p, std::string_view a, std::string_view b) noexcept {
+    if (a.size() != b.size()) {
+        return false;
+    }
+    if (p->smh == nullptr) {
+        return a == b;
+    }
+    return p->smh->equal(p->smh, a.data(), lengthOf(a), b.data(), lengthOf(b), 0) != 0;
+}
+
+}  // namespace
+
+QVStatus GetAutoMap(QVEJMAPJsonContexth inh, QVMemPtr* m) {
+    *m = contextOf(inh)->automap;
+    return QV_OK;
+}
+
+QVStatus GetDsName(QVEJMAPJsonContexth /*inh*/, QVMemPtr m, uint64_t index, char* dsname,
+                   int16_t* dsnameLen) {
+    for (const DSINFO& ds : tablesOf(m)) {
+        if (index-- != 0) {
+            continue;
+        }
+        const QVStrSize capacity = std::max<QVStrSize>(*dsnameLen, 0);
+        const QVStrSize count = std::min(capacity, ds.nameLen);
+        *dsnameLen = static_cast<int16_t>(count);
+        if (count > 0) {
+            std::memcpy(dsname, ds.name, static_cast<size_t>(count));
+        }
+        return QV_OK;
+    }
+    return QV_EOF;
+}
+
+QVStatus MemberExist(QVEJMAPJsonContexth inh, QVMemPtr m, int16_t nameLen, char* name) {
+    if (nameLen < 0) {
+        return kNoMember;
+    }
+    JMAP_PRIVATE* p = contextOf(inh);
+    const std::string_view wanted = view(name, nameLen);
+    for (const DSINFO& ds : tablesOf(m)) {
+        if (sameName(p, view(ds.name, ds.nameLen), wanted)) {
+            return kMemberExists;
+        }
+    }
+    // Beside the map, and there whenever it was named.
+    const bool isAlldata = sameName(p, wanted, view(p->alldataName, p->alldataNameLen));
+    return isAlldata ? kMemberExists : kNoMember;
+}
+
+QVStatus GetAlldataInfo(QVEJMAPJsonContexth inh, int32_t** i) {
+    JMAP_PRIVATE* p = contextOf(inh);
+    *i = nullptr;
+    const QVStrSize levels = QVStrSize{p->labelCountMax} + 1;
+    auto* info = poolNew<int32_t>(p->cpool, levels + 2);
+    if (info == nullptr) {
+        return QV_NOMEM;
+    }
+    info[0] = static_cast<int32_t>(levels);
+    info[1] = static_cast<int32_t>(p->valueMaxLen);
+    std::memcpy(info + 2, p->labelMaxes, static_cast<size_t>(levels) * sizeof(int32_t));
+    *i = info;
+    return QV_OK;
+}
+
+}  // namespace jmap

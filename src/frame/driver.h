@@ -1,0 +1,14 @@
+// Feeding a document to the parser and finishing it.
+//
+// Tested by tests/frame/driver_test.cpp
+#pragma once
+
+#include "qvejmap.h"
+
+namespace jmap {
+
+// The operation of the public table; contract in qvejmap.h.
+QVStatus JsonInput(QVEJMAPJsonContexth inh, QVMemPtr inbuf, QVStrSize inlen, QVBoolean done,
+                   QVBoolean* caching, QVJnlh jnl);
+
+}  // namespace jmap

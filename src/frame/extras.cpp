@@ -1,0 +1,188 @@
+// What tools need beyond the operation table: tables and columns by position, the records of the
+// stream, the statistics of paths.
+//
+// Tested by tests/frame/extras_test.cpp
+#include "qvejmapx.h"
+
+#include "core/context.h"
+#include "core/list.h"
+#include "core/pool.h"
+#include "core/readctx.h"
+#include "core/status.h"
+#include "core/text.h"
+#include "reader/read_context.h"
+#include "reader/row_loop.h"
+#include "scan/path_stats.h"
+#include "scan/record_format.h"
+
+#include <string_view>
+
+// A cursor loads blocks as an open table does, so its state is that of one: `p`, `rpool`, `z`,
+// `rfp`, `curr` (null: before the first block), `records`, `pBuf`, `pBufi` and `pBufLen` are used.
+// It lives in `rpool`.
+struct JMAPRecordCursor {
+    JMAP_READPRIVATE rp;
+};
+
+namespace jmap {
+namespace {
+
+constexpr std::u32string_view kCursorPoolName = U"qvejmap record cursor";
+
+// Steps from `*node` (null: from nowhere) to its successor.
+template <class T>
+[[nodiscard]] QVStatus step(T* head, T** node) noexcept {
+    T* successor = *node == nullptr ? head : (*node)->next;
+    if (successor == nullptr) {
+        return QV_EOF;
+    }
+    *node = successor;
+    return QV_OK;
+}
+
+// Loads blocks until there is a record to read.
+[[nodiscard]] QVStatus findRecord(JMAP_READPRIVATE* rp) noexcept {
+    while (rp->pBufi >= rp->pBufLen) {
+        COMPPATHS* next = rp->curr == nullptr ? rp->p->chead : rp->curr->next;
+        if (next == nullptr) {
+            return QV_EOF;
+        }
+        QV_TRY(loadBlock(rp, next));
+    }
+    return QV_OK;
+}
+
+}  // namespace
+}  // namespace jmap
+
+using namespace jmap;
+
+// ---- Tables and columns of a map ----------------------------------------------------------------
+
+QVStatus jmapNextTable(QVMemPtr map, JMAPTableh* table) {
+    const auto* m = static_cast<MAP*>(map);
+    return m == nullptr ? QV_EOF : step(m->dshead, table);
+}
+
+QVStatus jmapAlldataTable(QVEJMAPJsonContexth inh, JMAPTableh* table) {
+    DSINFO* alldata = contextOf(inh)->alldataDs;
+    if (alldata == nullptr) {
+        return JMAP_NOTABLE;
+    }
+    *table = alldata;
+    return QV_OK;
+}
+
+void jmapTableInfo(JMAPTableh table, JMAPTableInfo* info) {
+    info->name = table->name;
+    info->nameLen = table->nameLen;
+    info->tablePath = table->tablePath;
+    info->tablePathLen = table->tablePathLen;
+    info->columnCount = table->varcount;
+}
+
+QVStatus jmapNextColumn(JMAPTableh table, JMAPColumnh* column) {
+    return step(table->vhead, column);
+}
+
+void jmapColumnInfo(JMAPColumnh column, JMAPColumnInfo* info) {
+    info->name = column->name;
+    info->nameLen = column->nameLen;
+    info->path = column->path;
+    info->pathLen = column->pathLen;
+    info->type = column->type;
+    info->length = column->length;
+}
+
+QVStatus jmapReadTable(QVEJMAPJsonContexth inh, JMAPTableh table, QVEJMAPReadInitParms* rip,
+                       QVEJMAPReadContexth* inrctx) {
+    const bool doAlldata = table == contextOf(inh)->alldataDs;
+    return openTable(inh, table, view(table->name, table->nameLen), doAlldata, rip, inrctx);
+}
+
+// ---- Records ------------------------------------------------------------------------------------
+
+QVStatus jmapRecordsOpen(QVEJMAPJsonContexth inh, JMAPRecordCursorh* cursor) {
+    QVPoolh pool = newPool(kCursorPoolName);
+    if (pool == nullptr) {
+        return QV_NOMEM;
+    }
+    auto* opened = poolNew<JMAPRecordCursor>(pool);
+    char* block = opened == nullptr ? nullptr : poolBytes(pool, kBlockBytes);
+    if (block == nullptr) {
+        (void)destroyHandle(pool);  // nothing is in use yet
+        return QV_NOMEM;
+    }
+    opened->rp.p = contextOf(inh);
+    opened->rp.rpool = pool;
+    opened->rp.pBuf = block;
+    *cursor = opened;
+    return QV_OK;
+}
+
+QVStatus jmapRecordsNext(JMAPRecordCursorh cursor, JMAPRecord* record) {
+    JMAP_READPRIVATE& rp = cursor->rp;
+    QV_TRY(findRecord(&rp));
+    const RECORD found = parseRecord(rp.records + rp.pBufi);
+    const std::string_view path = pathOf(found);
+    const std::string_view value = valueOf(found);
+    *record = {.kind = found.kind,
+               .path = path.data(),
+               .pathLen = lengthOf(path),
+               .value = value.data(),
+               .valueLen = lengthOf(value),
+               .bytes = found.at,
+               .bytesLen = found.size};
+    rp.pBufi += found.size;
+    return QV_OK;
+}
+
+QVStatus jmapRecordsClose(JMAPRecordCursorh cursor) {
+    const QVStatus rc = destroyHandle(cursor->rp.rfp);
+    QVPoolh pool = cursor->rp.rpool;
+    (void)destroyHandle(pool);  // the cursor is gone with it
+    return rc;
+}
+
+// ---- Statistics of paths ------------------------------------------------------------------------
+
+QVStatus jmapNextPath(QVEJMAPJsonContexth inh, JMAPPathh* path) {
+    PATHINFO* at = *path;
+    PATHINFO* next = contextOf(inh)->pathInfoHead;
+    if (at != nullptr) {
+        const PATHINFO* head = at->head != nullptr ? at->head : at;
+        next = at->down != nullptr ? at->down : head->next;
+    }
+    if (next == nullptr) {
+        return QV_EOF;
+    }
+    *path = next;
+    return QV_OK;
+}
+
+void jmapPathInfo(JMAPPathh path, JMAPPathInfo* info) {
+    info->path = path->path;
+    info->pathLen = path->pathLen;
+    info->count = path->count;
+    info->type = path->type;
+    info->maxValueLen = path->pathMaxValLen;
+}
+
+// ---- Totals and words ---------------------------------------------------------------------------
+
+void jmapTotals(QVEJMAPJsonContexth inh, JMAPTotals* totals) {
+    const JMAP_PRIVATE* p = contextOf(inh);
+    *totals = {};
+    totals->records = p->pathCount;
+    totals->recordBytes = p->uncompressedPathBytes;
+    totals->storedBytes = p->compressedPathBytes;
+    totals->unstoredBytes = static_cast<uint64_t>(p->cBufi);
+    for (const COMPPATHS& block : each(p->chead)) {
+        totals->blocks += 1;
+        totals->blocksOnDisk += block.onDisk ? 1 : 0;
+    }
+}
+
+const char* jmapKindName(int32_t kind) {
+    return valtypeToString(kind);
+}

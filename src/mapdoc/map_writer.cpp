@@ -1,0 +1,133 @@
+// The automatic map as a JSON document.
+//
+// Tested by tests/mapdoc/map_writer_test.cpp
+#include "map_writer.h"
+
+#include "core/list.h"
+#include "core/pool.h"
+#include "core/status.h"
+#include "core/text.h"
+#include "scan/path_text.h"
+
+namespace jmap {
+namespace {
+
+// What the writer's number operation is told: as many digits as are needed, none after the point.
+constexpr int32_t kIntegerDigits = 10;
+constexpr int32_t kIntegerDecimals = 0;
+
+// A member name, or a text value.
+QVStatus writeText(JSNWriterh writer, std::string_view text) {
+    return writer->string(writer, text.data(), lengthOf(text));
+}
+
+QVStatus writeMember(JSNWriterh writer, std::string_view name, std::string_view text) {
+    QV_TRY(writeText(writer, name));
+    return writeText(writer, text);
+}
+
+QVStatus openMember(JSNWriterh writer, std::string_view name, int32_t kind) {
+    QV_TRY(writeText(writer, name));
+    return writer->open(writer, kind);
+}
+
+// A path with slashes; "" for none.
+QVStatus writePath(JMAP_PRIVATE* p, std::string_view name, std::string_view path) {
+    if (path.empty()) {
+        return writeMember(p->writer, name, "");
+    }
+    const char* slashed = sepToSlashes(p, path.data(), lengthOf(path), &p->sepLongest, &p->sepbuf);
+    if (slashed == nullptr) {
+        return QV_NOMEM;
+    }
+    return writeMember(p->writer, name, {slashed, path.size()});
+}
+
+// Kept: for any other type nothing follows the key, so that the next text takes the value's place.
+// No column of an automatic map has one.
+QVStatus writeType(JSNWriterh writer, VARTYPE type) {
+    QV_TRY(writeText(writer, "TYPE"));
+    switch (type) {
+        case VAR_ORDINAL:
+            return writeText(writer, "ORDINAL");
+        case VAR_DOUBLE:
+            return writeText(writer, "NUMERIC");
+        case VAR_CHAR:
+            return writeText(writer, "CHARACTER");
+        default:
+            return QV_OK;
+    }
+}
+
+QVStatus writeColumn(JMAP_PRIVATE* p, const VARINFO& column) {
+    JSNWriterh writer = p->writer;
+    QV_TRY(writer->open(writer, JSN_OPEN_OBJECT));
+    QV_TRY(writeMember(writer, "NAME", view(column.name, column.nameLen)));
+    QV_TRY(writeType(writer, column.type));
+    QV_TRY(writePath(p, "PATH", view(column.path, column.pathLen)));
+    if (column.type == VAR_CHAR) {
+        QV_TRY(writeText(writer, "CURRENT_LENGTH"));
+        QV_TRY(writer->dbl(writer, static_cast<double>(column.length), kIntegerDigits,
+                           kIntegerDecimals));
+    }
+    return writer->close(writer);
+}
+
+QVStatus writeTable(JMAP_PRIVATE* p, const DSINFO& ds) {
+    JSNWriterh writer = p->writer;
+    QV_TRY(writer->open(writer, JSN_OPEN_OBJECT));
+    QV_TRY(writeMember(writer, "DSNAME", view(ds.name, ds.nameLen)));
+    QV_TRY(writePath(p, "TABLEPATH", view(ds.tablePath, ds.tablePathLen)));
+    if (ds.vhead != nullptr) {
+        QV_TRY(openMember(writer, "VARIABLES", JSN_OPEN_ARRAY));
+        for (const VARINFO& column : each(ds.vhead)) {
+            QV_TRY(writeColumn(p, column));
+        }
+        QV_TRY(writer->close(writer));
+    }
+    return writer->close(writer);
+}
+
+QVStatus writeMap(JMAP_PRIVATE* p, const MAP* map) {
+    JSNWriterh writer = p->writer;
+    QV_TRY(writer->open(writer, JSN_OPEN_OBJECT));
+    QV_TRY(openMember(writer, "DATASETS", JSN_OPEN_ARRAY));
+    if (map != nullptr) {
+        for (const DSINFO& ds : each(map->dshead)) {
+            QV_TRY(writeTable(p, ds));
+        }
+    }
+    QV_TRY(writer->close(writer));
+    return writer->close(writer);
+}
+
+JSNWriterh newWriter(JMAP_PRIVATE* p, QVJnlh jnl) {
+    constexpr std::string_view kDesc = "jmap map writer";
+    JSNWriterParms parms = {};
+    parms.inCei = p->inCei;
+    parms.outCei = p->inCei;
+    parms.flags = JSN_WRITER_FLAGS;
+    parms.jnl = jnl;
+    parms.desc = kDesc.data();
+    parms.descLen = lengthOf(kDesc);
+    return p->jsonh->createWriter(p->jsonh, &parms);
+}
+
+}  // namespace
+
+// Kept: an earlier writer is not ended; the caller frees it between two calls.
+QVStatus GetAutoMapBuf(QVEJMAPJsonContexth inh, char** buf, QVStrSize* bufLen, QVJnlh jnl) {
+    JMAP_PRIVATE* p = contextOf(inh);
+    p->writer = newWriter(p, jnl);
+    if (p->writer == nullptr) {
+        return QV_NOMEM;
+    }
+    QV_TRY(writeMap(p, p->automap));
+    return p->writer->getBuffer(p->writer, buf, bufLen);
+}
+
+QVStatus GetAutoMapBufFree(QVEJMAPJsonContexth inh) {
+    return destroyHandle(contextOf(inh)->writer);
+}
+
+}  // namespace jmap

@@ -1,0 +1,141 @@
+// Opening, rewinding and closing one table for reading.
+//
+// Tested by tests/reader/read_context_test.cpp
+#include "read_context.h"
+
+#include "automap/names.h"
+#include "core/list.h"
+#include "core/note.h"
+#include "core/pool.h"
+#include "core/status.h"
+#include "core/text.h"
+#include "row_layout.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace jmap {
+namespace {
+
+// The first table of the map that has the name in any case, or null.
+DSINFO* findTable(MAP* map, std::string_view name) noexcept {
+    char wanted[sizeof(DSINFO::name)];
+    if (map == nullptr || name.size() > sizeof wanted) {
+        return nullptr;
+    }
+    upperName(wanted, name);
+    for (DSINFO& ds : each(map->dshead)) {
+        if (ds.nameLen != lengthOf(name)) {
+            continue;
+        }
+        char candidate[sizeof ds.name];
+        upperName(candidate, view(ds.name, ds.nameLen));
+        if (std::memcmp(candidate, wanted, name.size()) == 0) {
+            return &ds;
+        }
+    }
+    return nullptr;
+}
+
+// Keeps the table name, cut, in one of the structures.
+template <class Context>
+void keepName(Context* context, std::string_view name) noexcept {
+    context->dsnameLen = std::min(lengthOf(name), static_cast<QVStrSize>(sizeof context->dsname));
+    std::copy_n(name.data(), context->dsnameLen, context->dsname);
+}
+
+// The two structures of a read context in a pool of their own.
+QVStatus newReadContext(QVEJMAPJsonContexth inh, QVEJMAPReadContexth* out) {
+    QVPoolh pool = newPool(U"qvejmap read pool");
+    if (pool == nullptr) {
+        return QV_NOMEM;
+    }
+    auto* rctx = poolNew<qvejmapReadContext>(pool);
+    auto* rp = poolNew<JMAP_READPRIVATE>(pool);
+    char* pBuf = poolBytes(pool, kBlockBytes);
+    if (rctx == nullptr || rp == nullptr || pBuf == nullptr) {
+        return QV_NOMEM;
+    }
+    rctx->exth = inh->exth;
+    rctx->p = rp;
+    rp->p = contextOf(inh);
+    rp->rpool = pool;
+    rp->pBuf = pBuf;
+    *out = rctx;
+    return QV_OK;
+}
+
+}  // namespace
+
+QVStatus ReadInit(QVEJMAPJsonContexth inh, QVMemPtr inmap, char* dsname, QVStrSize dsnameLen,
+                  QVEJMAPReadInitParms* rip, QVEJMAPReadContexth* inrctx) {
+    JMAP_PRIVATE* p = contextOf(inh);
+    if (dsnameLen < 0) {
+        return JMAP_NOTABLE;
+    }
+    const std::string_view name = view(dsname, dsnameLen);
+    DSINFO* ds = findTable(static_cast<MAP*>(inmap), name);
+    if (ds != nullptr) {
+        return openTable(inh, ds, name, false, rip, inrctx);
+    }
+    // Kept: without a configured name the empty one opens ALLDATA, and its own name does not.
+    if (name != view(p->alldataName, p->alldataNameLen) || p->alldataDs == nullptr) {
+        return JMAP_NOTABLE;
+    }
+    return openTable(inh, p->alldataDs, name, true, rip, inrctx);
+}
+
+QVStatus openTable(QVEJMAPJsonContexth inh, DSINFO* ds, std::string_view name, bool doAlldata,
+                   const QVEJMAPReadInitParms* rip, QVEJMAPReadContexth* out) {
+    JMAP_PRIVATE* p = contextOf(inh);
+    if (p->debugReadInit) {
+        myLogNote(p, U"readinit found ds [%.*hs]", noteLen(ds->nameLen), ds->name);
+    }
+    QVEJMAPReadContexth rctx = nullptr;
+    QV_TRY(newReadContext(inh, &rctx));
+    JMAP_READPRIVATE* rp = readContextOf(rctx);
+    rp->doAlldata = doAlldata;
+    keepName(rctx, name);
+    keepName(rp, name);
+    if (ds->tablePath != nullptr) {
+        rp->tablePath = poolCopy(rp->rpool, view(ds->tablePath, ds->tablePathLen));
+        if (rp->tablePath == nullptr) {
+            return QV_NOMEM;
+        }
+        rp->tablePathLen = ds->tablePathLen;
+    }
+    QV_TRY(layoutRow(rctx, *ds, rip == nullptr ? 0 : rip->flags));
+    dumpLayout(rctx);
+    *out = rctx;
+    return QV_OK;
+}
+
+// Kept: the state of the row and its buffer, and `pBufLen`, are not touched; Read starts each row
+// and each block from scratch, and retained columns go on with the value they hold.
+QVStatus ReadReset(QVEJMAPReadContexth inrctx) {
+    JMAP_READPRIVATE* rp = readContextOf(inrctx);
+    if (rp->p->debugReadReset) {
+        myLogNote(rp->p, U"ReadReset ");
+    }
+    rp->curr = nullptr;
+    rp->atEOF = false;
+    rp->pBufi = 0;
+    for (QVStrSize i = 0; i < rp->varCount; ++i) {
+        rp->varinfo[i].ordinalValue = 0;
+    }
+    (void)destroyHandle(rp->rfp);  // read only: nothing can be lost
+    return QV_OK;
+}
+
+QVStatus ReadTerm(QVEJMAPReadContexth rctx) {
+    JMAP_READPRIVATE* rp = readContextOf(rctx);
+    if (rp->p->debugRead) {
+        myLogNote(rp->p, U"ReadTerm called");
+    }
+    (void)destroyHandle(rp->rfp);  // read only: nothing can be lost
+    QVPoolh pool = rp->rpool;      // the pool holds `rp` itself
+    (void)destroyHandle(pool);     // Kept: always QV_OK
+    return QV_OK;
+}
+
+}  // namespace jmap

@@ -1,0 +1,229 @@
+// What the JSON parser reports, turned into records.
+//
+// Tested by tests/scan/events_test.cpp
+#include "events.h"
+
+#include "core/note.h"
+#include "core/pool.h"
+#include "core/status.h"
+#include "core/text.h"
+#include "nesting.h"
+#include "record_stream.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <string_view>
+
+namespace jmap {
+namespace {
+
+constexpr QVStrSize kMaxValueLen = 32767;  // bytes kept of a string value
+constexpr QVStrSize kElementSlack = 30;    // bytes for the number behind an element's base name
+constexpr QVStrSize kMaxDigits = 20;       // of a 64-bit number, sign included
+
+void noteEvent(JMAP_PRIVATE* p, const QVChar* event) {
+    if (p->debugLevel) [[unlikely]] {
+        myLogNote(p, event);
+    }
+}
+
+void noteValue(JMAP_PRIVATE* p, std::string_view name, std::string_view value) {
+    if (p->debugLevel) [[unlikely]] {
+        myLogNote(p, U"gotValue [%.*hs][%.*hs]", noteLen(lengthOf(name)), name.data(),
+                  noteLen(lengthOf(value)), value.data());
+    }
+}
+
+// The record that stands for an empty object or array.
+QVStatus placeholder(JMAP_PRIVATE* p) {
+    return generatePathVariableString(p, "FAKE", 4, "VAR", 3, VAL_FAKEVARIABLE);
+}
+
+// Takes the container `what` off the stack, and the member name whose value it was.
+QVStatus endContainer(JMAP_PRIVATE* p, WHAT what) {
+    if (peekLevel(p) == nullptr || peekLevel(p)->what != what) {
+        return JMAP_PARSE;
+    }
+    QV_TRY(freeLevel(p, popLevel(p)));
+    if (peekLevel(p) != nullptr && peekLevel(p)->what == WHAT_LABEL) {
+        QV_TRY(freeLevel(p, popLevel(p)));
+    }
+    dumpLevels(p);
+    return QV_OK;
+}
+
+// Records a value under the member name on top of the stack.
+QVStatus gotMember(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
+    LEVEL* label = popLevel(p);
+    noteValue(p, view(label->name, label->nameLen), value);
+    // Kept: after a failure the label is not freed before the document ends.
+    QV_TRY(generatePathVariableString(p, label->name, label->nameLen, value.data(), lengthOf(value),
+                                      type));
+    return freeLevel(p, label);
+}
+
+// Room for an element's name.
+// Kept: the buffer grows by the base name's length alone, so that a base name just below its size
+// leaves no room for all digits of the number, and elements then share a name.
+// Kept: `elementBuf` stays null.  It is for a name in host characters, but the digits are ASCII in
+// every document encoding and the name is formed in bytes; one allocation less can be seen.
+QVStatus elementRoom(JMAP_PRIVATE* p, QVStrSize baseLen) {
+    if (baseLen < p->elementBufLen) [[likely]] {
+        return QV_OK;
+    }
+    (void)poolFree(p->cpool, p->celementBuf);  // the buffer is replaced whatever the pool says
+    p->elementBufLen = 0;
+    p->celementBuf = poolBytes(p->cpool, baseLen + kElementSlack);
+    if (p->celementBuf == nullptr) {
+        return QV_NOMEM;
+    }
+    p->elementBufLen = baseLen + kElementSlack;
+    return QV_OK;
+}
+
+// The base name and the number, cut to one byte less than the buffer.
+std::string_view formElementName(JMAP_PRIVATE* p, std::string_view base, uint64_t number) {
+    char digits[kMaxDigits];
+    const char* end = std::to_chars(digits, digits + kMaxDigits, static_cast<int64_t>(number)).ptr;
+    const QVStrSize room = p->elementBufLen - 1 - lengthOf(base);  // 0 or more
+    const QVStrSize digitsLen = std::min<QVStrSize>(end - digits, room);
+    std::memcpy(p->celementBuf, base.data(), base.size());
+    std::memcpy(p->celementBuf + base.size(), digits, static_cast<std::size_t>(digitsLen));
+    return view(p->celementBuf, lengthOf(base) + digitsLen);
+}
+
+// Delivers an element's value again, now that its name is on the stack.
+QVStatus redeliver(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
+    JSNParseCB* cb = &p->parseCB;
+    switch (type) {
+        case VAL_NUMBER:
+            return fnumber(cb, value.data(), lengthOf(value), JSN_REAL);
+        case VAL_STRING:
+            return fstring(cb, reinterpret_cast<const JSNChar*>(value.data()), lengthOf(value),
+                           JSN_VALUE);
+        case VAL_NULL:
+            return fnull(cb);
+        case VAL_BOOLEAN:
+            return fboolean(cb, value.size() == 4);  // by the length of its text: "true"
+        default:
+            myLogNote(p, U"Hit default in switch in gotValue");
+            return QV_NOMEM;
+    }
+}
+
+// Names an element of an array and records its value.
+// Kept: the number is one for the whole document and is reset by every array end, so numbering
+// starts again, and a marker is written again, behind an array inside an array.
+QVStatus gotElement(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
+    std::string_view base = "element";
+    const LEVEL* below = peekLevel(p)->next;
+    if (below != nullptr && below->what == WHAT_LABEL) {
+        base = view(below->name, below->nameLen);
+        if (p->elementCount == 0) {
+            QV_TRY(generateMarker(p));
+        }
+    }
+    QV_TRY(elementRoom(p, lengthOf(base)));
+    ++p->elementCount;
+    const std::string_view name = formElementName(p, base, p->elementCount);
+    noteValue(p, name, value);
+    QV_TRY(fstring(&p->parseCB, reinterpret_cast<const JSNChar*>(name.data()), lengthOf(name),
+                   JSN_MEMBERNAME));
+    return redeliver(p, value, type);
+}
+
+}  // namespace
+
+void installScanCallbacks(JSNParseCB* cb) {
+    *cb = {farrayStart, farrayEnd, fobjectStart, fobjectEnd, fnull, fboolean, fnumber, fstring};
+}
+
+QVStatus farrayStart(JSNParseCB* cb) {
+    JMAP_PRIVATE* p = contextOf(cb);
+    noteEvent(p, U"Array Start");
+    if (p->lastCallback == CB_ARRAYSTART || p->lastCallback == CB_ARRAYEND) {
+        QV_TRY(generateMarker(p));
+    }
+    p->lastCallback = CB_ARRAYSTART;
+    return newLevel(p, WHAT_ARRAY, nullptr, 0);
+}
+
+QVStatus farrayEnd(JSNParseCB* cb) {
+    JMAP_PRIVATE* p = contextOf(cb);
+    noteEvent(p, U"Array End");
+    if (p->lastCallback == CB_ARRAYSTART) {
+        QV_TRY(generateMarker(p));
+        QV_TRY(placeholder(p));
+    }
+    p->elementCount = 0;
+    p->lastCallback = CB_ARRAYEND;
+    return endContainer(p, WHAT_ARRAY);
+}
+
+QVStatus fobjectStart(JSNParseCB* cb) {
+    JMAP_PRIVATE* p = contextOf(cb);
+    noteEvent(p, U"Object Start");
+    p->lastCallback = CB_OBJECTSTART;
+    QV_TRY(generateMarker(p));
+    return newLevel(p, WHAT_OBJECT, nullptr, 0);
+}
+
+QVStatus fobjectEnd(JSNParseCB* cb) {
+    JMAP_PRIVATE* p = contextOf(cb);
+    noteEvent(p, U"Object End");
+    if (p->lastCallback == CB_OBJECTSTART) {
+        QV_TRY(placeholder(p));
+    }
+    p->lastCallback = CB_OBJECTEND;
+    return endContainer(p, WHAT_OBJECT);
+}
+
+QVStatus fnull(JSNParseCB* cb) {
+    JMAP_PRIVATE* p = contextOf(cb);
+    noteEvent(p, U"fnull");
+    p->lastCallback = CB_NULL;
+    return gotValue(p, "null", 4, VAL_NULL);
+}
+
+QVStatus fboolean(JSNParseCB* cb, QVBoolean myboo) {
+    JMAP_PRIVATE* p = contextOf(cb);
+    noteEvent(p, U"fboolean");
+    const std::string_view value = myboo != 0 ? "true" : "false";
+    p->lastCallback = CB_BOOLEAN;
+    return gotValue(p, value.data(), lengthOf(value), VAL_BOOLEAN);
+}
+
+QVStatus fnumber(JSNParseCB* cb, const char* str, QVStrSize length, int32_t) {
+    JMAP_PRIVATE* p = contextOf(cb);
+    noteEvent(p, U"fnumber");
+    p->lastCallback = CB_NUMBER;
+    return gotValue(p, str, length, VAL_NUMBER);
+}
+
+QVStatus fstring(JSNParseCB* cb, const JSNChar* str, QVStrSize inlength, int32_t flags) {
+    JMAP_PRIVATE* p = contextOf(cb);
+    noteEvent(p, U"fstring");
+    const char* text = reinterpret_cast<const char*>(str);
+    p->lastCallback = CB_STRING;
+    if (flags == JSN_MEMBERNAME) {
+        if (p->debugLevel) [[unlikely]] {
+            myLogNote(p, U"String [%.*hs] %hs ", noteLen(inlength), text, "Label");
+        }
+        return newLevel(p, WHAT_LABEL, text, inlength);
+    }
+    return gotValue(p, text, std::min(inlength, kMaxValueLen), VAL_STRING);
+}
+
+QVStatus gotValue(JMAP_PRIVATE* p, const char* str, QVStrSize strLen, VALTYPE type) {
+    noteEvent(p, U"gotValue");
+    const LEVEL* top = peekLevel(p);
+    if (top == nullptr) {
+        p->vrc = JMAP_INCOMPLETE;
+        return JMAP_INCOMPLETE;
+    }
+    const std::string_view value = view(str, strLen);
+    return top->what == WHAT_LABEL ? gotMember(p, value, type) : gotElement(p, value, type);
+}
+
+}  // namespace jmap

@@ -1,0 +1,33 @@
+// What the JSON parser reports, turned into records.
+//
+// The eight handlers keep the nesting stack and hand a record to the stream for every value, and
+// for the container boundaries from which rows are told apart.  Scalar elements of arrays get
+// names: the array's member name ("element" without one) and a running number.
+//
+// Tested by tests/scan/events_test.cpp
+#pragma once
+
+#include "core/context.h"
+
+namespace jmap {
+
+// Sets the eight callbacks of a scan.
+void installScanCallbacks(JSNParseCB* cb);
+
+// Each handler returns QV_OK; QV_NOMEM; JMAP_PARSE for an end that does not fit its start; a status
+// of the record stream.  After a failure stack and stream stay as they stand.
+[[nodiscard]] QVStatus farrayStart(JSNParseCB* cb);
+[[nodiscard]] QVStatus farrayEnd(JSNParseCB* cb);
+[[nodiscard]] QVStatus fobjectStart(JSNParseCB* cb);
+[[nodiscard]] QVStatus fobjectEnd(JSNParseCB* cb);
+[[nodiscard]] QVStatus fnull(JSNParseCB* cb);
+[[nodiscard]] QVStatus fboolean(JSNParseCB* cb, QVBoolean myboo);
+[[nodiscard]] QVStatus fnumber(JSNParseCB* cb, const char* str, QVStrSize length, int32_t flags);
+[[nodiscard]] QVStatus fstring(JSNParseCB* cb, const JSNChar* str, QVStrSize inlength,
+                               int32_t flags);
+
+// Records a scalar under the member name on top of the stack; inside an array a name is made first.
+// Without an enclosing container `vrc` and the result are JMAP_INCOMPLETE.
+[[nodiscard]] QVStatus gotValue(JMAP_PRIVATE* p, const char* str, QVStrSize strLen, VALTYPE type);
+
+}  // namespace jmap

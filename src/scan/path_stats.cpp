@@ -1,0 +1,187 @@
+// Statistics of paths: what the automatic map is made from.
+//
+// Tested by tests/scan/path_stats_test.cpp
+#include "path_stats.h"
+
+#include "core/list.h"
+#include "core/note.h"
+#include "core/pool.h"
+#include "core/text.h"
+#include "path_text.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace jmap {
+namespace {
+
+struct KindWord {
+    const char* word;
+    const QVChar* hostWord;
+};
+
+constexpr KindWord kKindWords[] = {
+    {"NOVAL", U"NOVAL"}, {"NUMBER", U"NUMBER"},   {"STRING", U"STRING"},
+    {"NULL", U"NULL"},   {"BOOLEAN", U"BOOLEAN"}, {"FAKE_VARIABLE", U"FAKE_VARIABLE"},
+};
+constexpr KindWord kUnknownKind = {"UNKNOWN?", U"UNKNOWN?"};
+
+const KindWord& kindWord(int32_t t) {
+    return t >= VAL_NOVAL && t <= VAL_FAKEVARIABLE ? kKindWords[t - VAL_NOVAL] : kUnknownKind;
+}
+
+QVTrackerh newTracker(std::u32string_view name) {
+    QVHndlp host = qvGlobalHandle();
+    return host->createTracker(host, QV_TRACKER_HASH, 1, name.data(),
+                               static_cast<QVStrSize>(name.size()));
+}
+
+// Kept: a failure of the host's tables is not reported.  One can see its effects in the map: a path
+// that cannot be found again is listed once for each value, a group that cannot be found splits.
+PATHINFO* find(QVTrackerh tracker, std::string_view key) {
+    if (tracker == nullptr) {
+        return nullptr;
+    }
+    return static_cast<PATHINFO*>(tracker->find(tracker, key.data(), lengthOf(key)));
+}
+
+void enter(QVTrackerh tracker, std::string_view key, PATHINFO* info) {
+    if (tracker != nullptr) {
+        (void)tracker->insert(tracker, key.data(), lengthOf(key), info);
+    }
+}
+
+void createTrackers(JMAP_PRIVATE* p) {
+    p->hash = newTracker(U"pathinfo tracker");
+    if (p->hash2 == nullptr) {  // it is there when only the first could not be made before
+        p->hash2 = newTracker(U"pathinfo sub tracker");
+    }
+}
+
+// The column type that a value asks for.  Booleans and nulls count as numbers.
+VARTYPE typeOf(VALTYPE type) {
+    switch (type) {
+        case VAL_STRING:
+            return VAR_CHAR;
+        case VAL_FAKEVARIABLE:
+            return VAR_FAKEVARIABLE;
+        default:
+            return VAR_DOUBLE;
+    }
+}
+
+// The statistics of a known path.  Documents repeat themselves: mostly it is the path that followed
+// the last one before, and need not be looked up.
+PATHINFO* findPath(JMAP_PRIVATE* p, std::string_view path) {
+    PATHINFO* info = p->pathInfoLast == nullptr ? nullptr : p->pathInfoLast->follower;
+    if (info == nullptr || view(info->path, info->pathLen) != path) {
+        info = find(p->hash, path);
+        if (p->pathInfoLast != nullptr) {
+            p->pathInfoLast->follower = info;
+        }
+    }
+    p->pathInfoLast = info;
+    return info;
+}
+
+void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, QVStrSize valLen) {
+    ++info->count;
+    if (info->type == VAR_DOUBLE && type == VAL_STRING) [[unlikely]] {
+        info->type = VAR_CHAR;
+        if (p->debugInsertPath) {
+            myLogNote(p, U"insertPathInfo type DOUBLE val type STRING so type now CHARACTER");
+        }
+    }
+    info->pathMaxValLen = std::max(info->pathMaxValLen, valLen);
+}
+
+PATHINFO* newPathInfo(JMAP_PRIVATE* p, std::string_view path, VALTYPE type, QVStrSize valLen) {
+    auto* info = poolNew<PATHINFO>(p->cpool);
+    if (info == nullptr) {
+        return nullptr;
+    }
+    info->path = poolCopy(p->cpool, path);
+    if (info->path == nullptr) {
+        return nullptr;
+    }
+    info->pathLen = lengthOf(path);
+    info->count = 1;
+    info->type = typeOf(type);
+    info->pathMaxValLen = valLen == 0 ? 1 : valLen;
+    return info;
+}
+
+void joinGroup(PATHINFO* head, PATHINFO* info) {
+    PATHINFO* last = head->downtail != nullptr ? head->downtail : head;
+    last->down = info;
+    info->head = head;
+    head->downtail = info;
+}
+
+QVStatus insertNewPath(JMAP_PRIVATE* p, std::string_view path, VALTYPE type, QVStrSize valLen) {
+    PATHINFO* info = newPathInfo(p, path, type, valLen);
+    if (info == nullptr) {
+        return QV_NOMEM;
+    }
+    const std::string_view ownPath = view(info->path, info->pathLen);  // keys are borrowed
+    const std::string_view parent = firstOf(ownPath, ownPath.size() - p->lastNameLen);
+    PATHINFO* head = find(p->hash2, parent);
+    if (head != nullptr) {
+        joinGroup(head, info);
+        enter(p->hash, ownPath, info);
+        return QV_OK;
+    }
+    append(p->pathInfoHead, p->pathInfoTail, info);
+    // Kept: a placeholder that heads its group cannot be found, so that the next one of the same
+    // container becomes a second entry, in the group; from the third on that one counts.
+    if (info->type != VAR_FAKEVARIABLE) {
+        enter(p->hash, ownPath, info);
+    }
+    enter(p->hash2, parent, info);
+    return QV_OK;
+}
+
+}  // namespace
+
+QVStatus insertPathInfo(JMAP_PRIVATE* p, const char* path, QVStrSize pathLen, VALTYPE type,
+                        QVStrSize valLen) {
+    if (p->hash == nullptr) [[unlikely]] {
+        createTrackers(p);
+    }
+    const std::string_view text = view(path, pathLen);
+    if (p->debugInsertPath) [[unlikely]] {
+        const std::string_view slashed = shown(p, text);
+        myLogNote(p, U"insertPathInfo [%.*hs] type %s valLen %d", noteLen(lengthOf(slashed)),
+                  slashed.data(), valtypeToHostString(type), noteLen(valLen));
+    }
+    PATHINFO* known = findPath(p, text);
+    if (known == nullptr) [[unlikely]] {
+        return insertNewPath(p, text, type, valLen);
+    }
+    countAgain(p, known, type, valLen);
+    return QV_OK;
+}
+
+QVStatus dumpPathInfo(JMAP_PRIVATE* p) {
+    myLogNote(p, U"Path info dump");
+    for (PATHINFO& head : each(p->pathInfoHead)) {
+        for (const PATHINFO& info : eachDown(&head)) {
+            const std::string_view path = shown(p, view(info.path, info.pathLen));
+            myLogNote(p, U"path [%-30.*hs] count %ld processed %s", noteLen(lengthOf(path)),
+                      path.data(), static_cast<long>(info.count),
+                      info.processed ? U"TRUE" : U"FALSE");
+        }
+    }
+    myLogNote(p, U"Path info dump end");
+    return QV_OK;
+}
+
+const char* valtypeToString(int32_t t) {
+    return kindWord(t).word;
+}
+
+const QVChar* valtypeToHostString(int32_t t) {
+    return kindWord(t).hostWord;
+}
+
+}  // namespace jmap

@@ -1,0 +1,35 @@
+// Statistics of paths: what the automatic map is made from.
+//
+// Every distinct path that had a value has one PATHINFO, with how often it occurred, whether a
+// string was among its values, and its longest value.  Paths are grouped by their parent path: the
+// first path of a parent heads the group and stands in the list `pathInfoHead`, the others hang
+// behind it through `down`.  Two host tables find a path (`hash`) and the head of a group
+// (`hash2`).
+//
+// Tested by tests/scan/path_stats_test.cpp
+#pragma once
+
+#include "core/context.h"
+
+namespace jmap {
+
+// Records one more value for `path`: counts it, promotes the type, keeps the longest length.  The
+// path is copied into the document pool on first sight only.
+//   path, pathLen  text of the record without its value, separator 0x02, not terminated
+//   lastNameLen    (of the context) bytes of the last component with its separator: the rest is the
+//                  parent path
+//   valLen         bytes of the value; a longest value of 0 is kept as 1
+// Returns QV_OK, or QV_NOMEM with the statistics unchanged.
+[[nodiscard]] QVStatus insertPathInfo(JMAP_PRIVATE* p, const char* path, QVStrSize pathLen,
+                                      VALTYPE type, QVStrSize valLen);
+
+// Notes every path with its count.  Always 0.
+[[nodiscard]] QVStatus dumpPathInfo(JMAP_PRIVATE* p);
+
+// "NOVAL", "NUMBER", "STRING", "NULL", "BOOLEAN", "FAKE_VARIABLE" for 1 to 6, else "UNKNOWN?".
+[[nodiscard]] const char* valtypeToString(int32_t t);
+
+// The same word in host characters, for the conversion "%s" of a note.
+[[nodiscard]] const QVChar* valtypeToHostString(int32_t t);
+
+}  // namespace jmap

@@ -1,0 +1,28 @@
+// Blocks of the record stream: closed, perhaps deflated, kept in memory or in the cache file, and
+// loaded back one at a time.
+//
+// The cache file holds the blocks on disk back to back in stream order and nothing else.  Once a
+// block is on disk, all later ones are too.
+//
+// Tested by tests/scan/record_block_test.cpp
+#pragma once
+
+#include "core/readctx.h"
+
+namespace jmap {
+
+// Closes the open block: appends it to `chead`/`ctail` and empties the buffer.  An empty block is
+// none.
+// Returns QV_OK; QV_NOMEM (also when deflate does not finish); a status of zlib or of the cache
+// file.  After these the block is not linked and the buffer is as it was.
+// Kept: a status of the memory query, or of ending the deflate stream, comes from a block that is
+// closed and linked all the same.
+[[nodiscard]] QVStatus compressPathBuffer(JMAP_PRIVATE* p);
+
+// Loads block `n` into `outbuf` (at least kBlockBytes) with the inflate state and the file of `rp`.
+// Blocks on disk must be asked for in stream order, each once until `rfp` is closed.
+// Returns QV_OK; QV_NOMEM (also when inflate does not finish); QV_IO_SHORT when the file gives back
+// another length than was written; a status of zlib or of the cache file.
+[[nodiscard]] QVStatus uncompressPathBuffer(JMAP_READPRIVATE* rp, COMPPATHS* n, char* outbuf);
+
+}  // namespace jmap

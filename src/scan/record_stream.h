@@ -1,0 +1,30 @@
+// The record stream: every value and container marker of the document as one compact record.
+//
+// The bytes of a record are described in record_format.h.
+//
+// Tested by tests/scan/record_stream_test.cpp
+#pragma once
+
+#include "core/context.h"
+
+namespace jmap {
+
+// Writes the record of the labels on the stack and, when `nameLen` is not 0, of `name` below them.
+//   name  last label when it is not on the stack (a popped member name, "FAKE")
+//   val   null: the record has no value part
+// Returns QV_OK; QV_NOMEM, also for a record that no block can hold; a status of closing a block.
+[[nodiscard]] QVStatus generatePathVariableString(JMAP_PRIVATE* p, const char* name,
+                                                  QVStrSize nameLen, const char* val,
+                                                  QVStrSize valLen, VALTYPE type);
+
+// Writes the marker of a container: the labels on the stack, no value.
+[[nodiscard]] inline QVStatus generateMarker(JMAP_PRIVATE* p) {
+    return generatePathVariableString(p, nullptr, 0, nullptr, 0, VAL_NOVAL);
+}
+
+// Appends a record with the text `path` (value part included) to the open block, closing the block
+// first when the record does not fit, and counts the value in the statistics.
+[[nodiscard]] QVStatus processPathVariableString(JMAP_PRIVATE* p, const char* path,
+                                                 QVStrSize pathLen, QVStrSize valLen, VALTYPE type);
+
+}  // namespace jmap

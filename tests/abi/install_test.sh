@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# A stranger's program: installs the build into an empty folder, compiles examples/rows.c there with
+# pkg-config alone, and compares what it prints.
+#   install_test.sh BUILD_DIRECTORY SOURCE_DIRECTORY
+set -euo pipefail
+
+prefix=$(mktemp -d)
+trap 'rm -rf "$prefix"' EXIT
+cmake --install "$1" --prefix "$prefix" >/dev/null
+export PKG_CONFIG_PATH
+PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name qvejmap.pc)")
+# shellcheck disable=SC2046  # several words are meant
+cc -std=c11 -Wall -Wextra -Werror "$prefix/share/qvejmap/examples/rows.c" -o "$prefix/rows" \
+    $(pkg-config --cflags --libs qvejmap)
+LD_LIBRARY_PATH=$(pkg-config --variable=libdir qvejmap) \
+    "$prefix/rows" "$(pkg-config --variable=moduledir qvejmap)" "$2/examples/orders.json" \
+    >"$prefix/printed"
+diff - "$prefix/printed" <<'ROWS'
+orders
+  ordinal_root | ordinal_orders | id | paid
+  1 | 1 | 1001 | 1
+  1 | 2 | 1002 | 0
+orders_customer
+  ordinal_root | ordinal_orders | ordinal_customer | name | city
+  1 | 1 | 1 | Ada Berg | Oslo
+  1 | 2 | 2 | Li Wei | 
+orders_items
+  ordinal_root | ordinal_orders | ordinal_items | sku | quantity | price
+  1 | 1 | 1 | lamp | 2 | 19.5
+  1 | 1 | 2 | desk | 1 | 240
+  1 | 2 | 3 | chair | 4 | 85.25
+orders_tags
+  ordinal_root | ordinal_orders | ordinal_tags | tags1 | tags2
+  1 | 1 | 1 | gift | fragile
+  1 | 2 | 2 | pickup | 
+ROWS

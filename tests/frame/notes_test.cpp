@@ -1,0 +1,202 @@
+// Every note of the engine, known by its format: each comes of its scenario, and none is produced,
+// or stands in a source, that is in no list.
+#include "automap/map_dump.h"
+#include "core/note.h"
+#include "core/text.h"
+#include "scan/events.h"
+#include "scan/nesting.h"
+#include "scan/record_block.h"
+#include "testkit/testkit.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <set>
+
+namespace jmap::test {
+namespace {
+
+using Texts = std::set<std::string>;
+
+template <class... Text>
+Texts texts(Text... text) {
+    return {text...};
+}
+
+// In one of the sets only.
+Texts difference(const Texts& a, const Texts& b) {
+    Texts found;
+    std::set_symmetric_difference(a.begin(), a.end(), b.begin(), b.end(),
+                                  std::inserter(found, found.end()));
+    return found;
+}
+
+// Reads every table and begins again.
+void readEverything(const Scan& scan) {
+    JMAPTableh table = nullptr;
+    while (jmapNextTable(scan.automap(), &table) == QV_OK) {
+        QVEJMAPReadContexth rctx = nullptr;
+        ASSERT_QV_OK(jmapReadTable(scan.doc(), table, nullptr, &rctx));
+        (void)Scan::rowsOf(scan.engine(), rctx);
+        EXPECT_QV(QV_EOF, scan.engine()->Read(rctx));
+        EXPECT_QV_OK(scan.engine()->ReadReset(rctx));
+        EXPECT_QV_OK(scan.engine()->ReadTerm(rctx));
+    }
+}
+
+// Brings about what only damage and a user's map would.
+void damage(const Scan& scan) {
+    JMAP_PRIVATE* p = scan.p();
+    VARINFO* column = p->automap->dshead->vtail;
+    column->labelLen = column->formatLen = column->informatLen = 1;
+    column->retain = true;
+    EXPECT_QV_OK(dumpMap2(p, p->automap, "TEST"));
+    column->type = VAR_FAKEVARIABLE;
+    EXPECT_QV_OK(dumpMap(p));
+    p->debugLevel = true;
+    ASSERT_QV_OK(newLevel(p, static_cast<WHAT>(9), nullptr, 0));
+    ASSERT_QV_OK(newLevel(p, WHAT_ARRAY, nullptr, 0));
+    EXPECT_QV(QV_NOMEM, gotValue(p, "x", 1, static_cast<VALTYPE>(9)));
+    JMAP_READPRIVATE rp{};
+    rp.p = p;
+    std::string block(kBlockBytes, '\0');
+    p->chead->uncompressedLen -= 1;
+    EXPECT_QV_OK(uncompressPathBuffer(&rp, p->chead, block.data()));
+    p->chead->bufLen -= 1;
+    EXPECT_QV(QV_NOMEM, uncompressPathBuffer(&rp, p->chead, block.data()));
+    p->zlibh->deflate = [](QVZStream*, int) { return 0; };  // never comes to an end
+    p->cBufi = 1;
+    EXPECT_QV(QV_NOMEM, compressPathBuffer(p));
+}
+
+struct Scenario {
+    const char* name;
+    std::string json;
+    const char* keywords;
+    void (*use)(const Scan& scan);
+    Texts notes;
+};
+
+const Scenario kScenarios[] = {
+    {"scalars", R"({"s":"x","i":1,"t":true,"f":false,"n":null,"a":[1,2],"o":{}})", ",ALL,",
+     readEverything,
+     texts("rlmemSize %7.4gG", "rlmemMin  %7.4gG", "Parsing of %.*hs begins",
+           "Parsing of %.*hs ends",
+           "%lld paths of %lld bytes compressed to %lld %4.2g %% of original",
+           "Maxlevel %d, value maxlen %d", " p%d maxlen %d", "Object Start", "Object End",
+           "Array Start", "Array End", "   Array", "doVariables chose fake [%.*hs]", "fnull",
+           "fboolean", "fnumber", "fstring", "String [%.*hs] %hs ", "gotValue",
+           "gotValue [%.*hs][%.*hs]",
+           "newLevel labelCount %2d p->labelMaxes[%d] %2d p->labelCurLens[%d] %2d nameLen %d "
+           "p->labelCountMax %2d",
+           "--- level dump ---", "  empty", "   Label [%.*hs]", "   Object", "---",
+           "insertPathInfo [%.*hs] type %s valLen %d", "Path info dump",
+           "path [%-30.*hs] count %ld processed %s", "Path info dump end",
+           "generatePathVariableString [%.*hs] labelCount %d val %d", "  p%d len %d",
+           "  value len %d", "compressPathBuffer compressed %ld bytes to %ld",
+           "doVariables search     [%.*hs]", "doVariables considered [%.*hs]",
+           "doVariables chose      [%.*hs]", "MAP DUMP", "  dataset [%.*hs]",
+           "    character var [%.*hs] path [%.*hs]  maxlen %ld",
+           "    numeric   var [%.*hs] path [%.*hs]", "    ordinal   var [%.*hs] path [%.*hs]",
+           "MAP DUMP END", "readinit found ds [%.*hs]", " ",
+           "rctx var %-20.*hs %-10s length %3ld offset %3ld informat [%.*hs %ld %ld] format [%.*hs "
+           "%ld %ld]",
+           "rp   var %-20.*hs %-10s %-40.*hs length %3ld offset %3ld%hs", "tablePath %-40.*hs",
+           "ReadReset ", "ReadTerm called", "", "Read on dataset[%.*hs] called",
+           "Read           [%.*hs] atEOF set, returning QV_EOF",
+           "Read           [%.*hs] returning LAST OBSERVATION",
+           "Read           [%.*hs] returning QV_EOF", "Read: path [%.*hs]",
+           "Read: p->labelCount %d valLen %d", "  p%d %d [%.*hs]", "  valLen %d [%.*hs]",
+           "consumePath    [%.*hs] [%.*hs]", "consumePath    [%.*hs] [%.*hs] val [%.*hs]",
+           "consumePathVar [%.*hs] [%.*hs] set to 1 (true)",
+           "consumePathVar [%.*hs] [%.*hs] set to MISSING (null)",
+           "consumePathVar [%.*hs] [%.*hs] set to 0 (false)",
+           "consumePathVar [%.*hs] [%.*hs] set to [%.*hs]")},
+    {"mixed", R"([{},{"v":1},{"v":"x"}])", ",ALL,", readEverything,
+     texts("insertPathInfo type DOUBLE val type STRING so type now CHARACTER",
+           "consumePathOnly[%.*hs] tablePath [%.*hs] seen TWICE so DONE",
+           "consumePathOnly[%.*hs] tablePath [%.*hs] seen TWICE but not inVariables")},
+    {"rows", R"([{"a":{"x":1,"c":{"y":2}},"b":{"x":{"z":1}}},{"a":{}},{"a":{"x":2}}])", ",ALL,",
+     readEverything,
+     texts("consumePathOnly[%.*hs] path [%.*hs] < tablePath [%.*hs] so DONE",
+           "consumePathOnly[%.*hs] path [%.*hs] contains tablePath [%.*hs] so NOT DONE",
+           "consumePathOnly[%.*hs] tablePath [%.*hs] seen ONCE",
+           "consumePathOnly[%.*hs] path[%.*hs] name[%.*hs] set to %ld")},
+    {"sibling", R"([{"a":{"x":1},"bc":{"x":1},"b":{"x":1}}])", ",ALL,", readEverything,
+     texts("consumePathOnly[%.*hs] path [%.*hs] doesn't contain tablePath [%.*hs] so DONE")},
+    {"deep",
+     std::regex_replace(std::string(31, 'l'), std::regex("l"), R"({"l":)") + "1" +
+         std::string(31, '}'),
+     ",ALL,", readEverything, texts("newLevel realloc %d")},
+    {"mistake", "{]", ",ALL,", readEverything, texts("Parsing of %.*hs ends with ERROR")},
+    {"path only", R"({"a":1})", ",PATH,", readEverything,
+     texts("generatePathVariableString [%.*hs]")},
+    {"damage", R"({"a":1,"b":"y"})", "", damage,
+     texts(
+         "rc not Z_STREAM_END in compressPathBuffer", "rc not Z_STREAM_END in uncompressPathBuffer",
+         "!!!uncompressed length doesnt match save uncompressed length in uncompressPathBuffer",
+         "Hit default in switch in gotValue", " WHAT???", "    UNKNOWN?  var [%.*hs] path [%.*hs]",
+         "%hs MAP DUMP", " dataset     [%.*hs] %ld variable%hs", "  character  [%.*hs]",
+         "  numeric    [%.*hs]", "    maxlen   %lld", "  ordinal    [%.*hs]",
+         "    path     [%.*hs]", "    label    [%.*hs]", "    format   [%.*hs %lld %lld]",
+         "    informat [%.*hs %lld %lld]", "    RETAIN", "", " tablePath   [%.*hs]",
+         "%hs MAP DUMP END")},
+};
+
+// No notes: names of pools, modules, trackers and of the device, words in notes, formats of names.
+const Texts kOtherTexts =
+    texts("qvejmap", "qvejmap context", "qvejmap read pool", "qvejmap record cursor", "qvejson",
+          "qvezlib", "qvefmt", "qvioe", "DISK    ", "pathinfo tracker", "pathinfo sub tracker",
+          "dsname tracker", "column name tracker", "NOVAL", "NUMBER", "STRING", "NULL", "BOOLEAN",
+          "FAKE_VARIABLE", "UNKNOWN?", "TRUE", "FALSE", "ORDINAL", "DOUBLE", "CHAR", "UNKNOWN",
+          "CHARACTER", "NUMERIC", "%d", "P%d");
+
+// The host texts of a source, neighbours joined.
+Texts hostTexts(const std::string& file) {
+    static const std::regex kNeighbours(R"re("\s*\n\s*(U?)")re"), kText(R"re(U"([^"]*)")re");
+    std::ifstream stream(file);
+    const std::string source(std::istreambuf_iterator<char>(stream), {});
+    const std::string joined = std::regex_replace(source, kNeighbours, "");
+    return {std::sregex_token_iterator(joined.begin(), joined.end(), kText, 1), {}};
+}
+
+TEST(Notes, ComeOfTheirScenariosAndNoTextIsInNoList) {
+    Texts listed, produced, found;
+    for (const Scenario& scenario : kScenarios) {
+        SCOPED_TRACE(scenario.name);
+        FakeHost host;
+        scenario.use(Scan(host, scenario.json, {.debug = scenario.keywords, .compress = true}));
+        const Texts formats(host.formats.begin(), host.formats.end());
+        for (const std::string& note : scenario.notes) {
+            EXPECT_EQ(formats.count(note), 1u) << note;
+        }
+        listed.insert(scenario.notes.begin(), scenario.notes.end());
+        produced.insert(formats.begin(), formats.end());
+    }
+    EXPECT_EQ(difference(listed, produced), Texts{});
+    for (const std::string folder : {"core", "scan", "automap", "mapdoc", "reader", "frame"}) {
+        for (const auto& entry :
+             std::filesystem::directory_iterator(JMAP_SOURCE_DIR "/src/" + folder)) {
+            found.merge(hostTexts(entry.path()));
+        }
+    }
+    listed.insert(kOtherTexts.begin(), kOtherTexts.end());
+    EXPECT_EQ(difference(listed, found), Texts{});
+}
+
+TEST(Notes, AreWrittenToTheJournalOfTheDocumentOrNowhere) {
+    static int flushes;
+    flushes = 0;
+    FakeHost host;
+    const Scan scan(host, "{}");
+    host.journal()->flush = [](QVJnlh) -> QVStatus { return ++flushes, QV_OK; };
+    myLogNote(scan.p(), U"%.*hs|%d", noteLen(3), "abcdef", 7);
+    scan.p()->jnl = nullptr;
+    myLogNote(scan.p(), U"unheard");
+    EXPECT_EQ(host.notes, std::vector<std::string>{"abc|7"});
+    EXPECT_EQ(flushes, 1);
+}
+
+}  // namespace
+}  // namespace jmap::test

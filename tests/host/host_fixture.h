@@ -1,0 +1,118 @@
+// What the tests of the host share: a running host, its modules, and a folder for files.
+#pragma once
+
+#include "qvportable.h"
+
+#include "tests/testkit/testkit.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace qvhost::test {
+
+[[nodiscard]] QVStrSize lengthOf(const auto& text) {
+    return static_cast<QVStrSize>(std::size(text));
+}
+
+// A host that stops at the end.
+class RunningHost {
+   public:
+    // Notes are collected; with a journal they go to that file, or to standard error when it is "".
+    explicit RunningHost(const char* modulePath = nullptr, const char* journal = nullptr) {
+        QVPortableOptions options{};
+        options.structSize = sizeof options;
+        options.modulePath = modulePath;
+        options.journalArg = &notes;
+        if (journal == nullptr) {
+            options.journalCallback = [](void* arg, const char* note, size_t noteLen) {
+                static_cast<std::vector<std::string>*>(arg)->emplace_back(note, noteLen);
+            };
+        } else if (*journal != '\0') {
+            options.journalFile = journal;
+        }
+        EXPECT_QV_OK(qvPortableStart(&options, &handle));
+    }
+    ~RunningHost() { stop(); }
+    RunningHost(const RunningHost&) = delete;
+    RunningHost& operator=(const RunningHost&) = delete;
+    void stop() {
+        if (handle != nullptr) {
+            EXPECT_QV_OK(qvPortableStop(std::exchange(handle, nullptr)));
+        }
+    }
+
+    std::vector<std::string> notes;
+    QVHndlp handle = nullptr;
+
+    [[nodiscard]] QVPoolh pool(std::u32string_view name = U"x", QVStrSize initialSize = 0) const {
+        const QVPoolParms parms = {1, initialSize, QV_NO_NUMA};
+        return handle->createPool(handle, &parms, name.data(), lengthOf(name));
+    }
+    [[nodiscard]] QVTrackerh tracker(std::u32string_view name = U"x") const {
+        return handle->createTracker(handle, QV_TRACKER_HASH, 1, name.data(), lengthOf(name));
+    }
+    // An instance of a module, which the host ends.
+    template <class Table = QVExtension>
+    [[nodiscard]] Table* load(std::u32string_view name) const {
+        return reinterpret_cast<Table*>(
+            handle->loadExtension(handle, name.data(), lengthOf(name), handle->jnl));
+    }
+    [[nodiscard]] QVCEI encoding(std::string_view name) const {
+        return handle->nls->encodingId(handle->nls, name.data(), lengthOf(name));
+    }
+    [[nodiscard]] QVPortableCounts counts() const {
+        QVPortableCounts result;
+        qvPortableCounts(handle, &result);
+        return result;
+    }
+    // "pool a;module b;": what is alive, oldest first.
+    [[nodiscard]] std::string leftovers() const {
+        std::string result;
+        qvPortableLeftovers(
+            handle,
+            [](void* arg, const char* kind, const char* name) {
+                static_cast<std::string*>(arg)->append(kind).append(" ").append(name).append(";");
+            },
+            &result);
+        return result;
+    }
+};
+
+// Ends an object by its head.
+QVStatus destroy(auto* object) {
+    auto* generic = reinterpret_cast<QVGeneric*>(object);
+    return generic->destroy(generic);
+}
+
+// An empty folder that is removed at the end.
+class ScratchFolder {
+   public:
+    ScratchFolder() {
+        std::string name = testing::TempDir() + "qvhostXXXXXX";
+        path = mkdtemp(name.data());
+    }
+    ~ScratchFolder() { std::filesystem::remove_all(path); }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+    // Writes a file, with the folders above it, and returns its path.
+    std::string write(const std::string& name, std::string_view text) const {
+        std::filesystem::create_directories((path / name).parent_path());
+        std::ofstream(path / name) << text;
+        return path / name;
+    }
+    [[nodiscard]] std::string read(const std::string& name) const {
+        std::ifstream file(path / name);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    std::filesystem::path path;
+};
+
+}  // namespace qvhost::test

@@ -1,0 +1,76 @@
+// Against a reference parser: the same documents accepted, on all small texts over alphabets that
+// reach every rule and on mutations of a document, and the same events however it is cut.
+#include "tests/json/event_log.h"
+
+#include <boost/json/parse.hpp>
+#include <gtest/gtest.h>
+
+#include <random>
+#include <vector>
+
+namespace jmap::test {
+namespace {
+
+// Parses by both; from buffers of one byte, too, where every token goes the collectors' way.
+bool agreedToAccept(const std::string& text) {
+    boost::json::error_code error;
+    boost::json::parse(text, error);
+    const ParseResult result = parseIn(text, 0);
+    EXPECT_EQ(!error, result.status == QV_OK) << testing::PrintToString(text) << show(result);
+    EXPECT_EQ(show(result), show(parseIn(text, 1))) << testing::PrintToString(text);
+    return !error;
+}
+
+// All texts of up to `maxParts` parts of an alphabet, between `before` and `behind`.
+void agreeOnAll(const std::vector<std::string>& alphabet, std::size_t maxParts,
+                const std::string& before, const std::string& behind) {
+    agreedToAccept(before + behind);
+    for (const std::string& part : alphabet) {
+        if (maxParts != 0 && !testing::Test::HasFailure()) {
+            agreeOnAll(alphabet, maxParts - 1, before + part, behind);
+        }
+    }
+}
+
+TEST(Reference, AgreesOnAllSmallTexts) {
+    agreeOnAll({"{", "}", "[", "]", ",", ":", "\"a\"", "1", " "}, 5, "", "");
+    agreeOnAll({"0", "1", "9", "-", "+", ".", "e", "E"}, 4, "[", "]");
+    agreeOnAll({"0", "1", "-", "+", ".", "e", " "}, 4, "", "");
+    agreeOnAll({"t", "r", "u", "e", "true", "false", "null", "fals", "nul", ","}, 3, "[", "]");
+    agreeOnAll({"\\", "\"", "u", "n", "/", "x", "\x1F", "\x7F"}, 4, "[\"", "\"]");
+    agreeOnAll({"\\ud800", "\\udbff", "\\udc00", "\\udfff", "\\u0041", "\\uD8", "x"}, 3, "[\"",
+               "\"]");
+}
+
+// Each first byte that is special with bytes at and beside every bound behind it.
+TEST(Reference, AgreesOnUtf8) {
+    for (const char* first : {"\xC0", "\xC1", "\xC2", "\xDF", "\xE0", "\xE1", "\xEC", "\xED",
+                              "\xEE", "\xEF", "\xF0", "\xF1", "\xF3", "\xF4", "\xF5", "\xFF"}) {
+        agreeOnAll({"\x7F", "\x80", "\x8F", "\x90", "\x9F", "\xA0", "\xBF", "\xC3"}, 3,
+                   "[\"\xC3\xA9" + std::string(first), "\"]");
+    }
+}
+
+TEST(Reference, AgreesOnMutations) {
+    const std::string seed =
+        R"( {"name":"caf\u00e9 \"x\"","list":[1,-2.5e+3,true,null,{"deep":[[],{}]}],)"
+        "\n\"\xE6\x97\xA5\xE6\x9C\xAC\":\"plain text of more than sixty-four bytes, so that it "
+        "leaves the window in which it began\",\"n\":12345678901234567890.125}\n";
+    std::mt19937 random(7);
+    int accepted = 0;
+    for (int round = 0; round < 3000 && !HasFailure(); ++round) {
+        std::string text = seed;
+        for (std::size_t edits = 1 + random() % 3; edits > 0; --edits) {
+            const std::size_t at = random() % text.size();
+            const bool fromSeed = random() % 2 == 0;
+            const char c = fromSeed ? seed[random() % seed.size()] : static_cast<char>(random());
+            text.replace(at, random() % 2, random() % 2, c);
+        }
+        accepted += agreedToAccept(text) ? 1 : 0;
+    }
+    EXPECT_GT(accepted, 200);
+    EXPECT_LT(accepted, 2800);
+}
+
+}  // namespace
+}  // namespace jmap::test

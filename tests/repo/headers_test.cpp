@@ -1,0 +1,44 @@
+// Every header compiles alone: the public ones as C11 and as C++20, those of the sources as C++20.
+#include "testkit/testkit.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace jmap::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kFlags = " -fsyntax-only -Wall -Wextra -Wpedantic -Werror -I" JMAP_SOURCE_DIR
+                               "/include -I" JMAP_SOURCE_DIR "/src -I" JMAP_SOURCE_DIR;
+
+TEST(Headers, CompileAlone) {
+    struct Case {
+        const char* folder;
+        const char* compiler;
+        const char* source;
+    };
+    constexpr Case kCases[] = {
+        {"include", JMAP_C_COMPILER " -std=c11", "alone.c"},
+        {"include", JMAP_CXX_COMPILER " -std=c++20", "alone.cpp"},
+        {"src", JMAP_CXX_COMPILER " -std=c++20", "alone.cpp"},
+        {"client", JMAP_CXX_COMPILER " -std=c++20", "alone.cpp"},
+    };
+    for (const Case& c : kCases) {
+        std::string command = std::string(c.compiler) + kFlags;
+        for (const auto& entry :
+             fs::recursive_directory_iterator(fs::path(JMAP_SOURCE_DIR) / c.folder)) {
+            if (entry.path().extension() == ".h") {
+                const std::string source = scratchFile(c.source);
+                std::ofstream(source) << "#include " << entry.path() << "\nint unused_;\n";
+                command += " " + source;
+            }
+        }
+        EXPECT_EQ(std::system(command.c_str()), 0) << command;
+    }
+}
+
+}  // namespace
+}  // namespace jmap::test

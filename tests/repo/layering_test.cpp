@@ -1,0 +1,120 @@
+// Who may include whom.  To change the architecture, change the table here.
+#include "testkit/testkit.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+
+namespace jmap::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A folder and what its files may include: paths relative to the root, or <standard headers>.
+struct Layer {
+    std::string folder;
+    std::string allowed;  // a regular expression
+};
+
+// The headers of the engine need nothing of a run-time library.
+const std::string kEngine =
+    R"re(|include/qv(ehost|types|status|ejmap|ejmapx)\.h)re"
+    "|<(algorithm|array|bit|cassert|charconv|climits|cmath|cstdarg|cstddef|cstdint|cstring"
+    "|limits|span|string_view|type_traits|utility)>";
+
+const Layer kLayers[] = {
+    {"include/", "include/.*|<.*>"},
+    {"src/core/", "src/core/.*" + kEngine},
+    {"src/scan/", "src/(scan|core)/.*" + kEngine},
+    {"src/automap/", "src/(automap|scan|core)/.*" + kEngine},
+    {"src/mapdoc/", "src/(mapdoc|automap|scan|core)/.*" + kEngine},
+    {"src/reader/", "src/(reader|automap|scan|core)/.*" + kEngine},
+    {"src/frame/", "src/(frame|mapdoc|reader|automap|scan|core)/.*" + kEngine},
+    {"src/host/", R"re(src/host/.*|include/qv(ehost|types|status|portable)\.h|<.*>)re"},
+    {"client/", "client/.*|include/.*|<.*>"},
+    {"tools/", "(tools|client)/.*|include/.*|<.*>"},
+};
+
+// What the file of that name may include; nothing in a folder that is in no layer.
+std::string allowedIn(const std::string& name) {
+    const auto* layer = std::find_if(std::begin(kLayers), std::end(kLayers),
+                                     [&](const Layer& l) { return name.starts_with(l.folder); });
+    return layer == std::end(kLayers) ? "nothing" : layer->allowed;
+}
+
+// Where an include leads: a path relative to the root, or the include itself.
+std::string target(const fs::path& root, const fs::path& file, const std::string& include) {
+    for (const fs::path& base : {file.parent_path(), root / "src", root / "include", root}) {
+        if (include.front() != '<' && fs::exists(base / include)) {
+            return fs::relative(base / include, root).generic_string();
+        }
+    }
+    return include;
+}
+
+// One line for each include that breaks a rule, sorted.
+std::vector<std::string> violations(const fs::path& root) {
+    static const std::regex kInclude(R"re(^\s*#\s*include\s*(?:"([^"]+)"|(<[^>]+>)))re");
+    std::vector<std::string> found;
+    for (const char* top : {"include", "src", "client", "tools"}) {
+        for (const auto& entry : fs::recursive_directory_iterator(root / top)) {
+            const std::string name = fs::relative(entry, root).generic_string();
+            const std::regex allowed(allowedIn(name));
+            std::ifstream lines(entry.path());
+            std::smatch match;
+            for (std::string line; std::getline(lines, line);) {
+                if (std::regex_search(line, match, kInclude)) {
+                    const std::string include = match[1].str() + match[2].str();
+                    if (!std::regex_match(target(root, entry, include), allowed)) {
+                        found.push_back(name + " includes " + include);
+                    }
+                }
+            }
+        }
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+TEST(Layering, EveryIncludePointsDownwards) {
+    EXPECT_EQ(violations(JMAP_SOURCE_DIR), std::vector<std::string>{});
+}
+
+TEST(Layering, TheCheckFindsWhatBreaksARule) {
+    struct Case {
+        const char* file;
+        const char* line;
+        bool breaks;
+    };
+    constexpr Case kCases[] = {
+        {"client/inside.cpp", "#include \"scan/own.h\"", true},
+        {"include/qvejmap.h", "#include <stdint.h>", false},
+        {"include/qvportable.h", "#include \"qvejmap.h\"", false},
+        {"src/core/host.h", "#include \"qvportable.h\"", true},
+        {"src/extra/new.cpp", "#include <span>", true},
+        {"src/frame/gone.cpp", "#include \"gone.h\"", true},
+        {"src/frame/library.cpp", "#include <string>", true},
+        {"src/host/engine.cpp", "#include \"qvejmap.h\"", true},
+        {"src/host/json/any.cpp", "#include <vector>", false},
+        {"src/mapdoc/beside.cpp", "  # include \"../reader/own.h\"", true},
+        {"src/reader/own.h", "#include \"scan/own.h\"", false},
+        {"src/scan/above.cpp", "#include \"reader/own.h\"", true},
+        {"src/scan/own.h", "#include \"own.h\"", false},
+        {"tools/part.cpp", "#include <vector>", false},
+    };
+    const fs::path root = scratchFile("tree");
+    std::vector<std::string> expected, found;
+    for (const Case& c : kCases) {
+        fs::create_directories((root / c.file).parent_path());
+        std::ofstream(root / c.file) << c.line << "\n";
+        expected.insert(expected.end(), c.breaks ? 1 : 0, c.file);
+    }
+    for (const std::string& line : violations(root)) {
+        found.push_back(line.substr(0, line.find(' ')));
+    }
+    EXPECT_EQ(found, expected);
+}
+
+}  // namespace
+}  // namespace jmap::test

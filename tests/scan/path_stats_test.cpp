@@ -1,0 +1,98 @@
+// Statistics of paths: types, counts, groups.
+#include "scan/path_stats.h"
+
+#include "scan_fixture.h"
+
+namespace jmap::test {
+namespace {
+
+TEST(PathStats, CountsPromotesAndGroups) {
+    static constexpr struct {
+        const char* name;
+        const char* json;
+        const char* stats;  // statsLines
+    } kCases[] = {
+        {"types: a number becomes character, a character stays, null and boolean are numbers",
+         R"([{"a":1,"b":"x","c":null,"d":null},{"a":"x","b":12345,"c":true,"d":"longer"},{"a":2}])",
+         "/root/a:C3:1 /root/b:C2:5 /root/c:D2:4 /root/d:C2:6\n"},
+        {"an empty string counts one byte", R"([{"a":"","b":"xy"},{"b":""}])",
+         "/root/a:C1:1 /root/b:C2:2\n"},
+        {"groups in order of appearance", R"({"o":{"x":1},"a":1,"p":{"y":1},"b":2,"c":""})",
+         "/root/o/x:D1:1\n/root/a:D1:1 /root/b:D1:1 /root/c:C1:1\n/root/p/y:D1:1\n"},
+        {"a placeholder that heads its group is not found again", R"([{"a":{}},{"a":{}}])",
+         "/root/a/FAKE:F1:3 /root/a/FAKE:F1:3\n"},
+        {"from the third on the second entry counts", R"([{"a":[]},{"a":{}},{"a":{}},{"a":[]}])",
+         "/root/a/FAKE:F1:3 /root/a/FAKE:F3:3\n"},
+        {"a placeholder within a group is found, also for a value of its name",
+         R"([{"a":{"b":1}},{"a":{}},{"a":{"FAKE":"long"}}])", "/root/a/b:D1:1 /root/a/FAKE:F2:4\n"},
+        {"an empty name's parent is the whole path", R"({"b":2,"":1})",
+         "/root/b:D1:1 /root:D1:1\n"},
+        {"a path that does not follow as before",
+         R"([{"a":1,"b":1},{"a":2,"c":"x"},{"a":3,"b":null},{"a":4,"c":""},{"a":5,"b":6}])",
+         "/root/a:D5:1 /root/b:D3:4 /root/c:C2:1\n"},
+        {"a slash in a name is no separator", R"({"a/b":1,"a":{"b":2}})",
+         "/root/a/b:D1:1\n/root/a/b:D1:1\n"},
+    };
+    FakeHost host;
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(c.stats, statsLines(Scan(host, c.json).p()));
+    }
+}
+
+QVStatus insert(const Context& context, std::string_view last, VALTYPE type = VAL_NUMBER) {
+    const std::string path = "\x02root\x02" + std::string(last);
+    context.p->lastNameLen = lengthOf(last) + 1;
+    return insertPathInfo(context.p, path.data(), lengthOf(path), type, 2);
+}
+
+TEST(PathStats, NotesInsertionsAndDumpsGroupsWithTheirMembers) {
+    Context context;
+    context.p->debugInsertPath = true;
+    ASSERT_QV_OK(insert(context, "a"));
+    ASSERT_QV_OK(insert(context, "a", VAL_STRING));
+    ASSERT_QV_OK(insert(context, "a", VAL_STRING));
+    context.p->debugInsertPath = false;
+    ASSERT_QV_OK(insert(context, std::string(40, 'b')));
+    context.p->pathInfoTail->processed = true;
+    EXPECT_QV_OK(dumpPathInfo(context.p));
+    const std::vector<std::string> expected = {
+        "insertPathInfo [/root/a] type NUMBER valLen 2",
+        "insertPathInfo [/root/a] type STRING valLen 2",
+        "insertPathInfo type DOUBLE val type STRING so type now CHARACTER",
+        "insertPathInfo [/root/a] type STRING valLen 2",
+        "Path info dump",
+        "path [/root/a                       ] count 3 processed TRUE",
+        "path [/root/" + std::string(40, 'b') + "] count 1 processed FALSE",
+        "Path info dump end"};
+    EXPECT_EQ(expected, context.host.notes);
+}
+
+// Trackers that cannot be made are no failure: paths or groups are then not found again.
+TEST(PathStats, GoesOnWithoutATrackerButNotWithoutAnEntry) {
+    static constexpr const char* kWithout[] = {
+        "/root/a:D1:2 /root/b:D1:2 /root/a:D1:2\n",  // the tracker of paths
+        "/root/a:D2:2\n/root/b:D1:2\n",              // the tracker of groups
+    };
+    for (const uint64_t failing : {1, 2}) {
+        Context context;
+        context.host.failAllocation(failing);
+        for (const char* last : {"a", "b", "a"}) {
+            ASSERT_QV_OK(insert(context, last));
+        }
+        EXPECT_EQ(kWithout[failing - 1], statsLines(context.p));
+        context.host.failAllocation(failing);
+        EXPECT_QV(QV_NOMEM, insert(context, "c"));
+        EXPECT_EQ(kWithout[failing - 1], statsLines(context.p)) << "not linked";
+    }
+}
+
+TEST(PathStats, NamesAKindThatIsNone) {
+    for (const int32_t t : {VAL_NOVAL - 1, VAL_FAKEVARIABLE + 1}) {
+        EXPECT_STREQ("UNKNOWN?", valtypeToString(t));
+        EXPECT_EQ(U"UNKNOWN?", std::u32string_view(valtypeToHostString(t)));
+    }
+}
+
+}  // namespace
+}  // namespace jmap::test

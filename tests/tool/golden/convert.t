@@ -1,0 +1,137 @@
+$ qvejmap convert orders.json -o out; ls -A out; cat out/orders.csv
+  orders.csv
+  orders_customer.csv
+  orders_items.csv
+  orders_tags.csv
+  ordinal_root,ordinal_orders,id,paid\r
+  1,1,1001,1\r
+  1,2,1002,0\r
+! qvejmap: 4 tables, 9 rows in out
+
+# Existing files are refused, and then nothing changes.
+$ echo kept > out/orders_items.csv; rm out/orders_tags.csv; qvejmap convert orders.json -o out
+! qvejmap: out/orders.csv: the file exists (--force replaces it)
+? 5
+$ ls -A out; cat out/orders_items.csv
+  orders.csv
+  orders_customer.csv
+  orders_items.csv
+  kept
+$ qvejmap convert orders.json -o out --force -q; ls -A out; head -1 out/orders_items.csv
+  orders.csv
+  orders_customer.csv
+  orders_items.csv
+  orders_tags.csv
+  ordinal_root,ordinal_orders,ordinal_items,sku,quantity,price\r
+
+$ qvejmap convert orders.json -o nd --format ndjson --alldata; ls -A nd; head -2 nd/ALLDATA.ndjson
+  ALLDATA.ndjson
+  orders.ndjson
+  orders_customer.ndjson
+  orders_items.ndjson
+  orders_tags.ndjson
+  {"P":1,"P1":"orders","P2":"","P3":"","V":0,"Value":""}
+  {"P":2,"P1":"orders","P2":"id","P3":"","V":1,"Value":"1001"}
+! qvejmap: 5 tables, 38 rows in nd
+
+# Missing folders are made, all of them.
+$ qvejmap convert orders.json -o a/b//c/ -q; ls -A a/b/c
+  orders.csv
+  orders_customer.csv
+  orders_items.csv
+  orders_tags.csv
+$ qvejmap convert orders.json -o orders.json
+! qvejmap: orders.json: not a directory
+? 5
+$ qvejmap convert orders.json -o orders.json/sub
+! qvejmap: orders.json: not a directory
+? 5
+$ qvejmap convert orders.json -o /proc/none
+! qvejmap: /proc/none: No such file or directory
+? 5
+
+# A broken document leaves no trace.
+$ printf '{"a":[1,2' | qvejmap convert - -o broken
+! qvejmap: <stdin>:1:10: the document ends before a complete object or array
+!     {"a":[1,2
+!              ^
+? 3
+$ ls -d broken
+! ls: cannot access 'broken': No such file or directory
+? 2
+
+# Names that are the same but for their case, that are shared, and that are empty.
+$ printf '{"o":{"a":1},"x":{"o":{"b":2}},"O":{"c":3},"o2":{"d":4},"AllData":{"e":5},"":{"f":6}}' > names.json
+$ qvejmap convert names.json -o names --alldata; ls -A names
+  ALLDATA~2.csv
+  AllData.csv
+  O2.csv
+  _.csv
+  o.csv
+  o2~2.csv
+  x_o.csv
+! qvejmap: 7 tables, 19 rows in names
+! qvejmap: more than one table is named o2: read opens the first; the table AllData hides ALLDATA (--alldata-name gives that another name)
+$ qvejmap read names.json o2; cat 'names/o2~2.csv'
+  ordinal_root,ordinal_O,c\r
+  1,1,3\r
+  ordinal_root,ordinal_o2,d\r
+  1,1,4\r
+$ qvejmap tables names.json --alldata-name '' --names
+  o
+  x_o
+  O2
+  o2
+  AllData
+  
+! qvejmap: more than one table is named o2: read opens the first; the table "" hides ALLDATA (--alldata-name gives that another name)
+
+# A name never acts as a path.
+$ qvejmap convert orders.json -o odd --alldata --alldata-name '../a b.c~é/' -q; ls -A odd | head -1
+  %2E.%2Fa%20b.c%7E%C3%A9%2F.csv
+$ qvejmap convert orders.json -o dot --alldata --alldata-name '' -q; ls -A dot | head -1
+  ALLDATA.csv
+$ ls -A
+  a
+  dot
+  names
+  names.json
+  nd
+  odd
+  orders.json
+  out
+  tmp
+
+# What is in the way and is no file stays, even with --force.
+$ mkdir -p way/orders_tags.csv; qvejmap convert orders.json -o way --force
+! qvejmap: way/orders_tags.csv: not a regular file, not replaced
+? 5
+$ ls -A way
+  orders_tags.csv
+
+# What the tables do not show is told.
+$ printf '[12345678901234567890,{"k":9007199254740993,"m":-9007199254740993}]' | qvejmap convert - -o loss
+! qvejmap: 1 table, 1 row in loss
+! qvejmap: integers past 2^53 are written as the nearest double in: root.element1, root.k, root.m
+$ cat loss/root.csv
+  ordinal_root,element1,k,m\r
+  1,12345678901234567168,9007199254740992,-9007199254740992\r
+$ printf '{"":1,"b":2,"a":[1,{"b":[2]}]}' | qvejmap convert - -o few -q --alldata --alldata-name Everything
+! qvejmap: <stdin>: tables "", a_b have no rows; their values are only in Everything
+$ printf '[1,2]' | qvejmap convert - -o one -q
+! qvejmap: <stdin>: table root has no rows; its values are only in ALLDATA
+$ printf '{"e":{}}' | qvejmap convert - -o none --alldata
+! qvejmap: 2 tables, 2 rows in none
+$ printf '[]' | qvejmap convert - -o nothing --alldata
+! qvejmap: 2 tables, 0 rows in nothing
+
+# A full disk; here a file may have 1 KiB at most.
+$ trap '' XFSZ; ulimit -f 1; printf '{"b":1,"a":[%s]}' $(seq -s, 999) | qvejmap convert - -o full
+! qvejmap: full/a.csv: File too large
+? 5
+$ ls -d full
+! ls: cannot access 'full': No such file or directory
+? 2
+$ test -w /dev/full && qvejmap read orders.json orders > /dev/full
+! qvejmap: <stdout>: No space left on device
+? 5

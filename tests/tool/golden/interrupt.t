@@ -1,0 +1,42 @@
+# A signal at any time leaves nothing behind.  What the shell itself says of it goes away.
+
+# So many tables over so many records that writing them takes long.
+$ rows=$(printf '{"v":%d},' $(seq 20))
+> { printf '{"t0":[]'; printf ",\"t%d\":[$rows{}]" $(seq 800); printf '}'; } > many.json
+
+# While it writes: no file stays, nor a folder that it made.
+$ exec 2> /dev/null
+> for signal in TERM INT HUP; do
+>     env --default-signal qvejmap convert many.json -o a/b &
+>     until [ "$(ls -A a/b | wc -l)" -gt 5 ]; do :; done
+>     kill -$signal $!; wait $!; kill -l $?; ls -d a
+> done; true
+  TERM
+  INT
+  HUP
+
+# A folder that was there stays, with its files.
+$ exec 2> /dev/null
+> mkdir out; echo old > out/t7.csv
+> qvejmap convert many.json -o out --force &
+> until [ "$(ls -A out | wc -l)" -gt 20 ]; do :; done
+> kill -TERM $!; wait $!; kill -l $?; ls -A out; cat out/t7.csv
+  TERM
+  t7.csv
+  old
+
+# While records go to disk: the cache file exists and has no name any more.
+$ exec 2> /dev/null
+> mkfifo pipe; qvejmap check - --memory 1 < pipe &
+> exec 3> pipe
+> { printf '{"a":[1'; yes ',"some text of a longer array of texts"' | head -n 100000; } >&3
+> ls -A tmp; ls -l /proc/$!/fd | grep -c '(deleted)'
+> kill -TERM $!; wait $!; kill -l $?; ls -A tmp
+  1
+  TERM
+
+# A signal that is ignored stays ignored.
+$ trap '' HUP; qvejmap convert many.json -o kept -q &
+> until [ -d kept ]; do :; done
+> kill -HUP $!; wait $!; ls -A kept | wc -l
+  801

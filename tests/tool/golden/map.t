@@ -1,0 +1,31 @@
+$ qvejmap map orders.json --ordinals 0
+  {"DATASETS":[{"DSNAME":"orders","TABLEPATH":"/root/orders","VARIABLES":[{"NAME":"id","TYPE":"NUMERIC","PATH":"/root/orders/id"},{"NAME":"paid","TYPE":"NUMERIC","PATH":"/root/orders/paid"}]},{"DSNAME":"orders_customer","TABLEPATH":"/root/orders/customer","VARIABLES":[{"NAME":"name","TYPE":"CHARACTER","PATH":"/root/orders/customer/name","CURRENT_LENGTH":8},{"NAME":"city","TYPE":"CHARACTER","PATH":"/root/orders/customer/city","CURRENT_LENGTH":4}]},{"DSNAME":"orders_items","TABLEPATH":"/root/orders/items","VARIABLES":[{"NAME":"sku","TYPE":"CHARACTER","PATH":"/root/orders/items/sku","CURRENT_LENGTH":5},{"NAME":"quantity","TYPE":"NUMERIC","PATH":"/root/orders/items/quantity"},{"NAME":"price","TYPE":"NUMERIC","PATH":"/root/orders/items/price"}]},{"DSNAME":"orders_tags","TABLEPATH":"/root/orders/tags","VARIABLES":[{"NAME":"tags1","TYPE":"CHARACTER","PATH":"/root/orders/tags/tags1","CURRENT_LENGTH":6},{"NAME":"tags2","TYPE":"CHARACTER","PATH":"/root/orders/tags/tags2","CURRENT_LENGTH":7}]}]}
+
+$ echo '{"a":1}' | qvejmap map - -o m.json; cat m.json
+  {"DATASETS":[{"DSNAME":"root","TABLEPATH":"/root","VARIABLES":[{"NAME":"ordinal_root","TYPE":"ORDINAL","PATH":"/root"},{"NAME":"a","TYPE":"NUMERIC","PATH":"/root/a"}]}]}
+$ echo '{"a":2}' | qvejmap map - -o m.json
+! qvejmap: ./m.json: the file exists (--force replaces it)
+? 5
+$ echo '{"b":2}' | qvejmap map - -o m.json --force; cat m.json
+  {"DATASETS":[{"DSNAME":"root","TABLEPATH":"/root","VARIABLES":[{"NAME":"ordinal_root","TYPE":"ORDINAL","PATH":"/root"},{"NAME":"b","TYPE":"NUMERIC","PATH":"/root/b"}]}]}
+$ echo '{}' | qvejmap map - -o -
+  {"DATASETS":[{"DSNAME":"root","TABLEPATH":"","VARIABLES":[{"NAME":"ordinal_root","TYPE":"ORDINAL","PATH":"/root"}]}]}
+
+# A long map.
+$ printf '{"a":[%s]}' $(seq -s, 9999) | qvejmap map - | tail -c 67
+  998"},{"NAME":"a9999","TYPE":"NUMERIC","PATH":"/root/a/a9999"}]}]}
+
+# Only a regular file is replaced, and a missing folder is not made.
+$ echo '{"b":2}' | qvejmap map - -o /dev/null --force
+! qvejmap: /dev/null: not a regular file, not replaced
+? 5
+$ echo '{"b":2}' | qvejmap map - -o none/m.json
+! qvejmap: none: No such file or directory
+? 5
+$ echo '{"b":2}' | qvejmap map - -o tmp --force
+! qvejmap: ./tmp: not a regular file, not replaced
+? 5
+$ ls -A
+  m.json
+  orders.json
+  tmp

@@ -1,0 +1,147 @@
+# CSV: a header, lines that end with CR LF, missing is empty, whole numbers without a point.
+$ for table in orders orders_customer orders_items orders_tags; do qvejmap read orders.json $table; done
+  ordinal_root,ordinal_orders,id,paid\r
+  1,1,1001,1\r
+  1,2,1002,0\r
+  ordinal_root,ordinal_orders,ordinal_customer,name,city\r
+  1,1,1,Ada Berg,Oslo\r
+  1,2,2,Li Wei,\r
+  ordinal_root,ordinal_orders,ordinal_items,sku,quantity,price\r
+  1,1,1,lamp,2,19.5\r
+  1,1,2,desk,1,240\r
+  1,2,3,chair,4,85.25\r
+  ordinal_root,ordinal_orders,ordinal_tags,tags1,tags2\r
+  1,1,1,gift,fragile\r
+  1,2,2,pickup,\r
+
+# NDJSON: missing is null, a blank cell "".
+$ printf '[{"s":"x","n":1},{"s":null,"n":null}]' | qvejmap read - root --format ndjson
+  {"ordinal_root":1,"s":"x","n":1}
+  {"ordinal_root":2,"s":"","n":null}
+
+# Names in any case; ALLDATA by its exact name.
+$ qvejmap read orders.json ORDERS --limit 1
+  ordinal_root,ordinal_orders,id,paid\r
+  1,1,1001,1\r
+$ qvejmap read orders.json ALLDATA --limit 4
+  P,P1,P2,P3,V,Value\r
+  1,orders,,,0,\r
+  2,orders,id,,1,1001\r
+  2,orders,customer,,0,\r
+  3,orders,customer,name,1,Ada Berg\r
+$ qvejmap read orders.json alldata
+! qvejmap: no table named alldata; did you mean ALLDATA?
+? 4
+$ qvejmap read orders.json every --alldata-name every --limit 1
+  P,P1,P2,P3,V,Value\r
+  1,orders,,,0,\r
+$ qvejmap read orders.json ALLDATA --alldata-name every
+! qvejmap: no table named ALLDATA (qvejmap tables lists them)
+? 4
+$ qvejmap read orders.json '' --alldata-name '' --limit 1
+  P,P1,P2,P3,V,Value\r
+  1,orders,,,0,\r
+$ qvejmap read orders.json ordres
+! qvejmap: no table named ordres; did you mean orders?
+? 4
+$ qvejmap read orders.json item
+! qvejmap: no table named item; did you mean orders_items?
+? 4
+$ qvejmap read orders.json order
+! qvejmap: no table named order; did you mean orders, orders_tags, orders_items?
+? 4
+$ qvejmap read orders.json nothing_like_it
+! qvejmap: no table named nothing_like_it (qvejmap tables lists them)
+? 4
+$ qvejmap read orders.json ''
+! qvejmap: no table named "" (qvejmap tables lists them)
+? 4
+
+$ qvejmap read orders.json orders --limit 0
+  ordinal_root,ordinal_orders,id,paid\r
+
+# Every word may stand anywhere; a table may be named like a verb.
+$ qvejmap --limit 1 orders.json --format csv read orders
+  ordinal_root,ordinal_orders,id,paid\r
+  1,1,1001,1\r
+$ printf '{"records":{"map":1}}' | qvejmap read - records
+  ordinal_root,ordinal_records,map\r
+  1,1,1\r
+
+# Fields that need quotes, and those that do not; blanks at the end go, others stay.
+$ printf '{"a":"x,y","b":"say \\"hi\\"","c":"two\\nlines","d":" kept  ","e":"tab\\there","f":"\\r","g":"","h":"é"}' > quotes.json
+$ qvejmap read quotes.json root
+  ordinal_root,a,b,c,d,e,f,g,h\r
+  1,"x,y","say ""hi""","two
+  lines", kept,tab\there,"\r",,é\r
+$ qvejmap read quotes.json root --format ndjson
+  {"ordinal_root":1,"a":"x,y","b":"say \\"hi\\"","c":"two\\nlines","d":" kept","e":"tab\\there","f":"\\r","g":"","h":"é"}
+
+# In a table of one column an empty field is written "", or the line would be empty.
+$ printf '{"r":[{"a":"x"},{"a":""}]}' | qvejmap read - r --ordinals 0
+  a\r
+  x\r
+  ""\r
+$ printf '{"r":[{"a":1},{"a":null}]}' | qvejmap read - r --ordinals 0
+  a\r
+  1\r
+  ""\r
+
+# Numbers: shortest form that reads back.
+$ printf '{"r":[0,-0,-0.0,1.0,1e2,0.1,1e-7,9007199254740992,1e30,-1.5e300,5e-324,1e400,-1e400]}' > numbers.json
+$ qvejmap read numbers.json r --ordinals 0
+  r1,r2,r3,r4,r5,r6,r7,r8,r9,r10,r11,r12,r13\r
+  0,-0,-0,1,100,0.1,1e-07,9007199254740992,1e+30,-1.5e+300,5e-324,inf,-inf\r
+$ qvejmap read numbers.json r --ordinals 0 --format ndjson
+  {"r1":0,"r2":-0,"r3":-0,"r4":1,"r5":100,"r6":0.1,"r7":1e-07,"r8":9007199254740992,"r9":1e+30,"r10":-1.5e+300,"r11":5e-324,"r12":1e400,"r13":-1e400}
+
+# Integers past 2^53 are told, also when nothing else is.
+$ printf '[{"id":9007199254740993,"n":9007199254740992,"f":9007199254740993.0,"s":"9007199254740993"},{"id":1}]' |
+>     qvejmap read - root -q
+  ordinal_root,id,n,f,s\r
+  1,9007199254740992,9007199254740992,9007199254740992,9007199254740993\r
+  2,1,,,\r
+! qvejmap: integers past 2^53 are written as the nearest double in: root.id
+
+# --retain keeps what a row does not set.
+$ printf '{"r":[{"a":1,"b":"x"},{"a":2}]}' | qvejmap read - r --retain
+  ordinal_root,ordinal_r,a,b\r
+  1,1,1,x\r
+  1,2,2,x\r
+
+# Scalars directly in the outermost array make a table without rows.
+$ echo '[1,2]' | qvejmap read - root
+  ordinal_root,element1,element2\r
+! qvejmap: <stdin>: table root has no rows; its values are only in ALLDATA
+$ echo '[1,2]' | qvejmap read - root --limit 0
+  ordinal_root,element1,element2\r
+$ echo '[1,2]' | qvejmap read - ALLDATA
+  P,P1,V,Value\r
+  1,element1,1,1\r
+  1,element2,1,2\r
+$ echo '{"":1}' | qvejmap read - ''
+  root\r
+! qvejmap: <stdin>: table "" has no rows; its values are only in ALLDATA
+
+# A table without values is no loss, nor is ALLDATA without rows.
+$ echo '{}' | qvejmap read - root
+  ordinal_root\r
+$ echo '{}' | qvejmap read - ALLDATA
+  P,P1,V,Value\r
+
+# A value of more than 32767 bytes is cut, in whole characters.
+$ { printf '{"a":"'; head -c 32766 /dev/zero | tr '\0' x; printf 'éé"}'; } > long.json
+$ qvejmap read long.json root --ordinals 0 | tail -1 | wc -c
+  32768
+$ qvejmap read long.json root --ordinals 0 --format ndjson | tail -c 8
+  xxxxx"}
+$ qvejmap records long.json | tail -c 4
+  xxx
+$ printf '[{"a":"x"},{"a":%040000d}]' 1 | tr 0 1 | qvejmap tables - --columns --ordinals 1
+  root\tordinal_root\tORDINAL\t8\t/root
+  root\ta\tCHARACTER\t32767\t/root/a
+
+# A label of more than 255 bytes is cut short in ALLDATA; what comes out is still UTF-8.
+$ printf '{"x%sy":1}' "$(printf 'é%.0s' $(seq 128))" | qvejmap read - ALLDATA
+  P,P1,V,Value\r
+  1,x,1,1\r

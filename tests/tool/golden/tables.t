@@ -1,0 +1,69 @@
+# One line a table: name, number of columns, path.
+$ qvejmap tables orders.json
+  orders\t4\t/root/orders
+  orders_customer\t5\t/root/orders/customer
+  orders_items\t6\t/root/orders/items
+  orders_tags\t5\t/root/orders/tags
+$ qvejmap tables --names orders.json
+  orders
+  orders_customer
+  orders_items
+  orders_tags
+$ qvejmap tables --columns orders.json
+  orders\tordinal_root\tORDINAL\t8\t/root
+  orders\tordinal_orders\tORDINAL\t8\t/root/orders
+  orders\tid\tNUMERIC\t8\t/root/orders/id
+  orders\tpaid\tNUMERIC\t8\t/root/orders/paid
+  orders_customer\tordinal_root\tORDINAL\t8\t/root
+  orders_customer\tordinal_orders\tORDINAL\t8\t/root/orders
+  orders_customer\tordinal_customer\tORDINAL\t8\t/root/orders/customer
+  orders_customer\tname\tCHARACTER\t8\t/root/orders/customer/name
+  orders_customer\tcity\tCHARACTER\t4\t/root/orders/customer/city
+  orders_items\tordinal_root\tORDINAL\t8\t/root
+  orders_items\tordinal_orders\tORDINAL\t8\t/root/orders
+  orders_items\tordinal_items\tORDINAL\t8\t/root/orders/items
+  orders_items\tsku\tCHARACTER\t5\t/root/orders/items/sku
+  orders_items\tquantity\tNUMERIC\t8\t/root/orders/items/quantity
+  orders_items\tprice\tNUMERIC\t8\t/root/orders/items/price
+  orders_tags\tordinal_root\tORDINAL\t8\t/root
+  orders_tags\tordinal_orders\tORDINAL\t8\t/root/orders
+  orders_tags\tordinal_tags\tORDINAL\t8\t/root/orders/tags
+  orders_tags\ttags1\tCHARACTER\t6\t/root/orders/tags/tags1
+  orders_tags\ttags2\tCHARACTER\t7\t/root/orders/tags/tags2
+
+# Fewer levels of ordinal columns, and none.
+$ qvejmap tables --ordinals 1 orders.json
+  orders\t3\t/root/orders
+  orders_customer\t3\t/root/orders/customer
+  orders_items\t4\t/root/orders/items
+  orders_tags\t3\t/root/orders/tags
+$ qvejmap tables --ordinals 0 --columns orders.json | head -2
+  orders\tid\tNUMERIC\t8\t/root/orders/id
+  orders\tpaid\tNUMERIC\t8\t/root/orders/paid
+
+# Paths are safe to print, and so are column names.
+$ printf '{"a\\u001b[31m\\\\":{"x\\ty\\u009b":1}}' | qvejmap tables - --columns
+  a__31m_\tordinal_root\tORDINAL\t8\t/root
+  a__31m_\tordinal_a__31m_\tORDINAL\t8\t/root/a\\u001b[31m\\\\
+  a__31m_\tx_y__\tNUMERIC\t8\t/root/a\\u001b[31m\\\\/x\\ty\\u009b
+
+# An outermost container without values.
+$ echo '{}' | qvejmap tables -
+  root\t1\t
+$ echo '[]' | qvejmap tables - --columns
+  root\tordinal_root\tORDINAL\t8\t/root
+
+# Names that more than one table has, and one that hides ALLDATA.
+$ printf '{"o":{"a":1},"x":{"o":{"b":2}},"O":{"c":3},"o2":{"d":4},"AllData":{"e":5}}' > names.json
+$ qvejmap tables names.json
+  o\t3\t/root/o
+  x_o\t4\t/root/x/o
+  O2\t3\t/root/O
+  o2\t3\t/root/o2
+  AllData\t3\t/root/AllData
+! qvejmap: more than one table is named o2: read opens the first; the table AllData hides ALLDATA (--alldata-name gives that another name)
+$ qvejmap tables names.json --names -q | tail -1
+  AllData
+$ qvejmap tables names.json --names --alldata-name Everything | tail -1
+  AllData
+! qvejmap: more than one table is named o2: read opens the first

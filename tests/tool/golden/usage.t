@@ -1,0 +1,189 @@
+$ qvejmap --help
+  Reads a JSON document and presents it as tables.
+  
+  Usage: qvejmap VERB FILE [OPTIONS]
+  
+  Verbs:
+    tables FILE             list the tables: name, number of columns, path
+    map FILE [-o OUT]       print the map of tables and columns as JSON
+    read FILE TABLE         print the rows of one table (or of ALLDATA)
+    convert FILE -o DIR     write every table to a file of its own
+    records FILE            print every record: kind, path, value
+    check FILE              is it well formed? else the first error
+  
+  Options of tables:
+    --names                 bare names, one a line
+    --columns               a line a column: table, column, type, length in bytes, path
+  
+  Options of map and convert:
+    -o,--output OUT         map: file to write; convert: directory, made when missing
+    --alldata               convert: ALLDATA too (every value with its full path)
+  
+  Options of read:
+    --limit N               at most N rows
+  
+  Rows and tables:
+    --format NAME           csv (default) or ndjson
+    --ordinals N            levels of ordinal columns, 0 for none (default: all)
+    --alldata-name NAME     name of the table ALLDATA
+    --retain                columns keep their value from row to row
+  
+  Reading the document:
+    --encoding NAME         encoding of FILE (default: UTF-8); any that ICU names
+    --depth N               deepest nesting allowed, 0 for any (default: 1000)
+    --compress              keep the records compressed
+    --memory SIZE           memory to use (default: what the machine has free)
+    --keep-free SIZE        memory to leave free; below it records go to a file
+                            (default: half of --memory, else an eighth of what is free)
+    --cache FILE            the file for such records; it stays (default: a private
+                            one in $TMPDIR or /tmp, removed)
+  
+  General:
+    --debug KEYWORDS        notes of the engine: MAP, READ, COMPRESSION, ALL, ...; "-MAP"
+                            leaves one out
+    --force                 replace existing files
+    -q,--quiet              no summary, no remarks
+    -h,--help               this page; with VERB only what that verb takes
+    --version               the version
+  
+  FILE may be "-" for standard input.  SIZE is a number of bytes, or of 1024 bytes and its
+  powers with K, M, G or T.  Options work in any position.  A file that is named like a verb is
+  written ./map.
+  
+  Exit codes: 0 done, 2 wrong usage, 3 not valid JSON, 4 no such table or trouble with the map,
+  5 trouble with a file, 6 a limit was reached.
+$ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
+  qvejmap convert: write every table to a file of its own
+  
+  Usage: qvejmap convert FILE -o DIR [OPTIONS]
+  
+  Options of convert:
+    -o,--output OUT         directory, made when missing
+    --alldata               ALLDATA too (every value with its full path)
+  
+  Rows and tables:
+    --format NAME           csv (default) or ndjson
+    --ordinals N            levels of ordinal columns, 0 for none (default: all)
+    --alldata-name NAME     name of the table ALLDATA
+    --retain                columns keep their value from row to row
+  
+  Reading the document:
+$ for verb in tables map read convert records check; do
+>     echo $verb: $(qvejmap $verb -h | grep -o '^  -[-a-z,]*')
+> done
+  tables: --names --columns --ordinals --alldata-name --encoding --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  map: -o,--output --ordinals --encoding --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
+  read: --limit --format --ordinals --alldata-name --retain --encoding --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
+  convert: -o,--output --alldata --format --ordinals --alldata-name --retain --encoding --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  records: --encoding --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
+  check: --encoding --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+$ qvejmap map --help | grep -A1 'of map'
+  Options of map:
+    -o,--output OUT         file to write
+$ qvejmap --version
+  qvejmap 1.0.0
+
+$ qvejmap
+! qvejmap: there is no verb (qvejmap --help tells more)
+? 2
+$ qvejmap orders.json
+! qvejmap: no verb is named 'orders.json' (qvejmap --help tells more)
+? 2
+$ qvejmap tables
+! qvejmap: tables: FILE is missing (qvejmap --help tells more)
+? 2
+$ qvejmap read orders.json
+! qvejmap: read: TABLE is missing (qvejmap --help tells more)
+? 2
+$ qvejmap check orders.json more
+! qvejmap: check: 'more' is one word too many (qvejmap --help tells more)
+? 2
+$ qvejmap tables map
+! qvejmap: there are two verbs, tables and map; a file of that name is ./map (qvejmap --help tells more)
+? 2
+$ cp orders.json map; qvejmap tables ./map --names | head -1
+  orders
+
+$ qvejmap convert orders.json
+! qvejmap: convert: -o DIR is missing (qvejmap --help tells more)
+? 2
+$ qvejmap convert orders.json -o ''
+! qvejmap: --output: the name is empty (qvejmap --help tells more)
+? 2
+$ qvejmap tables orders.json --limit 1
+! qvejmap: --limit belongs to read, not to tables (qvejmap --help tells more)
+? 2
+$ qvejmap read orders.json orders -o x
+! qvejmap: --output belongs to map, convert, not to read (qvejmap --help tells more)
+? 2
+$ qvejmap tables orders.json --names --columns
+! qvejmap: --names and --columns exclude each other (qvejmap --help tells more)
+? 2
+$ qvejmap tables orders.json --nonsense
+! qvejmap: The following argument was not expected: --nonsense (qvejmap --help tells more)
+? 2
+$ qvejmap tables orders.json --format
+! qvejmap: --format: 1 required NAME missing (qvejmap --help tells more)
+? 2
+$ qvejmap tables orders.json --format xml
+! qvejmap: --format: 'xml' is none of csv, ndjson (qvejmap --help tells more)
+? 2
+$ qvejmap read orders.json orders --limit -1
+! qvejmap: --limit: '-1' is not a whole number (qvejmap --help tells more)
+? 2
+$ qvejmap read orders.json orders --limit 1e3
+! qvejmap: --limit: '1e3' is not a whole number (qvejmap --help tells more)
+? 2
+$ qvejmap tables orders.json --ordinals 99999999999999999999
+! qvejmap: --ordinals: '99999999999999999999' is not a whole number (qvejmap --help tells more)
+? 2
+$ qvejmap tables orders.json --depth x
+! qvejmap: --depth: 'x' is not a whole number (qvejmap --help tells more)
+? 2
+$ qvejmap tables orders.json --memory 0
+! qvejmap: --memory: must be more than 0 (qvejmap --help tells more)
+? 2
+$ qvejmap tables orders.json --memory 3X
+! qvejmap: --memory: '3X' is not a size such as 500000, 64K, 100M or 2G (qvejmap --help tells more)
+? 2
+$ qvejmap tables orders.json --keep-free 99999999999G
+! qvejmap: --keep-free: '99999999999G' is not a size such as 500000, 64K, 100M or 2G (qvejmap --help tells more)
+? 2
+$ qvejmap tables orders.json --alldata-name 12345678901234567890123456789012345678901
+! qvejmap: --alldata-name: at most 40 bytes (qvejmap --help tells more)
+? 2
+$ qvejmap tables orders.json --debug nonsense
+! qvejmap: --debug: 'nonsense' is none of RLMEM, MAP, MAPGEN, MAPVAL, LEVEL, PARSE, PATH, COMPRESSION, MEMORY, INSERTPATH, READ, READINIT, READRESET, USERMAP, ALLDATA, ALL (qvejmap --help tells more)
+? 2
+$ qvejmap tables orders.json --debug -all 2>&1 | cut -c 1-50
+  qvejmap: --debug: '-all' is none of RLMEM, MAP, MA
+$ qvejmap tables orders.json --cache ''
+! qvejmap: --cache: the name is empty (qvejmap --help tells more)
+? 2
+
+# Options that mean nothing to a verb, but may be given to all.
+$ qvejmap check orders.json --format ndjson --retain --ordinals 1 --alldata-name all
+  orders.json: well formed
+
+# Messages never hold control characters.
+$ qvejmap "$(printf 'a\033b')"
+! qvejmap: no verb is named 'a\u001bb' (qvejmap --help tells more)
+? 2
+$ qvejmap tables orders.json "--$(printf 'a\033b')"
+! qvejmap: The following argument was not expected: --a\u001bb (qvejmap --help tells more)
+? 2
+$ qvejmap read orders.json "$(printf 'a\033b')"
+! qvejmap: no table named a\u001bb (qvejmap tables lists them)
+? 4
+$ qvejmap check orders.json --encoding "$(printf 'a\033b')"
+! qvejmap: --encoding: no encoding is named 'a\u001bb'
+? 2
+
+# Notes of the engine.
+$ echo '{"a":"\u001b"}' | qvejmap check - --debug map,,path,-map -q
+! generatePathVariableString [/root]
+! generatePathVariableString [/root/a \u001b]
+! Path info dump
+! path [/root/a                       ] count 1 processed FALSE
+! Path info dump end
+! totals: records 2, bytes 57, stored bytes 57, blocks 1, blocks on disk 0

@@ -1,0 +1,91 @@
+// Golden cases of the tool: what it prints, to the letter.
+//
+// Each file of tests/tool/golden/ is a list of cases that run one after the other in one fresh
+// folder, which holds examples/orders.json:
+//
+//     # a remark
+//     $ lines of the shell
+//     > that go together
+//       the exact standard output, each line behind two blanks; TAB, CR and other control
+//       characters as \t, \r, \u001b, a backslash as \\; "\c" behind a last line that has no end
+//     ! a line of standard error
+//     ? exit code, when it is not 0
+//
+// QVEJMAP_REFRESH=1 rewrites the files with what the tool does now; review the difference.
+#include "tests/tool/workplace.h"
+#include "tools/cli/escape.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <vector>
+
+namespace jmap::test {
+namespace {
+
+const std::string kFolder = JMAP_SOURCE_DIR "/tests/tool/golden/";
+
+std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+// What a command does, as a golden file shows it.
+std::string shownResult(const Workplace::Result& result) {
+    std::string text;
+    for (const std::string& line : linesOf(result.out)) {
+        text += "  " + escaped(line) + "\n";
+    }
+    if (!result.out.empty() && result.out.back() != '\n') {
+        text.insert(text.size() - 1, "\\c");
+    }
+    for (const std::string& line : linesOf(result.err)) {
+        text += "! " + line + "\n";
+    }
+    return text + (result.exitCode == 0 ? "" : "? " + std::to_string(result.exitCode) + "\n");
+}
+
+// Runs the cases of a golden file and returns the file as it should be.
+std::string replay(const std::string& file) {
+    const Workplace place;
+    std::string text;
+    std::string command;
+    for (const std::string& line : linesOf(file + "\n#end")) {
+        const std::string mark = line.substr(0, 2);
+        if (!command.empty() && mark == "> ") {
+            command += line.substr(2) + "\n";
+        } else if (mark == "  " || mark == "! " || mark == "? ") {
+            continue;  // a result
+        } else {
+            text += command.empty() ? "" : shownResult(place.run(command));
+            command = mark == "$ " ? line.substr(2) + "\n" : "";
+        }
+        text += line + "\n";
+    }
+    return text.substr(0, text.size() - std::string("\n#end\n").size());
+}
+
+class ToolGolden : public testing::TestWithParam<std::string> {};
+
+TEST_P(ToolGolden, PrintsWhatTheFileSays) {
+    const std::string path = kFolder + GetParam() + ".t";
+    const std::string written = readFile(path);
+    const std::string found = replay(written);
+    if (std::getenv("QVEJMAP_REFRESH") != nullptr) {
+        std::ofstream(path, std::ios::binary) << found;
+        return;
+    }
+    EXPECT_EQ(written, found) << path;
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, ToolGolden,
+                         testing::Values("check", "convert", "encodings", "interrupt", "map",
+                                         "read", "records", "spill", "tables", "terminal", "usage"),
+                         [](const auto& file) { return file.param; });
+
+}  // namespace
+}  // namespace jmap::test

@@ -1,0 +1,40 @@
+// What must not stay behind when a signal ends the tool: the cache file and unfinished output.
+//
+// The handlers remove what is named here, with nothing but async-signal-safe calls on names that
+// were laid down beforehand, and then let the signal do what it does by default.
+//
+// Tested by tests/tool/golden/interrupt.t and tests/tool/cleanup_test.cpp
+#pragma once
+
+#include <csignal>
+#include <cstddef>
+#include <string>
+
+namespace cleanup {
+
+// Installs the handlers, except for signals that are ignored (nohup).
+void install();
+
+// The cache file; empty: none any more.
+void setCacheFile(const std::string& path);
+
+// Unfinished output: the files PREFIX0, PREFIX1, ... up to `count`, and directories that were made
+// for them (the innermost, and how many of its last components).  Throws a Failure for a path that
+// is too long.
+void setOutput(const std::string& prefix, const std::string& directory, std::size_t directories);
+void setOutputCount(std::size_t count);
+void forgetOutput();
+
+// Holds the signals back while it lives.
+class Hold {
+   public:
+    Hold();
+    ~Hold();
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+
+   private:
+    sigset_t before_;
+};
+
+}  // namespace cleanup

@@ -1,0 +1,28 @@
+// See failure.h.
+#include "tools/cli/failure.h"
+
+#include <cerrno>
+#include <system_error>
+
+Failure fileFailure(const std::string& name) {
+    return {FILE_TROUBLE, name + ": " + std::generic_category().message(errno)};
+}
+
+ExitCode exitCodeOf(QVStatus status) {
+    const auto code = static_cast<uint32_t>(status);
+    const bool ofJson = code >= static_cast<uint32_t>(QV_JSON_VALUE) && code <= 0x85FFC9FFu;
+    const bool ofFiles = code >= static_cast<uint32_t>(QV_IO_NOTFOUND) && code <= 0x80BFC8FFu;
+    switch (status) {
+        case QV_JSON_DEPTH:
+        case QV_NOMEM:
+            return LIMIT_REACHED;
+        case QV_BADPARMS:
+        case QV_UNMAPPABLE:  // an option that the document's encoding cannot hold
+            return WRONG_USAGE;
+        case JMAP_PARSE:
+        case JMAP_INCOMPLETE:
+            return NOT_JSON;
+        default:
+            return ofJson ? NOT_JSON : ofFiles ? FILE_TROUBLE : NO_TABLE;
+    }
+}

@@ -1,0 +1,17 @@
+// File names for tables.
+//
+// Tested by tests/tool/text_test.cpp
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// A table name as a file name that never acts as a path: every byte but letters, digits, "_", "-"
+// and a "." that is not the first becomes %XX; the empty name becomes "_".
+std::string fileStem(std::string_view tableName);
+
+// File names for tables, in order, all different even where case does not count: orders.csv,
+// orders~2.csv.
+std::vector<std::string> uniqueFileNames(const std::vector<std::string>& tableNames,
+                                         std::string_view extension);

@@ -1,0 +1,25 @@
+// The output formats of rows.  To add one: a file with its sink, a row in the table of formats.cpp,
+// a case in tests/tool/golden/read.t.
+#pragma once
+
+#include "client/cursor.h"
+#include "tools/cli/writer.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+struct Format {
+    std::string_view name;       // of --format
+    std::string_view extension;  // of files
+    std::unique_ptr<qvej::Sink> (*make)(Writer& out);
+};
+
+// The format of that name, or null.
+const Format* findFormat(std::string_view name);
+
+// "csv, ndjson"
+std::string formatNames();
+
+std::unique_ptr<qvej::Sink> makeCsvSink(Writer& out);
+std::unique_ptr<qvej::Sink> makeNdjsonSink(Writer& out);

@@ -1,0 +1,37 @@
+// The command line tool qvejmap: JSON documents as tables.
+//
+// main() reads the options, runs the verb and turns every failure into one line and an exit code.
+//
+// Tested by tests/tool/
+#include "client/error.h"
+#include "tools/cli/cleanup.h"
+#include "tools/cli/failure.h"
+#include "tools/cli/options.h"
+#include "tools/cli/verbs.h"
+#include "tools/cli/writer.h"
+
+#include <exception>
+#include <new>
+
+int main(int argc, char** argv) {
+    cleanup::install();
+    try {
+        const Options options = readOptions(argc, argv);
+        if (options.verb != nullptr) {
+            options.verb->run(options);
+        }
+        return DONE;
+    } catch (const Failure& failure) {
+        tell(failure.what(), failure.excerpt());
+        return failure.exitCode();
+    } catch (const qvej::Error& error) {
+        tell(error.what());
+        return exitCodeOf(error.status());
+    } catch (const std::bad_alloc&) {
+        tell(qvStatusText(QV_NOMEM));
+        return LIMIT_REACHED;
+    } catch (const std::exception& error) {
+        tell(error.what());
+        return FILE_TROUBLE;
+    }
+}

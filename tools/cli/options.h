@@ -1,0 +1,47 @@
+// The command line, read and checked.
+//
+// Tested by tests/tool/golden/usage.t
+#pragma once
+
+#include "tools/cli/formats.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+struct Verb;
+
+struct Options {
+    const Verb* verb = nullptr;  // null: help or version was asked for, and printed
+    std::string file;            // "-": standard input
+    std::string table;           // of read
+
+    std::string out;              // of map and convert; empty: not given
+    uint64_t limit = UINT64_MAX;  // of read
+    bool names = false;           // of tables
+    bool columns = false;         // of tables
+    bool alldata = false;         // of convert
+
+    bool retain = false;
+    bool compress = false;
+    bool force = false;
+    bool quiet = false;
+    const Format* format = nullptr;
+    uint64_t ordinals = UINT64_MAX;
+    uint64_t depth = 1000;
+    std::optional<uint64_t> keepFree;
+    std::optional<uint64_t> memory;
+    std::string alldataName = "ALLDATA";
+    std::string encoding = "UTF-8";
+    std::string cache;
+    std::string debug;  // as the engine wants it: ",MAP,READ,"; empty: none
+};
+
+// Throws a Failure (WRONG_USAGE).  Prints help and version on standard output.
+Options readOptions(int argc, char** argv);
+
+// ---- for tests ----
+
+// A count of bytes: digits and perhaps K, M, G or T (powers of 1024).
+std::optional<uint64_t> parseSize(std::string_view text);

@@ -1,0 +1,161 @@
+// See output_files.h.
+#include "tools/cli/output_files.h"
+
+#include "client/cache_file.h"
+#include "tools/cli/cleanup.h"
+#include "tools/cli/failure.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace {
+
+std::string parentOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? std::string() : path.substr(0, slash);
+}
+
+std::string withoutTrailingSlashes(std::string path) {
+    while (path.size() > 1 && path.back() == '/') {
+        path.pop_back();
+    }
+    return path;
+}
+
+// What does not exist of `directory` and its parents, innermost first.
+std::vector<std::string> missingDirectories(const std::string& directory) {
+    std::vector<std::string> missing;
+    struct stat found = {};
+    for (std::string path = directory; !path.empty(); path = parentOf(path)) {
+        if (::stat(path.c_str(), &found) == 0) {
+            if (!S_ISDIR(found.st_mode)) {
+                throw Failure(FILE_TROUBLE, path + ": not a directory");
+            }
+            break;
+        }
+        if (errno != ENOENT && errno != ENOTDIR) {
+            throw fileFailure(path);
+        }
+        missing.push_back(path);
+    }
+    return missing;
+}
+
+// Renames, and refuses to replace unless `replace`.  0, or -1 with errno.
+int renameFile(const std::string& from, const std::string& to, bool replace) {
+    if (replace) {
+        return ::rename(from.c_str(), to.c_str());
+    }
+    const int status = ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
+    if (status == 0 || (errno != EINVAL && errno != ENOSYS)) {
+        return status;
+    }
+    // A file system without that flag: a link never replaces either.
+    return ::link(from.c_str(), to.c_str()) == 0 ? ::unlink(from.c_str()) : -1;
+}
+
+}  // namespace
+
+OutputFiles::OutputFiles(std::string directory, bool makeDirectory, std::vector<std::string> names,
+                         bool force)
+    : directory_(withoutTrailingSlashes(std::move(directory))),
+      names_(std::move(names)),
+      force_(force),
+      prefix_(directory_ + "/.qvejmap-" + qvej::randomHex() + "-") {
+    const std::vector<std::string> missing =
+        makeDirectory ? missingDirectories(directory_) : std::vector<std::string>();
+    refuseExisting();
+    cleanup::setOutput(prefix_, directory_, 0);
+    makeDirectories(missing);
+}
+
+OutputFiles::~OutputFiles() {
+    if (!committed_) {
+        removeTemporary();
+    }
+    cleanup::forgetOutput();
+}
+
+void OutputFiles::refuseExisting() const {
+    for (std::size_t i = 0; i < names_.size(); ++i) {
+        struct stat found = {};
+        const std::string path = finalPath(i);
+        if (::lstat(path.c_str(), &found) != 0) {
+            if (errno == ENOENT) {
+                continue;
+            }
+            throw fileFailure(path);
+        }
+        if (!S_ISREG(found.st_mode)) {
+            throw Failure(FILE_TROUBLE, path + ": not a regular file, not replaced");
+        }
+        if (!force_) {
+            throw Failure(FILE_TROUBLE, path + ": the file exists (--force replaces it)");
+        }
+    }
+}
+
+void OutputFiles::makeDirectories(const std::vector<std::string>& missing) {
+    for (auto path = missing.rbegin(); path != missing.rend(); ++path) {
+        const cleanup::Hold hold;
+        if (::mkdir(path->c_str(), 0777) == 0) {
+            madeDirectories_.push_back(*path);
+            cleanup::setOutput(prefix_, *path, madeDirectories_.size());
+        } else if (errno != EEXIST) {
+            const Failure failure = fileFailure(*path);
+            removeTemporary();
+            throw failure;
+        }
+    }
+}
+
+int OutputFiles::openNext() {
+    close();
+    const std::string path = temporaryPath(opened_);
+    cleanup::setOutputCount(opened_ + 1);
+    descriptor_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
+    if (descriptor_ < 0) {
+        throw fileFailure(directory_);
+    }
+    ++opened_;
+    return descriptor_;
+}
+
+void OutputFiles::close() {
+    if (descriptor_ >= 0 && ::close(std::exchange(descriptor_, -1)) != 0) {
+        throw fileFailure(currentPath());
+    }
+}
+
+void OutputFiles::commit() {
+    close();
+    const cleanup::Hold hold;  // all or nothing
+    for (std::size_t i = 0; i < opened_; ++i) {
+        if (renameFile(temporaryPath(i), finalPath(i), force_) == 0) {
+            continue;
+        }
+        const Failure failure = fileFailure(finalPath(i));
+        for (std::size_t done = 0; done < i && !force_; ++done) {
+            (void)::unlink(finalPath(done).c_str());  // as if they had never been
+        }
+        throw failure;
+    }
+    committed_ = true;
+}
+
+void OutputFiles::removeTemporary() {
+    const cleanup::Hold hold;
+    if (descriptor_ >= 0) {
+        (void)::close(std::exchange(descriptor_, -1));
+    }
+    for (std::size_t i = 0; i < opened_; ++i) {
+        (void)::unlink(temporaryPath(i).c_str());  // some may be renamed already
+    }
+    for (; !madeDirectories_.empty(); madeDirectories_.pop_back()) {
+        (void)::rmdir(madeDirectories_.back().c_str());  // not ours alone when it is not empty
+    }
+}

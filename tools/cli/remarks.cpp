@@ -1,0 +1,187 @@
+// See remarks.h.
+#include "tools/cli/remarks.h"
+
+#include "tools/cli/writer.h"
+
+#include <algorithm>
+#include <numeric>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace {
+
+constexpr std::string_view kTwoTo53 = "9007199254740992";
+constexpr std::size_t kMostSuggestions = 3;
+constexpr std::size_t kMostNames = 5;
+
+std::string lowerCased(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower) {
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return lower;
+}
+
+std::string joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) {
+        text += (text.empty() ? "" : ", ") + word;
+    }
+    return text;
+}
+
+// A number of JSON without fraction and exponent whose magnitude is more than 2^53?
+bool isLargeInteger(std::string_view number) {
+    if (number.starts_with('-')) {
+        number.remove_prefix(1);
+    }
+    if (number.size() < kTwoTo53.size() ||
+        number.find_first_not_of("0123456789") != std::string_view::npos) {
+        return false;
+    }
+    return number.size() > kTwoTo53.size() || number > kTwoTo53;
+}
+
+// The numeric paths long enough to hold such an integer.
+std::unordered_set<std::string> candidatePaths(const qvej::Document& document) {
+    std::unordered_set<std::string> paths;
+    for (qvej::PathStatistics& path : document.pathStatistics()) {
+        if (path.type == JMAP_NUMERIC && path.longest >= static_cast<int64_t>(kTwoTo53.size())) {
+            paths.insert(std::move(path.path));
+        }
+    }
+    return paths;
+}
+
+std::unordered_set<std::string> largeIntegerPaths(const qvej::Document& document) {
+    const std::unordered_set<std::string> candidates = candidatePaths(document);
+    std::unordered_set<std::string> found;
+    if (candidates.empty()) {
+        return found;
+    }
+    qvej::RecordCursor records(document);
+    qvej::Record record = {};
+    while (found.size() < candidates.size() && records.next(record)) {
+        if (record.kind == JMAP_KIND_NUMBER && isLargeInteger(record.value)) {
+            std::string path(record.path);
+            if (candidates.contains(path)) {
+                found.insert(std::move(path));
+            }
+        }
+    }
+    return found;
+}
+
+// Does the table show values of its own, as ALLDATA and a table of ordinals alone do not?
+bool hasOwnValues(const qvej::Table& table) {
+    return !table.alldata &&
+           std::any_of(table.columns.begin(), table.columns.end(),
+                       [](const auto& column) { return column.type != qvej::ColumnType::ORDINAL; });
+}
+
+std::size_t editDistance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i + 1;
+        for (std::size_t j = 0; j < b.size(); ++j) {
+            const std::size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
+        }
+    }
+    return row.back();
+}
+
+}  // namespace
+
+std::string visible(const std::string& tableName) {
+    return tableName.empty() ? "\"\"" : tableName;
+}
+
+std::string sharedNames(const qvej::Document& document, const std::string& alldataName) {
+    std::unordered_map<std::string, std::size_t> counts;
+    std::vector<std::string> order;
+    const qvej::Table* hiding = nullptr;
+    for (const qvej::Table& table : document.tables()) {
+        std::size_t& count = counts[lowerCased(table.name)];
+        if (++count == 2) {
+            order.push_back(visible(table.name));
+        }
+        if (hiding == nullptr && qvej::equalIgnoringCase(table.name, alldataName)) {
+            hiding = &table;
+        }
+    }
+    std::string text;
+    if (!order.empty()) {
+        if (order.size() > kMostNames) {
+            const std::size_t more = order.size() - kMostNames;
+            order.resize(kMostNames);
+            order.back() += " and " + std::to_string(more) + " more";
+        }
+        text = "more than one table is named " + joined(order) + ": read opens the first";
+    }
+    if (hiding != nullptr) {
+        text += (text.empty() ? "" : "; ") + std::string("the table ") + visible(hiding->name) +
+                " hides ALLDATA (--alldata-name gives that another name)";
+    }
+    return text;
+}
+
+std::vector<std::string> largeIntegerColumns(const qvej::Document& document,
+                                             const std::vector<const qvej::Table*>& tables) {
+    const std::unordered_set<std::string> paths = largeIntegerPaths(document);
+    std::vector<std::string> names;
+    for (const qvej::Table* table : tables) {
+        for (const qvej::Column& column : table->columns) {
+            if (column.type == qvej::ColumnType::NUMERIC && paths.contains(column.path)) {
+                names.push_back(visible(table->name) + "." + column.name);
+            }
+        }
+    }
+    return names;
+}
+
+void tellLosses(const std::string& file, const qvej::Document& document,
+                const std::vector<WrittenTable>& written) {
+    std::vector<const qvej::Table*> tables;
+    std::vector<std::string> withoutRows;
+    for (const WrittenTable& w : written) {
+        tables.push_back(w.table);
+        if (w.rows == 0 && hasOwnValues(*w.table)) {
+            withoutRows.push_back(visible(w.table->name));
+        }
+    }
+    if (!withoutRows.empty()) {
+        const bool one = withoutRows.size() == 1;
+        tell(file + (one ? ": table " : ": tables ") + joined(withoutRows) +
+             (one ? " has no rows; its" : " have no rows; their") + " values are only in " +
+             document.alldata().name);
+    }
+    const std::vector<std::string> names = largeIntegerColumns(document, tables);
+    if (!names.empty()) {
+        tell("integers past 2^53 are written as the nearest double in: " + joined(names));
+    }
+}
+
+std::vector<std::string> similarNames(std::string_view name,
+                                      const std::vector<std::string>& names) {
+    const std::string wanted = lowerCased(name);
+    std::vector<std::pair<std::size_t, std::string>> close;
+    for (const std::string& candidate : names) {
+        const std::string lower = lowerCased(candidate);
+        const std::size_t distance = editDistance(wanted, lower);
+        const bool contained = wanted.size() >= 3 && lower.find(wanted) != std::string::npos;
+        if (distance <= std::max<std::size_t>(1, wanted.size() / 3) || contained) {
+            close.emplace_back(distance, candidate);
+        }
+    }
+    std::stable_sort(close.begin(), close.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::vector<std::string> best;
+    for (std::size_t i = 0; i < close.size() && i < kMostSuggestions; ++i) {
+        best.push_back(close[i].second);
+    }
+    return best;
+}

@@ -1,0 +1,36 @@
+// Remarks on a document: what a person should know about its tables.
+//
+// Tested by tests/tool/golden/
+#pragma once
+
+#include "client/document.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// A table name as messages have it: even an empty one can be seen.
+std::string visible(const std::string& tableName);
+
+// One line on tables that no name opens, since another table has it; empty: there are none.
+std::string sharedNames(const qvej::Document& document, const std::string& alldataName);
+
+// The columns of `tables` whose values hold integers beyond 2^53, which a double cannot tell apart,
+// as "table.column".
+std::vector<std::string> largeIntegerColumns(const qvej::Document& document,
+                                             const std::vector<const qvej::Table*>& tables);
+
+// A table and how many rows came of it.
+struct WrittenTable {
+    const qvej::Table* table;
+    uint64_t rows;
+};
+
+// Tells on standard error, a line each, what the rows of these tables of `file` do not show:
+// integers beyond 2^53, and tables that have values but no rows (scalars directly in the outermost
+// array).
+void tellLosses(const std::string& file, const qvej::Document& document,
+                const std::vector<WrittenTable>& written);
+
+// The names that look most like `name`, best first; empty: none does.
+std::vector<std::string> similarNames(std::string_view name, const std::vector<std::string>& names);

@@ -1,0 +1,49 @@
+// From FILE to a finished document: opens the input, starts the engine as the options say, feeds
+// the document, and tells mistakes with their place.
+#pragma once
+
+#include "client/document.h"
+#include "client/engine.h"
+#include "client/error.h"
+#include "tools/cli/input.h"
+#include "tools/cli/options.h"
+#include "tools/cli/place.h"
+
+#include <optional>
+#include <string>
+
+class Session {
+   public:
+    // Reads the whole document.  Throws a Failure.
+    explicit Session(const Options& options);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    [[nodiscard]] const qvej::Document& document() const { return *document_; }
+
+    // What messages call the document.
+    [[nodiscard]] const std::string& name() const { return input_.name(); }
+
+    // Turns a failure of the finished document (its records cannot be read back) into the tool's.
+    [[noreturn]] void failReading(const qvej::Error& error) const;
+
+   private:
+    void open();
+    void readAll();
+    void feed(std::string_view text);
+    void finish();
+    [[noreturn]] void fail(const qvej::Error& error) const;
+    [[nodiscard]] std::string encodingHint(QVStatus status) const;
+    [[nodiscard]] std::string failureLine(Place place, const std::string& what) const;
+    [[nodiscard]] std::string excerpt(Place place) const;
+
+    const Options& options_;
+    Input input_;
+    qvej::Engine engine_;
+    std::optional<Converter> converter_;  // when the engine cannot read the encoding itself
+    std::string cachePath_;               // of records that leave memory
+    std::optional<qvej::Document> document_;
+    TextTrail trail_;
+    std::string start_;  // first two bytes of the text
+};

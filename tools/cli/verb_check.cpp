@@ -1,0 +1,18 @@
+// qvejmap check: is the document well formed?
+//
+// Tested by tests/tool/golden/check.t
+#include "tools/cli/escape.h"
+#include "tools/cli/session.h"
+#include "tools/cli/verbs.h"
+#include "tools/cli/writer.h"
+
+void runCheck(const Options& options) {
+    const Session session(options);
+    if (options.quiet) {
+        return;
+    }
+    Writer out = standardOutput();
+    out.append(shown(session.name()));
+    out.append(": well formed\n");
+    out.flush();
+}

@@ -1,0 +1,72 @@
+// qvejmap convert: every table in a file of its own.
+//
+// Tested by tests/tool/golden/convert.t and tests/tool/golden/interrupt.t
+#include "client/error.h"
+#include "tools/cli/failure.h"
+#include "tools/cli/file_names.h"
+#include "tools/cli/output_files.h"
+#include "tools/cli/remarks.h"
+#include "tools/cli/session.h"
+#include "tools/cli/verbs.h"
+#include "tools/cli/writer.h"
+
+namespace {
+
+std::vector<const qvej::Table*> tablesToWrite(const qvej::Document& document, bool alldata) {
+    std::vector<const qvej::Table*> tables;
+    for (const qvej::Table& table : document.tables()) {
+        tables.push_back(&table);
+    }
+    if (alldata) {
+        tables.push_back(&document.alldata());
+    }
+    return tables;
+}
+
+std::vector<std::string> namesOf(const std::vector<const qvej::Table*>& tables) {
+    std::vector<std::string> names;
+    names.reserve(tables.size());
+    for (const qvej::Table* table : tables) {
+        names.push_back(table->name);
+    }
+    return names;
+}
+
+std::string counted(uint64_t count, const std::string& noun) {
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+}  // namespace
+
+void runConvert(const Options& options) {
+    const Session session(options);
+    const qvej::Document& document = session.document();
+    const std::vector<const qvej::Table*> tables = tablesToWrite(document, options.alldata);
+    try {
+        OutputFiles files(options.out, true,
+                          uniqueFileNames(namesOf(tables), options.format->extension),
+                          options.force);
+        std::vector<WrittenTable> written;
+        uint64_t rows = 0;
+        for (const qvej::Table* table : tables) {
+            const int descriptor = files.openNext();
+            Writer out(descriptor, files.currentPath());
+            qvej::Cursor cursor(document, *table, options.retain);
+            written.push_back({table, qvej::copyRows(cursor, *options.format->make(out))});
+            rows += written.back().rows;
+            out.flush();
+        }
+        files.commit();
+        if (!options.quiet) {
+            tell(counted(tables.size(), "table") + ", " + counted(rows, "row") + " in " +
+                 options.out);
+        }
+        const std::string shared = sharedNames(document, options.alldataName);
+        if (!shared.empty() && !options.quiet) {
+            tell(shared);
+        }
+        tellLosses(session.name(), document, written);
+    } catch (const qvej::Error& error) {
+        session.failReading(error);
+    }
+}
