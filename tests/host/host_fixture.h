@@ -24,10 +24,12 @@ namespace qvhost::test {
 class RunningHost {
    public:
     // Notes are collected; with a journal they go to that file, or to standard error when it is "".
-    explicit RunningHost(const char* modulePath = nullptr, const char* journal = nullptr) {
+    explicit RunningHost(const char* modulePath = nullptr, const char* journal = nullptr,
+                         uint64_t maxDepth = 0) {
         QVPortableOptions options{};
         options.structSize = sizeof options;
         options.modulePath = modulePath;
+        options.maxDepth = maxDepth;
         options.journalArg = &notes;
         if (journal == nullptr) {
             options.journalCallback = [](void* arg, const char* note, size_t noteLen) {

@@ -242,7 +242,7 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
         ->type_name("KEYWORDS")
         ->group(general);
     app.add_flag("--force", o.force, "replace existing files")->group(general);
-    app.add_flag("-q,--quiet", o.quiet, "no summary, no remarks")->group(general);
+    app.add_flag("-q,--quiet", o.quiet, "no summary; what is lost is still said")->group(general);
     app.set_help_flag("-h,--help", "this page; with VERB only what that verb takes")
         ->group(general);
     app.set_version_flag("--version", "qvejmap " QVEJMAP_VERSION, "the version")->group(general);

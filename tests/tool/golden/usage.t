@@ -42,7 +42,7 @@ $ qvejmap --help
     --debug KEYWORDS        notes of the engine: MAP, READ, COMPRESSION, ALL, ...; "-MAP"
                             leaves one out
     --force                 replace existing files
-    -q,--quiet              no summary, no remarks
+    -q,--quiet              no summary; what is lost is still said
     -h,--help               this page; with VERB only what that verb takes
     --version               the version
   
