@@ -28,6 +28,7 @@ struct JMAP_READPRIVATE {
     bool obsbufCleared;  // the row buffer has been cleared once
     bool ordinalsOnly;   // every column is an ordinal
     QVIOFileh rfp;       // the cache file, open while it is read; owned
+    QVStatus rfpStatus;  // its first failure, which later blocks give too; QV_OK: none
     bool doAlldata;      // this is the ALLDATA table
     COLUMNINDEX* index;  // columns by path
 };

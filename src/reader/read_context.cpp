@@ -124,6 +124,7 @@ QVStatus ReadReset(QVEJMAPReadContexth inrctx) {
         rp->varinfo[i].ordinalValue = 0;
     }
     (void)destroyHandle(rp->rfp);  // read only: nothing can be lost
+    rp->rfpStatus = QV_OK;
     return QV_OK;
 }
 

@@ -213,7 +213,11 @@ QVStatus compressPathBuffer(JMAP_PRIVATE* p) {
 
 QVStatus uncompressPathBuffer(JMAP_READPRIVATE* rp, COMPPATHS* n, char* outbuf) {
     if (n->onDisk) {
-        QV_TRY(readBlock(rp, n));
+        // After a failure nobody knows which block the file would give next.
+        if (rp->rfpStatus == QV_OK) {
+            rp->rfpStatus = readBlock(rp, n);
+        }
+        QV_TRY(rp->rfpStatus);
     }
     if (n->compressed) {
         return inflateBlock(rp, n, outbuf);

@@ -153,6 +153,22 @@ TEST(RecordBlock, ClosesWithTheseAnswers) {
     }
 }
 
+TEST(RecordBlock, AFileThatFailedOnceGivesNoLaterBlock) {
+    static constexpr struct {
+        const char* name;
+        QVStatus Fakes::*answer;
+    } kCases[] = {{"open", &Fakes::open}, {"read", &Fakes::read}};
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        OpenBlock open(false, true);
+        ASSERT_QV_OK(compressPathBuffer(open.p));
+        fakes.*c.answer = QV_IO_READ;
+        EXPECT_EQ(QV_IO_READ, uncompressPathBuffer(&open.rp, open.p->chead, open.out.data()));
+        fakes.*c.answer = QV_OK;
+        EXPECT_EQ(QV_IO_READ, uncompressPathBuffer(&open.rp, open.p->chead, open.out.data()));
+    }
+}
+
 TEST(RecordBlock, LoadsWithTheseAnswers) {
     static constexpr struct {
         const char* name;
