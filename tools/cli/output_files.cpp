@@ -45,17 +45,47 @@ std::vector<std::string> missingDirectories(const std::string& directory) {
     return missing;
 }
 
-// Renames, and refuses to replace unless `replace`.  0, or -1 with errno.
-int renameFile(const std::string& from, const std::string& to, bool replace) {
-    if (replace) {
-        return ::rename(from.c_str(), to.c_str());
+// Renames with a flag of renameat2.  False with errno, ENOSYS when the file system knows no flags.
+bool renameWith(unsigned flag, const std::string& from, const std::string& to) {
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), flag) == 0) {
+        return true;
     }
-    const int status = ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
-    if (status == 0 || (errno != EINVAL && errno != ENOSYS)) {
-        return status;
+    errno = errno == EINVAL ? ENOSYS : errno;
+    return false;
+}
+
+// Gives `from` the name `to`, which nothing may have.  False with errno.
+bool renameToNew(const std::string& from, const std::string& to) {
+    if (renameWith(RENAME_NOREPLACE, from, to)) {
+        return true;
     }
-    // A file system without that flag: a link never replaces either.
-    return ::link(from.c_str(), to.c_str()) == 0 ? ::unlink(from.c_str()) : -1;
+    // A link never replaces either.
+    return errno == ENOSYS && ::link(from.c_str(), to.c_str()) == 0 && ::unlink(from.c_str()) == 0;
+}
+
+// Exchanges the names of two files.  False with errno.
+bool exchangeNames(const std::string& a, const std::string& b) {
+    if (renameWith(RENAME_EXCHANGE, a, b)) {
+        return true;
+    }
+    const std::string aside = a + "-aside";
+    return errno == ENOSYS && ::rename(b.c_str(), aside.c_str()) == 0 &&
+           ::rename(a.c_str(), b.c_str()) == 0 && ::rename(aside.c_str(), a.c_str()) == 0;
+}
+
+// Is there a regular file?  False when there is nothing; throws for all else.
+bool fileExists(const std::string& path) {
+    struct stat found = {};
+    if (::lstat(path.c_str(), &found) != 0) {
+        if (errno == ENOENT) {
+            return false;
+        }
+        throw fileFailure(path);
+    }
+    if (!S_ISREG(found.st_mode)) {
+        throw Failure(FILE_TROUBLE, path + ": not a regular file, not replaced");
+    }
+    return true;
 }
 
 }  // namespace
@@ -82,19 +112,8 @@ OutputFiles::~OutputFiles() {
 
 void OutputFiles::refuseExisting() const {
     for (std::size_t i = 0; i < names_.size(); ++i) {
-        struct stat found = {};
-        const std::string path = finalPath(i);
-        if (::lstat(path.c_str(), &found) != 0) {
-            if (errno == ENOENT) {
-                continue;
-            }
-            throw fileFailure(path);
-        }
-        if (!S_ISREG(found.st_mode)) {
-            throw Failure(FILE_TROUBLE, path + ": not a regular file, not replaced");
-        }
-        if (!force_) {
-            throw Failure(FILE_TROUBLE, path + ": the file exists (--force replaces it)");
+        if (fileExists(finalPath(i)) && !force_) {
+            throw Failure(FILE_TROUBLE, finalPath(i) + ": the file exists (--force replaces it)");
         }
     }
 }
@@ -134,17 +153,32 @@ void OutputFiles::close() {
 void OutputFiles::commit() {
     close();
     const cleanup::Hold hold;  // all or nothing
-    for (std::size_t i = 0; i < opened_; ++i) {
-        if (renameFile(temporaryPath(i), finalPath(i), force_) == 0) {
-            continue;
+    std::vector<bool> replaced;
+    try {
+        while (replaced.size() < opened_) {
+            replaced.push_back(putInPlace(replaced.size()));
         }
-        const Failure failure = fileFailure(finalPath(i));
-        for (std::size_t done = 0; done < i && !force_; ++done) {
-            (void)::unlink(finalPath(done).c_str());  // as if they had never been
+    } catch (const Failure&) {
+        for (std::size_t i = 0; i < replaced.size(); ++i) {
+            (void)(replaced[i] ? ::rename(temporaryPath(i).c_str(), finalPath(i).c_str())
+                               : ::unlink(finalPath(i).c_str()));
         }
-        throw failure;
+        throw;
     }
     committed_ = true;
+    madeDirectories_.clear();
+    removeTemporary();
+}
+
+// Gives a file its final name.  True when there was one of that name, which the temporary name then
+// stands for.
+bool OutputFiles::putInPlace(std::size_t i) {
+    const bool replace = force_ && fileExists(finalPath(i));
+    if (!(replace ? exchangeNames(temporaryPath(i), finalPath(i))
+                  : renameToNew(temporaryPath(i), finalPath(i)))) {
+        throw fileFailure(finalPath(i));
+    }
+    return replace;
 }
 
 void OutputFiles::removeTemporary() {
@@ -153,7 +187,7 @@ void OutputFiles::removeTemporary() {
         (void)::close(std::exchange(descriptor_, -1));
     }
     for (std::size_t i = 0; i < opened_; ++i) {
-        (void)::unlink(temporaryPath(i).c_str());  // some may be renamed already
+        (void)::unlink(temporaryPath(i).c_str());  // most have been renamed after `commit`
     }
     for (; !madeDirectories_.empty(); madeDirectories_.pop_back()) {
         (void)::rmdir(madeDirectories_.back().c_str());  // not ours alone when it is not empty

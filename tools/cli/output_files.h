@@ -1,10 +1,11 @@
 // Output files that appear all together or not at all.
 //
-// Each file is written under a temporary name in its directory.  `commit` renames them all; until
-// then, and when the object ends without it, nothing under a final name has changed and the
-// temporary files go away, also when a signal ends the program.
+// Each file is written under a temporary name in its directory.  `commit` renames them all and keeps
+// what they replace until the last has its name; until then, and when the object ends without it,
+// nothing under a final name has changed and the temporary files go away, also when a signal ends
+// the program.
 //
-// Tested by tests/tool/golden/interrupt.t and tests/tool/golden/convert.t
+// Tested by tests/tool/output_files_test.cpp, golden/interrupt.t and golden/convert.t
 #pragma once
 
 #include <cstddef>
@@ -26,13 +27,14 @@ class OutputFiles {
     // Path of the file that is open, under its final name.
     [[nodiscard]] std::string currentPath() const { return finalPath(opened_ - 1); }
 
-    // Gives all files their names.  Throws a Failure; without `force` nothing has changed then.
+    // Gives all files their names.  Throws a Failure; nothing has changed then.
     void commit();
 
    private:
     void refuseExisting() const;
     void makeDirectories(const std::vector<std::string>& missing);
     void close();
+    bool putInPlace(std::size_t i);
     void removeTemporary();
     [[nodiscard]] std::string temporaryPath(std::size_t i) const {
         return prefix_ + std::to_string(i);
