@@ -2,13 +2,15 @@
 // 1 MiB, callbacks that do nothing.
 //
 //   BM_Parse/orders          ours, with the kernel that the machine offers
-//   BM_ParsePortable/orders  ours, one byte at a time
+//   BM_ParseSse2/orders      ours, as on a machine without AVX2
+//   BM_ParsePortable/orders  ours, without vectors
 //   BM_BoostParse/orders     boost::json::basic_parser, the reference: compare within one run
 //
 // Only times of one run compare; bytes a second are of the processor time of the thread.
+#include "qvportable.h"
+
 #include "bench/documents.h"
 #include "host/json/parser.h"
-#include "qvportable.h"
 
 #include <benchmark/benchmark.h>
 #include <boost/json/basic_parser_impl.hpp>
@@ -43,8 +45,8 @@ void require(bool parsed, const std::string& name) {
 
 JSNParseCB idleCallbacks() {
     JSNParseCB cb;
-    cb.arrayStart = cb.arrayEnd = cb.objectStart = cb.objectEnd = cb.nullx =
-        [](JSNParseCB*) { return QV_OK; };
+    cb.arrayStart = cb.arrayEnd = cb.objectStart = cb.objectEnd =
+        cb.nullx = [](JSNParseCB*) { return QV_OK; };
     cb.booleanVal = [](JSNParseCB*, QVBoolean) { return QV_OK; };
     cb.number = [](JSNParseCB*, const char*, QVStrSize, int32_t) { return QV_OK; };
     cb.string = [](JSNParseCB*, const JSNChar*, QVStrSize, int32_t) { return QV_OK; };
@@ -61,7 +63,8 @@ void parse(benchmark::State& state, const Document& document, qvhost::ScanKernel
         JSNParserh parser = new qvhost::Parser(nullptr, parms, {.kernel = kernel});
         QVStatus status = QV_EOF;
         eachBuffer(document.text, [&](std::string_view buffer, bool last) {
-            status = parser->parse(parser, buffer.data(), static_cast<QVStrSize>(buffer.size()), last);
+            status =
+                parser->parse(parser, buffer.data(), static_cast<QVStrSize>(buffer.size()), last);
         });
         require(status == QV_OK, document.name);
         (void)parser->generic.destroy(&parser->generic);
@@ -121,16 +124,19 @@ void registerRun(const char* what, const Document& document, Run run) {
 
 int main(int argc, char** argv) {
     using namespace jmap::bench;
+    using qvhost::ScanKernel;
     benchmark::Initialize(&argc, argv);
     const std::vector<Document> documents = loadDocuments();
+    const auto registerOurs = [](const char* what, const Document& document, ScanKernel kernel) {
+        registerRun(what, document, [kernel](benchmark::State& state, const Document& d) {
+            parse(state, d, kernel);
+        });
+    };
     for (const Document& document : documents) {
-        registerRun("BM_Parse", document, [](benchmark::State& state, const Document& d) {
-            parse(state, d, qvhost::ScanKernel::BEST);
-        });
+        registerOurs("BM_Parse", document, ScanKernel::BEST);
         registerRun("BM_BoostParse", document, boostParse);
-        registerRun("BM_ParsePortable", document, [](benchmark::State& state, const Document& d) {
-            parse(state, d, qvhost::ScanKernel::PORTABLE);
-        });
+        registerOurs("BM_ParseSse2", document, ScanKernel::SSE2);
+        registerOurs("BM_ParsePortable", document, ScanKernel::PORTABLE);
     }
     benchmark::RunSpecifiedBenchmarks();
     return 0;

@@ -255,6 +255,9 @@ struct JSNParser {
     int64_t (*line)(JSNParserh parser);   /* from 1 */
     int64_t (*column)(JSNParserh parser); /* from 1, in bytes: of the next unread byte, or of the
                                              offending one */
+    /* Within a callback: where the token begins that it is called for, in the line that `line`
+     * tells (a token has no line end).  May be null. */
+    int64_t (*eventColumn)(JSNParserh parser);
 };
 
 #define JSN_OPEN_OBJECT 1
@@ -315,9 +318,55 @@ struct QVZLIB {
 
 /* ---- Module "qvefmt" ----------------------------------------------------------------------- */
 
-/* Formats and informats.  The engine keeps the handle; it has no operation to call yet. */
+/* Informats turn the texts of a column into its values, formats turn numbers into texts.  The
+ * engine keeps the handle and carries names, widths and decimals; whoever shows a table applies
+ * them.  Opened once for a column, applied to each of its values.  All texts are UTF-8.  The
+ * catalogue is in docs/FORMATS.md. */
+
+typedef struct QVInformat* QVInformath;
+typedef struct QVFormat* QVFormath;
+
+struct QVInformat {
+    QVGeneric generic;
+    uint64_t defaultWidth; /* characters to read when no width is given; 0: the whole text */
+    const char* refusal;   /* why a text gets QV_FMT_VALUE, for people: "not a date"; terminated */
+    /* Numeric columns.  A value is read whole, blanks around it allowed, or refused: QV_FMT_VALUE;
+     * QV_FMT_RANGE when it is well formed and cannot be represented. */
+    QVStatus (*toNumber)(QVInformath inf, const char* text, QVStrSize textLen, double* value);
+    /* Character columns.  `*out` stays valid until the next call, and as long as `text`. */
+    QVStatus (*toText)(QVInformath inf, const char* text, QVStrSize textLen, const char** out,
+                       QVStrSize* outLen);
+};
+
+struct QVFormat {
+    QVGeneric generic;
+    /* `*out` stays valid until the next call.  A number that the format cannot show is written in
+     * its shortest plain form: the text is also set with QV_FMT_VALUE (not such a number) and
+     * QV_FMT_RANGE (too large or too small).  A NaN, which is how a missing number looks, gives
+     * blanks as wide as the format. */
+    QVStatus (*toText)(QVFormath fmt, double value, const char** out, QVStrSize* outLen);
+};
+
+/* A line of the catalogue.  Texts are static and terminated. */
+typedef struct QVFMTEntry {
+    const char* name;    /* in lower case */
+    const char* purpose; /* one line for people */
+    QVBoolean numeric;   /* for numeric columns, else for character columns */
+} QVFMTEntry;
+
 struct QVFMT {
     QVExtension exth;
+    /* The informat of that name (in any case; a name that begins with "%" is a pattern) for columns
+     * of that type.  `width` and `decimals` 0: none given.  QV_FMT_NAME, QV_FMT_TYPE,
+     * QV_FMT_PATTERN, or QV_FMT_WIDTH when it can do nothing with the width or the decimals. */
+    QVStatus (*openInformat)(QVFMTh fmt, QVBoolean numeric, const char* name, QVStrSize nameLen,
+                             uint64_t width, uint64_t decimals, QVInformath* informat);
+    /* Likewise.  All formats are for numeric columns. */
+    QVStatus (*openFormat)(QVFMTh fmt, QVBoolean numeric, const char* name, QVStrSize nameLen,
+                           uint64_t width, uint64_t decimals, QVFormath* format);
+    /* The entries of the catalogue from 0 on.  QV_EOF behind the last. */
+    QVStatus (*informatAt)(QVFMTh fmt, QVStrSize index, QVFMTEntry* entry);
+    QVStatus (*formatAt)(QVFMTh fmt, QVStrSize index, QVFMTEntry* entry);
 };
 
 /* ---- Module "qvioe" ------------------------------------------------------------------------ */

@@ -28,18 +28,14 @@ inline std::string show(const ParseResult& result) {
 }
 
 // Bytes in quotes, those outside printable ASCII as <hex>.
-inline void appendQuoted(std::string& out, std::string_view text) {
-    out += '"';
+inline std::string quoted(const std::string& text) {
+    std::string out = "\"";
     for (const char c : text) {
-        if (c >= 0x20 && c < 0x7F && c != '<') {
-            out += c;
-        } else {
-            constexpr std::string_view kHex = "0123456789ABCDEF";
-            ((out += '<') += kHex[(c >> 4) & 15]) += kHex[c & 15];
-            out += '>';
-        }
+        constexpr std::string_view kHex = "0123456789ABCDEF";
+        const std::string hex = {'<', kHex[(c >> 4) & 15], kHex[c & 15], '>'};
+        out += c >= 0x20 && c < 0x7F && c != '<' ? std::string(1, c) : hex;
     }
-    out += "\" ";
+    return out + "\" ";
 }
 
 struct ParseOptions {
@@ -54,6 +50,8 @@ struct ParseOptions {
 struct EventLog {
     JSNParseCB cb{};  // must be first: the parser hands it back
     std::string events;
+    std::string places;           // where each begins: "1:1 1:2 "
+    JSNParserh parser = nullptr;  // null: places are not noted
     uint64_t count = 0;
     ParseOptions options;
 
@@ -67,23 +65,26 @@ struct EventLog {
             return of(c).add(value != 0 ? "true " : "false ");
         };
         cb.number = [](JSNParseCB* c, const char* text, QVStrSize length, int32_t flags) {
-            std::string event = flags == JSN_INTEGER ? "int " : flags == JSN_REAL ? "real " : "? ";
-            event.append(text, static_cast<std::size_t>(length)) += ' ';
-            return of(c).add(event);
+            const std::string kind = flags == JSN_INTEGER ? "int "
+                                     : flags == JSN_REAL  ? "real "
+                                                          : "? ";
+            return of(c).add(kind + std::string(text, text + length) + " ");
         };
         cb.string = [](JSNParseCB* c, const JSNChar* text, QVStrSize length, int32_t flags) {
-            std::string event = flags == JSN_MEMBERNAME ? "name " : flags == JSN_VALUE ? "" : "? ";
-            if (text == nullptr) {
-                return of(c).add("a null pointer");
-            }
-            const auto* bytes = reinterpret_cast<const char*>(text);
-            appendQuoted(event, {bytes, static_cast<std::size_t>(length)});
-            return of(c).add(event);
+            const std::string kind = flags == JSN_MEMBERNAME ? "name "
+                                     : flags == JSN_VALUE    ? ""
+                                                             : "? ";
+            return of(c).add(text == nullptr ? "a null pointer"
+                                             : kind + quoted({text, text + length}));
         };
     }
 
     QVStatus add(std::string_view event) {
         events += event;
+        if (parser != nullptr) {
+            places += std::to_string(parser->line(parser)) + ":" +
+                      std::to_string(parser->eventColumn(parser)) + " ";
+        }
         return ++count == options.failAt ? options.failStatus : QV_OK;
     }
     static EventLog& of(JSNParseCB* c) { return *reinterpret_cast<EventLog*>(c); }
@@ -99,11 +100,10 @@ class LoggedParser {
         parms.flags = JSN_PARSER_FLAGS;
         parms.callbacks = &log.cb;
         const qvhost::ParserSettings settings = {options.maxDepth, options.kernel};
-        parser_ = new qvhost::Parser(nullptr, parms, settings);
+        log.parser = parser_ = new qvhost::Parser(nullptr, parms, settings);
     }
     ~LoggedParser() { (void)parser_->generic.destroy(&parser_->generic); }
     LoggedParser(const LoggedParser&) = delete;
-    LoggedParser& operator=(const LoggedParser&) = delete;
 
     QVStatus feed(std::string_view text, bool done = false) {
         const auto length = static_cast<QVStrSize>(text.size());

@@ -13,16 +13,17 @@ namespace jmap::test {
 namespace {
 
 using namespace std::string_literals;
-using namespace std::string_view_literals;
 using qvhost::ScanKernel;
 
-// Parses the document whole, cut at every place, in buffers of 1, 2, 3, 7 and 65 bytes, by both
-// kernels: all must agree.  Returns what they say.
+constexpr ScanKernel kKernels[] = {ScanKernel::BEST, ScanKernel::SSE2, ScanKernel::PORTABLE};
+
+// Parses the document whole, cut at every place, in buffers of 1, 2, 3, 7 and 65 bytes, by every
+// kernel: all must agree.  Returns what they say.
 std::string parseEveryWay(std::string_view text, ParseOptions options = {}) {
     const std::string whole = show(parseIn(text, 0, options));
-    for (const ScanKernel kernel : {ScanKernel::BEST, ScanKernel::PORTABLE}) {
+    for (const ScanKernel kernel : kKernels) {
         options.kernel = kernel;
-        SCOPED_TRACE(kernel == ScanKernel::BEST ? "best kernel" : "portable kernel");
+        SCOPED_TRACE(static_cast<int>(kernel));
         for (const std::size_t size : {0, 1, 2, 3, 7, 65}) {
             EXPECT_EQ(whole, show(parseIn(text, size, options))) << "buffers of " << size;
         }
@@ -43,13 +44,13 @@ constexpr Document kDocuments[] = {
     {"empty containers", "[{},[ ]] ", "QV_OK 1:10 [ { } [ ] ] "},
     {"white space everywhere", "\r\n{\t\"a\" : [ 1 , 2 ] ,\n \"b\":{ } } \n",
      R"(QV_OK 4:1 { name "a" [ int 1 int 2 ] name "b" { } } )"},
-    {"nesting", R"([[[]],{"a":[{}]}])", R"(QV_OK 1:18 [ [ [ ] ] { name "a" [ { } ] } ] )"},
-    {"words", "[true,false,null]", "QV_OK 1:18 [ true false null ] "},
+    {"nesting, words", R"([[[true]],{"a":[{},false,null]}])",
+     R"(QV_OK 1:33 [ [ [ true ] ] { name "a" [ { } false null ] } ] )"},
     {"duplicate and empty names", R"({"":"","":2})", R"(QV_OK 1:13 { name "" "" name "" int 2 } )"},
-    {"integers", "[0,-0,1,-12,1234567890123456,900719925474099312345]",
-     "QV_OK 1:52 [ int 0 int -0 int 1 int -12 int 1234567890123456 int 900719925474099312345 ] "},
-    {"reals", "[0.5,-1.25,1e5,1E+5,2e-07,0e0,1.0,12345678901234.5,-0.12345678901234567]",
-     "QV_OK 1:73 [ real 0.5 real -1.25 real 1e5 real 1E+5 real 2e-07 real 0e0 real 1.0 "
+    {"integers", "[0,-0,-12,900719925474099312345]",
+     "QV_OK 1:33 [ int 0 int -0 int -12 int 900719925474099312345 ] "},
+    {"reals", "[0.5,1e5,1E+5,2e-07,0e0,12345678901234.5,-0.12345678901234567]",
+     "QV_OK 1:63 [ real 0.5 real 1e5 real 1E+5 real 2e-07 real 0e0 "
      "real 12345678901234.5 real -0.12345678901234567 ] "},
     {"top-level number", " 12 ", "QV_OK 1:5 int 12 "},
     {"top-level number at the end", "-1.5e3", "QV_OK 1:7 real -1.5e3 "},
@@ -57,13 +58,10 @@ constexpr Document kDocuments[] = {
     {"escaped code points", R"({"\u0000\u0002":"\u0041\u00e9\u20AC\uD83D\uDE00"})",
      "QV_OK 1:50 { name \"<00><02>\" \"A<C3><A9><E2><82><AC><F0><9F><98><80>\" } "},
     {"UTF-8 of every length, delete is no control",
-     "[\"\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF\"]",
-     "QV_OK 1:24 [ \"<7F><C2><80><DF><BF><E0><A0><80><ED><9F><BF>"
-     "<F0><90><80><80><F4><8F><BF><BF>\" ] "},
+     "[\"\x7F\xC2\x80\xED\x9F\xBF\xF4\x8F\xBF\xBF\"]",
+     "QV_OK 1:15 [ \"<7F><C2><80><ED><9F><BF><F4><8F><BF><BF>\" ] "},
 
-    {"nothing where a value is due", "{\"a\":}", "QV_JSON_VALUE 1:6 { name \"a\" "},
     {"byte outside ASCII where a value is due", "[\xC3\xA9]", "QV_JSON_VALUE 1:2 [ "},
-    {"name without quotes", "{a:1}", "QV_JSON_NAME 1:2 { "},
     {"trailing comma in an object", "{\"a\":1,}", "QV_JSON_NAME 1:8 { name \"a\" int 1 "},
     {"no colon", "{\"a\" 1}", "QV_JSON_COLON 1:6 { name \"a\" "},
     {"no comma in an object", R"({"":1 "b":2})", R"(QV_JSON_OBJECT_NEXT 1:7 { name "" int 1 )"},
@@ -71,16 +69,12 @@ constexpr Document kDocuments[] = {
     {"word that goes wrong inside", "{\"a\":falsy}", "QV_JSON_LITERAL 1:10 { name \"a\" "},
     {"leading zero behind the sign", "[-00.5]", "QV_JSON_LEADING_ZERO 1:4 [ "},
     {"sign alone", "[-]", "QV_JSON_DIGIT 1:3 [ "},
-    {"exponent of a sign", "[1e+]", "QV_JSON_DIGIT 1:5 [ "},
-    {"line feed in a string", "[\"a\nb\"]", "QV_JSON_CONTROL 1:4 [ "},
     {"last control character in a name", "{\"\x1F\":1}", "QV_JSON_CONTROL 1:3 { "},
     {"unknown escape", R"(["ab\x"])", "QV_JSON_ESCAPE 1:6 [ "},
     {"no hexadecimal digit", R"(["\u12g4"])", "QV_JSON_HEX 1:7 [ "},
-    {"high surrogate alone", R"(["x\ud800"])", "QV_JSON_SURROGATE 1:4 [ "},
     {"high surrogate before another escape", R"(["\uDBFF\n"])", "QV_JSON_SURROGATE 1:3 [ "},
     {"high surrogate before a character", R"(["\ud800\u0041"])", "QV_JSON_SURROGATE 1:3 [ "},
     {"low surrogate alone", R"(["x\udc00"])", "QV_JSON_SURROGATE 1:4 [ "},
-    {"continuation byte alone", "[\"a\x80\"]", "QV_JSON_UTF8 1:4 [ "},
     {"overlong sequence", "[\"ab\xE0\x9F\xBF\"]", "QV_JSON_UTF8 1:5 [ "},
     {"byte that begins nothing", "[\"\xC3\xA9\xFF\"]", "QV_JSON_UTF8 1:5 [ "},
     {"sequence cut by the quote, behind an escape", "[\"\\n\xE2\x82\"]", "QV_JSON_UTF8 1:5 [ "},
@@ -91,19 +85,10 @@ constexpr Document kDocuments[] = {
     {"byte order mark behind a blank", " \xEF\xBB\xBF{}", "QV_JSON_VALUE 1:2 "},
     {"comment before the document", "// x\n{}", "QV_JSON_COMMENT 1:1 "},
     {"comment before a name", "{ /* x */ \"a\":1}", "QV_JSON_COMMENT 1:3 { "},
-    {"comment before a colon", "{\"a\" /* x */:1}", "QV_JSON_COMMENT 1:6 { name \"a\" "},
-    {"comment before a value", "{\"a\": // x\n1}", "QV_JSON_COMMENT 1:7 { name \"a\" "},
     {"comment behind a value", "[1,\n 2 // x\n]", "QV_JSON_COMMENT 2:4 [ int 1 int 2 "},
     {"carriage returns end no line", "[1,\r\n\r 2,\n\n  ?]", "QV_JSON_VALUE 4:3 [ int 1 int 2 "},
-    {"white space of many lines",
-     "[\n                    \n                    \n\n                            x]",
-     "QV_JSON_LITERAL 5:29 [ "},
 
-    {"empty document", "", "QV_EOF 1:1 "},
-    {"white space only", " \n ", "QV_EOF 2:2 "},
-    {"open array behind a number", "[1,2", "QV_EOF 1:5 [ int 1 "},
     {"open object", "{\"a\":{\n\"b\"", R"(QV_EOF 2:4 { name "a" { name "b" )"},
-    {"open string", "[\"abc", "QV_EOF 1:6 [ "},
     {"open surrogate pair", "[\"\\ud83d", "QV_EOF 1:9 [ "},
     {"open sequence", "[\"\xE2\x82", "QV_EOF 1:5 [ "},
     {"half a byte order mark at the end", "\xEF\xBB", "QV_EOF 1:3 "},
@@ -122,8 +107,11 @@ TEST(Parser, CutsChangeNothingAtAnyLength) {
         std::string text;
         for (std::size_t length = 0; length < 132; ++length, text += filler) {
             const std::string blanks(length, ' ');
-            const std::string document =
-                "{\"" + text + "\":" + blanks + "[\"" + text + "\"" + blanks + ",1]}";
+            std::string document = "{\"" + text + "\":" + blanks + "[";
+            for (std::size_t i = 0; i < 8; ++i) {  // one at each place in a word
+                document += std::string((14 - text.size() % 8) % 8, ' ') + "\"" + text + "\",";
+            }
+            document += blanks + "1]}";
             const std::string whole = show(parseIn(document, 0));
             ASSERT_EQ(0U, whole.find("QV_OK")) << document;
             for (const std::size_t size : {1, 13, 64}) {
@@ -137,16 +125,13 @@ TEST(Parser, CutsChangeNothingAtAnyLength) {
 // A failing callback ends the parse behind its token, whichever event it is.
 TEST(Parser, PassesTheStatusOfACallbackOn) {
     constexpr std::string_view kText = "{\"a\":[1,2.5,\"x\\n\",true,null],\n\"b\":{}} ";
-    constexpr std::string_view kPlaces[] = {"1:2",  "1:5",  "1:7", "1:8", "1:12", "1:18", "1:23",
-                                            "1:28", "1:29", "2:4", "2:6", "2:7",  "2:8"};
     uint64_t event = 0;
-    for (const std::string_view place : kPlaces) {
-        SCOPED_TRACE(++event);
-        const ParseOptions options = {.failAt = event, .failStatus = QV_TRUNCATED};
-        const std::string told = parseEveryWay(kText, options);
-        EXPECT_EQ(0U, told.find("QV_TRUNCATED " + std::string(place) + " ")) << told;
+    for (const std::string place : {"1:2", "1:5", "1:7", "1:8", "1:12", "1:18", "1:23", "1:28",
+                                    "1:29", "2:4", "2:6", "2:7", "2:8"}) {
+        const std::string told =
+            parseEveryWay(kText, {.failAt = ++event, .failStatus = QV_TRUNCATED});
+        EXPECT_EQ(0U, told.find("QV_TRUNCATED " + place + " ")) << told;
     }
-    EXPECT_EQ(QV_OK, parseIn(kText, 0, {.failAt = event + 1, .failStatus = -77}).status);
     // Also when its status is that of an open document, the parse is over.
     LoggedParser over({.failAt = 2, .failStatus = QV_EOF});
     EXPECT_EQ(QV_EOF, over.feed("[1,"));
@@ -156,35 +141,21 @@ TEST(Parser, PassesTheStatusOfACallbackOn) {
 
 // The answer to each buffer ("." ends the document), and what the parser tells at the end.
 TEST(Parser, AnswersBufferByBuffer) {
-    const struct {
-        const char* name;
-        std::vector<std::string_view> buffers;
-        std::string answers;
-    } cases[] = {
-        {"complete while only blanks follow",
-         {"", "{", "}", "", " \n\t", "."},
-         "QV_EOF QV_EOF QV_OK QV_OK QV_OK QV_OK; QV_OK 2:2 { } "},
-        {"no second value", {"{}", "\n 1"}, "QV_OK QV_JSON_TRAILING; QV_JSON_TRAILING 2:2 { } "},
-        {"number told once",
-         {"12", "34", ".", "."},
-         "QV_EOF QV_EOF QV_OK QV_OK; QV_OK 1:5 int 1234 "},
-        {"bad buffers",
-         {{nullptr, 3}, {nullptr, 0}, "[]"},
-         "QV_BADPARMS QV_EOF QV_OK; QV_OK 1:3 [ ] "},
-        {"failed for ever",
-         {"[,", "[]", "."},
-         "QV_JSON_VALUE QV_JSON_VALUE QV_JSON_VALUE; QV_JSON_VALUE 1:2 [ "},
+    const std::pair<std::vector<std::string_view>, std::string> cases[] = {
+        {{"", "{", "}", "", " \n\t", "."}, "QV_EOF QV_EOF QV_OK QV_OK QV_OK QV_OK QV_OK 2:2 { } "},
+        {{"{}", "\n 1"}, "QV_OK QV_JSON_TRAILING QV_JSON_TRAILING 2:2 { } "},
+        {{"12", "34", ".", "."}, "QV_EOF QV_EOF QV_OK QV_OK QV_OK 1:5 int 1234 "},
+        {{{nullptr, 3}, {nullptr, 0}, "[]"}, "QV_BADPARMS QV_EOF QV_OK QV_OK 1:3 [ ] "},
+        {{"[,", "[]", "."}, "QV_JSON_VALUE QV_JSON_VALUE QV_JSON_VALUE QV_JSON_VALUE 1:2 [ "},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const auto& [buffers, expected] : cases) {
         LoggedParser parser;
         std::string answers;
-        for (const std::string_view buffer : c.buffers) {
+        for (const std::string_view buffer : buffers) {
             const bool done = buffer.data() != nullptr && buffer == ".";
             answers += qvStatusName(parser.feed(done ? "" : buffer, done)) + " "s;
         }
-        answers.back() = ';';
-        EXPECT_EQ(c.answers, answers + " " + show(parser.result()));
+        EXPECT_EQ(expected, answers + show(parser.result()));
     }
 }
 
@@ -198,14 +169,12 @@ TEST(Parser, LimitsTheDepthOnlyWhenAsked) {
 // A container ends at each depth on the way down, so that no bound of the stack goes unseen.
 TEST(Parser, NestsWithoutALimit) {
     std::string text;
-    std::string closers = "0";
+    std::string closers;
     for (std::size_t i = 0; i < 200'000; ++i) {
         text += i % 3 == 0 ? "{\"\":[],\"\":" : "[{},";
+        closers += i % 3 == 1 ? "}" : "]";  // the 200,000th is the second of its three
     }
-    for (std::size_t i = 200'000; i-- > 0;) {
-        closers += i % 3 == 0 ? "}" : "]";
-    }
-    text += closers;
+    text += "0" + closers;
     const std::string whole = show(parseIn(text, 0));
     EXPECT_EQ(0U, whole.find("QV_OK "));
     EXPECT_TRUE(whole == show(parseIn(text, 4096)));
@@ -215,24 +184,27 @@ TEST(Parser, NestsWithoutALimit) {
 
 TEST(Parser, TakesNumbersAndStringsOfAnyLength) {
     const std::string digits(300'000, '7');
-    std::string words = "\n";
-    for (int i = 0; i < 20'000; ++i) {
-        words += "plain text, \xE6\x97\xA5\xE6\x9C\xAC ";
-    }
-    std::string shown;
-    appendQuoted(shown, words);
-    const std::string plain = words.substr(1);
-    const std::string text = "{\"" + plain + "\":[1e" + digits + ",\"\\n" + plain + "\"]}";
+    const std::string words(500'000, 'w');
+    const std::string text = "{\"" + words + "\":[1e" + digits + ",\"\\t" + words + "\"]}";
     const std::string events =
-        "{ name \"" + shown.substr(5) + "[ real 1e" + digits + " " + shown + "] } ";
+        "{ name \"" + words + "\" [ real 1e" + digits + " \"<09>" + words + "\" ] } ";
     for (const std::size_t size : {0, 100, 65536}) {
-        for (const ScanKernel kernel : {ScanKernel::BEST, ScanKernel::PORTABLE}) {
-            EXPECT_TRUE(events == parseIn(text, size, {.kernel = kernel}).events) << size;
-        }
+        EXPECT_TRUE(events == parseIn(text, size).events) << size;
     }
 }
 
-// Tells for each string whether it lies in the page or in memory of the parser.
+TEST(Parser, TellsWhereEachEventBegins) {
+    constexpr std::string_view kText = "{\"a\\n\":\n [-1, 12.5,\"\\u0041\",\"x\"\n,true,null,{}]}";
+    for (std::size_t size = 1; size <= kText.size(); ++size) {
+        LoggedParser parser;
+        for (std::size_t at = 0; at < kText.size(); at += size) {
+            (void)parser.feed(std::string(kText.substr(at, size)), at + size >= kText.size());
+        }
+        EXPECT_EQ(parser.log.places, "1:1 1:2 2:2 2:3 2:7 2:12 2:21 3:2 3:7 3:12 3:13 3:14 3:15 ")
+            << size;
+    }
+}
+
 char* readOnlyPage = nullptr;
 
 TEST(Parser, OnlyReadsTheBufferAndHandsPlainStringsOverWithoutACopy) {
@@ -253,19 +225,6 @@ TEST(Parser, OnlyReadsTheBufferAndHandsPlainStringsOverWithoutACopy) {
     EXPECT_EQ(QV_OK, parser.feed({text, kText.size()}, true));
     EXPECT_EQ("{ copy [ copy real -1.5 in page ] } ", parser.log.events);
     munmap(page, 4096);
-}
-
-// The engine exchanges the callbacks of a table that a parser holds already.
-TEST(Parser, ReadsTheCallbacksAtEachEvent) {
-    LoggedParser parser;
-    parser.log.cb.arrayStart = [](JSNParseCB* c) {
-        c->number = [](JSNParseCB* c2, const char*, QVStrSize, int32_t) {
-            return EventLog::of(c2).add("exchanged ");
-        };
-        return EventLog::of(c).add("[ ");
-    };
-    EXPECT_EQ(QV_OK, parser.feed("[1]", true));
-    EXPECT_EQ("[ exchanged ] ", parser.log.events);
 }
 
 }  // namespace

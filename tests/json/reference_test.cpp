@@ -1,11 +1,10 @@
 // Against a reference parser: the same documents accepted, on all small texts over alphabets that
-// reach every rule and on mutations of a document, and the same events however it is cut.
+// reach every rule, and the same events however it is cut.
 #include "tests/json/event_log.h"
 
 #include <boost/json/parse.hpp>
 #include <gtest/gtest.h>
 
-#include <random>
 #include <vector>
 
 namespace jmap::test {
@@ -49,27 +48,6 @@ TEST(Reference, AgreesOnUtf8) {
         agreeOnAll({"\x7F", "\x80", "\x8F", "\x90", "\x9F", "\xA0", "\xBF", "\xC3"}, 3,
                    "[\"\xC3\xA9" + std::string(first), "\"]");
     }
-}
-
-TEST(Reference, AgreesOnMutations) {
-    const std::string seed =
-        R"( {"name":"caf\u00e9 \"x\"","list":[1,-2.5e+3,true,null,{"deep":[[],{}]}],)"
-        "\n\"\xE6\x97\xA5\xE6\x9C\xAC\":\"plain text of more than sixty-four bytes, so that it "
-        "leaves the window in which it began\",\"n\":12345678901234567890.125}\n";
-    std::mt19937 random(7);
-    int accepted = 0;
-    for (int round = 0; round < 3000 && !HasFailure(); ++round) {
-        std::string text = seed;
-        for (std::size_t edits = 1 + random() % 3; edits > 0; --edits) {
-            const std::size_t at = random() % text.size();
-            const bool fromSeed = random() % 2 == 0;
-            const char c = fromSeed ? seed[random() % seed.size()] : static_cast<char>(random());
-            text.replace(at, random() % 2, random() % 2, c);
-        }
-        accepted += agreedToAccept(text) ? 1 : 0;
-    }
-    EXPECT_GT(accepted, 200);
-    EXPECT_LT(accepted, 2800);
 }
 
 }  // namespace

@@ -3,8 +3,6 @@
 // Tested by tests/json/
 #include "host/json/parser.h"
 
-#include "host/json/parser_loop.h"
-#include "host/json/scan_sse2.h"
 #include "host/nls/code_page.h"
 #include "host/rim.h"
 
@@ -15,19 +13,6 @@
 namespace qvhost {
 
 namespace {
-
-#if defined(__SSE2__)
-using ScanBest = ScanSse2;
-#else
-using ScanBest = ScanPortable;
-#endif
-
-StringCollector::TextScan chooseTextScan(ScanKernel kernel, bool utf8) {
-    if (kernel == ScanKernel::PORTABLE) {
-        return utf8 ? &ScanPortable::text<true> : &ScanPortable::text<false>;
-    }
-    return utf8 ? &ScanBest::text<true> : &ScanBest::text<false>;
-}
 
 bool isLetter(uint8_t byte) {
     return (byte | 0x20) >= 'a' && (byte | 0x20) <= 'z';
@@ -56,17 +41,18 @@ Parser::Parser(QVHndlp hndl, const JSNParserParms& parms, const ParserSettings& 
     : JSNParser{},
       callbacks_(parms.callbacks),
       maxDepth_(settings.maxDepth == 0 ? UINT64_MAX : settings.maxDepth),
-      loop_(chooseLoop(settings.kernel, parms.textCei == U_UTF8_CE)),
+      scan_(scanRoutines(settings.kernel, parms.textCei == U_UTF8_CE)),
+      utf8_(parms.textCei == U_UTF8_CE),
       containers_(parms.pool),
       text_(parms.pool),
-      stringCollector_(chooseTextScan(settings.kernel, parms.textCei == U_UTF8_CE),
-                       codePage(parms.textCei), text_),
+      stringCollector_(scan_.text, codePage(parms.textCei), text_),
       entry_(hndl, ObjectKind::PARSER, generic, nameOf(parms)) {
     std::memcpy(generic.tag, "JSNP", sizeof generic.tag);
     generic.destroy = &Rim<&destroyParser>::call;
     JSNParser::parse = &Rim<&parseBuffer>::call;
     JSNParser::line = &lineOf;
     JSNParser::column = &columnOf;
+    JSNParser::eventColumn = &eventColumnOf;
 }
 
 QVStatus Parser::destroyParser(QVGeneric* self) {
@@ -91,11 +77,11 @@ int64_t Parser::columnOf(JSNParserh self) {
     return parser->offset_ - parser->lineStart_ + 1;
 }
 
-Parser::Loop Parser::chooseLoop(ScanKernel kernel, bool utf8) {
-    if (kernel == ScanKernel::PORTABLE) {
-        return utf8 ? &Parser::loop<ScanPortable, true> : &Parser::loop<ScanPortable, false>;
-    }
-    return utf8 ? &Parser::loop<ScanBest, true> : &Parser::loop<ScanBest, false>;
+int64_t Parser::eventColumnOf(JSNParserh self) {
+    const auto* parser = static_cast<Parser*>(self);
+    const int64_t offset =
+        parser->event_ != nullptr ? parser->offsetOf(parser->event_) : parser->eventOffset_;
+    return offset - parser->lineStart_ + 1;
 }
 
 QVStatus Parser::parseBytes(const uint8_t* buf, std::size_t bufLen, bool done) {
@@ -105,7 +91,7 @@ QVStatus Parser::parseBytes(const uint8_t* buf, std::size_t bufLen, bool done) {
     static constexpr uint8_t kNothing[1] = {};
     buf_ = buf == nullptr ? kNothing : buf;
     try {
-        (this->*loop_)(buf_, buf_ + bufLen);
+        loop(buf_, buf_ + bufLen);
     } catch (const std::bad_alloc&) {
         fail(QV_NOMEM, buf_);
     }
@@ -115,6 +101,10 @@ QVStatus Parser::parseBytes(const uint8_t* buf, std::size_t bufLen, bool done) {
         const QVStatus status = deliverNumber();
         pause(status == QV_OK ? State::DONE : State::FAILED, status, buf_ + bufLen);
     }
+    if (event_ != nullptr) {  // its token may go on in the next buffer
+        eventOffset_ = offsetOf(event_);
+        event_ = nullptr;
+    }
     bufOffset_ += static_cast<int64_t>(bufLen);
     return status_;
 }
@@ -123,6 +113,7 @@ QVStatus Parser::parseBytes(const uint8_t* buf, std::size_t bufLen, bool done) {
 
 // A scalar that begins a buffer, or is the document: rare enough to go to its collector at once.
 const uint8_t* Parser::loneScalar(const uint8_t* p, const uint8_t* end) {
+    event_ = p;
     if (*p == '"') {
         return beginString(p + 1, p + 1, end, Token::STRING);
     }
@@ -131,6 +122,7 @@ const uint8_t* Parser::loneScalar(const uint8_t* p, const uint8_t* end) {
 
 // The word, or the mistake, that begins at `p`.
 const uint8_t* Parser::word(const uint8_t* p, const uint8_t* end) {
+    event_ = p;
     switch (*p) {
         case 't':
             return standsAt(p, end, "true")

@@ -1,7 +1,7 @@
 // The JSON push parser: takes a document in buffers of any size and calls the events of JSNParseCB.
 //
-// The work is divided in two.  The loop (parser_loop.h) recognises tokens that are well formed and
-// whole in the buffer, and hands them over from where they stand.  Every other token, one that
+// The work is divided in two.  The loop (parser_loop.cpp) recognises tokens that are well formed
+// and whole in the buffer, and hands them over from where they stand.  Every other token, one that
 // crosses the end of the buffer, has escapes or is wrong, goes to a collector: a small machine that
 // takes the token byte by byte into memory of the parser, can stop at any byte, and knows each
 // mistake.  So mistakes are described in one place, whichever way the document is cut.
@@ -20,16 +20,13 @@
 #include "host/json/parser_memory.h"
 #include "host/json/parser_number.h"
 #include "host/json/parser_string.h"
-#include "host/json/scan_portable.h"
+#include "host/json/scan_routines.h"
 #include "host/json/scan_window.h"
 
 #include <cstddef>
 #include <cstdint>
 
 namespace qvhost {
-
-// How bytes are scanned.
-enum class ScanKernel : uint8_t { BEST, PORTABLE };
 
 struct ParserSettings {
     uint64_t maxDepth = 0;  // containers that may be open at once, 0: any number
@@ -61,54 +58,46 @@ class Parser : public JSNParser {
         FAILED           // nothing: `status_` is the answer for ever
     };
     enum class Token : uint8_t { NAME, STRING, NUMBER, WORD };
-    using Loop = void (Parser::*)(const uint8_t* p, const uint8_t* end);
 
     // The table's slots.
     static QVStatus parseBuffer(JSNParserh self, const void* buf, QVStrSize bufLen, QVBoolean done);
     static int64_t lineOf(JSNParserh self);
     static int64_t columnOf(JSNParserh self);
+    static int64_t eventColumnOf(JSNParserh self);
     static QVStatus destroyParser(QVGeneric* self);
     QVStatus parseBytes(const uint8_t* buf, std::size_t bufLen, bool done);
 
-    // The loop and its steps (parser_loop.h).  A step gives the byte behind what it took, or null
+    // The loop and its steps (parser_loop.cpp).  A step gives the byte behind what it took, or null
     // when the call must end with `status_`.
-    static Loop chooseLoop(ScanKernel kernel, bool utf8);
-    template <class Scan, bool kUtf8>
     void loop(const uint8_t* p, const uint8_t* end);
-    template <class Scan, bool kUtf8>
-    const uint8_t* members(const uint8_t* p, const uint8_t* end, TextWindow<Scan, kUtf8>& window);
-    template <class Scan, bool kUtf8>
-    const uint8_t* elements(const uint8_t* p, const uint8_t* end, TextWindow<Scan, kUtf8>& window);
-    template <class Scan>
-    const uint8_t* begin(const uint8_t* p, const uint8_t* end);
-    template <class Scan>
-    const uint8_t* firstOrEnd(const uint8_t* p, const uint8_t* end);
-    template <class Scan>
-    const uint8_t* next(const uint8_t* p, const uint8_t* end);
-    template <class Scan>
+    const uint8_t* values(const uint8_t* p, const uint8_t* end, TextWindow& window);
     const uint8_t* otherState(const uint8_t* p, const uint8_t* end);
-    template <class Scan, bool kUtf8>
-    const uint8_t* scalar(const uint8_t* p, const uint8_t* end, TextWindow<Scan, kUtf8>& window);
-    template <class Scan, bool kUtf8>
-    const uint8_t* string(const uint8_t* p, const uint8_t* end, TextWindow<Scan, kUtf8>& window,
-                          Token token);
-    template <class Scan, bool kUtf8>
-    const uint8_t* otherString(const uint8_t* text, const uint8_t* stop, const uint8_t* end,
-                               TextWindow<Scan, kUtf8>& window, Token token);
-    template <class Scan>
+    const uint8_t* name(const uint8_t* p, const uint8_t* end, TextWindow& window);
+    const uint8_t* begin(const uint8_t* p, const uint8_t* end);
+    const uint8_t* firstOrEnd(const uint8_t* p, const uint8_t* end);
+    const uint8_t* next(const uint8_t* p, const uint8_t* end);
+    const uint8_t* scalar(const uint8_t* p, const uint8_t* end, TextWindow& window);
+    const uint8_t* string(const uint8_t* p, const uint8_t* end, TextWindow& window, Token token);
+    const uint8_t* otherString(const uint8_t* text, const uint8_t* end, TextWindow& window,
+                               Token token);
     const uint8_t* number(const uint8_t* p, const uint8_t* end);
-    template <class Scan>
+    const uint8_t* toByte(uint8_t byte, const uint8_t* p, const uint8_t* end, State state);
     const uint8_t* toToken(const uint8_t* p, const uint8_t* end, State state);
-    template <class Scan>
     const uint8_t* space(const uint8_t* p, const uint8_t* end);
-    template <class Scan>
     const uint8_t* spaceRun(const uint8_t* p, const uint8_t* end);
     const uint8_t* loneScalar(const uint8_t* p, const uint8_t* end);
     const uint8_t* word(const uint8_t* p, const uint8_t* end);
     [[nodiscard]] State afterValue() const;
+    // The string [text, stop), after which the document goes on at `p`.
     const uint8_t* deliverString(const uint8_t* text, const uint8_t* stop, Token token,
-                                 const uint8_t* p);
-    const uint8_t* delivered(QVStatus status, const uint8_t* p);
+                                 const uint8_t* p) {
+        const int32_t flags = token == Token::NAME ? JSN_MEMBERNAME : JSN_VALUE;
+        return delivered(callbacks_->string(callbacks_, text, stop - text, flags), p);
+    }
+    // Behind an event whose callback gave `status`.
+    const uint8_t* delivered(QVStatus status, const uint8_t* p) {
+        return status == QV_OK ? p : fail(status, p);
+    }
 
     // Tokens for the collectors.
     const uint8_t* beginString(const uint8_t* text, const uint8_t* stop, const uint8_t* end,
@@ -130,7 +119,8 @@ class Parser : public JSNParser {
 
     JSNParseCB* callbacks_;
     uint64_t maxDepth_;
-    Loop loop_;
+    const ScanRoutines& scan_;
+    bool utf8_;
     State state_ = State::BEGIN;
     QVStatus status_ = QV_OK;
 
@@ -141,6 +131,9 @@ class Parser : public JSNParser {
     int64_t offset_ = 0;            // the position to tell
     int64_t line_ = 1;
     int64_t lineStart_ = 0;  // offset of its first byte
+
+    const uint8_t* event_ = nullptr;  // where the present token begins; null: in an earlier buffer,
+    int64_t eventOffset_ = 0;         // at this place in the document
 
     Token token_ = Token::STRING;  // the token of State::TOKEN
     GrowingBytes text_;            // its text

@@ -1,5 +1,5 @@
-// Scanning runs of bytes, one byte at a time: the kernel of machines without SSE2, and the one that
-// checks the others.
+// Scanning runs of bytes, one or eight at a time: the kernel of machines that offer no wider one,
+// and the one that checks the others.
 //
 // A kernel is a structure of static routines.  Each looks at the bytes from `p` on, never at or
 // behind `end`, and returns where the run ends; `end` when all of it belongs to the run.
@@ -7,6 +7,8 @@
 // Tested by tests/json/scan_test.cpp
 #pragma once
 
+#include <bit>
+#include <cstddef>
 #include <cstdint>
 
 namespace qvhost {
@@ -15,6 +17,14 @@ namespace qvhost {
 struct LineEnds {
     int64_t count = 0;
     const uint8_t* last = nullptr;  // the last line feed, null when there was none
+
+    // Adds the line feeds among the bytes from `p` on: bit i for p[i].
+    void add(const uint8_t* p, uint32_t feeds) {
+        if (feeds != 0) {
+            count += std::popcount(feeds);
+            last = p + (std::bit_width(feeds) - 1);
+        }
+    }
 };
 
 // The digits of a number.
@@ -34,21 +44,15 @@ struct ScanPortable {
         return p;
     }
 
-    // The same for 64 bytes: bit i tells that the text stops at block[i].
+    // The same for blocks of 64 bytes: bit i of stops[n] tells that text stops at p[64 * n + i].
     template <bool kUtf8>
-    static uint64_t textStops(const uint8_t* block) {
-        uint64_t stops = 0;
-        for (int i = 0; i < 8; ++i) {
-            stops |= textStops8<kUtf8>(block + 8 * i) << 8 * i;
+    static void textStops(const uint8_t* p, std::size_t blocks, uint64_t* stops) {
+        for (std::size_t n = 0; n < blocks; ++n, p += 64) {
+            stops[n] = 0;
+            for (std::ptrdiff_t i = 0; i < 8; ++i) {
+                stops[n] |= textStops8<kUtf8>(p + 8 * i) << 8 * i;
+            }
         }
-        return stops;
-    }
-
-    static const uint8_t* digits(const uint8_t* p, const uint8_t* end) {
-        while (p != end && *p >= '0' && *p <= '9') {
-            ++p;
-        }
-        return p;
     }
 
     // Digits, and behind a point more of them.
@@ -56,19 +60,32 @@ struct ScanPortable {
         const uint8_t* point = digits(p, end);
         return {point, point != end && *point == '.' ? digits(point + 1, end) : point};
     }
+    // The same where the first 32 bytes have been compared: bit i of `others` for p[i] no digit.
+    static DecimalRun decimal(const uint8_t* p, const uint8_t* end, uint32_t others) {
+        const uint32_t behind = others & (others - 1);
+        if (behind == 0) {
+            return decimal(p, end);
+        }
+        const uint8_t* point = p + std::countr_zero(others);
+        return {point, *point == '.' ? p + std::countr_zero(behind) : point};
+    }
 
     // White space.  Adds its line feeds to `lines`.
     static const uint8_t* space(const uint8_t* p, const uint8_t* end, LineEnds& lines) {
         for (; p != end && (*p == ' ' || *p == '\n' || *p == '\r' || *p == '\t'); ++p) {
-            if (*p == '\n') {
-                ++lines.count;
-                lines.last = p;
-            }
+            lines.add(p, *p == '\n' ? 1 : 0);
         }
         return p;
     }
 
    private:
+    static const uint8_t* digits(const uint8_t* p, const uint8_t* end) {
+        while (p != end && *p >= '0' && *p <= '9') {
+            ++p;
+        }
+        return p;
+    }
+
     // Eight bytes at once, without a carry from one to the next: the sums below set a byte's top
     // bit when its seven low bits differ from a character, or are 0x20 and above.
     template <bool kUtf8>

@@ -1,11 +1,8 @@
 // Scanning runs of bytes, 16 at a time.  SSE2 belongs to every x86-64 machine, so this is the
-// kernel in use there; what is left of a buffer behind the last 16 bytes goes to the portable
-// kernel.
+// kernel in use there when nothing wider is offered; what is left of a buffer behind the last 16
+// bytes goes to the portable kernel.
 //
-// Wider vectors are not used: most runs of a document (names, numbers, short strings) end within 16
-// bytes, and bench_parser shows no gain from 32.
-//
-// Tested by tests/json/scan_test.cpp, against the portable kernel
+// Tested by tests/json/scan_test.cpp
 #pragma once
 
 #if defined(__SSE2__)
@@ -15,6 +12,7 @@
 #include <emmintrin.h>
 
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 
 namespace qvhost {
@@ -23,8 +21,7 @@ struct ScanSse2 {
     template <bool kUtf8>
     static const uint8_t* text(const uint8_t* p, const uint8_t* end) {
         for (; end - p >= 16; p += 16) {
-            const unsigned stops = textStops16<kUtf8>(p);
-            if (stops != 0) {
+            if (const uint32_t stops = textStops16<kUtf8>(p); stops != 0) {
                 return p + std::countr_zero(stops);
             }
         }
@@ -32,25 +29,19 @@ struct ScanSse2 {
     }
 
     template <bool kUtf8>
-    static uint64_t textStops(const uint8_t* block) {
-        const auto part = [block](int i) -> uint64_t {
-            return static_cast<uint64_t>(textStops16<kUtf8>(block + 16 * i)) << 16 * i;
-        };
-        return part(0) | part(1) | part(2) | part(3);
+    static void textStops(const uint8_t* p, std::size_t blocks, uint64_t* stops) {
+        for (std::size_t n = 0; n < blocks; ++n, p += 64) {
+            const auto part = [p](std::ptrdiff_t i) -> uint64_t {
+                return uint64_t{textStops16<kUtf8>(p + 16 * i)} << 16 * i;
+            };
+            stops[n] = part(0) | part(1) | part(2) | part(3);
+        }
     }
 
     static DecimalRun decimal(const uint8_t* p, const uint8_t* end) {
-        if (end - p < 16) {
-            return ScanPortable::decimal(p, end);
-        }
-        const unsigned others = notDigits16(p);
-        const uint8_t* point = others != 0 ? p + std::countr_zero(others) : digits(p + 16, end);
-        if (point == end || *point != '.') {
-            return {point, point};
-        }
-        const unsigned behind = others & (others - 1);
-        return {point, behind != 0 ? p + std::countr_zero(behind)
-                                   : digits(others != 0 ? p + 16 : point + 1, end)};
+        return end - p < 32
+                   ? ScanPortable::decimal(p, end)
+                   : ScanPortable::decimal(p, end, notDigits16(p) | notDigits16(p + 16) << 16);
     }
 
     static const uint8_t* space(const uint8_t* p, const uint8_t* end, LineEnds& lines) {
@@ -61,36 +52,19 @@ struct ScanSse2 {
                 _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(' ')),
                              _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('\r')),
                                           _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\t'))));
-            const unsigned stops = mask(_mm_or_si128(feeds, blanks)) ^ 0xFFFFU;
-            const int run = std::countr_zero(stops | 0x10000U);
-            const unsigned passed = mask(feeds) & ((1U << run) - 1);
-            if (passed != 0) {
-                lines.count += std::popcount(passed);
-                lines.last = p + (std::bit_width(passed) - 1);
-            }
+            const uint32_t stops = mask(_mm_or_si128(feeds, blanks)) ^ 0xFFFF;
+            const uint32_t passed = ~stops & (stops - 1);  // all when nothing stops
+            lines.add(p, mask(feeds) & passed);
             if (stops != 0) {
-                return p + run;
+                return p + std::countr_zero(stops);
             }
         }
         return ScanPortable::space(p, end, lines);
     }
 
    private:
-    static const uint8_t* digits(const uint8_t* p, const uint8_t* end) {
-        for (; end - p >= 16; p += 16) {
-            if (const unsigned others = notDigits16(p); others != 0) {
-                return p + std::countr_zero(others);
-            }
-        }
-        return ScanPortable::digits(p, end);
-    }
-    static unsigned notDigits16(const uint8_t* p) {
-        const __m128i values = _mm_sub_epi8(load(p), _mm_set1_epi8('0'));
-        const __m128i digits = _mm_cmpeq_epi8(_mm_min_epu8(values, _mm_set1_epi8(9)), values);
-        return mask(digits) ^ 0xFFFFU;
-    }
     template <bool kUtf8>
-    static unsigned textStops16(const uint8_t* block) {
+    static uint32_t textStops16(const uint8_t* block) {
         const __m128i bytes = load(block);
         const __m128i quotes = _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('"')),
                                             _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\\')));
@@ -100,10 +74,15 @@ struct ScanSse2 {
                   : _mm_cmpeq_epi8(_mm_min_epu8(bytes, _mm_set1_epi8(0x1F)), bytes);
         return mask(_mm_or_si128(quotes, others));
     }
+    static uint32_t notDigits16(const uint8_t* p) {
+        const __m128i values = _mm_sub_epi8(load(p), _mm_set1_epi8('0'));
+        const __m128i digits = _mm_cmpeq_epi8(_mm_min_epu8(values, _mm_set1_epi8(9)), values);
+        return mask(digits) ^ 0xFFFF;
+    }
     static __m128i load(const uint8_t* p) {
         return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
     }
-    static unsigned mask(__m128i bytes) { return static_cast<unsigned>(_mm_movemask_epi8(bytes)); }
+    static uint32_t mask(__m128i bytes) { return static_cast<uint32_t>(_mm_movemask_epi8(bytes)); }
 };
 
 }  // namespace qvhost

@@ -1,12 +1,15 @@
-// Where the text of strings stops, 64 bytes of a buffer at a time.
+// Where the text of strings stops, found for a stretch of a buffer at a time.
 //
 // Most strings are short, so a vector load for each would make every token wait for the one before
-// it.  A window is loaded from a place that does not depend on where tokens end; within it the next
-// stop is one shift and one bit count away.
+// it.  Here all stops of a stretch are found ahead, one bit a byte; the next stop behind a byte is
+// then one load, one shift and one bit count away, wherever the byte stands.
 //
 // Tested by tests/json/parser_test.cpp
 #pragma once
 
+#include "host/json/scan_routines.h"
+
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -14,71 +17,77 @@
 
 namespace qvhost {
 
-template <class Scan, bool kUtf8>
 class TextWindow {
    public:
-    TextWindow(const uint8_t* begin, const uint8_t* end) : base_(begin), end_(end) { load(); }
+    // A window on the bytes from `begin` to `end`.
+    TextWindow(const ScanRoutines& scan, const uint8_t* begin, const uint8_t* end)
+        : scan_(scan), base_(begin), known_(begin), end_(end) {}
 
-    // The first byte from `p` on that is no plain text (see ScanPortable::textStops), or the end of
-    // the buffer.  `p` is never before what was given last.
-    const uint8_t* stop(const uint8_t* p) {
-        if (p - base_ < kBytes) {
-            const uint64_t ahead = stops_ >> (p - base_);
-            if (ahead != 0) [[likely]] {
+    // The first byte from `p` on that is no plain text (see ScanPortable::text), null when it is
+    // not near.  `p` is never before what was given last.
+    const uint8_t* nearStop(const uint8_t* p) const {
+        if (p < known_) [[likely]] {
+            if (const uint64_t ahead = stopsFrom(p); ahead != 0) [[likely]] {
                 return p + static_cast<unsigned>(std::countr_zero(ahead));
             }
         }
-        return stopFurther(p);
+        return nullptr;
+    }
+
+    // The same wherever it is; the end of the buffer when there is none.
+    const uint8_t* stop(const uint8_t* p) {
+        while (p != end_) {
+            if (p >= known_) {
+                find(p);
+            }
+            while (p != known_) {
+                if (const uint8_t* found = nearStop(p); found != nullptr) {
+                    return found;
+                }
+                p += std::min(kSeen, known_ - p);
+            }
+        }
+        return p;
     }
 
    private:
-    static constexpr std::ptrdiff_t kBytes = 64;
+    static constexpr std::size_t kBytes = 1024;
+    static constexpr std::ptrdiff_t kSeen = 57;  // bytes that one look tells of, at least
 
-    // The same when the stop is not in this window.
-    [[gnu::noinline]] const uint8_t* stopFurther(const uint8_t* p) {
-        const std::ptrdiff_t passed = (p - base_) / kBytes;
-        if (passed == 1) {
-            advance();
-        } else if (passed > 1) {
-            base_ += passed * kBytes;
-            load();
-        }
-        uint64_t ahead = stops_ & ~uint64_t{0} << (p - base_);
-        while (ahead == 0) {
-            advance();
-            ahead = stops_;
-        }
-        return base_ + static_cast<unsigned>(std::countr_zero(ahead));
+    // The stops among the next kSeen bytes or more: bit i tells of p[i].  Taken from the byte of
+    // stops_ that holds bit 0, which is why the order of its bytes matters.
+    uint64_t stopsFrom(const uint8_t* p) const {
+        const auto at = static_cast<std::size_t>(p - base_);
+        uint64_t stops;
+        std::memcpy(&stops, reinterpret_cast<const uint8_t*>(stops_) + at / 8, sizeof stops);
+        return stops >> at % 8;
     }
 
-    void load() {
-        stops_ = stopsAt(base_);
-        nextStops_ = stopsBehind();
-    }
-    // The window behind is known by now; the one after it is computed while tokens go on.
-    void advance() {
-        base_ += kBytes;
-        stops_ = nextStops_;
-        nextStops_ = stopsBehind();
-    }
-    [[nodiscard]] uint64_t stopsBehind() const {
-        return end_ - base_ > kBytes ? stopsAt(base_ + kBytes) : ~uint64_t{0};
-    }
-    // The end of the buffer stops every text, so the bits at and behind it are set.
-    [[nodiscard]] uint64_t stopsAt(const uint8_t* block) const {
-        const std::ptrdiff_t left = end_ - block;
-        if (left >= kBytes) [[likely]] {
-            return Scan::template textStops<kUtf8>(block);
+    // Finds the stops from `p` on.
+    void find(const uint8_t* p) {
+        const std::size_t bytes = std::min(kBytes, static_cast<std::size_t>(end_ - p));
+        const std::size_t blocks = bytes / 64;
+        scan_.textStops(p, blocks, stops_);
+        stops_[blocks] = 0;
+        if (const std::size_t left = bytes % 64; left != 0) {
+            uint8_t last[64] = {};
+            std::memcpy(last, p + blocks * 64, left);
+            scan_.textStops(last, 1, stops_ + blocks);
+            stops_[blocks] &= ~(~uint64_t{0} << left);
+            stops_[blocks + 1] = 0;
         }
-        uint8_t last[kBytes] = {};
-        std::memcpy(last, block, static_cast<std::size_t>(left));
-        return Scan::template textStops<kUtf8>(last) | ~uint64_t{0} << left;
+        base_ = p;
+        known_ = p + bytes;
     }
 
-    const uint8_t* base_;
-    const uint8_t* end_;
-    uint64_t stops_ = 0;      // bit i: the text stops at base_[i]
-    uint64_t nextStops_ = 0;  // the same for the 64 bytes behind
+    static_assert(std::endian::native == std::endian::little);
+
+    const ScanRoutines& scan_;
+    const uint8_t* base_;              // the stretch
+    const uint8_t* known_;             // and its end
+    const uint8_t* end_;               // of the buffer
+    uint64_t stops_[kBytes / 64 + 1];  // bit i of stops_[n]: the text stops at base_[64 * n + i];
+                                       // behind the stretch all are 0
 };
 
 }  // namespace qvhost
