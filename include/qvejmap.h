@@ -6,13 +6,18 @@
  * ORDER OF CALLS
  *     JsonInit                          one document
  *     JsonInput ... JsonInput(done)     its text, buffer by buffer; the last one builds the map
- *     GetAutoMap, GetDsName, ...        which tables there are
+ *     MapInit                           if wanted, a user's map of the document
+ *     MapInput ... MapInput(done)       its text, buffer by buffer
+ *     MapTerm                           ends the parse; the map stays
+ *     GetAutoMap or GetUserMap          the map to read by
+ *     GetDsName, MemberExist            which tables it has
  *     ReadInit                          one table
  *     Read ... Read                     QV_OK: a row is in obsbuf; QV_EOF: no more
  *     ReadReset                         from the first row again, any number of times
  *     ReadTerm
  *     Term
  * After a failed JsonInput only Term is meaningful.  Every document is ended before its instance.
+ * After a failed MapInput the parse is over: MapTerm, and MapInit again if there is another map.
  *
  * A PROGRAM
  *     QVEJMAPJsonInitParms parms = {0};
@@ -60,12 +65,13 @@
 extern "C" {
 #endif
 
-/* Why and where a parse failed. */
+/* Why and where a parse failed.  The last four are of a user map that was parsed, and count those of
+ * the document's earlier maps as well. */
 typedef struct ERRORINFO {
     QVStatus rc;               /* status from the parser */
     int64_t line;              /* from 1 */
     int64_t col;               /* from 1, in bytes */
-    char badstring[32];        /* last token seen, cut; of a user map only */
+    char badstring[32];        /* last string or number seen, cut; of a user map only */
     QVStrSize badstringLen;
     char novardsname[32];      /* last table of a user map that had no variables */
     QVStrSize novardsnameLen;
@@ -80,11 +86,11 @@ typedef struct QVEJMAPJsonContext {
     ERRORINFO e; /* filled when a parse fails */
 } *QVEJMAPJsonContexth;
 
-/* A parse of a user map. */
+/* A parse of a user map.  `p` is the engine's own. */
 typedef struct QVEJMAPMapContext {
     QVExtensionh exth;
     QVMemPtr p;
-    ERRORINFO e;
+    ERRORINFO e; /* filled by the last MapInput */
 } *QVEJMAPMapContexth;
 
 typedef struct QVEJMAPJsonInitParms {
@@ -108,7 +114,7 @@ typedef struct QVEJMAPJsonInitParms {
 typedef struct QVEJMAPMapInitParms {
     QVCEI inCEI;       /* no effect: the document's encoding is used */
     char desc[20];     /* replaces the document's description */
-    QVStrSize descLen; /* 0: none */
+    QVStrSize descLen; /* 0: none, the document's stays; more than 20 counts as 20 */
     uint64_t flags;    /* no effect */
 } QVEJMAPMapInitParms;
 
@@ -164,17 +170,18 @@ typedef struct qvejmapReadContext {
     QVStrSize dsnameLen;
 } *QVEJMAPReadContexth;
 
-/* A character column of a user map that has an informat. */
+/* A character column of a user map that has an informat.  The pointers lead into the map.  The caller
+ * may write a default width or length through them, before it opens the table. */
 typedef struct INFORMATINFO {
-    struct INFORMATINFO* next;
-    char* variable;           /* points into the map, like all that follows */
+    struct INFORMATINFO* next;   /* null: the last one */
+    char* variable;              /* name of the column */
     QVStrSize variableLen;
     char* informat;
     QVStrSize informatLen;
-    uint64_t* informatWidth;  /* the caller may write a default here */
-    QVBoolean informatNoError;
-    uint64_t* length;         /* and here */
-    QVBoolean lengthFromAutomap;
+    uint64_t* informatWidth;     /* 0: none was given */
+    QVBoolean informatNoError;   /* bad values are not to be reported */
+    uint64_t* length;            /* 0: none was given, and the path is not in the document */
+    QVBoolean lengthFromAutomap; /* none was given; it is that of the longest value */
 } INFORMATINFO;
 
 /* The operation table.  The instance begins with it, so the handle that the host returned for
@@ -212,17 +219,37 @@ typedef struct UserJMAP_S {
     QVStatus (*GetDsName)(QVEJMAPJsonContexth inh, QVMemPtr m, uint64_t index, char* dsname,
                           int16_t* dsnameLen);
 
-    /* User maps: JMAP_NOTAVAIL in this version. */
+    /* Begins to parse a user map, after the last buffer of the document: from now on the document
+     * takes no more text.  One parse at a time: MapTerm comes before the next MapInit.  `parms` may
+     * be null.  QV_NOMEM, with `*inctx` as it was. */
     QVStatus (*MapInit)(QVEJMAPJsonContexth inh, QVEJMAPMapInitParms* parms, QVEJMAPMapContexth* inctx,
                         QVJnlh jnl);
+
+    /* Takes the next buffer of the map; `done` with the last.  The buffer is only read.
+     *   QV_OK           goes on; with `done` the map is there, and ERRORINFO tells of tables without
+     *                   variables and of ordinals with NORETAIN.
+     *   JMAP_MAP_...    a mistake in the map: ERRORINFO says where it begins, and the last token.
+     *   JMAP_PARSE      a mistake in its JSON, or, by `rc` of ERRORINFO: QV_NOTNUM, an integer beyond
+     *                   64 bits; QV_NOMEM, JMAP_MAP_NOMEM, no memory.  Once a map of the document
+     *                   had a mistake, the code of that one is given instead, for this map too.
+     *   JMAP_INCOMPLETE the map ends too soon; ERRORINFO as it was.
+     *   QV_NOMEM        MapInit could not make the parser.
+     * After a failure the tables made so far are the document's user map. */
     QVStatus (*MapInput)(QVEJMAPMapContexth inh, QVMemPtr inbuf, QVStrSize inlen, QVBoolean done,
                          QVJnlh jnl);
+
+    /* Ends the parse, and the context if `mctx` is not null, which is then cleared.  The map stays
+     * until Term, also when another one takes its place.  Gives the status of ending the parser. */
     QVStatus (*MapTerm)(QVEJMAPJsonContexth inh, QVEJMAPMapContexth* mctx, QVJnlh jnl);
 
     /* The automatic map; null before the last buffer. */
     QVStatus (*GetAutoMap)(QVEJMAPJsonContexth inh, QVMemPtr* m);
 
-    /* JMAP_NOTAVAIL in this version. */
+    /* The user map parsed last, its lengths completed from the automatic map, and a list of its
+     * character columns with an informat: `*ii` is the first one and stays as it was when there is
+     * none.  The list is in `pool`, which is the caller's; without an `ii` it is not made, and `pool`
+     * may be null.  Without a user map `*m` is null and nothing else happens.  QV_NOMEM: `*m` is set
+     * and the list holds what has been made. */
     QVStatus (*GetUserMap)(QVEJMAPJsonContexth inh, QVMemPtr* m, QVPoolh pool, INFORMATINFO** ii);
 
     /* Levels of nesting, longest value, then the longest member name of each level. */

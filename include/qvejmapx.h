@@ -34,13 +34,33 @@ typedef struct JMAPTableInfo {
     uint64_t columnCount;
 } JMAPTableInfo;
 
-typedef struct JMAPColumnInfo {
+/* Name, width and decimals of a format or informat; a length of 0: none. */
+typedef struct JMAPFormat {
     const char* name;
+    QVStrSize nameLen;
+    uint64_t width; /* 0: none given, as `decimals` */
+    uint64_t decimals;
+} JMAPFormat;
+
+/* What stands behind `length` is of user maps only. */
+typedef struct JMAPColumnInfo {
+    const char* name; /* null when a user map gives none */
     QVStrSize nameLen;
     const char* path; /* null when the column has none (ALLDATA) */
     QVStrSize pathLen;
     int32_t type;     /* JMAP_ORDINAL, JMAP_NUMERIC, JMAP_CHARACTER */
     uint64_t length;  /* the map's: longest value of a character column; not yet capped */
+    const char* label;
+    QVStrSize labelLen; /* 0: none */
+    JMAPFormat format;
+    JMAPFormat informat;
+    QVBoolean informatNoError; /* bad values are not to be reported */
+    QVBoolean retain;
+    QVBoolean noretain;
+    /* Of a character column, as settled by GetUserMap. */
+    QVBoolean lengthFromAutomap; /* `length` was not given */
+    QVBoolean truncation;        /* `length` cuts the longest value */
+    uint64_t currentLength;      /* longest value of the document; 0: it has no such path */
 } JMAPColumnInfo;
 
 /* Moves `*table` to the next table of the map, from null to the first.  QV_EOF after the last (or
@@ -61,6 +81,21 @@ void jmapColumnInfo(JMAPColumnh column, JMAPColumnInfo* info);
 QVStatus jmapReadTable(QVEJMAPJsonContexth inh, JMAPTableh table, QVEJMAPReadInitParms* rip,
                        QVEJMAPReadContexth* inrctx);
 
+/* What Read does not put into the row buffer.  The routines are called from within Read and must not
+ * throw; texts live until they return. */
+typedef struct JMAPReadObserver {
+    void* arg;
+    /* `column` (its index) is NUMERIC, has no informat, and got this text, which is no number.  The
+     * row buffer holds 0 for it by now; the routine may write something else there. */
+    void (*notNumber)(void* arg, QVStrSize column, const char* text, QVStrSize textLen);
+    /* `column` has an informat, and its `rawdata` is now the text of a value of this JMAP_KIND_...;
+     * with QV_NOMEM the text could not be kept. */
+    void (*raw)(void* arg, QVStrSize column, int32_t kind, QVStatus status);
+} JMAPReadObserver;
+
+/* Follows the reads of an open table.  `observer` must live until ReadTerm. */
+void jmapObserve(QVEJMAPReadContexth rctx, const JMAPReadObserver* observer);
+
 /* ---- Records ------------------------------------------------------------------------------- */
 
 typedef struct JMAPRecordCursor* JMAPRecordCursorh; /* opaque */
@@ -76,6 +111,7 @@ enum {
 
 typedef struct JMAPRecord {
     int32_t kind;         /* JMAP_KIND_... */
+    int32_t labelCount;   /* names in the path, the root apart */
     const char* path;
     QVStrSize pathLen;
     const char* value;    /* null for JMAP_KIND_NOVAL */
@@ -98,12 +134,22 @@ QVStatus jmapRecordsClose(JMAPRecordCursorh cursor);
 
 typedef struct PATHINFO* JMAPPathh; /* opaque */
 
+/* Values of one kind at a path. */
+typedef struct JMAPPathKind {
+    int64_t count;  /* 0: there are none */
+    int64_t line;   /* where the first begins, as ERRORINFO counts; 0: not known */
+    int64_t column;
+} JMAPPathKind;
+
 typedef struct JMAPPathInfo {
     const char* path;
     QVStrSize pathLen;
     int64_t count;         /* records with this path */
     int32_t type;          /* JMAP_NUMERIC, JMAP_CHARACTER, or 3 for an empty container */
     QVStrSize maxValueLen; /* longest value, at least 1 */
+    int64_t longestLine;   /* where the first of that length begins */
+    int64_t longestColumn;
+    JMAPPathKind kinds[7]; /* by JMAP_KIND_... */
 } JMAPPathInfo;
 
 /* As jmapNextTable, over every distinct path that had a value: groups of one parent together, in

@@ -6,7 +6,9 @@
  *   QV_       host statuses, their values fixed
  *   QV_JSON_  mistakes in the text of a JSON document, given by the module "qvejson"
  *   QV_IO_    file trouble, given by the module "qvioe"
+ *   QV_FMT_   formats and informats, given by the module "qvefmt"
  *   JMAP_     the engine's own codes
+ *   JMAP_MAP_ mistakes in a user's map
  *
  * To add a code: one row here, one in the table of docs/FORMATS.md (a test compares the two).
  */
@@ -53,10 +55,35 @@
     X(QV_IO_READ, 0x80BFC806u, "the file could not be read")                                       \
     X(QV_IO_SHORT, 0x80BFC807u, "the file is shorter than what was written to it")                 \
     X(QV_IO_CLOSE, 0x80BFC808u, "the file could not be closed")                                    \
+    X(QV_FMT_NAME, 0x82FFC801u, "no format or informat of that name")                              \
+    X(QV_FMT_TYPE, 0x82FFC802u, "the format or informat is not for columns of this type")          \
+    X(QV_FMT_PATTERN, 0x82FFC803u, "the pattern has an unknown letter or lacks a part")            \
+    X(QV_FMT_WIDTH, 0x82FFC804u, "the width or the decimals are not usable here")                  \
+    X(QV_FMT_VALUE, 0x82FFC805u, "the value does not suit the format or informat")                 \
+    X(QV_FMT_RANGE, 0x82FFC806u, "the value is out of range")                                      \
     X(JMAP_NOTABLE, -10, "no table of that name")                                                  \
     X(JMAP_PARSE, -11, "the text could not be parsed")                                             \
     X(JMAP_INCOMPLETE, -12, "the document ends before a complete object or array")                 \
-    X(JMAP_NOTAVAIL, -100, "this operation is not available in this version")
+    X(JMAP_MAP_DATASETS, -13, "a map is an object whose one member is DATASETS")                   \
+    X(JMAP_MAP_TABLEKEY, -14, "unknown key in a table: it has DSNAME, TABLEPATH and VARIABLES")    \
+    X(JMAP_MAP_COLUMNKEY, -15,                                                                     \
+      "unknown key in a column: it has NAME, TYPE, PATH, LENGTH, CURRENT_LENGTH, "                 \
+      "FORMAT, INFORMAT, LABEL and OPTIONS")                                                       \
+    X(JMAP_MAP_TYPE, -16, "TYPE must be NUMERIC, CHARACTER or ORDINAL")                            \
+    X(JMAP_MAP_ARRAY, -17,                                                                         \
+      "'[' was expected: DATASETS, VARIABLES, FORMAT, INFORMAT and OPTIONS are arrays")            \
+    X(JMAP_MAP_ELEMENTS, -18,                                                                      \
+      "']' was expected: FORMAT and INFORMAT have at most name, width and decimals")               \
+    X(JMAP_MAP_OBJECT, -19,                                                                        \
+      "'{' was expected: a map, each of its tables and each column is an object")                  \
+    X(JMAP_MAP_TRAILING, -20, "'}' was expected: nothing may follow DATASETS in a map")            \
+    X(JMAP_MAP_STRING, -21, "a text in double quotes was expected")                                \
+    X(JMAP_MAP_INTEGER, -22, "an integer was expected: a number without fraction and exponent")    \
+    X(JMAP_MAP_OPTION, -23, "an option must be RETAIN or NORETAIN")                                \
+    X(JMAP_MAP_EMPTY, -24, "DATASETS is empty: a map must have at least one table")                \
+    X(JMAP_MAP_NONAME, -25, "the table has no name: its DSNAME must be there and not be empty")    \
+    X(JMAP_MAP_NOPATH, -26, "the table has no TABLEPATH, which says where its rows are")           \
+    X(JMAP_MAP_NOMEM, 0x80000000u, "memory for a table of the map could not be obtained")
 
 #ifdef __cplusplus
 #define QV_STATUS_CONSTANT(name, value, sentence) inline constexpr QVStatus name = static_cast<QVStatus>(value);

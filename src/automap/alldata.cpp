@@ -1,6 +1,6 @@
 // The ALLDATA table.
 //
-// Tested by tests/automap/alldata_test.cpp
+// Tested by tests/automap/discovery_test.cpp
 #include "alldata.h"
 
 #include "core/list.h"

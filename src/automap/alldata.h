@@ -5,7 +5,7 @@
 //     V       1: there is a value, 0: none     numeric
 //     Value   the value                        character
 //
-// Tested by tests/automap/alldata_test.cpp
+// Tested by tests/automap/discovery_test.cpp
 #pragma once
 
 #include "core/context.h"

@@ -1,6 +1,6 @@
 // The ordinal columns of a table.
 //
-// Tested by tests/automap/ordinals_test.cpp
+// Tested by tests/automap/discovery_test.cpp
 #include "ordinals.h"
 
 #include "core/list.h"

@@ -1,6 +1,6 @@
 // The ordinal columns of a table: one counter for each object or array around its values.
 //
-// Tested by tests/automap/ordinals_test.cpp
+// Tested by tests/automap/discovery_test.cpp
 #pragma once
 
 #include "core/context.h"

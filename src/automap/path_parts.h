@@ -1,6 +1,6 @@
 // A path cut at its last separator.
 //
-// Tested by tests/automap/ordinals_test.cpp
+// Tested by tests/automap/discovery_test.cpp
 #pragma once
 
 #include "core/map.h"

@@ -1,6 +1,6 @@
 // The value columns of a table.
 //
-// Tested by tests/automap/variables_test.cpp
+// Tested by tests/automap/discovery_test.cpp
 #include "variables.h"
 
 #include "column_names.h"

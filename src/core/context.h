@@ -84,7 +84,7 @@ struct JMAP_PRIVATE {
     MAP* usermap;
     JSNWriterh writer;  // of the map document; ended by GetAutoMapBufFree
 
-    // Transcoding scratch.
+    // Scratch: a member name of a user map in upper case.
     char* transbuf;
     QVStrSize transbufAlloc;
     QVStrSize transbufLen;

@@ -3,7 +3,8 @@
 
 #include "context.h"
 
-struct COLUMNINDEX;  // src/reader/column_index.h
+struct COLUMNINDEX;       // src/reader/column_index.h
+struct JMAPReadObserver;  // include/qvejmapx.h
 
 struct JMAP_READPRIVATE {
     JMAP_PRIVATE* p;  // the document
@@ -31,6 +32,7 @@ struct JMAP_READPRIVATE {
     QVStatus rfpStatus;  // its first failure, which later blocks give too; QV_OK: none
     bool doAlldata;      // this is the ALLDATA table
     COLUMNINDEX* index;  // columns by path
+    const JMAPReadObserver* observer;  // the caller's; null: none
 };
 
 namespace jmap {

@@ -3,10 +3,11 @@
 // All live in the document pool.
 #pragma once
 
-#include <cstdint>
+#include "qvtypes.h"
 
 #include "map.h"
-#include "qvtypes.h"
+
+#include <cstdint>
 
 // Kind of an entry of the nesting stack.
 enum WHAT : int32_t { WHAT_LABEL = 1, WHAT_ARRAY = 2, WHAT_OBJECT = 3 };
@@ -51,6 +52,20 @@ struct LEVEL {
     int levelNum;       // Kept: never used, 0
 };
 
+// Where a value begins in the document, counted from 1; all 0: not known.
+struct PLACE {
+    int64_t line;
+    int64_t column;  // bytes
+};
+
+// Values of one kind with the same path.
+struct PATHKIND {
+    PATHKIND* next;  // the next kind of the path
+    VALTYPE kind;
+    int64_t count;
+    PLACE first;
+};
+
 // One distinct path of the document that had a value.
 struct PATHINFO {
     PATHINFO* next;      // next group head
@@ -64,6 +79,8 @@ struct PATHINFO {
     bool processed;  // taken as a column (or placeholder) by the map builder
     VARTYPE type;
     QVStrSize pathMaxValLen;  // longest value, at least 1
+    PLACE longest;            // the first value of that length
+    PATHKIND kinds;           // in order of appearance
 };
 
 // One closed block of the record stream.

@@ -1,12 +1,15 @@
-// Which tables a document has.
+// Which tables a document has, by its automatic map and by the user's.
 //
-// Tested by tests/frame/catalogue_test.cpp
+// Tested by tests/frame/catalogue_test.cpp and tests/automap/lengths_test.cpp
 #include "catalogue.h"
 
+#include "automap/lengths.h"
+#include "automap/map_dump.h"
 #include "core/context.h"
 #include "core/list.h"
 #include "core/map.h"
 #include "core/pool.h"
+#include "core/status.h"
 #include "core/text.h"
 
 #include <algorithm>
@@ -41,6 +44,19 @@ constexpr QVStatus kNoMember = 1;
 QVStatus GetAutoMap(QVEJMAPJsonContexth inh, QVMemPtr* m) {
     *m = contextOf(inh)->automap;
     return QV_OK;
+}
+
+QVStatus GetUserMap(QVEJMAPJsonContexth inh, QVMemPtr* m, QVPoolh pool, INFORMATINFO** ii) {
+    JMAP_PRIVATE* p = contextOf(inh);
+    *m = p->usermap;
+    if (p->usermap == nullptr) {
+        return QV_OK;
+    }
+    getAutomapLengths(p);
+    if (p->debugUserMap) {
+        QV_TRY(dumpMap2(p, p->usermap, "USER post automap lengths"));
+    }
+    return charInformatDefaultWidths(p, p->usermap, pool, ii);
 }
 
 QVStatus GetDsName(QVEJMAPJsonContexth /*inh*/, QVMemPtr m, uint64_t index, char* dsname,

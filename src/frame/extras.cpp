@@ -40,6 +40,10 @@ template <class T>
     return QV_OK;
 }
 
+[[nodiscard]] constexpr QVBoolean flag(bool on) noexcept {
+    return on ? 1 : 0;
+}
+
 // Loads blocks until there is a record to read.
 [[nodiscard]] QVStatus findRecord(JMAP_READPRIVATE* rp) noexcept {
     while (rp->pBufi >= rp->pBufLen) {
@@ -86,18 +90,33 @@ QVStatus jmapNextColumn(JMAPTableh table, JMAPColumnh* column) {
 }
 
 void jmapColumnInfo(JMAPColumnh column, JMAPColumnInfo* info) {
-    info->name = column->name;
-    info->nameLen = column->nameLen;
-    info->path = column->path;
-    info->pathLen = column->pathLen;
-    info->type = column->type;
-    info->length = column->length;
+    *info = {.name = column->name,
+             .nameLen = column->nameLen,
+             .path = column->path,
+             .pathLen = column->pathLen,
+             .type = column->type,
+             .length = column->length,
+             .label = column->label,
+             .labelLen = column->labelLen,
+             .format = {column->format, column->formatLen, column->formatWidth, column->formatDec},
+             .informat = {column->informat, column->informatLen, column->informatWidth,
+                          column->informatDec},
+             .informatNoError = flag(column->informatNoError),
+             .retain = flag(column->retain),
+             .noretain = flag(column->noretain),
+             .lengthFromAutomap = flag(column->lengthFromAutomap),
+             .truncation = flag(column->truncation),
+             .currentLength = column->currentLength};
 }
 
 QVStatus jmapReadTable(QVEJMAPJsonContexth inh, JMAPTableh table, QVEJMAPReadInitParms* rip,
                        QVEJMAPReadContexth* inrctx) {
     const bool doAlldata = table == contextOf(inh)->alldataDs;
     return openTable(inh, table, view(table->name, table->nameLen), doAlldata, rip, inrctx);
+}
+
+void jmapObserve(QVEJMAPReadContexth rctx, const JMAPReadObserver* observer) {
+    readContextOf(rctx)->observer = observer;
 }
 
 // ---- Records ------------------------------------------------------------------------------------
@@ -127,6 +146,7 @@ QVStatus jmapRecordsNext(JMAPRecordCursorh cursor, JMAPRecord* record) {
     const std::string_view path = pathOf(found);
     const std::string_view value = valueOf(found);
     *record = {.kind = found.kind,
+               .labelCount = found.labelCount,
                .path = path.data(),
                .pathLen = lengthOf(path),
                .value = value.data(),
@@ -166,6 +186,12 @@ void jmapPathInfo(JMAPPathh path, JMAPPathInfo* info) {
     info->count = path->count;
     info->type = path->type;
     info->maxValueLen = path->pathMaxValLen;
+    info->longestLine = path->longest.line;
+    info->longestColumn = path->longest.column;
+    std::fill(std::begin(info->kinds), std::end(info->kinds), JMAPPathKind{});
+    for (const PATHKIND* kind = &path->kinds; kind != nullptr; kind = kind->next) {
+        info->kinds[kind->kind] = {kind->count, kind->first.line, kind->first.column};
+    }
 }
 
 // ---- Totals and words ---------------------------------------------------------------------------

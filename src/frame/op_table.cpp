@@ -6,21 +6,12 @@
 #include "catalogue.h"
 #include "document.h"
 #include "driver.h"
+#include "mapdoc/map_reader.h"
 #include "mapdoc/map_writer.h"
 #include "reader/read_context.h"
 #include "reader/row_loop.h"
 
 namespace jmap {
-namespace {
-
-// Stands in the slots of the user-map operations, which this version does not have: JMAP_NOTAVAIL,
-// whatever the arguments, and no out-parameter is touched.
-template <class... Args>
-QVStatus notAvailable(Args... /*args*/) {
-    return JMAP_NOTAVAIL;
-}
-
-}  // namespace
 
 void fillOperations(UserJMAP_S* table) noexcept {
     table->JsonInit = JsonInit;
@@ -32,11 +23,11 @@ void fillOperations(UserJMAP_S* table) noexcept {
     table->ReadReset = ReadReset;
     table->ReadTerm = ReadTerm;
     table->GetDsName = GetDsName;
-    table->MapInit = notAvailable;
-    table->MapInput = notAvailable;
-    table->MapTerm = notAvailable;
+    table->MapInit = MapInit;
+    table->MapInput = MapInput;
+    table->MapTerm = MapTerm;
     table->GetAutoMap = GetAutoMap;
-    table->GetUserMap = notAvailable;
+    table->GetUserMap = GetUserMap;
     table->GetAlldataInfo = GetAlldataInfo;
     table->MemberExist = MemberExist;
     table->Term = Term;

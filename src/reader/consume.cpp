@@ -3,6 +3,8 @@
 // Tested by tests/reader/consume_test.cpp
 #include "consume.h"
 
+#include "qvejmapx.h"
+
 #include "column_index.h"
 #include "core/note.h"
 #include "core/pool.h"
@@ -103,6 +105,7 @@ const WORD* findWord(std::string_view text) noexcept {
 
 // A value on its way into the columns of its path.
 struct STORE {
+    QVEJMAPReadContexth rctx;
     JMAP_READPRIVATE* rp;
     std::string_view value;
     VALTYPE kind;
@@ -129,12 +132,12 @@ void noteWord(const STORE& store, const VARINFO& column, const WORD& word) {
     }
 }
 
-// Keeps the text for the caller, who has the informat.
-QVStatus storeRaw(STORE& store, VARIABLEINFO& info) {
+QVStatus keepRaw(const STORE& store, VARIABLEINFO& info) {
     const QVStrSize valueLen = lengthOf(store.value);
     if (info.rawdataAlloc < valueLen) {
         (void)poolFree(store.rp->rpool, info.rawdata);  // the new piece decides
         info.rawdataAlloc = 0;
+        info.rawdataLen = 0;  // nor is there a text of before
         info.rawdata = poolBytes(store.rp->rpool, 2 * valueLen);
         if (info.rawdata == nullptr) {
             return QV_NOMEM;
@@ -143,13 +146,34 @@ QVStatus storeRaw(STORE& store, VARIABLEINFO& info) {
     }
     std::copy_n(store.value.data(), valueLen, info.rawdata);
     info.rawdataLen = valueLen;
+    return QV_OK;
+}
+
+// Keeps the text for the caller, who has the informat.
+QVStatus storeRaw(const STORE& store, uint32_t i) {
+    const QVStatus rc = keepRaw(store, store.rctx->varinfo[i]);
+    const JMAPReadObserver* observer = store.rp->observer;
+    if (observer != nullptr) {
+        observer->raw(observer->arg, i, store.kind, rc);
+    }
+    QV_TRY(rc);
     store.rp->inVariables = true;
     return QV_OK;
 }
 
+// Kept: a column flagged as bad holds 0, which the conversion gave.
+void flagBad(const STORE& store, uint32_t i) {
+    store.rctx->varinfo[i].badNumData = true;
+    const JMAPReadObserver* observer = store.rp->observer;
+    if (observer != nullptr) {
+        observer->notNumber(observer->arg, i, store.value.data(), lengthOf(store.value));
+    }
+}
+
 // Returns QV_OK unless the call is to end; the conversion's own status goes into `store`.
-QVStatus storeNumber(STORE& store, VARIABLEINFO& info, const VARINFO& column) {
+QVStatus storeNumber(STORE& store, uint32_t i) {
     JMAP_READPRIVATE* rp = store.rp;
+    const VARINFO& column = rp->varinfo[i];
     QVStringServiceh smh = rp->p->smh;
     double number = 0.0;
     QVStrSize used = 0;
@@ -164,8 +188,9 @@ QVStatus storeNumber(STORE& store, VARIABLEINFO& info, const VARINFO& column) {
         noteWord(store, column, *word);
         store.wordSeen = true;
     } else if (store.status == QV_OK || store.status == QV_NOTNUM) {
-        // Kept: a column flagged as bad holds 0, which the conversion gave.
-        info.badNumData = info.badNumData || store.status == QV_NOTNUM;
+        if (store.status == QV_NOTNUM) {
+            flagBad(store, i);
+        }
         if (!store.wordSeen) {
             noteStored(store, column);
         }
@@ -176,7 +201,7 @@ QVStatus storeNumber(STORE& store, VARIABLEINFO& info, const VARINFO& column) {
     return QV_OK;
 }
 
-void storeCharacter(STORE& store, const VARINFO& column) {
+void storeCharacter(const STORE& store, const VARINFO& column) {
     storeBlanks(*store.rp, column);
     if (store.kind != VAL_NULL) {
         storeText(*store.rp, column, store.value);
@@ -185,12 +210,14 @@ void storeCharacter(STORE& store, const VARINFO& column) {
     store.rp->inVariables = true;
 }
 
-QVStatus storeValue(STORE& store, VARIABLEINFO& info, const VARINFO& column) {
-    if (info.informat != nullptr) {
-        return storeRaw(store, info);
+// Stores the value into column `i`.
+QVStatus storeValue(STORE& store, uint32_t i) {
+    const VARINFO& column = store.rp->varinfo[i];
+    if (store.rctx->varinfo[i].informat != nullptr) {
+        return storeRaw(store, i);
     }
     if (column.type == VAR_DOUBLE) {
-        return storeNumber(store, info, column);
+        return storeNumber(store, i);
     }
     if (column.type == VAR_CHAR) {
         storeCharacter(store, column);
@@ -233,10 +260,10 @@ QVStatus consumePathVar(QVEJMAPReadContexth rctx, const char* path, QVStrSize pa
     }
     JMAP_READPRIVATE* rp = readContextOf(rctx);
     const std::string_view recordPath = view(path, pathLen);
-    STORE store = {rp, view(value, valueLen), kind, QV_OK, false};
+    STORE store = {rctx, rp, view(value, valueLen), kind, QV_OK, false};
     for (uint32_t i = firstColumn(*rp, recordPath); i != kNoColumn;
          i = nextColumn(*rp, i, recordPath)) {
-        QV_TRY(storeValue(store, rctx->varinfo[i], rp->varinfo[i]));
+        QV_TRY(storeValue(store, i));
     }
     return store.status;
 }

@@ -84,15 +84,49 @@ PATHINFO* findPath(JMAP_PRIVATE* p, std::string_view path) {
     return info;
 }
 
+// Where the value of the present event begins.
+PLACE presentPlace(JMAP_PRIVATE* p) {
+    JSNParserh parser = p->parser;
+    return parser == nullptr || parser->eventColumn == nullptr
+               ? PLACE{}
+               : PLACE{parser->line(parser), parser->eventColumn(parser)};
+}
+
+// Kept: a kind that there is no memory for stays out of the statistics; nothing in the map depends
+// on it.
+void addKind(JMAP_PRIVATE* p, PATHKIND* last, VALTYPE kind) {
+    last->next = poolNew<PATHKIND>(p->cpool);
+    if (last->next != nullptr) {
+        *last->next = {nullptr, kind, 1, presentPlace(p)};
+    }
+}
+
+void countKind(JMAP_PRIVATE* p, PATHKIND* kinds, VALTYPE kind) {
+    for (;; kinds = kinds->next) {
+        if (kinds->kind == kind) [[likely]] {
+            ++kinds->count;
+            return;
+        }
+        if (kinds->next == nullptr) {
+            addKind(p, kinds, kind);
+            return;
+        }
+    }
+}
+
 void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, QVStrSize valLen) {
     ++info->count;
+    countKind(p, &info->kinds, type);
     if (info->type == VAR_DOUBLE && type == VAL_STRING) [[unlikely]] {
         info->type = VAR_CHAR;
         if (p->debugInsertPath) {
             myLogNote(p, U"insertPathInfo type DOUBLE val type STRING so type now CHARACTER");
         }
     }
-    info->pathMaxValLen = std::max(info->pathMaxValLen, valLen);
+    if (valLen > info->pathMaxValLen) [[unlikely]] {
+        info->pathMaxValLen = valLen;
+        info->longest = presentPlace(p);
+    }
 }
 
 PATHINFO* newPathInfo(JMAP_PRIVATE* p, std::string_view path, VALTYPE type, QVStrSize valLen) {
@@ -108,6 +142,8 @@ PATHINFO* newPathInfo(JMAP_PRIVATE* p, std::string_view path, VALTYPE type, QVSt
     info->count = 1;
     info->type = typeOf(type);
     info->pathMaxValLen = valLen == 0 ? 1 : valLen;
+    info->longest = presentPlace(p);
+    info->kinds = {nullptr, type, 1, info->longest};
     return info;
 }
 

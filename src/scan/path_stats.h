@@ -13,8 +13,9 @@
 
 namespace jmap {
 
-// Records one more value for `path`: counts it, promotes the type, keeps the longest length.  The
-// path is copied into the document pool on first sight only.
+// Records one more value for `path`: counts it, also by its kind, promotes the type, keeps the
+// longest length, and the places where a kind and that length were first seen.  The path is copied
+// into the document pool on first sight only.
 //   path, pathLen  text of the record without its value, separator 0x02, not terminated
 //   lastNameLen    (of the context) bytes of the last component with its separator: the rest is the
 //                  parent path

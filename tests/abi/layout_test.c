@@ -122,11 +122,6 @@ static void checkTable(UserJMAP_S* engine) {
     size_t a = 0, b = 0, c = 0;
     CHECK(head->getReqVersion(NULL, &a, &b, &c) == QV_OK && a == 7 && b == 1 && c == 1);
     CHECK(head->getVersion(NULL, &a, &b, &c) == QV_OK && a == 1 && b == 0 && c == 0);
-
-    CHECK(engine->MapInit(NULL, NULL, NULL, NULL) == JMAP_NOTAVAIL);
-    CHECK(engine->MapInput(NULL, NULL, 0, 1, NULL) == JMAP_NOTAVAIL);
-    CHECK(engine->MapTerm(NULL, NULL, NULL) == JMAP_NOTAVAIL);
-    CHECK(engine->GetUserMap(NULL, NULL, NULL, NULL) == JMAP_NOTAVAIL);
 }
 
 /* Every slot once, in the order of a caller; the block spills, since the host has no budget. */

@@ -1,4 +1,4 @@
-// From documents to maps.
+// From documents to maps: tables, their ordinal and value columns, ALLDATA.
 #include "automap/discovery.h"
 
 #include "tests/automap/hand_document.h"
@@ -9,10 +9,17 @@ namespace jmap::test {
 namespace {
 
 TEST(Discovery, GivesATableForEachGroupOfPaths) {
+    std::string deep = R"({"x":1})";
+    std::string deepColumns = " (ordinal_root:O, ordinal_a:O";
+    for (const char* end : {"1:O", "2:O", "3:O", "4:O", "5:O", "6:O", "7:O", "8:O", "9:O", "::O"}) {
+        deep = R"({"a":)" + deep + "}";
+        deepColumns += std::string(", ordinal_a") + end;
+    }
+    const std::string n40(40, 'n');
+    const std::string cut(24, 'n');
     const struct {
         const char* name;
-        const char* json;
-        const char* map;
+        std::string json, map;
         uint64_t ordinals = UINT64_MAX;
     } cases[] = {
         {"one object", R"({"a":1,"b":"xy","c":true,"d":null,"e":""})",
@@ -30,11 +37,35 @@ TEST(Discovery, GivesATableForEachGroupOfPaths) {
          "a /root/a (ordinal_root:O, ordinal_a:O, b:D1)\n"},
         {"placeholder", R"({"a":{"b":1},"e":{}})", "a /root/a (b:D1)\ne - ()\n", 0},
         {"placeholder, ordinal", R"({"e":{}})", "e /root (ordinal_e:O)\n", 1},
+        {"the nameless level has no ordinal", R"({"":{"x":1}})",
+         " /root/ (ordinal_root:O, x:D1)\n"},
+        {"but is counted", R"({"":{"x":1}})", " /root/ (x:D1)\n", 1},
+        {"ordinals are names", R"({"a-b":{"x":1}})", "a_b /root/a-b (ordinal_a_b:O, x:D1)\n", 1},
+        // Equal ordinals get one more character, counted over the table; behind 9 comes ":".
+        {"case tells ordinals apart", R"({"a":{"A":{"x":1}}})",
+         "a_A /root/a/A (ordinal_root:O, ordinal_a:O, ordinal_A:O, x:D1)\n"},
+        {"an ordinal that gets two", R"({"a":{"a1":{"a":{"x":1}}}})",
+         "a1_a /root/a/a1/a (ordinal_root:O, ordinal_a:O, ordinal_a1:O, ordinal_a12:O, x:D1)\n"},
+        {"long ordinals", "{\"" + n40 + "\":{\"" + n40 + R"(":{"x":1}}})",
+         std::string(14, 'n') + "_" + std::string(15, 'n') + " /root/" + n40 + "/" + n40 +
+             " (ordinal_root:O, ordinal_" + cut + ":O, ordinal_" + cut + "1:O, x:D1)\n"},
+        {"many ordinals", R"({"a":)" + deep + "}",
+         "a_a /root/a/a/a/a/a/a/a/a/a/a/a" + deepColumns + ", x:D1)\n"},
     };
     for (const auto& c : cases) {
-        ScanOptions options;
-        options.ordinals = c.ordinals;
-        EXPECT_EQ(Scan(c.json, options).map(), c.map) << c.name;
+        EXPECT_EQ(Scan(c.json, {.ordinals = c.ordinals}).map(), c.map) << c.name;
+    }
+}
+
+TEST(Discovery, LaysAlldataOutByTheLongestLabelsAndValue) {
+    constexpr const char* kCases[][3] = {
+        {R"({"a":{"bb":1},"ccc":"wxyz"})", "all of it",
+         "all of it - (P:D0, P1:C3, P2:C2, V:D4, Value:C4)\n"},
+        {R"({"a":1})", "", "ALLDATA - (P:D0, P1:C1, V:D1, Value:C1)\n"},
+        {"{}", "ALLDATA", "ALLDATA - (P:D0, P1:C0, V:D3, Value:C3)\n"},
+    };
+    for (const auto& [json, name, expected] : kCases) {
+        EXPECT_EQ(Scan(json, {.alldata = name}).alldata(), expected) << json;
     }
 }
 
@@ -46,40 +77,25 @@ TEST(Discovery, DropsTheTableThatFailsAndGoesOn) {
     for (uint64_t n = 0; n <= total; ++n) {  // 0: none fails
         SCOPED_TRACE(n);
         HandDocument doc;
-        int32_t labelMax = 5;
-        doc.p.labelMaxes = &labelMax;
-        for (const char* path : {"/root/t/a", "/root/T/b", "/T/c"}) {
-            doc.addPath(path);
-        }
-        doc.addPath("/root/taken/a")->processed = true;  // starts no table
+        ASSERT_QV_OK(
+            doc.document.feed(R"({"t-":{"a":1},"T+":{"b":1},"t!":{"c":1},"taken":{"d":1})", false));
+        doc.p.pathInfoTail->processed = true;  // starts no table
+        doc.p.ordinalCount = 1;
         const uint64_t before = doc.host.requests();
         doc.host.failAllocation(n);
         const QVStatus rc = doMapping(&doc.p);
         total = n == 0 ? doc.host.requests() - before : total;
         std::string names;
         for (const DSINFO& ds : each(doc.p.automap == nullptr ? nullptr : doc.p.automap->dshead)) {
-            EXPECT_NE(ds.tablePath, nullptr);
-            EXPECT_GE(ds.varcount, 2u);
-            names += std::string(ds.name, static_cast<size_t>(ds.nameLen)) + " ";
+            EXPECT_TRUE(ds.tablePath != nullptr && ds.varcount == 2);
+            names += std::string(view(ds.name, ds.nameLen)) + " ";
         }
-        const bool whole = names == "t T2 T3 ";  // then it is ALLDATA that fails
+        const bool whole = names == "t_ T_2 t_3 ";  // then it is ALLDATA that fails
         EXPECT_QV(n > 0 && (whole || names.empty()) ? QV_NOMEM : QV_OK, rc);
         seen.insert(names);
     }
-    EXPECT_EQ(seen, (std::set<std::string>{"", "T T2 ", "T2 T3 ", "t T2 ", "t T3 ", "t T2 T3 "}));
-}
-
-TEST(Discovery, DoDatasetReportsWhatFailed) {
-    HandDocument doc;
-    MAP map{};
-    PATHINFO* path = doc.addPath("t");  // no separator: an empty table path
-    doc.host.failAllocation(1);
-    EXPECT_QV(QV_NOMEM, doDataset(&doc.p, &map, path));
-    EXPECT_EQ(map.dshead, nullptr);
-    EXPECT_QV_OK(doDataset(&doc.p, &map, path));
-    ASSERT_NE(map.dshead, nullptr);
-    EXPECT_NE(map.dshead->tablePath, nullptr);
-    EXPECT_EQ(map.dshead->tablePathLen, 0);
+    EXPECT_EQ(seen, (std::set<std::string>{"", "T_ t_2 ", "T_2 t_3 ", "t_ t_2 ", "t_ T_2 ",
+                                           "t_ t_3 ", "t_ T_2 t_3 "}));
 }
 
 }  // namespace

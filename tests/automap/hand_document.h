@@ -1,14 +1,9 @@
-// A document context made by hand, for routines that need no scan.
+// A document that was opened and is not fed, for routines that a test calls itself.
 #pragma once
 
 #include "core/list.h"
 #include "core/pool.h"
-#include "core/text.h"
-#include "testkit/testkit.h"
-
-#include <algorithm>
-#include <string>
-#include <string_view>
+#include "frame/open_document.h"
 
 namespace jmap::test {
 
@@ -21,44 +16,11 @@ inline std::string internalPath(std::string_view path) {
     return text;
 }
 
-class HandDocument {
-   public:
-    HandDocument() {
-        QVNLSh nls = host.handle()->nls;
-        p.cpool = newPool(U"hand document");
-        p.tosess = nls->newTranscoder(nls, U_L_UCS4_CE, U_UTF8_CE, nullptr);
-        EXPECT_QV_OK(nls->newStringService(nls, U_UTF8_CE, nullptr, &p.smh));
-        p.inCei = U_UTF8_CE;
-        p.jnl = host.journal();
-        p.sep = '\x02';
-        p.ordinalCount = UINT64_MAX;
-    }
-    ~HandDocument() {
-        (void)destroyHandle(p.dsNameHash);
-        (void)destroyHandle(p.tosess);
-        (void)destroyHandle(p.smh);
-        (void)destroyHandle(p.cpool);
-    }
-    // A path of the statistics, below `head` or heading a group of its own.
-    PATHINFO* addPath(std::string_view path, PATHINFO* head = nullptr, VARTYPE type = VAR_DOUBLE) {
-        auto* info = poolNew<PATHINFO>(p.cpool);
-        info->path = poolCopy(p.cpool, internalPath(path));
-        info->pathLen = lengthOf(path);
-        info->type = type;
-        info->pathMaxValLen = 1;
-        if (head == nullptr) {
-            append(p.pathInfoHead, p.pathInfoTail, info);
-            head = info;
-        } else {
-            head->downtail->down = info;
-        }
-        head->downtail = info;
-        return info;
-    }
-
+struct HandDocument {
     FakeHost host;
-    JMAP_PRIVATE p{};
-    QVEJMAPJsonContext doc{nullptr, &p, {}};
+    Document document{host};
+    JMAP_PRIVATE& p = ((void)document.init(), *document.p());
+    QVEJMAPJsonContext& doc = *document.doc;
 };
 
 }  // namespace jmap::test

@@ -16,15 +16,14 @@ TEST(MapDump, ShowsEveryKindOfColumnInAShortAndALongForm) {
     c.labelLen = static_cast<QVStrSize>(std::string_view("A label").copy(c.label, 256));
     HandMap::informat(c);
     hand.column("f", VAR_FAKEVARIABLE, nullptr);
-    hand.table("empty");
-    hand.table("one", "");
+    hand.table("one");
     hand.column("x", VAR_DOUBLE, "x");
     doc.p.automap = &hand.map;
     EXPECT_QV_OK(dumpMap(&doc.p));
     EXPECT_QV_OK(dumpMap2(&doc.p, &hand.map, "USER"));
-    std::string journal = "\n";
+    std::string journal;
     for (const std::string& note : doc.host.notes) {
-        journal += note + "\n";
+        journal += "\n" + note;
     }
     EXPECT_EQ(journal, R"(
 MAP DUMP
@@ -33,7 +32,6 @@ MAP DUMP
     numeric   var [d] path [/root/t/d]
     character var [c] path [/root/t/c]  maxlen 12
     UNKNOWN?  var [f] path []
-  dataset [empty]
   dataset [one]
     numeric   var [x] path [x]
 MAP DUMP END
@@ -55,18 +53,13 @@ USER MAP DUMP
 
  tablePath   [/root/t]
 
- dataset     [empty] 0 variable
-
- tablePath   []
-
  dataset     [one] 1 variable
   numeric    [x]
     path     [x]
 
  tablePath   []
 
-USER MAP DUMP END
-)");
+USER MAP DUMP END)");
 }
 
 }  // namespace

@@ -35,50 +35,33 @@ Lines documents() {
     return all;
 }
 
-// What a document looks like from outside.
+// What a document looks like from outside, its tables read twice.
 Lines picture(const Scan& scan) {
-    constexpr uint64_t kMissing = QVEJMAP_MISSING_BITS;
-    const std::string missing(reinterpret_cast<const char*>(&kMissing), sizeof kMissing);
     EXPECT_QV_OK(scan.status);
     Lines all = scan.blocks();
-    all.insert(all.end(), {scan.map(), scan.mapDocument(), scan.alldata(), scan.rows("ALLDATA")});
+    all.insert(all.end(), {scan.records(), scan.map(), scan.mapDocument(), scan.alldata(),
+                           scan.rows("ALLDATA")});
     JMAPTableh table = nullptr;
     while (jmapNextTable(scan.automap(), &table) == QV_OK) {
         QVEJMAPReadContexth rctx = nullptr;
         EXPECT_QV_OK(jmapReadTable(scan.doc(), table, nullptr, &rctx));
-        Lines first;
         for (int pass = 0; pass < 2; ++pass) {
-            Lines rows;
             while (scan.engine()->Read(rctx) == QV_OK) {
-                rows.emplace_back(rctx->obsbuf, static_cast<size_t>(rctx->obsbufLen));
-                // Ordinals are retained, so one that was missing because it had not been counted
-                // yet now shows where the read before ended.
-                for (QVStrSize i = 0; pass == 1 && i < rctx->varCount; ++i) {
-                    const auto at = static_cast<size_t>(rctx->varinfo[i].offset);
-                    const std::string& was = first.at(rows.size() - 1);
-                    if (*rctx->varinfo[i].name == 'o' && was.compare(at, 8, missing) == 0) {
-                        rows.back().replace(at, 8, missing);
-                    }
-                }
+                all.emplace_back(rctx->obsbuf, static_cast<size_t>(rctx->obsbufLen));
             }
-            first = pass == 0 ? rows : first;
-            EXPECT_TRUE(rows == first) << "reading again";
             EXPECT_QV_OK(scan.engine()->ReadReset(rctx));
         }
         EXPECT_QV_OK(scan.engine()->ReadTerm(rctx));
-        all.insert(all.end(), first.begin(), first.end());
     }
     return all;
 }
 
 TEST(Equality, BuffersCompressionSpillingAndReadingAgainChangeNothing) {
-    const ScanOptions kWays[] = {
-        {.split = 1},
-        {.split = 7},
-        {.compress = true},
-        {.memLeave = 1},
-        {.compress = true, .memLeave = 1, .split = 65536},
-    };
+    const ScanOptions kWays[] = {{.split = 1},
+                                 {.split = 7},
+                                 {.compress = true},
+                                 {.memLeave = 1},
+                                 {.compress = true, .memLeave = 1, .split = 65536}};
     for (const std::string& document : documents()) {
         SCOPED_TRACE(document.substr(0, 60));
         const std::string copy(document.data(), document.size());

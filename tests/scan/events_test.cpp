@@ -64,36 +64,16 @@ TEST(Events, RefuseAScalarDocumentAndAnEndThatDoesNotFit) {
     for (const char* json : {"5", "\"x\"", "true", "null"}) {
         const Scan scan(json);
         EXPECT_QV(JMAP_INCOMPLETE, scan.status) << json;
-        EXPECT_EQ(JMAP_INCOMPLETE, scan.p()->vrc) << json;
+        EXPECT_EQ(JMAP_INCOMPLETE, scan.doc()->e.rc) << json;
     }
-    const Context context;
-    JSNParseCB* cb = &context.p->parseCB;
+    HandDocument doc;
+    JSNParseCB* cb = &doc.p.parseCB;
     EXPECT_QV(JMAP_PARSE, cb->objectEnd(cb)) << "nothing is open";
     ASSERT_QV_OK(cb->arrayStart(cb));
     EXPECT_QV(JMAP_PARSE, cb->objectEnd(cb));
     ASSERT_QV_OK(cb->objectStart(cb));
     EXPECT_QV(JMAP_PARSE, cb->arrayEnd(cb));
-    EXPECT_EQ(WHAT_OBJECT, peekLevel(context.p)->what) << "the stack is as it was";
-}
-
-// A dump of the stack is shown as its lines in parentheses.
-TEST(Events, NoteEveryStepAndTheStackAfterEveryPushAndEveryEnd) {
-    const Scan scan(R"({"a":["x",{}]})", {.debug = ",LEVEL,"});
-    std::string notes;
-    for (const std::string& note : scan.host().notes) {
-        notes += note == "--- level dump ---" ? "(" : note == "---" ? ")\n" : note + ";";
-    }
-    EXPECT_EQ(
-        "Parsing of test begins;Object Start;(   Object;)\n"
-        "fstring;String [a] Label ;(   Label [a];   Object;)\n"
-        "Array Start;(   Array;   Label [a];   Object;)\n"
-        "fstring;gotValue;gotValue [a1][x];"
-        "fstring;String [a1] Label ;(   Label [a1];   Array;   Label [a];   Object;)\n"
-        "fstring;gotValue;gotValue [a1][x];"
-        "Object Start;(   Object;   Array;   Label [a];   Object;)\n"
-        "Object End;(   Array;   Label [a];   Object;)\n"
-        "Array End;(   Object;)\nObject End;(  empty;)\nParsing of test ends;",
-        notes);
+    EXPECT_EQ(WHAT_OBJECT, peekLevel(&doc.p)->what) << "the stack is as it was";
 }
 
 }  // namespace

@@ -36,36 +36,14 @@ TEST(PathStats, CountsPromotesAndGroups) {
     FakeHost host;
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.name);
-        EXPECT_EQ(c.stats, statsLines(Scan(host, c.json).p()));
+        EXPECT_EQ(c.stats, statsLines(*Scan(host, c.json).p()));
     }
 }
 
-QVStatus insert(const Context& context, std::string_view last, VALTYPE type = VAL_NUMBER) {
+QVStatus insert(JMAP_PRIVATE* p, std::string_view last) {
     const std::string path = "\x02root\x02" + std::string(last);
-    context.p->lastNameLen = lengthOf(last) + 1;
-    return insertPathInfo(context.p, path.data(), lengthOf(path), type, 2);
-}
-
-TEST(PathStats, NotesInsertionsAndDumpsGroupsWithTheirMembers) {
-    Context context;
-    context.p->debugInsertPath = true;
-    ASSERT_QV_OK(insert(context, "a"));
-    ASSERT_QV_OK(insert(context, "a", VAL_STRING));
-    ASSERT_QV_OK(insert(context, "a", VAL_STRING));
-    context.p->debugInsertPath = false;
-    ASSERT_QV_OK(insert(context, std::string(40, 'b')));
-    context.p->pathInfoTail->processed = true;
-    EXPECT_QV_OK(dumpPathInfo(context.p));
-    const std::vector<std::string> expected = {
-        "insertPathInfo [/root/a] type NUMBER valLen 2",
-        "insertPathInfo [/root/a] type STRING valLen 2",
-        "insertPathInfo type DOUBLE val type STRING so type now CHARACTER",
-        "insertPathInfo [/root/a] type STRING valLen 2",
-        "Path info dump",
-        "path [/root/a                       ] count 3 processed TRUE",
-        "path [/root/" + std::string(40, 'b') + "] count 1 processed FALSE",
-        "Path info dump end"};
-    EXPECT_EQ(expected, context.host.notes);
+    p->lastNameLen = lengthOf(last) + 1;
+    return insertPathInfo(p, path.data(), lengthOf(path), VAL_NUMBER, 2);
 }
 
 // Trackers that cannot be made are no failure: paths or groups are then not found again.
@@ -75,22 +53,15 @@ TEST(PathStats, GoesOnWithoutATrackerButNotWithoutAnEntry) {
         "/root/a:D2:2\n/root/b:D1:2\n",              // the tracker of groups
     };
     for (const uint64_t failing : {1, 2}) {
-        Context context;
-        context.host.failAllocation(failing);
+        HandDocument doc;
+        doc.host.failAllocation(failing);
         for (const char* last : {"a", "b", "a"}) {
-            ASSERT_QV_OK(insert(context, last));
+            ASSERT_QV_OK(insert(&doc.p, last));
         }
-        EXPECT_EQ(kWithout[failing - 1], statsLines(context.p));
-        context.host.failAllocation(failing);
-        EXPECT_QV(QV_NOMEM, insert(context, "c"));
-        EXPECT_EQ(kWithout[failing - 1], statsLines(context.p)) << "not linked";
-    }
-}
-
-TEST(PathStats, NamesAKindThatIsNone) {
-    for (const int32_t t : {VAL_NOVAL - 1, VAL_FAKEVARIABLE + 1}) {
-        EXPECT_STREQ("UNKNOWN?", valtypeToString(t));
-        EXPECT_EQ(U"UNKNOWN?", std::u32string_view(valtypeToHostString(t)));
+        EXPECT_EQ(kWithout[failing - 1], statsLines(doc.p));
+        doc.host.failAllocation(failing);
+        EXPECT_QV(QV_NOMEM, insert(&doc.p, "c"));
+        EXPECT_EQ(kWithout[failing - 1], statsLines(doc.p)) << "not linked";
     }
 }
 

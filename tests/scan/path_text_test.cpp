@@ -1,32 +1,10 @@
-// Path text: the two forms, splitting, comparing.
+// Path text: the two forms, comparing.
 #include "scan/path_text.h"
 
 #include "scan_fixture.h"
 
 namespace jmap::test {
 namespace {
-
-TEST(PathText, SplitsAtTheLastSeparator) {
-    static constexpr struct {
-        const char* path;
-        const char* parts;  // first|last
-    } kCases[] = {{"/root/a/b", "/root/a|b"}, {"/root", "|root"}, {"abc", "none|abc"},
-                  {"/root/a/", "/root/a|"},   {"", "none|"},      {"a//", "a/|"}};
-    const Context context;
-    for (const auto& c : kCases) {
-        std::string path = c.path;
-        slashToSep(context.p, path.data(), lengthOf(path));
-        const char* first = nullptr;
-        const char* last = nullptr;
-        QVStrSize firstLen = -1;
-        QVStrSize lastLen = -1;
-        EXPECT_EQ(0, splitPath(context.p, path.data(), lengthOf(path), &first, &firstLen, &last,
-                               &lastLen));
-        EXPECT_EQ(c.parts, (first == nullptr ? "none" : slashes(view(first, firstLen))) + "|" +
-                               slashes(view(last, lastLen)));
-        EXPECT_TRUE(first != nullptr || firstLen == 0);
-    }
-}
 
 TEST(PathText, ComparesWithoutRegardToAsciiCase) {
     static constexpr struct {
@@ -42,21 +20,17 @@ TEST(PathText, ComparesWithoutRegardToAsciiCase) {
 }
 
 TEST(PathText, ShowsSlashesInABufferThatGrowsToTwiceThePath) {
-    Context context;
-    JMAP_PRIVATE* p = context.p;
+    HandDocument doc;
+    JMAP_PRIVATE* p = &doc.p;
     std::string path = "a/b//c";
     slashToSep(p, path.data(), 4);
-    EXPECT_EQ(
-        "a\x02"
-        "b\x02/c",
-        path);
+    EXPECT_EQ(internalPath("a/b/") + "/c", path);
     EXPECT_EQ("a/b//c", shown(p, path));
-    EXPECT_EQ(12, p->sepLongest);
-    EXPECT_EQ(std::string(11, 'x'), shown(p, std::string(11, 'x')));
-    EXPECT_EQ(12, p->sepLongest) << "it fits";
-    EXPECT_EQ(std::string(12, 'x'), shown(p, std::string(12, 'x')));
-    EXPECT_EQ(24, p->sepLongest);
-    context.host.failAllocation(1);
+    for (const auto& [length, room] : {std::pair{11, 12}, {12, 24}}) {
+        EXPECT_EQ(std::string(length, 'x'), shown(p, std::string(length, 'x')));
+        EXPECT_EQ(room, p->sepLongest);
+    }
+    doc.host.failAllocation(1);
     EXPECT_EQ("", shown(p, std::string(100, 'x')));
     EXPECT_EQ("a/b//c", shown(p, path)) << "the buffer is made anew";
     EXPECT_EQ("a/b//c", shown2(p, path));

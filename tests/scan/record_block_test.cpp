@@ -12,18 +12,17 @@ struct Fakes {
     QVStatus open = QV_OK, write = QV_OK, read = QV_OK;
     QVStrSize readLen = 100;
     bool noHandle = false;
-    int ends = 0;                // streams that were ended
-    std::vector<int> settings;   // of the last stream
-    std::vector<int32_t> modes;  // of the opened files
-    QVIOOpenParms opened = {};   // of the last one
-    std::u32string name;
-    std::string written;  // the blocks back to back
+    int ends = 0;               // streams that were ended
+    std::vector<int> settings;  // of the last stream
+    std::string opened;         // files: mode and name
+    QVIOOpenParms parms = {};   // of the last one
+    std::string written;        // the blocks back to back
 };
 Fakes fakes;
 QVIOFile file;
 
-// A context whose open block has 100 bytes.
-struct OpenBlock : Context {
+// A document whose open block has 100 bytes.
+struct OpenBlock : HandDocument {
     explicit OpenBlock(bool compress, bool spill) {
         fakes = {};
         zlib.deflateInit2 = [](QVZStream*, int level, int method, int bits, int mem, int strategy) {
@@ -35,10 +34,7 @@ struct OpenBlock : Context {
             z->total_out = 7;
             return fakes.stream;
         };
-        zlib.deflateEnd = zlib.inflateEnd = [](QVZStream*) {
-            ++fakes.ends;
-            return fakes.end;
-        };
+        zlib.deflateEnd = zlib.inflateEnd = [](QVZStream*) { return ++fakes.ends, fakes.end; };
         zlib.inflateInit2 = [](QVZStream*, int bits) {
             fakes.settings = {bits};
             return fakes.init;
@@ -54,27 +50,26 @@ struct OpenBlock : Context {
             return fakes.read;
         };
         io.open = [](QVIOEh, const QVIOOpenParms* parms, QVJnlh, QVIOFileh* opened) {
-            fakes.modes.push_back(parms->mode);
-            fakes.opened = *parms;
-            fakes.name.assign(parms->name, static_cast<std::size_t>(parms->nameLen));
+            fakes.parms = *parms;
+            fakes.opened += parms->mode == QVIO_OUTPUT ? "out " : "in ";
+            fakes.opened.append(parms->name, parms->name + parms->nameLen) += ";";
             *opened = fakes.open == QV_OK && !fakes.noHandle ? &file : nullptr;
             return fakes.open;
         };
-        p->zlibh = &zlib;
-        p->qvioeh = &io;
-        p->tempName = name;
-        p->tempNameLen = 5;
-        p->rlmemMin = 1000;
-        p->compress = compress;
+        p.zlibh = &zlib;
+        p.qvioeh = &io;
+        p.tempName = name;
+        p.tempNameLen = 5;
+        p.rlmemMin = 1000;
+        p.compress = compress;
+        rp.p = &p;
         host.setAvailable(spill ? 999 : 1000);
-        rp.p = p;
-        std::memset(p->cBuf, 'a', 100);
-        p->cBufi = 100;
+        std::memset(p.cBuf, 'a', 100);
+        p.cBufi = 100;
     }
-    void withoutQuery() {
-        host.handle()->qvmrlmem = [](QVHndlp, uint64_t*) { return QV_UNSUPPORTED; };
-    }
-    ~OpenBlock() { p->qvioeh = nullptr; }  // it has no end of its own
+    ~OpenBlock() { p.qvioeh = nullptr; }  // it has no end of its own
+    QVStatus close() { return compressPathBuffer(&p); }
+    QVStatus load() { return uncompressPathBuffer(&rp, p.ctail, out.data()); }
     QVZLIB zlib = {};
     QVIOE io = {};
     QVChar name[5] = {'c', 'a', 'c', 'h', 'e'};
@@ -84,31 +79,29 @@ struct OpenBlock : Context {
 
 TEST(RecordBlock, SpillsFromTheFirstShortageOn) {
     OpenBlock open(false, false);
-    JMAP_PRIVATE* p = open.p;
     std::string kept;
     for (const uint64_t available : {1000, 999, 5000}) {
         open.host.setAvailable(available);
-        p->cBufi = 100;
-        ASSERT_QV_OK(compressPathBuffer(p));
-        ASSERT_QV_OK(compressPathBuffer(p)) << "an empty block is none";
-        kept += p->ctail->onDisk ? "disk " : "memory ";
-        EXPECT_EQ(p->ctail->onDisk, p->ctail->buf == nullptr);
-        ASSERT_QV_OK(uncompressPathBuffer(&open.rp, p->ctail, open.out.data()));
+        open.p.cBufi = 100;
+        ASSERT_QV_OK(open.close());
+        ASSERT_QV_OK(open.close()) << "an empty block is none";
+        kept += open.p.ctail->onDisk ? "disk " : "memory ";
+        ASSERT_QV_OK(open.load());
         EXPECT_EQ(std::string(100, 'a') + '.', open.out.substr(0, 101));
     }
     EXPECT_EQ("memory disk disk ", kept);
     EXPECT_EQ(std::string(200, 'a'), fakes.written);
-    EXPECT_EQ(300u, p->uncompressedPathBytes);
-    EXPECT_EQ(300u, p->compressedPathBytes);
-    const QVIOOpenParms& o = fakes.opened;
-    EXPECT_EQ(U"DISK    cache", std::u32string(o.device, 8) + fakes.name);
+    EXPECT_TRUE(open.p.uncompressedPathBytes == 300 && open.p.compressedPathBytes == 300);
+    EXPECT_EQ("out cache;in cache;", fakes.opened) << "opened once each";
+    const QVIOOpenParms& o = fakes.parms;
+    EXPECT_TRUE(std::u32string(o.device, 8) == U"DISK    " && o.flags == 0);
     EXPECT_EQ("json cache file", view(o.desc, o.descLen));
     EXPECT_TRUE(o.recfm == QVIO_RECFM_BINARY && o.access == QVIO_ACCESS_SEQUENTIAL);
-    EXPECT_TRUE(o.modifier == QVIO_MODIFIER_DEFAULT && o.dataL == 1048576 && o.flags == 0);
-    EXPECT_EQ((std::vector<int32_t>{QVIO_OUTPUT, QVIO_INPUT}), fakes.modes) << "opened once each";
+    EXPECT_TRUE(o.modifier == QVIO_MODIFIER_DEFAULT && o.dataL == 1048576);
 }
 
 TEST(RecordBlock, ClosesWithTheseAnswers) {
+    static constexpr auto kNoQuery = [](QVHndlp, uint64_t*) { return QV_UNSUPPORTED; };
     static constexpr struct {
         const char* name;
         bool compress, spill;
@@ -118,22 +111,20 @@ TEST(RecordBlock, ClosesWithTheseAnswers) {
         uint64_t counted;  // bytes, before the block is kept
         QVStrSize kept;    // bytes, 0: the block stays open
     } kCases[] = {
-        {"refused", false, true, 0, [](auto&) { fakes.open = QV_IO_REFUSED; }, QV_IO_REFUSED, 100,
-         0},
-        {"no file", false, true, 0, [](auto&) { fakes.noHandle = true; }, QV_NOMEM, 100, 0},
-        {"full", false, true, 0, [](auto&) { fakes.write = QV_IO_FULL; }, QV_IO_FULL, 100, 0},
-        {"no module", false, true, 0, [](auto& open) { open.p->qvioeh = nullptr; }, QV_NOMEM, 100,
-         0},
-        {"no stream", true, false, 0, [](auto&) { fakes.init = -2; }, -2, 0, 0},
-        {"the stream breaks off", true, false, 0, [](auto&) { fakes.stream = 0; }, QV_NOMEM, 0, 0},
-        {"no output buffer", true, false, 1, [](auto&) {}, QV_NOMEM, 0, 0},
-        {"no block", true, false, 2, [](auto&) {}, QV_NOMEM, 100, 0},
-        {"no bytes", true, false, 3, [](auto&) {}, QV_NOMEM, 100, 0},
-        {"an end that fails", true, false, 0, [](auto&) { fakes.end = -3; }, -3, 100, 7},
-        {"no query", false, false, 0, [](auto& open) { open.withoutQuery(); }, QV_UNSUPPORTED, 100,
-         100},
-        {"no query, deflated", true, false, 0, [](auto& open) { open.withoutQuery(); }, QV_OK, 100,
-         7},
+        {"refused", 0, 1, 0, [](auto&) { fakes.open = QV_IO_REFUSED; }, QV_IO_REFUSED, 100, 0},
+        {"no file", 0, 1, 0, [](auto&) { fakes.noHandle = true; }, QV_NOMEM, 100, 0},
+        {"full", 0, 1, 0, [](auto&) { fakes.write = QV_IO_FULL; }, QV_IO_FULL, 100, 0},
+        {"no module", 0, 1, 0, [](auto& open) { open.p.qvioeh = nullptr; }, QV_NOMEM, 100, 0},
+        {"no stream", 1, 0, 0, [](auto&) { fakes.init = -2; }, -2, 0, 0},
+        {"the stream breaks off", 1, 0, 0, [](auto&) { fakes.stream = 0; }, QV_NOMEM, 0, 0},
+        {"no output buffer", 1, 0, 1, [](auto&) {}, QV_NOMEM, 0, 0},
+        {"no block", 1, 0, 2, [](auto&) {}, QV_NOMEM, 100, 0},
+        {"no bytes", 1, 0, 3, [](auto&) {}, QV_NOMEM, 100, 0},
+        {"an end that fails", 1, 0, 0, [](auto&) { fakes.end = -3; }, -3, 100, 7},
+        {"no query", 0, 0, 0, [](auto& open) { open.host.handle()->qvmrlmem = kNoQuery; },
+         QV_UNSUPPORTED, 100, 100},
+        {"no query, deflated", 1, 0, 0, [](auto& open) { open.host.handle()->qvmrlmem = kNoQuery; },
+         QV_OK, 100, 7},
     };
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.name);
@@ -141,35 +132,19 @@ TEST(RecordBlock, ClosesWithTheseAnswers) {
         c.arrange(open);
         open.host.substitute("qvioe", nullptr);
         open.host.failAllocation(c.failing);
-        EXPECT_EQ(c.status, compressPathBuffer(open.p));
-        const COMPPATHS* n = open.p->chead;
+        EXPECT_EQ(c.status, open.close());
+        const COMPPATHS* n = open.p.chead;
         EXPECT_EQ(c.kept, n == nullptr ? 0 : n->bufLen);
         EXPECT_TRUE(n == nullptr || (n->compressed == c.compress && !n->onDisk));
-        EXPECT_EQ(c.kept == 0 ? 100 : 0, open.p->cBufi);
-        EXPECT_EQ(c.counted, open.p->uncompressedPathBytes);
+        EXPECT_EQ(c.kept == 0 ? 100 : 0, open.p.cBufi);
+        EXPECT_EQ(c.counted, open.p.uncompressedPathBytes);
         EXPECT_EQ(c.compress ? 1 : 0, fakes.ends) << "a failure ends the stream as well";
-        EXPECT_EQ(c.kept == 7 ? 260 : open.p->coutBufLen, open.p->coutBufLen);
+        EXPECT_EQ(c.kept == 7 ? 260 : open.p.coutBufLen, open.p.coutBufLen);
         EXPECT_TRUE(!c.compress || fakes.settings == (std::vector<int>{-1, 8, -15, 8, 0}));
     }
 }
 
-TEST(RecordBlock, AFileThatFailedOnceGivesNoLaterBlock) {
-    static constexpr struct {
-        const char* name;
-        QVStatus Fakes::*answer;
-    } kCases[] = {{"open", &Fakes::open}, {"read", &Fakes::read}};
-    for (const auto& c : kCases) {
-        SCOPED_TRACE(c.name);
-        OpenBlock open(false, true);
-        ASSERT_QV_OK(compressPathBuffer(open.p));
-        fakes.*c.answer = QV_IO_READ;
-        EXPECT_EQ(QV_IO_READ, uncompressPathBuffer(&open.rp, open.p->chead, open.out.data()));
-        fakes.*c.answer = QV_OK;
-        EXPECT_EQ(QV_IO_READ, uncompressPathBuffer(&open.rp, open.p->chead, open.out.data()));
-    }
-}
-
-TEST(RecordBlock, LoadsWithTheseAnswers) {
+TEST(RecordBlock, LoadsWithTheseAnswersAndAFileThatFailedOnceGivesNoLaterBlock) {
     static constexpr struct {
         const char* name;
         bool compress, spill;
@@ -177,6 +152,7 @@ TEST(RecordBlock, LoadsWithTheseAnswers) {
         QVStatus status;
         int ends;
     } kCases[] = {
+        {"refused", false, true, [] { fakes.open = QV_IO_REFUSED; }, QV_IO_REFUSED, 0},
         {"none", false, true, [] { fakes.readLen = 0; }, QV_IO_SHORT, 0},
         {"a byte less", false, true, [] { fakes.readLen = 99; }, QV_IO_SHORT, 0},
         {"a byte more", false, true, [] { fakes.readLen = 101; }, QV_IO_SHORT, 0},
@@ -189,12 +165,15 @@ TEST(RecordBlock, LoadsWithTheseAnswers) {
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.name);
         OpenBlock open(c.compress, c.spill);
-        ASSERT_QV_OK(compressPathBuffer(open.p));
+        ASSERT_QV_OK(open.close());
         c.arrange();
-        EXPECT_EQ(c.status, uncompressPathBuffer(&open.rp, open.p->chead, open.out.data()));
+        EXPECT_EQ(c.status, open.load());
         EXPECT_EQ(c.ends, fakes.ends);
         EXPECT_EQ(std::string(200, '.'), open.out.substr(0, 200));
         EXPECT_TRUE(c.ends < 2 || fakes.settings == std::vector<int>{-15}) << "raw";
+        fakes.open = fakes.read = QV_OK;
+        fakes.readLen = 100;
+        EXPECT_TRUE(c.ends == 2 || open.load() == c.status) << "of the file, it stays";
     }
 }
 

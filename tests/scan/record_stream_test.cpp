@@ -62,8 +62,8 @@ TEST(RecordStream, CountsLabelsSo) {
 TEST(RecordStream, ARecordThatLeavesFourBytesBeginsANewBlock) {
     for (const QVStrSize left : {5, 4, 0, -1}) {
         SCOPED_TRACE(left);
-        const Context context;
-        JMAP_PRIVATE* p = context.p;
+        HandDocument doc;
+        JMAP_PRIVATE* p = &doc.p;
         for (const QVStrSize size : {QVStrSize{1000}, kBlockBytes - 1000 - left}) {
             const std::string text(static_cast<std::size_t>(size - kRecordFixedBytes), 'x');
             ASSERT_QV_OK(processPathVariableString(p, text.data(), lengthOf(text), 0, VAL_NOVAL));
@@ -87,22 +87,6 @@ TEST(RecordStream, RefusesARecordThatNoBlockHolds) {
         EXPECT_EQ(over < 0 ? "" : "0[] 1[1] 2[1,2] ", labelCounts(view(p->cBuf, p->cBufi)));
         EXPECT_TRUE(over >= 0 || scan.recordBytes().ends_with(" " + number));
     }
-}
-
-TEST(RecordStream, NotesEachRecord) {
-    Context context;
-    JMAP_PRIVATE* p = context.p;
-    p->debugPath = true;
-    ASSERT_QV_OK(generatePathVariableString(p, "ab", 2, "xyz", 3, VAL_STRING));
-    p->debugAllData = true;
-    p->labelCurLens[0] = 4;
-    ASSERT_QV_OK(generatePathVariableString(p, "ab", 2, "xyz", 3, VAL_STRING));
-    ASSERT_QV_OK(generatePathVariableString(p, nullptr, 0, nullptr, 0, VAL_NOVAL));
-    const std::vector<std::string> expected = {
-        "generatePathVariableString [/root/ab xyz]",
-        "generatePathVariableString [/root/ab xyz] labelCount 1 val 1", "  p1 len 4",
-        "  value len 3", "generatePathVariableString [/root] labelCount 0 val 0"};
-    EXPECT_EQ(expected, context.host.notes);
 }
 
 }  // namespace

@@ -1,26 +1,16 @@
-// A document context without a document, and a text for the statistics that the scan leaves in one.
+// A text for the statistics that a scan leaves in its document.
 #pragma once
 
-#include "core/context.h"
-#include "core/list.h"
-#include "core/pool.h"
 #include "core/text.h"
-#include "frame/open_document.h"
 #include "scan/record_format.h"
+#include "tests/automap/hand_document.h"
 
 namespace jmap::test {
 
-// A document that was opened and is not fed: a test calls the routines itself.
-struct Context {
-    FakeHost host;
-    Document document{host};
-    JMAP_PRIVATE* const p = (document.init(), document.p());
-};
-
 // One line a group of paths, its members separated by blanks: path, type (D, C, F), count, longest.
-inline std::string statsLines(JMAP_PRIVATE* p) {
+inline std::string statsLines(const JMAP_PRIVATE& p) {
     std::string out;
-    for (PATHINFO& head : each(p->pathInfoHead)) {
+    for (PATHINFO& head : each(p.pathInfoHead)) {
         for (const PATHINFO& info : eachDown(&head)) {
             out += &info == &head ? "" : " ";
             out += slashes(view(info.path, info.pathLen)) + ":" + "ODCF"[info.type] +

@@ -191,4 +191,22 @@ std::string Scan::mapDocument() const {
     return document;
 }
 
+QVStatus Scan::readMap(std::string_view map, std::size_t split, ERRORINFO* e) const {
+    QVEJMAPMapContexth ctx = nullptr;
+    QVStatus rc = engine()->MapInit(doc_, nullptr, &ctx, host_->journal());
+    for (bool done = false; rc == QV_OK && !done;) {
+        const auto piece = map.substr(0, split == 0 ? map.size() : split);
+        map.remove_prefix(piece.size());
+        done = map.empty();
+        rc = engine()->MapInput(ctx, const_cast<char*>(piece.data()), lengthOf(piece),
+                                done ? 1 : 0, host_->journal());
+    }
+    if (e != nullptr && ctx != nullptr) {
+        *e = ctx->e;
+    }
+    EXPECT_QV_OK(engine()->MapTerm(doc_, &ctx, host_->journal()));
+    EXPECT_EQ(ctx, nullptr);
+    return rc;
+}
+
 }  // namespace jmap::test

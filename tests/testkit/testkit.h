@@ -135,6 +135,9 @@ class Scan {
     [[nodiscard]] std::vector<std::string> blocks() const;
     // The map document of GetAutoMapBuf.
     [[nodiscard]] std::string mapDocument() const;
+    // Parses a user map, in buffers of `split` bytes (0: one buffer).  The status of the first call
+    // that fails, and what it says in ERRORINFO.
+    QVStatus readMap(std::string_view map, std::size_t split = 0, ERRORINFO* e = nullptr) const;
 
    private:
     void run(std::string_view json, const ScanOptions& options);
