@@ -11,8 +11,9 @@
 namespace qvhost {
 
 const char* kindName(ObjectKind kind) noexcept {
-    static constexpr std::array<const char*, 8> kNames = {
-        "pool", "module", "tracker", "file", "parser", "writer", "transcoder", "strings"};
+    static constexpr std::array<const char*, 10> kNames = {
+        "pool",   "module",     "tracker", "file",     "parser",
+        "writer", "transcoder", "strings", "informat", "format"};
     return kNames[static_cast<std::size_t>(kind)];
 }
 

@@ -33,7 +33,9 @@ enum class ObjectKind : uint8_t {
     PARSER,
     WRITER,
     TRANSCODER,
-    STRINGS
+    STRINGS,
+    INFORMAT,
+    FORMAT
 };
 
 // "pool", "module", ...

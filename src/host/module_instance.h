@@ -8,7 +8,7 @@
 //         return makeInstance<Instance, QVZLIB>("zlib", fillTable);  // fillTable(Instance&)
 //     }
 //
-// Tested by tests/host/zlib_test.cpp
+// Tested by tests/host/loader_test.cpp
 #pragma once
 
 #include "qvehost.h"

@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -20,17 +21,23 @@ namespace qvhost::test {
     return static_cast<QVStrSize>(std::size(text));
 }
 
+// "a|b|c" in parts.
+inline std::vector<std::string> split(const std::string& text, char separator = '|') {
+    std::vector<std::string> parts;
+    std::istringstream stream(text);
+    for (std::string part; std::getline(stream, part, separator);) {
+        parts.push_back(part);
+    }
+    return parts;
+}
+
 // A host that stops at the end.
-class RunningHost {
-   public:
+struct RunningHost {
     // Notes are collected; with a journal they go to that file, or to standard error when it is "".
     explicit RunningHost(const char* modulePath = nullptr, const char* journal = nullptr,
                          uint64_t maxDepth = 0) {
-        QVPortableOptions options{};
-        options.structSize = sizeof options;
-        options.modulePath = modulePath;
-        options.maxDepth = maxDepth;
-        options.journalArg = &notes;
+        QVPortableOptions options{sizeof options, modulePath, nullptr, nullptr,
+                                  &notes,         0,          maxDepth};
         if (journal == nullptr) {
             options.journalCallback = [](void* arg, const char* note, size_t noteLen) {
                 static_cast<std::vector<std::string>*>(arg)->emplace_back(note, noteLen);
@@ -76,12 +83,10 @@ class RunningHost {
     // "pool a;module b;": what is alive, oldest first.
     [[nodiscard]] std::string leftovers() const {
         std::string result;
-        qvPortableLeftovers(
-            handle,
-            [](void* arg, const char* kind, const char* name) {
-                static_cast<std::string*>(arg)->append(kind).append(" ").append(name).append(";");
-            },
-            &result);
+        const auto add = [](void* arg, const char* kind, const char* name) {
+            static_cast<std::string*>(arg)->append(kind).append(" ").append(name).append(";");
+        };
+        qvPortableLeftovers(handle, add, &result);
         return result;
     }
 };
@@ -93,12 +98,8 @@ QVStatus destroy(auto* object) {
 }
 
 // An empty folder that is removed at the end.
-class ScratchFolder {
-   public:
-    ScratchFolder() {
-        std::string name = testing::TempDir() + "qvhostXXXXXX";
-        path = mkdtemp(name.data());
-    }
+struct ScratchFolder {
+    ScratchFolder() { path = mkdtemp((testing::TempDir() + "qvhostXXXXXX").data()); }
     ~ScratchFolder() { std::filesystem::remove_all(path); }
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;

@@ -1,7 +1,5 @@
 #include "tests/host/host_fixture.h"
 
-#include <sys/stat.h>
-
 namespace qvhost::test {
 namespace {
 
@@ -14,25 +12,22 @@ QVStatus note(const RunningHost& host, const char32_t* fmt, ...) {
     return status;
 }
 
-TEST(Journal, GivesACallbackTheNoteAsItIsAndStandardErrorALine) {
+TEST(Journal, GivesACallbackTheNoteAsItIsAndOthersOneCleanLine) {
     const RunningHost host;
     EXPECT_QV_OK(note(host, U"path [%.*hs] count %ld", 6, "\2r\n\xE9t\x1B!", 3L));
     EXPECT_EQ(host.notes, std::vector<std::string>{"path [\2r\n\xE9t\x1B] count 3"});
     testing::internal::CaptureStderr();
     EXPECT_QV_OK(note(RunningHost(nullptr, ""), U"%4.2g %% of original", 12.5));
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "  12 % of original\n");
-}
 
-TEST(Journal, AppendsOneCleanLineForEachNoteToAFileForThisUserOnly) {
     const ScratchFolder folder;
     const std::string file = folder.path / "notes";
     EXPECT_QV_OK(note(RunningHost(nullptr, file.c_str()), U"before"));
-    const RunningHost host(nullptr, file.c_str());
-    EXPECT_QV_OK(destroy(host.handle->jnl));  // the host keeps its journal
-    EXPECT_QV_OK(note(host, U"[%hs]", "a\nb\x1B[2J\x7F\xC2\x9B\xC3\xA9\xE9"));
+    const RunningHost appending(nullptr, file.c_str());
+    EXPECT_QV_OK(destroy(appending.handle->jnl));  // the host keeps its journal
+    EXPECT_QV_OK(note(appending, U"[%hs]", "a\nb\x1B[2J\x7F\xC2\x9B\xC3\xA9\xE9"));
     EXPECT_EQ(folder.read("notes"), "before\n[a\\u000ab\\u001b[2J\\u007f\\u009b\xC3\xA9\xE9]\n");
-    struct stat info = {};
-    EXPECT_TRUE(stat(file.c_str(), &info) == 0 && (info.st_mode & 0777U) == 0600U);
+    EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms{0600});
     EXPECT_QV(QV_IO_FULL, note(RunningHost(nullptr, "/dev/full"), U"lost"));
 }
 

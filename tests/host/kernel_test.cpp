@@ -3,7 +3,6 @@
 #include "host/rim.h"
 #include "tests/host/host_fixture.h"
 
-#include <atomic>
 #include <stdexcept>
 #include <thread>
 
@@ -11,21 +10,15 @@ namespace qvhost::test {
 namespace {
 
 TEST(Kernel, RefusesWrongOptionsAndForeignHandles) {
-    QVPortableOptions options = {};
     QVHndlp host = nullptr;
+    QVPortableOptions options = {0, nullptr, "/nowhere/file", nullptr, nullptr, 0, 0};
     EXPECT_QV(QV_BADPARMS, qvPortableStart(nullptr, &host));
-    for (const uint64_t size : {0UL, sizeof options - 1}) {
-        options.structSize = size;
-        EXPECT_QV(QV_BADPARMS, qvPortableStart(&options, &host));
-    }
+    EXPECT_QV(QV_BADPARMS, qvPortableStart(&options, &host));
     options.structSize = sizeof options;
-    EXPECT_QV(QV_BADPARMS, qvPortableStart(&options, nullptr));
-    options.journalFile = "/nowhere/file";
     EXPECT_QV(QV_IO_OPEN, qvPortableStart(&options, &host));
     EXPECT_TRUE(host == nullptr && qvGlobalHandle() == nullptr);
     QVHndl foreign = {};
     EXPECT_QV(QV_BADPARMS, qvPortableStop(&foreign));
-    EXPECT_QV(QV_BADPARMS, qvPortableRegister(&foreign, "x", nullptr));
 }
 
 TEST(Kernel, BringsTheHandleBeforeBackInAnyOrderOfStopping) {
@@ -34,59 +27,52 @@ TEST(Kernel, BringsTheHandleBeforeBackInAnyOrderOfStopping) {
         RunningHost hosts[3];
         std::vector<QVHndlp> alive = {hosts[0].handle, hosts[1].handle, hosts[2].handle};
         for (const char digit : order) {
-            QVHndlp& host = hosts[digit - '0'].handle;
             EXPECT_EQ(alive.back(), qvGlobalHandle());
-            std::erase(alive, host);
-            EXPECT_QV_OK(destroy(std::exchange(host, nullptr)));  // what qvPortableStop does
+            std::erase(alive, hosts[digit - '0'].handle);
+            hosts[digit - '0'].stop();
         }
         EXPECT_EQ(qvGlobalHandle(), nullptr);
     }
     QVHndl foreign = {};
     RunningHost host;
     EXPECT_EQ(host.handle, qvPortableInstall(&foreign));
-    host.stop();
+    EXPECT_QV_OK(destroy(std::exchange(host.handle, nullptr)));  // what qvPortableStop does
     EXPECT_EQ(&foreign, qvPortableInstall(nullptr)) << "an installed handle stays";
 }
 
-// A module that tells when it is released.  One with a part owns it, as the engine does others.
-struct Telling : QVExtension {
-    QVExtensionh part;
-};
+// Modules that tell when they are released.  The owner ends its part itself, as the engine does.
 std::string released;
+QVExtensionh part;
 
-QVExtensionh makeTelling(QVExtensionh part) {
-    auto* made = new Telling{{}, part};
-    made->realDestroy = [](QVExtensionh self) -> QVStatus {
-        const std::unique_ptr<Telling> telling(static_cast<Telling*>(self));
-        released += telling->part == nullptr ? "part " : "owner ";
-        return telling->part == nullptr ? QV_INTERNAL : destroy(telling->part);
+template <bool kOwner>
+QVExtensionh makeTelling(QVHndlp host, QVJnlh jnl) {
+    static QVExtension module;
+    if (kOwner) {
+        part = host->loadExtension(host, U"part", 4, jnl);
+    }
+    module.realDestroy = [](QVExtensionh) -> QVStatus {
+        released += kOwner ? "owner " : "part ";
+        return kOwner ? destroy(part) : QV_INTERNAL;
     };
-    return made;
+    return &module;
 }
 
 TEST(Kernel, ListsWhatIsLeftAndEndsItNewestFirst) {
     RunningHost host;
-    EXPECT_QV_OK(qvPortableRegister(host.handle, "part",
-                                    [](QVHndlp, QVJnlh) { return makeTelling(nullptr); }));
-    EXPECT_QV_OK(qvPortableRegister(host.handle, "owner", [](QVHndlp handle, QVJnlh jnl) {
-        return makeTelling(handle->loadExtension(handle, U"part", 4, jnl));
-    }));
-    ASSERT_NE(host.pool(U"a pool"), nullptr);
+    EXPECT_QV_OK(qvPortableRegister(host.handle, "part", &makeTelling<false>));
+    EXPECT_QV_OK(qvPortableRegister(host.handle, "owner", &makeTelling<true>));
     EXPECT_QV(QV_INTERNAL, destroy(host.load(U"owner")));  // the status of its release
-    EXPECT_EQ(std::exchange(released, ""), "owner part ");
     ASSERT_NE(host.load(U"owner"), nullptr);
     QVTrackerh gone = host.tracker(U"gone");
-    ASSERT_NE(host.tracker({U"\u00E9\xD800", 2}), nullptr);
-    ASSERT_NE(host.load(U"part"), nullptr);
+    ASSERT_NE(host.tracker({U"\u00E9\xD800\xDFFF", 3}), nullptr);
     ASSERT_NE(host.pool(std::u32string(100, U'x')), nullptr);
     EXPECT_QV_OK(destroy(gone));
-    EXPECT_EQ(
-        host.leftovers(),
-        "pool a pool;module part;module owner;tracker \xC3\xA9\xEF\xBF\xBD;module part;pool " +
-            std::string(63, 'x') + ";");
-    EXPECT_EQ(host.counts().poolsAlive, 2U);
+    EXPECT_EQ(host.leftovers(),
+              "module part;module owner;tracker \xC3\xA9\xEF\xBF\xBD\xEF\xBF\xBD;pool " +
+                  std::string(63, 'x') + ";");
+    EXPECT_EQ(host.counts().poolsAlive, 1U);
     host.stop();
-    EXPECT_EQ(std::exchange(released, ""), "part owner part ");  // the owner releases its own part
+    EXPECT_EQ(released, "owner part owner part ");
 }
 
 QVStatus mayThrow(int what) {
@@ -97,35 +83,28 @@ const char* mayThrowInsteadOfAnObject(int what) {
 }
 
 TEST(Rim, TurnsExceptionsIntoResults) {
-    const QVStatus statuses[] = {QV_EOF, QV_NOMEM, QV_INTERNAL};
-    for (int what = 0; what < 3; ++what) {
-        EXPECT_QV(statuses[what], Rim<&mayThrow>::call(what));
+    for (const auto& [what, status] : {std::pair{0, QV_EOF}, {1, QV_NOMEM}, {2, QV_INTERNAL}}) {
+        EXPECT_QV(status, Rim<&mayThrow>::call(what));
         EXPECT_EQ(Rim<&mayThrowInsteadOfAnObject>::call(what) != nullptr, what == 0);
     }
 }
 
 TEST(Kernel, ServesTwoThreads) {
     const RunningHost host;
-    std::atomic<int> failures{0};
-    const auto work = [&host, &failures] {
-        for (int i = 0; i < 1000; ++i) {
+    const auto work = [&host] {
+        for (int i = 0; i < 20000; ++i) {
             QVPoolh pool = host.pool();
             QVTrackerh tracker = host.tracker();
-            QVExtensionh module = host.load(U"qvefmt");
-            const bool works = pool->allocate(pool, 16, 0) != nullptr &&
-                               tracker->insert(tracker, "key", 3, pool) == QV_OK &&
-                               host.encoding("koi8-r") > 1000 && host.counts().poolsAlive > 0 &&
-                               destroy(module) == QV_OK && destroy(tracker) == QV_OK &&
-                               destroy(pool) == QV_OK;
-            failures += works ? 0 : 1;
+            EXPECT_NE(pool->allocate(pool, 16, 0), nullptr);
+            EXPECT_QV_OK(destroy(host.load(U"qvefmt")));
+            EXPECT_TRUE(destroy(tracker) == QV_OK && destroy(pool) == QV_OK);
         }
     };
     std::thread other(work);
     work();
     other.join();
-    EXPECT_EQ(failures, 0);
-    EXPECT_EQ(host.leftovers(), "");
-    EXPECT_TRUE(host.counts().bytesInUse == 0 && host.counts().allocations == 2000);
+    EXPECT_TRUE(host.leftovers().empty() && host.counts().bytesInUse == 0);
+    EXPECT_EQ(host.counts().allocations, 40000U);
 }
 
 }  // namespace

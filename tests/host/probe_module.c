@@ -4,34 +4,30 @@
 
 #include <stdlib.h>
 
-static void note(QVJnlh jnl, const QVChar* fmt, QVStrSize fmtLen, ...) {
+static void note(QVJnlh jnl, ...) {
     va_list args;
-    va_start(args, fmtLen);
-    jnl->write(jnl, QV_NOTE, fmt, fmtLen, args);
+    va_start(args, jnl);
+    jnl->write(jnl, QV_NOTE, U"probe released", 14, args);
     va_end(args);
 }
 
 static QVStatus needs(QVExtensionh ext, size_t* a, size_t* b, size_t* c) {
-    (void)ext;
     *a = 7;
     *b = 1;
     *c = PROBE_PATCH;
-    return QV_OK;
+    return ext == NULL ? QV_BADPARMS : QV_OK;
 }
 
 static QVStatus release(QVExtensionh ext) {
-    note(ext->hndl->jnl, U"probe released", 14);
+    note(ext->hndl->jnl);
     free(ext);
     return QV_OK;
 }
 
 __attribute__((visibility("default"))) QVExtensionh PROBE_NAME(QVHndlp hndl, QVJnlh jnl) {
-    (void)jnl;
-    QVExtensionh probe = calloc(1, sizeof(QVExtension));
+    QVExtensionh probe = jnl == NULL ? NULL : malloc(sizeof *probe);
     if (probe != NULL) {
-        probe->getReqVersion = needs;
-        probe->realDestroy = release;
-        probe->hndl = hndl;
+        *probe = (QVExtension){.getReqVersion = needs, .realDestroy = release, .hndl = hndl};
     }
     return probe;
 }

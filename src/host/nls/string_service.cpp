@@ -1,6 +1,6 @@
 // The string service: views of the counted texts, and the operation on them.
 //
-// Tested by tests/host/nls_test.cpp, tests/host/number_test.cpp
+// Tested by tests/host/nls_test.cpp
 #include "host/nls/string_service.h"
 
 #include "host/host_object.h"

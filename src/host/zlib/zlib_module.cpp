@@ -2,7 +2,7 @@
 // no zlib header; this file proves that the two have one layout and passes pointers on.  The record
 // is never copied: zlib's state points back to it.
 //
-// Tested by tests/host/zlib_test.cpp
+// Tested by tests/frame/equality_test.cpp
 #include "host/zlib/zlib_module.h"
 
 #include "host/module_instance.h"

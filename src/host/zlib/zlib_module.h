@@ -1,6 +1,6 @@
 // The built-in module "qvezlib": zlib behind the table QVZLIB.
 //
-// Tested by tests/host/zlib_test.cpp
+// Tested by tests/frame/equality_test.cpp
 #pragma once
 
 #include "qvehost.h"
