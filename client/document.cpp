@@ -2,6 +2,7 @@
 #include "client/document.h"
 
 #include "client/error.h"
+#include "client/user_map.h"
 
 #include <algorithm>
 #include <cstring>
@@ -9,7 +10,6 @@
 namespace qvej {
 namespace {
 
-constexpr uint64_t kLongestCell = 32767;
 constexpr uint64_t kNumberBytes = 8;
 
 std::string_view view(const char* text, QVStrSize textLen) {
@@ -111,12 +111,19 @@ void Document::finish() {
     }
     QVMemPtr map = nullptr;
     check(operations()->GetAutoMap(handle_, &map));
+    automaticTables_ = describeMap(map);
     JMAPTableh table = nullptr;
-    while (jmapNextTable(map, &table) == QV_OK) {
-        tables_.push_back(describe(table, false));
-    }
     check(jmapAlldataTable(handle_, &table));
     alldata_ = describe(table, true);
+}
+
+std::vector<Table> Document::describeMap(QVMemPtr map) const {
+    std::vector<Table> tables;
+    JMAPTableh table = nullptr;
+    while (jmapNextTable(map, &table) == QV_OK) {
+        tables.push_back(describe(table, false));
+    }
+    return tables;
 }
 
 Table Document::describe(JMAPTableh handle, bool alldata) const {
@@ -130,14 +137,40 @@ Table Document::describe(JMAPTableh handle, bool alldata) const {
     table.columns.reserve(info.columnCount);
     JMAPColumnh column = nullptr;
     while (jmapNextColumn(handle, &column) == QV_OK) {
-        JMAPColumnInfo c = {};
-        jmapColumnInfo(column, &c);
-        const auto type = static_cast<ColumnType>(c.type);
-        table.columns.push_back(
-            {codec_.decoded(view(c.name, c.nameLen)), codec_.decoded(view(c.path, c.pathLen)), type,
-             type == ColumnType::CHARACTER ? std::min(c.length, kLongestCell) : kNumberBytes});
+        table.columns.push_back(describe(column));
     }
     return table;
+}
+
+Column Document::describe(JMAPColumnh handle) const {
+    JMAPColumnInfo info = {};
+    jmapColumnInfo(handle, &info);
+    const auto text = [&](const char* at, QVStrSize length) {
+        return codec_.decoded(view(at, length));
+    };
+    Column column = {text(info.name, info.nameLen), text(info.path, info.pathLen),
+                     static_cast<ColumnType>(info.type), kNumberBytes};
+    if (column.type == ColumnType::CHARACTER) {
+        column.length = std::min(info.length, kLongestCell);
+    }
+    column.label = text(info.label, info.labelLen);
+    column.format = {text(info.format.name, info.format.nameLen), info.format.width,
+                     info.format.decimals};
+    column.informat = {text(info.informat.name, info.informat.nameLen), info.informat.width,
+                       info.informat.decimals};
+    column.quiet = info.informatNoError != 0;
+    column.retain = info.retain != 0;
+    column.noretain = info.noretain != 0;
+    column.currentLength = info.currentLength;
+    column.truncated = info.truncation != 0;
+    column.lengthFromDocument = info.lengthFromAutomap != 0;
+    return column;
+}
+
+void Document::useMap(std::string_view text) {
+    parseUserMap(*this, text);
+    userTables_ = describeMap(completeUserMap(*this));
+    checkConversions(engine_, *userTables_, text);
 }
 
 std::string Document::privateCachePath() const {
@@ -145,10 +178,10 @@ std::string Document::privateCachePath() const {
 }
 
 const Table* Document::find(std::string_view name) const {
-    const auto found = std::find_if(tables_.begin(), tables_.end(), [&](const Table& t) {
+    const auto found = std::find_if(tables().begin(), tables().end(), [&](const Table& t) {
         return equalIgnoringCase(t.name, name);
     });
-    if (found != tables_.end()) {
+    if (found != tables().end()) {
         return &*found;
     }
     return name == alldataName_ ? &*alldata_ : nullptr;
@@ -169,14 +202,26 @@ std::string Document::mapText() const {
     return document;
 }
 
+PathStatistics Document::describe(const JMAPPathInfo& info) const {
+    PathStatistics statistics = {
+        codec_.decoded(view(info.path, info.pathLen)), info.count, info.type, info.maxValueLen,
+        {info.longestLine, info.longestColumn},        {}};
+    for (int32_t kind = 0; kind < static_cast<int32_t>(std::size(info.kinds)); ++kind) {
+        const JMAPPathKind& k = info.kinds[kind];
+        if (k.count != 0) {
+            statistics.kinds.push_back({kind, jmapKindName(kind), k.count, {k.line, k.column}});
+        }
+    }
+    return statistics;
+}
+
 std::vector<PathStatistics> Document::pathStatistics() const {
     std::vector<PathStatistics> statistics;
     JMAPPathh path = nullptr;
     while (jmapNextPath(handle_, &path) == QV_OK) {
         JMAPPathInfo info = {};
         jmapPathInfo(path, &info);
-        statistics.push_back({codec_.decoded(view(info.path, info.pathLen)), info.count, info.type,
-                              info.maxValueLen});
+        statistics.push_back(describe(info));
     }
     return statistics;
 }
@@ -205,6 +250,7 @@ bool RecordCursor::next(Record& record) {
     const TextCodec& codec = document_.codec();
     record.kind = raw.kind;
     record.kindName = jmapKindName(raw.kind);
+    record.labels = raw.labelCount;
     record.path = codec.decode(view(raw.path, raw.pathLen), path_);
     record.value = codec.decode(view(raw.value, raw.valueLen), value_);
     return true;

@@ -38,11 +38,31 @@ enum class ColumnType {
     CHARACTER = JMAP_CHARACTER
 };
 
+// A FORMAT or INFORMAT of a map: a name of the catalogue or a "%" pattern.
+struct Conversion {
+    std::string name;  // empty: none
+    uint64_t width = 0;
+    uint64_t decimals = 0;  // 0: none given
+};
+
 struct Column {
     std::string name;
     std::string path;  // separator 0x02 (withSlashes shows it); empty: none
     ColumnType type;
-    uint64_t length;  // bytes in a row: 8, or the longest value of a character column (to 32767)
+    uint64_t length;  // bytes in a row: 8, or of a character column (to 32767) the map's length or
+                      // else the longest value's
+
+    // Of a user's map; else empty.
+    std::string label = {};
+    Conversion format = {};
+    Conversion informat = {};
+    bool quiet = false;  // values that the informat refuses are not reported
+    bool retain = false;
+    bool noretain = false;
+    uint64_t currentLength = 0;       // longest value of the path in this document; 0: not a path
+                                      // of a character column of the automatic map
+    bool truncated = false;           // `length` is less than that
+    bool lengthFromDocument = false;  // the map gave none
 };
 
 struct Table {
@@ -57,8 +77,23 @@ struct Table {
 struct Record {
     int32_t kind;               // JMAP_KIND_...
     std::string_view kindName;  // "NUMBER", ...
+    int32_t labels;             // names in the path, the root apart
     std::string_view path;      // separator 0x02
     std::string_view value;     // empty for JMAP_KIND_NOVAL
+};
+
+// A place in a document: 1-based, the column in bytes of its encoding.  Line 0: not known.
+struct Spot {
+    int64_t line = 0;
+    int64_t column = 0;
+};
+
+// Values of one kind at a path.
+struct KindStatistics {
+    int32_t kind;               // JMAP_KIND_...
+    std::string_view kindName;  // "NUMBER", ...
+    int64_t count;
+    Spot first;
 };
 
 // One distinct path that had a value.
@@ -67,6 +102,8 @@ struct PathStatistics {
     int64_t count;     // of values
     int32_t type;      // JMAP_NUMERIC, JMAP_CHARACTER, 3 for an empty container
     int64_t longest;   // bytes of the longest value
+    Spot longestAt;    // where the first of that length begins
+    std::vector<KindStatistics> kinds;
 };
 
 class Document {
@@ -93,8 +130,16 @@ class Document {
 
     // ---- after `finish` ----
 
-    // Tables of the automatic map in order, without ALLDATA.
-    [[nodiscard]] const std::vector<Table>& tables() const { return tables_; }
+    // Reads a user's map (UTF-8, at most once) and uses it in place of the automatic one.  Throws
+    // MapError for a mistake in its text or a name that is no format or informat; QV_UNMAPPABLE
+    // when the document's encoding cannot hold the text; QV_NOMEM.
+    void useMap(std::string_view text);
+
+    // Tables of the map in use in order, without ALLDATA.
+    [[nodiscard]] const std::vector<Table>& tables() const {
+        return userTables_ ? *userTables_ : automaticTables_;
+    }
+    [[nodiscard]] const std::vector<Table>& automaticTables() const { return automaticTables_; }
     [[nodiscard]] const Table& alldata() const { return *alldata_; }
 
     // The table that a name opens: the first of that name in any case, else ALLDATA by its exact
@@ -110,6 +155,7 @@ class Document {
     // ---- for cursors ----
 
     [[nodiscard]] const TextCodec& codec() const { return codec_; }
+    [[nodiscard]] const Engine& engine() const { return engine_; }
     [[nodiscard]] UserJMAP_S* operations() const { return engine_.operations(); }
     [[nodiscard]] QVEJMAPJsonContexth handle() const { return handle_; }
 
@@ -117,6 +163,9 @@ class Document {
     void input(std::string_view text, bool done);
     void followStart(std::string_view text);
     [[nodiscard]] Table describe(JMAPTableh handle, bool alldata) const;
+    [[nodiscard]] Column describe(JMAPColumnh handle) const;
+    [[nodiscard]] PathStatistics describe(const JMAPPathInfo& info) const;
+    [[nodiscard]] std::vector<Table> describeMap(QVMemPtr map) const;
 
     Engine& engine_;
     TextCodec codec_;
@@ -127,7 +176,8 @@ class Document {
     bool begun_ = false;    // something but white space has come, at startLine_, startColumn_
     int64_t startLine_ = 1;
     int64_t startColumn_ = 1;
-    std::vector<Table> tables_;
+    std::vector<Table> automaticTables_;
+    std::optional<std::vector<Table>> userTables_;
     std::optional<Table> alldata_;
 };
 

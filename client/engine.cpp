@@ -31,9 +31,12 @@ Engine::Engine(EngineOptions options) : options_(std::move(options)) {
         // The instance begins with the operation table.
         operations_ =
             reinterpret_cast<UserJMAP_S*>(host_->loadExtension(host_, U"qvejmap", 7, host_->jnl));
-        status = operations_ == nullptr ? QV_NOMEM : QV_OK;
+        formats_.reset(
+            reinterpret_cast<QVFMTh>(host_->loadExtension(host_, U"qvefmt", 6, host_->jnl)));
+        status = operations_ == nullptr || !formats_ ? QV_NOMEM : QV_OK;
     }
     if (status != QV_OK) {
+        formats_.reset();
         (void)qvPortableStop(host_);  // the first failure is the one to report
         throw Error(status);
     }
@@ -41,6 +44,7 @@ Engine::Engine(EngineOptions options) : options_(std::move(options)) {
 
 Engine::~Engine() {
     // Destructors have nobody to report to, and the host frees what is left.
+    formats_.reset();
     (void)operations_->exth.generic.destroy(&operations_->exth.generic);
     (void)qvPortableStop(host_);
 }

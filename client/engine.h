@@ -18,6 +18,8 @@
 
 #include "qvejmap.h"
 
+#include "client/handle.h"
+
 #include <cstdint>
 #include <functional>
 #include <string_view>
@@ -45,6 +47,9 @@ class Engine {
     // Bytes of memory that are still available; counted from the budget when there is one.
     [[nodiscard]] uint64_t availableMemory() const;
 
+    // Formats and informats.
+    [[nodiscard]] QVFMTh formats() const { return formats_.get(); }
+
     // The engine's own tables, for what this class does not wrap.  They live as long as it does.
     [[nodiscard]] UserJMAP_S* operations() const { return operations_; }
     [[nodiscard]] QVHndlp host() const { return host_; }
@@ -53,6 +58,7 @@ class Engine {
     EngineOptions options_;
     QVHndlp host_ = nullptr;
     UserJMAP_S* operations_ = nullptr;
+    Handle<QVFMT> formats_;
 };
 
 }  // namespace qvej

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace qvej {
 
@@ -31,6 +32,19 @@ class Error : public std::runtime_error {
     QVStatus status_;
     int64_t line_;
     int64_t column_;
+};
+
+// A mistake in a user's map, with its place in the map's text.
+class MapError : public Error {
+   public:
+    MapError(QVStatus status, int64_t line, int64_t column, std::string token)
+        : Error(status, qvStatusText(status), line, column), token_(std::move(token)) {}
+
+    // The last number or text before the mistake, at most 32 bytes (a key in upper case).
+    [[nodiscard]] const std::string& token() const { return token_; }
+
+   private:
+    std::string token_;
 };
 
 // Throws Error for every status but QV_OK.

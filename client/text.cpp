@@ -174,4 +174,12 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
                       [&](char x, char y) { return upper(x) == upper(y); });
 }
 
+std::string lowerCased(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower) {
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return lower;
+}
+
 }  // namespace qvej

@@ -6,11 +6,14 @@
 
 #include "qvejmap.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace qvej {
+
+inline constexpr uint64_t kLongestCell = 32767;  // bytes of a character column
 
 // Converts between the encoding of a document and UTF-8.  UTF-8 passes untouched; any other
 // encoding of a document has one byte a character, so a table of 256 texts is all it takes.
@@ -47,5 +50,8 @@ std::u32string toHostCharacters(std::string_view utf8);
 
 // Are the two equal, the letters A-Z in any case?
 bool equalIgnoringCase(std::string_view a, std::string_view b);
+
+// The text with a-z for A-Z.
+std::string lowerCased(std::string_view text);
 
 }  // namespace qvej

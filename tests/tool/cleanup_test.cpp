@@ -12,15 +12,21 @@ namespace {
 
 TEST(ToolCleanup, ASignalRemovesWhatIsNamed) {
     const Workplace place;
-    ASSERT_EQ(place.run("mkdir -p made/twice; touch cache; for i in $(seq 0 12); do : > p-$i; done")
+    ASSERT_EQ(place
+                  .run("mkdir -p made/twice; touch cache; for i in $(seq 0 12); do : > p-$i; done; "
+                       ": > q-0")
                   .exitCode,
               0);
     EXPECT_EXIT(
         {
             cleanup::install();
             cleanup::setCacheFile(place.path() + "/cache");
-            cleanup::setOutput(place.path() + "/p-", place.path() + "/made/twice", 2);
-            cleanup::setOutputCount(12);
+            cleanup::Output first;
+            cleanup::Output second;
+            first.set(place.path() + "/p-", place.path() + "/made/twice", 2);
+            first.setCount(12);
+            second.set(place.path() + "/q-", place.path(), 0);
+            second.setCount(1);
             (void)::raise(SIGTERM);
         },
         testing::KilledBySignal(SIGTERM), "");

@@ -1,7 +1,8 @@
 // Golden cases of the tool: what it prints, to the letter.
 //
 // Each file of tests/tool/golden/ is a list of cases that run one after the other in one fresh
-// folder, which holds examples/orders.json:
+// folder, which holds examples/orders.json.  A first line "# needs FILE..." adds files of examples/
+// or real documents; without these the file is skipped.
 //
 //     # a remark
 //     $ lines of the shell
@@ -23,6 +24,7 @@
 namespace jmap::test {
 namespace {
 
+const std::string kDocuments = JMAP_SOURCE_DIR "/../shared/data/";
 const std::string kFolder = JMAP_SOURCE_DIR "/tests/tool/golden/";
 
 std::vector<std::string> linesOf(const std::string& text) {
@@ -32,6 +34,20 @@ std::vector<std::string> linesOf(const std::string& text) {
         lines.push_back(line);
     }
     return lines;
+}
+
+// The further files that a golden file needs, as paths.
+std::vector<std::string> neededFiles(const std::string& file) {
+    constexpr std::string_view kNeeds = "# needs ";
+    std::vector<std::string> paths;
+    if (file.starts_with(kNeeds)) {
+        std::istringstream names(file.substr(kNeeds.size(), file.find('\n') - kNeeds.size()));
+        for (std::string name; names >> name;) {
+            const std::string example = JMAP_SOURCE_DIR "/examples/" + name;
+            paths.push_back(std::filesystem::exists(example) ? example : kDocuments + name);
+        }
+    }
+    return paths;
 }
 
 // What a command does, as a golden file shows it.
@@ -52,6 +68,9 @@ std::string shownResult(const Workplace::Result& result) {
 // Runs the cases of a golden file and returns the file as it should be.
 std::string replay(const std::string& file) {
     const Workplace place;
+    for (const std::filesystem::path needed : neededFiles(file)) {
+        std::filesystem::copy_file(needed, std::filesystem::path(place.path()) / needed.filename());
+    }
     std::string text;
     std::string command;
     for (const std::string& line : linesOf(file + "\n#end")) {
@@ -74,6 +93,11 @@ class ToolGolden : public testing::TestWithParam<std::string> {};
 TEST_P(ToolGolden, PrintsWhatTheFileSays) {
     const std::string path = kFolder + GetParam() + ".t";
     const std::string written = readFile(path);
+    for (const std::string& needed : neededFiles(written)) {
+        if (!std::filesystem::exists(needed)) {
+            GTEST_SKIP() << needed << " is not there";
+        }
+    }
     const std::string found = replay(written);
     if (std::getenv("QVEJMAP_REFRESH") != nullptr) {
         std::ofstream(path, std::ios::binary) << found;
@@ -83,8 +107,10 @@ TEST_P(ToolGolden, PrintsWhatTheFileSays) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, ToolGolden,
-                         testing::Values("check", "convert", "encodings", "interrupt", "map",
-                                         "read", "records", "spill", "tables", "terminal", "usage"),
+                         testing::Values("check", "convert", "encodings", "events", "interrupt",
+                                         "map", "map_check", "map_explain", "map_diff", "map_merge",
+                                         "map_use", "read", "records", "spill", "tables",
+                                         "terminal", "usage"),
                          [](const auto& file) { return file.param; });
 
 }  // namespace

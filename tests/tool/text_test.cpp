@@ -2,7 +2,7 @@
 #include "tools/cli/escape.h"
 #include "tools/cli/file_names.h"
 #include "tools/cli/number_text.h"
-#include "tools/cli/options.h"
+#include "tools/cli/option_values.h"
 #include "tools/cli/place.h"
 
 #include <gtest/gtest.h>

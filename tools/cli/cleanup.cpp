@@ -16,11 +16,15 @@ constexpr std::size_t kDigits = 20;
 
 // Changed only while the signals are held back, so the handler never sees them half-written.
 char cacheFile[PATH_MAX];
-char outputPrefix[PATH_MAX + kDigits + 1];
-std::size_t outputPrefixLen;
-std::size_t outputCount;
-char madeDirectory[PATH_MAX];
-std::size_t madeDirectories;
+struct Slot {
+    bool taken;
+    char prefix[PATH_MAX + kDigits + 1];
+    std::size_t prefixLen;
+    std::size_t count;
+    char directory[PATH_MAX];
+    std::size_t directories;
+};
+Slot slots[2];
 
 // Writes `number` and a terminator at `at`.
 void putDecimal(char* at, std::size_t number) {
@@ -36,20 +40,26 @@ void putDecimal(char* at, std::size_t number) {
     *at = '\0';
 }
 
-void removeAll() {
-    if (cacheFile[0] != '\0') {
-        (void)::unlink(cacheFile);
+void removeOutput(Slot& slot) {
+    for (std::size_t i = 0; i < slot.count; ++i) {
+        putDecimal(slot.prefix + slot.prefixLen, i);
+        (void)::unlink(slot.prefix);
     }
-    for (std::size_t i = 0; i < outputCount; ++i) {
-        putDecimal(outputPrefix + outputPrefixLen, i);
-        (void)::unlink(outputPrefix);
-    }
-    for (std::size_t i = 0; i < madeDirectories && ::rmdir(madeDirectory) == 0; ++i) {
-        char* slash = std::strrchr(madeDirectory, '/');
+    for (std::size_t i = 0; i < slot.directories && ::rmdir(slot.directory) == 0; ++i) {
+        char* slash = std::strrchr(slot.directory, '/');
         if (slash == nullptr) {
             break;
         }
         *slash = '\0';
+    }
+}
+
+void removeAll() {
+    if (cacheFile[0] != '\0') {
+        (void)::unlink(cacheFile);
+    }
+    for (Slot& slot : slots) {
+        removeOutput(slot);
     }
 }
 
@@ -94,24 +104,30 @@ void setCacheFile(const std::string& path) {
     copyPath(cacheFile, sizeof cacheFile, path);
 }
 
-void setOutput(const std::string& prefix, const std::string& directory, std::size_t directories) {
+Output::Output() : slot_(slots[0].taken ? 1 : 0) {
     const Hold hold;
-    copyPath(madeDirectory, sizeof madeDirectory, directory);
-    madeDirectories = directories;
-    copyPath(outputPrefix, PATH_MAX, prefix);
-    outputPrefixLen = prefix.size();
-    outputCount = 0;
+    slots[slot_] = {};
+    slots[slot_].taken = true;
 }
 
-void setOutputCount(std::size_t count) {
+Output::~Output() {
     const Hold hold;
-    outputCount = count;
+    slots[slot_] = {};
 }
 
-void forgetOutput() {
+void Output::set(const std::string& prefix, const std::string& directory, std::size_t directories) {
     const Hold hold;
-    outputCount = 0;
-    madeDirectories = 0;
+    Slot& slot = slots[slot_];
+    copyPath(slot.directory, sizeof slot.directory, directory);
+    slot.directories = directories;
+    copyPath(slot.prefix, PATH_MAX, prefix);
+    slot.prefixLen = prefix.size();
+    slot.count = 0;
+}
+
+void Output::setCount(std::size_t count) {
+    const Hold hold;
+    slots[slot_].count = count;
 }
 
 Hold::Hold() {

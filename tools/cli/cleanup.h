@@ -18,12 +18,23 @@ void install();
 // The cache file; empty: none any more.
 void setCacheFile(const std::string& path);
 
-// Unfinished output: the files PREFIX0, PREFIX1, ... up to `count`, and directories that were made
-// for them (the innermost, and how many of its last components).  Throws a Failure for a path that
-// is too long.
-void setOutput(const std::string& prefix, const std::string& directory, std::size_t directories);
-void setOutputCount(std::size_t count);
-void forgetOutput();
+// Unfinished output: the files PREFIX0, PREFIX1, ... up to a count, and directories that were made
+// for them.  While the object lives; two may at a time.
+class Output {
+   public:
+    Output();
+    ~Output();
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+
+    // `directories`: how many of the last components of `directory` were made.  Throws a Failure
+    // for a path that is too long.
+    void set(const std::string& prefix, const std::string& directory, std::size_t directories);
+    void setCount(std::size_t count);
+
+   private:
+    std::size_t slot_;
+};
 
 // Holds the signals back while it lives.
 class Hold {

@@ -9,6 +9,8 @@
 
 enum ExitCode {
     DONE = 0,
+    REJECTED = 1,   // done, but some values were rejected
+    DIFFERENT = 1,  // two maps, or a map and a document
     WRONG_USAGE = 2,
     NOT_JSON = 3,
     NO_TABLE = 4,  // and any other trouble with a map

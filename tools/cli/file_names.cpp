@@ -1,6 +1,8 @@
 // See file_names.h.
 #include "tools/cli/file_names.h"
 
+#include "client/text.h"
+
 #include <cstdint>
 #include <unordered_set>
 
@@ -8,13 +10,6 @@ namespace {
 
 bool isAlphanumeric(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-}
-
-std::string lowerCased(std::string text) {
-    for (char& c : text) {
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
-    return text;
 }
 
 }  // namespace
@@ -44,7 +39,7 @@ std::vector<std::string> uniqueFileNames(const std::vector<std::string>& tableNa
     for (const std::string& tableName : tableNames) {
         const std::string stem = fileStem(tableName);
         std::string name = stem;
-        for (int n = 2; !taken.insert(lowerCased(name)).second; ++n) {
+        for (int n = 2; !taken.insert(qvej::lowerCased(name)).second; ++n) {
             name = stem + "~" + std::to_string(n);
         }
         names.push_back(name.append(".").append(extension));

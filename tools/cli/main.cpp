@@ -17,10 +17,7 @@ int main(int argc, char** argv) {
     cleanup::install();
     try {
         const Options options = readOptions(argc, argv);
-        if (options.verb != nullptr) {
-            options.verb->run(options);
-        }
-        return DONE;
+        return options.verb == nullptr ? DONE : options.verb->run(options);
     } catch (const Failure& failure) {
         tell(failure.what(), failure.excerpt());
         return failure.exitCode();

@@ -8,20 +8,22 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
+#include <vector>
 
 struct Verb;
 
 struct Options {
-    const Verb* verb = nullptr;  // null: help or version was asked for, and printed
-    std::string file;            // "-": standard input
-    std::string table;           // of read
+    const Verb* verb = nullptr;         // null: help or version was asked for, and printed
+    std::vector<std::string> operands;  // the words behind the verb, as many as it takes
 
     std::string out;              // of map and convert; empty: not given
     uint64_t limit = UINT64_MAX;  // of read
     bool names = false;           // of tables
     bool columns = false;         // of tables
     bool alldata = false;         // of convert
+
+    std::string map;      // file of a user's map; empty: the automatic one
+    std::string rejects;  // file for values that are rejected; empty: none
 
     bool retain = false;
     bool compress = false;
@@ -40,8 +42,3 @@ struct Options {
 
 // Throws a Failure (WRONG_USAGE).  Prints help and version on standard output.
 Options readOptions(int argc, char** argv);
-
-// ---- for tests ----
-
-// A count of bytes: digits and perhaps K, M, G or T (powers of 1024).
-std::optional<uint64_t> parseSize(std::string_view text);

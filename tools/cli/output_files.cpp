@@ -99,15 +99,21 @@ OutputFiles::OutputFiles(std::string directory, bool makeDirectory, std::vector<
     const std::vector<std::string> missing =
         makeDirectory ? missingDirectories(directory_) : std::vector<std::string>();
     refuseExisting();
-    cleanup::setOutput(prefix_, directory_, 0);
+    cleanup_.set(prefix_, directory_, 0);
     makeDirectories(missing);
+}
+
+OutputFiles OutputFiles::single(const std::string& path, bool force) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos
+               ? OutputFiles(".", false, {path}, force)
+               : OutputFiles(path.substr(0, slash), false, {path.substr(slash + 1)}, force);
 }
 
 OutputFiles::~OutputFiles() {
     if (!committed_) {
         removeTemporary();
     }
-    cleanup::forgetOutput();
 }
 
 void OutputFiles::refuseExisting() const {
@@ -123,7 +129,7 @@ void OutputFiles::makeDirectories(const std::vector<std::string>& missing) {
         const cleanup::Hold hold;
         if (::mkdir(path->c_str(), 0777) == 0) {
             madeDirectories_.push_back(*path);
-            cleanup::setOutput(prefix_, *path, madeDirectories_.size());
+            cleanup_.set(prefix_, *path, madeDirectories_.size());
         } else if (errno != EEXIST) {
             const Failure failure = fileFailure(*path);
             removeTemporary();
@@ -135,7 +141,7 @@ void OutputFiles::makeDirectories(const std::vector<std::string>& missing) {
 int OutputFiles::openNext() {
     close();
     const std::string path = temporaryPath(opened_);
-    cleanup::setOutputCount(opened_ + 1);
+    cleanup_.setCount(opened_ + 1);
     descriptor_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
     if (descriptor_ < 0) {
         throw fileFailure(directory_);

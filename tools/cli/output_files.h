@@ -1,12 +1,14 @@
 // Output files that appear all together or not at all.
 //
-// Each file is written under a temporary name in its directory.  `commit` renames them all and keeps
-// what they replace until the last has its name; until then, and when the object ends without it,
-// nothing under a final name has changed and the temporary files go away, also when a signal ends
-// the program.
+// Each file is written under a temporary name in its directory.  `commit` renames them all and
+// keeps what they replace until the last has its name; until then, and when the object ends without
+// it, nothing under a final name has changed and the temporary files go away, also when a signal
+// ends the program.
 //
 // Tested by tests/tool/output_files_test.cpp, golden/interrupt.t and golden/convert.t
 #pragma once
+
+#include "tools/cli/cleanup.h"
 
 #include <cstddef>
 #include <string>
@@ -18,6 +20,8 @@ class OutputFiles {
     // exist are refused, or with `force` replaced when they are regular files.  Throws a Failure.
     OutputFiles(std::string directory, bool makeDirectory, std::vector<std::string> names,
                 bool force);
+    // One file, by its path; its directory must be there.
+    static OutputFiles single(const std::string& path, bool force);
     ~OutputFiles();
     OutputFiles(const OutputFiles&) = delete;
     OutputFiles& operator=(const OutputFiles&) = delete;
@@ -40,9 +44,10 @@ class OutputFiles {
         return prefix_ + std::to_string(i);
     }
     [[nodiscard]] std::string finalPath(std::size_t i) const {
-        return directory_ + "/" + names_[i];
+        return (directory_ == "." ? std::string() : directory_ + "/") + names_[i];
     }
 
+    cleanup::Output cleanup_;
     std::string directory_;
     std::vector<std::string> names_;
     bool force_;

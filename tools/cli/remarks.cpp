@@ -14,14 +14,6 @@ constexpr std::string_view kTwoTo53 = "9007199254740992";
 constexpr std::size_t kMostSuggestions = 3;
 constexpr std::size_t kMostNames = 5;
 
-std::string lowerCased(std::string_view text) {
-    std::string lower(text);
-    for (char& c : lower) {
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
-    return lower;
-}
-
 std::string joined(const std::vector<std::string>& words) {
     std::string text;
     for (const std::string& word : words) {
@@ -105,7 +97,7 @@ std::string sharedNames(const qvej::Document& document, const std::string& allda
     std::vector<std::string> order;
     const qvej::Table* hiding = nullptr;
     for (const qvej::Table& table : document.tables()) {
-        std::size_t& count = counts[lowerCased(table.name)];
+        std::size_t& count = counts[qvej::lowerCased(table.name)];
         if (++count == 2) {
             order.push_back(visible(table.name));
         }
@@ -165,12 +157,44 @@ void tellLosses(const std::string& file, const qvej::Document& document,
     }
 }
 
-std::vector<std::string> similarNames(std::string_view name,
-                                      const std::vector<std::string>& names) {
-    const std::string wanted = lowerCased(name);
+MapOddities mapOddities(const std::vector<qvej::Table>& tables) {
+    MapOddities odd;
+    for (const qvej::Table& table : tables) {
+        if (table.columns.empty()) {
+            odd.empty.push_back(visible(table.name));
+        }
+        for (const qvej::Column& column : table.columns) {
+            const std::string name = visible(table.name) + "." + column.name;
+            if (column.type == qvej::ColumnType::ORDINAL && column.noretain) {
+                odd.noretain.push_back(name);
+            }
+            if (column.truncated) {
+                odd.cut.push_back(name + " (" + std::to_string(column.length) + " of " +
+                                  std::to_string(column.currentLength) + " bytes)");
+            }
+        }
+    }
+    return odd;
+}
+
+void tellMapOddities(const std::string& map, const std::vector<qvej::Table>& tables, bool quiet) {
+    const MapOddities odd = mapOddities(tables);
+    if (!odd.empty.empty() && !quiet) {
+        tell(map + ": tables without columns, which have no rows: " + joined(odd.empty));
+    }
+    if (!odd.noretain.empty() && !quiet) {
+        tell(map + ": NORETAIN does not change ordinal columns: " + joined(odd.noretain));
+    }
+    if (!odd.cut.empty()) {
+        tell(map + ": values are cut in: " + joined(odd.cut));
+    }
+}
+
+std::string suggestion(std::string_view name, const std::vector<std::string>& names) {
+    const std::string wanted = qvej::lowerCased(name);
     std::vector<std::pair<std::size_t, std::string>> close;
     for (const std::string& candidate : names) {
-        const std::string lower = lowerCased(candidate);
+        const std::string lower = qvej::lowerCased(candidate);
         const std::size_t distance = editDistance(wanted, lower);
         const bool contained = wanted.size() >= 3 && lower.find(wanted) != std::string::npos;
         if (distance <= std::max<std::size_t>(1, wanted.size() / 3) || contained) {
@@ -179,9 +203,9 @@ std::vector<std::string> similarNames(std::string_view name,
     }
     std::stable_sort(close.begin(), close.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
-    std::vector<std::string> best;
+    std::string text;
     for (std::size_t i = 0; i < close.size() && i < kMostSuggestions; ++i) {
-        best.push_back(close[i].second);
+        text += (i == 0 ? "; did you mean " : ", ") + close[i].second;
     }
-    return best;
+    return text.empty() ? text : text + "?";
 }

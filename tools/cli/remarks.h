@@ -32,5 +32,16 @@ struct WrittenTable {
 void tellLosses(const std::string& file, const qvej::Document& document,
                 const std::vector<WrittenTable>& written);
 
-// The names that look most like `name`, best first; empty: none does.
-std::vector<std::string> similarNames(std::string_view name, const std::vector<std::string>& names);
+// What is odd about the tables of a user's map.
+struct MapOddities {
+    std::vector<std::string> empty;     // tables without columns
+    std::vector<std::string> noretain;  // ordinal columns with NORETAIN
+    std::vector<std::string> cut;       // columns with values longer than their length
+};
+MapOddities mapOddities(const std::vector<qvej::Table>& tables);
+
+// Tells them on standard error, a line for each kind; when `quiet` only the last.
+void tellMapOddities(const std::string& map, const std::vector<qvej::Table>& tables, bool quiet);
+
+// "; did you mean A, B?" with the names that look most like `name`; empty: none does.
+std::string suggestion(std::string_view name, const std::vector<std::string>& names);

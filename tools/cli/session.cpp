@@ -47,12 +47,16 @@ void prepareNamedCache(const std::string& path, bool force) {
 
 }  // namespace
 
-Session::Session(const Options& options)
-    : options_(options), input_(options.file), engine_(engineOptions(options)) {
+Session::Session(const Options& options, const std::string& file, const std::string& map)
+    : options_(options), input_(file), engine_(engineOptions(options)) {
+    if (!map.empty()) {
+        map_.emplace(engine_, map);
+    }
     try {
         open();
         cleanup::setCacheFile(document_->privateCachePath());
         readAll();
+        useMap();
     } catch (const qvej::Error& error) {
         fail(error);
     }
@@ -111,6 +115,23 @@ void Session::readAll() {
         }
     }
     document_->finish();
+}
+
+void Session::useMap() {
+    if (!map_) {
+        return;
+    }
+    try {
+        document_->useMap(map_->text());
+    } catch (const qvej::MapError& error) {
+        map_->fail(engine_, error);
+    } catch (const qvej::Error& error) {
+        if (error.status() != QV_UNMAPPABLE) {
+            throw;
+        }
+        throw Failure(NO_TABLE, map_->name() + ": a character of the map is not in " +
+                                    options_.encoding + ", the encoding of " + input_.name());
+    }
 }
 
 void Session::feed(std::string_view text) {

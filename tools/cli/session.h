@@ -6,6 +6,7 @@
 #include "client/engine.h"
 #include "client/error.h"
 #include "tools/cli/input.h"
+#include "tools/cli/map_file.h"
 #include "tools/cli/options.h"
 #include "tools/cli/place.h"
 
@@ -14,13 +15,18 @@
 
 class Session {
    public:
-    // Reads the whole document.  Throws a Failure.
-    explicit Session(const Options& options);
+    // Reads the whole document, and first the map when one is named.  Throws a Failure.
+    explicit Session(const Options& options) : Session(options, options.operands[0], options.map) {}
+    Session(const Options& options, const std::string& file, const std::string& map);
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
     [[nodiscard]] const qvej::Document& document() const { return *document_; }
+    [[nodiscard]] const qvej::Engine& engine() const { return engine_; }
+
+    // The map in use; null: the automatic one.
+    [[nodiscard]] const MapFile* map() const { return map_ ? &*map_ : nullptr; }
 
     // What messages call the document.
     [[nodiscard]] const std::string& name() const { return input_.name(); }
@@ -32,7 +38,7 @@ class Session {
     void open();
     void readAll();
     void feed(std::string_view text);
-    void finish();
+    void useMap();
     [[noreturn]] void fail(const qvej::Error& error) const;
     [[nodiscard]] std::string encodingHint(QVStatus status) const;
     [[nodiscard]] std::string failureLine(Place place, const std::string& what) const;
@@ -41,6 +47,7 @@ class Session {
     const Options& options_;
     Input input_;
     qvej::Engine engine_;
+    std::optional<MapFile> map_;
     std::optional<Converter> converter_;  // when the engine cannot read the encoding itself
     std::string cachePath_;               // of records that leave memory
     std::optional<qvej::Document> document_;

@@ -1,7 +1,8 @@
 // NDJSON: one JSON object a row, its members the columns in order.
 //
-// A missing number is null, a blank character cell "", infinity 1e400 and -1e400 (a number of JSON
-// that reads back as infinity).  Always valid UTF-8; control characters are escaped.
+// A number with a format is a string, as the format shows it.  A missing number is null, a blank
+// character cell "", infinity 1e400 and -1e400 (a number of JSON that reads back as infinity).
+// Always valid UTF-8; control characters are escaped.
 //
 // Tested by tests/tool/golden/read.t and tests/tool/ndjson_test.cpp
 #include "tools/cli/escape.h"
@@ -36,12 +37,14 @@ class NdjsonSink final : public qvej::Sink {
                     out_.append("null");
                     break;
                 case qvej::Cell::NUMBER:
-                    out_.advance(writeNumber(out_.room(), cell.number, kInfinity));
+                    if (cell.text.empty()) {
+                        out_.advance(writeNumber(out_.room(), cell.number, kInfinity));
+                    } else {
+                        writeText(cell.text);
+                    }
                     break;
                 case qvej::Cell::TEXT:
-                    out_.put('"');
-                    appendEscaped(out_, cell.text, JSON_STRING);
-                    out_.put('"');
+                    writeText(cell.text);
                     break;
             }
         }
@@ -51,6 +54,12 @@ class NdjsonSink final : public qvej::Sink {
     void end() override {}
 
    private:
+    void writeText(std::string_view text) {
+        out_.put('"');
+        appendEscaped(out_, text, JSON_STRING);
+        out_.put('"');
+    }
+
     Writer& out_;
     std::vector<std::string> heads_;  // {"first": and then ,"next":
 };

@@ -6,13 +6,14 @@
 #include "tools/cli/verbs.h"
 #include "tools/cli/writer.h"
 
-void runCheck(const Options& options) {
+ExitCode runCheck(const Options& options) {
     const Session session(options);
     if (options.quiet) {
-        return;
+        return DONE;
     }
     Writer out = standardOutput();
     out.append(shown(session.name()));
     out.append(": well formed\n");
     out.flush();
+    return DONE;
 }

@@ -5,6 +5,7 @@
 #include "tools/cli/failure.h"
 #include "tools/cli/file_names.h"
 #include "tools/cli/output_files.h"
+#include "tools/cli/rejects.h"
 #include "tools/cli/remarks.h"
 #include "tools/cli/session.h"
 #include "tools/cli/verbs.h"
@@ -38,20 +39,24 @@ std::string counted(uint64_t count, const std::string& noun) {
 
 }  // namespace
 
-void runConvert(const Options& options) {
+ExitCode runConvert(const Options& options) {
     const Session session(options);
     const qvej::Document& document = session.document();
+    if (session.map() != nullptr) {
+        tellMapOddities(session.map()->name(), document.tables(), options.quiet);
+    }
     const std::vector<const qvej::Table*> tables = tablesToWrite(document, options.alldata);
     try {
         OutputFiles files(options.out, true,
                           uniqueFileNames(namesOf(tables), options.format->extension),
                           options.force);
+        Rejects rejects(options.rejects, options.force);
         std::vector<WrittenTable> written;
         uint64_t rows = 0;
         for (const qvej::Table* table : tables) {
             const int descriptor = files.openNext();
             Writer out(descriptor, files.currentPath());
-            qvej::Cursor cursor(document, *table, options.retain);
+            qvej::Cursor cursor(document, *table, options.retain, rejects.handlerFor(*table));
             written.push_back({table, qvej::copyRows(cursor, *options.format->make(out))});
             rows += written.back().rows;
             out.flush();
@@ -66,6 +71,7 @@ void runConvert(const Options& options) {
             tell(shared);
         }
         tellLosses(session.name(), document, written);
+        return rejects.end();
     } catch (const qvej::Error& error) {
         session.failReading(error);
     }

@@ -3,6 +3,7 @@
 // Tested by tests/tool/golden/read.t
 #include "client/error.h"
 #include "tools/cli/failure.h"
+#include "tools/cli/rejects.h"
 #include "tools/cli/remarks.h"
 #include "tools/cli/session.h"
 #include "tools/cli/verbs.h"
@@ -12,7 +13,8 @@ namespace {
 
 // The table, or a failure that names others.
 const qvej::Table& findTable(const qvej::Document& document, const Options& options) {
-    const qvej::Table* table = document.find(options.table);
+    const std::string& name = options.operands[1];
+    const qvej::Table* table = document.find(name);
     if (table != nullptr) {
         return *table;
     }
@@ -23,27 +25,29 @@ const qvej::Table& findTable(const qvej::Document& document, const Options& opti
     if (!options.alldataName.empty()) {
         names.push_back(options.alldataName);
     }
-    std::string hint;
-    for (const std::string& name : similarNames(options.table, names)) {
-        hint += (hint.empty() ? "; did you mean " : ", ") + name;
-    }
-    throw Failure(NO_TABLE, "no table named " + visible(options.table) +
-                                (hint.empty() ? " (qvejmap tables lists them)" : hint + "?"));
+    const std::string hint = suggestion(name, names);
+    throw Failure(NO_TABLE, "no table named " + visible(name) +
+                                (hint.empty() ? " (qvejmap tables lists them)" : hint));
 }
 
 }  // namespace
 
-void runRead(const Options& options) {
+ExitCode runRead(const Options& options) {
     const Session session(options);
     const qvej::Document& document = session.document();
+    if (session.map() != nullptr) {
+        tellMapOddities(session.map()->name(), document.tables(), options.quiet);
+    }
     const qvej::Table& table = findTable(document, options);
     try {
+        Rejects rejects(options.rejects, options.force);
         Writer out = standardOutput();
-        qvej::Cursor cursor(document, table, options.retain);
+        qvej::Cursor cursor(document, table, options.retain, rejects.handlerFor(table));
         const uint64_t rows = qvej::copyRows(cursor, *options.format->make(out), options.limit);
         out.flush();
         const bool all = options.limit != 0;  // else no rows say nothing
         tellLosses(session.name(), document, {{&table, all ? rows : 1}});
+        return rejects.end();
     } catch (const qvej::Error& error) {
         session.failReading(error);
     }

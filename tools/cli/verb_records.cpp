@@ -25,7 +25,7 @@ void writeRecord(Writer& out, const qvej::Record& record, std::string& path) {
 
 }  // namespace
 
-void runRecords(const Options& options) {
+ExitCode runRecords(const Options& options) {
     const Session session(options);
     try {
         Writer out = standardOutput();
@@ -39,4 +39,5 @@ void runRecords(const Options& options) {
     } catch (const qvej::Error& error) {
         session.failReading(error);
     }
+    return DONE;
 }

@@ -5,17 +5,15 @@
 //
 // Tested by tests/tool/golden/tables.t and tests/tool/golden/terminal.t
 #include "tools/cli/escape.h"
+#include "tools/cli/listing.h"
 #include "tools/cli/remarks.h"
 #include "tools/cli/session.h"
 #include "tools/cli/verbs.h"
 #include "tools/cli/writer.h"
 
-#include <algorithm>
 #include <array>
 
 namespace {
-
-using Row = std::vector<std::string>;
 
 constexpr std::array<std::string_view, 3> kTypeNames = {"ORDINAL", "NUMERIC", "CHARACTER"};
 
@@ -47,46 +45,24 @@ std::vector<Row> listColumns(const qvej::Document& document) {
     return rows;
 }
 
-// Fills all fields but the last of each row up to a common width.
-void align(std::vector<Row>& rows) {
-    std::vector<std::size_t> widths;
-    for (const Row& row : rows) {
-        widths.resize(std::max(widths.size(), row.size()));
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths[i], displayWidth(row[i]));
-        }
-    }
-    for (Row& row : rows) {
-        for (std::size_t i = 0; i + 1 < row.size(); ++i) {
-            row[i].append(widths[i] - displayWidth(row[i]) + 1, ' ');
-        }
-    }
-}
-
 }  // namespace
 
-void runTables(const Options& options) {
+ExitCode runTables(const Options& options) {
     const Session session(options);
     const qvej::Document& document = session.document();
+    if (session.map() != nullptr) {
+        tellMapOddities(session.map()->name(), document.tables(), options.quiet);
+    }
     std::vector<Row> rows =
         options.columns ? listColumns(document) : listTables(document, options.names);
 
     Writer out = standardOutput();
-    const bool terminal = out.terminal();
-    if (terminal) {
-        align(rows);
-    }
-    for (const Row& row : rows) {
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            out.append(i == 0 ? "" : terminal ? " " : "\t");
-            out.append(row[i]);
-        }
-        out.put('\n');
-    }
+    print(out, rows);
     out.flush();
 
     const std::string shared = sharedNames(document, options.alldataName);
     if (!shared.empty() && !options.quiet) {
         tell(shared);
     }
+    return DONE;
 }

@@ -4,7 +4,7 @@ $ qvejmap map orders.json --ordinals 0
 $ echo '{"a":1}' | qvejmap map - -o m.json; cat m.json
   {"DATASETS":[{"DSNAME":"root","TABLEPATH":"/root","VARIABLES":[{"NAME":"ordinal_root","TYPE":"ORDINAL","PATH":"/root"},{"NAME":"a","TYPE":"NUMERIC","PATH":"/root/a"}]}]}
 $ echo '{"a":2}' | qvejmap map - -o m.json
-! qvejmap: ./m.json: the file exists (--force replaces it)
+! qvejmap: m.json: the file exists (--force replaces it)
 ? 5
 $ echo '{"b":2}' | qvejmap map - -o m.json --force; cat m.json
   {"DATASETS":[{"DSNAME":"root","TABLEPATH":"/root","VARIABLES":[{"NAME":"ordinal_root","TYPE":"ORDINAL","PATH":"/root"},{"NAME":"b","TYPE":"NUMERIC","PATH":"/root/b"}]}]}
@@ -23,7 +23,7 @@ $ echo '{"b":2}' | qvejmap map - -o none/m.json
 ! qvejmap: none: No such file or directory
 ? 5
 $ echo '{"b":2}' | qvejmap map - -o tmp --force
-! qvejmap: ./tmp: not a regular file, not replaced
+! qvejmap: tmp: not a regular file, not replaced
 ? 5
 $ ls -A
   m.json

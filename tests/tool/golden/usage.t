@@ -6,6 +6,10 @@ $ qvejmap --help
   Verbs:
     tables FILE             list the tables: name, number of columns, path
     map FILE [-o OUT]       print the map of tables and columns as JSON
+    map check MAP [FILE]    is the map well formed? does it fit the document?
+    map diff A B            what one map has and another has not
+    map merge A B... [-o OUT] one map that holds all tables and columns of several
+    map explain FILE TABLE.COLUMN why a column is what it is, and where that was seen
     read FILE TABLE         print the rows of one table (or of ALLDATA)
     convert FILE -o DIR     write every table to a file of its own
     records FILE            print every record: kind, path, value
@@ -23,6 +27,9 @@ $ qvejmap --help
     --limit N               at most N rows
   
   Rows and tables:
+    --map FILE              use this map in place of the automatic one
+    --rejects FILE          a line of CSV for each value that its column
+                            cannot take
     --format NAME           csv (default) or ndjson
     --ordinals N            levels of ordinal columns, 0 for none (default: all)
     --alldata-name NAME     name of the table ALLDATA
@@ -50,8 +57,9 @@ $ qvejmap --help
   powers with K, M, G or T.  Options work in any position.  A file that is named like a verb is
   written ./map.
   
-  Exit codes: 0 done, 2 wrong usage, 3 not valid JSON, 4 no such table or trouble with the map,
-  5 trouble with a file, 6 a limit was reached.
+  Exit codes: 0 done, 1 done but some values were rejected (map check, map diff: not the same),
+  2 wrong usage, 3 not valid JSON, 4 no such table or trouble with the map, 5 trouble with a file,
+  6 a limit was reached.
 $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
   qvejmap convert: write every table to a file of its own
   
@@ -60,6 +68,9 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
   Options of convert:
     -o,--output OUT         directory, made when missing
     --alldata               ALLDATA too (every value with its full path)
+    --map FILE              use this map in place of the automatic one
+    --rejects FILE          a line of CSV for each value that its column
+                            cannot take
   
   Rows and tables:
     --format NAME           csv (default) or ndjson
@@ -71,10 +82,10 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
 $ for verb in tables map read convert records check; do
 >     echo $verb: $(qvejmap $verb -h | grep -o '^  -[-a-z,]*')
 > done
-  tables: --names --columns --ordinals --alldata-name --encoding --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  tables: --names --columns --map --ordinals --alldata-name --encoding --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
   map: -o,--output --ordinals --encoding --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
-  read: --limit --format --ordinals --alldata-name --retain --encoding --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
-  convert: -o,--output --alldata --format --ordinals --alldata-name --retain --encoding --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  read: --limit --map --rejects --format --ordinals --alldata-name --retain --encoding --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
+  convert: -o,--output --alldata --map --rejects --format --ordinals --alldata-name --retain --encoding --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
   records: --encoding --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
   check: --encoding --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
 $ qvejmap map --help | grep -A1 'of map'
@@ -114,7 +125,7 @@ $ qvejmap tables orders.json --limit 1
 ! qvejmap: --limit belongs to read, not to tables (qvejmap --help tells more)
 ? 2
 $ qvejmap read orders.json orders -o x
-! qvejmap: --output belongs to map, convert, not to read (qvejmap --help tells more)
+! qvejmap: --output belongs to map, map merge, convert, not to read (qvejmap --help tells more)
 ? 2
 $ qvejmap tables orders.json --names --columns
 ! qvejmap: --names and --columns exclude each other (qvejmap --help tells more)

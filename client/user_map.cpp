@@ -1,0 +1,149 @@
+// See user_map.h.
+#include "client/user_map.h"
+
+#include "client/error.h"
+#include "client/map_text.h"
+
+#include <algorithm>
+
+namespace qvej {
+namespace {
+
+// What a map context holds when the engine refuses the map.
+struct Refusal {
+    QVStatus status;
+    ERRORINFO info;
+};
+
+Refusal readMap(const Document& document, std::string& text) {
+    UserJMAP_S* operations = document.operations();
+    QVJnlh journal = document.engine().host()->jnl;
+    QVEJMAPMapInitParms parms = {};
+    QVEJMAPMapContexth map = nullptr;
+    check(operations->MapInit(document.handle(), &parms, &map, journal));
+    const QVStatus status =
+        operations->MapInput(map, text.data(), static_cast<QVStrSize>(text.size()), 1, journal);
+    const Refusal refusal = {status, map->e};
+    const QVStatus ended = operations->MapTerm(document.handle(), &map, journal);
+    check(status == QV_OK ? ended : QV_OK);
+    return refusal;
+}
+
+// Where the text in the document's encoding ends.
+Spot endOf(std::string_view text) {
+    const auto lines = std::count(text.begin(), text.end(), '\n');
+    const std::size_t feed = text.rfind('\n');
+    const std::size_t start = feed == std::string_view::npos ? 0 : feed + 1;
+    return {lines + 1, static_cast<int64_t>(text.size() - start) + 1};
+}
+
+// A column of the text in the document's encoding as one of the UTF-8 text.
+int64_t utf8Column(const TextCodec& codec, std::string_view encoded, Spot spot) {
+    if (codec.isUtf8()) {
+        return spot.column;
+    }
+    for (int64_t line = 1; line < spot.line; ++line) {
+        encoded.remove_prefix(std::min(encoded.size(), encoded.find('\n') + 1));
+    }
+    const auto before = static_cast<std::size_t>(spot.column - 1);
+    return static_cast<int64_t>(codec.decoded(encoded.substr(0, before)).size()) + 1;
+}
+
+[[noreturn]] void refuse(const TextCodec& codec, std::string_view encoded, const Refusal& refusal) {
+    const ERRORINFO& info = refusal.info;
+    const bool endsEarly = refusal.status == JMAP_INCOMPLETE;
+    const Spot spot = endsEarly ? endOf(encoded) : Spot{info.line, info.col};
+    const std::string token(info.badstring, static_cast<std::size_t>(info.badstringLen));
+    throw MapError(refusal.status == JMAP_PARSE ? info.rc : refusal.status, spot.line,
+                   utf8Column(codec, encoded, spot), codec.decoded(token));
+}
+
+QVStrSize sizeOf(const std::string& text) {
+    return static_cast<QVStrSize>(text.size());
+}
+
+}  // namespace
+
+void parseUserMap(const Document& document, std::string_view text) {
+    const TextCodec& codec = document.codec();
+    std::string encoded = codec.encoded(text);
+    const Refusal refusal = readMap(document, encoded);
+    if (refusal.status == QV_NOMEM || refusal.status == JMAP_MAP_NOMEM) {
+        throw Error(QV_NOMEM);
+    }
+    if (refusal.status != QV_OK) {
+        refuse(codec, encoded, refusal);
+    }
+}
+
+QVMemPtr completeUserMap(const Document& document) {
+    QVHndlp host = document.engine().host();
+    const QVPoolParms parms = {1, 0, QV_NO_NUMA};
+    const Handle<QVPool> pool(host->createPool(host, &parms, U"informats of a map", 18));
+    if (!pool) {
+        throw Error(QV_NOMEM);
+    }
+    QVMemPtr map = nullptr;
+    INFORMATINFO* list = nullptr;
+    check(document.operations()->GetUserMap(document.handle(), &map, pool.get(), &list));
+    QVFMTh formats = document.engine().formats();
+    for (INFORMATINFO* entry = list; entry != nullptr; entry = entry->next) {
+        QVInformath opened = nullptr;
+        if (formats->openInformat(formats, 0, entry->informat, entry->informatLen,
+                                  *entry->informatWidth, 0, &opened) != QV_OK) {
+            continue;  // checkConversions will tell
+        }
+        const Handle<QVInformat> informat(opened);
+        if (*entry->informatWidth == 0) {
+            *entry->informatWidth = informat->defaultWidth;
+        }
+        if (*entry->length == 0) {  // the document has no such path
+            *entry->length = *entry->informatWidth;
+        }
+    }
+    return map;
+}
+
+void checkConversions(const Engine& engine, const std::vector<Table>& tables,
+                      std::string_view text) {
+    for (std::size_t t = 0; t < tables.size(); ++t) {
+        for (std::size_t c = 0; c < tables[t].columns.size(); ++c) {
+            const Column& column = tables[t].columns[c];
+            const auto attempt = [&](const auto& opener, const Conversion& conversion,
+                                     Spot ColumnText::*where) {
+                try {
+                    (void)opener(engine, column);
+                } catch (const Error& error) {
+                    const Spot spot = readMapText(engine, text).at(t).columns.at(c).*where;
+                    throw MapError(error.status(), spot.line, spot.column, conversion.name);
+                }
+            };
+            attempt(openInformat, column.informat, &ColumnText::informat);
+            attempt(openFormat, column.format, &ColumnText::format);
+        }
+    }
+}
+
+Handle<QVInformat> openInformat(const Engine& engine, const Column& column) {
+    QVInformath informat = nullptr;
+    const Conversion& c = column.informat;
+    if (!c.name.empty()) {
+        check(engine.formats()->openInformat(
+            engine.formats(), column.type == ColumnType::CHARACTER ? 0 : 1, c.name.data(),
+            sizeOf(c.name), c.width, c.decimals, &informat));
+    }
+    return Handle<QVInformat>(informat);
+}
+
+Handle<QVFormat> openFormat(const Engine& engine, const Column& column) {
+    QVFormath format = nullptr;
+    const Conversion& c = column.format;
+    if (!c.name.empty()) {
+        check(engine.formats()->openFormat(
+            engine.formats(), column.type == ColumnType::CHARACTER ? 0 : 1, c.name.data(),
+            sizeOf(c.name), c.width, c.decimals, &format));
+    }
+    return Handle<QVFormat>(format);
+}
+
+}  // namespace qvej

@@ -1,0 +1,84 @@
+# The automatic map of a document gives the same tables.
+$ qvejmap map orders.json -o m.json; qvejmap convert orders.json -o a -q; qvejmap convert orders.json --map m.json -o b -q; diff -r a b && ls b | wc -l
+  4
+
+# Informats, formats, lengths; values that a column cannot take.
+$ printf '[{"d":"29/02/2024","n":"1,234.5","x":"12","c":" ab "},{"d":"30/02/2024","n":1e3,"x":true,"c":null},
+> {"d":"null","n":"","x":"abc","c":"äöü"},{"n":null,"x":"de,f"}]' > v.json
+> printf '{"DATASETS":[{"DSNAME":"v","TABLEPATH":"/root","VARIABLES":[{"NAME":"row","PATH":"/root"},
+> {"NAME":"d","TYPE":"NUMERIC","PATH":"/root/d","INFORMAT":["%%d/%%m/%%Y"],"FORMAT":["date"]},
+> {"NAME":"days","TYPE":"NUMERIC","PATH":"/root/d","INFORMAT":["?%%d/%%m/%%Y"]},
+> {"NAME":"n","TYPE":"NUMERIC","PATH":"/root/n","INFORMAT":["comma"],"FORMAT":["fixed",0,2]},
+> {"NAME":"x","TYPE":"NUMERIC","PATH":"/root/x"},
+> {"NAME":"kept","TYPE":"NUMERIC","PATH":"/root/x","OPTIONS":["RETAIN"]},
+> {"NAME":"c","TYPE":"CHARACTER","PATH":"/root/c","INFORMAT":["upper"]},
+> {"NAME":"cut","TYPE":"CHARACTER","PATH":"/root/c","LENGTH":3}]}]}' > map.json
+$ qvejmap read v.json v --map map.json --rejects bad.csv; cat bad.csv
+  row,d,days,n,x,kept,c,cut\r
+  1,2024-02-29,19782,1234.50,12,12, AB, ab\r
+  2,,,1000.00,1,1,,\r
+  3,,,,,,ÄÖÜ,ä\r
+  4,,,,,,,\r
+  table,row,column,path,ordinals,text,reason\r
+  v,2,d,/root/d,row=2,30/02/2024,not a date or time of the pattern\r
+  v,3,x,/root/x,row=3,abc,not a number\r
+  v,3,kept,/root/x,row=3,abc,not a number\r
+  v,3,d,/root/d,row=3,null,not a date or time of the pattern\r
+  v,3,n,/root/n,row=3,,not a number with commas\r
+  v,4,x,/root/x,row=4,"de,f",not a number\r
+  v,4,kept,/root/x,row=4,"de,f",not a number\r
+! qvejmap: map.json: values are cut in: v.cut (3 of 6 bytes)
+! qvejmap: v.d: 2 values rejected, the first in row 2: "30/02/2024" is not a date or time of the pattern
+! qvejmap: v.x: 2 values rejected, the first in row 3: "abc" is not a number
+! qvejmap: v.kept: 2 values rejected, the first in row 3: "abc" is not a number
+! qvejmap: v.n: 1 value rejected, in row 3: "" is not a number with commas
+$ qvejmap read v.json v --map map.json --rejects bad.csv --format ndjson
+! qvejmap: map.json: values are cut in: v.cut (3 of 6 bytes)
+! qvejmap: bad.csv: the file exists (--force replaces it)
+? 5
+$ qvejmap read v.json v --map map.json --limit 1 --format ndjson -q
+  {"row":1,"d":"2024-02-29","days":19782,"n":"1234.50","x":12,"kept":12,"c":" AB","cut":" ab"}
+! qvejmap: map.json: values are cut in: v.cut (3 of 6 bytes)
+$ qvejmap convert v.json --map map.json -o out --rejects bad.csv --force; ls -A . out
+  .:
+  a
+  b
+  bad.csv
+  m.json
+  map.json
+  orders.json
+  out
+  tmp
+  v.json
+  
+  out:
+  v.csv
+! qvejmap: map.json: values are cut in: v.cut (3 of 6 bytes)
+! qvejmap: 1 table, 4 rows in out
+! qvejmap: v.d: 2 values rejected, the first in row 2: "30/02/2024" is not a date or time of the pattern
+! qvejmap: v.x: 2 values rejected, the first in row 3: "abc" is not a number
+! qvejmap: v.kept: 2 values rejected, the first in row 3: "abc" is not a number
+! qvejmap: v.n: 1 value rejected, in row 3: "" is not a number with commas
+
+# The map is read first, and a table's name never acts as a path.
+$ sed 's/"DSNAME":"v"/"DSNAME":"..\/v"/' map.json > path.json; qvejmap convert v.json --map path.json -o p -q 2> err; ls -A p
+  %2E.%2Fv.csv
+$ qvejmap read nosuch.json v --map bad.csv; qvejmap read - v --map -
+! qvejmap: nosuch.json: No such file or directory
+! qvejmap: FILE and --map cannot both be standard input (qvejmap --help tells more)
+? 2
+$ qvejmap map orders.json --map m.json
+! qvejmap: --map belongs to tables, read, convert, not to map (qvejmap --help tells more)
+? 2
+
+# In another encoding the map stays UTF-8, and so do its places.
+$ printf '[{"n\344":"x"}]' > l.json; printf '{"DATASETS":[{"DSNAME":"\303\244","TABLEPATH":"/root","VARIABLES":[{"NAME":"\303\266","TYPE":"CHARACTER","PATH":"/root/n\303\244"}]}]}' > l.map
+> qvejmap read l.json 'ä' --map l.map --encoding ISO-8859-1
+  ö\r
+  x\r
+$ sed 's/"CHAR/"ЖCHAR/' l.map > m2; qvejmap tables l.json --map m2 --encoding ISO-8859-1; sed 's/ö/Ж/' l.map > m3; qvejmap tables l.json --map m3 --encoding ISO-8859-1
+! qvejmap: m2:1:83: "ЖCHARACTER": TYPE must be NUMERIC, CHARACTER or ORDINAL; did you mean CHARACTER? [-16]
+!     ...:"ä","TABLEPATH":"/root","VARIABLES":[{"NAME":"ö","TYPE":"ЖCHARACTER","PATH":"/ro...
+!                                                                  ^
+! qvejmap: m3: a character of the map is not in ISO-8859-1, the encoding of l.json
+? 4

@@ -1,0 +1,15 @@
+// The pages that --help prints.
+//
+// Tested by tests/tool/golden/usage.t
+#pragma once
+
+#include <string>
+
+struct Verb;
+namespace CLI {
+class App;
+}
+
+// The page of a verb, or with a null verb the one with all verbs and options.  Hides options of
+// `app`, which is of no other use afterwards.
+std::string helpText(CLI::App& app, const Verb* verb);

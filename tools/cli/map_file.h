@@ -1,0 +1,32 @@
+// A user's map in a file: read, and its mistakes told.
+//
+// Tested by tests/tool/golden/map_check.t
+#pragma once
+
+#include "client/document.h"
+#include "client/engine.h"
+#include "client/error.h"
+
+#include <string>
+#include <vector>
+
+class MapFile {
+   public:
+    // Reads the file and checks it: well formed, and its formats and informats are known.  Throws a
+    // Failure.
+    MapFile(qvej::Engine& engine, const std::string& file);
+
+    [[nodiscard]] const std::string& name() const { return name_; }
+    [[nodiscard]] const std::string& text() const { return text_; }
+
+    // Its tables as they are without a document: a character column without LENGTH has length 0.
+    [[nodiscard]] const std::vector<qvej::Table>& tables() const { return tables_; }
+
+    // The failure that a mistake in the text leads to: its place, the line, what would be right.
+    [[noreturn]] void fail(const qvej::Engine& engine, const qvej::MapError& error) const;
+
+   private:
+    std::string name_;
+    std::string text_;
+    std::vector<qvej::Table> tables_;
+};

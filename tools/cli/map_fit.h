@@ -1,0 +1,29 @@
+// How a user's map fits a document, and what a map cannot say about one.
+//
+// Tested by tests/tool/golden/map_check.t
+#pragma once
+
+#include "client/document.h"
+#include "client/map_text.h"
+
+#include <string>
+#include <vector>
+
+// What is found, a line each: "orders.id (/root/orders/id)".
+using Findings = std::vector<std::string>;
+
+// Paths of the map that the document never has.
+Findings neverOccurring(const qvej::Document& document);
+
+// Columns of the automatic map whose path is no column's in the map.
+Findings leftOut(const qvej::Document& document);
+
+// Names of a map that are not what they were in the document or may not be what was meant: shared,
+// cut to 32 bytes, empty, with a separator, with characters that got lost.  `texts`: what the map's
+// text says, or empty.
+Findings doubtfulNames(const std::vector<qvej::Table>& tables,
+                       const std::vector<qvej::TableText>& texts);
+
+// Paths of the document that a map cannot name: those with a name that holds "/", or the byte 0x02
+// that divides paths.  Throws QV_IO_..., QV_NOMEM.
+Findings unmappableNames(const qvej::Document& document);

@@ -1,0 +1,48 @@
+// A map as tools compare and merge it: what its text says, without a document.
+//
+// Tested by tests/tool/golden/map_diff.t and tests/tool/golden/map_merge.t
+#pragma once
+
+#include "client/document.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// Texts are empty for what the map does not say.
+struct MapColumn {
+    std::string name;
+    std::string path;  // with "/"
+    qvej::ColumnType type;
+    std::optional<uint64_t> length;         // LENGTH, at most what the engine takes
+    std::optional<uint64_t> currentLength;  // CURRENT_LENGTH
+    std::string format;                     // as a map writes it: ["comma",12,2]
+    std::string informat;                   // likewise, "?" in front of the name: ["?date"]
+    std::string label;
+    std::string option;  // RETAIN, NORETAIN
+};
+
+struct MapTable {
+    std::string name;  // not cut to 32 bytes
+    std::string path;
+    std::vector<MapColumn> columns;
+};
+
+using MapModel = std::vector<MapTable>;
+
+// The maps of some files, one of which may be standard input.  Throws a Failure, as MapFile.
+std::vector<MapModel> readMapModels(const std::vector<std::string>& files);
+
+// The map as a JSON document without blanks, control characters escaped.
+std::string mapDocument(const MapModel& map);
+
+// "ORDINAL", "NUMERIC", "CHARACTER".
+std::string_view typeName(qvej::ColumnType type);
+
+// A text as JSON has it, control characters escaped.
+std::string jsonText(std::string_view text);
+
+// "orders.id", control characters escaped.
+std::string columnName(const MapTable& table, const MapColumn& column);

@@ -1,0 +1,34 @@
+// See map_output.h.
+#include "tools/cli/map_output.h"
+
+#include "tools/cli/escape.h"
+#include "tools/cli/output_files.h"
+#include "tools/cli/writer.h"
+
+namespace {
+
+void writeFile(const std::string& path, const std::string& map, bool force) {
+    OutputFiles files = OutputFiles::single(path, force);
+    Writer out(files.openNext(), path);
+    out.append(map);
+    out.put('\n');
+    out.flush();
+    files.commit();
+}
+
+}  // namespace
+
+void putMap(const std::string& map, const Options& options) {
+    if (!options.out.empty() && options.out != "-") {
+        writeFile(options.out, map, options.force);
+        return;
+    }
+    Writer out = standardOutput();
+    if (out.terminal()) {
+        appendEscaped(out, map, CONTROLS);  // inside JSON strings an escape means the same
+    } else {
+        out.append(map);
+    }
+    out.put('\n');
+    out.flush();
+}

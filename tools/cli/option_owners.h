@@ -1,0 +1,22 @@
+// Which verb takes which option.
+//
+// Tested by tests/tool/golden/usage.t
+#pragma once
+
+#include <span>
+#include <string_view>
+
+struct Verb;
+
+// An option that belongs to some verbs.  The others refuse it, or pass over it: then it may be
+// given to all verbs alike.
+struct Owner {
+    const char* option;
+    std::string_view verbs;  // "map, convert"
+    bool refused;
+};
+
+// Options of all verbs are not among them.
+std::span<const Owner> optionOwners();
+
+bool owns(const Verb& verb, const Owner& owner);

@@ -1,0 +1,88 @@
+// See rejects.h.
+#include "tools/cli/rejects.h"
+
+#include "client/text.h"
+#include "tools/cli/number_text.h"
+#include "tools/cli/remarks.h"
+
+namespace {
+
+constexpr std::size_t kShownBytes = 40;
+constexpr const char* kHeader[] = {"table", "row", "column", "path", "ordinals", "text", "reason"};
+
+std::string shortened(std::string_view text) {
+    const std::string_view start = qvej::withoutUnfinished(text.substr(0, kShownBytes));
+    return "\"" + std::string(start) + (start.size() < text.size() ? "..." : "") + "\"";
+}
+
+// "ordinal_root=1 ordinal_orders=2"
+std::string ordinalsOf(const qvej::Cursor& cursor) {
+    std::string text;
+    for (std::size_t i = 0; i < cursor.columns().size(); ++i) {
+        if (cursor.columns()[i].type == qvej::ColumnType::ORDINAL) {
+            const auto count = static_cast<uint64_t>(cursor.cell(i).number);
+            text +=
+                (text.empty() ? "" : " ") + cursor.columns()[i].name + "=" + std::to_string(count);
+        }
+    }
+    return text;
+}
+
+}  // namespace
+
+Rejects::File::File(const std::string& file, bool force)
+    : output(OutputFiles::single(file, force)), writer(output.openNext(), file), fields(writer) {
+    for (const char* name : kHeader) {
+        fields.text(name);
+    }
+    fields.endLine();
+}
+
+Rejects::Rejects(const std::string& file, bool force)
+    : file_(file.empty() ? nullptr : std::make_unique<File>(file, force)) {}
+
+qvej::Cursor::RejectHandler Rejects::handlerFor(const qvej::Table& table) {
+    return [this, &table](const qvej::Cursor& cursor, const qvej::Rejected& rejected) {
+        take(table, cursor, rejected);
+    };
+}
+
+void Rejects::take(const qvej::Table& table, const qvej::Cursor& cursor,
+                   const qvej::Rejected& rejected) {
+    const auto [place, first] = places_.try_emplace({&table, rejected.column}, columns_.size());
+    if (first) {
+        columns_.push_back({visible(table.name) + "." + table.columns[rejected.column].name, 0,
+                            rejected.row, shortened(rejected.text), std::string(rejected.reason)});
+    }
+    ++columns_[place->second].count;
+    if (file_ != nullptr) {
+        writeLine(table, cursor, rejected);
+    }
+}
+
+void Rejects::writeLine(const qvej::Table& table, const qvej::Cursor& cursor,
+                        const qvej::Rejected& rejected) {
+    CsvFields& fields = file_->fields;
+    const qvej::Column& column = table.columns[rejected.column];
+    fields.text(table.name);
+    fields.text(std::to_string(rejected.row));
+    fields.text(column.name);
+    fields.text(qvej::withSlashes(column.path));
+    fields.text(ordinalsOf(cursor));
+    fields.text(rejected.text);
+    fields.text(rejected.reason);
+    fields.endLine();
+}
+
+ExitCode Rejects::end() {
+    if (file_ != nullptr) {
+        file_->writer.flush();
+        file_->output.commit();
+    }
+    for (const OfColumn& c : columns_) {
+        tell(c.column + ": " + std::to_string(c.count) +
+             (c.count == 1 ? " value rejected, in row " : " values rejected, the first in row ") +
+             std::to_string(c.firstRow) + ": " + c.firstText + " is " + c.reason);
+    }
+    return columns_.empty() ? DONE : REJECTED;
+}

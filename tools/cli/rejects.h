@@ -1,0 +1,53 @@
+// Values that their columns cannot take: counted, told, and written to a file when that is asked
+// for.
+//
+// Tested by tests/tool/golden/map_use.t
+#pragma once
+
+#include "client/cursor.h"
+#include "tools/cli/csv_fields.h"
+#include "tools/cli/failure.h"
+#include "tools/cli/output_files.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+class Rejects {
+   public:
+    // `file`: gets a line of CSV for each value; empty: none.  It is there after `end` only.
+    // Throws a Failure.
+    Rejects(const std::string& file, bool force);
+
+    // What the cursor of a table calls.  This object and the table must outlive it.
+    qvej::Cursor::RejectHandler handlerFor(const qvej::Table& table);
+
+    // Tells a line for each column on standard error.  REJECTED, or DONE when there was nothing.
+    // Throws a Failure.
+    ExitCode end();
+
+   private:
+    struct OfColumn {
+        std::string column;  // "table.column"
+        uint64_t count;
+        uint64_t firstRow;
+        std::string firstText;
+        std::string reason;
+    };
+    struct File {
+        File(const std::string& file, bool force);
+        OutputFiles output;
+        Writer writer;
+        CsvFields fields;
+    };
+
+    void take(const qvej::Table& table, const qvej::Cursor& cursor, const qvej::Rejected& rejected);
+    void writeLine(const qvej::Table& table, const qvej::Cursor& cursor,
+                   const qvej::Rejected& rejected);
+
+    std::unique_ptr<File> file_;
+    std::vector<OfColumn> columns_;  // in order of their first
+    std::map<std::pair<const qvej::Table*, std::size_t>, std::size_t> places_;  // in `columns_`
+};
