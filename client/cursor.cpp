@@ -11,6 +11,7 @@ namespace qvej {
 namespace {
 
 constexpr std::string_view kNotNumber = "not a number";
+constexpr std::size_t kMostPending = 10000;  // values of one row, so that memory is bounded
 
 }  // namespace
 
@@ -75,25 +76,33 @@ void Cursor::openConversions() {
 }
 
 bool Cursor::next() {
-    for (const std::size_t column : flagged_) {
-        handle_->varinfo[column].badNumData = 0;
-    }
-    flagged_.clear();
     const QVStatus status = document_.operations()->Read(handle_);
     if (failure_ != nullptr) {
         std::rethrow_exception(std::exchange(failure_, nullptr));
     }
+    ++rows_;
+    if (status == QV_OK) {
+        reportPending();
+    }
+    pending_.clear();
     if (status == QV_EOF) {
         return false;
     }
     check(status);
-    ++rows_;
     for (const auto& converted : converted_) {
         if (converted->informat != nullptr) {
             convert(*converted);
         }
     }
     return true;
+}
+
+void Cursor::reportPending() {
+    std::string decoded;
+    for (const Pending& pending : pending_) {
+        handle_->varinfo[pending.column].badNumData = 0;
+        reject(pending.column, document_.codec().decode(pending.text, decoded), kNotNumber);
+    }
 }
 
 void Cursor::reset() {
@@ -148,22 +157,26 @@ void Cursor::convertText(Converted& converted, std::string_view text) {
     std::string_view result(out, static_cast<std::size_t>(outLen));
     const Column& column = table_.columns[converted.column];
     if (!column.lengthFromDocument) {
-        result = withoutUnfinished(result.substr(0, column.length));
+        result = document_.codec().isUtf8() ? withoutUnfinished(result.substr(0, column.length))
+                                            : firstCharacters(result, column.length);
     }
     converted.text = withoutPadding(result, true);
 }
 
-// Called within Read, through which no exception may pass.
+// Called within Read, through which no exception may pass.  The row is told of when it is complete:
+// only then it has all its ordinals.
 void Cursor::notNumber(std::size_t column, std::string_view text) noexcept {
     try {
-        flagged_.push_back(column);
         const uint64_t missing = QVEJMAP_MISSING_BITS;
         std::memcpy(handle_->obsbuf + places_[column].offset, &missing, sizeof missing);
         handle_->varinfo[column].badNumMsgOutput = 1;
-        std::string decoded;
-        ++rows_;  // the row that is being made
-        reject(column, document_.codec().decode(text, decoded), kNotNumber);
-        --rows_;
+        pending_.push_back({column, std::string(text)});
+        if (pending_.size() == kMostPending) {
+            ++rows_;  // the row that is being made
+            reportPending();
+            --rows_;
+            pending_.clear();
+        }
     } catch (...) {
         failure_ = std::current_exception();
     }

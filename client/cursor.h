@@ -73,6 +73,11 @@ class Cursor {
     }
 
    private:
+    // A value that came before its row was complete.
+    struct Pending {
+        std::size_t column;
+        std::string text;
+    };
     // A column with an informat or a format.
     struct Converted {
         std::size_t column = 0;
@@ -106,6 +111,7 @@ class Cursor {
     void convert(Converted& converted);
     void convertNumber(Converted& converted, std::string_view text);
     void convertText(Converted& converted, std::string_view text);
+    void reportPending();
     void notNumber(std::size_t column, std::string_view text) noexcept;
     void rawText(std::size_t column, int32_t kind, QVStatus status) noexcept;
     void reject(std::size_t column, std::string_view text, std::string_view reason);
@@ -119,7 +125,7 @@ class Cursor {
     uint64_t rows_ = 0;  // that have been passed
     std::vector<Place> places_;
     std::vector<std::unique_ptr<Converted>> converted_;
-    std::vector<std::size_t> flagged_;          // columns whose badNumData is set
+    std::vector<Pending> pending_;              // texts that are no numbers, of the row being made
     std::exception_ptr failure_;                // of what ran within Read
     mutable std::vector<std::string> scratch_;  // of each column; used unless the document is UTF-8
 };

@@ -129,7 +129,7 @@ std::vector<Table> Document::describeMap(QVMemPtr map) const {
 Table Document::describe(JMAPTableh handle, bool alldata) const {
     JMAPTableInfo info = {};
     jmapTableInfo(handle, &info);
-    Table table = {codec_.decoded(view(info.name, info.nameLen)),
+    Table table = {std::string(withoutUnfinished(codec_.decoded(view(info.name, info.nameLen)))),
                    codec_.decoded(view(info.tablePath, info.tablePathLen)),
                    {},
                    alldata,

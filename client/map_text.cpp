@@ -70,11 +70,12 @@ QVStatus takeString(JSNParseCB* cb, const JSNChar* text, QVStrSize textLen, int3
         r.tables.back().name = string;
     } else if (r.depth > kColumnDepth && r.element++ == 0) {
         ColumnText& column = r.tables.back().columns.back();
-        const Spot spot = spotOf(r, 1);
+        const ConversionText conversion = {spotOf(r, 1),
+                                           string.size() - (string.starts_with('?') ? 1 : 0)};
         if (equalIgnoringCase(r.key, "FORMAT")) {
-            column.format = spot;
+            column.format = conversion;
         } else if (equalIgnoringCase(r.key, "INFORMAT")) {
-            column.informat = spot;
+            column.informat = conversion;
         }
     }
     return QV_OK;

@@ -14,9 +14,15 @@
 
 namespace qvej {
 
+// A FORMAT or INFORMAT.
+struct ConversionText {
+    Spot at;                     // of its name
+    std::size_t nameLength = 0;  // bytes, without a "?" in front
+};
+
 struct ColumnText {
-    Spot at;                                // of its '{'
-    Spot format, informat;                  // of their names
+    Spot at;  // of its '{'
+    ConversionText format, informat;
     std::optional<uint64_t> length;         // as the engine takes it: 1 to 32767
     std::optional<uint64_t> currentLength;  // not negative
 };

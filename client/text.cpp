@@ -135,6 +135,15 @@ std::string_view withoutPadding(std::string_view cell, bool utf8) {
     return text;
 }
 
+std::string_view firstCharacters(std::string_view text, std::size_t count) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (!isContinuation(text[i]) && count-- == 0) {
+            return text.substr(0, i);
+        }
+    }
+    return text;
+}
+
 std::string withSlashes(std::string_view path) {
     std::string text(path);
     std::replace(text.begin(), text.end(), kSeparator, '/');

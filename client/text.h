@@ -42,6 +42,9 @@ std::string_view withoutPadding(std::string_view cell, bool utf8);
 // `text` without an unfinished last UTF-8 sequence.
 std::string_view withoutUnfinished(std::string_view text);
 
+// The first `count` characters of a UTF-8 text.
+std::string_view firstCharacters(std::string_view text, std::size_t count);
+
 // A path with "/" for the separator 0x02.
 std::string withSlashes(std::string_view path);
 

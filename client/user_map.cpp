@@ -9,6 +9,8 @@
 namespace qvej {
 namespace {
 
+constexpr std::size_t kLongestConversion = 32;  // bytes of a format's name that the engine keeps
+
 // What a map context holds when the engine refuses the map.
 struct Refusal {
     QVStatus status;
@@ -49,13 +51,11 @@ int64_t utf8Column(const TextCodec& codec, std::string_view encoded, Spot spot) 
     return static_cast<int64_t>(codec.decoded(encoded.substr(0, before)).size()) + 1;
 }
 
-[[noreturn]] void refuse(const TextCodec& codec, std::string_view encoded, const Refusal& refusal) {
-    const ERRORINFO& info = refusal.info;
-    const bool endsEarly = refusal.status == JMAP_INCOMPLETE;
-    const Spot spot = endsEarly ? endOf(encoded) : Spot{info.line, info.col};
+[[noreturn]] void refuse(const TextCodec& codec, std::string_view encoded, QVStatus reason,
+                         const ERRORINFO& info) {
+    const Spot spot = reason == JMAP_INCOMPLETE ? endOf(encoded) : Spot{info.line, info.col};
     const std::string token(info.badstring, static_cast<std::size_t>(info.badstringLen));
-    throw MapError(refusal.status == JMAP_PARSE ? info.rc : refusal.status, spot.line,
-                   utf8Column(codec, encoded, spot), codec.decoded(token));
+    throw MapError(reason, spot.line, utf8Column(codec, encoded, spot), codec.decoded(token));
 }
 
 QVStrSize sizeOf(const std::string& text) {
@@ -68,11 +68,13 @@ void parseUserMap(const Document& document, std::string_view text) {
     const TextCodec& codec = document.codec();
     std::string encoded = codec.encoded(text);
     const Refusal refusal = readMap(document, encoded);
-    if (refusal.status == QV_NOMEM || refusal.status == JMAP_MAP_NOMEM) {
+    // What a callback failed with stands in `rc`.
+    const QVStatus reason = refusal.status == JMAP_PARSE ? refusal.info.rc : refusal.status;
+    if (reason == QV_NOMEM || reason == JMAP_MAP_NOMEM) {
         throw Error(QV_NOMEM);
     }
-    if (refusal.status != QV_OK) {
-        refuse(codec, encoded, refusal);
+    if (reason != QV_OK) {
+        refuse(codec, encoded, reason, refusal.info);
     }
 }
 
@@ -110,12 +112,23 @@ void checkConversions(const Engine& engine, const std::vector<Table>& tables,
         for (std::size_t c = 0; c < tables[t].columns.size(); ++c) {
             const Column& column = tables[t].columns[c];
             const auto attempt = [&](const auto& opener, const Conversion& conversion,
-                                     Spot ColumnText::*where) {
+                                     ConversionText ColumnText::*where) {
+                const auto inText = [&] {
+                    return readMapText(engine, text).at(t).columns.at(c).*where;
+                };
+                QVStatus status = QV_OK;
                 try {
                     (void)opener(engine, column);
                 } catch (const Error& error) {
-                    const Spot spot = readMapText(engine, text).at(t).columns.at(c).*where;
-                    throw MapError(error.status(), spot.line, spot.column, conversion.name);
+                    status = error.status();
+                }
+                if (conversion.name.size() == kLongestConversion &&
+                    inText().nameLength > kLongestConversion) {
+                    status = QV_FMT_LONG;
+                }
+                if (status != QV_OK) {
+                    const Spot spot = inText().at;
+                    throw MapError(status, spot.line, spot.column, conversion.name);
                 }
             };
             attempt(openInformat, column.informat, &ColumnText::informat);

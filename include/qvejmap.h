@@ -228,9 +228,10 @@ typedef struct UserJMAP_S {
     /* Takes the next buffer of the map; `done` with the last.  The buffer is only read.
      *   QV_OK           goes on; with `done` the map is there, and ERRORINFO tells of tables without
      *                   variables and of ordinals with NORETAIN.
-     *   JMAP_MAP_...    a mistake in the map: ERRORINFO says where it begins, and the last token.
-     *   JMAP_PARSE      a mistake in its JSON, or, by `rc` of ERRORINFO: QV_NOTNUM, an integer beyond
-     *                   64 bits; QV_NOMEM, JMAP_MAP_NOMEM, no memory.  Once a map of the document
+     *   JMAP_MAP_...    a mistake in the map: ERRORINFO has its place (of null, true and false the
+     *                   last byte; of a text with escapes a place in it) and the last number or text.
+     *   JMAP_PARSE      a mistake in its JSON, or, by `rc` of ERRORINFO: QV_NOTNUM, an integer outside
+     *                   of 64 bits; QV_NOMEM, JMAP_MAP_NOMEM, no memory.  Once a map of the document
      *                   had a mistake, the code of that one is given instead, for this map too.
      *   JMAP_INCOMPLETE the map ends too soon; ERRORINFO as it was.
      *   QV_NOMEM        MapInit could not make the parser.

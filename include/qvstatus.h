@@ -61,6 +61,7 @@
     X(QV_FMT_WIDTH, 0x82FFC804u, "the width or the decimals are not usable here")                  \
     X(QV_FMT_VALUE, 0x82FFC805u, "the value does not suit the format or informat")                 \
     X(QV_FMT_RANGE, 0x82FFC806u, "the value is out of range")                                      \
+    X(QV_FMT_LONG, 0x82FFC807u, "the name or pattern is longer than the 32 bytes that a map keeps")\
     X(JMAP_NOTABLE, -10, "no table of that name")                                                  \
     X(JMAP_PARSE, -11, "the text could not be parsed")                                             \
     X(JMAP_INCOMPLETE, -12, "the document ends before a complete object or array")                 \

@@ -55,7 +55,7 @@ struct DSINFO {
     VARINFO* vhead;
     VARINFO* vtail;
     uint64_t varcount;  // columns in the list
-    char* tablePath;    // path of the object that holds the values; null when there is no column
+    char* tablePath;    // path of the object that holds the values; null: none
     QVStrSize tablePathLen;
 };
 

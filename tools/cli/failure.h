@@ -24,13 +24,18 @@ class Failure : public std::runtime_error {
     // `line`: what follows "qvejmap: "; any text, it is made safe when it is printed.
     // `excerpt`: further lines with their ends, already safe; may be empty.
     Failure(ExitCode exitCode, const std::string& line, std::string excerpt = {})
-        : std::runtime_error(line), exitCode_(exitCode), excerpt_(std::move(excerpt)) {}
+        : std::runtime_error(line),
+          exitCode_(exitCode),
+          line_(line),
+          excerpt_(std::move(excerpt)) {}
 
     [[nodiscard]] ExitCode exitCode() const { return exitCode_; }
+    [[nodiscard]] const std::string& line() const { return line_; }  // may hold a NUL
     [[nodiscard]] const std::string& excerpt() const { return excerpt_; }
 
    private:
     ExitCode exitCode_;
+    std::string line_;
     std::string excerpt_;
 };
 

@@ -19,7 +19,7 @@ int main(int argc, char** argv) {
         const Options options = readOptions(argc, argv);
         return options.verb == nullptr ? DONE : options.verb->run(options);
     } catch (const Failure& failure) {
-        tell(failure.what(), failure.excerpt());
+        tell(failure.line(), failure.excerpt());
         return failure.exitCode();
     } catch (const qvej::Error& error) {
         tell(error.what());

@@ -52,8 +52,7 @@ std::vector<std::string> knownWords(const qvej::Engine& engine, QVStatus status)
 
 bool isOfFormats(QVStatus status) {
     const auto code = static_cast<uint32_t>(status);
-    return code >= static_cast<uint32_t>(QV_FMT_NAME) &&
-           code <= static_cast<uint32_t>(QV_FMT_RANGE);
+    return code >= static_cast<uint32_t>(QV_FMT_NAME) && code <= static_cast<uint32_t>(QV_FMT_LONG);
 }
 
 // What is wrong, the word that is wrong, and the nearest right one.
@@ -63,11 +62,11 @@ std::string describe(const qvej::Engine& engine, const qvej::MapError& error) {
         return "the map ends too soon";
     }
     if (status == QV_NOTNUM) {
-        return "the integer has more than 64 bits";
+        return "the integer is outside of 64 bits";
     }
     const std::vector<std::string> words = knownWords(engine, status);
     std::string text = error.what();
-    if (!words.empty() || isOfFormats(status)) {
+    if (!error.token().empty() && (!words.empty() || isOfFormats(status))) {
         text = "\"" + error.token() + "\": " + text;
     }
     return text + suggestion(error.token(), words);

@@ -88,7 +88,7 @@ Findings leftOut(const qvej::Document& document) {
 Findings doubtfulNames(const std::vector<qvej::Table>& tables,
                        const std::vector<qvej::TableText>& texts) {
     Findings findings;
-    std::set<std::string_view> names;
+    std::set<std::string> names;
     for (std::size_t i = 0; i < tables.size(); ++i) {
         const qvej::Table& table = tables[i];
         const std::string& name = texts.empty() ? table.name : texts[i].name;
@@ -96,14 +96,18 @@ Findings doubtfulNames(const std::vector<qvej::Table>& tables,
             findings.push_back("empty name: the table at" + inBrackets(table.path));
         }
         if (name.size() > kLongestName) {
-            findings.push_back("long name: table " + name + " is cut to " +
+            findings.push_back("long name: table " + table.name + " was cut to " +
                                std::to_string(kLongestName) + " bytes");
         }
-        if (!names.insert(table.name).second) {
+        if (!names.insert(qvej::lowerCased(table.name)).second) {
             findings.push_back("shared name: table " + visible(table.name) +
                                ": read opens the first of that name");
         }
         for (const qvej::Column& column : table.columns) {
+            if (column.name.empty()) {
+                findings.push_back("no name: a column of table " + visible(table.name) +
+                                   inBrackets(column.path));
+            }
             if (column.name.find(kReplacement) != std::string::npos || !isUtf8(column.name)) {
                 findings.push_back("broken name: " + columnName(table, column) +
                                    " holds bytes that are no UTF-8, or U+FFFD in their place");

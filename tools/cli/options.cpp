@@ -191,6 +191,9 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
             usageError(std::string(option) + ": the name is empty");
         }
     }
+    if (o.rejects == "-") {
+        usageError("--rejects: must be a file, standard output has the rows");
+    }
     if (o.map == "-" && o.operands[0] == "-") {
         usageError("FILE and --map cannot both be standard input");
     }

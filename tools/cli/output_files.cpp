@@ -5,6 +5,7 @@
 #include "tools/cli/cleanup.h"
 #include "tools/cli/failure.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -136,6 +137,18 @@ void OutputFiles::makeDirectories(const std::vector<std::string>& missing) {
             throw failure;
         }
     }
+}
+
+bool OutputFiles::shares(const OutputFiles& other) const {
+    struct stat own = {};
+    struct stat others = {};
+    const bool sameDirectory = ::stat(directory_.c_str(), &own) == 0 &&
+                               ::stat(other.directory_.c_str(), &others) == 0 &&
+                               own.st_dev == others.st_dev && own.st_ino == others.st_ino;
+    return sameDirectory && std::any_of(names_.begin(), names_.end(), [&](const auto& name) {
+               return std::find(other.names_.begin(), other.names_.end(), name) !=
+                      other.names_.end();
+           });
 }
 
 int OutputFiles::openNext() {

@@ -26,6 +26,9 @@ class OutputFiles {
     OutputFiles(const OutputFiles&) = delete;
     OutputFiles& operator=(const OutputFiles&) = delete;
 
+    // Have the two a file in common?
+    [[nodiscard]] bool shares(const OutputFiles& other) const;
+
     // Opens the next file for writing; the one before is closed.  Throws a Failure.
     int openNext();
     // Path of the file that is open, under its final name.

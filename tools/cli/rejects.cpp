@@ -20,9 +20,11 @@ std::string ordinalsOf(const qvej::Cursor& cursor) {
     std::string text;
     for (std::size_t i = 0; i < cursor.columns().size(); ++i) {
         if (cursor.columns()[i].type == qvej::ColumnType::ORDINAL) {
-            const auto count = static_cast<uint64_t>(cursor.cell(i).number);
-            text +=
-                (text.empty() ? "" : " ") + cursor.columns()[i].name + "=" + std::to_string(count);
+            const qvej::Cell cell = cursor.cell(i);
+            text += (text.empty() ? "" : " ") + cursor.columns()[i].name + "=";
+            text += cell.kind == qvej::Cell::MISSING
+                        ? std::string()
+                        : std::to_string(static_cast<uint64_t>(cell.number));
         }
     }
     return text;
@@ -38,8 +40,12 @@ Rejects::File::File(const std::string& file, bool force)
     fields.endLine();
 }
 
-Rejects::Rejects(const std::string& file, bool force)
-    : file_(file.empty() ? nullptr : std::make_unique<File>(file, force)) {}
+Rejects::Rejects(const std::string& file, bool force, const OutputFiles* others)
+    : file_(file.empty() ? nullptr : std::make_unique<File>(file, force)) {
+    if (file_ != nullptr && others != nullptr && file_->output.shares(*others)) {
+        throw Failure(WRONG_USAGE, "--rejects: " + file + " is also the file of a table");
+    }
+}
 
 qvej::Cursor::RejectHandler Rejects::handlerFor(const qvej::Table& table) {
     return [this, &table](const qvej::Cursor& cursor, const qvej::Rejected& rejected) {
@@ -75,14 +81,14 @@ void Rejects::writeLine(const qvej::Table& table, const qvej::Cursor& cursor,
 }
 
 ExitCode Rejects::end() {
-    if (file_ != nullptr) {
-        file_->writer.flush();
-        file_->output.commit();
-    }
     for (const OfColumn& c : columns_) {
         tell(c.column + ": " + std::to_string(c.count) +
              (c.count == 1 ? " value rejected, in row " : " values rejected, the first in row ") +
              std::to_string(c.firstRow) + ": " + c.firstText + " is " + c.reason);
+    }
+    if (file_ != nullptr) {
+        file_->writer.flush();
+        file_->output.commit();
     }
     return columns_.empty() ? DONE : REJECTED;
 }

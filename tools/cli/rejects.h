@@ -17,9 +17,9 @@
 
 class Rejects {
    public:
-    // `file`: gets a line of CSV for each value; empty: none.  It is there after `end` only.
-    // Throws a Failure.
-    Rejects(const std::string& file, bool force);
+    // `file`: gets a line of CSV for each value; empty: none.  It is there after `end` only, and
+    // must be none of `others`.  Throws a Failure.
+    Rejects(const std::string& file, bool force, const OutputFiles* others = nullptr);
 
     // What the cursor of a table calls.  This object and the table must outlive it.
     qvej::Cursor::RejectHandler handlerFor(const qvej::Table& table);

@@ -147,9 +147,12 @@ void tellLosses(const std::string& file, const qvej::Document& document,
     }
     if (!withoutRows.empty()) {
         const bool one = withoutRows.size() == 1;
+        const bool ownMap = &document.tables() != &document.automaticTables();
         tell(file + (one ? ": table " : ": tables ") + joined(withoutRows) +
-             (one ? " has no rows; its" : " have no rows; their") + " values are only in " +
-             document.alldata().name);
+             (one ? " has no rows" : " have no rows") +
+             (ownMap ? std::string()
+                     : (one ? "; its" : "; their") + std::string(" values are only in ") +
+                           document.alldata().name));
     }
     const std::vector<std::string> names = largeIntegerColumns(document, tables);
     if (!names.empty()) {

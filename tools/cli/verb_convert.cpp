@@ -50,7 +50,7 @@ ExitCode runConvert(const Options& options) {
         OutputFiles files(options.out, true,
                           uniqueFileNames(namesOf(tables), options.format->extension),
                           options.force);
-        Rejects rejects(options.rejects, options.force);
+        Rejects rejects(options.rejects, options.force, &files);
         std::vector<WrittenTable> written;
         uint64_t rows = 0;
         for (const qvej::Table* table : tables) {

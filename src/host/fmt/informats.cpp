@@ -234,7 +234,8 @@ QVStatus openInformat(QVHndlp host, bool numeric, std::string_view name, uint64_
     if (byPattern && !(pattern = Pattern::make(name, Pattern::Use::READ))) {
         return QV_FMT_PATTERN;
     }
-    if (decimals > (row->takesDecimals ? kDecimalsMax : 0) || (row->needsWidth && width == 0)) {
+    if (decimals > (row->takesDecimals ? kDecimalsMax : 0) || (row->needsWidth && width == 0) ||
+        width > INT64_MAX) {  // what a map gives as a negative number
         return QV_FMT_WIDTH;
     }
     *informat = new Informat(host, name, *row, width, decimals, std::move(pattern));

@@ -65,7 +65,7 @@ $ try() { printf '%s' "$1" | qvejmap map check - > out || printf '%s ' $?; cat o
 ! qvejmap: <stdin>:1:71: an integer was expected: a number without fraction and exponent [-22]
 !     ...":[{"DSNAME":"a","TABLEPATH":"/root","VARIABLES":[{"LENGTH":1.5}]}]}
 !                                                                    ^
-! qvejmap: <stdin>:1:92: the integer has more than 64 bits [-11]
+! qvejmap: <stdin>:1:92: the integer is outside of 64 bits [-11]
 !     ...LEPATH":"/root","VARIABLES":[{"LENGTH":123456789012345678901}]}]}
 !                                                                    ^
 ! qvejmap: <stdin>:1:84: ']' was expected: FORMAT and INFORMAT have at most name, width and decimals [-18]
@@ -101,7 +101,7 @@ $ printf '\357\273\277{"datasets":[{"dsname":"t","tablepath":"/root/orders"},{"d
   NORETAIN without effect: t.o
   shared name: table t: read opens the first of that name
   broken name: t.name� holds bytes that are no UTF-8, or U+FFFD in their place
-  long name: table a name of more than thirty-two bytes is cut to 32 bytes
+  long name: table a name of more than thirty-two b was cut to 32 bytes
   never occurs: table t (/none)
   never occurs: t.gone (/root/orders/customer)
   cut: t.name� (3 of 8 bytes)

@@ -82,3 +82,39 @@ $ sed 's/"CHAR/"ЖCHAR/' l.map > m2; qvejmap tables l.json --map m2 --encoding I
 !                                                                  ^
 ! qvejmap: m3: a character of the map is not in ISO-8859-1, the encoding of l.json
 ? 4
+
+# Rejects name the row with all its ordinals; what no row takes is none.
+$ printf '{"o":[{"i":[{"v":"x"},{"v":1}],"n":"y"},{"i":[{"v":"z"}]}]}' > o.json
+> printf '{"DATASETS":[{"DSNAME":"i","TABLEPATH":"/root/o/i","VARIABLES":[{"NAME":"o","PATH":"/root/o"},{"NAME":"i","PATH":"/root/o/i"},{"NAME":"none","PATH":"/root/none"},
+> {"NAME":"v","TYPE":"NUMERIC","PATH":"/root/o/i/v"},{"NAME":"n","TYPE":"NUMERIC","PATH":"/root/o/n"}]}]}' > o.map
+> qvejmap read o.json i --map o.map --rejects r.csv; cat r.csv
+  o,i,none,v,n\r
+  1,1,,,\r
+  1,2,,1,\r
+  2,3,,,\r
+  table,row,column,path,ordinals,text,reason\r
+  i,1,v,/root/o/i/v,o=1 i=1 none=,x,not a number\r
+  i,2,n,/root/o/n,o=1 i=2 none=,y,not a number\r
+  i,3,v,/root/o/i/v,o=2 i=3 none=,z,not a number\r
+! qvejmap: i.v: 2 values rejected, the first in row 1: "x" is not a number
+! qvejmap: i.n: 1 value rejected, in row 2: "y" is not a number
+$ qvejmap convert o.json --map o.map -o dir --rejects dir/i.csv; ls -A dir
+! qvejmap: --rejects: dir/i.csv is also the file of a table
+! ls: cannot access 'dir': No such file or directory
+? 2
+
+# A name that the map would cut is refused, as is a negative width.
+$ sed 's/"TYPE":"NUMERIC","PATH":"\/root\/o\/n"/&,"FORMAT":["%A, %d %B %Y at %H hours %M minutes"]/' o.map > long.map; qvejmap tables o.json --map long.map
+! qvejmap: long.map:2:111: "%A, %d %B %Y at %H hours %M minu": the name or pattern is longer than the 32 bytes that a map keeps
+!     ...,{"NAME":"n","TYPE":"NUMERIC","PATH":"/root/o/n","FORMAT":["%A, %d %B %Y at %H hours...
+!                                                                    ^
+? 4
+$ printf '[{"a":"\351\351\351\351"}]' > l1.json; printf '{"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root","VARIABLES":[{"NAME":"a","TYPE":"CHARACTER","PATH":"/root/a","LENGTH":3,"INFORMAT":["trim"]},{"NAME":"b","TYPE":"CHARACTER","PATH":"/root/a","LENGTH":3}]}]}' > l1.map
+> qvejmap read l1.json t --map l1.map --encoding ISO-8859-1; sed 's/"trim"/&,-5/' l1.map > neg.map; qvejmap map check neg.map
+  a,b\r
+  ééé,ééé\r
+! qvejmap: l1.map: values are cut in: t.a (3 of 4 bytes), t.b (3 of 4 bytes)
+! qvejmap: neg.map:1:133: "trim": the width or the decimals are not usable here
+!     ..."TYPE":"CHARACTER","PATH":"/root/a","LENGTH":3,"INFORMAT":["trim",-5]},{"NAME":"b","...
+!                                                                    ^
+? 4
