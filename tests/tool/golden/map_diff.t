@@ -51,7 +51,7 @@ $ cat > c.json <<'end'
 $ qvejmap map diff - - ; qvejmap map diff a.json; echo '{}' > bad.json; qvejmap map diff a.json bad.json
 ! qvejmap: only one of the maps can be standard input (qvejmap --help tells more)
 ! qvejmap: map diff: B is missing (qvejmap --help tells more)
-! qvejmap: bad.json:1:2: "": a map is an object whose one member is DATASETS [-13]
+! qvejmap: bad.json:1:2: a map is an object whose one member is DATASETS [-13]
 !     {}
 !      ^
 ? 4
