@@ -5,18 +5,18 @@
 // and paths are counted and not terminated.  Paths are in internal form, separator 0x02.
 #pragma once
 
-#include <cstdint>
-
 #include "qvehost.h"
+
+#include <cstdint>
 
 enum MAPTYPE : int32_t { USER_MAP = 0, AUTO_MAP = 1 };
 
 // Kind of a column.
 enum VARTYPE : int32_t {
-    VAR_ORDINAL = 0,       // counter of an enclosing object or array
-    VAR_DOUBLE = 1,        // 8-byte floating point
-    VAR_CHAR = 2,          // fixed length
-    VAR_FAKEVARIABLE = 3   // placeholder, no column of an automatic map
+    VAR_ORDINAL = 0,      // counter of an enclosing object or array
+    VAR_DOUBLE = 1,       // 8-byte floating point
+    VAR_CHAR = 2,         // fixed length
+    VAR_FAKEVARIABLE = 3  // placeholder, no column of an automatic map
 };
 
 struct VARINFO {
@@ -25,7 +25,7 @@ struct VARINFO {
     QVStrSize nameLen;
     char label[256];
     QVStrSize labelLen;
-    char* path;         // of the values; of an ordinal: what it counts.  Null: none (ALLDATA)
+    char* path;  // of the values; of an ordinal: what it counts.  Null: none (ALLDATA)
     QVStrSize pathLen;
     VARTYPE type;
     uint64_t length;         // bytes; VAR_CHAR: longest value, not yet capped
@@ -40,8 +40,8 @@ struct VARINFO {
     QVStrSize informatLen;
     uint64_t informatWidth;  // 0: none given
     uint64_t informatDec;
-    bool informatNoError;    // bad values are not to be reported
-    QVExtensionh infh;       // Kept: always null
+    bool informatNoError;  // bad values are not to be reported
+    QVExtensionh infh;     // not used: the caller has its informats, here it is null
     bool retain;
     bool noretain;
     bool truncation;         // user map: `length` cuts the longest value
@@ -71,5 +71,5 @@ struct DSNAMELIST {
     char name[32];   // as first formed
     char uname[32];  // upper-cased: the key
     QVStrSize nameLen;
-    int32_t count;   // tables that asked for this name
+    int32_t count;  // tables that asked for this name
 };

@@ -54,8 +54,7 @@ QVStatus store(std::optional<double> number, double* value) noexcept {
     return QV_OK;
 }
 
-// ---- Numeric columns: the text has no blanks around it
-// -------------------------------------------
+// ---- Numeric columns: the text has no blanks around it ------------------------------------------
 
 QVStatus plainNumber(Informat& inf, std::string_view text, double* value) {
     return store(readNumber(text, {.decimals = inf.decimals}, inf.scratch), value);
@@ -123,8 +122,7 @@ QVStatus byPattern(Informat& inf, std::string_view text, double* value) {
     return store(inf.pattern->read(text), value);
 }
 
-// ---- Character columns
-// ---------------------------------------------------------------------------
+// ---- Character columns --------------------------------------------------------------------------
 
 QVStatus sameText(Informat&, std::string_view text, std::string_view* out) {
     *out = text;  // the width has cut it
@@ -169,8 +167,7 @@ constexpr Row kRows[] = {
 
 constexpr Row kPatternRow = {"%", "", "not a date or time of the pattern", &byPattern, nullptr};
 
-// ---- The object
-// ----------------------------------------------------------------------------------
+// ---- The object ---------------------------------------------------------------------------------
 
 std::string_view inputOf(const Informat& inf, const char* text, QVStrSize textLen) noexcept {
     const std::string_view whole(text, static_cast<std::size_t>(textLen));
