@@ -9,7 +9,7 @@ namespace {
 
 void writeFile(const std::string& path, const std::string& map, bool force) {
     OutputFiles files = OutputFiles::single(path, force);
-    Writer out(files.openNext(), path);
+    Writer out = files.writer(0);
     out.append(map);
     out.put('\n');
     out.flush();

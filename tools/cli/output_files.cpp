@@ -15,6 +15,20 @@
 
 namespace {
 
+constexpr std::size_t kMostOpen = 200;  // files open at a time
+constexpr int kNotMade = -2;            // in place of a descriptor, as is
+constexpr int kClosed = -1;
+
+class FileTarget final : public Target {
+   public:
+    FileTarget(OutputFiles& files, std::size_t i) : files_(files), i_(i) {}
+    void write(const char* text, std::size_t size) override { files_.write(i_, text, size); }
+
+   private:
+    OutputFiles& files_;
+    std::size_t i_;
+};
+
 std::string parentOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     return slash == std::string::npos ? std::string() : path.substr(0, slash);
@@ -96,11 +110,13 @@ OutputFiles::OutputFiles(std::string directory, bool makeDirectory, std::vector<
     : directory_(withoutTrailingSlashes(std::move(directory))),
       names_(std::move(names)),
       force_(force),
-      prefix_(directory_ + "/.qvejmap-" + qvej::randomHex() + "-") {
+      prefix_(directory_ + "/.qvejmap-" + qvej::randomHex() + "-"),
+      descriptors_(names_.size(), kNotMade) {
     const std::vector<std::string> missing =
         makeDirectory ? missingDirectories(directory_) : std::vector<std::string>();
     refuseExisting();
     cleanup_.set(prefix_, directory_, 0);
+    cleanup_.setCount(names_.size());
     makeDirectories(missing);
 }
 
@@ -131,6 +147,7 @@ void OutputFiles::makeDirectories(const std::vector<std::string>& missing) {
         if (::mkdir(path->c_str(), 0777) == 0) {
             madeDirectories_.push_back(*path);
             cleanup_.set(prefix_, *path, madeDirectories_.size());
+            cleanup_.setCount(names_.size());
         } else if (errno != EEXIST) {
             const Failure failure = fileFailure(*path);
             removeTemporary();
@@ -151,30 +168,55 @@ bool OutputFiles::shares(const OutputFiles& other) const {
            });
 }
 
-int OutputFiles::openNext() {
-    close();
-    const std::string path = temporaryPath(opened_);
-    cleanup_.setCount(opened_ + 1);
-    descriptor_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
-    if (descriptor_ < 0) {
-        throw fileFailure(directory_);
-    }
-    ++opened_;
-    return descriptor_;
+Writer OutputFiles::writer(std::size_t i) {
+    return Writer(std::make_unique<FileTarget>(*this, i));
 }
 
-void OutputFiles::close() {
-    if (descriptor_ >= 0 && ::close(std::exchange(descriptor_, -1)) != 0) {
-        throw fileFailure(currentPath());
+void OutputFiles::write(std::size_t i, const char* text, std::size_t size) {
+    if (!writeAll(descriptors_[i] < 0 ? open(i) : descriptors_[i], text, size)) {
+        throw fileFailure(finalPath(i));
+    }
+}
+
+int OutputFiles::open(std::size_t i) {
+    if (open_.size() == kMostOpen) {
+        close(open_.front());
+        open_.pop_front();
+    }
+    const std::string path = temporaryPath(i);
+    const int how = descriptors_[i] == kNotMade ? O_CREAT | O_EXCL : O_APPEND;
+    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOFOLLOW | how, 0666);
+    if (descriptor < 0) {
+        throw fileFailure(directory_);
+    }
+    open_.push_back(i);
+    return descriptors_[i] = descriptor;
+}
+
+void OutputFiles::close(std::size_t i) {
+    if (::close(std::exchange(descriptors_[i], kClosed)) != 0) {
+        throw fileFailure(finalPath(i));
+    }
+}
+
+// Closes what is open, and makes the files that nothing was written to.
+void OutputFiles::closeAll() {
+    for (std::size_t i = 0; i < names_.size(); ++i) {
+        if (descriptors_[i] == kNotMade) {
+            (void)open(i);
+        }
+    }
+    for (; !open_.empty(); open_.pop_front()) {
+        close(open_.front());
     }
 }
 
 void OutputFiles::commit() {
-    close();
+    closeAll();
     const cleanup::Hold hold;  // all or nothing
     std::vector<bool> replaced;
     try {
-        while (replaced.size() < opened_) {
+        while (replaced.size() < names_.size()) {
             replaced.push_back(putInPlace(replaced.size()));
         }
     } catch (const Failure&) {
@@ -202,11 +244,14 @@ bool OutputFiles::putInPlace(std::size_t i) {
 
 void OutputFiles::removeTemporary() {
     const cleanup::Hold hold;
-    if (descriptor_ >= 0) {
-        (void)::close(std::exchange(descriptor_, -1));
+    for (const std::size_t i : open_) {
+        (void)::close(descriptors_[i]);
     }
-    for (std::size_t i = 0; i < opened_; ++i) {
-        (void)::unlink(temporaryPath(i).c_str());  // most have been renamed after `commit`
+    open_.clear();
+    for (std::size_t i = 0; i < names_.size(); ++i) {
+        if (descriptors_[i] != kNotMade) {
+            (void)::unlink(temporaryPath(i).c_str());  // most have been renamed after `commit`
+        }
     }
     for (; !madeDirectories_.empty(); madeDirectories_.pop_back()) {
         (void)::rmdir(madeDirectories_.back().c_str());  // not ours alone when it is not empty

@@ -1,16 +1,18 @@
 // Output files that appear all together or not at all.
 //
-// Each file is written under a temporary name in its directory.  `commit` renames them all and
-// keeps what they replace until the last has its name; until then, and when the object ends without
-// it, nothing under a final name has changed and the temporary files go away, also when a signal
-// ends the program.
+// Files may be written in any order, piece by piece.  Each is written under a temporary name in its
+// directory.  `commit` renames them all and keeps what they replace until the last has its name;
+// until then, and when the object ends without it, nothing under a final name has changed and the
+// temporary files go away, also when a signal ends the program.
 //
 // Tested by tests/tool/output_files_test.cpp, golden/interrupt.t and golden/convert.t
 #pragma once
 
 #include "tools/cli/cleanup.h"
+#include "tools/cli/writer.h"
 
 #include <cstddef>
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -29,10 +31,12 @@ class OutputFiles {
     // Have the two a file in common?
     [[nodiscard]] bool shares(const OutputFiles& other) const;
 
-    // Opens the next file for writing; the one before is closed.  Throws a Failure.
-    int openNext();
-    // Path of the file that is open, under its final name.
-    [[nodiscard]] std::string currentPath() const { return finalPath(opened_ - 1); }
+    // A writer to the file `i`, which this object must outlive.  Any number may be in use: some
+    // files are kept open, the others are opened again when there is something to write.
+    [[nodiscard]] Writer writer(std::size_t i);
+
+    // Appends to a file.  Throws a Failure.
+    void write(std::size_t i, const char* text, std::size_t size);
 
     // Gives all files their names.  Throws a Failure; nothing has changed then.
     void commit();
@@ -40,7 +44,9 @@ class OutputFiles {
    private:
     void refuseExisting() const;
     void makeDirectories(const std::vector<std::string>& missing);
-    void close();
+    int open(std::size_t i);
+    void close(std::size_t i);
+    void closeAll();
     bool putInPlace(std::size_t i);
     void removeTemporary();
     [[nodiscard]] std::string temporaryPath(std::size_t i) const {
@@ -55,8 +61,8 @@ class OutputFiles {
     std::vector<std::string> names_;
     bool force_;
     std::string prefix_;                        // of the temporary names
-    std::size_t opened_ = 0;                    // temporary files made
-    int descriptor_ = -1;                       // of the last of them, -1: closed
+    std::vector<int> descriptors_;              // of each file
+    std::deque<std::size_t> open_;              // files that are open, the oldest first
     std::vector<std::string> madeDirectories_;  // outermost first
     bool committed_ = false;
 };

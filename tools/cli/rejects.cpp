@@ -33,7 +33,7 @@ std::string ordinalsOf(const qvej::Cursor& cursor) {
 }  // namespace
 
 Rejects::File::File(const std::string& file, bool force)
-    : output(OutputFiles::single(file, force)), writer(output.openNext(), file), fields(writer) {
+    : output(OutputFiles::single(file, force)), writer(output.writer(0)), fields(writer) {
     for (const char* name : kHeader) {
         fields.text(name);
     }

@@ -54,8 +54,7 @@ ExitCode runConvert(const Options& options) {
         std::vector<WrittenTable> written;
         uint64_t rows = 0;
         for (const qvej::Table* table : tables) {
-            const int descriptor = files.openNext();
-            Writer out(descriptor, files.currentPath());
+            Writer out = files.writer(written.size());
             qvej::Cursor cursor(document, *table, options.retain, rejects.handlerFor(*table));
             written.push_back({table, qvej::copyRows(cursor, *options.format->make(out))});
             rows += written.back().rows;

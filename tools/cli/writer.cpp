@@ -4,12 +4,26 @@
 #include "tools/cli/escape.h"
 #include "tools/cli/failure.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <unistd.h>
 
 namespace {
 
-// All of it, or false with errno.
+constexpr std::size_t kLeast = 256;  // bytes of a buffer
+
+class StandardOutput final : public Target {
+   public:
+    void write(const char* text, std::size_t size) override {
+        if (!writeAll(STDOUT_FILENO, text, size)) {
+            throw fileFailure("<stdout>");
+        }
+    }
+    [[nodiscard]] bool terminal() const override { return ::isatty(STDOUT_FILENO) == 1; }
+};
+
+}  // namespace
+
 bool writeAll(int descriptor, const char* text, std::size_t size) {
     while (size != 0) {
         const ssize_t written = ::write(descriptor, text, size);
@@ -25,35 +39,49 @@ bool writeAll(int descriptor, const char* text, std::size_t size) {
     return true;
 }
 
-}  // namespace
-
-void Writer::write(const char* text, std::size_t size) const {
-    if (!writeAll(descriptor_, text, size)) {
-        throw fileFailure(name_);
-    }
-}
-
 void Writer::flush() {
     const std::size_t size = used_;
     used_ = 0;
-    write(buffer_.get(), size);
+    if (size != 0) {
+        target_->write(buffer_.get(), size);
+    }
+}
+
+void Writer::release() {
+    flush();
+    buffer_.reset();
+    capacity_ = 0;
+}
+
+// Room for `size` bytes, at most `most_`: by growing, else by passing on what is there.
+void Writer::makeRoom(std::size_t size) {
+    if (used_ + size > most_) {
+        flush();
+    }
+    std::size_t capacity = std::max(capacity_, kLeast);
+    while (capacity < used_ + size) {
+        capacity *= 2;
+    }
+    if (capacity != capacity_) {
+        std::unique_ptr<char[]> grown(new char[capacity]);
+        std::copy_n(buffer_.get(), used_, grown.get());
+        buffer_ = std::move(grown);
+        capacity_ = capacity;
+    }
 }
 
 void Writer::appendSlowly(const char* text, std::size_t size) {
-    flush();
-    if (size >= kSize) {
-        write(text, size);
+    if (size >= most_) {
+        flush();
+        target_->write(text, size);
         return;
     }
+    makeRoom(size);
     append(text, size);
 }
 
-bool Writer::terminal() const {
-    return ::isatty(descriptor_) == 1;
-}
-
 Writer standardOutput() {
-    return {STDOUT_FILENO, "<stdout>"};
+    return Writer(std::make_unique<StandardOutput>());
 }
 
 void tell(std::string_view line, std::string_view excerpt) {

@@ -1,4 +1,4 @@
-// Buffered output to a descriptor: standard output or a file.
+// Buffered output: to a descriptor, or to one of many files.
 #pragma once
 
 #include <cstddef>
@@ -7,15 +7,29 @@
 #include <string>
 #include <string_view>
 
+// Where the bytes of a Writer go.
+class Target {
+   public:
+    Target() = default;
+    virtual ~Target() = default;
+    Target(const Target&) = delete;
+    Target& operator=(const Target&) = delete;
+
+    // Takes all of it.  Throws a Failure.
+    virtual void write(const char* text, std::size_t size) = 0;
+    // Is it a terminal?
+    [[nodiscard]] virtual bool terminal() const { return false; }
+};
+
 class Writer {
    public:
-    // Borrows the descriptor.  `name` is for messages.
-    Writer(int descriptor, std::string name)
-        : descriptor_(descriptor), name_(std::move(name)), buffer_(new char[kSize]) {}
+    // `most`: bytes that are buffered; the buffer grows up to that.
+    explicit Writer(std::unique_ptr<Target> target, std::size_t most = kMost)
+        : target_(std::move(target)), most_(most) {}
 
     // All of these throw a Failure when the bytes cannot be written.
     void append(const char* text, std::size_t size) {
-        if (size > kSize - used_) {
+        if (size > capacity_ - used_) {
             appendSlowly(text, size);
             return;
         }
@@ -30,8 +44,8 @@ class Writer {
     // Room for at least kRoom bytes; `advance` says how far it was used.
     static constexpr std::size_t kRoom = 64;
     char* room() {
-        if (kSize - used_ < kRoom) {
-            flush();
+        if (capacity_ - used_ < kRoom) {
+            makeRoom(kRoom);
         }
         return buffer_.get() + used_;
     }
@@ -40,23 +54,32 @@ class Writer {
     // Passes on what is buffered.  To be called at the end: the destructor does not.
     void flush();
 
-    // Is it a terminal?
-    [[nodiscard]] bool terminal() const;
+    // Likewise, and gives the buffer back.
+    void release();
+
+    // Bytes of memory that the buffer takes.
+    [[nodiscard]] std::size_t capacity() const { return capacity_; }
+
+    [[nodiscard]] bool terminal() const { return target_->terminal(); }
 
    private:
-    static constexpr std::size_t kSize = std::size_t{1} << 18;
+    static constexpr std::size_t kMost = std::size_t{1} << 18;
 
     void appendSlowly(const char* text, std::size_t size);
-    void write(const char* text, std::size_t size) const;
+    void makeRoom(std::size_t size);
 
-    int descriptor_;
-    std::string name_;
+    std::unique_ptr<Target> target_;
+    std::size_t most_;
     std::unique_ptr<char[]> buffer_;
+    std::size_t capacity_ = 0;
     std::size_t used_ = 0;
 };
 
 // Standard output.
 Writer standardOutput();
+
+// Writes to a descriptor, all of it.  False with errno.
+bool writeAll(int descriptor, const char* text, std::size_t size);
 
 // Prints "qvejmap: LINE" on standard error, made safe, and `excerpt` as it is.
 void tell(std::string_view line, std::string_view excerpt = {});
