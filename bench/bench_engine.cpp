@@ -14,50 +14,13 @@
 #include <vector>
 
 #include "bench/documents.h"
-#include "qvejmap.h"
+#include "bench/engine.h"
 #include "qvejmapx.h"
-#include "qvportable.h"
 
 namespace jmap::bench {
 namespace {
 
-constexpr std::size_t kBufferBytes = 1U << 20;
 constexpr std::size_t kTablesShown = 6;  // of each document
-
-void check(QVStatus status, const char* what) {
-    if (status != QV_OK) {
-        std::fprintf(stderr, "%s: %s\n", what, qvStatusText(status));
-        std::abort();
-    }
-}
-
-UserJMAP_S* engine() {
-    static UserJMAP_S* const loaded = [] {
-        QVPortableOptions options = {};
-        options.structSize = sizeof options;
-        QVHndlp host = nullptr;
-        check(qvPortableStart(&options, &host), "qvPortableStart");
-        check(qvPortableRegister(host, "qvejmap", &qvejmap), "qvPortableRegister");
-        return reinterpret_cast<UserJMAP_S*>(host->loadExtension(host, U"qvejmap", 7, nullptr));
-    }();
-    return loaded;
-}
-
-QVEJMAPJsonContexth scan(const std::string& text) {
-    QVEJMAPJsonInitParms parms = {};
-    parms.inCEI = U_UTF8_CE;
-    parms.ordinalCount = UINT64_MAX;
-    QVEJMAPJsonContexth doc = nullptr;
-    check(engine()->JsonInit(&engine()->exth, &parms, &doc, nullptr), "JsonInit");
-    QVBoolean caching = 0;
-    for (std::size_t at = 0; at < text.size(); at += kBufferBytes) {
-        const std::size_t size = std::min(kBufferBytes, text.size() - at);
-        check(engine()->JsonInput(doc, const_cast<char*>(text.data() + at), static_cast<QVStrSize>(size),
-                                  at + size == text.size(), &caching, nullptr),
-              "JsonInput");
-    }
-    return doc;
-}
 
 // A document, scanned once: its tables are read from `doc`.
 struct Prepared {

@@ -1,12 +1,12 @@
 /* What tools need beyond the operation table: tables and columns by position, the records of the
- * stream, the statistics of paths.
+ * stream, the rows of many tables in one walk, the statistics of paths.
  *
  * These routines work on the same handles as qvejmap.h and follow its rules.  They are part of the
  * static engine library (link jmap_engine and register the entry point with
  * qvPortableRegister(host, "qvejmap", qvejmap)); the loadable module does not export them.
  *
  * Everything handed out points into the document and lives until Term, except a record's texts,
- * which live until the next call on its cursor.  Paths use the byte 0x02 as separator.
+ * which live until the next call on its cursor, and the items of a pass.  Paths use the byte 0x02 as separator.
  *
  * Tested by tests/frame/extras_test.cpp
  */
@@ -129,6 +129,62 @@ QVStatus jmapRecordsOpen(QVEJMAPJsonContexth inh, JMAPRecordCursorh* cursor);
 QVStatus jmapRecordsNext(JMAPRecordCursorh cursor, JMAPRecord* record);
 
 QVStatus jmapRecordsClose(JMAPRecordCursorh cursor);
+
+/* ---- Rows of many tables in one walk ------------------------------------------------------- */
+
+typedef struct JMAPPass* JMAPPassh; /* opaque */
+
+/* What a cell holds: nothing, a count, or, by its JMAP_KIND_..., a value. */
+enum {
+    JMAP_CELL_MISSING = 0,
+    JMAP_CELL_COUNT = 7 /* of an ordinal; of ALLDATA: the number of labels, and 1 with a value */
+};
+
+typedef struct JMAPPassCell {
+    int32_t kind;     /* JMAP_CELL_... or JMAP_KIND_...; every text of ALLDATA is a STRING */
+    QVBoolean fresh;  /* set for this row, not kept from an earlier one */
+    const char* text; /* of a value: as recorded, neither padded nor cut nor converted */
+    union {
+        QVStrSize textLen;
+        uint64_t count;
+    };
+} JMAPPassCell;
+
+enum {
+    JMAP_PASS_ROW = 1,       /* a row is complete */
+    JMAP_PASS_NOT_NUMBER = 2 /* a NUMERIC column without informat got a text that is no number */
+};
+
+typedef struct JMAPPassItem {
+    int32_t kind;              /* JMAP_PASS_... */
+    QVStrSize table;           /* index in the list of jmapPassOpen */
+    const JMAPPassCell* cells; /* one for each column; of a JMAP_PASS_NOT_NUMBER: so far */
+    QVStrSize cellCount;
+    QVStrSize column;          /* of a JMAP_PASS_NOT_NUMBER, as the rest; its cell has the text too */
+    const char* text;
+    QVStrSize textLen;
+} JMAPPassItem;
+
+/* Opens a pass before the first record of a document whose last buffer has been passed, for tables
+ * of its maps and perhaps ALLDATA.  `flags` are those of QVEJMAPReadInitParms.  QV_NOMEM.
+ * Each table gives the rows that Read gives, in the same order.  Needs memory for the columns of all
+ * the tables and for the rows that are being made, and one file at the most. */
+QVStatus jmapPassOpen(QVEJMAPJsonContexth inh, const JMAPTableh* tables, QVStrSize tableCount,
+                      uint64_t flags, JMAPPassh* pass);
+
+/* The next item; it lives until the next call.  QV_EOF after the last.  Else the pass is over, and
+ * further calls give the same: QV_NOMEM, a status of loading a block. */
+QVStatus jmapPassNext(JMAPPassh pass, JMAPPassItem* item);
+
+QVStatus jmapPassClose(JMAPPassh pass);
+
+/* Whether the texts that cells (not the cells) point to live until Term, because the records lie in
+ * memory as they are. */
+QVBoolean jmapPassTextsStay(JMAPPassh pass);
+
+/* The number that a NUMERIC column has for a text: that of a JSON number, or of the words true (1),
+ * false (0) and null (missing).  Else QV_NOTNUM.  On any thread. */
+QVStatus jmapToNumber(QVEJMAPJsonContexth inh, const char* text, QVStrSize textLen, double* number);
 
 /* ---- Statistics of paths ------------------------------------------------------------------- */
 

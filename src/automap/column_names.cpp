@@ -3,6 +3,7 @@
 // Tested by tests/automap/column_names_test.cpp
 #include "column_names.h"
 
+#include "core/hash.h"
 #include "core/list.h"
 #include "core/pool.h"
 #include "core/status.h"
@@ -10,6 +11,7 @@
 #include "path_parts.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace jmap {
@@ -17,21 +19,27 @@ namespace {
 
 constexpr int32_t kFirstSuffix = 2;
 
-// One name of the index, in the document pool.
-struct COLUMNNAME {
-    char uname[kNameMax];  // the key
-    int32_t nextSuffix;  // lowest number that may still be free behind this name; 0: not yet asked
-};
-
-COLUMNNAME* findIndexed(const COLUMNNAMES& names, std::string_view name) noexcept {
+// The place of a name: that of the column which has it, in any case, or the empty one for it.
+COLUMNSLOT& slotOf(const COLUMNNAMES& names, std::string_view name) noexcept {
     char upper[kNameMax];
     upperName(upper, name);
-    return static_cast<COLUMNNAME*>(names.tracker->find(names.tracker, upper, lengthOf(name)));
+    const uint32_t hash = hashOf(view(upper, lengthOf(name)));
+    for (uint64_t at = hash;; ++at) {
+        COLUMNSLOT& slot = names.slots[at & (names.size - 1)];
+        if (slot.column == nullptr) {
+            slot.hash = hash;
+            return slot;
+        }
+        if (slot.hash == hash && charNormCompare(slot.column->name, slot.column->nameLen,
+                                                 name.data(), lengthOf(name)) != 0) {
+            return slot;
+        }
+    }
 }
 
 bool isTaken(VARINFO* inl, const COLUMNNAMES& names, std::string_view name) noexcept {
-    if (names.tracker != nullptr) {
-        return findIndexed(names, name) != nullptr;
+    if (names.slots != nullptr) {
+        return slotOf(names, name).column != nullptr;
     }
     for (const VARINFO& column : each(inl)) {
         if (charNormCompare(column.name, column.nameLen, name.data(), lengthOf(name)) != 0) {
@@ -41,16 +49,38 @@ bool isTaken(VARINFO* inl, const COLUMNNAMES& names, std::string_view name) noex
     return false;
 }
 
-QVStatus indexColumn(JMAP_PRIVATE* p, const VARINFO& column, COLUMNNAMES& names) {
+void indexColumn(const VARINFO& column, COLUMNNAMES& names) noexcept {
     if (column.nameLen > kNameMax) {
-        return QV_OK;  // an ordinal with a suffix: longer than any name that is looked for
+        return;  // an ordinal with a suffix: longer than any name that is looked for
     }
-    auto* entry = poolNew<COLUMNNAME>(p->cpool);
-    if (entry == nullptr) {
-        return QV_NOMEM;
+    COLUMNSLOT& slot = slotOf(names, nameOf(column));
+    if (slot.column == nullptr) {
+        slot.column = &column;
+        names.count += 1;
     }
-    upperName(entry->uname, nameOf(column));
-    return names.tracker->insert(names.tracker, entry->uname, column.nameLen, entry);
+}
+
+// Makes room for that many names; false, with the set as it was, when it cannot be.
+[[nodiscard]] bool grow(JMAP_PRIVATE* p, COLUMNNAMES& names, uint64_t wanted) noexcept {
+    const COLUMNNAMES old = names;
+    names.size = std::bit_ceil(3 * wanted);
+    names.slots = poolNew<COLUMNSLOT>(p->cpool, static_cast<QVStrSize>(names.size));
+    if (names.slots == nullptr) {
+        names = old;
+        return false;
+    }
+    for (uint64_t i = 0; i < old.size; ++i) {
+        if (old.slots[i].column == nullptr) {
+            continue;
+        }
+        uint64_t at = old.slots[i].hash;
+        while (names.slots[at & (names.size - 1)].column != nullptr) {
+            ++at;
+        }
+        names.slots[at & (names.size - 1)] = old.slots[i];
+    }
+    (void)poolFree(p->cpool, old.slots);  // otherwise it goes with the pool
+    return true;
 }
 
 }  // namespace
@@ -64,8 +94,7 @@ QVStatus makeZULVariable(JMAP_PRIVATE* p, char* s, QVStrSize* insLen, VARINFO* i
         return QV_OK;
     }
     // Names are never given back, so numbers once found taken need not be looked at again.
-    COLUMNNAME* const base =
-        names.tracker != nullptr ? findIndexed(names, view(s, baseLen)) : nullptr;
+    COLUMNSLOT* const base = names.slots != nullptr ? &slotOf(names, view(s, baseLen)) : nullptr;
     int32_t suffix = base != nullptr && base->nextSuffix != 0 ? base->nextSuffix : kFirstSuffix;
     do {
         char digits[kNumberMax];
@@ -82,23 +111,28 @@ QVStatus makeZULVariable(JMAP_PRIVATE* p, char* s, QVStrSize* insLen, VARINFO* i
     return QV_OK;
 }
 
-QVStatus indexLastColumn(JMAP_PRIVATE* p, DSINFO* ds, COLUMNNAMES& names) {
-    if (names.tracker != nullptr) {
-        return indexColumn(p, *ds->vtail, names);
-    }
+void indexLastColumn(JMAP_PRIVATE* p, DSINFO* ds, COLUMNNAMES& names) noexcept {
     if (ds->varcount < kListedColumns) {
-        return QV_OK;
+        return;
     }
-    constexpr std::u32string_view kTracker = U"column name tracker";
-    QVHndlp host = qvGlobalHandle();
-    names.tracker = host->createTracker(host, QV_TRACKER_HASH, 1, kTracker.data(), kTracker.size());
-    if (names.tracker == nullptr) {
-        return QV_NOMEM;
+    const bool isNew = names.slots == nullptr;
+    const uint64_t wanted = isNew ? ds->varcount : names.count + 1;
+    if (2 * wanted > names.size && !grow(p, names, wanted)) {
+        endColumnNames(p, names);
+        return;
+    }
+    if (!isNew) {
+        indexColumn(*ds->vtail, names);
+        return;
     }
     for (const VARINFO& column : each(ds->vhead)) {
-        QV_TRY(indexColumn(p, column, names));
+        indexColumn(column, names);
     }
-    return QV_OK;
+}
+
+void endColumnNames(JMAP_PRIVATE* p, COLUMNNAMES& names) noexcept {
+    (void)poolFree(p->cpool, names.slots);  // otherwise it goes with the pool
+    names = {};
 }
 
 }  // namespace jmap

@@ -7,10 +7,19 @@
 
 namespace jmap {
 
-// An index over the names of one table, which a table gets when it has many columns: looking
-// through the list then costs too much.  It changes no name.  Zero-filled it is empty.
+// One place of a set of names.
+struct COLUMNSLOT {
+    const VARINFO* column;  // null: the place is empty
+    uint32_t hash;          // of its name in upper case
+    int32_t nextSuffix;  // lowest number that may still be free behind this name; 0: not yet asked
+};
+
+// A set of the names of one table, which a table gets when it has many columns: looking through the
+// list then costs too much.  It changes no name.  Zero-filled there is none.
 struct COLUMNNAMES {
-    QVTrackerh tracker;  // upper-cased name -> COLUMNNAME; null: look through the list.  Owned
+    COLUMNSLOT* slots;  // [size] in the document pool, freed by `endColumnNames`; null: no set
+    uint64_t size;      // a power of two
+    uint64_t count;     // names in it, at most half of `size`
 };
 
 inline constexpr uint64_t kListedColumns =
@@ -20,13 +29,15 @@ inline constexpr uint64_t kListedColumns =
 // column of the list `inl` has the name in any case, ended by the first number from 2 on that makes
 // it unique.  A number that does not fit behind the name takes its end.
 //   s, insLen  the name in and out, with room for kNameMax bytes
-//   names      index over the columns of `inl`
+//   names      set of the names of `inl`
 // Returns QV_OK or a status of the host's formatting or transcoding.
 [[nodiscard]] QVStatus makeZULVariable(JMAP_PRIVATE* p, char* s, QVStrSize* insLen, VARINFO* inl,
                                        const COLUMNNAMES& names);
 
-// Brings the index up to date after a column has been appended to `ds`.  QV_NOMEM or a status of
-// the tracker.
-[[nodiscard]] QVStatus indexLastColumn(JMAP_PRIVATE* p, DSINFO* ds, COLUMNNAMES& names);
+// Brings the set up to date after a column has been appended to `ds`.  Without memory there is no
+// set, and the list is looked through.
+void indexLastColumn(JMAP_PRIVATE* p, DSINFO* ds, COLUMNNAMES& names) noexcept;
+
+void endColumnNames(JMAP_PRIVATE* p, COLUMNNAMES& names) noexcept;
 
 }  // namespace jmap

@@ -3,24 +3,32 @@
 // Tested by tests/automap/lengths_test.cpp
 #include "lengths.h"
 
+#include "core/hash.h"
 #include "core/list.h"
 #include "core/note.h"
 #include "core/pool.h"
 #include "path_parts.h"
 
-#include <algorithm>
-#include <span>
+#include <bit>
 
 namespace jmap {
 namespace {
 
-// A column of the automatic map, to be found by its path.
+constexpr uint64_t kMostColumns = uint64_t{1} << 31;  // columns are told in 32 bits
+
+// A column of the automatic map.  Columns are told by their rank in the map plus 1; 0: none.
 struct AUTOCOLUMN {
-    const char* path;
-    QVStrSize pathLen;
+    const VARINFO* column;
     const DSINFO* ds;
-    uint64_t length;
-    QVStrSize rank;  // of the column in the map
+    uint32_t hash;  // of its path
+    uint32_t next;  // column of the same bucket, in map order
+};
+
+// The columns of the automatic map by their path.
+struct AUTOINDEX {
+    AUTOCOLUMN* columns;
+    uint32_t* buckets;  // [mask + 1] the first column whose path's hash ends in this number
+    uint32_t mask;
 };
 
 void noteTaken(JMAP_PRIVATE* p, const VARINFO& column, const DSINFO& autoDs) {
@@ -58,36 +66,35 @@ void noteInformat(JMAP_PRIVATE* p, const VARINFO& column, const DSINFO& ds) {
     }
 }
 
-[[nodiscard]] std::string_view keyOf(const AUTOCOLUMN& column) noexcept {
-    return view(column.path, column.pathLen);
-}
-
-// The columns of a map by path, those of one path in the order of their tables; of each table the
-// first column of a path alone.  One piece of the pool; empty without memory.
-[[nodiscard]] std::span<AUTOCOLUMN> newIndex(QVPoolh pool, const MAP& map) noexcept {
-    QVStrSize count = 0;
+// Fills an empty index; false without memory.
+[[nodiscard]] bool fillIndex(QVPoolh pool, const MAP& map, AUTOINDEX& index) noexcept {
+    uint64_t count = 0;
     for (const DSINFO& ds : each(map.dshead)) {
-        count += static_cast<QVStrSize>(ds.varcount);
+        count += ds.varcount;
     }
-    auto* columns = poolNew<AUTOCOLUMN>(pool, count);
-    if (columns == nullptr) {
-        return {};
+    if (count > kMostColumns) {
+        return false;
     }
-    AUTOCOLUMN* end = columns;
+    const uint64_t buckets = std::bit_ceil(count + 1);
+    index.columns = poolNew<AUTOCOLUMN>(pool, static_cast<QVStrSize>(count));
+    index.buckets = poolNew<uint32_t>(pool, static_cast<QVStrSize>(buckets));
+    index.mask = static_cast<uint32_t>(buckets - 1);
+    if (index.columns == nullptr || index.buckets == nullptr) {
+        return false;
+    }
+    AUTOCOLUMN* end = index.columns;
     for (const DSINFO& ds : each(map.dshead)) {
         for (const VARINFO& column : each(ds.vhead)) {
-            *end = {column.path, column.pathLen, &ds, column.length, end - columns};
-            ++end;
+            *end++ = {&column, &ds, hashOf(pathOf(column)), 0};
         }
     }
-    std::sort(columns, end, [](const AUTOCOLUMN& a, const AUTOCOLUMN& b) {
-        const int order = keyOf(a).compare(keyOf(b));
-        return order != 0 ? order < 0 : a.rank < b.rank;
-    });
-    end = std::unique(columns, end, [](const AUTOCOLUMN& a, const AUTOCOLUMN& b) {
-        return a.ds == b.ds && keyOf(a) == keyOf(b);
-    });
-    return {columns, end};
+    // From the last column to the first, so that every bucket is in map order.
+    for (uint64_t rank = count; rank-- > 0;) {
+        uint32_t& bucket = index.buckets[index.columns[rank].hash & index.mask];
+        index.columns[rank].next = bucket;
+        bucket = static_cast<uint32_t>(rank + 1);
+    }
+    return true;
 }
 
 // Settles the length of a user's column with that of an automatic one of the same path.
@@ -106,14 +113,19 @@ void settleLength(JMAP_PRIVATE* p, VARINFO& column, const DSINFO& ds, uint64_t a
     column.currentLength = autoLength;
 }
 
+// With each table in turn that has the path, by its first column of that path.
 void settleByIndex(JMAP_PRIVATE* p, VARINFO& column, const DSINFO& ds,
-                   std::span<AUTOCOLUMN> index) noexcept {
+                   const AUTOINDEX& index) noexcept {
     const std::string_view path = pathOf(column);
-    auto found = std::lower_bound(
-        index.begin(), index.end(), path,
-        [](const AUTOCOLUMN& a, std::string_view wanted) { return keyOf(a) < wanted; });
-    for (; found != index.end() && keyOf(*found) == path; ++found) {
-        settleLength(p, column, ds, found->length, *found->ds);
+    const uint32_t hash = hashOf(path);
+    const DSINFO* settled = nullptr;
+    for (uint32_t at = index.buckets[hash & index.mask]; at != 0;) {
+        const AUTOCOLUMN& found = index.columns[at - 1];
+        if (found.hash == hash && found.ds != settled && pathOf(*found.column) == path) {
+            settleLength(p, column, ds, found.column->length, *found.ds);
+            settled = found.ds;
+        }
+        at = found.next;
     }
 }
 
@@ -154,20 +166,22 @@ void getAutomapLengths(JMAP_PRIVATE* p) {
     if (p->usermap == nullptr || p->automap == nullptr) {
         return;
     }
-    const std::span<AUTOCOLUMN> index = newIndex(p->cpool, *p->automap);
+    AUTOINDEX index = {};
+    const bool isIndexed = fillIndex(p->cpool, *p->automap, index);
     for (DSINFO& ds : each(p->usermap->dshead)) {
         for (VARINFO& column : each(ds.vhead)) {
             if (column.type != VAR_CHAR) {
                 continue;
             }
-            if (index.empty()) {
-                settleBySearch(p, column, ds);
-            } else {
+            if (isIndexed) {
                 settleByIndex(p, column, ds, index);
+            } else {
+                settleBySearch(p, column, ds);
             }
         }
     }
-    (void)poolFree(p->cpool, index.data());  // otherwise it goes with the pool
+    (void)poolFree(p->cpool, index.columns);  // otherwise they go with the pool
+    (void)poolFree(p->cpool, index.buckets);
 }
 
 QVStatus charInformatDefaultWidths(JMAP_PRIVATE* p, MAP* m, QVPoolh pool, INFORMATINFO** ii) {

@@ -45,7 +45,8 @@ QVStatus addColumn(JMAP_PRIVATE* p, DSINFO* ds, const PATHINFO& info, COLUMNNAME
     column->length = static_cast<uint64_t>(info.pathMaxValLen);
     append(ds->vhead, ds->vtail, column);
     ds->varcount += 1;
-    return indexLastColumn(p, ds, names);
+    indexLastColumn(p, ds, names);
+    return QV_OK;
 }
 
 QVStatus addColumns(JMAP_PRIVATE* p, DSINFO* ds, PATHINFO* n, COLUMNNAMES& names) {
@@ -72,7 +73,7 @@ QVStatus addColumns(JMAP_PRIVATE* p, DSINFO* ds, PATHINFO* n, COLUMNNAMES& names
 QVStatus doVariables(JMAP_PRIVATE* p, DSINFO* ds, PATHINFO* n) {
     COLUMNNAMES names = {};
     const QVStatus rc = addColumns(p, ds, n, names);
-    (void)destroyHandle(names.tracker);  // an index only: its end changes nothing
+    endColumnNames(p, names);
     return rc;
 }
 

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "qvejmap.h"
+#include "arena.h"
 #include "records.h"
 
 inline constexpr QVStrSize kBlockBytes = 1048576;  // capacity of one block of the record stream
@@ -41,20 +42,27 @@ struct JMAP_PRIVATE {
     JSNParserh mapParser;  // owned, ended by MapTerm
     QVStringServiceh smh;  // string service of the document encoding; owned
 
-    // Text of the record being written.
+    // Tree of known paths.
+    PATHNODE pathRoot;    // the root component
+    PATHNODE* pathAt;     // of the labels on the stack
+    ARENA pathArena;      // nodes, names, heads
+    QVTrackerh members;   // parent and name -> PATHNODE, of nodes with many members; owned, ended
+                          // after the scan
+
+    // Text of the record being written; also a scratch buffer between records.
     VARSTR path;
 
     // Statistics of paths.
     PATHINFO* pathInfoHead;
     PATHINFO* pathInfoTail;
-    PATHINFO* pathInfoLast;  // path of the last value; null when that was a new one
+    PATHINFO* pathInfoLast;  // path of the last value; null when it cannot be found again
     QVTrackerh hash;        // full path -> PATHINFO; owned, ended after the scan
     QVTrackerh hash2;       // parent path -> group head; likewise
     QVTrackerh dsNameHash;  // upper-cased table name -> DSNAMELIST; likewise
 
     // Nesting.
-    LEVEL* lhead;            // top of the stack
-    LEVEL* ltail;            // bottom; Kept: not cleared when the stack becomes empty
+    LEVEL* lhead;            // top of the stack, null when it is empty
+    LEVEL* ltail;            // bottom, kept when the stack becomes empty
     int32_t labelCount;      // labels on the stack minus one; the reader keeps a record's count here
     int32_t labelCountMax;   // highest `labelCount` of the scan
     int32_t* labelCurLens;   // [labelMaxesSize + 1] length of the label last pushed at each depth

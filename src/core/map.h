@@ -59,10 +59,27 @@ struct DSINFO {
     QVStrSize tablePathLen;
 };
 
+// One table in an index.  Tables are told by their position plus 1; 0: none.
+struct MAPSLOT {
+    DSINFO* ds;
+    uint32_t hash;  // of its name in upper case
+    uint32_t next;  // table of the same bucket, in map order
+};
+
+// The tables of a map by position and by name.  Zero-filled it is empty.
+struct MAPINDEX {
+    MAPSLOT* slots;     // [size] by position
+    uint32_t* buckets;  // [size] the first table whose name's hash ends in this number
+    uint64_t size;      // a power of two
+    uint64_t count;     // tables in it: the first ones of the map
+    uint64_t linked;    // of them, those in a bucket: a mere listing needs no names
+};
+
 struct MAP {
     MAPTYPE mtype;
     DSINFO* dshead;
     DSINFO* dstail;
+    MAPINDEX index;  // made when it is needed, see map_index.h
 };
 
 // One candidate table name of the automatic map.

@@ -41,15 +41,44 @@ struct VARSTR {
     QVStrSize alloc;  // bytes allocated
 };
 
-// One entry of the nesting stack; freed by freeLevel.
+struct PATHINFO;
+struct PATHNODE;
+
+// One entry of the nesting stack.  Entries above the top stay linked for the next push.
 struct LEVEL {
     LEVEL* next;  // entry below, null at the bottom
-    LEVEL* prev;  // entry above, null at the top
+    LEVEL* prev;  // entry above, perhaps an unused one; null when none has been there yet
     WHAT what;
-    char* name;         // label text, own copy behind the entry; null for containers
+    const char* name;   // label text, borrowed; null for containers
     QVStrSize nameLen;  // bytes, 0 for containers
+    PATHNODE* node;     // of a label; null for containers and for elements
     int refcount;       // Kept: never used, 0
     int levelNum;       // Kept: never used, 0
+};
+
+// A label below the labels in front of it: one place in the tree of known paths.  Members are told
+// apart by their names, elements by their numbers.  Two nodes may have the same text, since a label
+// may hold a separator and a member may be named as an element is.
+struct PATHNODE {
+    PATHNODE* sibling;      // members: the one made before it
+    PATHNODE* members;      // children, the latest first
+    int64_t memberCount;    // of them
+    PATHNODE* elements[2];  // the first element named after the label, and the first plain one
+    PATHNODE* lastElement;  // the element that was read last
+    PATHINFO* group;        // head of the group of its children, once it can be found again
+    int64_t number;         // of an element, else 0
+    bool plain;             // an element named "element", not after a label
+    bool marked;            // a marker has been written
+    int32_t labels;         // in the path
+    QVStrSize textLen;      // bytes of the path
+    PATHINFO* info;         // its statistics, once they can be found again
+    char* head;             // see makeHead; null: not worth it yet
+    QVStrSize headLen;
+    PATHNODE* lastMember;  // the child that was read last
+    PATHNODE* follower;    // the member or element that came after it the last time
+    QVStrSize nameLen;
+    PATHNODE* parent;  // must be last: with the name behind it, it is the key of a member.  Null: the
+                       // root component
 };
 
 // Where a value begins in the document, counted from 1; all 0: not known.
@@ -72,7 +101,6 @@ struct PATHINFO {
     PATHINFO* down;      // next member of the group
     PATHINFO* downtail;  // in a group head: last member of its group
     PATHINFO* head;      // in a member: its group head
-    PATHINFO* follower;  // the path that came after it the last time
     char* path;          // own copy: root, separators, labels
     QVStrSize pathLen;
     int64_t count;   // records with this path

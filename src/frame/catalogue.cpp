@@ -5,8 +5,8 @@
 
 #include "automap/lengths.h"
 #include "automap/map_dump.h"
+#include "automap/map_index.h"
 #include "core/context.h"
-#include "core/list.h"
 #include "core/map.h"
 #include "core/pool.h"
 #include "core/status.h"
@@ -22,14 +22,8 @@ namespace {
 constexpr QVStatus kMemberExists = 0;
 constexpr QVStatus kNoMember = 1;
 
-// The tables of a map; none of a null map.
-[[nodiscard]] auto tablesOf(QVMemPtr m) noexcept {
-    const auto* map = static_cast<MAP*>(m);
-    return each(map == nullptr ? nullptr : map->dshead);
-}
-
 // Equal by the document's string service; by bytes when it could not be made.
-[[nodiscard]] bool sameName(JMAP_PRIVATE* p, std::string_view a, std::string_view b) noexcept {
+[[nodiscard]] bool sameName(JMAP_PRIVATE* p, std::string_view a, std::string_view b) {
     if (a.size() != b.size()) {
         return false;
     }
@@ -59,21 +53,19 @@ QVStatus GetUserMap(QVEJMAPJsonContexth inh, QVMemPtr* m, QVPoolh pool, INFORMAT
     return charInformatDefaultWidths(p, p->usermap, pool, ii);
 }
 
-QVStatus GetDsName(QVEJMAPJsonContexth /*inh*/, QVMemPtr m, uint64_t index, char* dsname,
+QVStatus GetDsName(QVEJMAPJsonContexth inh, QVMemPtr m, uint64_t index, char* dsname,
                    int16_t* dsnameLen) {
-    for (const DSINFO& ds : tablesOf(m)) {
-        if (index-- != 0) {
-            continue;
-        }
-        const QVStrSize capacity = std::max<QVStrSize>(*dsnameLen, 0);
-        const QVStrSize count = std::min(capacity, ds.nameLen);
-        *dsnameLen = static_cast<int16_t>(count);
-        if (count > 0) {
-            std::memcpy(dsname, ds.name, static_cast<size_t>(count));
-        }
-        return QV_OK;
+    const DSINFO* ds = tableAt(contextOf(inh), static_cast<MAP*>(m), index);
+    if (ds == nullptr) {
+        return QV_EOF;
     }
-    return QV_EOF;
+    const QVStrSize capacity = std::max<QVStrSize>(*dsnameLen, 0);
+    const QVStrSize count = std::min(capacity, ds->nameLen);
+    *dsnameLen = static_cast<int16_t>(count);
+    if (count > 0) {
+        std::memcpy(dsname, ds->name, static_cast<size_t>(count));
+    }
+    return QV_OK;
 }
 
 QVStatus MemberExist(QVEJMAPJsonContexth inh, QVMemPtr m, int16_t nameLen, char* name) {
@@ -82,10 +74,8 @@ QVStatus MemberExist(QVEJMAPJsonContexth inh, QVMemPtr m, int16_t nameLen, char*
     }
     JMAP_PRIVATE* p = contextOf(inh);
     const std::string_view wanted = view(name, nameLen);
-    for (const DSINFO& ds : tablesOf(m)) {
-        if (sameName(p, view(ds.name, ds.nameLen), wanted)) {
-            return kMemberExists;
-        }
+    if (findTable(p, static_cast<MAP*>(m), wanted, sameName) != nullptr) {
+        return kMemberExists;
     }
     // Beside the map, and there whenever it was named.
     const bool isAlldata = sameName(p, wanted, view(p->alldataName, p->alldataNameLen));

@@ -10,6 +10,7 @@
 #include "core/text.h"
 #include "options.h"
 #include "scan/events.h"
+#include "scan/path_tree.h"
 
 #include <algorithm>
 #include <cstring>
@@ -177,6 +178,7 @@ QVStatus JsonInit(QVExtensionh inh, QVEJMAPJsonInitParms* parms, QVEJMAPJsonCont
     takeDescription(p, *parms);
     p->flags = parms->flags;
     setSeparators(p);
+    startPathTree(p);
     if (parms->debugStringLen != 0) {
         jmap->nls->upper8(jmap->nls, parms->debugString, parms->debugStringLen);
         applyKeywords(p, parms->debugString, parms->debugStringLen);

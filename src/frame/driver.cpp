@@ -82,6 +82,7 @@ void noteLevels(JMAP_PRIVATE* p) noexcept {
 void releaseHashes(JMAP_PRIVATE* p) noexcept {
     (void)destroyHandle(p->hash);  // the parse is over, whatever they say
     (void)destroyHandle(p->hash2);
+    (void)destroyHandle(p->members);
     (void)destroyHandle(p->dsNameHash);
 }
 

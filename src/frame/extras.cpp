@@ -1,5 +1,5 @@
 // What tools need beyond the operation table: tables and columns by position, the records of the
-// stream, the statistics of paths.
+// stream, the rows of many tables in one walk, the statistics of paths.
 //
 // Tested by tests/frame/extras_test.cpp
 #include "qvejmapx.h"
@@ -10,11 +10,14 @@
 #include "core/readctx.h"
 #include "core/status.h"
 #include "core/text.h"
+#include "reader/number_cell.h"
 #include "reader/read_context.h"
 #include "reader/row_loop.h"
+#include "reader/table_pass.h"
 #include "scan/path_stats.h"
 #include "scan/record_format.h"
 
+#include <bit>
 #include <string_view>
 
 // A cursor loads blocks as an open table does, so its state is that of one: `p`, `rpool`, `z`,
@@ -162,6 +165,32 @@ QVStatus jmapRecordsClose(JMAPRecordCursorh cursor) {
     QVPoolh pool = cursor->rp.rpool;
     (void)destroyHandle(pool);  // the cursor is gone with it
     return rc;
+}
+
+// ---- Rows of many tables in one walk ------------------------------------------------------------
+
+QVStatus jmapPassOpen(QVEJMAPJsonContexth inh, const JMAPTableh* tables, QVStrSize tableCount,
+                      uint64_t flags, JMAPPassh* pass) {
+    return openPass(contextOf(inh), tables, tableCount, flags, pass);
+}
+
+QVStatus jmapPassNext(JMAPPassh pass, JMAPPassItem* item) {
+    return nextItem(pass, item);
+}
+
+QVStatus jmapPassClose(JMAPPassh pass) {
+    return closePass(pass);
+}
+
+QVBoolean jmapPassTextsStay(JMAPPassh pass) {
+    return flag(pass->textsStay);
+}
+
+QVStatus jmapToNumber(QVEJMAPJsonContexth inh, const char* text, QVStrSize textLen,
+                      double* number) {
+    const NUMBERCELL cell = numberCell(contextOf(inh)->smh, view(text, textLen));
+    *number = std::bit_cast<double>(cell.bits);
+    return cell.word != nullptr ? QV_OK : cell.status;
 }
 
 // ---- Statistics of paths ------------------------------------------------------------------------

@@ -127,11 +127,16 @@ Pool::Pool(Host& host, std::string_view name)
 }
 
 Pool::~Pool() {
+    const std::byte* usedEnd = heldEnd_;  // of the newest region; the others are used up
     while (regions_ != nullptr) {
         Region* const region = regions_;
+        auto* const begin = reinterpret_cast<std::byte*>(region);
+        const std::size_t size = region->size;
+        const auto used = usedEnd == nullptr ? size : static_cast<std::size_t>(usedEnd - begin);
+        usedEnd = nullptr;
         regions_ = region->next;
-        reveal(region, region->size);
-        cache_.put(reinterpret_cast<std::byte*>(region), region->size);
+        reveal(begin, size);
+        cache_.put(begin, size, used);
     }
     while (huge_ != nullptr) {
         Huge* const huge = huge_;

@@ -59,9 +59,9 @@ RegionCache::Mapping RegionCache::get(std::size_t wanted, std::size_t least) {
     return {begin, wanted, true};
 }
 
-void RegionCache::put(std::byte* begin, std::size_t size) {
+void RegionCache::put(std::byte* begin, std::size_t size, std::size_t used) {
     const std::lock_guard lock(mutex_);
-    if (bytes_ + size > kMostKept || madvise(begin, size, MADV_FREE) != 0) {
+    if (bytes_ + size > kMostKept || madvise(begin, used, MADV_FREE) != 0) {
         unmapMemory(begin, size);
         return;
     }

@@ -31,7 +31,9 @@ class RegionCache {
     // A mapping of `wanted` bytes or more, or one of at least `least` when that is all there is.
     Mapping get(std::size_t wanted, std::size_t least);
     // Takes a mapping over, without any part of it hidden from the address sanitizer.
-    void put(std::byte* begin, std::size_t size);
+    //   used  bytes at its begin that may have been written since it was had: only they are marked,
+    //         or else every end of a small pool would cost as much as its region is large
+    void put(std::byte* begin, std::size_t size, std::size_t used);
 
    private:
     struct Kept {

@@ -1,6 +1,9 @@
 // Trackers on Boost's unordered_flat_map: open addressing in groups of 15, found by one SIMD
 // compare.
 //
+// A key carries its hash, so that a growing table does not read the texts again: there are
+// documents of a million paths, and each text is a miss of the cache.
+//
 // Tested by tests/host/tracker_test.cpp
 #include "host/tracker.h"
 
@@ -54,9 +57,20 @@ struct CountingAllocator {
     }
 };
 
-using Entry = std::pair<const std::string_view, QVMemPtr>;
-using Table = boost::unordered_flat_map<std::string_view, QVMemPtr, ByteHash,
-                                        std::equal_to<std::string_view>, CountingAllocator<Entry>>;
+struct Key {
+    std::string_view text;
+    std::size_t hash;
+
+    bool operator==(const Key& other) const { return hash == other.hash && text == other.text; }
+};
+struct KeptHash {
+    using is_avalanching = void;  // as ByteHash
+    std::size_t operator()(const Key& key) const noexcept { return key.hash; }
+};
+
+using Entry = std::pair<const Key, QVMemPtr>;
+using Table = boost::unordered_flat_map<Key, QVMemPtr, KeptHash, std::equal_to<Key>,
+                                        CountingAllocator<Entry>>;
 
 class Tracker : public QVTracker {
    public:
@@ -74,7 +88,12 @@ class Tracker : public QVTracker {
     static QVMemPtr findKey(QVTrackerh handle, const char* key, QVStrSize keyLen) noexcept;
     static QVStatus insertKey(QVTrackerh handle, const char* key, QVStrSize keyLen, QVMemPtr value);
     static QVStatus destroyTracker(QVGeneric* self);
+    [[nodiscard]] Key keyOf(const char* key, QVStrSize keyLen) const noexcept {
+        const std::string_view text(key, static_cast<std::size_t>(keyLen));
+        return {text, hash_(text)};
+    }
 
+    ByteHash hash_;
     HostObject entry_;
     Table table_;
 };
@@ -83,8 +102,9 @@ QVMemPtr Tracker::findKey(QVTrackerh handle, const char* key, QVStrSize keyLen) 
     if (keyLen < 0) {
         return nullptr;
     }
-    const Table& table = static_cast<Tracker*>(handle)->table_;
-    const auto found = table.find(std::string_view(key, static_cast<std::size_t>(keyLen)));
+    const Tracker* const tracker = static_cast<Tracker*>(handle);
+    const Table& table = tracker->table_;
+    const auto found = table.find(tracker->keyOf(key, keyLen));
     return found == table.end() ? nullptr : found->second;
 }
 
@@ -92,8 +112,8 @@ QVStatus Tracker::insertKey(QVTrackerh handle, const char* key, QVStrSize keyLen
     if (keyLen < 0) {
         return QV_BADPARMS;
     }
-    const std::string_view view(key, static_cast<std::size_t>(keyLen));
-    static_cast<Tracker*>(handle)->table_.insert_or_assign(view, value);
+    Tracker* const tracker = static_cast<Tracker*>(handle);
+    tracker->table_.insert_or_assign(tracker->keyOf(key, keyLen), value);
     return QV_OK;
 }
 

@@ -1,6 +1,6 @@
 // The columns of an open table by their path.
 //
-// Tested by tests/reader/column_index_test.cpp
+// Tested by tests/reader/row_loop_test.cpp
 #include "column_index.h"
 
 #include "core/pool.h"

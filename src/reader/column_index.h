@@ -3,7 +3,7 @@
 // Most records of a stream belong to other tables.  A set of path lengths turns nearly all of them
 // away; a hash table finds the columns of the rest, however many columns the table has.
 //
-// Tested by tests/reader/column_index_test.cpp
+// Tested by tests/reader/row_loop_test.cpp
 #pragma once
 
 #include "core/readctx.h"

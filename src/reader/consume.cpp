@@ -10,6 +10,7 @@
 #include "core/pool.h"
 #include "core/status.h"
 #include "core/text.h"
+#include "number_cell.h"
 #include "row_boundary.h"
 #include "row_layout.h"
 #include "scan/path_text.h"
@@ -85,24 +86,6 @@ void countOrdinal(JMAP_READPRIVATE* rp, VARINFO& column, std::string_view path) 
     }
 }
 
-// Texts that a numeric column takes although they are no numbers.
-struct WORD {
-    std::string_view text;
-    uint64_t bits;
-    const QVChar* note;
-};
-constexpr WORD kWords[] = {
-    {"true", std::bit_cast<uint64_t>(1.0), U"consumePathVar [%.*hs] [%.*hs] set to 1 (true)"},
-    {"null", QVEJMAP_MISSING_BITS, U"consumePathVar [%.*hs] [%.*hs] set to MISSING (null)"},
-    {"false", std::bit_cast<uint64_t>(0.0), U"consumePathVar [%.*hs] [%.*hs] set to 0 (false)"},
-};
-
-const WORD* findWord(std::string_view text) noexcept {
-    const auto* word = std::find_if(std::begin(kWords), std::end(kWords),
-                                    [&](const WORD& w) { return w.text == text; });
-    return word == std::end(kWords) ? nullptr : word;
-}
-
 // A value on its way into the columns of its path.
 struct STORE {
     QVEJMAPReadContexth rctx;
@@ -174,18 +157,11 @@ void flagBad(const STORE& store, uint32_t i) {
 QVStatus storeNumber(STORE& store, uint32_t i) {
     JMAP_READPRIVATE* rp = store.rp;
     const VARINFO& column = rp->varinfo[i];
-    QVStringServiceh smh = rp->p->smh;
-    double number = 0.0;
-    QVStrSize used = 0;
-    // A document without a string service (JsonInit said so) has no numbers.
-    store.status = smh == nullptr ? QV_UNSUPPORTED
-                                  : smh->toDouble(smh, store.value.data(), lengthOf(store.value),
-                                                  &number, &used);
-    storeDouble(*rp, column, number);
-    const WORD* word = store.status == QV_OK ? nullptr : findWord(store.value);
-    if (word != nullptr) {
-        storeBits(*rp, column, word->bits);
-        noteWord(store, column, *word);
+    const NUMBERCELL number = numberCell(rp->p->smh, store.value);
+    store.status = number.status;
+    storeBits(*rp, column, number.bits);
+    if (number.word != nullptr) {
+        noteWord(store, column, *number.word);
         store.wordSeen = true;
     } else if (store.status == QV_OK || store.status == QV_NOTNUM) {
         if (store.status == QV_NOTNUM) {

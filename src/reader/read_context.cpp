@@ -3,8 +3,8 @@
 // Tested by tests/reader/read_context_test.cpp
 #include "read_context.h"
 
+#include "automap/map_index.h"
 #include "automap/names.h"
-#include "core/list.h"
 #include "core/note.h"
 #include "core/pool.h"
 #include "core/status.h"
@@ -17,24 +17,16 @@
 namespace jmap {
 namespace {
 
-// The first table of the map that has the name in any case, or null.
-DSINFO* findTable(MAP* map, std::string_view name) noexcept {
-    char wanted[sizeof(DSINFO::name)];
-    if (map == nullptr || name.size() > sizeof wanted) {
-        return nullptr;
+// Equal in any case; no name is longer than DSINFO::name.
+bool sameInAnyCase(JMAP_PRIVATE* /*p*/, std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) {
+        return false;
     }
-    upperName(wanted, name);
-    for (DSINFO& ds : each(map->dshead)) {
-        if (ds.nameLen != lengthOf(name)) {
-            continue;
-        }
-        char candidate[sizeof ds.name];
-        upperName(candidate, view(ds.name, ds.nameLen));
-        if (std::memcmp(candidate, wanted, name.size()) == 0) {
-            return &ds;
-        }
-    }
-    return nullptr;
+    char upperA[sizeof(DSINFO::name)];
+    char upperB[sizeof(DSINFO::name)];
+    upperName(upperA, a);
+    upperName(upperB, b);
+    return std::memcmp(upperA, upperB, a.size()) == 0;
 }
 
 // Keeps the table name, cut, in one of the structures.
@@ -74,7 +66,7 @@ QVStatus ReadInit(QVEJMAPJsonContexth inh, QVMemPtr inmap, char* dsname, QVStrSi
         return JMAP_NOTABLE;
     }
     const std::string_view name = view(dsname, dsnameLen);
-    DSINFO* ds = findTable(static_cast<MAP*>(inmap), name);
+    DSINFO* ds = findTable(p, static_cast<MAP*>(inmap), name, sameInAnyCase);
     if (ds != nullptr) {
         return openTable(inh, ds, name, false, rip, inrctx);
     }

@@ -13,7 +13,7 @@
 //     the same                    FIRST          AGAIN          ends the row
 //     the same, row still empty   FIRST          AGAIN_EMPTY
 //
-// Tested by tests/reader/consume_test.cpp
+// Tested by tests/reader/row_loop_test.cpp
 #pragma once
 
 #include "core/text.h"

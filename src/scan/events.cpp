@@ -8,6 +8,7 @@
 #include "core/status.h"
 #include "core/text.h"
 #include "nesting.h"
+#include "path_tree.h"
 #include "record_stream.h"
 
 #include <algorithm>
@@ -35,6 +36,12 @@ void noteValue(JMAP_PRIVATE* p, std::string_view name, std::string_view value) {
     }
 }
 
+void noteName(JMAP_PRIVATE* p, std::string_view name) {
+    if (p->debugLevel) [[unlikely]] {
+        myLogNote(p, U"String [%.*hs] %hs ", noteLen(lengthOf(name)), name.data(), "Label");
+    }
+}
+
 // The record that stands for an empty object or array.
 QVStatus placeholder(JMAP_PRIVATE* p) {
     return generatePathVariableString(p, "FAKE", 4, "VAR", 3, VAL_FAKEVARIABLE);
@@ -45,9 +52,9 @@ QVStatus endContainer(JMAP_PRIVATE* p, WHAT what) {
     if (peekLevel(p) == nullptr || peekLevel(p)->what != what) {
         return JMAP_PARSE;
     }
-    QV_TRY(freeLevel(p, popLevel(p)));
+    (void)popLevel(p);
     if (peekLevel(p) != nullptr && peekLevel(p)->what == WHAT_LABEL) {
-        QV_TRY(freeLevel(p, popLevel(p)));
+        (void)popLevel(p);
     }
     dumpLevels(p);
     return QV_OK;
@@ -55,12 +62,9 @@ QVStatus endContainer(JMAP_PRIVATE* p, WHAT what) {
 
 // Records a value under the member name on top of the stack.
 QVStatus gotMember(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
-    LEVEL* label = popLevel(p);
+    const LEVEL* label = popLevel(p);
     noteValue(p, view(label->name, label->nameLen), value);
-    // Kept: after a failure the label is not freed before the document ends.
-    QV_TRY(generatePathVariableString(p, label->name, label->nameLen, value.data(), lengthOf(value),
-                                      type));
-    return freeLevel(p, label);
+    return recordValue(p, label, value, type);
 }
 
 // Room for an element's name.
@@ -82,15 +86,20 @@ QVStatus elementRoom(JMAP_PRIVATE* p, QVStrSize baseLen) {
     return QV_OK;
 }
 
+struct ELEMENTNAME {
+    std::string_view text;
+    bool whole;  // no digit is missing
+};
+
 // The base name and the number, cut to one byte less than the buffer.
-std::string_view formElementName(JMAP_PRIVATE* p, std::string_view base, uint64_t number) {
+ELEMENTNAME formElementName(JMAP_PRIVATE* p, std::string_view base, uint64_t number) {
     char digits[kMaxDigits];
     const char* end = std::to_chars(digits, digits + kMaxDigits, static_cast<int64_t>(number)).ptr;
     const QVStrSize room = p->elementBufLen - 1 - lengthOf(base);  // 0 or more
     const QVStrSize digitsLen = std::min<QVStrSize>(end - digits, room);
     std::memcpy(p->celementBuf, base.data(), base.size());
     std::memcpy(p->celementBuf + base.size(), digits, static_cast<std::size_t>(digitsLen));
-    return view(p->celementBuf, lengthOf(base) + digitsLen);
+    return {view(p->celementBuf, lengthOf(base) + digitsLen), digitsLen == end - digits};
 }
 
 // Delivers an element's value again, now that its name is on the stack.
@@ -112,25 +121,49 @@ QVStatus redeliver(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
     }
 }
 
+// Records an element whose path is known already: its name is not formed.  False when nothing has
+// been done.
+bool gotKnownElement(JMAP_PRIVATE* p, bool plain, std::string_view value, VALTYPE type) {
+    PATHNODE* at = p->pathAt;
+    PATHNODE* element = expectedElement(at, plain, static_cast<int64_t>(p->elementCount) + 1);
+    if (element == nullptr || !recordKnown(p, element, value, type)) {
+        return false;
+    }
+    at->lastElement = element;
+    p->labelCurLens[p->labelCount + 1] = static_cast<int32_t>(element->nameLen);
+    ++p->elementCount;
+    return true;
+}
+
 // Names an element of an array and records its value.
+[[gnu::noinline]] QVStatus gotOtherElement(JMAP_PRIVATE* p, bool plain, std::string_view value, VALTYPE type) {
+    const LEVEL* below = peekLevel(p)->next;
+    const std::string_view base =
+        plain ? std::string_view("element") : view(below->name, below->nameLen);
+    QV_TRY(elementRoom(p, lengthOf(base)));
+    ++p->elementCount;
+    const ELEMENTNAME name = formElementName(p, base, p->elementCount);
+    noteValue(p, name.text, value);
+    noteEvent(p, U"fstring");
+    noteName(p, name.text);
+    QV_TRY(newElementLabel(p, name.text));
+    QV_TRY(redeliver(p, value, type));
+    if (name.whole) {
+        rememberElement(p, plain, static_cast<int64_t>(p->elementCount), name.text);
+    }
+    return QV_OK;
+}
+
 // Kept: the number is one for the whole document and is reset by every array end, so numbering
 // starts again, and a marker is written again, behind an array inside an array.
 QVStatus gotElement(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
-    std::string_view base = "element";
     const LEVEL* below = peekLevel(p)->next;
-    if (below != nullptr && below->what == WHAT_LABEL) {
-        base = view(below->name, below->nameLen);
-        if (p->elementCount == 0) {
-            QV_TRY(generateMarker(p));
-        }
+    const bool plain = below == nullptr || below->what != WHAT_LABEL;
+    if (!plain && p->elementCount == 0) {
+        QV_TRY(generateMarker(p));
     }
-    QV_TRY(elementRoom(p, lengthOf(base)));
-    ++p->elementCount;
-    const std::string_view name = formElementName(p, base, p->elementCount);
-    noteValue(p, name, value);
-    QV_TRY(fstring(&p->parseCB, reinterpret_cast<const JSNChar*>(name.data()), lengthOf(name),
-                   JSN_MEMBERNAME));
-    return redeliver(p, value, type);
+    return gotKnownElement(p, plain, value, type) ? QV_OK
+                                                  : gotOtherElement(p, plain, value, type);
 }
 
 }  // namespace
@@ -146,7 +179,7 @@ QVStatus farrayStart(JSNParseCB* cb) {
         QV_TRY(generateMarker(p));
     }
     p->lastCallback = CB_ARRAYSTART;
-    return newLevel(p, WHAT_ARRAY, nullptr, 0);
+    return newLevel(p, WHAT_ARRAY);
 }
 
 QVStatus farrayEnd(JSNParseCB* cb) {
@@ -166,7 +199,7 @@ QVStatus fobjectStart(JSNParseCB* cb) {
     noteEvent(p, U"Object Start");
     p->lastCallback = CB_OBJECTSTART;
     QV_TRY(generateMarker(p));
-    return newLevel(p, WHAT_OBJECT, nullptr, 0);
+    return newLevel(p, WHAT_OBJECT);
 }
 
 QVStatus fobjectEnd(JSNParseCB* cb) {
@@ -207,10 +240,9 @@ QVStatus fstring(JSNParseCB* cb, const JSNChar* str, QVStrSize inlength, int32_t
     const char* text = reinterpret_cast<const char*>(str);
     p->lastCallback = CB_STRING;
     if (flags == JSN_MEMBERNAME) {
-        if (p->debugLevel) [[unlikely]] {
-            myLogNote(p, U"String [%.*hs] %hs ", noteLen(inlength), text, "Label");
-        }
-        return newLevel(p, WHAT_LABEL, text, inlength);
+        const std::string_view name = view(text, inlength);
+        noteName(p, name);
+        return newLabel(p, name);
     }
     return gotValue(p, text, std::min(inlength, kMaxValueLen), VAL_STRING);
 }

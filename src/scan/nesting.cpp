@@ -8,9 +8,9 @@
 #include "core/pool.h"
 #include "core/status.h"
 #include "core/text.h"
+#include "path_tree.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace jmap {
 namespace {
@@ -53,20 +53,20 @@ QVStatus growLabelArrays(JMAP_PRIVATE* p) {
     return QV_OK;
 }
 
-// An entry; its name follows it in the same piece of memory, since entries come and go with every
-// member.
-LEVEL* makeLevel(JMAP_PRIVATE* p, WHAT what, std::string_view name) {
-    constexpr auto kLevelBytes = static_cast<QVStrSize>(sizeof(LEVEL));
-    auto* l = static_cast<LEVEL*>(p->cpool->allocate(p->cpool, kLevelBytes + lengthOf(name), 0));
-    if (l == nullptr) {
-        return nullptr;
+// The entry above the top; null when there has been none yet.
+LEVEL* entryAbove(JMAP_PRIVATE* p) {
+    return p->lhead == nullptr ? p->ltail : p->lhead->prev;
+}
+
+LEVEL* makeEntryAbove(JMAP_PRIVATE* p) {
+    LEVEL* l = entryAbove(p);
+    if (l != nullptr) {
+        return l;
     }
-    *l = {};
-    l->what = what;
-    if (what == WHAT_LABEL) {
-        l->name = reinterpret_cast<char*>(l + 1);
-        l->nameLen = lengthOf(name);
-        std::memcpy(l->name, name.data(), name.size());
+    l = poolNew<LEVEL>(p->cpool);
+    if (l != nullptr) {
+        l->next = p->lhead;
+        (p->lhead == nullptr ? p->ltail : p->lhead->prev) = l;
     }
     return l;
 }
@@ -87,35 +87,67 @@ QVStatus countLabel(JMAP_PRIVATE* p, QVStrSize nameLen) {
     return QV_OK;
 }
 
-QVStatus pushText(JMAP_PRIVATE* p, std::string_view name) {
-    QV_TRY(beginPath(p));
-    QV_TRY(jmapVarstrCheck(p, &p->path, lengthOf(name) + 2));
-    put(&p->path, p->sep);
-    put(&p->path, name);
+QVStatus push(JMAP_PRIVATE* p, LEVEL* l, WHAT what, std::string_view name, PATHNODE* node) {
+    l->what = what;
+    l->name = name.data();
+    l->nameLen = lengthOf(name);
+    l->node = node;
+    p->lhead = l;
+    dumpLevels(p);
     return QV_OK;
+}
+
+QVStatus pushLabel(JMAP_PRIVATE* p, LEVEL* l, PATHNODE* node) {
+    p->pathAt->lastMember = node;
+    p->pathAt = node;
+    return push(p, l, WHAT_LABEL, nameOf(node), node);
+}
+
+[[gnu::noinline]] QVStatus newLevelSlowly(JMAP_PRIVATE* p, WHAT what) {
+    LEVEL* l = makeEntryAbove(p);
+    return l == nullptr ? QV_NOMEM : push(p, l, what, {}, nullptr);
+}
+
+[[gnu::noinline]] QVStatus newLabelSlowly(JMAP_PRIVATE* p, std::string_view name) {
+    LEVEL* l = makeEntryAbove(p);
+    PATHNODE* node = l == nullptr ? nullptr : memberNode(p, name);
+    if (node == nullptr) {
+        return QV_NOMEM;
+    }
+    QV_TRY(countLabel(p, node->nameLen));
+    return pushLabel(p, l, node);
 }
 
 }  // namespace
 
-QVStatus newLevel(JMAP_PRIVATE* p, WHAT what, const char* name, QVStrSize nameLen) {
-    LEVEL* l = makeLevel(p, what, view(name, nameLen));
+QVStatus newLevel(JMAP_PRIVATE* p, WHAT what) {
+    LEVEL* l = entryAbove(p);
+    if (l == nullptr || p->debugLevel) [[unlikely]] {
+        return newLevelSlowly(p, what);
+    }
+    return push(p, l, what, {}, nullptr);
+}
+
+QVStatus newLabel(JMAP_PRIVATE* p, std::string_view name) {
+    LEVEL* l = entryAbove(p);
+    PATHNODE* node = expectedMember(p->pathAt, name);
+    if (l == nullptr || node == nullptr || !inStep(p, node->labels) || p->debugLevel ||
+        p->debugAllData) [[unlikely]] {
+        return newLabelSlowly(p, name);
+    }
+    // It has been counted before; only the length at its depth may be another's.
+    ++p->labelCount;
+    p->labelCurLens[p->labelCount] = static_cast<int32_t>(node->nameLen);
+    return pushLabel(p, l, node);
+}
+
+QVStatus newElementLabel(JMAP_PRIVATE* p, std::string_view name) {
+    LEVEL* l = makeEntryAbove(p);
     if (l == nullptr) {
         return QV_NOMEM;
     }
-    if (what == WHAT_LABEL) {
-        // Kept: after a failure the entry is not freed and the label may be counted already.
-        QV_TRY(countLabel(p, nameLen));
-        QV_TRY(pushText(p, view(name, nameLen)));
-    }
-    if (p->lhead == nullptr) {
-        p->ltail = l;
-    } else {
-        l->next = p->lhead;
-        p->lhead->prev = l;
-    }
-    p->lhead = l;
-    dumpLevels(p);
-    return QV_OK;
+    QV_TRY(countLabel(p, lengthOf(name)));
+    return push(p, l, WHAT_LABEL, name, nullptr);
 }
 
 LEVEL* popLevel(JMAP_PRIVATE* p) {
@@ -123,29 +155,17 @@ LEVEL* popLevel(JMAP_PRIVATE* p) {
     if (l == nullptr) {
         return nullptr;
     }
-    if (l->next != nullptr) {
-        l->next->prev = nullptr;
-    }
     p->lhead = l->next;
-    if (l->what == WHAT_LABEL) {
-        p->path.len -= l->nameLen + 1;
+    if (l->node != nullptr) {
+        p->pathAt = l->node->parent;
     }
-    // Kept: the member name "" is counted when pushed but not when popped, so that every later
-    // record of the document counts one label too many.
-    if (l->nameLen != 0) {
+    if (l->nameLen != 0) {  // see inStep
         --p->labelCount;
     }
     return l;
 }
 
-QVStatus freeLevel(JMAP_PRIVATE* p, LEVEL* l) {
-    return poolFree(p->cpool, l);
-}
-
-void dumpLevels(JMAP_PRIVATE* p) {
-    if (!p->debugLevel) [[likely]] {
-        return;
-    }
+void noteLevels(JMAP_PRIVATE* p) {
     myLogNote(p, U"--- level dump ---");
     if (p->lhead == nullptr) {
         myLogNote(p, U"  empty");

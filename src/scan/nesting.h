@@ -1,7 +1,7 @@
 // The nesting stack: the containers and member names around the value being scanned.
 //
-// The labels on the stack, read from the bottom, are the path of the value: `path` holds its text,
-// the root component and for each label the separator and its bytes, from the first label on.
+// The labels on the stack, read from the bottom, are the path of the value; `pathAt` is their node in
+// the tree of known paths.
 // Beside the stack the context keeps for each depth of label the current and the longest length.
 //
 // Tested by tests/scan/nesting_test.cpp
@@ -16,23 +16,40 @@
 
 namespace jmap {
 
-// Pushes an entry.  A label's name is copied; containers come with a null name and length 0.
-// QV_NOMEM leaves the entry unlinked, perhaps with its label counted.
-[[nodiscard]] QVStatus newLevel(JMAP_PRIVATE* p, WHAT what, const char* name, QVStrSize nameLen);
+// Pushes a container.  QV_NOMEM leaves the stack as it was.
+[[nodiscard]] QVStatus newLevel(JMAP_PRIVATE* p, WHAT what);
 
-// Takes the top entry off, null when the stack is empty.  The caller ends it with freeLevel.
-[[nodiscard]] LEVEL* popLevel(JMAP_PRIVATE* p);
+// Pushes the label of a member.  QV_NOMEM leaves the stack as it was, perhaps with the label counted.
+[[nodiscard]] QVStatus newLabel(JMAP_PRIVATE* p, std::string_view name);
+
+// Pushes the label of an element.  It stands for one scalar and has no place in the tree; `name` is
+// borrowed until it is popped.
+[[nodiscard]] QVStatus newElementLabel(JMAP_PRIVATE* p, std::string_view name);
+
+// Takes the top entry off, null when the stack is empty.  It is good until the next push.
+LEVEL* popLevel(JMAP_PRIVATE* p);
 
 // The top entry, null when the stack is empty.
 [[nodiscard]] inline LEVEL* peekLevel(JMAP_PRIVATE* p) noexcept {
     return p->lhead;
 }
 
-// Gives the entry and its name back to the document pool; the pool's status.
-[[nodiscard]] QVStatus freeLevel(JMAP_PRIVATE* p, LEVEL* l);
+// Whether a label that comes next, or was popped last, has index `labels` - 1, as it should.
+// Kept: a member name "" is counted when it is pushed but not when it is popped, so that from then on
+// every record of the document counts a label too many, and lengths are kept one depth too deep.
+[[nodiscard]] inline bool inStep(const JMAP_PRIVATE* p, int32_t labels) noexcept {
+    return p->labelCount + 2 == labels;
+}
 
-// Notes the stack from top to bottom when `debugLevel` is set.
-void dumpLevels(JMAP_PRIVATE* p);
+// Notes the stack from top to bottom.
+void noteLevels(JMAP_PRIVATE* p);
+
+// The same when `debugLevel` is set.
+inline void dumpLevels(JMAP_PRIVATE* p) {
+    if (p->debugLevel) [[unlikely]] {
+        noteLevels(p);
+    }
+}
 
 // Grows `v` for `need` more bytes; see jmapVarstrCheck.
 [[nodiscard]] QVStatus growVarstr(JMAP_PRIVATE* p, VARSTR* v, QVStrSize need);
@@ -51,15 +68,6 @@ inline void put(VARSTR* v, std::string_view text) noexcept {
 
 inline void put(VARSTR* v, char c) noexcept {
     v->str[v->len++] = c;
-}
-
-// Puts the root component into `path` unless it is there.
-[[nodiscard]] inline QVStatus beginPath(JMAP_PRIVATE* p) {
-    if (p->path.len == 0) [[unlikely]] {
-        QV_TRY(jmapVarstrCheck(p, &p->path, p->rootL));
-        put(&p->path, view(p->root, p->rootL));
-    }
-    return QV_OK;
 }
 
 }  // namespace jmap

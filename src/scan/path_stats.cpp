@@ -45,10 +45,11 @@ PATHINFO* find(QVTrackerh tracker, std::string_view key) {
     return static_cast<PATHINFO*>(tracker->find(tracker, key.data(), lengthOf(key)));
 }
 
-void enter(QVTrackerh tracker, std::string_view key, PATHINFO* info) {
-    if (tracker != nullptr) {
-        (void)tracker->insert(tracker, key.data(), lengthOf(key), info);
-    }
+// The entry, or null when it will not be found.
+PATHINFO* enter(QVTrackerh tracker, std::string_view key, PATHINFO* info) {
+    const bool entered =
+        tracker != nullptr && tracker->insert(tracker, key.data(), lengthOf(key), info) == QV_OK;
+    return entered ? info : nullptr;
 }
 
 void createTrackers(JMAP_PRIVATE* p) {
@@ -70,20 +71,6 @@ VARTYPE typeOf(VALTYPE type) {
     }
 }
 
-// The statistics of a known path.  Documents repeat themselves: mostly it is the path that followed
-// the last one before, and need not be looked up.
-PATHINFO* findPath(JMAP_PRIVATE* p, std::string_view path) {
-    PATHINFO* info = p->pathInfoLast == nullptr ? nullptr : p->pathInfoLast->follower;
-    if (info == nullptr || view(info->path, info->pathLen) != path) {
-        info = find(p->hash, path);
-        if (p->pathInfoLast != nullptr) {
-            p->pathInfoLast->follower = info;
-        }
-    }
-    p->pathInfoLast = info;
-    return info;
-}
-
 // Where the value of the present event begins.
 PLACE presentPlace(JMAP_PRIVATE* p) {
     JSNParserh parser = p->parser;
@@ -101,31 +88,33 @@ void addKind(JMAP_PRIVATE* p, PATHKIND* last, VALTYPE kind) {
     }
 }
 
-void countKind(JMAP_PRIVATE* p, PATHKIND* kinds, VALTYPE kind) {
-    for (;; kinds = kinds->next) {
-        if (kinds->kind == kind) [[likely]] {
-            ++kinds->count;
-            return;
-        }
+[[gnu::noinline]] void countOtherKind(JMAP_PRIVATE* p, PATHKIND* kinds, VALTYPE kind) {
+    for (; kinds->kind != kind; kinds = kinds->next) {
         if (kinds->next == nullptr) {
             addKind(p, kinds, kind);
             return;
         }
     }
+    ++kinds->count;
 }
 
-void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, QVStrSize valLen) {
-    ++info->count;
-    countKind(p, &info->kinds, type);
-    if (info->type == VAR_DOUBLE && type == VAL_STRING) [[unlikely]] {
-        info->type = VAR_CHAR;
-        if (p->debugInsertPath) {
-            myLogNote(p, U"insertPathInfo type DOUBLE val type STRING so type now CHARACTER");
-        }
+void countKind(JMAP_PRIVATE* p, PATHKIND* kinds, VALTYPE kind) {
+    if (kinds->kind == kind) [[likely]] {
+        ++kinds->count;
+    } else {
+        countOtherKind(p, kinds, kind);
     }
-    if (valLen > info->pathMaxValLen) [[unlikely]] {
-        info->pathMaxValLen = valLen;
-        info->longest = presentPlace(p);
+}
+
+[[gnu::noinline]] void keepLongest(JMAP_PRIVATE* p, PATHINFO* info, QVStrSize valLen) {
+    info->pathMaxValLen = valLen;
+    info->longest = presentPlace(p);
+}
+
+[[gnu::noinline]] void becomeCharacter(JMAP_PRIVATE* p, PATHINFO* info) {
+    info->type = VAR_CHAR;
+    if (p->debugInsertPath) {
+        myLogNote(p, U"insertPathInfo type DOUBLE val type STRING so type now CHARACTER");
     }
 }
 
@@ -160,20 +149,22 @@ QVStatus insertNewPath(JMAP_PRIVATE* p, std::string_view path, VALTYPE type, QVS
         return QV_NOMEM;
     }
     const std::string_view ownPath = view(info->path, info->pathLen);  // keys are borrowed
+    PATHINFO** group = &p->pathAt->group;
     const std::string_view parent = firstOf(ownPath, ownPath.size() - p->lastNameLen);
-    PATHINFO* head = find(p->hash2, parent);
-    if (head != nullptr) {
-        joinGroup(head, info);
-        enter(p->hash, ownPath, info);
+    if (*group == nullptr) {
+        *group = find(p->hash2, parent);
+    }
+    if (*group != nullptr) {
+        joinGroup(*group, info);
+        p->pathInfoLast = enter(p->hash, ownPath, info);
         return QV_OK;
     }
     append(p->pathInfoHead, p->pathInfoTail, info);
     // Kept: a placeholder that heads its group cannot be found, so that the next one of the same
     // container becomes a second entry, in the group; from the third on that one counts.
-    if (info->type != VAR_FAKEVARIABLE) {
-        enter(p->hash, ownPath, info);
-    }
-    enter(p->hash2, parent, info);
+    p->pathInfoLast =
+        info->type == VAR_FAKEVARIABLE ? nullptr : enter(p->hash, ownPath, info);
+    *group = enter(p->hash2, parent, info);
     return QV_OK;
 }
 
@@ -190,12 +181,23 @@ QVStatus insertPathInfo(JMAP_PRIVATE* p, const char* path, QVStrSize pathLen, VA
         myLogNote(p, U"insertPathInfo [%.*hs] type %s valLen %d", noteLen(lengthOf(slashed)),
                   slashed.data(), valtypeToHostString(type), noteLen(valLen));
     }
-    PATHINFO* known = findPath(p, text);
-    if (known == nullptr) [[unlikely]] {
+    p->pathInfoLast = find(p->hash, text);
+    if (p->pathInfoLast == nullptr) {
         return insertNewPath(p, text, type, valLen);
     }
-    countAgain(p, known, type, valLen);
+    countAgain(p, p->pathInfoLast, type, valLen);
     return QV_OK;
+}
+
+void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, QVStrSize valLen) {
+    ++info->count;
+    countKind(p, &info->kinds, type);
+    if (info->type == VAR_DOUBLE && type == VAL_STRING) [[unlikely]] {
+        becomeCharacter(p, info);
+    }
+    if (valLen > info->pathMaxValLen) [[unlikely]] {
+        keepLongest(p, info, valLen);
+    }
 }
 
 QVStatus dumpPathInfo(JMAP_PRIVATE* p) {

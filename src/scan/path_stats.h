@@ -20,9 +20,14 @@ namespace jmap {
 //   lastNameLen    (of the context) bytes of the last component with its separator: the rest is the
 //                  parent path
 //   valLen         bytes of the value; a longest value of 0 is kept as 1
+// The group is that of the labels on the stack.  `pathInfoLast` is then the path's entry, or null when
+// it cannot be found again.
 // Returns QV_OK, or QV_NOMEM with the statistics unchanged.
 [[nodiscard]] QVStatus insertPathInfo(JMAP_PRIVATE* p, const char* path, QVStrSize pathLen,
                                       VALTYPE type, QVStrSize valLen);
+
+// The same for a path whose entry is known.
+void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, QVStrSize valLen);
 
 // Notes every path with its count.  Always 0.
 [[nodiscard]] QVStatus dumpPathInfo(JMAP_PRIVATE* p);

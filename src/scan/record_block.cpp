@@ -116,11 +116,25 @@ QVStatus openCacheFile(JMAP_PRIVATE* p, int32_t mode, QVIOFileh* file) {
     return QV_OK;
 }
 
+// Makes the open block the stored one, and a new one the open block.
+QVStatus handOver(JMAP_PRIVATE* p, COMPPATHS* n) {
+    char* open = poolBytes(p->cpool, kBlockBytes);
+    if (open == nullptr) {
+        return QV_NOMEM;
+    }
+    n->buf = p->cBuf;
+    p->cBuf = open;
+    return QV_OK;
+}
+
 QVStatus storeBlock(JMAP_PRIVATE* p, std::string_view stored, COMPPATHS* n) {
     if (p->usingTemp) {
         n->onDisk = true;
         QV_TRY(openCacheFile(p, QVIO_OUTPUT, &p->tfp));
         return p->tfp->write(p->tfp, stored.data(), lengthOf(stored));
+    }
+    if (!n->compressed && p->cBufi > kBlockBytes / 2) {
+        return handOver(p, n);
     }
     n->buf = poolCopy(p->cpool, stored);
     return n->buf == nullptr ? QV_NOMEM : QV_OK;

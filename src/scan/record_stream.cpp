@@ -1,17 +1,19 @@
 // The record stream: every value and container marker of the document as one compact record.
 //
-// The stack keeps the text of its labels in `path`; a record's name and value are appended there
-// for the time of writing it.
+// A record of a path that is known and has a head is the head, patched, and the value.  Every other
+// one is put together in `path` first.
 //
 // Tested by tests/scan/record_stream_test.cpp
 #include "record_stream.h"
 
 #include "core/note.h"
+#include "core/short_bytes.h"
 #include "core/status.h"
 #include "core/text.h"
 #include "nesting.h"
 #include "path_stats.h"
 #include "path_text.h"
+#include "path_tree.h"
 #include "record_block.h"
 #include "record_format.h"
 
@@ -22,10 +24,13 @@
 namespace jmap {
 namespace {
 
-// Appends the name and the value to the text of the labels on the stack.
-QVStatus appendText(JMAP_PRIVATE* p, std::string_view name, const char* val, QVStrSize valLen) {
+// Puts the labels on the stack, the name and the value into `path`.
+QVStatus composeText(JMAP_PRIVATE* p, std::string_view name, const char* val, QVStrSize valLen) {
     VARSTR* path = &p->path;
-    QV_TRY(jmapVarstrCheck(p, path, lengthOf(name) + valLen + 4));
+    path->len = 0;
+    QV_TRY(jmapVarstrCheck(p, path, p->pathAt->textLen + lengthOf(name) + valLen + 4));
+    writePath(p, p->pathAt, path->str);
+    path->len = p->pathAt->textLen;
     p->lastNameLen = 0;
     if (!name.empty()) {
         put(path, p->sep);
@@ -57,14 +62,74 @@ void noteRecord(JMAP_PRIVATE* p, bool named, QVStrSize valLen) {
     }
 }
 
+// Whether a record can be written with the head of `node`: there is one, and the block has room to
+// spare.
+bool headReady(JMAP_PRIVATE* p, PATHNODE* node, QVStrSize valLen) {
+    static_assert(2 * kHeadStep > kRecordRoomBytes);
+    return p->cBufi + node->headLen + valLen + 2 * kHeadStep <= kBlockBytes &&
+           (node->head != nullptr || makeHead(p, node));
+}
+
+void copyHead(char* to, const char* head, QVStrSize headLen) {
+    for (const char* const end = head + headLen; head < end; to += kHeadStep, head += kHeadStep) {
+        std::memcpy(to, head, static_cast<std::size_t>(kHeadStep));
+    }
+}
+
 }  // namespace
+
+QVStatus generateMarker(JMAP_PRIVATE* p) {
+    PATHNODE* node = p->pathAt;
+    if (node->marked && inStep(p, node->labels + 1) && headReady(p, node, 0)) [[likely]] {
+        copyHead(p->cBuf + p->cBufi, node->head, node->headLen);
+        p->cBufi += node->headLen - 1;  // without the blank
+        ++p->pathCount;
+        return QV_OK;
+    }
+    node->marked = true;
+    return generatePathVariableString(p, nullptr, 0, nullptr, 0, VAL_NOVAL);
+}
+
+bool recordKnown(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value, VALTYPE type) {
+    const QVStrSize valLen = lengthOf(value);
+    if (node->info == nullptr || !inStep(p, node->labels) || !headReady(p, node, valLen))
+        [[unlikely]] {
+        return false;
+    }
+    char* const to = p->cBuf + p->cBufi;
+    const QVStrSize headLen = node->headLen;
+    char* patch = to + sizeof node->labels + node->labels;
+    const QVStrSize textLen = node->textLen + 1 + valLen;
+    p->cBufi += headLen + valLen;
+    ++p->pathCount;
+    p->valueMaxLen = std::max(p->valueMaxLen, valLen);
+    countAgain(p, node->info, type, valLen);
+    copyHead(to, node->head, headLen);
+    std::memcpy(patch, &textLen, sizeof textLen);
+    patch += sizeof textLen;
+    std::memcpy(patch, &valLen, sizeof valLen);
+    patch[sizeof valLen] = static_cast<char>(type);
+    copyShort(to + headLen, value);
+    return true;
+}
+
+QVStatus recordValue(JMAP_PRIVATE* p, const LEVEL* label, std::string_view value, VALTYPE type) {
+    PATHNODE* node = label->node;
+    if (node != nullptr && recordKnown(p, node, value, type)) [[likely]] {
+        return QV_OK;
+    }
+    QV_TRY(generatePathVariableString(p, label->name, label->nameLen, value.data(),
+                                      lengthOf(value), type));
+    if (node != nullptr && label->nameLen != 0) {
+        node->info = p->pathInfoLast;
+    }
+    return QV_OK;
+}
 
 QVStatus generatePathVariableString(JMAP_PRIVATE* p, const char* name, QVStrSize nameLen,
                                     const char* val, QVStrSize valLen, VALTYPE type) {
     const bool named = nameLen != 0;
-    QV_TRY(beginPath(p));
-    const QVStrSize stackLen = p->path.len;
-    QV_TRY(appendText(p, view(name, nameLen), val, valLen));
+    QV_TRY(composeText(p, view(name, nameLen), val, valLen));
     p->valueMaxLen = std::max(p->valueMaxLen, valLen);
     if (p->debugPath) [[unlikely]] {
         noteRecord(p, named, valLen);
@@ -75,7 +140,6 @@ QVStatus generatePathVariableString(JMAP_PRIVATE* p, const char* name, QVStrSize
     p->labelCount += named ? 1 : 0;
     const QVStatus rc = processPathVariableString(p, p->path.str, p->path.len, valLen, type);
     p->labelCount -= named ? 1 : 0;
-    p->path.len = stackLen;
     return rc;
 }
 

@@ -7,6 +7,8 @@
 
 #include "core/context.h"
 
+#include <string_view>
+
 namespace jmap {
 
 // Writes the record of the labels on the stack and, when `nameLen` is not 0, of `name` below them.
@@ -18,9 +20,15 @@ namespace jmap {
                                                   QVStrSize valLen, VALTYPE type);
 
 // Writes the marker of a container: the labels on the stack, no value.
-[[nodiscard]] inline QVStatus generateMarker(JMAP_PRIVATE* p) {
-    return generatePathVariableString(p, nullptr, 0, nullptr, 0, VAL_NOVAL);
-}
+[[nodiscard]] QVStatus generateMarker(JMAP_PRIVATE* p);
+
+// Records the value of a label that has been popped.
+[[nodiscard]] QVStatus recordValue(JMAP_PRIVATE* p, const LEVEL* label, std::string_view value,
+                                   VALTYPE type);
+
+// Does the same for a known path whose head is ready, below the labels on the stack.  False when
+// nothing has been done, since there is more to it.
+[[nodiscard]] bool recordKnown(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value, VALTYPE type);
 
 // Appends a record with the text `path` (value part included) to the open block, closing the block
 // first when the record does not fit, and counts the value in the statistics.

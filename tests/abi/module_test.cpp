@@ -1,4 +1,4 @@
-// The loadable module: its symbols, and a document read through it.
+// The loadable module: its symbols, and how it is loaded.
 #include "frame/entry.h"
 #include "testkit/testkit.h"
 
@@ -59,23 +59,6 @@ TEST(Module, IsLoadedByNameFromTheModulePath) {
     ASSERT_NE(engine->exth.generic.destroy, nullptr);
     // It is the module's own code, not the engine that is linked into this program.
     EXPECT_NE(engine->exth.realDestroy, &qvejmaprd);
-
-    QVEJMAPJsonInitParms parms{};
-    parms.inCEI = U_UTF8_CE;
-    QVEJMAPJsonContexth doc = nullptr;
-    ASSERT_QV_OK(engine->JsonInit(&engine->exth, &parms, &doc, nullptr));
-    std::string json = R"([{"a":1.5},{"a":null}])";
-    QVBoolean caching = 0;
-    ASSERT_QV_OK(engine->JsonInput(doc, json.data(), static_cast<QVStrSize>(json.size()), 1,
-                                   &caching, nullptr));
-    QVMemPtr map = nullptr;
-    ASSERT_QV_OK(engine->GetAutoMap(doc, &map));
-    std::string name = "root";
-    QVEJMAPReadContexth table = nullptr;
-    ASSERT_QV_OK(engine->ReadInit(doc, map, name.data(), 4, nullptr, &table));
-    EXPECT_EQ(Scan::rowsOf(engine, table), "1.5\n~\n");
-    EXPECT_QV_OK(engine->ReadTerm(table));
-    EXPECT_QV_OK(engine->Term(doc, nullptr));
     EXPECT_QV_OK(engine->exth.generic.destroy(&engine->exth.generic));
     EXPECT_QV_OK(qvPortableStop(host));
 }

@@ -2,7 +2,7 @@
 #include "automap/column_names.h"
 
 #include "automap/names.h"
-#include "tests/automap/hand_document.h"
+#include "testkit/open_document.h"
 
 #include <random>
 #include <set>

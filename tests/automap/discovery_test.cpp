@@ -1,7 +1,7 @@
 // From documents to maps: tables, their ordinal and value columns, ALLDATA.
 #include "automap/discovery.h"
 
-#include "tests/automap/hand_document.h"
+#include "testkit/open_document.h"
 
 #include <set>
 
@@ -59,7 +59,7 @@ TEST(Discovery, GivesATableForEachGroupOfPaths) {
 
 TEST(Discovery, LaysAlldataOutByTheLongestLabelsAndValue) {
     constexpr const char* kCases[][3] = {
-        {R"({"a":{"bb":1},"ccc":"wxyz"})", "all of it",
+        {R"({"ccc":"wxyz","a":{"bb":1}})", "all of it",
          "all of it - (P:D0, P1:C3, P2:C2, V:D4, Value:C4)\n"},
         {R"({"a":1})", "", "ALLDATA - (P:D0, P1:C1, V:D1, Value:C1)\n"},
         {"{}", "ALLDATA", "ALLDATA - (P:D0, P1:C0, V:D3, Value:C3)\n"},

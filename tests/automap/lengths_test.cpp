@@ -96,7 +96,7 @@ TEST(Lengths, InformatsOfCharacterColumnsAreListedForTheCaller) {
                                     character("/root/a/n", R"(,"TYPE":"NUMERIC")" + informat) +
                                     "," + character("/root/b/t", R"(,"INFORMAT":["?Quiet"])"))));
     EXPECT_QV_OK(scan.engine()->GetUserMap(scan.doc(), &map, nullptr, nullptr));
-    scan.host().failAllocation(3);  // index, first entry, second entry
+    scan.host().failAllocation(4);  // two of the index, first entry, second entry
     EXPECT_QV(QV_NOMEM, getUserMap());
     EXPECT_EQ(entriesOf(list), "c I 8 5 A; ");
     EXPECT_QV_OK(getUserMap());

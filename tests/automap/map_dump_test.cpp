@@ -1,7 +1,7 @@
 // Maps in the journal.
 #include "automap/map_dump.h"
 
-#include "tests/automap/hand_map.h"
+#include "testkit/hand_map.h"
 
 namespace jmap::test {
 namespace {

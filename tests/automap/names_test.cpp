@@ -1,7 +1,7 @@
 // Names of tables.
 #include "automap/names.h"
 
-#include "tests/automap/hand_document.h"
+#include "testkit/open_document.h"
 
 namespace jmap::test {
 namespace {

@@ -1,5 +1,5 @@
 // Opening and ending a document; its options and debug keywords.
-#include "frame/open_document.h"
+#include "testkit/open_document.h"
 
 namespace jmap::test {
 namespace {
@@ -42,18 +42,18 @@ TEST(Keywords, SetAndClearSwitchesAndCountOnlyBetweenCommas) {
 
 TEST(JsonInit, RefusesBadOptionsBeforeAnythingIsMade) {
     LoadedHost host;
-    const auto refused = [&](auto option, int value) {
+    const auto refuses = [&](auto option, int value) {
         Document document(host);
         document.parms.*option = value;
-        return document.init() == QV_BADPARMS && document.doc == nullptr;
+        EXPECT_TRUE(document.init() == QV_BADPARMS && document.doc == nullptr);
     };
     using Parms = QVEJMAPJsonInitParms;
-    EXPECT_TRUE(refused(&Parms::inCEI, 0));
-    EXPECT_TRUE(refused(&Parms::inCEI, -1));
-    EXPECT_TRUE(refused(&Parms::alldataNameLen, 41));
+    refuses(&Parms::inCEI, 0);
+    refuses(&Parms::inCEI, -1);
+    refuses(&Parms::alldataNameLen, 41);
     for (const auto length :
          {&Parms::alldataNameLen, &Parms::debugStringLen, &Parms::descLen, &Parms::tempNameLen}) {
-        EXPECT_TRUE(refused(length, -1));
+        refuses(length, -1);
     }
     EXPECT_QV(QV_BADPARMS, host.engine()->JsonInit(nullptr, nullptr, nullptr, nullptr));
     EXPECT_EQ(joined(host.calls), "");

@@ -1,5 +1,5 @@
 // Feeding a document: what each answer of the parser leads to, and what the last buffer does.
-#include "frame/open_document.h"
+#include "testkit/open_document.h"
 
 namespace jmap::test {
 namespace {

@@ -2,7 +2,7 @@
 #include "frame/entry.h"
 
 #include "core/pool.h"
-#include "frame/open_document.h"
+#include "testkit/open_document.h"
 
 namespace jmap::test {
 namespace {

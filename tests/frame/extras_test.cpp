@@ -27,20 +27,5 @@ TEST(Extras, ATableIsReadByItsHandleWhateverItIsCalled) {
     EXPECT_EQ(rows(table), "1|1|4\n");
 }
 
-TEST(Extras, StatisticsComeInGroupsOfOneParent) {
-    // "a/x" heads its group before "b"; "a/y" comes later and still belongs to the group of "a/x".
-    const Scan scan(R"([{"a":{"x":1},"b":true},{"a":{"x":"long","y":2}},{"c":{}}])");
-    JMAPPathh path = nullptr;
-    std::string lines;
-    while (jmapNextPath(scan.doc(), &path) == QV_OK) {
-        JMAPPathInfo info{};
-        jmapPathInfo(path, &info);
-        lines += slashes(view(info.path, info.pathLen)) + " " + std::to_string(info.count) + " " +
-                 std::to_string(info.type) + " " + std::to_string(info.maxValueLen) + "\n";
-    }
-    EXPECT_EQ(lines, "/root/a/x 2 2 4\n/root/a/y 1 1 1\n/root/b 1 1 4\n/root/c/FAKE 1 3 3\n");
-    EXPECT_EQ(std::string(jmapKindName(0)) + jmapKindName(7), "UNKNOWN?UNKNOWN?");
-}
-
 }  // namespace
 }  // namespace jmap::test

@@ -1,5 +1,5 @@
 // Failures of memory: what each leaves behind, and that none does harm.
-#include "frame/open_document.h"
+#include "testkit/open_document.h"
 
 #include <regex>
 

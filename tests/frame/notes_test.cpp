@@ -53,8 +53,8 @@ void damage(const Scan& scan) {
     column->type = VAR_FAKEVARIABLE;
     EXPECT_QV_OK(dumpMap(p));
     p->debugLevel = true;
-    ASSERT_QV_OK(newLevel(p, static_cast<WHAT>(9), nullptr, 0));
-    ASSERT_QV_OK(newLevel(p, WHAT_ARRAY, nullptr, 0));
+    ASSERT_QV_OK(newLevel(p, static_cast<WHAT>(9)));
+    ASSERT_QV_OK(newLevel(p, WHAT_ARRAY));
     EXPECT_QV(QV_NOMEM, gotValue(p, "x", 1, static_cast<VALTYPE>(9)));
     JMAP_READPRIVATE rp{};
     rp.p = p;
@@ -156,9 +156,9 @@ const Scenario kScenarios[] = {
 const Texts kOtherTexts =
     texts("qvejmap", "qvejmap context", "qvejmap read pool", "qvejmap record cursor", "qvejson",
           "qvezlib", "qvefmt", "qvioe", "DISK    ", "pathinfo tracker", "pathinfo sub tracker",
-          "dsname tracker", "column name tracker", "NOVAL", "NUMBER", "STRING", "NULL", "BOOLEAN",
-          "FAKE_VARIABLE", "UNKNOWN?", "TRUE", "FALSE", "ORDINAL", "DOUBLE", "CHAR", "UNKNOWN",
-          "CHARACTER", "NUMERIC", "%d", "P%d");
+          "dsname tracker", "path tree tracker", "qvejmap pass", "qvejmap pass tracker", "NOVAL",
+          "NUMBER", "STRING", "NULL", "BOOLEAN", "FAKE_VARIABLE", "UNKNOWN?", "TRUE", "FALSE",
+          "ORDINAL", "DOUBLE", "CHAR", "UNKNOWN", "CHARACTER", "NUMERIC", "%d", "P%d");
 
 // The host texts of a source, neighbours joined.
 Texts hostTexts(const std::string& file) {

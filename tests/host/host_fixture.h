@@ -3,12 +3,11 @@
 
 #include "qvportable.h"
 
+#include "tests/testkit/scratch_folder.h"
 #include "tests/testkit/testkit.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -16,6 +15,8 @@
 #include <vector>
 
 namespace qvhost::test {
+
+using jmap::test::ScratchFolder;
 
 [[nodiscard]] QVStrSize lengthOf(const auto& text) {
     return static_cast<QVStrSize>(std::size(text));
@@ -96,26 +97,5 @@ QVStatus destroy(auto* object) {
     auto* generic = reinterpret_cast<QVGeneric*>(object);
     return generic->destroy(generic);
 }
-
-// An empty folder that is removed at the end.
-struct ScratchFolder {
-    ScratchFolder() { path = mkdtemp((testing::TempDir() + "qvhostXXXXXX").data()); }
-    ~ScratchFolder() { std::filesystem::remove_all(path); }
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-    // Writes a file, with the folders above it, and returns its path.
-    std::string write(const std::string& name, std::string_view text) const {
-        std::filesystem::create_directories((path / name).parent_path());
-        std::ofstream(path / name) << text;
-        return path / name;
-    }
-    [[nodiscard]] std::string read(const std::string& name) const {
-        std::ifstream file(path / name);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-    std::filesystem::path path;
-};
 
 }  // namespace qvhost::test

@@ -97,16 +97,6 @@ TEST_F(IoTest, ANameMeansTheFileThatThisInstanceWroteLast) {
     EXPECT_EQ(read(old), "old two");
 }
 
-TEST_F(IoTest, NamesBecomeUtf8AndRawBytesHaveNamesToo) {
-    const std::u32string base = path("x").u32string();
-    open(base, QVIO_INPUT + QVIO_OUTPUT, QV_UNSUPPORTED);
-    open(base + U"\u00E9\U0001F600\xDC80\xDCFF", QVIO_OUTPUT, QV_OK);
-    EXPECT_TRUE(fs::exists(path("x\xC3\xA9\xF0\x9F\x98\x80\x80\xFF")));
-    for (const char32_t none : U"\xDC7F\xDD00\x110000") {  // and the zero at the end
-        open(base + none, QVIO_OUTPUT, QV_IO_OPEN);
-    }
-}
-
 TEST_F(IoTest, WritesOnlyToAnEmptyFileOfThisUserWhichItClosesToOthers) {
     folder.write("full", "precious");
     folder.write("one of two", "");
@@ -177,7 +167,6 @@ TEST_F(IoTest, FailingSystemCallsBecomeStatusesAndInterruptedOnesAreRepeated) {
         {"open interrupted", answers<&S::open>, {-EINTR, -EINTR}, whole},
         {"no room for a name", answers<&S::open>, {-ENOSPC}, "", QV_IO_FULL},
         {"no descriptor", answers<&S::open>, {-EMFILE}, "", QV_IO_OPEN},
-        {"fstat", answers<&S::fstat>, {-EIO}, "", QV_IO_OPEN},
         {"fchmod", answers<&S::fchmod>, {-EPERM}, "", QV_IO_OPEN},
         {"no locks there", answers<&S::flock>, {-ENOLCK}, whole},
         {"written in pieces", answers<&S::pwrite>, {-EINTR, 1, 3, -EINTR, 1, 2}, whole},

@@ -3,7 +3,6 @@
 #include "host/rim.h"
 #include "tests/host/host_fixture.h"
 
-#include <stdexcept>
 #include <thread>
 
 namespace qvhost::test {
@@ -75,18 +74,14 @@ TEST(Kernel, ListsWhatIsLeftAndEndsItNewestFirst) {
     EXPECT_EQ(released, "owner part owner part ");
 }
 
-QVStatus mayThrow(int what) {
-    return what == 1 ? throw std::bad_alloc() : what == 2 ? throw std::runtime_error("") : QV_EOF;
-}
-const char* mayThrowInsteadOfAnObject(int what) {
-    return qvStatusName(mayThrow(what));
+template <class Exception>
+QVStatus fail() {
+    throw Exception();
 }
 
-TEST(Rim, TurnsExceptionsIntoResults) {
-    for (const auto& [what, status] : {std::pair{0, QV_EOF}, {1, QV_NOMEM}, {2, QV_INTERNAL}}) {
-        EXPECT_QV(status, Rim<&mayThrow>::call(what));
-        EXPECT_EQ(Rim<&mayThrowInsteadOfAnObject>::call(what) != nullptr, what == 0);
-    }
+TEST(Rim, TurnsExceptionsIntoStatuses) {
+    EXPECT_QV(QV_NOMEM, Rim<&fail<std::bad_alloc>>::call());
+    EXPECT_QV(QV_INTERNAL, Rim<&fail<std::exception>>::call());
 }
 
 TEST(Kernel, ServesTwoThreads) {

@@ -1,7 +1,4 @@
-#include "host/byte_hash.h"
 #include "tests/host/host_fixture.h"
-
-#include <set>
 
 namespace qvhost::test {
 namespace {
@@ -27,18 +24,6 @@ TEST(Tracker, FindsByRawBytesAndLength) {
     EXPECT_GT(host.counts().bytesInUse, keys.size() * 24);
     EXPECT_QV_OK(destroy(tracker));
     EXPECT_EQ(host.counts().bytesInUse, 0U);
-}
-
-TEST(ByteHash, DependsOnEveryByteItsPlaceAndTheSeed) {
-    for (std::size_t length = 1; length <= 70; ++length) {
-        std::set hashes = {ByteHash(0xFEDC'BA98)(std::string(length, 'x')), ByteHash()("key"),
-                           ByteHash()("key")};
-        for (std::size_t i = 0; i < length; ++i) {
-            hashes.insert(ByteHash(0xFEDC'BA98)(std::string(i, 'x') + "y" +
-                                                std::string(length - i - 1, 'x')));
-        }
-        EXPECT_EQ(hashes.size(), length + 3) << length;
-    }
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
-// What a parse gives, as a text to compare:
+// What a parse gives, as a text to compare: status, line:column, events.
 //
-//     {"a":[1,2.5,"x"],"b":null}     { name "a" [ int 1 real 2.5 "x" ] name "b" null }
+//     {"a":[1,2.5,"x"],"b":      QV_EOF 1:22 { name "a" [ int 1 real 2.5 "x" ] name "b"
 #pragma once
 
 #include "qvehost.h"
@@ -13,19 +13,6 @@
 #include <string_view>
 
 namespace jmap::test {
-
-struct ParseResult {
-    QVStatus status = QV_EOF;
-    int64_t line = 0;
-    int64_t column = 0;
-    std::string events;
-};
-
-// "QV_JSON_NAME 1:2 { name "a" "
-inline std::string show(const ParseResult& result) {
-    return std::string(qvStatusName(result.status)) + " " + std::to_string(result.line) + ":" +
-           std::to_string(result.column) + " " + result.events;
-}
 
 // Bytes in quotes, those outside printable ASCII as <hex>.
 inline std::string quoted(const std::string& text) {
@@ -65,17 +52,12 @@ struct EventLog {
             return of(c).add(value != 0 ? "true " : "false ");
         };
         cb.number = [](JSNParseCB* c, const char* text, QVStrSize length, int32_t flags) {
-            const std::string kind = flags == JSN_INTEGER ? "int "
-                                     : flags == JSN_REAL  ? "real "
-                                                          : "? ";
-            return of(c).add(kind + std::string(text, text + length) + " ");
+            return of(c).add((flags == JSN_INTEGER ? "int " : "real ") +
+                             std::string(text, text + length) + " ");
         };
         cb.string = [](JSNParseCB* c, const JSNChar* text, QVStrSize length, int32_t flags) {
-            const std::string kind = flags == JSN_MEMBERNAME ? "name "
-                                     : flags == JSN_VALUE    ? ""
-                                                             : "? ";
-            return of(c).add(text == nullptr ? "a null pointer"
-                                             : kind + quoted({text, text + length}));
+            return of(c).add((flags == JSN_MEMBERNAME ? "name " : "") +
+                             quoted({text, text + length}));
         };
     }
 
@@ -109,8 +91,9 @@ class LoggedParser {
         const auto length = static_cast<QVStrSize>(text.size());
         return status_ = parser_->parse(parser_, text.data(), length, done ? 1 : 0);
     }
-    ParseResult result() {
-        return {status_, parser_->line(parser_), parser_->column(parser_), log.events};
+    std::string result() {
+        return std::string(qvStatusName(status_)) + " " + std::to_string(parser_->line(parser_)) +
+               ":" + std::to_string(parser_->column(parser_)) + " " + log.events;
     }
 
     EventLog log;
@@ -123,7 +106,7 @@ class LoggedParser {
 // The document in buffers, the first of `first` bytes, those behind of `size`, up to the first that
 // is shorter, or a mistake.  Each is a copy that ends where its memory ends: a sanitizer sees every
 // byte read behind.
-inline ParseResult parseParts(std::string_view text, std::size_t first, std::size_t size,
+inline std::string parseParts(std::string_view text, std::size_t first, std::size_t size,
                               const ParseOptions& options) {
     LoggedParser parser(options);
     QVStatus status = QV_EOF;
@@ -139,7 +122,7 @@ inline ParseResult parseParts(std::string_view text, std::size_t first, std::siz
 }
 
 // The document in buffers of `size` bytes (0: in one).
-inline ParseResult parseIn(std::string_view text, std::size_t size, const ParseOptions& o = {}) {
+inline std::string parseIn(std::string_view text, std::size_t size, const ParseOptions& o = {}) {
     const std::size_t each = size == 0 ? std::string_view::npos : size;
     return parseParts(text, each, each, o);
 }

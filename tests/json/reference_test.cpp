@@ -11,19 +11,18 @@ namespace jmap::test {
 namespace {
 
 // Parses by both; from buffers of one byte, too, where every token goes the collectors' way.
-bool agreedToAccept(const std::string& text) {
+void agreeOn(const std::string& text) {
     boost::json::error_code error;
     boost::json::parse(text, error);
-    const ParseResult result = parseIn(text, 0);
-    EXPECT_EQ(!error, result.status == QV_OK) << testing::PrintToString(text) << show(result);
-    EXPECT_EQ(show(result), show(parseIn(text, 1))) << testing::PrintToString(text);
-    return !error;
+    const std::string result = parseIn(text, 0);
+    EXPECT_EQ(!error, result.starts_with("QV_OK ")) << testing::PrintToString(text) << result;
+    EXPECT_EQ(result, parseIn(text, 1)) << testing::PrintToString(text);
 }
 
 // All texts of up to `maxParts` parts of an alphabet, between `before` and `behind`.
 void agreeOnAll(const std::vector<std::string>& alphabet, std::size_t maxParts,
                 const std::string& before, const std::string& behind) {
-    agreedToAccept(before + behind);
+    agreeOn(before + behind);
     for (const std::string& part : alphabet) {
         if (maxParts != 0 && !testing::Test::HasFailure()) {
             agreeOnAll(alphabet, maxParts - 1, before + part, behind);

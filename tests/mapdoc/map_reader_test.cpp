@@ -3,11 +3,11 @@
 
 #include "core/list.h"
 #include "core/text.h"
+#include "testkit/read_only_text.h"
 #include "testkit/testkit.h"
 
 #include <algorithm>
 #include <cstring>
-#include <sys/mman.h>
 
 namespace jmap::test {
 namespace {
@@ -113,8 +113,6 @@ const Mistake kMistakes[] = {
     {kColumn + R"("PATH":^7}]}]})", JMAP_MAP_STRING, "7"},
     {kColumn + R"("LABEL":^{}}]}]})", JMAP_MAP_STRING, "LABEL"},
     {kColumn + R"("LENGTH":"^8"}]}]})", JMAP_MAP_INTEGER, "8"},
-    {kColumn + R"("LENGTH":^8.0}]}]})", JMAP_MAP_INTEGER, "8.0"},
-    {kColumn + R"("LENGTH":nul^l}]}]})", JMAP_MAP_INTEGER, "LENGTH"},
     {kColumn + R"("CURRENT_LENGTH":^[]}]}]})", JMAP_MAP_INTEGER, "CURRENT_LENGTH"},
     {kColumn + R"("FORMAT":"^F"}]}]})", JMAP_MAP_ARRAY, "F"},
     {kColumn + R"("FORMAT":[^]}]}]})", JMAP_MAP_STRING, "FORMAT"},
@@ -201,11 +199,6 @@ fstring [OPTIONS]; vstate to S_WANT_OPTIONS_OPEN
 Array Start; vstate to S_WANT_OPTIONSTR
 fstring [retain];           OPTION <- RETAIN
 fboolean; IN VPROBLEM)");
-    for (const std::string& map :
-         {std::string("{\"KEY"), kTable + "\"KEY", kColumn + "\"SOMEKEY"}) {
-        EXPECT_NE(QV_OK, scan.readMap(map + "\":1"));
-        EXPECT_TRUE(scan.host().notes.back().ends_with("KEY]"));  // an unknown key is no event
-    }
 }
 
 TEST(MapReader, CarriesResultsOfOneMapIntoTheNext) {
@@ -227,14 +220,8 @@ TEST(MapReader, CarriesResultsOfOneMapIntoTheNext) {
 }
 
 TEST(MapReader, OnlyReadsTheCallersBuffer) {
-    const std::string map = R"({"datasets":[{"dsname":"t","tablepath":"/root"}]})";
-    void* page =
-        mmap(nullptr, map.size(), PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    ASSERT_NE(page, MAP_FAILED);
-    std::memcpy(page, map.data(), map.size());
-    ASSERT_EQ(mprotect(page, map.size(), PROT_READ), 0);
-    EXPECT_QV_OK(Scan("{}").readMap({static_cast<char*>(page), map.size()}));
-    munmap(page, map.size());
+    const ReadOnlyText map(R"({"datasets":[{"dsname":"t","tablepath":"/root"}]})");
+    EXPECT_QV_OK(Scan("{}").readMap(map.view()));
 }
 
 TEST(MapReader, TreatsEachAnswerOfTheParser) {
@@ -300,7 +287,11 @@ TEST(MapReader, ReadsBackWhatWasWritten) {
         }
         return all;
     };
-    const auto roundTrip = [&](const std::string& json) {
+    const std::optional<std::string> events = sharedFile("github_events.json");
+    for (const std::string& json :
+         {std::string(
+              R"({"a":[{"s":"x","n":[1,"é"],"o":{"b":true}},{"s":"longer","n":[2]}],"z":null})"),
+          events.value_or("[1]")}) {
         const Scan scan(json);
         const std::string written = scan.mapDocument(), expected = rows(scan);
         ASSERT_QV_OK(scan.readMap(written, 4096));
@@ -308,13 +299,10 @@ TEST(MapReader, ReadsBackWhatWasWritten) {
         ASSERT_QV_OK(scan.engine()->GetUserMap(scan.doc(), &map, nullptr, nullptr));
         scan.p()->automap = static_cast<MAP*>(map);
         EXPECT_TRUE(scan.mapDocument() == written && rows(scan) == expected) << written;
-    };
-    roundTrip(R"({"a":[{"s":"x","n":[1,"é"],"o":{"b":true}},{"s":"longer","n":[2]}],"z":null})");
-    const std::optional<std::string> events = sharedFile("github_events.json");
+    }
     if (!events) {
         GTEST_SKIP() << "../shared/data/github_events.json is not there";
     }
-    roundTrip(*events);
 }
 
 }  // namespace

@@ -1,10 +1,18 @@
 // The map document.
 #include "mapdoc/map_writer.h"
 
-#include "tests/automap/hand_map.h"
+#include "testkit/hand_map.h"
 
 namespace jmap::test {
 namespace {
+
+QVStatus written(HandDocument& doc, std::string_view& text) {
+    char* buf = nullptr;
+    QVStrSize bufLen = 0;
+    const QVStatus rc = GetAutoMapBuf(&doc.doc, &buf, &bufLen, doc.host.journal());
+    text = rc == QV_OK ? view(buf, bufLen) : "";
+    return rc;
+}
 
 TEST(MapWriter, WritesTheMapAsCompactJson) {
     EXPECT_EQ(Scan(R"({"a/\"\\\u0001\té":1,"c":"xyz"})").mapDocument(),
@@ -12,98 +20,59 @@ TEST(MapWriter, WritesTheMapAsCompactJson) {
               R"({"NAME":"ordinal_root","TYPE":"ORDINAL","PATH":"/root"},)"
               R"({"NAME":"a_______","TYPE":"NUMERIC","PATH":"/root/a/\"\\\u0001\té"},)"
               R"({"NAME":"c","TYPE":"CHARACTER","PATH":"/root/c","CURRENT_LENGTH":3}]}]})");
-}
-
-// A writer that writes down what it is asked for and fails at one call.
-struct RecordingWriter {
-    JSNWriter writer{};  // must be first
-    std::string asked;
-    int failAt = 0;  // call, from 1; 0: none
-    int calls = 0;
-
-    static QVStatus note(JSNWriterh w, const std::string& what) {
-        auto* self = reinterpret_cast<RecordingWriter*>(w);
-        self->asked += what + " ";
-        return ++self->calls == self->failAt ? QV_INTERNAL : QV_OK;
-    }
-    RecordingWriter() {
-        writer.open = [](JSNWriterh w, int32_t kind) {
-            return note(w, kind == JSN_OPEN_OBJECT ? "{" : "[");
-        };
-        writer.close = [](JSNWriterh w) { return note(w, "close"); };
-        writer.string = [](JSNWriterh w, const char* text, QVStrSize len) {
-            return note(w, std::string(text, static_cast<size_t>(len)));
-        };
-        writer.dbl = [](JSNWriterh w, double value, int32_t digits, int32_t decimals) {
-            return note(
-                w, (testing::Message() << value << ":" << digits << ":" << decimals).GetString());
-        };
-        writer.getBuffer = [](JSNWriterh w, char**, QVStrSize*) { return note(w, "buffer"); };
-        writer.generic.destroy = [](QVGeneric*) { return QV_EOF; };
-    }
-};
-
-struct MapWriterCalls : testing::Test {
-    struct Json : QVJSON {
-        RecordingWriter* writer;
-        JSNWriterParms parms;
-    };
-    MapWriterCalls() {
-        json.createWriter = [](QVJSONh self, const JSNWriterParms* parms) {
-            static_cast<Json*>(self)->parms = *parms;
-            RecordingWriter* w = static_cast<Json*>(self)->writer;
-            return w == nullptr ? nullptr : &w->writer;
-        };
-        doc.p.jsonh = &json;
-        doc.p.automap = &hand.map;
-        hand.table("none");
-        hand.table("t", "/root/t");
-        hand.column("f", VAR_FAKEVARIABLE, nullptr);
-        hand.column("c", VAR_CHAR, "/root/t/c", 1048576);
-    }
-    QVStatus write(RecordingWriter* writer) {
-        json.writer = writer;
-        char* buf = nullptr;
-        QVStrSize bufLen = 0;
-        return GetAutoMapBuf(&doc.doc, &buf, &bufLen, doc.host.journal());
-    }
     HandDocument doc;
+    std::string_view text;
+    EXPECT_QV_OK(written(doc, text));
+    EXPECT_EQ(text, R"({"DATASETS":[]})") << "of a document that is not finished";
     HandMap hand;
-    Json json{};
-};
-
-TEST_F(MapWriterCalls, AskForOneDocument) {
-    RecordingWriter writer;
-    EXPECT_QV_OK(write(&writer));
-    // For the placeholder nothing follows TYPE.
-    EXPECT_EQ(
-        writer.asked,
-        "{ DATASETS [ { DSNAME none TABLEPATH  close { DSNAME t TABLEPATH /root/t VARIABLES [ "
-        "{ NAME f TYPE PATH  close { NAME c TYPE CHARACTER PATH /root/t/c CURRENT_LENGTH "
-        "1048576:10:0 close close close close close buffer ");
-    EXPECT_EQ(json.parms.inCei + json.parms.outCei, 2 * U_UTF8_CE);
-    EXPECT_EQ(json.parms.flags, 0x10000u);
-    EXPECT_EQ(json.parms.jnl, doc.host.journal());
-    EXPECT_EQ(view(json.parms.desc, json.parms.descLen), "jmap map writer");
-    doc.p.automap = nullptr;  // a document that is not finished: no tables
-    RecordingWriter empty;
-    ASSERT_QV_OK(write(&empty));
-    EXPECT_EQ(empty.asked, "{ DATASETS [ close close buffer ");
+    hand.table("none");
+    hand.table("t", "/root/t");
+    hand.column("f", VAR_FAKEVARIABLE, nullptr);  // nothing follows TYPE
+    hand.column("c", VAR_CHAR, "/root/t/c", 1048576);
+    doc.p.automap = &hand.map;
+    EXPECT_QV_OK(written(doc, text));
+    EXPECT_EQ(text,
+              R"({"DATASETS":[{"DSNAME":"none","TABLEPATH":""},)"
+              R"({"DSNAME":"t","TABLEPATH":"/root/t","VARIABLES":[{"NAME":"f","TYPE":"PATH",""},)"
+              R"({"NAME":"c","TYPE":"CHARACTER","PATH":"/root/t/c","CURRENT_LENGTH":1048576}]}]})");
+    EXPECT_EQ(doc.host.leftovers().back(), "writer jmap map writer");
 }
 
-TEST_F(MapWriterCalls, TheFirstFailureIsReturnedAndTheWriterStaysUntilItIsFreed) {
+// A writer that only counts its calls; one of them fails.
+int calls, failing;
+
+QVStatus answer() {
+    return ++calls == failing ? QV_INTERNAL : QV_OK;
+}
+
+JSNWriterh createCounting(QVJSONh, const JSNWriterParms*) {
+    static JSNWriter writer;
+    writer.open = [](JSNWriterh, int32_t) { return answer(); };
+    writer.close = [](JSNWriterh) { return answer(); };
+    writer.string = [](JSNWriterh, const char*, QVStrSize) { return answer(); };
+    writer.dbl = [](JSNWriterh, double, int32_t, int32_t) { return answer(); };
+    writer.getBuffer = [](JSNWriterh, char**, QVStrSize*) { return answer(); };
+    writer.generic.destroy = [](QVGeneric*) { return QV_EOF; };
+    calls = 0;
+    return &writer;
+}
+
+TEST(MapWriter, ReturnsTheFirstFailureAndKeepsTheWriterUntilItIsFreed) {
+    HandDocument doc;
+    std::string_view text;
     EXPECT_QV_OK(GetAutoMapBufFree(&doc.doc));  // none yet
-    RecordingWriter whole;
+    ASSERT_QV_OK(doc.document.feed(R"({"a":[{"b":"c"}]})", true));
+    doc.p.jsonh->createWriter = [](QVJSONh, const JSNWriterParms*) { return JSNWriterh{}; };
+    EXPECT_QV(QV_NOMEM, written(doc, text));
+    doc.p.jsonh->createWriter = createCounting;
     doc.host.failAllocation(1);  // of the scratch buffer for paths
-    EXPECT_QV(QV_NOMEM, write(&whole));
-    EXPECT_QV(QV_NOMEM, write(nullptr));
-    whole.calls = 0;
-    ASSERT_QV_OK(write(&whole));
-    for (int n = 1; n <= whole.calls; ++n) {
-        RecordingWriter writer;
-        writer.failAt = n;
-        EXPECT_QV(QV_INTERNAL, write(&writer));
-        EXPECT_EQ(writer.calls, n);
+    EXPECT_QV(QV_NOMEM, written(doc, text));
+    failing = 0;
+    ASSERT_QV_OK(written(doc, text));
+    const int all = calls;
+    for (failing = 1; failing <= all; ++failing) {
+        EXPECT_QV(QV_INTERNAL, written(doc, text));
+        EXPECT_EQ(calls, failing);
         EXPECT_QV(QV_EOF, GetAutoMapBufFree(&doc.doc));  // the writer's own status
         EXPECT_QV_OK(GetAutoMapBufFree(&doc.doc));
     }

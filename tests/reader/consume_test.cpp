@@ -1,32 +1,10 @@
 // Where rows begin and end, and what single values do to a row.
 #include "reader/consume.h"
 
-#include "reader/row_boundary.h"
 #include "tests/reader/open_table.h"
 
 namespace jmap::test {
 namespace {
-
-TEST(RowBoundary, IsToldFromThePathAndTheStateOfTheRow) {
-    using enum BOUNDARY;
-    constexpr struct {
-        const char* path;
-        bool seen, inVariables;
-        BOUNDARY expected;
-        bool endsRow = false;
-    } kCases[] = {
-        {"/r/t/x", false, true, BEFORE},       {"/r", true, false, SHORTER, true},
-        {"/r/t/x", true, true, INSIDE},        {"/r/tx", true, true, OUTSIDE, true},
-        {"/r/u/x", true, true, OUTSIDE, true}, {"/r/t", false, false, FIRST},
-        {"/r/t", true, true, AGAIN, true},     {"/r/t", true, false, AGAIN_EMPTY},
-        {"/r/u", false, false, BEFORE},        {"/r/u", true, false, OUTSIDE, true},
-    };
-    for (const auto& c : kCases) {
-        const BOUNDARY found = rowBoundary(c.path, "/r/t", '/', c.seen, c.inVariables);
-        EXPECT_TRUE(found == c.expected && endsRow(found) == c.endsRow)
-            << c.path << c.seen << c.inVariables;
-    }
-}
 
 TEST(Consume, ValuesReachEveryColumnOfThePathAsNumberAndAsText) {
     HandMap hand;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "core/readctx.h"
-#include "tests/automap/hand_map.h"
+#include "testkit/hand_map.h"
 
 namespace jmap::test {
 

@@ -20,6 +20,7 @@ TEST(RowLayout, PutsColumnsBackToBackAsTheMapSaysAndShowsThem) {
     hand.column("d", VAR_DOUBLE, nullptr, 77).retain = true;
     hand.column("long", VAR_CHAR, "/root/l", 32768);
     hand.column("f", VAR_FAKEVARIABLE, nullptr, 1);
+    hand.column("n", VAR_ORDINAL, "/root").noretain = true;
     const OpenTable table(scan, &hand.map, "tab");
     ASSERT_QV_OK(table.status);
     const std::string none = " informat [NULL 0 0] format [NULL 0 0]";
@@ -33,42 +34,22 @@ TEST(RowLayout, PutsColumnsBackToBackAsTheMapSaysAndShowsThem) {
         "rctx var d                    NUMERIC    length   8 offset  13" + none,
         "rctx var long                 CHARACTER  length 32767 offset  21" + none,
         "rctx var f                    CHARACTER  length   1 offset 32788" + none,
+        "rctx var n                    NUMERIC    length   8 offset 32789" + none,
         " ",
         "rp   var o                    ORDINAL    /root/t " + pad + " length   8 offset   0 RETAIN",
         "rp   var c                    CHAR       /root/t/c" + pad + "length   5 offset   8",
         "rp   var d                    DOUBLE             " + pad + " length   8 offset  13 RETAIN",
         "rp   var long                 CHAR       /root/l " + pad + " length 32767 offset  21",
         "rp   var f                    UNKNOWN            " + pad + " length   1 offset 32788",
+        "rp   var n                    ORDINAL    /root   " + pad + " length   8 offset 32789",
         " ",
         "tablePath /root/t " + pad,
         " "};
     EXPECT_EQ(scan.host().notes, expected);
-    EXPECT_EQ(table.rctx->obsbufLen, 32789);
+    EXPECT_EQ(table.rctx->obsbufLen, 32797);
     const VARIABLEINFO& info = table.rctx->varinfo[1];
     EXPECT_EQ(view(info.label, info.labelLen), std::string(256, 'L'));
     EXPECT_TRUE(info.informatNoError != 0 && info.truncation != 0 && info.currentLength == 9);
-}
-
-TEST(RowLayout, NoretainWinsOverEverything) {
-    const Scan scan("{}");
-    HandMap hand;
-    hand.table("t");
-    for (const VARTYPE type : {VAR_DOUBLE, VAR_ORDINAL}) {
-        for (const int bits : {0, 1, 2, 3}) {
-            VARINFO& column = hand.column("x", type, "/root/x");
-            column.retain = (bits & 1) != 0;
-            column.noretain = (bits & 2) != 0;
-        }
-    }
-    constexpr const char* kRetained[] = {"01001100", "11001100", "01001100"};  // by flags
-    for (const uint64_t flags : {0, 1, 2}) {
-        const OpenTable table(scan, &hand.map, "t", flags);
-        std::string retained;
-        for (int i = 0; i < 8; ++i) {
-            retained += table.rp()->varinfo[i].retain ? "1" : "0";
-        }
-        EXPECT_EQ(retained, kRetained[flags]);
-    }
 }
 
 }  // namespace

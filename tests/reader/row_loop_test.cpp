@@ -12,6 +12,11 @@ constexpr const char* kOrders =
 TEST(RowLoop, GivesTheRowsOfEveryTable) {
     const std::string n300(300, 'n');
     const std::string n44(44, 'n');
+    std::string wide, wideRow = "1";
+    for (int i = 0; i < 300; ++i) {
+        wide += (i == 0 ? "{\"c" : ",\"c") + std::to_string(i) + "\":" + std::to_string(i);
+        wideRow += "|" + std::to_string(i);
+    }
     const struct {
         const char* name;
         std::string json;
@@ -28,6 +33,7 @@ TEST(RowLoop, GivesTheRowsOfEveryTable) {
         {"table path of the parent", R"({"a":[{"b":1},{"b":2,"c":{}}]})", "a_c", "1|1|~\n1|2|1\n"},
         {"root never seen", R"({"":1})", "", ""},
         {"empty document", "{}", "root", ""},
+        {"hundreds of columns", wide + "}", "root", wideRow + "\n"},
         {"alldata", R"({"a":{"bb":1},"ccc":"xyz","e":{},"n":null,"s":""})", "ALLDATA",
          "1|a||0|\n2|a|bb|1|1\n1|ccc||1|xyz\n1|e||0|\n1|n||1|null\n1|s||1|\n"},
         // Behind an empty name every record counts a label too many, and the lengths are shifted.
@@ -40,12 +46,24 @@ TEST(RowLoop, GivesTheRowsOfEveryTable) {
     }
 }
 
+TEST(RowLoop, AnObjectBesideTheTablePathBeginsTheNextRow) {
+    HandMap hand;
+    hand.table("t", "/root/a");
+    for (const char* path : {"/root/a/x", "/root/b/x", "/root/c", "/root/ab/x"}) {
+        hand.column("x", VAR_DOUBLE, path);
+    }
+    const Scan scan(
+        R"([{"a":{"x":1},"b":{"x":2}},{"a":{"x":3},"c":4},{"a":{"x":5},"ab":{"x":6}},{"a":{"x":7}}])");
+    EXPECT_EQ(OpenTable(scan, &hand.map, "t").rows(), "1|~|~|~\n3|2|4|~\n5|~|~|~\n7|~|~|6\n");
+}
+
 TEST(RowLoop, RetainedColumnsKeepTheirValueAlsoOverAReset) {
     const Scan scan(R"([{"b":"x"},{"a":1,"b":"y"},{"c":"2001"},{"b":"z"}])");
     HandMap hand;
     hand.table("t", "/root");
     hand.column("a", VAR_DOUBLE, "/root/a").retain = true;
-    hand.column("b", VAR_CHAR, "/root/b", 2).noretain = true;
+    VARINFO& both = hand.column("b", VAR_CHAR, "/root/b", 2);
+    both.retain = both.noretain = true;  // the second wins
     hand.column("a2", VAR_DOUBLE, "/root/a");
     hand.column("o", VAR_ORDINAL, "/root").noretain = true;
     HandMap::informat(hand.column("c", VAR_CHAR, "/root/c", 4));
@@ -63,26 +81,6 @@ TEST(RowLoop, RetainedColumnsKeepTheirValueAlsoOverAReset) {
             ASSERT_QV_OK(table.read());
             EXPECT_EQ(view(raw.rawdata, raw.rawdataLen), flags != 0 ? "2001" : text);
         }
-    }
-}
-
-TEST(RowLoop, OpenTablesDoNotDisturbEachOther) {
-    const Scan scan(kOrders);
-    constexpr const char* kTables[] = {"o", "o_c", "ALLDATA", "o"};
-    OpenTable tables[] = {
-        {scan, kTables[0]}, {scan, kTables[1]}, {scan, kTables[2]}, {scan, kTables[3]}};
-    std::string rows[std::size(tables)], expected[std::size(tables)];
-    for (int round = 0; round < 20; ++round) {
-        for (size_t i = 0; i < std::size(tables); ++i) {
-            rows[i] += tables[i].read() == QV_OK ? tables[i].row() : "";
-        }
-    }
-    for (size_t i = 0; i < std::size(tables); ++i) {
-        tables[i].reset();
-        while (tables[i].read() == QV_OK) {
-            expected[i] += tables[i].row();
-        }
-        EXPECT_EQ(rows[i], expected[i]) << kTables[i];
     }
 }
 
@@ -121,16 +119,6 @@ TEST(RowLoop, ABlockThatDoesNotLoadIsReportedAndPassed) {
     EXPECT_TRUE(table.rows() == rows);
 }
 
-TEST(RowLoop, TheLastRecordsLabelsStandInTheDocument) {
-    const Scan scan(R"({"aa":[{"b":1},{"b":2}]})");
-    OpenTable table(scan, "aa");
-    for (const int32_t labels : {1, 2}) {  // ended by the second /root/aa, then behind /root/aa/b
-        ASSERT_QV_OK(table.read());
-        EXPECT_EQ(scan.p()->labelCount, labels);
-        EXPECT_EQ(scan.p()->labelCurLens[labels - 1], 3 - labels);
-    }
-}
-
 TEST(RowLoop, SaysWhatItReads) {
     const Scan scan(R"({"a":[{"b":1,"c":{}}]})", {.debug = ",READ,-READINIT,"});
     EXPECT_EQ(scan.rows("a"), "1|1|1\n");
@@ -145,16 +133,6 @@ TEST(RowLoop, SaysWhatItReads) {
               "consumePath    [a] [/root/a/c/FAKE] val [VAR], "
               "Read           [a] returning LAST OBSERVATION, , Read on dataset[a] called, "
               "Read           [a] atEOF set, returning QV_EOF, ReadTerm called");
-}
-
-TEST(RowLoop, ShowsRecordsWithTheirLabels) {
-    const Scan scan(R"({"ab":{"c":"xyz"}})", {.debug = ",ALLDATA,"});
-    scan.host().notes.clear();
-    EXPECT_EQ(scan.rows("ALLDATA"), "1|ab||0|\n2|ab|c|1|xyz\n");
-    EXPECT_EQ(joined(scan.host().notes),
-              "Read: path [/root], Read: p->labelCount 0 valLen 0, Read: path [/root/ab], "
-              "Read: p->labelCount 1 valLen 0,   p1 2 [ab], Read: path [/root/ab/c xyz], "
-              "Read: p->labelCount 2 valLen 3,   p1 2 [ab],   p2 1 [c],   valLen 3 [xyz]");
 }
 
 }  // namespace

@@ -15,18 +15,15 @@ constexpr const char* kFlags = " -fsyntax-only -Wall -Wextra -Wpedantic -Werror 
                                "/include -I" JMAP_SOURCE_DIR "/src -I" JMAP_SOURCE_DIR;
 
 TEST(Headers, CompileAlone) {
-    struct Case {
-        const char* folder;
-        const char* compiler;
-        const char* source;
-    };
-    constexpr Case kCases[] = {
+    constexpr struct {
+        const char *folder, *compiler, *source;
+    } kCases[] = {
         {"include", JMAP_C_COMPILER " -std=c11", "alone.c"},
         {"include", JMAP_CXX_COMPILER " -std=c++20", "alone.cpp"},
         {"src", JMAP_CXX_COMPILER " -std=c++20", "alone.cpp"},
         {"client", JMAP_CXX_COMPILER " -std=c++20", "alone.cpp"},
     };
-    for (const Case& c : kCases) {
+    for (const auto& c : kCases) {
         std::string command = std::string(c.compiler) + kFlags;
         for (const auto& entry :
              fs::recursive_directory_iterator(fs::path(JMAP_SOURCE_DIR) / c.folder)) {

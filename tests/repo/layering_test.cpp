@@ -82,21 +82,16 @@ TEST(Layering, EveryIncludePointsDownwards) {
 }
 
 TEST(Layering, TheCheckFindsWhatBreaksARule) {
-    struct Case {
-        const char* file;
-        const char* line;
+    constexpr struct {
+        const char *file, *line;
         bool breaks;
-    };
-    constexpr Case kCases[] = {
+    } kCases[] = {
         {"client/inside.cpp", "#include \"scan/own.h\"", true},
         {"include/qvejmap.h", "#include <stdint.h>", false},
         {"include/qvportable.h", "#include \"qvejmap.h\"", false},
         {"src/core/host.h", "#include \"qvportable.h\"", true},
         {"src/extra/new.cpp", "#include <span>", true},
-        {"src/frame/gone.cpp", "#include \"gone.h\"", true},
         {"src/frame/library.cpp", "#include <string>", true},
-        {"src/host/engine.cpp", "#include \"qvejmap.h\"", true},
-        {"src/host/json/any.cpp", "#include <vector>", false},
         {"src/mapdoc/beside.cpp", "  # include \"../reader/own.h\"", true},
         {"src/reader/own.h", "#include \"scan/own.h\"", false},
         {"src/scan/above.cpp", "#include \"reader/own.h\"", true},
@@ -105,7 +100,7 @@ TEST(Layering, TheCheckFindsWhatBreaksARule) {
     };
     const fs::path root = scratchFile("tree");
     std::vector<std::string> expected, found;
-    for (const Case& c : kCases) {
+    for (const auto& c : kCases) {
         fs::create_directories((root / c.file).parent_path());
         std::ofstream(root / c.file) << c.line << "\n";
         expected.insert(expected.end(), c.breaks ? 1 : 0, c.file);

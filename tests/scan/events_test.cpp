@@ -2,7 +2,7 @@
 #include "scan/events.h"
 
 #include "scan/nesting.h"
-#include "scan_fixture.h"
+#include "testkit/open_document.h"
 
 namespace jmap::test {
 namespace {

@@ -1,7 +1,8 @@
 // The record stream: bytes, label counts, block boundaries.
 #include "scan/record_stream.h"
 
-#include "scan_fixture.h"
+#include "scan/record_format.h"
+#include "testkit/open_document.h"
 
 namespace jmap::test {
 namespace {
@@ -12,7 +13,7 @@ TEST(RecordStream, HasTheseBytes) {
     std::string expected("\0\0\0\0\x05\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x01\x02root"sv);
     expected += "\x01\0\0\0\x01\x07\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x01\x02root\x02x"sv;
     expected += "\x02\0\0\0\x01\x01\x0C\0\0\0\0\0\0\0\x02\0\0\0\0\0\0\0\x02\x02root\x02x\x02y 12"sv;
-    EXPECT_EQ(expected, scan.recordBytes());
+    EXPECT_EQ(expected, scan.blocks()[0]);
     EXPECT_EQ(3u, scan.p()->pathCount);
     EXPECT_EQ(2, scan.p()->valueMaxLen);
 }
@@ -46,7 +47,7 @@ TEST(RecordStream, CountsLabelsSo) {
          "0[] 1[0] 2[0,2] 1[0] 2[0,1] 3[0,1,0] "},
     };
     for (const auto& c : kCases) {
-        EXPECT_EQ(c.counts, labelCounts(Scan(c.json).recordBytes())) << c.name;
+        EXPECT_EQ(c.counts, labelCounts(Scan(c.json).blocks()[0])) << c.name;
     }
     for (const std::size_t depth : {30, 31, 60}) {  // below the deepest: the spare length
         std::string json = "{}";
@@ -55,7 +56,7 @@ TEST(RecordStream, CountsLabelsSo) {
             json = R"({"a":)" + json + "}";
             last += "1,";
         }
-        EXPECT_TRUE(labelCounts(Scan(json).recordBytes()).ends_with(" " + last + "0] ")) << depth;
+        EXPECT_TRUE(labelCounts(Scan(json).blocks()[0]).ends_with(" " + last + "0] ")) << depth;
     }
 }
 
@@ -85,7 +86,7 @@ TEST(RecordStream, RefusesARecordThatNoBlockHolds) {
         EXPECT_QV(over < 0 ? QV_OK : QV_NOMEM, scan.doc()->e.rc);
         const JMAP_PRIVATE* p = scan.p();  // a refused record does not close the block
         EXPECT_EQ(over < 0 ? "" : "0[] 1[1] 2[1,2] ", labelCounts(view(p->cBuf, p->cBufi)));
-        EXPECT_TRUE(over >= 0 || scan.recordBytes().ends_with(" " + number));
+        EXPECT_TRUE(over >= 0 || scan.blocks().back().ends_with(" " + number));
     }
 }
 

@@ -1,11 +1,13 @@
-// Texts for everything a test wants to look at in a scanned document.
+// Texts for everything a test wants to look at in a scanned document; files.
 #include "core/list.h"
 #include "core/pool.h"
 #include "core/readctx.h"
 #include "core/text.h"
 #include "scan/record_block.h"
+#include "scratch_folder.h"
 #include "testkit.h"
 
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -56,6 +58,12 @@ std::string cellText(const QVEJMAPReadContexth rctx, const VARIABLEINFO& column)
 }
 
 }  // namespace
+
+std::string slashes(std::string_view path) {
+    std::string shown(path);
+    std::replace(shown.begin(), shown.end(), '\x02', '/');
+    return shown;
+}
 
 Scan::Scan(std::string_view json, ScanOptions options)
     : ownHost_(std::make_unique<FakeHost>()), host_(ownHost_.get()) {
@@ -161,14 +169,6 @@ std::string Scan::records() const {
     return rc == QV_EOF ? lines : lines + statusLine(rc);
 }
 
-std::string Scan::recordBytes() const {
-    std::string all;
-    for (const std::string& block : blocks()) {
-        all += block;
-    }
-    return all;
-}
-
 std::vector<std::string> Scan::blocks() const {
     JMAP_READPRIVATE rp{};
     rp.p = p();
@@ -198,8 +198,8 @@ QVStatus Scan::readMap(std::string_view map, std::size_t split, ERRORINFO* e) co
         const auto piece = map.substr(0, split == 0 ? map.size() : split);
         map.remove_prefix(piece.size());
         done = map.empty();
-        rc = engine()->MapInput(ctx, const_cast<char*>(piece.data()), lengthOf(piece),
-                                done ? 1 : 0, host_->journal());
+        rc = engine()->MapInput(ctx, const_cast<char*>(piece.data()), lengthOf(piece), done ? 1 : 0,
+                                host_->journal());
     }
     if (e != nullptr && ctx != nullptr) {
         *e = ctx->e;
@@ -207,6 +207,22 @@ QVStatus Scan::readMap(std::string_view map, std::size_t split, ERRORINFO* e) co
     EXPECT_QV_OK(engine()->MapTerm(doc_, &ctx, host_->journal()));
     EXPECT_EQ(ctx, nullptr);
     return rc;
+}
+
+// ---- Files --------------------------------------------------------------------------------------
+
+std::optional<std::string> sharedFile(const std::string& name) {
+    std::ifstream file(JMAP_SOURCE_DIR "/../shared/data/" + name, std::ios::binary);
+    if (!file) {
+        return std::nullopt;
+    }
+    return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+std::string scratchFile(const std::string& name) {
+    static const ScratchFolder folder;
+    static int serial = 0;
+    return folder.path / (std::to_string(++serial) + "-" + name);
 }
 
 }  // namespace jmap::test

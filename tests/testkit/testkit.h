@@ -130,8 +130,7 @@ class Scan {
     static std::string rowsOf(UserJMAP_S* engine, QVEJMAPReadContexth rctx);
     // One line a record: "NOVAL /root", "NUMBER /root/a=12".
     [[nodiscard]] std::string records() const;
-    // The bytes of all records, uncompressed, and of each block on its own.
-    [[nodiscard]] std::string recordBytes() const;
+    // The bytes of the records, uncompressed, block by block.
     [[nodiscard]] std::vector<std::string> blocks() const;
     // The map document of GetAutoMapBuf.
     [[nodiscard]] std::string mapDocument() const;

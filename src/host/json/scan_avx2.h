@@ -3,7 +3,7 @@
 // Every routine is compiled for AVX2 by itself, not the file that includes it: nothing that is
 // shared with the rest of the program can come to hold an instruction that a machine lacks.
 //
-// Tested by tests/json/scan_test.cpp
+// Tested by tests/json/parser_test.cpp
 #pragma once
 
 #if defined(__SSE2__)

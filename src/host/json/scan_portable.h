@@ -4,7 +4,7 @@
 // A kernel is a structure of static routines.  Each looks at the bytes from `p` on, never at or
 // behind `end`, and returns where the run ends; `end` when all of it belongs to the run.
 //
-// Tested by tests/json/scan_test.cpp
+// Tested by tests/json/parser_test.cpp
 #pragma once
 
 #include <bit>

@@ -1,6 +1,6 @@
 // The kernels that this build has, and which of them the machine can run.
 //
-// Tested by tests/json/scan_test.cpp and parser_test.cpp
+// Tested by tests/json/parser_test.cpp
 #include "host/json/scan_routines.h"
 
 #include "host/json/scan_avx2.h"

@@ -1,7 +1,7 @@
 // The routines that scan runs of bytes, chosen once for a parser: by what the machine offers and by
 // the encoding of the document.
 //
-// Tested by tests/json/scan_test.cpp and parser_test.cpp
+// Tested by tests/json/parser_test.cpp
 #pragma once
 
 #include "host/json/scan_portable.h"

@@ -2,7 +2,7 @@
 // kernel in use there when nothing wider is offered; what is left of a buffer behind the last 16
 // bytes goes to the portable kernel.
 //
-// Tested by tests/json/scan_test.cpp
+// Tested by tests/json/parser_test.cpp
 #pragma once
 
 #if defined(__SSE2__)

@@ -1,7 +1,7 @@
 // A map made by hand: tables and columns that no automatic map has.
 #pragma once
 
-#include "tests/automap/hand_document.h"
+#include "testkit/open_document.h"
 
 #include <deque>
 

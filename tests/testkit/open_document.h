@@ -1,6 +1,8 @@
-// A document that a test opens, feeds and ends call by call.
+// A document that a test opens, feeds and ends call by call, or whose routines it calls itself.
 #pragma once
 
+#include "core/list.h"
+#include "core/pool.h"
 #include "core/text.h"
 #include "testkit/testkit.h"
 
@@ -8,12 +10,21 @@
 
 namespace jmap::test {
 
-inline std::string joined(const std::vector<std::string>& parts) {
+using Names = std::vector<std::string>;
+
+inline std::string joined(const Names& parts) {
     std::string all;
     for (const std::string& part : parts) {
         all += (all.empty() ? "" : ", ") + part;
     }
     return all;
+}
+
+// The text with every "/" as separator.
+inline std::string internalPath(std::string_view path) {
+    std::string text(path);
+    std::replace(text.begin(), text.end(), '/', '\x02');
+    return text;
 }
 
 // A host with the engine loaded and nothing else.
@@ -23,7 +34,7 @@ class LoadedHost : public FakeHost {
     // What is alive beside the engine and its modules, oldest first: the kinds of objects, of pools
     // and trackers the names as well.
     std::string left() {
-        std::vector<std::string> rest = leftovers();
+        Names rest = leftovers();
         rest.erase(rest.begin(), rest.begin() + instance_);
         for (std::string& object : rest) {
             const bool named = object.starts_with("pool ") || object.starts_with("tracker ");
@@ -56,6 +67,14 @@ struct Document {
     QVEJMAPJsonInitParms parms{};
     std::string debug;
     QVEJMAPJsonContexth doc = nullptr;
+};
+
+// A document that was opened and is not fed, on a host of its own.
+struct HandDocument {
+    FakeHost host;
+    Document document{host};
+    JMAP_PRIVATE& p = ((void)document.init(), *document.p());
+    QVEJMAPJsonContext& doc = *document.doc;
 };
 
 }  // namespace jmap::test

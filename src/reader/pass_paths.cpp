@@ -1,0 +1,150 @@
+// What each path means to the tables of a pass.
+//
+// Tested by tests/reader/table_pass_test.cpp
+#include "pass_paths.h"
+
+#include "core/list.h"
+#include "core/pool.h"
+
+namespace jmap {
+namespace {
+
+constexpr uint64_t lengthBit(std::string_view path) noexcept {
+    return uint64_t{1} << (path.size() % 64);
+}
+
+// The entry of a path, made when it is new; null when there is no memory.
+PASSPATH* enterPath(PASSPATHS* paths, QVPoolh pool, std::string_view path) {
+    if (PASSPATH* known = findPath(paths, path); known != nullptr) {
+        return known;
+    }
+    auto* entry = poolNew<PASSPATH>(pool);
+    if (entry == nullptr ||
+        paths->byPath->insert(paths->byPath, path.data(), lengthOf(path), entry) != QV_OK) {
+        return nullptr;
+    }
+    entry->path = path.data();
+    entry->pathLen = lengthOf(path);
+    paths->lengths |= lengthBit(path);
+    paths->last->follower = entry;  // columns mostly come in the order of the map
+    paths->last = entry;
+    return entry;
+}
+
+QVStatus addOrdinal(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t i,
+                    PASSTABLE* table) {
+    const PASSPATH* counted = enterPath(paths, pool, view(column.path, column.pathLen));
+    if (counted == nullptr) {
+        return QV_NOMEM;
+    }
+    table->ordinals[table->ordinalCount++] = {i, counted};
+    return QV_OK;
+}
+
+QVStatus addUse(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t i,
+                PASSTABLE* table) {
+    PASSPATH* entry = enterPath(paths, pool, view(column.path, column.pathLen));
+    auto* use = poolNew<PASSUSE>(pool);
+    if (entry == nullptr || use == nullptr) {
+        return QV_NOMEM;
+    }
+    use->table = table;
+    use->column = i;
+    use->cell = column.type != VAR_ORDINAL;
+    use->number = column.type == VAR_DOUBLE && column.informatLen == 0;
+    entry->numbers = entry->numbers || use->number;
+    append(entry->uses, entry->usesTail, use);
+    return QV_OK;
+}
+
+uint64_t countOrdinals(const DSINFO& ds) noexcept {
+    uint64_t count = 0;
+    for (const VARINFO& column : each(ds.vhead)) {
+        count += column.type == VAR_ORDINAL ? 1 : 0;
+    }
+    return count;
+}
+
+// What a column takes from its path.  A value takes a column with an informat for one of its own,
+// whatever its type is.
+QVStatus addColumn(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t i,
+                   PASSTABLE* table) {
+    if (column.type == VAR_DOUBLE || column.type == VAR_CHAR) {
+        table->ordinalsOnly = false;
+    }
+    if (column.pathLen == 0) {
+        return QV_OK;  // no record's path is empty
+    }
+    if (column.type == VAR_ORDINAL) {
+        QV_TRY(addOrdinal(paths, pool, column, i, table));
+    }
+    if (column.type == VAR_DOUBLE || column.type == VAR_CHAR || column.informatLen != 0) {
+        QV_TRY(addUse(paths, pool, column, i, table));
+    }
+    return QV_OK;
+}
+
+QVStatus addTablePath(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, PASSTABLE* table) {
+    if (ds.tablePathLen == 0) {
+        return QV_OK;  // it is never seen: no rows
+    }
+    PASSPATH* entry = enterPath(paths, pool, view(ds.tablePath, ds.tablePathLen));
+    if (entry == nullptr) {
+        return QV_NOMEM;
+    }
+    if (entry->tables == nullptr) {
+        entry->tables = table;
+    } else {
+        entry->tablesTail->samePath = table;
+    }
+    entry->tablesTail = table;
+    return QV_OK;
+}
+
+}  // namespace
+
+QVStatus openPaths(PASSPATHS* paths) {
+    constexpr std::u32string_view kName = U"qvejmap pass tracker";
+    QVHndlp host = qvGlobalHandle();
+    paths->last = &paths->start;
+    paths->byPath = host->createTracker(host, QV_TRACKER_HASH, 1, kName.data(),
+                                        static_cast<QVStrSize>(kName.size()));
+    return paths->byPath == nullptr ? QV_NOMEM : QV_OK;
+}
+
+QVStatus addTable(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, bool retain, PASSTABLE* table) {
+    auto* retained = poolNew<bool>(pool, static_cast<QVStrSize>(ds.varcount));
+    table->cells = poolNew<JMAPPassCell>(pool, static_cast<QVStrSize>(ds.varcount));
+    table->set = poolNew<uint32_t>(pool, static_cast<QVStrSize>(ds.varcount));
+    table->ordinals = poolNew<PASSORDINAL>(pool, static_cast<QVStrSize>(countOrdinals(ds)));
+    if (retained == nullptr || table->cells == nullptr || table->set == nullptr ||
+        table->ordinals == nullptr) {
+        return QV_NOMEM;
+    }
+    table->retained = retained;
+    table->columnCount = static_cast<uint32_t>(ds.varcount);
+    table->ordinalsOnly = true;
+    QV_TRY(addTablePath(paths, pool, ds, table));
+    uint32_t i = 0;
+    for (const VARINFO& column : each(ds.vhead)) {
+        retained[i] = (retain || column.retain) && !column.noretain;
+        QV_TRY(addColumn(paths, pool, column, i, table));
+        ++i;
+    }
+    return QV_OK;
+}
+
+PASSPATH* searchPath(PASSPATHS* paths, std::string_view path) {
+    if ((paths->lengths & lengthBit(path)) == 0) {
+        return nullptr;
+    }
+    auto* found =
+        static_cast<PASSPATH*>(paths->byPath->find(paths->byPath, path.data(), lengthOf(path)));
+    if (found != nullptr) {
+        paths->last->follower = found;
+        paths->last = found;
+    }
+    return found;
+}
+
+}  // namespace jmap

@@ -1,0 +1,72 @@
+// What each path means to the tables of a pass.
+//
+// A record is looked up once for all tables.  Records repeat, so the guess is that the path comes
+// next that came next the last time; that fails where members are missing or new, and then a hash
+// table finds the path.  Ordinals are counted by path, not by table: all tables read the same
+// records.
+//
+// Tested by tests/reader/table_pass_test.cpp
+#pragma once
+
+#include "core/map.h"
+#include "core/text.h"
+#include "pass_rows.h"
+
+#include <cstdint>
+#include <string_view>
+
+// A column that takes the values of a path.
+struct PASSUSE {
+    PASSUSE* next;  // the next one of the path: tables in order, then columns
+    PASSTABLE* table;
+    uint32_t column;
+    bool cell;    // false: the value only counts for the row (an ordinal with an informat)
+    bool number;  // the column is numeric and has no informat
+};
+
+// A path that means something to a table.
+struct PASSPATH {
+    const char* path;  // of the map
+    QVStrSize pathLen;
+    PASSPATH* follower;  // the path that came next the last time
+    PASSUSE* uses;       // columns that take its values
+    PASSUSE* usesTail;
+    PASSTABLE* tables;  // tables whose table path it is, through `samePath`
+    PASSTABLE* tablesTail;
+    PASSPATH* above;  // on the stack of seen table paths: the one below it
+    bool numbers;     // one of its columns is numeric and has no informat
+    uint64_t count;   // markers so far
+};
+
+struct PASSPATHS {
+    QVTrackerh byPath;  // path -> PASSPATH; owned
+    uint64_t lengths;   // bit (length mod 64) of each path
+    PASSPATH* last;     // found last
+    PASSPATH start;     // before the first
+};
+
+namespace jmap {
+
+// Begins an empty set.  QV_NOMEM.
+[[nodiscard]] QVStatus openPaths(PASSPATHS* paths);
+
+// Adds a table and its columns; the cells are there.
+//   alldata, retain  as of an open table
+// Returns QV_OK or QV_NOMEM.
+[[nodiscard]] QVStatus addTable(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, bool retain,
+                                PASSTABLE* table);
+
+// The path when it is a guess that failed, or null.
+[[nodiscard]] PASSPATH* searchPath(PASSPATHS* paths, std::string_view path);
+
+// What the path of a record means; null: nothing to any table.
+[[nodiscard]] inline PASSPATH* findPath(PASSPATHS* paths, std::string_view path) {
+    PASSPATH* const guess = paths->last->follower;
+    if (guess != nullptr && view(guess->path, guess->pathLen) == path) {
+        paths->last = guess;
+        return guess;
+    }
+    return searchPath(paths, path);
+}
+
+}  // namespace jmap

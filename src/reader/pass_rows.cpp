@@ -1,0 +1,115 @@
+// The rows that a pass is making, one for each of its tables.
+//
+// Tested by tests/reader/table_pass_test.cpp
+#include "pass_rows.h"
+
+#include "core/pool.h"
+
+#include <algorithm>
+
+namespace jmap {
+namespace {
+
+// A cell with memory of its own has some, even for an empty text.
+constexpr QVStrSize kLeastHeld = 16;
+
+// The own memory of a cell, with room for `size` bytes; what it held is lost when it must grow.
+QVStatus makeRoom(const PASSROWS& rows, PASSTABLE& table, uint32_t column, QVStrSize size) {
+    if (table.held == nullptr) {
+        table.held = poolNew<HELDTEXT>(rows.pool, table.columnCount);
+        if (table.held == nullptr) {
+            return QV_NOMEM;
+        }
+    }
+    HELDTEXT& held = table.held[column];
+    if (held.alloc >= std::max(size, kLeastHeld)) {
+        return QV_OK;
+    }
+    (void)poolFree(rows.pool, held.text);  // the new piece decides
+    held = {};
+    char* const text = poolBytes(rows.pool, std::max(size, kLeastHeld));
+    if (text == nullptr) {
+        return QV_NOMEM;
+    }
+    held = {text, std::max(size, kLeastHeld)};
+    return QV_OK;
+}
+
+bool hasRoom(const PASSTABLE& table, uint32_t column) noexcept {
+    return table.held != nullptr && table.held[column].alloc != 0;
+}
+
+}  // namespace
+
+QVStatus holdText(const PASSROWS& rows, PASSTABLE& table, uint32_t column) {
+    JMAPPassCell& cell = table.cells[column];
+    if (hasRoom(table, column) && cell.text == table.held[column].text) {
+        return QV_OK;
+    }
+    QV_TRY(makeRoom(rows, table, column, cell.textLen));
+    char* const text = table.held[column].text;
+    std::copy_n(cell.text, cell.textLen, text);
+    cell.text = text;
+    return QV_OK;
+}
+
+QVStatus keepText(PASSROWS& rows, PASSTABLE& table, uint32_t column) {
+    // A cell that was parked once stays so: its place in the list has been passed.
+    if (table.retained[column] || hasRoom(table, column)) {
+        return holdText(rows, table, column);
+    }
+    if (!table.touched) {
+        table.touched = true;
+        table.nextTouched = rows.touched;
+        rows.touched = &table;
+    }
+    return QV_OK;
+}
+
+QVStatus parkRows(PASSROWS& rows) {
+    while (rows.touched != nullptr) {
+        PASSTABLE& table = *rows.touched;
+        for (; table.parkedCount < table.setCount; ++table.parkedCount) {
+            const uint32_t column = table.set[table.parkedCount];
+            if (table.cells[column].kind != JMAP_CELL_COUNT) {
+                QV_TRY(holdText(rows, table, column));
+            }
+        }
+        table.touched = false;
+        rows.touched = table.nextTouched;
+    }
+    return QV_OK;
+}
+
+void clearRow(const PASSROWS& rows, PASSTABLE& table) {
+    for (uint32_t i = 0; i < table.setCount; ++i) {
+        const uint32_t column = table.set[i];
+        if (table.retained[column]) {
+            table.cells[column].fresh = 0;
+            continue;
+        }
+        table.cells[column] = {};
+        if (hasRoom(table, column)) {
+            (void)poolFree(rows.pool, table.held[column].text);  // nothing hangs on it
+            table.held[column] = {};
+        }
+    }
+    table.setCount = 0;
+    table.parkedCount = 0;
+    table.inVariables = false;
+}
+
+QVStatus overlayText(const PASSROWS& rows, PASSTABLE& table, uint32_t column,
+                     std::string_view text) {
+    JMAPPassCell& cell = freshCell(table, column);
+    if (cell.kind == JMAP_CELL_MISSING || lengthOf(text) >= cell.textLen) {
+        cell.kind = JMAP_KIND_STRING;
+        cell.text = text.data();
+        cell.textLen = lengthOf(text);
+        return holdText(rows, table, column);
+    }
+    std::copy_n(text.data(), text.size(), table.held[column].text);
+    return QV_OK;
+}
+
+}  // namespace jmap

@@ -1,0 +1,345 @@
+// The rows of many tables in one walk over the record stream.
+//
+// Tested by tests/reader/table_pass_test.cpp
+#include "table_pass.h"
+
+#include "consume.h"
+#include "core/list.h"
+#include "core/pool.h"
+#include "number_cell.h"
+#include "row_boundary.h"
+#include "row_loop.h"
+#include "scan/record_format.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace jmap {
+namespace {
+
+// How far ahead of the record at hand memory is asked for, as in Read.
+constexpr QVStrSize kPrefetchBytes = 2048;
+
+// ---- Rows -----------------------------------------------------------------------------------
+
+void endRow(JMAPPass* pass, PASSTABLE* table) noexcept {
+    table->nextEnded = nullptr;
+    if (pass->endedHead == nullptr) {
+        pass->endedHead = table;
+    } else {
+        pass->endedTail->nextEnded = table;
+    }
+    pass->endedTail = table;
+}
+
+uint64_t countedBy(const PASSTABLE& table) noexcept {
+    uint64_t sum = 0;
+    for (uint32_t i = 0; i < table.ordinalCount; ++i) {
+        sum += table.ordinals[i].path->count;
+    }
+    return sum;
+}
+
+// Whether the row has received a value.  A table of ordinals has nothing else to make a row of than
+// their counting.
+bool inVariables(const PASSTABLE& table) noexcept {
+    return table.inVariables || (table.ordinalsOnly && countedBy(table) != table.countedBefore);
+}
+
+void startRow(JMAPPass* pass, PASSTABLE* table) {
+    clearRow(pass->rows, *table);
+    if (table->ordinalsOnly) {
+        table->countedBefore = countedBy(*table);
+    }
+}
+
+// An ordinal shows its count in every row, once there is one.
+void showOrdinals(PASSTABLE* table) noexcept {
+    for (uint32_t i = 0; i < table->ordinalCount; ++i) {
+        const PASSORDINAL& ordinal = table->ordinals[i];
+        if (ordinal.path->count != 0) {
+            JMAPPassCell& cell = table->cells[ordinal.column];
+            cell.kind = JMAP_CELL_COUNT;
+            cell.fresh = 1;
+            cell.count = ordinal.path->count;
+        }
+    }
+}
+
+JMAPPassItem itemOf(const JMAPPass* pass, int32_t kind, PASSTABLE* table) noexcept {
+    showOrdinals(table);
+    JMAPPassItem item = {};
+    item.kind = kind;
+    item.table = table - pass->tables;
+    item.cells = table->cells;
+    item.cellCount = table->columnCount;
+    return item;
+}
+
+// ---- Records --------------------------------------------------------------------------------
+
+// Finds the rows that a marker ends, and takes the table paths that it does not lie below off the
+// stack; if it is one of them it comes back with `countMarker`.
+void endRows(JMAPPass* pass, std::string_view path) {
+    for (; pass->top != nullptr; pass->top = pass->top->above) {
+        const std::string_view tablePath = view(pass->top->path, pass->top->pathLen);
+        for (PASSTABLE* table = pass->top->tables; table != nullptr; table = table->samePath) {
+            const BOUNDARY boundary =
+                rowBoundary(path, tablePath, pass->rp.p->sep, true, inVariables(*table));
+            if (boundary == BOUNDARY::INSIDE) {
+                return;  // so it is for all tables of the path, and for those above it
+            }
+            if (endsRow(boundary)) {
+                endRow(pass, table);
+            }
+        }
+    }
+}
+
+// What a marker means to the rows that go on or begin with it.
+void countMarker(JMAPPass* pass, PASSPATH* found) noexcept {
+    found->count += 1;
+    if (found->tables != nullptr) {  // not on the stack: `endRows` has seen to that
+        found->above = pass->top;
+        pass->top = found;
+    }
+}
+
+bool isNoNumber(const JMAPPass* pass, std::string_view text) {
+    const NUMBERCELL number = numberCell(pass->rp.p->smh, text);
+    return number.status == QV_NOTNUM && number.word == nullptr;
+}
+
+QVStatus storeValue(JMAPPass* pass, const PASSPATH& found, const RECORD& record) {
+    const std::string_view value = valueOf(record);
+    for (const PASSUSE* use = found.uses; use != nullptr; use = use->next) {
+        use->table->inVariables = true;
+        if (use->cell) {
+            QV_TRY(setText(pass->rows, *use->table, use->column, record.kind, value));
+        }
+    }
+    // Values of all other kinds are numbers, or words for one.
+    if (record.kind == VAL_STRING && found.numbers && isNoNumber(pass, value)) {
+        pass->notNumber = found.uses;
+        pass->notNumberText = value.data();
+        pass->notNumberLen = lengthOf(value);
+    }
+    return QV_OK;
+}
+
+QVStatus setAlldataText(JMAPPass* pass, PASSTABLE& table, uint32_t column, std::string_view text) {
+    return pass->retain ? overlayText(pass->rows, table, column, text)
+                        : setText(pass->rows, table, column, JMAP_KIND_STRING, text);
+}
+
+// Every record but a placeholder and the root's marker is a row of ALLDATA.
+QVStatus makeAlldataRow(JMAPPass* pass, PASSTABLE* table, const RECORD& record) {
+    endRow(pass, table);
+    const int32_t most = pass->rp.p->labelCountMax + 1;  // labels that the table has columns for
+    const auto flagColumn = static_cast<uint32_t>(most + 1);
+    if (table->columnCount <= flagColumn + 1) {
+        return QV_OK;  // the table could not be laid out in full
+    }
+    setCountCell(*table, 0, static_cast<uint64_t>(record.labelCount));
+    std::string_view rest = labelsOf(view(record.text, record.textLen));
+    for (int32_t i = 0; i < std::min(record.labelCount, most); ++i) {
+        const std::string_view label = takeLabel(rest, record.labelLens[i]);
+        QV_TRY(setAlldataText(pass, *table, static_cast<uint32_t>(i + 1), label));
+    }
+    setCountCell(*table, flagColumn, record.kind == VAL_NOVAL ? 0 : 1);
+    return setAlldataText(pass, *table, flagColumn + 1, valueOf(record));
+}
+
+QVStatus makeAlldataRows(JMAPPass* pass, const RECORD& record) {
+    if (record.kind == VAL_NOVAL && record.labelCount == 0) {
+        return QV_OK;
+    }
+    for (PASSTABLE* table = pass->alldata; table != nullptr; table = table->samePath) {
+        QV_TRY(makeAlldataRow(pass, table, record));
+    }
+    return QV_OK;
+}
+
+// Takes a value; the record has been passed then.
+QVStatus takeValue(JMAPPass* pass, const RECORD& record) {
+    if (record.kind == VAL_FAKEVARIABLE) {
+        return QV_OK;
+    }
+    const PASSPATH* found = findPath(&pass->paths, pathOf(record));
+    if (found != nullptr) {
+        QV_TRY(storeValue(pass, *found, record));
+    }
+    return makeAlldataRows(pass, record);
+}
+
+// Takes a marker: first the rows before it end, and when they have been handed out, it counts for
+// those behind it.  `*passed` says that this is done.
+QVStatus takeMarker(JMAPPass* pass, const RECORD& record, bool* passed) {
+    const std::string_view path = pathOf(record);
+    if (!pass->asked) {
+        endRows(pass, path);
+        QV_TRY(makeAlldataRows(pass, record));
+    }
+    *passed = pass->endedHead == nullptr;
+    pass->asked = !*passed;
+    if (*passed) {
+        if (PASSPATH* found = findPath(&pass->paths, path); found != nullptr) {
+            countMarker(pass, found);
+        }
+    }
+    return QV_OK;
+}
+
+// Replays the records of the block until there is something to hand out.
+QVStatus replayBlock(JMAPPass* pass) {
+    JMAP_READPRIVATE& rp = pass->rp;
+    const char* at = rp.records + rp.pBufi;
+    const char* const end = rp.records + rp.pBufLen;
+    while (at < end && pass->endedHead == nullptr && pass->notNumber == nullptr) {
+        __builtin_prefetch(at + kPrefetchBytes);
+        const RECORD record = parseRecord(at);
+        bool passed = true;
+        if (record.kind == VAL_NOVAL) {
+            QV_TRY(takeMarker(pass, record, &passed));
+        } else {
+            QV_TRY(takeValue(pass, record));
+        }
+        at += passed ? record.size : 0;
+    }
+    rp.pBufi = at - rp.records;
+    return QV_OK;
+}
+
+// The records are used up: rows may be pending.
+QVStatus endStream(JMAPPass* pass) {
+    for (; pass->top != nullptr; pass->top = pass->top->above) {
+        for (PASSTABLE* table = pass->top->tables; table != nullptr; table = table->samePath) {
+            if (inVariables(*table)) {
+                endRow(pass, table);
+            }
+        }
+    }
+    return pass->endedHead == nullptr ? QV_EOF : QV_OK;
+}
+
+// Goes on until there is something to hand out, or at least to the next block.
+QVStatus replay(JMAPPass* pass) {
+    JMAP_READPRIVATE& rp = pass->rp;
+    if (rp.pBufi < rp.pBufLen) {
+        return replayBlock(pass);
+    }
+    QV_TRY(parkRows(pass->rows));
+    COMPPATHS* next = rp.curr == nullptr ? rp.p->chead : rp.curr->next;
+    if (next == nullptr) {
+        return endStream(pass);
+    }
+    QV_TRY(loadBlock(&rp, next));
+    pass->rows.blockGoes = rp.records == rp.pBuf;
+    return QV_OK;
+}
+
+// ---- Items ----------------------------------------------------------------------------------
+
+// Whether there was something.
+bool handOut(JMAPPass* pass, JMAPPassItem* item) {
+    while (pass->notNumber != nullptr) {
+        const PASSUSE* use = std::exchange(pass->notNumber, pass->notNumber->next);
+        if (use->number) {
+            *item = itemOf(pass, JMAP_PASS_NOT_NUMBER, use->table);
+            item->column = use->column;
+            item->text = pass->notNumberText;
+            item->textLen = pass->notNumberLen;
+            return true;
+        }
+    }
+    PASSTABLE* const table = pass->endedHead;
+    if (table == nullptr) {
+        return false;
+    }
+    pass->endedHead = table->nextEnded;
+    pass->handed = table;
+    *item = itemOf(pass, JMAP_PASS_ROW, table);
+    return true;
+}
+
+QVStatus addTables(JMAPPass* pass, DSINFO* const* tables) {
+    for (QVStrSize i = 0; i < pass->tableCount; ++i) {
+        PASSTABLE* table = pass->tables + i;
+        QV_TRY(addTable(&pass->paths, pass->rp.rpool, *tables[i], pass->retain, table));
+        if (tables[i] == pass->rp.p->alldataDs) {
+            table->samePath = pass->alldata;  // it has no table path
+            pass->alldata = table;
+        }
+    }
+    return QV_OK;
+}
+
+bool textsStay(const JMAPPass* pass) noexcept {
+    for (const COMPPATHS& block : each(pass->rp.p->chead)) {
+        if (block.onDisk || block.compressed) {
+            return false;
+        }
+    }
+    return pass->alldata == nullptr || !pass->retain;  // overlaid texts are the pass's own
+}
+
+QVStatus fillPass(JMAPPass* pass, DSINFO* const* tables) {
+    pass->rp.pBuf = poolBytes(pass->rp.rpool, kBlockBytes);
+    pass->tables = poolNew<PASSTABLE>(pass->rp.rpool, pass->tableCount);
+    if (pass->rp.pBuf == nullptr || pass->tables == nullptr) {
+        return QV_NOMEM;
+    }
+    QV_TRY(openPaths(&pass->paths));
+    QV_TRY(addTables(pass, tables));
+    pass->textsStay = textsStay(pass);
+    return QV_OK;
+}
+
+}  // namespace
+
+QVStatus openPass(JMAP_PRIVATE* p, DSINFO* const* tables, QVStrSize tableCount, uint64_t flags,
+                  JMAPPass** out) {
+    QVPoolh pool = newPool(U"qvejmap pass");
+    if (pool == nullptr) {
+        return QV_NOMEM;
+    }
+    auto* pass = poolNew<JMAPPass>(pool);
+    if (pass == nullptr) {
+        (void)destroyHandle(pool);  // nothing is in use yet
+        return QV_NOMEM;
+    }
+    pass->rp.p = p;
+    pass->rp.rpool = pool;
+    pass->rows.pool = pool;
+    pass->tableCount = tableCount;
+    pass->retain = (flags & QVEJMAP_RETAIN) != 0;
+    const QVStatus rc = fillPass(pass, tables);
+    if (rc != QV_OK) {
+        (void)closePass(pass);  // the failure stands
+        return rc;
+    }
+    *out = pass;
+    return QV_OK;
+}
+
+QVStatus nextItem(JMAPPass* pass, JMAPPassItem* item) {
+    if (pass->handed != nullptr) {
+        startRow(pass, std::exchange(pass->handed, nullptr));
+    }
+    QV_TRY(pass->status);
+    while (!handOut(pass, item)) {
+        pass->status = replay(pass);
+        QV_TRY(pass->status);
+    }
+    return QV_OK;
+}
+
+QVStatus closePass(JMAPPass* pass) {
+    (void)destroyHandle(pass->paths.byPath);
+    const QVStatus rc = destroyHandle(pass->rp.rfp);
+    QVPoolh pool = pass->rp.rpool;
+    (void)destroyHandle(pool);  // the pass is gone with it
+    return rc;
+}
+
+}  // namespace jmap

@@ -1,0 +1,54 @@
+// The rows of many tables in one walk over the record stream.
+//
+// Values go only to the columns of their path.  Markers concern only the tables on the current
+// path: a table's row can end only when its table path has been seen in the row, and from then on
+// every marker that does not end the row is the table path or lies below it.  So the table paths
+// that are seen are those on the way from the root to the last marker, each a beginning of the
+// next: a stack. A marker ends rows from the top of the stack downwards, until it meets a table
+// path that it lies below, or its own.  All tables of one path are seen at the same time, because
+// whether a row that its own table path meets ends or goes on, the table path has been seen after
+// it.
+//
+// Tested by tests/reader/table_pass_test.cpp
+#pragma once
+
+#include "core/readctx.h"
+#include "pass_paths.h"
+#include "pass_rows.h"
+
+// An open pass; it lives in its pool.
+struct JMAPPass {
+    // Loads blocks as an open table does: `p`, `rpool`, `z`, `rfp`, `curr` (null: before the first
+    // block), `records`, `pBuf`, `pBufi` and `pBufLen` are used.
+    JMAP_READPRIVATE rp;
+    QVStatus status;  // what ended the pass; QV_OK: nothing yet
+    PASSROWS rows;
+    PASSPATHS paths;
+    PASSTABLE* tables;  // [tableCount]
+    QVStrSize tableCount;
+    PASSTABLE* alldata;    // those that read ALLDATA, through `samePath`
+    bool retain;           // the flag
+    bool textsStay;        // see jmapPassTextsStay
+    PASSPATH* top;         // of the stack of seen table paths
+    PASSTABLE* endedHead;  // complete rows that have not been handed out
+    PASSTABLE* endedTail;
+    PASSTABLE* handed;         // the caller has its row
+    bool asked;                // the marker at hand has ended its rows
+    const PASSUSE* notNumber;  // columns that may have got `notNumberText`, not yet told
+    const char* notNumberText;
+    QVStrSize notNumberLen;
+};
+
+namespace jmap {
+
+// Opens a pass; see jmapPassOpen.
+[[nodiscard]] QVStatus openPass(JMAP_PRIVATE* p, DSINFO* const* tables, QVStrSize tableCount,
+                                uint64_t flags, JMAPPass** out);
+
+// The next item; see jmapPassNext.
+[[nodiscard]] QVStatus nextItem(JMAPPass* pass, JMAPPassItem* item);
+
+// Ends the pass, which is gone then.  A status of closing the cache file.
+QVStatus closePass(JMAPPass* pass);
+
+}  // namespace jmap

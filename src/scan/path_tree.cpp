@@ -1,0 +1,176 @@
+// The tree of known paths: what the scan has learnt about the document's shape.
+//
+// Tested by tests/scan/path_tree_test.cpp
+#include "path_tree.h"
+
+#include "core/pool.h"
+#include "nesting.h"
+#include "record_format.h"
+
+#include <cstddef>
+#include <cstring>
+
+namespace jmap {
+namespace {
+
+constexpr int64_t kFewMembers = 16;  // so many are compared one by one
+
+static_assert(offsetof(PATHNODE, parent) + sizeof(PATHNODE*) == sizeof(PATHNODE));
+
+PATHNODE* newNode(JMAP_PRIVATE* p, std::string_view name) {
+    char* mem = arenaBytes(&p->pathArena, p->cpool,
+                           static_cast<QVStrSize>(sizeof(PATHNODE)) + lengthOf(name));
+    if (mem == nullptr) {
+        return nullptr;
+    }
+    std::memset(mem, 0, sizeof(PATHNODE));
+    std::memcpy(mem + sizeof(PATHNODE), name.data(), name.size());
+    auto* node = reinterpret_cast<PATHNODE*>(mem);
+    node->parent = p->pathAt;
+    node->nameLen = lengthOf(name);
+    node->labels = p->pathAt->labels + 1;
+    node->textLen = p->pathAt->textLen + 1 + node->nameLen;
+    return node;
+}
+
+constexpr QVStrSize kParentBytes = sizeof(PATHNODE*);
+
+// A member's key in the hash: the address of its parent, and its name.
+void enterMember(JMAP_PRIVATE* p, PATHNODE* node) {
+    if (p->members != nullptr) {
+        const char* key = reinterpret_cast<const char*>(&node->parent);
+        // One that is not entered is not found and made again.
+        (void)p->members->insert(p->members, key, kParentBytes + node->nameLen, node);
+    }
+}
+
+// The members of `pathAt` have become many.
+void enterMembers(JMAP_PRIVATE* p) {
+    if (p->members == nullptr) {
+        constexpr std::u32string_view kName = U"path tree tracker";
+        QVHndlp host = qvGlobalHandle();
+        p->members = host->createTracker(host, QV_TRACKER_HASH, 1, kName.data(),
+                                         static_cast<QVStrSize>(kName.size()));
+    }
+    for (PATHNODE* node = p->pathAt->members; node != nullptr; node = node->sibling) {
+        enterMember(p, node);
+    }
+}
+
+PATHNODE* findByHash(JMAP_PRIVATE* p, std::string_view name) {
+    VARSTR* key = &p->path;  // no record is being written
+    key->len = 0;
+    if (jmapVarstrCheck(p, key, kParentBytes + lengthOf(name)) != QV_OK) {
+        return nullptr;
+    }
+    put(key, std::string_view(reinterpret_cast<const char*>(&p->pathAt), kParentBytes));
+    put(key, name);
+    return static_cast<PATHNODE*>(p->members->find(p->members, key->str, key->len));
+}
+
+PATHNODE* findMember(JMAP_PRIVATE* p, std::string_view name) {
+    if (p->pathAt->memberCount > kFewMembers && p->members != nullptr) {
+        return findByHash(p, name);
+    }
+    PATHNODE* node = p->pathAt->members;
+    while (node != nullptr && !equalShort(nameOf(node), name)) {
+        node = node->sibling;
+    }
+    return node;
+}
+
+PATHNODE* makeMember(JMAP_PRIVATE* p, std::string_view name) {
+    PATHNODE* node = newNode(p, name);
+    if (node == nullptr) {
+        return nullptr;
+    }
+    PATHNODE* at = p->pathAt;
+    node->sibling = at->members;
+    at->members = node;
+    ++at->memberCount;
+    if (at->memberCount == kFewMembers + 1) {
+        enterMembers(p);
+    } else if (at->memberCount > kFewMembers) {
+        enterMember(p, node);
+    }
+    return node;
+}
+
+}  // namespace
+
+void startPathTree(JMAP_PRIVATE* p) {
+    p->pathRoot = {};
+    p->pathRoot.textLen = p->rootL;
+    p->pathAt = &p->pathRoot;
+}
+
+PATHNODE* memberNode(JMAP_PRIVATE* p, std::string_view name) {
+    PATHNODE* expected = expectedMember(p->pathAt, name);
+    if (expected != nullptr) {
+        return expected;
+    }
+    PATHNODE* node = findMember(p, name);
+    if (node == nullptr) {
+        node = makeMember(p, name);
+    }
+    if (node != nullptr && p->pathAt->lastMember != nullptr) {
+        p->pathAt->lastMember->follower = node;
+    }
+    return node;
+}
+
+void rememberElement(JMAP_PRIVATE* p, bool plain, int64_t number, std::string_view name) {
+    PATHNODE* at = p->pathAt;
+    PATHNODE* last = at->lastElement;
+    const bool follows = last != nullptr && last->number == number - 1 && last->plain == plain;
+    if (number != 1 && !follows) {
+        return;
+    }
+    PATHNODE** place = number == 1 ? &at->elements[plain ? 1 : 0] : &last->follower;
+    if (*place == nullptr && p->pathInfoLast != nullptr && p->pathInfoLast->count > 1) {
+        *place = newNode(p, name);
+    }
+    if (*place != nullptr) {
+        (*place)->plain = plain;
+        (*place)->number = number;
+        (*place)->info = p->pathInfoLast;
+        at->lastElement = *place;
+    }
+}
+
+void writePath(const JMAP_PRIVATE* p, const PATHNODE* node, char* to) {
+    std::memcpy(to, p->root, static_cast<std::size_t>(p->rootL));
+    for (char* end = to + node->textLen; node->parent != nullptr; node = node->parent) {
+        end -= node->nameLen;
+        copyShort(end, nameOf(node));
+        *--end = p->sep;
+    }
+}
+
+[[gnu::noinline]] bool makeHead(JMAP_PRIVATE* p, PATHNODE* node) {
+    if (p->debugLevel || p->debugPath || p->debugAllData || p->debugInsertPath) {
+        return false;
+    }
+    const QVStrSize recordLen = kRecordFixedBytes + node->labels + node->textLen;
+    char* head = arenaBytes(&p->pathArena, p->cpool, recordLen + 1 + kHeadStep);
+    if (head == nullptr) {
+        return false;
+    }
+    std::memset(head, 0, static_cast<std::size_t>(recordLen - node->textLen));
+    std::memcpy(head, &node->labels, sizeof node->labels);
+    for (const PATHNODE* at = node; at->parent != nullptr; at = at->parent) {
+        head[sizeof at->labels + static_cast<std::size_t>(at->labels) - 1] =
+            static_cast<char>(at->nameLen);  // Kept: modulo 256
+    }
+    char* behindLens = head + sizeof node->labels + node->labels;
+    std::memcpy(behindLens, &node->textLen, sizeof node->textLen);
+    head[recordLen - node->textLen - 1] = static_cast<char>(VAL_NOVAL);
+    writePath(p, node, head + recordLen - node->textLen);
+    head[recordLen] = ' ';
+    std::memset(head + recordLen + 1, 0, static_cast<std::size_t>(kHeadStep));
+    node->head = head;
+    node->headLen = recordLen + 1;
+    return true;
+}
+
+}  // namespace jmap

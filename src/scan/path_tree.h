@@ -1,0 +1,66 @@
+// The tree of known paths: what the scan has learnt about the document's shape.
+//
+// `pathAt` is the node of the labels on the stack.  Documents repeat themselves, so each node
+// remembers which child came after which; a guess that holds costs one comparison.  A node with
+// many members is looked up by hash.
+//
+// A node that comes back gets a head: the bytes of its marker's record and a blank, so that a
+// record is the head, patched, and the value.  Not on first use: of a million paths that occur once
+// none would be used.
+//
+// Nodes are an aid: what they know can be found out without them.
+//
+// Tested by tests/scan/path_tree_test.cpp
+#pragma once
+
+#include "core/context.h"
+#include "core/short_bytes.h"
+#include "core/text.h"
+
+#include <string_view>
+
+namespace jmap {
+
+inline constexpr QVStrSize kHeadStep = 32;  // heads are copied by so many bytes, and readable so far
+
+[[nodiscard]] inline std::string_view nameOf(const PATHNODE* node) noexcept {
+    return view(reinterpret_cast<const char*>(node + 1), node->nameLen);
+}
+
+// Empties the tree and stands at its root.
+void startPathTree(JMAP_PRIVATE* p);
+
+// The member of `at` with that name if it is the one that is expected next, else null.
+[[nodiscard]] inline PATHNODE* expectedMember(const PATHNODE* at, std::string_view name) noexcept {
+    PATHNODE* expected = at->lastMember == nullptr ? nullptr : at->lastMember->follower;
+    return expected != nullptr && equalShort(nameOf(expected), name) ? expected : nullptr;
+}
+
+// The member of `pathAt` with that name, made when there is none, and expected behind the last one
+// from now on.  Null without memory.
+[[nodiscard]] PATHNODE* memberNode(JMAP_PRIVATE* p, std::string_view name);
+
+// Element `number` of `at`, when it is known and comes after the last one or is the first; else
+// null.
+//   plain  its name is not made from the label but is "element" and the number
+[[nodiscard]] inline PATHNODE* expectedElement(const PATHNODE* at, bool plain,
+                                               int64_t number) noexcept {
+    PATHNODE* expected = number == 1                  ? at->elements[plain ? 1 : 0]
+                         : at->lastElement == nullptr ? nullptr
+                                                      : at->lastElement->follower;
+    return expected != nullptr && expected->number == number && expected->plain == plain ? expected
+                                                                                         : nullptr;
+}
+
+// Remembers the element that has just been recorded under `name`, from the second time on that its
+// path occurs.  An element that neither is the first nor comes after the last one has no place.
+void rememberElement(JMAP_PRIVATE* p, bool plain, int64_t number, std::string_view name);
+
+// Writes the path of a node: `textLen` bytes.
+void writePath(const JMAP_PRIVATE* p, const PATHNODE* node, char* to);
+
+// Gives the node its head.  False when it stays without, since there is no memory or every record
+// has notes.
+[[nodiscard]] bool makeHead(JMAP_PRIVATE* p, PATHNODE* node);
+
+}  // namespace jmap

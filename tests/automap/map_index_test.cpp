@@ -1,0 +1,54 @@
+// The tables of a map by position and by name.
+#include "automap/map_index.h"
+
+#include "scan/path_text.h"
+#include "testkit/hand_map.h"
+
+namespace jmap::test {
+namespace {
+
+bool sameBytes(JMAP_PRIVATE* /*p*/, std::string_view a, std::string_view b) {
+    return a == b;
+}
+
+bool sameInAnyCase(JMAP_PRIVATE* /*p*/, std::string_view a, std::string_view b) {
+    return charNormCompare(a.data(), lengthOf(a), b.data(), lengthOf(b)) != 0;
+}
+
+// Every look-up gives what a walk along the list gives, while the map grows and its last table is
+// yet to be named, and when there is no memory for an index.
+TEST(MapIndex, FindsWhatAWalkFinds) {
+    HandDocument document;
+    JMAP_PRIVATE* p = &document.p;
+    HandMap indexed, walked;
+    for (uint64_t i = 0; i < 10 * kWalkedTables; ++i) {
+        for (HandMap* hand : {&indexed, &walked}) {
+            SCOPED_TRACE(i);
+            document.host.failAllocation(hand == &walked ? 1 : 0, true);
+            hand->table("");
+            DSINFO* last = tableAt(p, &hand->map, i);
+            ASSERT_EQ(last, hand->map.dstail);
+            // T0, t0, T0, T1, ...
+            const std::string name = (i % 3 == 1 ? "t" : "T") + std::to_string(i / 3);
+            last->nameLen = static_cast<QVStrSize>(name.copy(last->name, sizeof last->name));
+            const auto tables = each(hand->map.dshead);
+            for (const uint64_t at : {i, i / 2, i / 3}) {
+                const DSINFO& some = *tableAt(p, &hand->map, at);
+                const std::string_view wanted = view(some.name, some.nameLen);
+                for (SAMENAME* same : {sameBytes, sameInAnyCase}) {
+                    auto first = tables.begin();
+                    for (; !same(p, view((*first).name, (*first).nameLen), wanted); ++first) {
+                    }
+                    EXPECT_EQ(findTable(p, &hand->map, wanted, same), &*first);
+                }
+            }
+            EXPECT_EQ(tableAt(p, &hand->map, i + 1), nullptr);
+            EXPECT_EQ(findTable(p, &hand->map, "t", sameInAnyCase), nullptr);
+        }
+    }
+    EXPECT_GT(indexed.map.index.count, 8 * kWalkedTables);
+    EXPECT_EQ(walked.map.index.count, 0);
+}
+
+}  // namespace
+}  // namespace jmap::test

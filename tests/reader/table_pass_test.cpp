@@ -1,0 +1,142 @@
+// All tables in one walk over the record stream.
+#include "reader/table_pass.h"
+
+#include "testkit/hand_map.h"
+#include "testkit/pass_rows.h"
+
+#include <random>
+
+namespace jmap::test {
+namespace {
+
+// Values of few names, so that every path comes in every order.
+class RandomDocument {
+   public:
+    std::string text(int values) {
+        std::string text;
+        for (; values > 0; --values) {
+            text += (text.empty() ? "[" : ",") + value(1);
+        }
+        return text + "]";
+    }
+
+    std::mt19937 random;
+    size_t longest;  // of a string
+
+   private:
+    size_t draw(size_t below) { return random() % below; }
+
+    std::string value(int depth) {
+        constexpr const char* kScalars[] = {"1", "-2.5", "true", "false", "null", "\"\"", "\"12\""};
+        if (depth == 4 || draw(8) < 3) {
+            const auto scalar = draw(2 * std::size(kScalars));
+            const std::string letters(draw(longest), static_cast<char>('p' + draw(9)));
+            return scalar < std::size(kScalars) ? kScalars[scalar] : '"' + letters + '"';
+        }
+        constexpr const char* kNames[] = {"\"a\":", "\"b\":", "\"ab\":"};
+        const bool object = draw(5) < 3;
+        std::string text = object ? "{" : "[";
+        for (auto left = draw(5); left > 0; --left) {
+            text += (object ? kNames[draw(3)] : "") + value(depth + 1) + (left > 1 ? "," : "");
+        }
+        return text + (object ? "}" : "]");
+    }
+};
+
+// For each table path a table with columns of all kinds on all paths and one without columns; when
+// `single` is set, also one for each kind and path.
+void makeOddMap(HandMap* hand, bool single) {
+    constexpr const char* kPaths[] = {"/root",       "/root/a",    "/root/b",
+                                      "/root/ab",    "/root/a/a",  "/root/a/b",
+                                      "/root/a/b/b", "/root/none", "/root/a/FAKE"};
+    const auto addColumns = [&](const char* path, int kind) {
+        constexpr VARTYPE kTypes[] = {VAR_ORDINAL, VAR_DOUBLE, VAR_CHAR};
+        const VARTYPE type = kTypes[kind % 3];
+        for (const char* name : {"x", "retained", "not"}) {
+            VARINFO& column = hand->column(name, type, path, type == VAR_CHAR ? 5 : 8);
+            column.retain = *name == 'r';
+            column.noretain = *name == 'n';
+            if (kind >= 3) {
+                HandMap::informat(column);
+            }
+        }
+    };
+    for (const char* tablePath : {"/root", "/root/a", "/root/a/b", "/root/none", "", "null"}) {
+        tablePath = *tablePath == 'n' ? nullptr : tablePath;
+        hand->table("no columns", tablePath);
+        hand->table("all", tablePath);
+        for (const bool all : {true, false}) {
+            for (int i = 0; i < (all || single ? 6 * static_cast<int>(std::size(kPaths)) : 0);
+                 ++i) {
+                if (!all) {
+                    hand->table("one", tablePath);
+                }
+                addColumns(kPaths[i / 6], i % 6);
+            }
+        }
+    }
+}
+
+TEST(TablePass, GivesTheRowsOfReadForEveryKindOfTable) {
+    HandMap hand;
+    makeOddMap(&hand, true);
+    for (unsigned seed = 0; seed < 60; ++seed) {
+        SCOPED_TRACE(seed);
+        const Scan scan(RandomDocument{std::mt19937(seed), 8}.text(6));
+        expectThePassGivesTheRowsOfRead(scan, &hand.map);
+    }
+}
+
+TEST(TablePass, CopiesWhatOutlivesABlock) {
+    HandMap hand;
+    makeOddMap(&hand, false);
+    size_t blocks = 0;
+    for (unsigned seed = 0; seed < 4; ++seed) {
+        for (const bool compress : {false, true}) {
+            SCOPED_TRACE(seed);
+            FakeHost host;
+            host.setAvailable(0);
+            const Scan scan(host, RandomDocument{std::mt19937(seed), 30'000}.text(200),
+                            {.compress = compress, .cacheFile = scratchFile("c"), .memLeave = 1});
+            expectThePassGivesTheRowsOfRead(scan, &hand.map);
+            blocks += scan.blocks().size();
+        }
+    }
+    EXPECT_GT(blocks, 30U);
+}
+
+TEST(TablePass, AFailureEndsIt) {
+    const Scan scan(RandomDocument{std::mt19937(0), 30'000}.text(80), {.compress = true});
+    COMPPATHS* const last = scan.p()->ctail;
+    ASSERT_NE(scan.p()->chead, last);
+    DSINFO* const table = scan.p()->alldataDs;
+    std::string garbage(static_cast<size_t>(last->bufLen), '\xFF');
+    const auto run = [&](uint64_t failing) {
+        scan.host().failAllocation(failing);
+        JMAPPassh pass = nullptr;
+        JMAPPassItem item = {};
+        QVStatus rc = jmapPassOpen(scan.doc(), &table, 1, QVEJMAP_RETAIN, &pass);
+        while (rc == QV_OK) {
+            rc = jmapPassNext(pass, &item);
+        }
+        scan.host().failAllocation(0);
+        if (pass != nullptr) {
+            EXPECT_QV(rc, jmapPassNext(pass, &item)) << "also later";
+            EXPECT_QV_OK(jmapPassClose(pass));
+        }
+        return rc;
+    };
+    const uint64_t before = scan.host().requests();
+    EXPECT_QV(QV_EOF, run(0));
+    const uint64_t requests = scan.host().requests() - before;
+    for (uint64_t n = 1; n <= requests; ++n) {
+        EXPECT_QV(QV_NOMEM, run(n)) << n;
+    }
+    char* const kept = std::exchange(last->buf, garbage.data());
+    EXPECT_QV(QV_NOMEM, run(0));
+    last->buf = kept;
+    EXPECT_EQ(joined(scan.host().leftovers()).find("qvejmap pass"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace jmap::test
