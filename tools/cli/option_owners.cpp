@@ -12,6 +12,7 @@ constexpr Owner kOwners[] = {
     {"--columns", "tables", true},
     {"--output", "map, map merge, convert", true},
     {"--alldata", "convert", true},
+    {"--threads", "convert", true},
     {"--limit", "read", true},
     {"--map", "tables, read, convert", true},
     {"--rejects", "read, convert", true},

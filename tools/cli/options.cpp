@@ -13,17 +13,20 @@
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 
+#include <algorithm>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
 
 constexpr std::size_t kLongestAlldataName = 40;  // bytes
+constexpr uint64_t kMostThreads = 1024;
 
 // The options as they are written, before they mean anything.
 struct Raw {
     std::vector<std::string> words;
-    std::string limit, format = "csv", ordinals, depth, keepFree, memory, debug;
+    std::string threads, limit, format = "csv", ordinals, depth, keepFree, memory, debug;
 };
 
 uint64_t countOr(uint64_t otherwise, const CLI::App& app, const char* option,
@@ -98,6 +101,10 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
         ->group("Options of map and convert");
     app.add_flag("--alldata", o.alldata, "convert: ALLDATA too (every value with its full path)")
         ->group("Options of map and convert");
+    app.add_option("--threads", raw.threads,
+                   "at most N threads (default: as many as there are cores)")
+        ->type_name("N")
+        ->group("Options of convert");
     app.add_option("--limit", raw.limit, "at most N rows")
         ->type_name("N")
         ->group("Options of read");
@@ -168,6 +175,12 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     o.limit = countOr(o.limit, app, "--limit", raw.limit);
     o.ordinals = countOr(o.ordinals, app, "--ordinals", raw.ordinals);
     o.depth = countOr(o.depth, app, "--depth", raw.depth);
+    const uint64_t threads =
+        countOr(std::max(1U, std::thread::hardware_concurrency()), app, "--threads", raw.threads);
+    if (threads == 0) {
+        usageError("--threads: must be more than 0");
+    }
+    o.threads = static_cast<unsigned>(std::min<uint64_t>(threads, kMostThreads));
     o.keepFree = sizeOf(app, "--keep-free", raw.keepFree);
     o.memory = sizeOf(app, "--memory", raw.memory);
     o.debug = debugString(raw.debug);

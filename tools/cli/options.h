@@ -32,6 +32,7 @@ struct Options {
     const Format* format = nullptr;
     uint64_t ordinals = UINT64_MAX;
     uint64_t depth = 1000;
+    unsigned threads = 1;  // of convert
     std::optional<uint64_t> keepFree;
     std::optional<uint64_t> memory;
     std::string alldataName = "ALLDATA";

@@ -16,12 +16,12 @@ std::string shortened(std::string_view text) {
 }
 
 // "ordinal_root=1 ordinal_orders=2"
-std::string ordinalsOf(const qvej::Cursor& cursor) {
+std::string ordinalsOf(const qvej::Row& row) {
     std::string text;
-    for (std::size_t i = 0; i < cursor.columns().size(); ++i) {
-        if (cursor.columns()[i].type == qvej::ColumnType::ORDINAL) {
-            const qvej::Cell cell = cursor.cell(i);
-            text += (text.empty() ? "" : " ") + cursor.columns()[i].name + "=";
+    for (std::size_t i = 0; i < row.columns().size(); ++i) {
+        if (row.columns()[i].type == qvej::ColumnType::ORDINAL) {
+            const qvej::Cell cell = row.cell(i);
+            text += (text.empty() ? "" : " ") + row.columns()[i].name + "=";
             text += cell.kind == qvej::Cell::MISSING
                         ? std::string()
                         : std::to_string(static_cast<uint64_t>(cell.number));
@@ -47,13 +47,13 @@ Rejects::Rejects(const std::string& file, bool force, const OutputFiles* others)
     }
 }
 
-qvej::Cursor::RejectHandler Rejects::handlerFor(const qvej::Table& table) {
-    return [this, &table](const qvej::Cursor& cursor, const qvej::Rejected& rejected) {
-        take(table, cursor, rejected);
+qvej::RejectHandler Rejects::handlerFor(const qvej::Table& table) {
+    return [this, &table](const qvej::Row& row, const qvej::Rejected& rejected) {
+        take(table, row, rejected);
     };
 }
 
-void Rejects::take(const qvej::Table& table, const qvej::Cursor& cursor,
+void Rejects::take(const qvej::Table& table, const qvej::Row& row,
                    const qvej::Rejected& rejected) {
     const auto [place, first] = places_.try_emplace({&table, rejected.column}, columns_.size());
     if (first) {
@@ -62,11 +62,11 @@ void Rejects::take(const qvej::Table& table, const qvej::Cursor& cursor,
     }
     ++columns_[place->second].count;
     if (file_ != nullptr) {
-        writeLine(table, cursor, rejected);
+        writeLine(table, row, rejected);
     }
 }
 
-void Rejects::writeLine(const qvej::Table& table, const qvej::Cursor& cursor,
+void Rejects::writeLine(const qvej::Table& table, const qvej::Row& row,
                         const qvej::Rejected& rejected) {
     CsvFields& fields = file_->fields;
     const qvej::Column& column = table.columns[rejected.column];
@@ -74,7 +74,7 @@ void Rejects::writeLine(const qvej::Table& table, const qvej::Cursor& cursor,
     fields.text(std::to_string(rejected.row));
     fields.text(column.name);
     fields.text(qvej::withSlashes(column.path));
-    fields.text(ordinalsOf(cursor));
+    fields.text(ordinalsOf(row));
     fields.text(rejected.text);
     fields.text(rejected.reason);
     fields.endLine();

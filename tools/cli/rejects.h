@@ -4,7 +4,7 @@
 // Tested by tests/tool/golden/map_use.t
 #pragma once
 
-#include "client/cursor.h"
+#include "client/row.h"
 #include "tools/cli/csv_fields.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/output_files.h"
@@ -22,7 +22,7 @@ class Rejects {
     Rejects(const std::string& file, bool force, const OutputFiles* others = nullptr);
 
     // What the cursor of a table calls.  This object and the table must outlive it.
-    qvej::Cursor::RejectHandler handlerFor(const qvej::Table& table);
+    qvej::RejectHandler handlerFor(const qvej::Table& table);
 
     // Tells a line for each column on standard error.  REJECTED, or DONE when there was nothing.
     // Throws a Failure.
@@ -43,8 +43,8 @@ class Rejects {
         CsvFields fields;
     };
 
-    void take(const qvej::Table& table, const qvej::Cursor& cursor, const qvej::Rejected& rejected);
-    void writeLine(const qvej::Table& table, const qvej::Cursor& cursor,
+    void take(const qvej::Table& table, const qvej::Row& row, const qvej::Rejected& rejected);
+    void writeLine(const qvej::Table& table, const qvej::Row& row,
                    const qvej::Rejected& rejected);
 
     std::unique_ptr<File> file_;

@@ -21,9 +21,9 @@ class CsvSink final : public qvej::Sink {
         endLine();
     }
 
-    void row(const qvej::Cursor& cursor) override {
+    void row(const qvej::Row& row) override {
         for (std::size_t i = 0; i < count_; ++i) {
-            const qvej::Cell cell = cursor.cell(i);
+            const qvej::Cell cell = row.cell(i);
             if (cell.kind == qvej::Cell::NUMBER && cell.text.empty()) {
                 fields_.number(cell.number);
             } else if (cell.text.empty() && count_ == 1) {

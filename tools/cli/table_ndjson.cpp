@@ -28,10 +28,10 @@ class NdjsonSink final : public qvej::Sink {
         }
     }
 
-    void row(const qvej::Cursor& cursor) override {
+    void row(const qvej::Row& row) override {
         for (std::size_t i = 0; i < heads_.size(); ++i) {
             out_.append(heads_[i]);
-            const qvej::Cell cell = cursor.cell(i);
+            const qvej::Cell cell = row.cell(i);
             switch (cell.kind) {
                 case qvej::Cell::MISSING:
                     out_.append("null");

@@ -5,9 +5,11 @@
 #include "tools/cli/failure.h"
 #include "tools/cli/file_names.h"
 #include "tools/cli/output_files.h"
+#include "tools/cli/pass_pipe.h"
 #include "tools/cli/rejects.h"
 #include "tools/cli/remarks.h"
 #include "tools/cli/session.h"
+#include "tools/cli/table_outputs.h"
 #include "tools/cli/verbs.h"
 #include "tools/cli/writer.h"
 
@@ -51,14 +53,15 @@ ExitCode runConvert(const Options& options) {
                           uniqueFileNames(namesOf(tables), options.format->extension),
                           options.force);
         Rejects rejects(options.rejects, options.force, &files);
+        TableOutputs outputs(document, tables, files, *options.format, rejects);
+        qvej::TablePass pass(document, tables, options.retain);
+        runPass(pass, options.threads, [&](const qvej::PassItem& item) { outputs.take(item); });
+        outputs.end();
         std::vector<WrittenTable> written;
         uint64_t rows = 0;
-        for (const qvej::Table* table : tables) {
-            Writer out = files.writer(written.size());
-            qvej::Cursor cursor(document, *table, options.retain, rejects.handlerFor(*table));
-            written.push_back({table, qvej::copyRows(cursor, *options.format->make(out))});
-            rows += written.back().rows;
-            out.flush();
+        for (std::size_t i = 0; i < tables.size(); ++i) {
+            written.push_back({tables[i], outputs.rows(i)});
+            rows += outputs.rows(i);
         }
         files.commit();
         if (!options.quiet) {

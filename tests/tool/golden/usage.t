@@ -23,6 +23,9 @@ $ qvejmap --help
     -o,--output OUT         map: file to write; convert: directory, made when missing
     --alldata               convert: ALLDATA too (every value with its full path)
   
+  Options of convert:
+    --threads N             at most N threads (default: as many as there are cores)
+  
   Options of read:
     --limit N               at most N rows
   
@@ -68,6 +71,7 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
   Options of convert:
     -o,--output OUT         directory, made when missing
     --alldata               ALLDATA too (every value with its full path)
+    --threads N             at most N threads (default: as many as there are cores)
     --map FILE              use this map in place of the automatic one
     --rejects FILE          a line of CSV for each value that its column
                             cannot take
@@ -85,7 +89,7 @@ $ for verb in tables map read convert records check; do
   tables: --names --columns --map --ordinals --alldata-name --encoding --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
   map: -o,--output --ordinals --encoding --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
   read: --limit --map --rejects --format --ordinals --alldata-name --retain --encoding --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
-  convert: -o,--output --alldata --map --rejects --format --ordinals --alldata-name --retain --encoding --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  convert: -o,--output --alldata --threads --map --rejects --format --ordinals --alldata-name --retain --encoding --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
   records: --encoding --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
   check: --encoding --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
 $ qvejmap map --help | grep -A1 'of map'

@@ -1,0 +1,153 @@
+// See cell_values.h.
+#include "client/cell_values.h"
+
+#include "client/error.h"
+#include "client/text.h"
+#include "client/user_map.h"
+
+#include <utility>
+
+namespace qvej {
+namespace {
+
+constexpr std::string_view kNotNumber = "not a number";
+constexpr std::size_t kMostPending = 10000;  // values of one row, so that memory is bounded
+
+}  // namespace
+
+CellValues::CellValues(const Document& document, const Table& table, RejectHandler onReject)
+    : document_(document), table_(table), onReject_(std::move(onReject)) {
+    places_.reserve(table.columns.size());
+    for (const Column& column : table.columns) {
+        const bool numeric =
+            column.type == ColumnType::ORDINAL || column.type == ColumnType::NUMERIC;
+        places_.push_back({column.length, numeric, nullptr});
+    }
+    if (!document_.codec().isUtf8()) {
+        scratch_.resize(places_.size());
+    }
+    openConversions();
+}
+
+void CellValues::openConversions() {
+    const Engine& engine = document_.engine();
+    for (std::size_t i = 0; i < places_.size(); ++i) {
+        const Column& column = table_.columns[i];
+        if (column.informat.name.empty() && column.format.name.empty()) {
+            continue;
+        }
+        auto converted = std::make_unique<Converted>();
+        converted->column = i;
+        if (column.type != ColumnType::ORDINAL) {  // a count has no text to read
+            converted->informat = openInformat(engine, column);
+        }
+        converted->format = openFormat(engine, column);
+        if (converted->informat != nullptr) {
+            withInformat_.push_back(converted.get());
+        }
+        places_[i].converted = converted.get();
+        converted_.push_back(std::move(converted));
+    }
+}
+
+// The row is told of when it is complete: only then it has all its ordinals.
+void CellValues::notNumber(std::size_t column, std::string_view text) {
+    pending_.push_back({column, std::string(text)});
+    if (pending_.size() == kMostPending) {
+        reportPending(rows_ + 1);
+    }
+}
+
+void CellValues::endRow() {
+    ++rows_;
+    reportPending(rows_);
+}
+
+void CellValues::reportPending(uint64_t row) {
+    std::string decoded;
+    for (const Pending& pending : pending_) {
+        reject(pending.column, row, document_.codec().decode(pending.text, decoded), kNotNumber);
+    }
+    pending_.clear();
+}
+
+void CellValues::convert(Converted& converted, std::string_view raw) {
+    const bool fresh = std::exchange(converted.fresh, false);
+    if (!fresh && !raw.empty()) {
+        return;  // a value that the column keeps
+    }
+    converted.missing = true;
+    converted.text.clear();
+    if (!fresh || converted.kind == JMAP_KIND_NULL) {
+        return;
+    }
+    std::string decoded;
+    const std::string_view text = document_.codec().decode(raw, decoded);
+    if (places_[converted.column].numeric) {
+        convertNumber(converted, text);
+    } else {
+        convertText(converted, text);
+    }
+}
+
+void CellValues::convertNumber(Converted& converted, std::string_view text) {
+    QVInformath informat = converted.informat.get();
+    const QVStatus status = informat->toNumber(
+        informat, text.data(), static_cast<QVStrSize>(text.size()), &converted.number);
+    converted.missing = status != QV_OK;
+    if (status != QV_OK && !table_.columns[converted.column].quiet) {
+        reject(converted.column, rows_, text,
+               status == QV_FMT_VALUE ? informat->refusal : qvStatusText(status));
+    }
+}
+
+void CellValues::convertText(Converted& converted, std::string_view text) {
+    QVInformath informat = converted.informat.get();
+    const char* out = nullptr;
+    QVStrSize outLen = 0;
+    check(informat->toText(informat, text.data(), static_cast<QVStrSize>(text.size()), &out,
+                           &outLen));
+    std::string_view result(out, static_cast<std::size_t>(outLen));
+    const Column& column = table_.columns[converted.column];
+    if (!column.lengthFromDocument) {
+        result = document_.codec().isUtf8() ? withoutUnfinished(result.substr(0, column.length))
+                                            : firstCharacters(result, column.length);
+    }
+    converted.text = withoutPadding(result, true);
+}
+
+void CellValues::reject(std::size_t column, uint64_t row, std::string_view text,
+                        std::string_view reason) {
+    if (onReject_) {
+        onReject_(*this, {column, row, text, reason});
+    }
+}
+
+Cell CellValues::convertedCell(const Place& place, const Cell& plain) const {
+    const Converted& converted = *place.converted;
+    if (converted.informat != nullptr && !place.numeric) {
+        return {Cell::TEXT, 0, converted.text};
+    }
+    Cell cell = plain;
+    if (converted.informat != nullptr) {
+        cell = {converted.missing ? Cell::MISSING : Cell::NUMBER, converted.number, {}};
+    }
+    if (cell.kind == Cell::NUMBER && converted.format != nullptr) {
+        const char* text = nullptr;
+        QVStrSize textLen = 0;
+        // Also set when the number does not suit the format.
+        if (converted.format->toText(converted.format.get(), cell.number, &text, &textLen) ==
+            QV_OK) {
+            cell.text = {text, static_cast<std::size_t>(textLen)};
+        }
+    }
+    return cell;
+}
+
+std::string_view CellValues::text(std::size_t column, std::string_view cell) const {
+    const TextCodec& codec = document_.codec();
+    const std::string_view bytes = withoutPadding(cell, codec.isUtf8());
+    return codec.isUtf8() ? bytes : codec.decode(bytes, scratch_[column]);
+}
+
+}  // namespace qvej

@@ -1,0 +1,102 @@
+// Cells of a pass over all tables, against those of a cursor on each.
+#include "client/table_pass.h"
+
+#include "client/cursor.h"
+#include "client/text.h"
+#include "tests/tool/workplace.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using qvej::Cell;
+using Lines = std::vector<std::string>;
+
+std::string shown(const qvej::Row& row) {
+    std::string line;
+    for (std::size_t i = 0; i < row.columns().size(); ++i) {
+        const Cell cell = row.cell(i);
+        line += "|" + std::to_string(cell.kind) + ":" + std::string(cell.text);
+        line += cell.kind == Cell::NUMBER ? std::to_string(cell.number) : "";
+    }
+    return line;
+}
+
+qvej::RejectHandler into(Lines& lines) {
+    return [&lines](const qvej::Row& row, const qvej::Rejected& r) {
+        lines.push_back(std::to_string(r.row) + " " + row.columns()[r.column].name + " " +
+                        std::string(r.text) + " " + std::string(r.reason) + " " +
+                        std::to_string(row.cell(0).number));
+    };
+}
+
+Lines byCursor(const qvej::Document& document, const qvej::Table& table, bool retain) {
+    Lines lines;
+    qvej::Cursor cursor(document, table, retain, into(lines));
+    while (cursor.next()) {
+        lines.push_back(shown(cursor));
+    }
+    return lines;
+}
+
+std::vector<Lines> byPass(const qvej::Document& document,
+                          const std::vector<const qvej::Table*>& tables, bool retain) {
+    std::vector<Lines> lines(tables.size());
+    std::vector<std::unique_ptr<qvej::PassRow>> rows;
+    for (std::size_t i = 0; i < tables.size(); ++i) {
+        rows.push_back(std::make_unique<qvej::PassRow>(document, *tables[i], into(lines[i])));
+    }
+    qvej::TablePass pass(document, tables, retain);
+    EXPECT_TRUE(pass.textsStay());
+    for (qvej::PassItem item; pass.next(item);) {
+        if (rows[item.table]->take(item)) {
+            lines[item.table].push_back(shown(*rows[item.table]));
+        }
+    }
+    return lines;
+}
+
+TEST(TablePass, GivesTheCellsAndRejectsOfCursors) {
+    constexpr const char* kColumns = R"(
+        {"NAME":"row","PATH":"/root"},{"NAME":"x","TYPE":"NUMERIC","PATH":"/root/x"},
+        {"NAME":"f","TYPE":"NUMERIC","PATH":"/root/x","FORMAT":["fixed",0,2]},
+        {"NAME":"xk","TYPE":"NUMERIC","PATH":"/root/x","OPTIONS":["RETAIN"]},
+        {"NAME":"n","TYPE":"NUMERIC","PATH":"/root/n","INFORMAT":["comma"]},
+        {"NAME":"nk","TYPE":"NUMERIC","PATH":"/root/n","INFORMAT":["comma"],"OPTIONS":["RETAIN"]},
+        {"NAME":"s","TYPE":"CHARACTER","PATH":"/root/x","LENGTH":3},
+        {"NAME":"u","TYPE":"CHARACTER","PATH":"/root/s","INFORMAT":["upper"]},
+        {"NAME":"sk","TYPE":"CHARACTER","PATH":"/root/s","LENGTH":4,"OPTIONS":["RETAIN"]})";
+    const std::string map =
+        std::string(R"({"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root","VARIABLES":[)") + kColumns +
+        R"(]},{"DSNAME":"p","TABLEPATH":"/root/p","VARIABLES":[)" + kColumns + "]}]}";
+    const std::string document =
+        R"([{"x":"1","n":"1,234","s":"h\u00e9\u00e9\u00e9 ","p":{}},{"p":{},"x":true},
+            {"x":"bad","n":"no","s":null,"x":"bad2","x":3},{},{"s":"","n":"","x":null},
+            {"x":"last bad","n":"5"},{"p":[{},{"q":1}],"n":null},{"x":"null","n":"7 8"},
+            {"x":-1e999,"s":"x  "}, {"y":1}])";
+    qvej::Engine engine;
+    for (const char* encoding : {"utf-8", "iso-8859-1"}) {
+        for (const bool mapped : {false, true}) {
+            qvej::Document read(engine, {.encoding = engine.encodingId(encoding)});
+            read.feed(document);
+            read.finish();
+            if (mapped) {
+                read.useMap(map);
+            }
+            std::vector<const qvej::Table*> tables;
+            for (const qvej::Table& table : read.tables()) {
+                tables.push_back(&table);
+            }
+            for (const bool retain : {false, true}) {
+                const std::vector<Lines> lines = byPass(read, tables, retain);
+                for (std::size_t i = 0; i < tables.size(); ++i) {
+                    SCOPED_TRACE(encoding + tables[i]->name);
+                    EXPECT_EQ(lines[i], byCursor(read, *tables[i], retain));
+                    EXPECT_GT(lines[i].size(), 1U);
+                }
+            }
+        }
+    }
+}
+
+}  // namespace
