@@ -1,6 +1,6 @@
 // The tree of known paths: what the scan has learnt about the document's shape.
 //
-// Tested by tests/scan/path_tree_test.cpp
+// Tested by tests/scan/record_stream_test.cpp and tests/frame/equality_test.cpp
 #include "path_tree.h"
 
 #include "core/pool.h"

@@ -10,7 +10,7 @@
 //
 // Nodes are an aid: what they know can be found out without them.
 //
-// Tested by tests/scan/path_tree_test.cpp
+// Tested by tests/scan/record_stream_test.cpp and tests/frame/equality_test.cpp
 #pragma once
 
 #include "core/context.h"
