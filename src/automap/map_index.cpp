@@ -37,13 +37,10 @@ constexpr uint64_t kMostSize = uint64_t{1} << 31;  // positions are told in 32 b
 // Enters a table under its name, unless an earlier one has exactly this name.
 void link(const MAPINDEX& index, uint64_t position) noexcept {
     MAPSLOT& slot = index.slots[position];
-    const std::string_view name = nameOf(*slot.ds);
-    slot.hash = hashInAnyCase(name);
-    slot.next = 0;
     uint32_t* end = &bucketOf(index, slot.hash);
     while (*end != 0) {
         MAPSLOT& earlier = index.slots[*end - 1];
-        if (earlier.hash == slot.hash && nameOf(*earlier.ds) == name) {
+        if (earlier.hash == slot.hash && nameOf(*earlier.ds) == nameOf(*slot.ds)) {
             return;
         }
         end = &earlier.next;
@@ -64,7 +61,9 @@ void link(const MAPINDEX& index, uint64_t position) noexcept {
         (void)poolFree(p->cpool, buckets);
         return false;
     }
-    std::copy_n(index.slots, index.count, slots);
+    for (uint64_t i = 0; i < index.count; ++i) {
+        slots[i] = {index.slots[i].ds, index.slots[i].hash, 0};
+    }
     (void)poolFree(p->cpool, index.slots);
     (void)poolFree(p->cpool, index.buckets);
     index.slots = slots;
@@ -94,7 +93,7 @@ void update(JMAP_PRIVATE* p, MAP& map) noexcept {
         if (&ds == map.dstail || (index.count == index.size && !grow(p, index))) {
             return;
         }
-        index.slots[index.count++].ds = &ds;
+        index.slots[index.count++] = {&ds, hashInAnyCase(nameOf(ds)), 0};
     }
 }
 
