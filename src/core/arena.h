@@ -1,6 +1,6 @@
 // Small pieces that live as long as their pool, cut one after the other from larger ones.
 //
-// Tested by tests/scan/record_stream_test.cpp and tests/frame/equality_test.cpp
+// Tested by tests/core/helpers_test.cpp
 #pragma once
 
 #include "pool.h"

@@ -55,9 +55,9 @@ struct JMAP_PRIVATE {
     // Statistics of paths.
     PATHINFO* pathInfoHead;
     PATHINFO* pathInfoTail;
-    PATHINFO* pathInfoLast;  // path of the last value; null when it cannot be found again
-    QVTrackerh hash;        // full path -> PATHINFO; owned, ended after the scan
-    QVTrackerh hash2;       // parent path -> group head; likewise
+    bool byText;            // paths are looked up by their text as well
+    QVTrackerh hash;        // then: full path -> PATHINFO; owned, ended after the scan
+    QVTrackerh hash2;       // then: parent path -> group head; likewise
     QVTrackerh dsNameHash;  // upper-cased table name -> DSNAMELIST; likewise
 
     // Nesting.

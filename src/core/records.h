@@ -57,28 +57,26 @@ struct LEVEL {
 };
 
 // A label below the labels in front of it: one place in the tree of known paths.  Members are told
-// apart by their names, elements by their numbers.  Two nodes may have the same text, since a label
-// may hold a separator and a member may be named as an element is.
+// apart by their names, elements by their numbers.
 struct PATHNODE {
     PATHNODE* sibling;      // members: the one made before it
     PATHNODE* members;      // children, the latest first
     int64_t memberCount;    // of them
     PATHNODE* elements[2];  // the first element named after the label, and the first plain one
     PATHNODE* lastElement;  // the element that was read last
-    PATHINFO* group;        // head of the group of its children, once it can be found again
+    PATHINFO* group;        // head of the group of its children
     int64_t number;         // of an element, else 0
     bool plain;             // an element named "element", not after a label
     bool marked;            // a marker has been written
     int32_t labels;         // in the path
     QVStrSize textLen;      // bytes of the path
-    PATHINFO* info;         // its statistics, once they can be found again
+    PATHINFO* info;         // its statistics; null: none, or not to be found again
     char* head;             // see makeHead; null: not worth it yet
-    QVStrSize headLen;
-    PATHNODE* lastMember;  // the child that was read last
-    PATHNODE* follower;    // the member or element that came after it the last time
+    PATHNODE* lastMember;   // the child that was read last
+    PATHNODE* follower;     // the member or element that came after it the last time
     QVStrSize nameLen;
-    PATHNODE* parent;  // must be last: with the name behind it, it is the key of a member.  Null: the
-                       // root component
+    PATHNODE* parent;  // must be last: with the name behind it, it is the key of a member.  Null:
+                       // the root component
 };
 
 // Where a value begins in the document, counted from 1; all 0: not known.
@@ -103,8 +101,9 @@ struct PATHINFO {
     PATHINFO* head;      // in a member: its group head
     char* path;          // own copy: root, separators, labels
     QVStrSize pathLen;
-    int64_t count;   // records with this path
-    bool processed;  // taken as a column (or placeholder) by the map builder
+    QVStrSize parentLen;  // bytes of the parent's path
+    int64_t count;        // records with this path
+    bool processed;       // taken as a column (or placeholder) by the map builder
     VARTYPE type;
     QVStrSize pathMaxValLen;  // longest value, at least 1
     PLACE longest;            // the first value of that length

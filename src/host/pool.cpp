@@ -174,7 +174,7 @@ bool Pool::extend(std::size_t size) {
     const auto wanted = static_cast<std::size_t>(cut_ + size - heldEnd_);
     const std::size_t more = std::min(roundUp(wanted, isFirst ? kFirstGrain : kGrain),
                                       static_cast<std::size_t>(regionEnd_ - heldEnd_));
-    if (!isFirst) {
+    if (!isFirst && regionIsZero_) {
         makePresent(heldEnd_, more);
     }
     heldEnd_ += more;

@@ -44,7 +44,10 @@ void noteName(JMAP_PRIVATE* p, std::string_view name) {
 
 // The record that stands for an empty object or array.
 QVStatus placeholder(JMAP_PRIVATE* p) {
-    return generatePathVariableString(p, "FAKE", 4, "VAR", 3, VAL_FAKEVARIABLE);
+    constexpr std::string_view kName = "FAKE";
+    PATHNODE* node = memberNode(p, kName);
+    return node == nullptr ? QV_NOMEM
+                           : generatePathVariableString(p, node, kName, "VAR", VAL_FAKEVARIABLE);
 }
 
 // Takes the container `what` off the stack, and the member name whose value it was.
@@ -64,7 +67,7 @@ QVStatus endContainer(JMAP_PRIVATE* p, WHAT what) {
 QVStatus gotMember(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
     const LEVEL* label = popLevel(p);
     noteValue(p, view(label->name, label->nameLen), value);
-    return recordValue(p, label, value, type);
+    return recordValue(p, label->node, value, type);
 }
 
 // Room for an element's name.
@@ -136,22 +139,24 @@ bool gotKnownElement(JMAP_PRIVATE* p, bool plain, std::string_view value, VALTYP
 }
 
 // Names an element of an array and records its value.
-[[gnu::noinline]] QVStatus gotOtherElement(JMAP_PRIVATE* p, bool plain, std::string_view value, VALTYPE type) {
+[[gnu::noinline]] QVStatus gotOtherElement(JMAP_PRIVATE* p, bool plain, std::string_view value,
+                                           VALTYPE type) {
     const LEVEL* below = peekLevel(p)->next;
-    const std::string_view base =
-        plain ? std::string_view("element") : view(below->name, below->nameLen);
+    const std::string_view base = plain ? kPlainBase : view(below->name, below->nameLen);
     QV_TRY(elementRoom(p, lengthOf(base)));
     ++p->elementCount;
     const ELEMENTNAME name = formElementName(p, base, p->elementCount);
+    const auto number = static_cast<int64_t>(p->elementCount);
+    PATHNODE* node =
+        name.whole ? elementNode(p, plain, number, name.text) : memberNode(p, name.text);
+    if (node == nullptr) {
+        return QV_NOMEM;
+    }
     noteValue(p, name.text, value);
     noteEvent(p, U"fstring");
     noteName(p, name.text);
-    QV_TRY(newElementLabel(p, name.text));
-    QV_TRY(redeliver(p, value, type));
-    if (name.whole) {
-        rememberElement(p, plain, static_cast<int64_t>(p->elementCount), name.text);
-    }
-    return QV_OK;
+    QV_TRY(newElementLabel(p, node));
+    return redeliver(p, value, type);
 }
 
 // Kept: the number is one for the whole document and is reset by every array end, so numbering
@@ -162,8 +167,7 @@ QVStatus gotElement(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
     if (!plain && p->elementCount == 0) {
         QV_TRY(generateMarker(p));
     }
-    return gotKnownElement(p, plain, value, type) ? QV_OK
-                                                  : gotOtherElement(p, plain, value, type);
+    return gotKnownElement(p, plain, value, type) ? QV_OK : gotOtherElement(p, plain, value, type);
 }
 
 }  // namespace

@@ -97,7 +97,7 @@ QVStatus push(JMAP_PRIVATE* p, LEVEL* l, WHAT what, std::string_view name, PATHN
     return QV_OK;
 }
 
-QVStatus pushLabel(JMAP_PRIVATE* p, LEVEL* l, PATHNODE* node) {
+QVStatus pushMember(JMAP_PRIVATE* p, LEVEL* l, PATHNODE* node) {
     p->pathAt->lastMember = node;
     p->pathAt = node;
     return push(p, l, WHAT_LABEL, nameOf(node), node);
@@ -115,7 +115,10 @@ QVStatus pushLabel(JMAP_PRIVATE* p, LEVEL* l, PATHNODE* node) {
         return QV_NOMEM;
     }
     QV_TRY(countLabel(p, node->nameLen));
-    return pushLabel(p, l, node);
+    if (p->pathAt->lastMember != nullptr) {
+        p->pathAt->lastMember->follower = node;
+    }
+    return pushMember(p, l, node);
 }
 
 }  // namespace
@@ -138,16 +141,17 @@ QVStatus newLabel(JMAP_PRIVATE* p, std::string_view name) {
     // It has been counted before; only the length at its depth may be another's.
     ++p->labelCount;
     p->labelCurLens[p->labelCount] = static_cast<int32_t>(node->nameLen);
-    return pushLabel(p, l, node);
+    return pushMember(p, l, node);
 }
 
-QVStatus newElementLabel(JMAP_PRIVATE* p, std::string_view name) {
+QVStatus newElementLabel(JMAP_PRIVATE* p, PATHNODE* node) {
     LEVEL* l = makeEntryAbove(p);
     if (l == nullptr) {
         return QV_NOMEM;
     }
-    QV_TRY(countLabel(p, lengthOf(name)));
-    return push(p, l, WHAT_LABEL, name, nullptr);
+    QV_TRY(countLabel(p, node->nameLen));
+    p->pathAt = node;
+    return push(p, l, WHAT_LABEL, nameOf(node), node);
 }
 
 LEVEL* popLevel(JMAP_PRIVATE* p) {

@@ -1,8 +1,8 @@
 // The nesting stack: the containers and member names around the value being scanned.
 //
-// The labels on the stack, read from the bottom, are the path of the value; `pathAt` is their node in
-// the tree of known paths.
-// Beside the stack the context keeps for each depth of label the current and the longest length.
+// The labels on the stack, read from the bottom, are the path of the value; `pathAt` is their node
+// in the tree of known paths. Beside the stack the context keeps for each depth of label the
+// current and the longest length.
 //
 // Tested by tests/scan/nesting_test.cpp
 #pragma once
@@ -19,12 +19,12 @@ namespace jmap {
 // Pushes a container.  QV_NOMEM leaves the stack as it was.
 [[nodiscard]] QVStatus newLevel(JMAP_PRIVATE* p, WHAT what);
 
-// Pushes the label of a member.  QV_NOMEM leaves the stack as it was, perhaps with the label counted.
+// Pushes the label of a member.  QV_NOMEM leaves the stack as it was, perhaps with the label
+// counted.
 [[nodiscard]] QVStatus newLabel(JMAP_PRIVATE* p, std::string_view name);
 
-// Pushes the label of an element.  It stands for one scalar and has no place in the tree; `name` is
-// borrowed until it is popped.
-[[nodiscard]] QVStatus newElementLabel(JMAP_PRIVATE* p, std::string_view name);
+// The same for an element, whose node is known.
+[[nodiscard]] QVStatus newElementLabel(JMAP_PRIVATE* p, PATHNODE* node);
 
 // Takes the top entry off, null when the stack is empty.  It is good until the next push.
 LEVEL* popLevel(JMAP_PRIVATE* p);
@@ -35,8 +35,8 @@ LEVEL* popLevel(JMAP_PRIVATE* p);
 }
 
 // Whether a label that comes next, or was popped last, has index `labels` - 1, as it should.
-// Kept: a member name "" is counted when it is pushed but not when it is popped, so that from then on
-// every record of the document counts a label too many, and lengths are kept one depth too deep.
+// Kept: a member name "" is counted when it is pushed but not when it is popped, so that from then
+// on every record of the document counts a label too many, and lengths are kept one depth too deep.
 [[nodiscard]] inline bool inStep(const JMAP_PRIVATE* p, int32_t labels) noexcept {
     return p->labelCount + 2 == labels;
 }

@@ -6,10 +6,12 @@
 #include "core/list.h"
 #include "core/note.h"
 #include "core/pool.h"
+#include "core/short_bytes.h"
 #include "core/text.h"
 #include "path_text.h"
 
 #include <algorithm>
+#include <cstring>
 #include <string_view>
 
 namespace jmap {
@@ -36,8 +38,8 @@ QVTrackerh newTracker(std::u32string_view name) {
                                static_cast<QVStrSize>(name.size()));
 }
 
-// Kept: a failure of the host's tables is not reported.  One can see its effects in the map: a path
-// that cannot be found again is listed once for each value, a group that cannot be found splits.
+// Kept: a failure of the host's tables is not reported.  One can see its effects in the map: paths
+// of the same text, or parts of a group, stand side by side.
 PATHINFO* find(QVTrackerh tracker, std::string_view key) {
     if (tracker == nullptr) {
         return nullptr;
@@ -45,17 +47,36 @@ PATHINFO* find(QVTrackerh tracker, std::string_view key) {
     return static_cast<PATHINFO*>(tracker->find(tracker, key.data(), lengthOf(key)));
 }
 
-// The entry, or null when it will not be found.
-PATHINFO* enter(QVTrackerh tracker, std::string_view key, PATHINFO* info) {
-    const bool entered =
-        tracker != nullptr && tracker->insert(tracker, key.data(), lengthOf(key), info) == QV_OK;
-    return entered ? info : nullptr;
+void enter(QVTrackerh tracker, std::string_view key, PATHINFO* info) {
+    if (tracker != nullptr) {
+        (void)tracker->insert(tracker, key.data(), lengthOf(key), info);
+    }
 }
 
-void createTrackers(JMAP_PRIVATE* p) {
-    p->hash = newTracker(U"pathinfo tracker");
-    if (p->hash2 == nullptr) {  // it is there when only the first could not be made before
-        p->hash2 = newTracker(U"pathinfo sub tracker");
+std::string_view pathOf(const PATHINFO* info) {
+    return view(info->path, info->pathLen);
+}
+
+std::string_view parentOf(const PATHINFO* info) {
+    return view(info->path, info->parentLen);
+}
+
+bool headsItsGroup(const PATHINFO* info) {
+    return info->head == nullptr;
+}
+
+// Kept: a placeholder that heads its group cannot be found, so that the next one of the same
+// container becomes a second entry, in the group; from the third on that one counts.
+bool canBeFound(const PATHINFO* info) {
+    return info->type != VAR_FAKEVARIABLE || !headsItsGroup(info);
+}
+
+void enterByText(JMAP_PRIVATE* p, PATHINFO* info) {
+    if (canBeFound(info)) {
+        enter(p->hash, pathOf(info), info);
+    }
+    if (headsItsGroup(info)) {
+        enter(p->hash2, parentOf(info), info);
     }
 }
 
@@ -118,16 +139,19 @@ void countKind(JMAP_PRIVATE* p, PATHKIND* kinds, VALTYPE kind) {
     }
 }
 
+// The entry and its text are one piece.
 PATHINFO* newPathInfo(JMAP_PRIVATE* p, std::string_view path, VALTYPE type, QVStrSize valLen) {
-    auto* info = poolNew<PATHINFO>(p->cpool);
-    if (info == nullptr) {
+    char* mem = arenaBytes(&p->pathArena, p->cpool,
+                           static_cast<QVStrSize>(sizeof(PATHINFO)) + lengthOf(path));
+    if (mem == nullptr) {
         return nullptr;
     }
-    info->path = poolCopy(p->cpool, path);
-    if (info->path == nullptr) {
-        return nullptr;
-    }
+    std::memset(mem, 0, sizeof(PATHINFO));
+    auto* info = reinterpret_cast<PATHINFO*>(mem);
+    info->path = mem + sizeof(PATHINFO);
+    copyShort(info->path, path);
     info->pathLen = lengthOf(path);
+    info->parentLen = info->pathLen - p->lastNameLen;
     info->count = 1;
     info->type = typeOf(type);
     info->pathMaxValLen = valLen == 0 ? 1 : valLen;
@@ -143,50 +167,61 @@ void joinGroup(PATHINFO* head, PATHINFO* info) {
     head->downtail = info;
 }
 
-QVStatus insertNewPath(JMAP_PRIVATE* p, std::string_view path, VALTYPE type, QVStrSize valLen) {
+QVStatus insertNewPath(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path, VALTYPE type,
+                       QVStrSize valLen) {
     PATHINFO* info = newPathInfo(p, path, type, valLen);
     if (info == nullptr) {
         return QV_NOMEM;
     }
-    const std::string_view ownPath = view(info->path, info->pathLen);  // keys are borrowed
     PATHINFO** group = &p->pathAt->group;
-    const std::string_view parent = firstOf(ownPath, ownPath.size() - p->lastNameLen);
-    if (*group == nullptr) {
-        *group = find(p->hash2, parent);
+    if (*group == nullptr && p->byText) {
+        *group = find(p->hash2, parentOf(info));
     }
     if (*group != nullptr) {
         joinGroup(*group, info);
-        p->pathInfoLast = enter(p->hash, ownPath, info);
-        return QV_OK;
+    } else {
+        append(p->pathInfoHead, p->pathInfoTail, info);
+        *group = info;
     }
-    append(p->pathInfoHead, p->pathInfoTail, info);
-    // Kept: a placeholder that heads its group cannot be found, so that the next one of the same
-    // container becomes a second entry, in the group; from the third on that one counts.
-    p->pathInfoLast =
-        info->type == VAR_FAKEVARIABLE ? nullptr : enter(p->hash, ownPath, info);
-    *group = enter(p->hash2, parent, info);
+    if (p->byText) {
+        enterByText(p, info);
+    }
+    node->info = canBeFound(info) ? info : nullptr;
     return QV_OK;
 }
 
 }  // namespace
 
-QVStatus insertPathInfo(JMAP_PRIVATE* p, const char* path, QVStrSize pathLen, VALTYPE type,
-                        QVStrSize valLen) {
-    if (p->hash == nullptr) [[unlikely]] {
-        createTrackers(p);
-    }
+QVStatus insertPathInfo(JMAP_PRIVATE* p, PATHNODE* node, const char* path, QVStrSize pathLen,
+                        VALTYPE type, QVStrSize valLen) {
     const std::string_view text = view(path, pathLen);
     if (p->debugInsertPath) [[unlikely]] {
         const std::string_view slashed = shown(p, text);
         myLogNote(p, U"insertPathInfo [%.*hs] type %s valLen %d", noteLen(lengthOf(slashed)),
                   slashed.data(), valtypeToHostString(type), noteLen(valLen));
     }
-    p->pathInfoLast = find(p->hash, text);
-    if (p->pathInfoLast == nullptr) {
-        return insertNewPath(p, text, type, valLen);
+    if (node->info == nullptr && p->byText) {
+        node->info = find(p->hash, text);
     }
-    countAgain(p, p->pathInfoLast, type, valLen);
+    if (node->info == nullptr) {
+        return insertNewPath(p, node, text, type, valLen);
+    }
+    countAgain(p, node->info, type, valLen);
     return QV_OK;
+}
+
+void lookUpByText(JMAP_PRIVATE* p) {
+    if (p->byText) {
+        return;
+    }
+    p->byText = true;
+    p->hash = newTracker(U"pathinfo tracker");
+    p->hash2 = newTracker(U"pathinfo sub tracker");
+    for (PATHINFO& head : each(p->pathInfoHead)) {
+        for (PATHINFO& info : eachDown(&head)) {
+            enterByText(p, &info);
+        }
+    }
 }
 
 void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, QVStrSize valLen) {

@@ -3,8 +3,10 @@
 // Every distinct path that had a value has one PATHINFO, with how often it occurred, whether a
 // string was among its values, and its longest value.  Paths are grouped by their parent path: the
 // first path of a parent heads the group and stands in the list `pathInfoHead`, the others hang
-// behind it through `down`.  Two host tables find a path (`hash`) and the head of a group
-// (`hash2`).
+// behind it through `down`.
+//
+// A path is found through its node in the tree of known paths.  Only when two nodes might have the
+// same text, two host tables find a path (`hash`) and the head of a group (`hash2`) by text.
 //
 // Tested by tests/scan/path_stats_test.cpp
 #pragma once
@@ -16,15 +18,17 @@ namespace jmap {
 // Records one more value for `path`: counts it, also by its kind, promotes the type, keeps the
 // longest length, and the places where a kind and that length were first seen.  The path is copied
 // into the document pool on first sight only.
+//   node           of the path; its parent is that of the labels on the stack
 //   path, pathLen  text of the record without its value, separator 0x02, not terminated
 //   lastNameLen    (of the context) bytes of the last component with its separator: the rest is the
 //                  parent path
 //   valLen         bytes of the value; a longest value of 0 is kept as 1
-// The group is that of the labels on the stack.  `pathInfoLast` is then the path's entry, or null when
-// it cannot be found again.
 // Returns QV_OK, or QV_NOMEM with the statistics unchanged.
-[[nodiscard]] QVStatus insertPathInfo(JMAP_PRIVATE* p, const char* path, QVStrSize pathLen,
-                                      VALTYPE type, QVStrSize valLen);
+[[nodiscard]] QVStatus insertPathInfo(JMAP_PRIVATE* p, PATHNODE* node, const char* path,
+                                      QVStrSize pathLen, VALTYPE type, QVStrSize valLen);
+
+// From now on paths are looked up by text when their nodes do not know them.
+void lookUpByText(JMAP_PRIVATE* p);
 
 // The same for a path whose entry is known.
 void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, QVStrSize valLen);

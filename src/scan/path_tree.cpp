@@ -1,11 +1,11 @@
 // The tree of known paths: what the scan has learnt about the document's shape.
 //
-// Tested by tests/scan/record_stream_test.cpp and tests/frame/equality_test.cpp
+// Tested by tests/scan/path_tree_test.cpp
 #include "path_tree.h"
 
 #include "core/pool.h"
 #include "nesting.h"
-#include "record_format.h"
+#include "path_stats.h"
 
 #include <cstddef>
 #include <cstring>
@@ -39,7 +39,7 @@ constexpr QVStrSize kParentBytes = sizeof(PATHNODE*);
 void enterMember(JMAP_PRIVATE* p, PATHNODE* node) {
     if (p->members != nullptr) {
         const char* key = reinterpret_cast<const char*>(&node->parent);
-        // One that is not entered is not found and made again.
+        // One that is not entered is made again, and its path is then listed twice.
         (void)p->members->insert(p->members, key, kParentBytes + node->nameLen, node);
     }
 }
@@ -96,6 +96,25 @@ PATHNODE* makeMember(JMAP_PRIVATE* p, std::string_view name) {
     return node;
 }
 
+bool hasElements(const PATHNODE* at) {
+    return at->elements[0] != nullptr || at->elements[1] != nullptr;
+}
+
+// Whether a new member might have the text of another node.
+bool memberIsUnsure(const JMAP_PRIVATE* p, std::string_view name) {
+    const bool likeAnElement = !name.empty() && name.back() >= '0' && name.back() <= '9';
+    return name.find(p->sep) != std::string_view::npos || (likeAnElement && hasElements(p->pathAt));
+}
+
+// Whether a new element might: one named after a label, and a plain one of the same container, are
+// alike only when the label begins as a plain one's name.
+bool elementIsUnsure(JMAP_PRIVATE* p, bool plain, std::string_view name) {
+    const PATHNODE* at = p->pathAt;
+    return (at->memberCount != 0 && findMember(p, name) != nullptr) ||
+           (at->elements[plain ? 0 : 1] != nullptr &&
+            firstOf(nameOf(at), kPlainBase.size()) == kPlainBase);
+}
+
 }  // namespace
 
 void startPathTree(JMAP_PRIVATE* p) {
@@ -105,37 +124,40 @@ void startPathTree(JMAP_PRIVATE* p) {
 }
 
 PATHNODE* memberNode(JMAP_PRIVATE* p, std::string_view name) {
-    PATHNODE* expected = expectedMember(p->pathAt, name);
-    if (expected != nullptr) {
-        return expected;
-    }
-    PATHNODE* node = findMember(p, name);
+    PATHNODE* node = expectedMember(p->pathAt, name);
     if (node == nullptr) {
-        node = makeMember(p, name);
+        node = findMember(p, name);
     }
-    if (node != nullptr && p->pathAt->lastMember != nullptr) {
-        p->pathAt->lastMember->follower = node;
+    if (node == nullptr) {
+        if (memberIsUnsure(p, name)) {
+            lookUpByText(p);
+        }
+        node = makeMember(p, name);
     }
     return node;
 }
 
-void rememberElement(JMAP_PRIVATE* p, bool plain, int64_t number, std::string_view name) {
+PATHNODE* elementNode(JMAP_PRIVATE* p, bool plain, int64_t number, std::string_view name) {
     PATHNODE* at = p->pathAt;
     PATHNODE* last = at->lastElement;
     const bool follows = last != nullptr && last->number == number - 1 && last->plain == plain;
     if (number != 1 && !follows) {
-        return;
+        return memberNode(p, name);
     }
     PATHNODE** place = number == 1 ? &at->elements[plain ? 1 : 0] : &last->follower;
-    if (*place == nullptr && p->pathInfoLast != nullptr && p->pathInfoLast->count > 1) {
+    if (*place == nullptr) {
+        if (elementIsUnsure(p, plain, name)) {
+            lookUpByText(p);
+        }
         *place = newNode(p, name);
-    }
-    if (*place != nullptr) {
+        if (*place == nullptr) {
+            return nullptr;
+        }
         (*place)->plain = plain;
         (*place)->number = number;
-        (*place)->info = p->pathInfoLast;
-        at->lastElement = *place;
     }
+    at->lastElement = *place;
+    return *place;
 }
 
 void writePath(const JMAP_PRIVATE* p, const PATHNODE* node, char* to) {
@@ -169,7 +191,6 @@ void writePath(const JMAP_PRIVATE* p, const PATHNODE* node, char* to) {
     head[recordLen] = ' ';
     std::memset(head + recordLen + 1, 0, static_cast<std::size_t>(kHeadStep));
     node->head = head;
-    node->headLen = recordLen + 1;
     return true;
 }
 

@@ -8,20 +8,28 @@
 // record is the head, patched, and the value.  Not on first use: of a million paths that occur once
 // none would be used.
 //
-// Nodes are an aid: what they know can be found out without them.
+// The node of a path knows its statistics.  That two nodes have the same text is rare (a label with
+// a separator in it, a member named as an element is); from the first time that it might happen on,
+// paths are looked up by text as well.
 //
-// Tested by tests/scan/record_stream_test.cpp and tests/frame/equality_test.cpp
+// Tested by tests/scan/path_tree_test.cpp
 #pragma once
 
 #include "core/context.h"
 #include "core/short_bytes.h"
 #include "core/text.h"
+#include "record_format.h"
 
 #include <string_view>
 
 namespace jmap {
 
-inline constexpr QVStrSize kHeadStep = 32;  // heads are copied by so many bytes, and readable so far
+// Heads are copied by so many bytes, and readable so far.  One step does for most: a loop over
+// shorter ones cannot be foretold.
+inline constexpr QVStrSize kHeadStep = 64;
+
+// What elements of an array without a member name are named after.
+inline constexpr std::string_view kPlainBase = "element";
 
 [[nodiscard]] inline std::string_view nameOf(const PATHNODE* node) noexcept {
     return view(reinterpret_cast<const char*>(node + 1), node->nameLen);
@@ -36,8 +44,7 @@ void startPathTree(JMAP_PRIVATE* p);
     return expected != nullptr && equalShort(nameOf(expected), name) ? expected : nullptr;
 }
 
-// The member of `pathAt` with that name, made when there is none, and expected behind the last one
-// from now on.  Null without memory.
+// The member of `pathAt` with that name, made when there is none.  Null without memory.
 [[nodiscard]] PATHNODE* memberNode(JMAP_PRIVATE* p, std::string_view name);
 
 // Element `number` of `at`, when it is known and comes after the last one or is the first; else
@@ -52,9 +59,15 @@ void startPathTree(JMAP_PRIVATE* p);
                                                                                          : nullptr;
 }
 
-// Remembers the element that has just been recorded under `name`, from the second time on that its
-// path occurs.  An element that neither is the first nor comes after the last one has no place.
-void rememberElement(JMAP_PRIVATE* p, bool plain, int64_t number, std::string_view name);
+// The same, made when there is none.  An element that neither is the first nor comes after the last
+// one is found as a member of its name.  Null without memory.
+[[nodiscard]] PATHNODE* elementNode(JMAP_PRIVATE* p, bool plain, int64_t number,
+                                    std::string_view name);
+
+// Bytes of the head.
+[[nodiscard]] inline QVStrSize headLenOf(const PATHNODE* node) noexcept {
+    return kRecordFixedBytes + node->labels + node->textLen + 1;
+}
 
 // Writes the path of a node: `textLen` bytes.
 void writePath(const JMAP_PRIVATE* p, const PATHNODE* node, char* to);

@@ -25,10 +25,10 @@ namespace jmap {
 namespace {
 
 // Puts the labels on the stack, the name and the value into `path`.
-QVStatus composeText(JMAP_PRIVATE* p, std::string_view name, const char* val, QVStrSize valLen) {
+QVStatus composeText(JMAP_PRIVATE* p, std::string_view name, std::string_view val, VALTYPE type) {
     VARSTR* path = &p->path;
     path->len = 0;
-    QV_TRY(jmapVarstrCheck(p, path, p->pathAt->textLen + lengthOf(name) + valLen + 4));
+    QV_TRY(jmapVarstrCheck(p, path, p->pathAt->textLen + lengthOf(name) + lengthOf(val) + 4));
     writePath(p, p->pathAt, path->str);
     path->len = p->pathAt->textLen;
     p->lastNameLen = 0;
@@ -37,9 +37,9 @@ QVStatus composeText(JMAP_PRIVATE* p, std::string_view name, const char* val, QV
         put(path, name);
         p->lastNameLen = lengthOf(name) + 1;
     }
-    if (val != nullptr) {
+    if (type != VAL_NOVAL) {
         put(path, ' ');
-        put(path, view(val, valLen));
+        put(path, val);
     }
     return QV_OK;
 }
@@ -66,7 +66,7 @@ void noteRecord(JMAP_PRIVATE* p, bool named, QVStrSize valLen) {
 // spare.
 bool headReady(JMAP_PRIVATE* p, PATHNODE* node, QVStrSize valLen) {
     static_assert(2 * kHeadStep > kRecordRoomBytes);
-    return p->cBufi + node->headLen + valLen + 2 * kHeadStep <= kBlockBytes &&
+    return p->cBufi + headLenOf(node) + valLen + 2 * kHeadStep <= kBlockBytes &&
            (node->head != nullptr || makeHead(p, node));
 }
 
@@ -81,13 +81,14 @@ void copyHead(char* to, const char* head, QVStrSize headLen) {
 QVStatus generateMarker(JMAP_PRIVATE* p) {
     PATHNODE* node = p->pathAt;
     if (node->marked && inStep(p, node->labels + 1) && headReady(p, node, 0)) [[likely]] {
-        copyHead(p->cBuf + p->cBufi, node->head, node->headLen);
-        p->cBufi += node->headLen - 1;  // without the blank
+        const QVStrSize headLen = headLenOf(node);
+        copyHead(p->cBuf + p->cBufi, node->head, headLen);
+        p->cBufi += headLen - 1;  // without the blank
         ++p->pathCount;
         return QV_OK;
     }
     node->marked = true;
-    return generatePathVariableString(p, nullptr, 0, nullptr, 0, VAL_NOVAL);
+    return generatePathVariableString(p, nullptr, {}, {}, VAL_NOVAL);
 }
 
 bool recordKnown(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value, VALTYPE type) {
@@ -97,7 +98,7 @@ bool recordKnown(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value, VALTYP
         return false;
     }
     char* const to = p->cBuf + p->cBufi;
-    const QVStrSize headLen = node->headLen;
+    const QVStrSize headLen = headLenOf(node);
     char* patch = to + sizeof node->labels + node->labels;
     const QVStrSize textLen = node->textLen + 1 + valLen;
     p->cBufi += headLen + valLen;
@@ -113,51 +114,48 @@ bool recordKnown(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value, VALTYP
     return true;
 }
 
-QVStatus recordValue(JMAP_PRIVATE* p, const LEVEL* label, std::string_view value, VALTYPE type) {
-    PATHNODE* node = label->node;
-    if (node != nullptr && recordKnown(p, node, value, type)) [[likely]] {
+QVStatus recordValue(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value, VALTYPE type) {
+    if (recordKnown(p, node, value, type)) [[likely]] {
         return QV_OK;
     }
-    QV_TRY(generatePathVariableString(p, label->name, label->nameLen, value.data(),
-                                      lengthOf(value), type));
-    if (node != nullptr && label->nameLen != 0) {
-        node->info = p->pathInfoLast;
-    }
-    return QV_OK;
+    // A label "" leaves no trace in the text: its values are those of the path in front of it.
+    PATHNODE* place = node->nameLen != 0 ? node : node->parent;
+    return generatePathVariableString(p, place, nameOf(node), value, type);
 }
 
-QVStatus generatePathVariableString(JMAP_PRIVATE* p, const char* name, QVStrSize nameLen,
-                                    const char* val, QVStrSize valLen, VALTYPE type) {
-    const bool named = nameLen != 0;
-    QV_TRY(composeText(p, view(name, nameLen), val, valLen));
+QVStatus generatePathVariableString(JMAP_PRIVATE* p, PATHNODE* node, std::string_view name,
+                                    std::string_view val, VALTYPE type) {
+    const QVStrSize valLen = lengthOf(val);
+    QV_TRY(composeText(p, name, val, type));
     p->valueMaxLen = std::max(p->valueMaxLen, valLen);
     if (p->debugPath) [[unlikely]] {
-        noteRecord(p, named, valLen);
+        noteRecord(p, !name.empty(), valLen);
     }
     ++p->pathCount;
     // The name counts as a label, with the length that its depth still has in `labelCurLens`.
     // Kept: for "FAKE" that is the length of the label last seen at that depth, or 0.
-    p->labelCount += named ? 1 : 0;
-    const QVStatus rc = processPathVariableString(p, p->path.str, p->path.len, valLen, type);
-    p->labelCount -= named ? 1 : 0;
+    p->labelCount += name.empty() ? 0 : 1;
+    const QVStatus rc =
+        processPathVariableString(p, node, view(p->path.str, p->path.len), valLen, type);
+    p->labelCount -= name.empty() ? 0 : 1;
     return rc;
 }
 
-QVStatus processPathVariableString(JMAP_PRIVATE* p, const char* path, QVStrSize pathLen,
+QVStatus processPathVariableString(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path,
                                    QVStrSize valLen, VALTYPE type) {
-    const QVStrSize need = pathLen + p->labelCount + kRecordRoomBytes;
+    const QVStrSize need = lengthOf(path) + p->labelCount + kRecordRoomBytes;
     if (need >= kBlockBytes) [[unlikely]] {
         return QV_NOMEM;  // no block could hold it: a very long name or number
     }
     if (need + p->cBufi >= kBlockBytes) [[unlikely]] {
         QV_TRY(compressPathBuffer(p));
     }
-    p->cBufi += writeRecord(p->cBuf + p->cBufi, p->labelCount + 1, p->labelCurLens,
-                            view(path, pathLen), valLen, type);
+    p->cBufi +=
+        writeRecord(p->cBuf + p->cBufi, p->labelCount + 1, p->labelCurLens, path, valLen, type);
     if (type == VAL_NOVAL) {
         return QV_OK;
     }
-    return insertPathInfo(p, path, pathLen - valLen - 1, type, valLen);
+    return insertPathInfo(p, node, path.data(), lengthOf(path) - valLen - 1, type, valLen);
 }
 
 }  // namespace jmap

@@ -13,26 +13,28 @@ namespace jmap {
 
 // Writes the record of the labels on the stack and, when `nameLen` is not 0, of `name` below them.
 //   name  last label when it is not on the stack (a popped member name, "FAKE")
-//   val   null: the record has no value part
+//   node  of the path; null: the record has no value part
 // Returns QV_OK; QV_NOMEM, also for a record that no block can hold; a status of closing a block.
-[[nodiscard]] QVStatus generatePathVariableString(JMAP_PRIVATE* p, const char* name,
-                                                  QVStrSize nameLen, const char* val,
-                                                  QVStrSize valLen, VALTYPE type);
+[[nodiscard]] QVStatus generatePathVariableString(JMAP_PRIVATE* p, PATHNODE* node,
+                                                  std::string_view name, std::string_view val,
+                                                  VALTYPE type);
 
 // Writes the marker of a container: the labels on the stack, no value.
 [[nodiscard]] QVStatus generateMarker(JMAP_PRIVATE* p);
 
 // Records the value of a label that has been popped.
-[[nodiscard]] QVStatus recordValue(JMAP_PRIVATE* p, const LEVEL* label, std::string_view value,
+[[nodiscard]] QVStatus recordValue(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value,
                                    VALTYPE type);
 
-// Does the same for a known path whose head is ready, below the labels on the stack.  False when
-// nothing has been done, since there is more to it.
-[[nodiscard]] bool recordKnown(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value, VALTYPE type);
+// Does the same for a path that has had a value.  False when nothing has been done, since there is
+// more to it.
+[[nodiscard]] bool recordKnown(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value,
+                               VALTYPE type);
 
 // Appends a record with the text `path` (value part included) to the open block, closing the block
-// first when the record does not fit, and counts the value in the statistics.
-[[nodiscard]] QVStatus processPathVariableString(JMAP_PRIVATE* p, const char* path,
-                                                 QVStrSize pathLen, QVStrSize valLen, VALTYPE type);
+// first when the record does not fit, and counts the value in the statistics of `node`.
+[[nodiscard]] QVStatus processPathVariableString(JMAP_PRIVATE* p, PATHNODE* node,
+                                                 std::string_view path, QVStrSize valLen,
+                                                 VALTYPE type);
 
 }  // namespace jmap

@@ -1,5 +1,7 @@
 // The small helpers of the engine's core.
+#include "core/arena.h"
 #include "core/pool.h"
+#include "core/short_bytes.h"
 #include "core/text.h"
 #include "testkit/testkit.h"
 
@@ -19,6 +21,37 @@ TEST(Pool, GivesZeroedRecordsAndCopiesAndNullWhenMemoryIsShort) {
     EXPECT_TRUE(poolCopy(pool, "text") == nullptr && newPool(U"another") == nullptr);
     EXPECT_TRUE(destroyHandle(pool) == QV_OK && pool == nullptr && destroyHandle(pool) == QV_OK);
     EXPECT_EQ(host.calls.back(), "destroy pool helpers");
+}
+
+TEST(Arena, CutsAlignedPiecesAndLeavesItsPieceInUseForALargeOne) {
+    FakeHost host;
+    QVPoolh pool = newPool(U"helpers");
+    ARENA arena = {};
+    host.failAllocation(1);
+    EXPECT_EQ(arenaBytes(&arena, pool, 8), nullptr);
+    char* first = arenaBytes(&arena, pool, 3);
+    EXPECT_NE(arenaBytes(&arena, pool, 100000), nullptr);
+    EXPECT_EQ(arenaBytes(&arena, pool, 8), first + 8);
+    EXPECT_EQ(arenaBytes(&arena, pool, 1), first + 16);
+    EXPECT_QV_OK(destroyHandle(pool));
+}
+
+TEST(ShortBytes, CopiesAndComparesJustTheText) {
+    for (std::size_t n = 0; n <= 70; ++n) {
+        SCOPED_TRACE(n);
+        std::string text(n, '\0');
+        std::generate(text.begin(), text.end(), [c = 'A']() mutable { return c++; });
+        const std::vector<char> from(text.begin(), text.end());  // with nothing around it
+        std::string to(n + 2, '.');
+        copyShort(to.data() + 1, {from.data(), n});
+        EXPECT_EQ(to, "." + text + ".");
+        EXPECT_TRUE(equalShort(text, {from.data(), n}) && !equalShort(text, text + "A"));
+        for (std::size_t i = 0; i < n; ++i) {
+            std::vector<char> other = from;
+            other[i] ^= 1;
+            EXPECT_FALSE(equalShort(text, {other.data(), n})) << i;
+        }
+    }
 }
 
 static_assert(firstOf("abc", 2) == "ab" && firstOf("abc", 4) == "abc");

@@ -4,13 +4,15 @@
 namespace jmap::test {
 namespace {
 
+constexpr const char* kHalf = R"({"\u0002":"x")";  // a name that the hashes are made for
+
 // What an answer of the parser leads to: whether the hashes live on, are released, or the map was
 // made; the status; and ERRORINFO of an error.
 std::string outcome(bool done, QVStatus parserAnswers, QVStatus vrc = QV_OK) {
     LoadedHost host;
     Document document(host);
     EXPECT_QV_OK(document.init());
-    EXPECT_QV_OK(document.feed(R"({"a":"x")", false));
+    EXPECT_QV_OK(document.feed(kHalf, false));
     static QVStatus answer;
     answer = parserAnswers;
     JMAP_PRIVATE* p = document.p();
@@ -55,7 +57,7 @@ TEST(JsonInput, AFailureWhileFinishingKeepsItsOddEffects) {
         {
             Document document(host);
             ASSERT_QV_OK(document.init());
-            ASSERT_QV_OK(document.feed(R"({"a":"x")", false));
+            ASSERT_QV_OK(document.feed(kHalf, false));
             host.failAllocation(1, always);
             EXPECT_QV(always ? QV_NOMEM : QV_OK, document.feed("}", true));
             host.failAllocation(0);

@@ -46,6 +46,19 @@ TEST(PathStats, CountsPromotesAndGroups) {
         {"a path that does not follow as before",
          R"([{"a":1,"b":1},{"a":2,"c":"x"},{"a":3,"b":null},{"a":4,"c":""},{"a":5,"b":6}])",
          "/root/a:D5:1 /root/b:D3:4 /root/c:C2:1\n"},
+        {"an empty name has the path in front of it", R"([{"a":{"":1},"b":1},{"a":2}])",
+         "/root/a:D2:1\n/root/b:D1:1\n"},
+        {"a separator in a name joins paths and groups",
+         R"([{"x\u0002y":{"p":1,"q":1}},{"x":{"y":{"q":2,"r":{}}}},{"x":{"y":{"r":{}}}}])",
+         "/root/x/y/p:D1:1 /root/x/y/q:D2:1\n/root/x/y/r/FAKE:F1:3 /root/x/y/r/FAKE:F1:3\n"},
+        {"members named as elements are", R"([{"t":[1]},{"t":{"t1":5,"t2":6}},{"t":[7,8]}])",
+         "/root/t/t1:D3:1 /root/t/t2:D2:1\n"},
+        {"elements named as members are", R"([{"t":{"t1":5}},{"t":[6,7]},{"t":{"t2":8}}])",
+         "/root/t/t1:D2:1 /root/t/t2:D2:1\n"},
+        {"elements that do not begin at 1", R"([1,{"x":[7]},{"x":[8,9]}])",
+         "/root/element1:D1:1\n/root/x/x2:D2:1 /root/x/x1:D1:1\n"},
+        {"elements of both kinds with one name", R"([{"element":[[5],6]},{"element":[[7],8]}])",
+         "/root/element/element1:D4:1\n"},
         {"a slash in a name is no separator", R"({"a/b":1,"a":{"b":2}})",
          "/root/a/b:D1:1\n/root/a/b:D1:1\n"},
     };
@@ -56,28 +69,20 @@ TEST(PathStats, CountsPromotesAndGroups) {
     }
 }
 
-QVStatus insert(JMAP_PRIVATE* p, std::string_view last) {
-    const std::string path = "\x02root\x02" + std::string(last);
-    p->lastNameLen = lengthOf(last) + 1;
-    return insertPathInfo(p, path.data(), lengthOf(path), VAL_NUMBER, 2);
-}
-
-// Trackers that cannot be made are no failure: paths or groups are then not found again.
-TEST(PathStats, GoesOnWithoutATrackerButNotWithoutAnEntry) {
+// Trackers that cannot be made are no failure: paths or groups of the same text stay apart.
+TEST(PathStats, GoesOnWithoutATracker) {
     static constexpr const char* kWithout[] = {
-        "/root/a:D1:2 /root/b:D1:2 /root/a:D1:2\n",  // the tracker of paths
-        "/root/a:D2:2\n/root/b:D1:2\n",              // the tracker of groups
+        "/root/x/y/p:D1:1 /root/x/y/q:D2:1 /root/x/y/r:D1:1\n",                   // none
+        "/root/x/y/p:D1:1 /root/x/y/q:D1:1 /root/x/y/q:D1:1 /root/x/y/r:D1:1\n",  // that of paths
+        "/root/x/y/p:D1:1 /root/x/y/q:D2:1\n/root/x/y/r:D1:1\n",                  // that of groups
     };
-    for (const uint64_t failing : {1, 2}) {
+    for (const uint64_t failing : {0, 1, 2}) {
         HandDocument doc;
         doc.host.failAllocation(failing);
-        for (const char* last : {"a", "b", "a"}) {
-            ASSERT_QV_OK(insert(&doc.p, last));
-        }
-        EXPECT_EQ(kWithout[failing - 1], statsLines(&doc.doc));
-        doc.host.failAllocation(failing);
-        EXPECT_QV(QV_NOMEM, insert(&doc.p, "c"));
-        EXPECT_EQ(kWithout[failing - 1], statsLines(&doc.doc)) << "not linked";
+        lookUpByText(&doc.p);
+        ASSERT_QV_OK(
+            doc.document.feed(R"({"x\u0002y":{"p":1,"q":1},"x":{"y":{"q":2,"r":3}}})", false));
+        EXPECT_EQ(kWithout[failing], statsLines(&doc.doc));
     }
 }
 

@@ -67,7 +67,7 @@ TEST(RecordStream, ARecordThatLeavesFourBytesBeginsANewBlock) {
         JMAP_PRIVATE* p = &doc.p;
         for (const QVStrSize size : {QVStrSize{1000}, kBlockBytes - 1000 - left}) {
             const std::string text(static_cast<std::size_t>(size - kRecordFixedBytes), 'x');
-            ASSERT_QV_OK(processPathVariableString(p, text.data(), lengthOf(text), 0, VAL_NOVAL));
+            ASSERT_QV_OK(processPathVariableString(p, nullptr, text, 0, VAL_NOVAL));
         }
         EXPECT_EQ(left > 4, p->chead == nullptr);
         EXPECT_EQ(kBlockBytes - left - (left > 4 ? 0 : 1000), p->cBufi);
