@@ -203,9 +203,14 @@ std::string Document::mapText() const {
 }
 
 PathStatistics Document::describe(const JMAPPathInfo& info) const {
-    PathStatistics statistics = {
-        codec_.decoded(view(info.path, info.pathLen)), info.count, info.type, info.maxValueLen,
-        {info.longestLine, info.longestColumn},        {}};
+    PathStatistics statistics;
+    statistics.path = codec_.decoded(view(info.path, info.pathLen));
+    statistics.count = info.count;
+    statistics.type = info.type;
+    statistics.longest = info.maxValueLen;
+    statistics.longestAt = {info.longestLine, info.longestColumn};
+    statistics.inexact = info.inexact.count;
+    statistics.firstInexact = {info.inexact.line, info.inexact.column};
     for (int32_t kind = 0; kind < static_cast<int32_t>(std::size(info.kinds)); ++kind) {
         const JMAPPathKind& k = info.kinds[kind];
         if (k.count != 0) {

@@ -99,11 +99,13 @@ struct KindStatistics {
 // One distinct path that had a value.
 struct PathStatistics {
     std::string path;  // separator 0x02
-    int64_t count;     // of values
-    int32_t type;      // JMAP_NUMERIC, JMAP_CHARACTER, 3 for an empty container
-    int64_t longest;   // bytes of the longest value
-    Spot longestAt;    // where the first of that length begins
+    int64_t count = 0;    // of values
+    int32_t type = 0;     // JMAP_NUMERIC, JMAP_CHARACTER, 3 for an empty container
+    int64_t longest = 0;  // bytes of the longest value
+    Spot longestAt;       // where the first of that length begins
     std::vector<KindStatistics> kinds;
+    int64_t inexact = 0;  // numbers that a double does not keep: see JMAPPathInfo
+    Spot firstInexact;
 };
 
 class Document {

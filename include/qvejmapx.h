@@ -96,6 +96,12 @@ typedef struct JMAPReadObserver {
 /* Follows the reads of an open table.  `observer` must live until ReadTerm. */
 void jmapObserve(QVEJMAPReadContexth rctx, const JMAPReadObserver* observer);
 
+/* ---- Text of a document -------------------------------------------------------------------- */
+
+/* The parser of a document, so that it can be told rules for the text before the first buffer; null
+ * when it could not be made. */
+struct JSNParser* jmapParser(QVEJMAPJsonContexth inh);
+
 /* ---- Records ------------------------------------------------------------------------------- */
 
 typedef struct JMAPRecordCursor* JMAPRecordCursorh; /* opaque */
@@ -206,6 +212,8 @@ typedef struct JMAPPathInfo {
     int64_t longestLine;   /* where the first of that length begins */
     int64_t longestColumn;
     JMAPPathKind kinds[7]; /* by JMAP_KIND_... */
+    JMAPPathKind inexact;  /* numbers that a double does not keep: whole ones past 2^53 that none is
+                              equal to, more than 17 digits, too large, too small */
 } JMAPPathInfo;
 
 /* As jmapNextTable, over every distinct path that had a value: groups of one parent together, in

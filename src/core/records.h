@@ -107,6 +107,8 @@ struct PATHINFO {
     VARTYPE type;
     QVStrSize pathMaxValLen;  // longest value, at least 1
     PLACE longest;            // the first value of that length
+    int64_t inexact;          // numbers that a double does not keep
+    PLACE firstInexact;
     PATHKIND kinds;           // in order of appearance
 };
 

@@ -124,6 +124,10 @@ void jmapObserve(QVEJMAPReadContexth rctx, const JMAPReadObserver* observer) {
 
 // ---- Records ------------------------------------------------------------------------------------
 
+JSNParserh jmapParser(QVEJMAPJsonContexth inh) {
+    return inh->p->parser;
+}
+
 QVStatus jmapRecordsOpen(QVEJMAPJsonContexth inh, JMAPRecordCursorh* cursor) {
     QVPoolh pool = newPool(kCursorPoolName);
     if (pool == nullptr) {
@@ -221,6 +225,7 @@ void jmapPathInfo(JMAPPathh path, JMAPPathInfo* info) {
     for (const PATHKIND* kind = &path->kinds; kind != nullptr; kind = kind->next) {
         info->kinds[kind->kind] = {kind->count, kind->first.line, kind->first.column};
     }
+    info->inexact = {path->inexact, path->firstInexact.line, path->firstInexact.column};
 }
 
 // ---- Totals and words ---------------------------------------------------------------------------

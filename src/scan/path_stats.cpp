@@ -8,6 +8,7 @@
 #include "core/pool.h"
 #include "core/short_bytes.h"
 #include "core/text.h"
+#include "exact_number.h"
 #include "path_text.h"
 
 #include <algorithm>
@@ -139,8 +140,21 @@ void countKind(JMAP_PRIVATE* p, PATHKIND* kinds, VALTYPE kind) {
     }
 }
 
+[[gnu::noinline]] void countIfInexact(JMAP_PRIVATE* p, PATHINFO* info, std::string_view number) {
+    if (losesDigits(p->smh, number) && ++info->inexact == 1) {
+        info->firstInexact = presentPlace(p);
+    }
+}
+
+void lookAtNumber(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, std::string_view value) {
+    if (type == VAL_NUMBER && mayLoseDigits(value)) [[unlikely]] {
+        countIfInexact(p, info, value);
+    }
+}
+
 // The entry and its text are one piece.
-PATHINFO* newPathInfo(JMAP_PRIVATE* p, std::string_view path, VALTYPE type, QVStrSize valLen) {
+PATHINFO* newPathInfo(JMAP_PRIVATE* p, std::string_view path, VALTYPE type,
+                      std::string_view value) {
     char* mem = arenaBytes(&p->pathArena, p->cpool,
                            static_cast<QVStrSize>(sizeof(PATHINFO)) + lengthOf(path));
     if (mem == nullptr) {
@@ -154,9 +168,10 @@ PATHINFO* newPathInfo(JMAP_PRIVATE* p, std::string_view path, VALTYPE type, QVSt
     info->parentLen = info->pathLen - p->lastNameLen;
     info->count = 1;
     info->type = typeOf(type);
-    info->pathMaxValLen = valLen == 0 ? 1 : valLen;
+    info->pathMaxValLen = std::max<QVStrSize>(lengthOf(value), 1);
     info->longest = presentPlace(p);
     info->kinds = {nullptr, type, 1, info->longest};
+    lookAtNumber(p, info, type, value);
     return info;
 }
 
@@ -168,8 +183,8 @@ void joinGroup(PATHINFO* head, PATHINFO* info) {
 }
 
 QVStatus insertNewPath(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path, VALTYPE type,
-                       QVStrSize valLen) {
-    PATHINFO* info = newPathInfo(p, path, type, valLen);
+                       std::string_view value) {
+    PATHINFO* info = newPathInfo(p, path, type, value);
     if (info == nullptr) {
         return QV_NOMEM;
     }
@@ -192,21 +207,20 @@ QVStatus insertNewPath(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path, V
 
 }  // namespace
 
-QVStatus insertPathInfo(JMAP_PRIVATE* p, PATHNODE* node, const char* path, QVStrSize pathLen,
-                        VALTYPE type, QVStrSize valLen) {
-    const std::string_view text = view(path, pathLen);
+QVStatus insertPathInfo(JMAP_PRIVATE* p, PATHNODE* node, std::string_view text, VALTYPE type,
+                        std::string_view value) {
     if (p->debugInsertPath) [[unlikely]] {
         const std::string_view slashed = shown(p, text);
         myLogNote(p, U"insertPathInfo [%.*hs] type %s valLen %d", noteLen(lengthOf(slashed)),
-                  slashed.data(), valtypeToHostString(type), noteLen(valLen));
+                  slashed.data(), valtypeToHostString(type), noteLen(lengthOf(value)));
     }
     if (node->info == nullptr && p->byText) {
         node->info = find(p->hash, text);
     }
     if (node->info == nullptr) {
-        return insertNewPath(p, node, text, type, valLen);
+        return insertNewPath(p, node, text, type, value);
     }
-    countAgain(p, node->info, type, valLen);
+    countAgain(p, node->info, type, value);
     return QV_OK;
 }
 
@@ -224,9 +238,11 @@ void lookUpByText(JMAP_PRIVATE* p) {
     }
 }
 
-void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, QVStrSize valLen) {
+void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, std::string_view value) {
+    const QVStrSize valLen = lengthOf(value);
     ++info->count;
     countKind(p, &info->kinds, type);
+    lookAtNumber(p, info, type, value);
     if (info->type == VAR_DOUBLE && type == VAL_STRING) [[unlikely]] {
         becomeCharacter(p, info);
     }

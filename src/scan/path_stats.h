@@ -13,25 +13,28 @@
 
 #include "core/context.h"
 
+#include <string_view>
+
 namespace jmap {
 
 // Records one more value for `path`: counts it, also by its kind, promotes the type, keeps the
-// longest length, and the places where a kind and that length were first seen.  The path is copied
-// into the document pool on first sight only.
+// longest length, counts numbers that a double does not keep, and keeps the places where a kind,
+// that length and such a number were first seen.  The path is copied into the document pool on
+// first sight only.
 //   node           of the path; its parent is that of the labels on the stack
-//   path, pathLen  text of the record without its value, separator 0x02, not terminated
+//   path           text of the record without its value, separator 0x02
 //   lastNameLen    (of the context) bytes of the last component with its separator: the rest is the
 //                  parent path
-//   valLen         bytes of the value; a longest value of 0 is kept as 1
+//   value          a longest value of 0 bytes is kept as 1
 // Returns QV_OK, or QV_NOMEM with the statistics unchanged.
-[[nodiscard]] QVStatus insertPathInfo(JMAP_PRIVATE* p, PATHNODE* node, const char* path,
-                                      QVStrSize pathLen, VALTYPE type, QVStrSize valLen);
+[[nodiscard]] QVStatus insertPathInfo(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path,
+                                      VALTYPE type, std::string_view value);
 
 // From now on paths are looked up by text when their nodes do not know them.
 void lookUpByText(JMAP_PRIVATE* p);
 
 // The same for a path whose entry is known.
-void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, QVStrSize valLen);
+void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, std::string_view value);
 
 // Notes every path with its count.  Always 0.
 [[nodiscard]] QVStatus dumpPathInfo(JMAP_PRIVATE* p);

@@ -104,7 +104,7 @@ bool recordKnown(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value, VALTYP
     p->cBufi += headLen + valLen;
     ++p->pathCount;
     p->valueMaxLen = std::max(p->valueMaxLen, valLen);
-    countAgain(p, node->info, type, valLen);
+    countAgain(p, node->info, type, value);
     copyHead(to, node->head, headLen);
     std::memcpy(patch, &textLen, sizeof textLen);
     patch += sizeof textLen;
@@ -155,7 +155,8 @@ QVStatus processPathVariableString(JMAP_PRIVATE* p, PATHNODE* node, std::string_
     if (type == VAL_NOVAL) {
         return QV_OK;
     }
-    return insertPathInfo(p, node, path.data(), lengthOf(path) - valLen - 1, type, valLen);
+    const std::size_t pathLen = path.size() - static_cast<std::size_t>(valLen) - 1;
+    return insertPathInfo(p, node, firstOf(path, pathLen), type, behind(path, pathLen + 1));
 }
 
 }  // namespace jmap

@@ -85,12 +85,14 @@ void addTable(std::string& out, const MapTable& table) {
     out += '}';
 }
 
-MapModel readMapModel(qvej::Engine& engine, const std::string& file) {
-    const MapFile map(engine, file);
-    const std::vector<qvej::TableText> texts = qvej::readMapText(engine, map.text());
+}  // namespace
+
+MapModel mapModel(qvej::Engine& engine, std::string_view text,
+                  const std::vector<qvej::Table>& tables) {
+    const std::vector<qvej::TableText> texts = qvej::readMapText(engine, text);
     MapModel model;
     for (std::size_t t = 0; t < texts.size(); ++t) {
-        const qvej::Table& table = map.tables().at(t);
+        const qvej::Table& table = tables.at(t);
         model.push_back({texts[t].name, qvej::withSlashes(table.path), {}});
         for (std::size_t c = 0; c < table.columns.size(); ++c) {
             model.back().columns.push_back(modelOf(table.columns[c], texts[t].columns.at(c)));
@@ -98,8 +100,6 @@ MapModel readMapModel(qvej::Engine& engine, const std::string& file) {
     }
     return model;
 }
-
-}  // namespace
 
 std::vector<MapModel> readMapModels(const std::vector<std::string>& files) {
     if (std::count(files.begin(), files.end(), "-") > 1) {
@@ -109,7 +109,8 @@ std::vector<MapModel> readMapModels(const std::vector<std::string>& files) {
     std::vector<MapModel> models;
     models.reserve(files.size());
     for (const std::string& file : files) {
-        models.push_back(readMapModel(engine, file));
+        const MapFile map(engine, file);
+        models.push_back(mapModel(engine, map.text(), map.tables()));
     }
     return models;
 }

@@ -32,6 +32,10 @@ struct MapTable {
 
 using MapModel = std::vector<MapTable>;
 
+// A map by its text and the tables that have been read from it.
+MapModel mapModel(qvej::Engine& engine, std::string_view text,
+                  const std::vector<qvej::Table>& tables);
+
 // The maps of some files, one of which may be standard input.  Throws a Failure, as MapFile.
 std::vector<MapModel> readMapModels(const std::vector<std::string>& files);
 

@@ -11,6 +11,7 @@ constexpr Owner kOwners[] = {
     {"--names", "tables", true},
     {"--columns", "tables", true},
     {"--output", "map, map merge, convert", true},
+    {"--exact", "map", true},
     {"--alldata", "convert", true},
     {"--threads", "convert", true},
     {"--limit", "read", true},

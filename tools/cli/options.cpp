@@ -99,6 +99,9 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
                    "map: file to write; convert: directory, made when missing")
         ->type_name("OUT")
         ->group("Options of map and convert");
+    app.add_flag("--exact", o.exact,
+                 "map: columns with numbers that a double does not keep are CHARACTER")
+        ->group("Options of map and convert");
     app.add_flag("--alldata", o.alldata, "convert: ALLDATA too (every value with its full path)")
         ->group("Options of map and convert");
     app.add_option("--threads", raw.threads,

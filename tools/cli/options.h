@@ -21,6 +21,7 @@ struct Options {
     bool names = false;           // of tables
     bool columns = false;         // of tables
     bool alldata = false;         // of convert
+    bool exact = false;           // of map
 
     std::string map;      // file of a user's map; empty: the automatic one
     std::string rejects;  // file for values that are rejected; empty: none

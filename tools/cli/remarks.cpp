@@ -6,11 +6,9 @@
 #include <algorithm>
 #include <numeric>
 #include <unordered_map>
-#include <unordered_set>
 
 namespace {
 
-constexpr std::string_view kTwoTo53 = "9007199254740992";
 constexpr std::size_t kMostSuggestions = 3;
 constexpr std::size_t kMostNames = 5;
 
@@ -20,48 +18,6 @@ std::string joined(const std::vector<std::string>& words) {
         text += (text.empty() ? "" : ", ") + word;
     }
     return text;
-}
-
-// A number of JSON without fraction and exponent whose magnitude is more than 2^53?
-bool isLargeInteger(std::string_view number) {
-    if (number.starts_with('-')) {
-        number.remove_prefix(1);
-    }
-    if (number.size() < kTwoTo53.size() ||
-        number.find_first_not_of("0123456789") != std::string_view::npos) {
-        return false;
-    }
-    return number.size() > kTwoTo53.size() || number > kTwoTo53;
-}
-
-// The numeric paths long enough to hold such an integer.
-std::unordered_set<std::string> candidatePaths(const qvej::Document& document) {
-    std::unordered_set<std::string> paths;
-    for (qvej::PathStatistics& path : document.pathStatistics()) {
-        if (path.type == JMAP_NUMERIC && path.longest >= static_cast<int64_t>(kTwoTo53.size())) {
-            paths.insert(std::move(path.path));
-        }
-    }
-    return paths;
-}
-
-std::unordered_set<std::string> largeIntegerPaths(const qvej::Document& document) {
-    const std::unordered_set<std::string> candidates = candidatePaths(document);
-    std::unordered_set<std::string> found;
-    if (candidates.empty()) {
-        return found;
-    }
-    qvej::RecordCursor records(document);
-    qvej::Record record = {};
-    while (found.size() < candidates.size() && records.next(record)) {
-        if (record.kind == JMAP_KIND_NUMBER && isLargeInteger(record.value)) {
-            std::string path(record.path);
-            if (candidates.contains(path)) {
-                found.insert(std::move(path));
-            }
-        }
-    }
-    return found;
 }
 
 // Does the table show values of its own, as ALLDATA and a table of ordinals alone do not?
@@ -121,18 +77,39 @@ std::string sharedNames(const qvej::Document& document, const std::string& allda
     return text;
 }
 
-std::vector<std::string> largeIntegerColumns(const qvej::Document& document,
-                                             const std::vector<const qvej::Table*>& tables) {
-    const std::unordered_set<std::string> paths = largeIntegerPaths(document);
-    std::vector<std::string> names;
-    for (const qvej::Table* table : tables) {
-        for (const qvej::Column& column : table->columns) {
-            if (column.type == qvej::ColumnType::NUMERIC && paths.contains(column.path)) {
-                names.push_back(visible(table->name) + "." + column.name);
-            }
+std::string spotText(const std::string& file, qvej::Spot spot) {
+    return spot.line == 0
+               ? file
+               : file + ":" + std::to_string(spot.line) + ":" + std::to_string(spot.column);
+}
+
+void tellInexact(const std::string& file, const qvej::Document& document,
+                 const std::vector<const qvej::Table*>& tables) {
+    std::unordered_map<std::string, qvej::PathStatistics> inexact;
+    for (qvej::PathStatistics& path : document.pathStatistics()) {
+        if (path.inexact != 0) {
+            inexact.emplace(path.path, path);
         }
     }
-    return names;
+    std::size_t told = 0;
+    for (const qvej::Table* table : tables) {
+        for (const qvej::Column& column : table->columns) {
+            const auto found = inexact.find(column.path);
+            if (column.type != qvej::ColumnType::NUMERIC || found == inexact.end() ||
+                ++told > kMostNames) {
+                continue;
+            }
+            const int64_t count = found->second.inexact;
+            tell(spotText(file, found->second.firstInexact) + ": " + visible(table->name) + "." +
+                 column.name + " has " + std::to_string(count) +
+                 (count == 1 ? " number that a double does not keep, here"
+                             : " numbers that a double does not keep, the first here"));
+        }
+    }
+    if (told > kMostNames) {
+        tell(file + ": " + std::to_string(told - kMostNames) +
+             " more columns have such numbers (map --exact makes them all CHARACTER)");
+    }
 }
 
 void tellLosses(const std::string& file, const qvej::Document& document,
@@ -154,10 +131,7 @@ void tellLosses(const std::string& file, const qvej::Document& document,
                      : (one ? "; its" : "; their") + std::string(" values are only in ") +
                            document.alldata().name));
     }
-    const std::vector<std::string> names = largeIntegerColumns(document, tables);
-    if (!names.empty()) {
-        tell("integers past 2^53 are written as the nearest double in: " + joined(names));
-    }
+    tellInexact(file, document, tables);
 }
 
 MapOddities mapOddities(const std::vector<qvej::Table>& tables) {

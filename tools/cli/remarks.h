@@ -15,10 +15,13 @@ std::string visible(const std::string& tableName);
 // One line on tables that no name opens, since another table has it; empty: there are none.
 std::string sharedNames(const qvej::Document& document, const std::string& alldataName);
 
-// The columns of `tables` whose values hold integers beyond 2^53, which a double cannot tell apart,
-// as "table.column".
-std::vector<std::string> largeIntegerColumns(const qvej::Document& document,
-                                             const std::vector<const qvej::Table*>& tables);
+// "FILE:3:14"; only FILE when the place is not known.
+std::string spotText(const std::string& file, qvej::Spot spot);
+
+// Tells on standard error the numeric columns of `tables` with numbers that a double does not keep:
+// a line each with their count and first place, of many columns the first few.
+void tellInexact(const std::string& file, const qvej::Document& document,
+                 const std::vector<const qvej::Table*>& tables);
 
 // A table and how many rows came of it.
 struct WrittenTable {
@@ -27,7 +30,7 @@ struct WrittenTable {
 };
 
 // Tells on standard error, a line each, what the rows of these tables of `file` do not show:
-// integers beyond 2^53, and tables that have values but no rows (scalars directly in the outermost
+// numbers that a double does not keep, and tables that have values but no rows (scalars directly in the outermost
 // array).
 void tellLosses(const std::string& file, const qvej::Document& document,
                 const std::vector<WrittenTable>& written);

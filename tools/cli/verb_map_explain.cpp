@@ -46,12 +46,6 @@ Found find(const qvej::Document& document, const std::string& wanted) {
     throw Failure(NO_TABLE, "no column " + wanted + " (TABLE.COLUMN)" + suggestion(wanted, names));
 }
 
-std::string spotText(const std::string& file, qvej::Spot spot) {
-    return spot.line == 0
-               ? file
-               : file + ":" + std::to_string(spot.line) + ":" + std::to_string(spot.column);
-}
-
 std::string counted(int64_t count, const std::string& noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
@@ -94,6 +88,10 @@ ExitCode runMapExplain(const Options& options) {
         for (const qvej::KindStatistics& kind : statistics.kinds) {
             rows.push_back({std::string(kind.kindName), std::to_string(kind.count),
                             shown(spotText(session.name(), kind.first))});
+        }
+        if (statistics.inexact != 0) {
+            rows.push_back({"inexact", std::to_string(statistics.inexact),
+                            shown(spotText(session.name(), statistics.firstInexact))});
         }
         rows.push_back({"longest", counted(statistics.longest, "byte"),
                         shown(spotText(session.name(), statistics.longestAt))});

@@ -64,5 +64,10 @@ ExitCode runTables(const Options& options) {
     if (!shared.empty() && !options.quiet) {
         tell(shared);
     }
+    std::vector<const qvej::Table*> tables;
+    for (const qvej::Table& table : document.tables()) {
+        tables.push_back(&table);
+    }
+    tellInexact(session.name(), document, tables);
     return DONE;
 }

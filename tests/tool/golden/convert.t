@@ -112,7 +112,9 @@ $ ls -A way
 # What the tables do not show is told.
 $ printf '[12345678901234567890,{"k":9007199254740993,"m":-9007199254740993}]' | qvejmap convert - -o loss
 ! qvejmap: 1 table, 1 row in loss
-! qvejmap: integers past 2^53 are written as the nearest double in: root.element1, root.k, root.m
+! qvejmap: <stdin>:1:2: root.element1 has 1 number that a double does not keep, here
+! qvejmap: <stdin>:1:28: root.k has 1 number that a double does not keep, here
+! qvejmap: <stdin>:1:49: root.m has 1 number that a double does not keep, here
 $ cat loss/root.csv
   ordinal_root,element1,k,m\r
   1,12345678901234567168,9007199254740992,-9007199254740992\r

@@ -29,3 +29,26 @@ $ ls -A
   m.json
   orders.json
   tmp
+
+# Columns with numbers that a double does not keep become CHARACTER.
+$ printf '{"r":[{"id":9007199254740993,"s":"x","c":1},\n{"id":12345678901234567890,"c":1e999}]}' > big.json
+$ qvejmap map big.json --exact -o big.map
+$ qvejmap map big.json > plain.map; qvejmap map diff plain.map big.map
+  ~ column r.id: type NUMERIC -> CHARACTER, length none -> 20
+  ~ column r.c: type NUMERIC -> CHARACTER, length none -> 5
+? 1
+$ qvejmap read big.json r --map big.map
+  ordinal_root,ordinal_r,id,s,c\r
+  1,1,9007199254740993,x,1\r
+  1,2,12345678901234567890,,1e999\r
+$ qvejmap map explain big.json r.id
+  r.id: /root/r/id
+  NUMERIC, since none of its values is a string
+  kind\tvalues\tfirst
+  NUMBER\t2\tbig.json:1:13
+  inexact\t2\tbig.json:1:13
+  longest\t20 bytes\tbig.json:2:7
+$ echo '{"a":[1,{}],"b":"x"}' > small.json; qvejmap map small.json > s1; qvejmap map small.json --exact | cmp - s1
+$ qvejmap tables small.json --exact
+! qvejmap: --exact belongs to map, not to tables (qvejmap --help tells more)
+? 2

@@ -92,8 +92,12 @@ $ printf '{"r":[0,-0,-0.0,1.0,1e2,0.1,1e-7,9007199254740992,1e30,-1.5e300,5e-324
 $ qvejmap read numbers.json r --ordinals 0
   r1,r2,r3,r4,r5,r6,r7,r8,r9,r10,r11,r12,r13\r
   0,-0,-0,1,100,0.1,1e-07,9007199254740992,1e+30,-1.5e+300,5e-324,inf,-inf\r
+! qvejmap: numbers.json:1:72: r.r12 has 1 number that a double does not keep, here
+! qvejmap: numbers.json:1:78: r.r13 has 1 number that a double does not keep, here
 $ qvejmap read numbers.json r --ordinals 0 --format ndjson
   {"r1":0,"r2":-0,"r3":-0,"r4":1,"r5":100,"r6":0.1,"r7":1e-07,"r8":9007199254740992,"r9":1e+30,"r10":-1.5e+300,"r11":5e-324,"r12":1e400,"r13":-1e400}
+! qvejmap: numbers.json:1:72: r.r12 has 1 number that a double does not keep, here
+! qvejmap: numbers.json:1:78: r.r13 has 1 number that a double does not keep, here
 
 # Integers past 2^53 are told, also when nothing else is.
 $ printf '[{"id":9007199254740993,"n":9007199254740992,"f":9007199254740993.0,"s":"9007199254740993"},{"id":1}]' |
@@ -101,7 +105,7 @@ $ printf '[{"id":9007199254740993,"n":9007199254740992,"f":9007199254740993.0,"s
   ordinal_root,id,n,f,s\r
   1,9007199254740992,9007199254740992,9007199254740992,9007199254740993\r
   2,1,,,\r
-! qvejmap: integers past 2^53 are written as the nearest double in: root.id
+! qvejmap: <stdin>:1:8: root.id has 1 number that a double does not keep, here
 
 # --retain keeps what a row does not set.
 $ printf '{"r":[{"a":1,"b":"x"},{"a":2}]}' | qvejmap read - r --retain

@@ -67,3 +67,17 @@ $ qvejmap tables names.json --names -q | tail -1
 $ qvejmap tables names.json --names --alldata-name Everything | tail -1
   AllData
 ! qvejmap: more than one table is named o2: read opens the first
+
+# Numbers that a double does not keep are told for each column, of many columns the first few.
+$ printf '{"r":[{"id":9007199254740993,"d":"9007199254740993"},\n{"id":1,"c":1e999}]}' | qvejmap tables -
+  r\t5\t/root/r
+! qvejmap: <stdin>:1:13: r.id has 1 number that a double does not keep, here
+! qvejmap: <stdin>:2:13: r.c has 1 number that a double does not keep, here
+$ printf '[{%s}]' "$(seq -s, -f '"c%g":1e999' 8)" | qvejmap tables -
+  root\t9\t/root
+! qvejmap: <stdin>:1:8: root.c1 has 1 number that a double does not keep, here
+! qvejmap: <stdin>:1:19: root.c2 has 1 number that a double does not keep, here
+! qvejmap: <stdin>:1:30: root.c3 has 1 number that a double does not keep, here
+! qvejmap: <stdin>:1:41: root.c4 has 1 number that a double does not keep, here
+! qvejmap: <stdin>:1:52: root.c5 has 1 number that a double does not keep, here
+! qvejmap: <stdin>: 3 more columns have such numbers (map --exact makes them all CHARACTER)
