@@ -125,7 +125,7 @@ void jmapObserve(QVEJMAPReadContexth rctx, const JMAPReadObserver* observer) {
 // ---- Records ------------------------------------------------------------------------------------
 
 JSNParserh jmapParser(QVEJMAPJsonContexth inh) {
-    return inh->p->parser;
+    return contextOf(inh)->parser;
 }
 
 QVStatus jmapRecordsOpen(QVEJMAPJsonContexth inh, JMAPRecordCursorh* cursor) {
