@@ -2,7 +2,6 @@
 #include "client/cell_values.h"
 
 #include "client/error.h"
-#include "client/text.h"
 #include "client/user_map.h"
 
 #include <utility>
@@ -16,14 +15,17 @@ constexpr std::size_t kMostPending = 10000;  // values of one row, so that memor
 }  // namespace
 
 CellValues::CellValues(const Document& document, const Table& table, RejectHandler onReject)
-    : document_(document), table_(table), onReject_(std::move(onReject)) {
+    : document_(document),
+      table_(table),
+      onReject_(std::move(onReject)),
+      utf8_(document.codec().isUtf8()) {
     places_.reserve(table.columns.size());
     for (const Column& column : table.columns) {
         const bool numeric =
             column.type == ColumnType::ORDINAL || column.type == ColumnType::NUMERIC;
         places_.push_back({column.length, numeric, nullptr});
     }
-    if (!document_.codec().isUtf8()) {
+    if (!utf8_) {
         scratch_.resize(places_.size());
     }
     openConversions();
@@ -58,17 +60,20 @@ void CellValues::notNumber(std::size_t column, std::string_view text) {
     }
 }
 
-void CellValues::endRow() {
-    ++rows_;
-    reportPending(rows_);
-}
-
 void CellValues::reportPending(uint64_t row) {
     std::string decoded;
     for (const Pending& pending : pending_) {
-        reject(pending.column, row, document_.codec().decode(pending.text, decoded), kNotNumber);
+        reject({pending.column, row, document_.codec().decode(pending.text, decoded), kNotNumber,
+                false});
     }
     pending_.clear();
+}
+
+void CellValues::wasCut(std::size_t column, std::string_view text) {
+    const std::string reason = "cut to " + std::to_string(places_[column].length) + " bytes";
+    const std::string whole = document_.codec().decoded(text);
+    // Perhaps only its beginning has been recorded.
+    reject({column, rows_, utf8_ ? withoutUnfinished(whole) : whole, reason, true});
 }
 
 void CellValues::convert(Converted& converted, std::string_view raw) {
@@ -77,6 +82,7 @@ void CellValues::convert(Converted& converted, std::string_view raw) {
         return;  // a value that the column keeps
     }
     converted.missing = true;
+    converted.cut = false;
     converted.text.clear();
     if (!fresh || converted.kind == JMAP_KIND_NULL) {
         return;
@@ -96,8 +102,8 @@ void CellValues::convertNumber(Converted& converted, std::string_view text) {
         informat, text.data(), static_cast<QVStrSize>(text.size()), &converted.number);
     converted.missing = status != QV_OK;
     if (status != QV_OK && !table_.columns[converted.column].quiet) {
-        reject(converted.column, rows_, text,
-               status == QV_FMT_VALUE ? informat->refusal : qvStatusText(status));
+        reject({converted.column, rows_, text,
+                status == QV_FMT_VALUE ? informat->refusal : qvStatusText(status), false});
     }
 }
 
@@ -107,30 +113,31 @@ void CellValues::convertText(Converted& converted, std::string_view text) {
     QVStrSize outLen = 0;
     check(informat->toText(informat, text.data(), static_cast<QVStrSize>(text.size()), &out,
                            &outLen));
-    std::string_view result(out, static_cast<std::size_t>(outLen));
+    const std::string_view result(out, static_cast<std::size_t>(outLen));
     const Column& column = table_.columns[converted.column];
+    std::string_view kept = result;
     if (!column.lengthFromDocument) {
-        result = document_.codec().isUtf8() ? withoutUnfinished(result.substr(0, column.length))
-                                            : firstCharacters(result, column.length);
+        kept = utf8_ ? withoutUnfinished(result.substr(0, column.length))
+                     : firstCharacters(result, column.length);
     }
-    converted.text = withoutPadding(result, true);
+    converted.missing = false;
+    converted.cut = kept.size() < result.size();
+    converted.text = kept;
 }
 
-void CellValues::reject(std::size_t column, uint64_t row, std::string_view text,
-                        std::string_view reason) {
+void CellValues::reject(const Rejected& rejected) {
     if (onReject_) {
-        onReject_(*this, {column, row, text, reason});
+        onReject_(*this, rejected);
     }
 }
 
 Cell CellValues::convertedCell(const Place& place, const Cell& plain) const {
     const Converted& converted = *place.converted;
-    if (converted.informat != nullptr && !place.numeric) {
-        return {Cell::TEXT, 0, converted.text};
-    }
     Cell cell = plain;
     if (converted.informat != nullptr) {
-        cell = {converted.missing ? Cell::MISSING : Cell::NUMBER, converted.number, {}};
+        cell = converted.missing ? Cell{Cell::NUL}
+               : place.numeric   ? Cell{Cell::NUMBER, converted.number}
+                                 : Cell{Cell::TEXT, 0, converted.text};
     }
     if (cell.kind == Cell::NUMBER && converted.format != nullptr) {
         const char* text = nullptr;
@@ -142,12 +149,6 @@ Cell CellValues::convertedCell(const Place& place, const Cell& plain) const {
         }
     }
     return cell;
-}
-
-std::string_view CellValues::text(std::size_t column, std::string_view cell) const {
-    const TextCodec& codec = document_.codec();
-    const std::string_view bytes = withoutPadding(cell, codec.isUtf8());
-    return codec.isUtf8() ? bytes : codec.decode(bytes, scratch_[column]);
 }
 
 }  // namespace qvej

@@ -1,11 +1,12 @@
-// What the values of a table become in its cells: texts without padding, informats and formats,
-// values that are rejected.  What Cursor and PassRow share.
+// What the values of a table become in its cells: texts, informats and formats, values that are
+// rejected.  What Cursor and PassRow share.
 //
 // Tested by tests/tool/client_test.cpp
 #pragma once
 
 #include "client/handle.h"
 #include "client/row.h"
+#include "client/text.h"
 
 #include <cstdint>
 #include <memory>
@@ -27,9 +28,10 @@ class CellValues : public Row {
         Handle<QVFormat> format;
         int32_t kind = 0;     // JMAP_KIND_... of the raw text
         bool fresh = false;   // it came in this row
-        bool missing = true;  // of a numeric column
+        bool missing = true;  // there is no number: null or refused
         double number = 0;    // of one with an informat
         std::string text;     // of a character column
+        bool cut = false;     // which is too short for what the informat gave
     };
     struct Place {
         std::size_t length;  // bytes of a character cell
@@ -46,7 +48,15 @@ class CellValues : public Row {
     void notNumber(std::size_t column, std::string_view text);
 
     // The row is complete: counts it and reports what came that is no number.
-    void endRow();
+    void endRow() {
+        ++rows_;
+        if (!pending_.empty()) {
+            reportPending(rows_);
+        }
+    }
+
+    // A text of the row (as the document has it) is longer than its column.
+    void wasCut(std::size_t column, std::string_view text);
 
     // Rows end without being complete: forgets what came for the last one.
     void forgetNotNumbers() { pending_.clear(); }
@@ -62,8 +72,16 @@ class CellValues : public Row {
     // informat has.
     [[nodiscard]] Cell convertedCell(const Place& place, const Cell& plain) const;
 
-    // The text of a character cell, padded or not, no longer than the column.
-    [[nodiscard]] std::string_view text(std::size_t column, std::string_view cell) const;
+    // The text of a character cell that is no longer than the column, up to its last whole
+    // character.
+    [[nodiscard]] std::string_view text(std::size_t column, std::string_view cell) const {
+        if (!utf8_) {
+            return document_.codec().decode(cell, scratch_[column]);
+        }
+        const bool whole = cell.empty() || static_cast<uint8_t>(cell.back()) < 0x80;
+        return whole ? cell : withoutUnfinished(cell);
+    }
+    [[nodiscard]] bool isUtf8() const { return utf8_; }
 
     [[nodiscard]] const Document& document() const { return document_; }
     [[nodiscard]] const Table& table() const { return table_; }
@@ -81,11 +99,12 @@ class CellValues : public Row {
     void convertNumber(Converted& converted, std::string_view text);
     void convertText(Converted& converted, std::string_view text);
     void reportPending(uint64_t row);
-    void reject(std::size_t column, uint64_t row, std::string_view text, std::string_view reason);
+    void reject(const Rejected& rejected);
 
     const Document& document_;
     const Table& table_;
     RejectHandler onReject_;
+    bool utf8_;          // the encoding of the document
     uint64_t rows_ = 0;  // that are complete
     std::vector<Place> places_;
     std::vector<std::unique_ptr<Converted>> converted_;

@@ -85,15 +85,4 @@ void Cursor::takeRawText(std::size_t column, int32_t kind, QVStatus status) noex
     }
 }
 
-uint64_t copyRows(Cursor& cursor, Sink& sink, uint64_t limit) {
-    sink.begin(cursor.columns());
-    uint64_t rows = 0;
-    while (rows < limit && cursor.next()) {
-        sink.row(cursor);
-        ++rows;
-    }
-    sink.end();
-    return rows;
-}
-
 }  // namespace qvej

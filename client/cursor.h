@@ -34,17 +34,24 @@ class Cursor final : public CellValues {
     // Before the first row again.
     void reset();
 
+    // What the row buffer has: NUMBER, MISSING or TEXT.  A character cell is never missing, and
+    // comes without the blanks at its end, since rows are padded with blanks (a PassRow has them).
     // A text lives until the next call of `next` or the cursor's end.
     [[nodiscard]] Cell cell(std::size_t column) const override {
         const Place& at = place(column);
-        if (at.converted != nullptr) {
-            return convertedCell(at, at.numeric ? number(column) : Cell{});
+        const Cell plain = at.numeric ? number(column) : character(column);
+        if (at.converted == nullptr) {
+            return plain;
         }
-        return at.numeric ? number(column)
-                          : Cell{Cell::TEXT, 0, text(column, {row_ + offsets_[column], at.length})};
+        const Cell cell = convertedCell(at, plain);
+        return cell.kind != Cell::NUL ? cell : Cell{at.numeric ? Cell::MISSING : Cell::TEXT};
     }
 
    private:
+    [[nodiscard]] Cell character(std::size_t column) const {
+        const std::string_view padded(row_ + offsets_[column], place(column).length);
+        return {Cell::TEXT, 0, text(column, withoutPadding(padded, isUtf8()))};
+    }
     [[nodiscard]] Cell number(std::size_t column) const {
         uint64_t bits = 0;
         std::memcpy(&bits, row_ + offsets_[column], sizeof bits);
@@ -63,8 +70,5 @@ class Cursor final : public CellValues {
     std::vector<std::size_t> offsets_;  // of each column in the row
     std::exception_ptr failure_;        // of what ran within Read
 };
-
-// Passes at most `limit` rows from the cursor to the sink and returns how many there were.
-uint64_t copyRows(Cursor& cursor, Sink& sink, uint64_t limit = UINT64_MAX);
 
 }  // namespace qvej

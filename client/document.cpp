@@ -1,6 +1,9 @@
 // See document.h.
 #include "client/document.h"
 
+#include "qvehost.h"
+
+#include "client/cache_file.h"
 #include "client/error.h"
 #include "client/user_map.h"
 
@@ -20,11 +23,12 @@ std::string_view view(const char* text, QVStrSize textLen) {
 }  // namespace
 
 Document::Document(Engine& engine, const DocumentOptions& options)
-    : engine_(engine), codec_(engine.host(), options.encoding), alldataName_(options.alldataName) {
-    if (options.cacheFile.empty()) {
-        cache_.emplace();
-    }
-    std::u32string cacheName = toHostCharacters(cache_ ? cache_->path() : options.cacheFile);
+    : engine_(engine),
+      codec_(engine.host(), options.encoding),
+      alldataName_(options.alldataName),
+      columnOf_(options.columnOf) {
+    std::u32string cacheName =
+        toHostCharacters(options.cacheFile.empty() ? privateCacheDirectory() : options.cacheFile);
     std::string alldataName = codec_.encoded(options.alldataName);
     std::string debug = options.debug;
 
@@ -44,14 +48,51 @@ Document::Document(Engine& engine, const DocumentOptions& options)
     parms.alldataName = alldataName.data();
     parms.alldataNameLen = static_cast<QVStrSize>(alldataName.size());
 
-    const QVStatus status =
+    QVStatus status =
         operations()->JsonInit(&operations()->exth, &parms, &handle_, engine.host()->jnl);
+    if (status == QV_OK && (options.lines || columnOf_)) {
+        status = setRules(options.lines);
+    }
+    for (std::size_t i = 0; status == QV_OK && i < options.watches.size(); ++i) {
+        status = watchFor(options.watches[i]);
+    }
     if (status != QV_OK) {
         if (handle_ != nullptr) {
             (void)operations()->Term(handle_, nullptr);  // the first failure is the one to report
         }
         throw Error(status);
     }
+}
+
+// Tells the parser what it must know of the text.
+QVStatus Document::setRules(bool lines) {
+    const JSNParserh parser = jmapParser(handle_);
+    if (parser == nullptr) {
+        return QV_NOMEM;
+    }
+    if (parser->setRules == nullptr) {
+        return QV_UNSUPPORTED;
+    }
+    JSNTextRules rules = {lines ? QVBoolean{1} : QVBoolean{0}, nullptr, &columnOf_};
+    if (columnOf_) {
+        rules.columnOf = [](void* arg, int64_t offset) {
+            return (*static_cast<std::function<int64_t(int64_t)>*>(arg))(offset);
+        };
+    }
+    parser->setRules(parser, &rules);
+    return QV_OK;
+}
+
+QVStatus Document::watchFor(const Watch& watch) {
+    const std::string path = codec_.encoded(watch.path);
+    return jmapWatch(handle_, path.data(), static_cast<QVStrSize>(path.size()),
+                     static_cast<int64_t>(watch.number), &watches_.emplace_back());
+}
+
+Spot Document::watched(std::size_t watch) const {
+    Spot spot;
+    jmapWatched(watches_.at(watch), &spot.line, &spot.column);
+    return spot;
 }
 
 Document::~Document() {
@@ -66,9 +107,6 @@ void Document::input(std::string_view text, bool done) {
                                                     done ? 1 : 0, &caching, engine_.host()->jnl);
     if (caching != 0) {
         caching_ = true;
-        if (cache_) {
-            cache_->remove();
-        }
     }
     if (status == QV_OK) {
         return;
@@ -106,8 +144,19 @@ void Document::feed(std::string_view text) {
 void Document::finish() {
     input("", true);
 
-    if (totals().unstoredBytes != 0) {
-        throw Error(caching_ ? QV_IO_WRITE : QV_NOMEM, "the last records could not be stored");
+    const JMAPTotals end = totals();
+    if (end.unstoredBytes != 0) {
+        constexpr const char* kWhat = "the last records could not be stored";
+        throw caching_ ? Error(QV_IO_WRITE, kWhat)
+                       : Error(QV_NOMEM, std::string("memory ran out: ") + kWhat);
+    }
+    if (end.droppedTables != 0) {
+        throw Error(QV_NOMEM,
+                    "memory ran out while the map was made: " + std::to_string(end.droppedTables) +
+                        (end.droppedTables == 1 ? " table is missing" : " tables are missing"));
+    }
+    if (end.lostLookups != 0) {
+        throw Error(QV_NOMEM, "memory ran out while paths were looked up");
     }
     QVMemPtr map = nullptr;
     check(operations()->GetAutoMap(handle_, &map));
@@ -171,10 +220,6 @@ void Document::useMap(std::string_view text) {
     parseUserMap(*this, text);
     userTables_ = describeMap(completeUserMap(*this));
     checkConversions(engine_, *userTables_, text);
-}
-
-std::string Document::privateCachePath() const {
-    return cache_ ? cache_->path() : std::string();
 }
 
 const Table* Document::find(std::string_view name) const {

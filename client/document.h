@@ -7,11 +7,11 @@
 
 #include "qvejmapx.h"
 
-#include "client/cache_file.h"
 #include "client/engine.h"
 #include "client/text.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,16 +20,27 @@
 
 namespace qvej {
 
+// A value whose place is asked for.
+struct Watch {
+    std::string path;     // separator 0x02
+    uint64_t number = 0;  // among the values of the path, from 1
+};
+
 struct DocumentOptions {
-    QVCEI encoding = U_UTF8_CE;      // of the text that is fed; see Engine::encodingId
+    QVCEI encoding = U_UTF8_CE;  // of the text that is fed; see Engine::encodingId
+    bool lines = false;          // JSON Lines: one value a line, all of them one array
+    // For a text that was converted: the column of the byte at `offset` (from 0) of what is fed. It
+    // must not throw.  Empty: columns are counted in bytes.  Mistakes are always told in bytes.
+    std::function<int64_t(int64_t offset)> columnOf = {};
     std::string description = {};    // what notes call the document; 20 bytes are used
     std::string debug = {};          // keywords with a comma before and after each: ",MAP,READ,"
-    std::string cacheFile = {};      // for records that leave memory; empty: a private file,
-                                     // removed by the document.  A named file stays.
+    std::string cacheFile = {};      // for records that leave memory; it stays.  Empty: a file
+                                     // without a name in privateCacheDirectory()
     uint64_t keepFree = 0;           // bytes of memory below which records go to the cache file
     bool compress = false;           // deflate the records
     uint64_t ordinals = UINT64_MAX;  // levels of ordinal columns
     std::string alldataName = "ALLDATA";  // at most 40 bytes
+    std::vector<Watch> watches = {};
 };
 
 enum class ColumnType {
@@ -82,7 +93,8 @@ struct Record {
     std::string_view value;     // empty for JMAP_KIND_NOVAL
 };
 
-// A place in a document: 1-based, the column in bytes of its encoding.  Line 0: not known.
+// A place in a document: 1-based, the column in bytes or as DocumentOptions::columnOf tells.  Line
+// 0: not known.
 struct Spot {
     int64_t line = 0;
     int64_t column = 0;
@@ -98,7 +110,7 @@ struct KindStatistics {
 
 // One distinct path that had a value.
 struct PathStatistics {
-    std::string path;  // separator 0x02
+    std::string path;     // separator 0x02
     int64_t count = 0;    // of values
     int32_t type = 0;     // JMAP_NUMERIC, JMAP_CHARACTER, 3 for an empty container
     int64_t longest = 0;  // bytes of the longest value
@@ -122,13 +134,10 @@ class Document {
     void feed(std::string_view text);
 
     // Ends the text and builds the tables.  Throws as `feed`, and JMAP_INCOMPLETE without a place
-    // when the document is not complete.  The engine passes over a last block that it cannot store;
-    // here that is a failure too (QV_IO_WRITE, QV_NOMEM).
+    // when the document is not complete.  The engine passes over a last block that it cannot store,
+    // a table that it cannot make, and hash tables that fail; here these are failures too
+    // (QV_IO_WRITE, QV_NOMEM).
     void finish();
-
-    // The private cache file, so that a program can remove it when a signal ends it; empty when a
-    // file was named by the options.
-    [[nodiscard]] std::string privateCachePath() const;
 
     // ---- after `finish` ----
 
@@ -154,6 +163,9 @@ class Document {
     [[nodiscard]] std::vector<PathStatistics> pathStatistics() const;
     [[nodiscard]] JMAPTotals totals() const;
 
+    // Where the value begins that the options watch for at that position; line 0: it never came.
+    [[nodiscard]] Spot watched(std::size_t watch) const;
+
     // ---- for cursors ----
 
     [[nodiscard]] const TextCodec& codec() const { return codec_; }
@@ -162,6 +174,8 @@ class Document {
     [[nodiscard]] QVEJMAPJsonContexth handle() const { return handle_; }
 
    private:
+    QVStatus setRules(bool lines);
+    QVStatus watchFor(const Watch& watch);
     void input(std::string_view text, bool done);
     void followStart(std::string_view text);
     [[nodiscard]] Table describe(JMAPTableh handle, bool alldata) const;
@@ -172,8 +186,9 @@ class Document {
     Engine& engine_;
     TextCodec codec_;
     std::string alldataName_;  // UTF-8
-    std::optional<PrivateCacheFile> cache_;
+    std::function<int64_t(int64_t)> columnOf_;
     QVEJMAPJsonContexth handle_ = nullptr;
+    std::vector<JMAPWatchh> watches_;
     bool caching_ = false;  // records go to the cache file
     bool begun_ = false;    // something but white space has come, at startLine_, startColumn_
     int64_t startLine_ = 1;

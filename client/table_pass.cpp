@@ -39,8 +39,29 @@ bool TablePass::next(PassItem& item) {
     return true;
 }
 
+JMAPPassColumn TablePass::column(std::size_t table, std::size_t column) const {
+    JMAPPassColumn info = {};
+    jmapPassColumn(handle_, static_cast<QVStrSize>(table), static_cast<QVStrSize>(column), &info);
+    return info;
+}
+
+std::span<const PassCell> TablePass::left(std::size_t table) const {
+    const PassCell* cells = nullptr;
+    QVStrSize count = 0;
+    jmapPassLeft(handle_, static_cast<QVStrSize>(table), &cells, &count);
+    return {cells, static_cast<std::size_t>(count)};
+}
+
 PassRow::PassRow(const Document& document, const Table& table, RejectHandler onReject)
-    : CellValues(document, table, std::move(onReject)) {}
+    : CellValues(document, table, std::move(onReject)),
+      scanCuts_(jmapCutStrings(document.handle()) != 0) {
+    for (std::size_t i = 0; i < table.columns.size(); ++i) {
+        const Place& at = place(i);
+        if (!at.numeric && (at.converted == nullptr || at.converted->informat == nullptr)) {
+            cuttable_.push_back({i, at.length});
+        }
+    }
+}
 
 bool PassRow::take(const PassItem& item) {
     cells_ = item.cells;
@@ -49,45 +70,63 @@ bool PassRow::take(const PassItem& item) {
         return false;
     }
     endRow();
-    for (Converted* converted : withInformat()) {
-        const PassCell& cell = cells_[converted->column];
-        converted->kind = cell.kind;
-        converted->fresh = cell.fresh != 0;
-        convert(*converted, rawText(cell));
-    }
+    convertAll();
+    reportCuts();
     return true;
 }
 
-std::string_view PassRow::rawText(const PassCell& cell) {
-    return cell.kind == JMAP_CELL_MISSING || cell.kind == JMAP_CELL_COUNT
-               ? std::string_view{}
-               : std::string_view{cell.text, static_cast<std::size_t>(cell.textLen)};
+void PassRow::convertAll() {
+    for (Converted* converted : withInformat()) {
+        const PassCell& cell = cells_[converted->column];
+        if (cell.fresh == 0 || cell.kind == JMAP_CELL_MISSING) {
+            continue;  // the cell has none, or keeps its value
+        }
+        converted->kind = cell.kind;
+        converted->fresh = true;
+        convert(*converted, textOf(cell));
+        if (converted->cut || cutByScan(cell)) {
+            wasCut(converted->column, textOf(cell));
+        }
+    }
 }
 
-Cell PassRow::number(const PassCell& cell) const {
-    if (cell.kind == JMAP_CELL_MISSING) {
-        return {Cell::MISSING, 0, {}};
+void PassRow::reportCuts() {
+    for (const Cuttable& cuttable : cuttable_) {
+        const PassCell& cell = cells_[cuttable.column];
+        const bool text = cell.kind != JMAP_CELL_MISSING && cell.kind != JMAP_KIND_NULL;
+        const bool cut = static_cast<uint64_t>(cell.textLen) > cuttable.length || cutByScan(cell);
+        if (text && cut && cell.fresh != 0) {
+            wasCut(cuttable.column, textOf(cell));
+        }
     }
+}
+
+Cell PassRow::asDouble(const PassCell& cell) const {
     if (cell.kind == JMAP_CELL_COUNT) {
-        return {Cell::NUMBER, static_cast<double>(cell.count), {}};
+        return {Cell::NUMBER, static_cast<double>(cell.count)};
     }
     double number = 0;
     const QVStatus status = jmapToNumber(document().handle(), cell.text, cell.textLen, &number);
-    return {status == QV_OK && !std::isnan(number) ? Cell::NUMBER : Cell::MISSING, number, {}};
+    return status != QV_OK || std::isnan(number) ? Cell{Cell::NUL} : Cell{Cell::NUMBER, number};
 }
 
-Cell PassRow::cell(std::size_t column) const {
-    const PassCell& cell = cells_[column];
-    const Place& at = place(column);
-    if (at.converted != nullptr) {
-        return convertedCell(
-            at, at.numeric && at.converted->informat == nullptr ? number(cell) : Cell{});
+// A word, or a text that may be a number.
+Cell PassRow::numberOfText(const PassCell& cell) const {
+    const Cell number = asDouble(cell);
+    const std::string_view text = textOf(cell);
+    const bool digits = number.kind == Cell::NUMBER && text != "true" && text != "false";
+    return digits ? Cell{Cell::DIGITS, 0, text} : number;
+}
+
+Cell PassRow::converted(const Place& at, const PassCell& cell) const {
+    if (at.converted->informat != nullptr) {
+        return convertedCell(at, {});
     }
-    if (at.numeric) {
-        return number(cell);
+    if (cell.kind == JMAP_KIND_NULL) {
+        return {Cell::NUL};
     }
-    const std::string_view raw = cell.kind == JMAP_KIND_NULL ? std::string_view{} : rawText(cell);
-    return {Cell::TEXT, 0, text(column, raw.substr(0, at.length))};
+    return at.numeric ? convertedCell(at, asDouble(cell))
+                      : character(at.converted->column, at, cell);
 }
 
 }  // namespace qvej

@@ -11,8 +11,9 @@
 //
 // A table has the rows that a Cursor on it has, in the same order; the rows of different tables
 // come as they are completed.  The pass hands out values as the document has them; a PassRow makes
-// cells of them.  The two know nothing of each other, so they may work on different threads when
-// what is in an item is copied.
+// cells of them, which lose nothing: numbers keep their digits, texts the blanks at their end, and
+// null is not the same as no value.  The two know nothing of each other, so they may work on
+// different threads when what is in an item is copied.
 //
 // Tested by tests/tool/table_pass_test.cpp
 #pragma once
@@ -62,13 +63,18 @@ class TablePass {
     // records lie in memory as they are.
     [[nodiscard]] bool textsStay() const { return textsStay_; }
 
+    // What has come for a column so far; see qvejmapx.h.
+    [[nodiscard]] JMAPPassColumn column(std::size_t table, std::size_t column) const;
+
+    // After the last item: the cells of a row that was begun and never complete.
+    [[nodiscard]] std::span<const PassCell> left(std::size_t table) const;
+
    private:
     JMAPPassh handle_ = nullptr;
     bool textsStay_ = false;
 };
 
-// The row of one table that an item of a pass brought.  What `cell` gives is what Cursor::cell
-// gives. On whatever thread; one thread at a time.
+// The row of one table that an item of a pass brought.  On whatever thread; one thread at a time.
 class PassRow final : public CellValues {
    public:
     // Throws QV_NOMEM and the status of an informat or format that cannot be opened.
@@ -79,17 +85,71 @@ class PassRow final : public CellValues {
     // handler throws.
     bool take(const PassItem& item);
 
-    // A text lives until the next item is taken.
-    [[nodiscard]] Cell cell(std::size_t column) const override;
+    // A number in a numeric column, or a text there that is one, is DIGITS unless the column has a
+    // format or an informat.  A text lives until the next item is taken.
+    [[nodiscard]] Cell cell(std::size_t column) const override {
+        const PassCell& cell = cells_[column];
+        if (cell.kind == JMAP_CELL_MISSING) {
+            return {};
+        }
+        const Place& at = place(column);
+        if (at.converted != nullptr) {
+            return converted(at, cell);
+        }
+        if (cell.kind == JMAP_CELL_COUNT) {
+            return {Cell::COUNT, 0, {}, cell.count};
+        }
+        if (cell.kind == JMAP_KIND_NULL) {
+            return {Cell::NUL};
+        }
+        return at.numeric ? number(cell) : character(column, at, cell);
+    }
 
     // Rows completed so far.
     [[nodiscard]] uint64_t rows() const { return rowsEnded(); }
 
    private:
-    static std::string_view rawText(const PassCell& cell);
-    [[nodiscard]] Cell number(const PassCell& cell) const;
+    // A cell that may be cut: of a character column without informat.
+    struct Cuttable {
+        std::size_t column;
+        uint64_t length;
+    };
+
+    static std::string_view textOf(const PassCell& cell) {
+        return {cell.text, static_cast<std::size_t>(cell.textLen)};
+    }
+    [[nodiscard]] Cell number(const PassCell& cell) const {
+        return cell.kind == JMAP_KIND_NUMBER ? Cell{Cell::DIGITS, 0, textOf(cell)}
+                                             : numberOfText(cell);
+    }
+    [[nodiscard]] Cell character(std::size_t column, const Place& at, const PassCell& cell) const {
+        return {Cell::TEXT, 0, text(column, textOf(cell).substr(0, at.length))};
+    }
+    [[nodiscard]] Cell numberOfText(const PassCell& cell) const;
+    [[nodiscard]] Cell asDouble(const PassCell& cell) const;
+    [[nodiscard]] Cell converted(const Place& at, const PassCell& cell) const;
+    [[nodiscard]] bool cutByScan(const PassCell& cell) const {
+        return scanCuts_ && cell.textLen == kLongestCell && cell.kind == JMAP_KIND_STRING;
+    }
+    void convertAll();
+    void reportCuts();
 
     std::span<const PassCell> cells_;
+    std::vector<Cuttable> cuttable_;
+    bool scanCuts_;  // records keep only a part of some strings; which, only their length tells
+};
+
+// Where rows go: an output format, a table of a database.
+class Sink {
+   public:
+    Sink() = default;
+    virtual ~Sink() = default;
+    Sink(const Sink&) = delete;
+    Sink& operator=(const Sink&) = delete;
+
+    virtual void begin(const std::vector<Column>& columns) = 0;  // once, before the first row
+    virtual void row(const PassRow& row) = 0;
+    virtual void end() = 0;  // once, after the last row
 };
 
 }  // namespace qvej

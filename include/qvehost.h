@@ -245,6 +245,19 @@ typedef struct JSNWriterParms {
     QVStrSize descLen;
 } JSNWriterParms;
 
+/* What a parser is to know of a text that is not simply one document in bytes. */
+typedef struct JSNTextRules {
+    /* The text is JSON Lines: any number of values, each in a line of its own, and lines of white
+     * space.  The events are those of one array that holds the values; its end comes with the last
+     * buffer, until then `parse` gives QV_EOF. */
+    QVBoolean lines;
+    /* What `eventColumn` tells for a token that begins at byte `offset` (from 0) of the text, when
+     * its columns are not to be counted in bytes; null: they are.  Called within `parse`, while the
+     * buffer with that byte is parsed. */
+    int64_t (*columnOf)(void* arg, int64_t offset);
+    void* arg;
+} JSNTextRules;
+
 /* A push parser for one JSON document. */
 struct JSNParser {
     QVGeneric generic;
@@ -258,6 +271,8 @@ struct JSNParser {
     /* Within a callback: where the token begins that it is called for, in the line that `line`
      * tells (a token has no line end).  May be null. */
     int64_t (*eventColumn)(JSNParserh parser);
+    /* Before the first buffer.  The rules are copied.  May be null. */
+    void (*setRules)(JSNParserh parser, const JSNTextRules* rules);
 };
 
 #define JSN_OPEN_OBJECT 1
@@ -402,7 +417,8 @@ struct QVIOFile {
 struct QVIOE {
     QVExtension exth;
     /* Output: makes the file, or takes an existing one only if it is regular, empty, of this user
-     * and has one link; never through a symbolic link; mode 0600.  Input: a file that this instance
+     * and has one link; never through a symbolic link; mode 0600.  A name that ends with "/" is a
+     * directory, in which the file has no name and ends with the program.  Input: a file that this instance
      * wrote under that name, even when the name has been removed since; its block lengths are
      * known only to the instance. */
     QVStatus (*open)(QVIOEh io, const QVIOOpenParms* parms, QVJnlh jnl, QVIOFileh* file);

@@ -184,6 +184,18 @@ QVStatus jmapPassNext(JMAPPassh pass, JMAPPassItem* item);
 
 QVStatus jmapPassClose(JMAPPassh pass);
 
+/* What has come for a column so far; all 0: nothing takes values for it. */
+typedef struct JMAPPassColumn {
+    uint64_t values;           /* of its path */
+    uint64_t overwritten;      /* of them replaced by a later one in the same row */
+    uint64_t firstOverwritten; /* its number, from 1, among the values of the path */
+} JMAPPassColumn;
+void jmapPassColumn(JMAPPassh pass, QVStrSize table, QVStrSize column, JMAPPassColumn* info);
+
+/* After QV_EOF: the cells of the row that a table had begun and never completed; those that are
+ * fresh are in no row. */
+void jmapPassLeft(JMAPPassh pass, QVStrSize table, const JMAPPassCell** cells, QVStrSize* cellCount);
+
 /* Whether the texts that cells (not the cells) point to live until Term, because the records lie in
  * memory as they are. */
 QVBoolean jmapPassTextsStay(JMAPPassh pass);
@@ -222,6 +234,15 @@ QVStatus jmapNextPath(QVEJMAPJsonContexth inh, JMAPPathh* path);
 
 void jmapPathInfo(JMAPPathh path, JMAPPathInfo* info);
 
+/* Places of chosen values: asks a document that is scanned anew, before its first buffer, where value
+ * `number` (from 1) of a path begins.  QV_NOMEM. */
+typedef struct PATHWATCH* JMAPWatchh; /* opaque */
+QVStatus jmapWatch(QVEJMAPJsonContexth inh, const char* path, QVStrSize pathLen, int64_t number,
+                   JMAPWatchh* watch);
+
+/* Where it began, as ERRORINFO counts; 0: it has not come. */
+void jmapWatched(JMAPWatchh watch, int64_t* line, int64_t* column);
+
 /* ---- Totals -------------------------------------------------------------------------------- */
 
 typedef struct JMAPTotals {
@@ -230,9 +251,16 @@ typedef struct JMAPTotals {
     uint64_t storedBytes;  /* as kept: compressed when asked for */
     uint64_t blocks;
     uint64_t blocksOnDisk;
-    uint64_t unstoredBytes; /* of the last block when the end of the document could not store it; 0 */
+    /* What the end of a document lost without a status, for want of memory or of room in the cache
+     * file: 0, or the tables must not be taken for the document's. */
+    uint64_t unstoredBytes; /* of records in the last block */
+    uint64_t droppedTables; /* that are missing in the automatic map */
+    uint64_t lostLookups;   /* failures of hash tables: tables and columns may be there twice */
 } JMAPTotals;
 void jmapTotals(QVEJMAPJsonContexth inh, JMAPTotals* totals);
+
+/* Strings of the document that were longer than the 32767 bytes which a record keeps of them. */
+uint64_t jmapCutStrings(QVEJMAPJsonContexth inh);
 
 /* ---- Words --------------------------------------------------------------------------------- */
 

@@ -47,6 +47,8 @@
     X(QV_JSON_DEPTH, 0x85FFC910u, "the document is nested deeper than the limit")                  \
     X(QV_JSON_BOM, 0x85FFC911u, "a byte order mark is not part of JSON")                           \
     X(QV_JSON_COMMENT, 0x85FFC912u, "comments are not part of JSON")                               \
+    X(QV_JSON_LINE_REST, 0x85FFC913u, "only white space may follow the value in its line")         \
+    X(QV_JSON_LINE_END, 0x85FFC914u, "the value does not end in its line")                         \
     X(QV_IO_NOTFOUND, 0x80BFC801u, "the file does not exist")                                      \
     X(QV_IO_REFUSED, 0x80BFC802u, "the file is not an empty regular file of this user")            \
     X(QV_IO_OPEN, 0x80BFC803u, "the file could not be opened")                                     \
@@ -55,6 +57,7 @@
     X(QV_IO_READ, 0x80BFC806u, "the file could not be read")                                       \
     X(QV_IO_SHORT, 0x80BFC807u, "the file is shorter than what was written to it")                 \
     X(QV_IO_CLOSE, 0x80BFC808u, "the file could not be closed")                                    \
+    X(QV_IO_CHANGED, 0x80BFC809u, "the file no longer holds what was written to it")               \
     X(QV_FMT_NAME, 0x82FFC801u, "no format or informat of that name")                              \
     X(QV_FMT_TYPE, 0x82FFC802u, "the format or informat is not for columns of this type")          \
     X(QV_FMT_PATTERN, 0x82FFC803u, "the pattern has an unknown letter or lacks a part")            \

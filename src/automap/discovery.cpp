@@ -22,10 +22,10 @@ QVStatus doMapping(JMAP_PRIVATE* p) {
     }
     map->mtype = AUTO_MAP;
     for (PATHINFO& info : each(p->pathInfoHead)) {
-        if (!info.processed) {
-            // Kept: a table that fails is left out silently.  One observes a map without it, and
-            // perhaps a gap in the numbers behind its name.
-            (void)doDataset(p, map, &info);
+        // Kept: a table that fails is left out, which is counted and nothing else.  One observes a
+        // map without it, and perhaps a gap in the numbers behind its name.
+        if (!info.processed && doDataset(p, map, &info) != QV_OK) {
+            ++p->droppedTables;
         }
     }
     return doAlldataDsinfo(p, map);

@@ -60,6 +60,13 @@ struct JMAP_PRIVATE {
     QVTrackerh hash2;       // then: parent path -> group head; likewise
     QVTrackerh dsNameHash;  // upper-cased table name -> DSNAMELIST; likewise
 
+    PATHWATCH* watches;  // places that are asked for, latest first
+
+    // Failures without a status, and what they cost.
+    uint64_t droppedTables;  // left out of the automatic map
+    uint64_t lostLookups;    // times that a tracker could not be made or did not take an entry:
+                             // paths of one text or parts of a group may stand side by side
+
     // Nesting.
     LEVEL* lhead;            // top of the stack, null when it is empty
     LEVEL* ltail;            // bottom, kept when the stack becomes empty
@@ -81,7 +88,8 @@ struct JMAP_PRIVATE {
     char* coutBuf;      // deflate output
     QVStrSize coutBufLen;
     QVZStream z;
-    uint64_t pathCount;  // records written
+    uint64_t pathCount;   // records written
+    uint64_t cutStrings;  // values that were too long for their record
     uint64_t uncompressedPathBytes;
     uint64_t compressedPathBytes;
     uint64_t uncompTestPathCount;  // Kept: never used, 0

@@ -43,6 +43,7 @@ struct VARSTR {
 
 struct PATHINFO;
 struct PATHNODE;
+struct PATHWATCH;
 
 // One entry of the nesting stack.  Entries above the top stay linked for the next push.
 struct LEVEL {
@@ -109,6 +110,7 @@ struct PATHINFO {
     PLACE longest;            // the first value of that length
     int64_t inexact;          // numbers that a double does not keep
     PLACE firstInexact;
+    int64_t watched;  // number of the next value whose place is asked for; 0: none
     PATHKIND kinds;           // in order of appearance
 };
 
@@ -117,6 +119,7 @@ struct COMPPATHS {
     COMPPATHS* next;
     char* buf;                 // stored bytes; on disk: null until the reader loads it
     QVStrSize bufLen;          // stored bytes
+    uint64_t checksum;         // of the stored bytes, when they are on disk
     uint64_t uncompressedLen;  // bytes of records, > 0
     bool onDisk;               // the stored bytes are in the cache file
     bool compressed;           // the stored bytes are raw deflate data

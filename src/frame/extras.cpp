@@ -15,6 +15,7 @@
 #include "reader/row_loop.h"
 #include "reader/table_pass.h"
 #include "scan/path_stats.h"
+#include "scan/path_watch.h"
 #include "scan/record_format.h"
 
 #include <bit>
@@ -186,6 +187,16 @@ QVStatus jmapPassClose(JMAPPassh pass) {
     return closePass(pass);
 }
 
+void jmapPassColumn(JMAPPassh pass, QVStrSize table, QVStrSize column, JMAPPassColumn* info) {
+    passColumn(pass, table, column, info);
+}
+
+void jmapPassLeft(JMAPPassh pass, QVStrSize table, const JMAPPassCell** cells,
+                  QVStrSize* cellCount) {
+    *cells = pass->tables[table].cells;
+    *cellCount = pass->tables[table].columnCount;
+}
+
 QVBoolean jmapPassTextsStay(JMAPPassh pass) {
     return flag(pass->textsStay);
 }
@@ -228,6 +239,17 @@ void jmapPathInfo(JMAPPathh path, JMAPPathInfo* info) {
     info->inexact = {path->inexact, path->firstInexact.line, path->firstInexact.column};
 }
 
+QVStatus jmapWatch(QVEJMAPJsonContexth inh, const char* path, QVStrSize pathLen, int64_t number,
+                   JMAPWatchh* watch) {
+    *watch = watchFor(contextOf(inh), view(path, pathLen), number);
+    return *watch == nullptr ? QV_NOMEM : QV_OK;
+}
+
+void jmapWatched(JMAPWatchh watch, int64_t* line, int64_t* column) {
+    *line = watch->place.line;
+    *column = watch->place.column;
+}
+
 // ---- Totals and words ---------------------------------------------------------------------------
 
 void jmapTotals(QVEJMAPJsonContexth inh, JMAPTotals* totals) {
@@ -237,10 +259,16 @@ void jmapTotals(QVEJMAPJsonContexth inh, JMAPTotals* totals) {
     totals->recordBytes = p->uncompressedPathBytes;
     totals->storedBytes = p->compressedPathBytes;
     totals->unstoredBytes = static_cast<uint64_t>(p->cBufi);
+    totals->droppedTables = p->droppedTables;
+    totals->lostLookups = p->lostLookups;
     for (const COMPPATHS& block : each(p->chead)) {
         totals->blocks += 1;
         totals->blocksOnDisk += block.onDisk ? 1 : 0;
     }
+}
+
+uint64_t jmapCutStrings(QVEJMAPJsonContexth inh) {
+    return contextOf(inh)->cutStrings;
 }
 
 const char* jmapKindName(int32_t kind) {

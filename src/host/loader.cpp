@@ -12,6 +12,7 @@
 #include <dlfcn.h>
 #include <memory>
 #include <tuple>
+#include <type_traits>
 #include <unistd.h>
 
 namespace qvhost {
@@ -25,10 +26,10 @@ using SharedObject = std::unique_ptr<void, CloseObject>;
 
 // The loader's record of an instance, at `handle` of its header.
 struct LoadedModule {
-    LoadedModule(QVHndlp host, QVExtensionh ext, std::string_view name, SharedObject o)
-        : object(std::move(o)), entry(host, ObjectKind::MODULE, ext->generic, name) {}
+    LoadedModule(QVHndlp host, QVExtensionh ext, std::string_view name)
+        : entry(host, ObjectKind::MODULE, ext->generic, name) {}
 
-    SharedObject object;  // null for a built-in module
+    SharedObject object{};  // null for a built-in module
     HostObject entry;
 };
 
@@ -140,19 +141,24 @@ QVExtensionh Loader::load(QVHndlp host, const std::string& name, QVJnlh jnl) {
     if (ext == nullptr) {
         return nullptr;
     }
+    const auto release = [](QVExtensionh refused) {
+        if (refused->realDestroy != nullptr) {
+            (void)refused->realDestroy(refused);  // the load has failed already
+        }
+    };
+    std::unique_ptr<std::remove_pointer_t<QVExtensionh>, decltype(release)> instance(ext, release);
     if (!isInterfaceEnough(ext)) {
         note(jnl, U"module %hs not loaded: it needs a newer host", name.c_str());
-        if (ext->realDestroy != nullptr) {
-            (void)ext->realDestroy(ext);  // the load has failed already
-        }
         return nullptr;
     }
     // Listed only now, behind what the entry point has made, so that a host which stops ends the
     // module before the modules and pools that it stands on.
+    auto record = std::make_unique<LoadedModule>(host, ext, name);
+    record->object = std::move(object);
     ext->generic.destroy = &Rim<&endModule>::call;
     ext->hndl = host;
-    ext->handle = new LoadedModule(host, ext, name, std::move(object));
-    return ext;
+    ext->handle = record.release();
+    return instance.release();
 }
 
 }  // namespace qvhost

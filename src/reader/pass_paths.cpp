@@ -52,6 +52,8 @@ QVStatus addUse(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t 
     use->column = i;
     use->cell = column.type != VAR_ORDINAL;
     use->number = column.type == VAR_DOUBLE && column.informatLen == 0;
+    use->path = entry;
+    table->uses[i] = use;
     entry->numbers = entry->numbers || use->number;
     append(entry->uses, entry->usesTail, use);
     return QV_OK;
@@ -116,9 +118,10 @@ QVStatus addTable(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, bool retain,
     auto* retained = poolNew<bool>(pool, static_cast<QVStrSize>(ds.varcount));
     table->cells = poolNew<JMAPPassCell>(pool, static_cast<QVStrSize>(ds.varcount));
     table->set = poolNew<uint32_t>(pool, static_cast<QVStrSize>(ds.varcount));
+    table->uses = poolNew<PASSUSE*>(pool, static_cast<QVStrSize>(ds.varcount));
     table->ordinals = poolNew<PASSORDINAL>(pool, static_cast<QVStrSize>(countOrdinals(ds)));
     if (retained == nullptr || table->cells == nullptr || table->set == nullptr ||
-        table->ordinals == nullptr) {
+        table->uses == nullptr || table->ordinals == nullptr) {
         return QV_NOMEM;
     }
     table->retained = retained;

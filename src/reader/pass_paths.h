@@ -22,6 +22,9 @@ struct PASSUSE {
     uint32_t column;
     bool cell;    // false: the value only counts for the row (an ordinal with an informat)
     bool number;  // the column is numeric and has no informat
+    PASSPATH* path;
+    uint64_t overwritten;       // values that a later one of the same row replaced
+    uint64_t firstOverwritten;  // the first of them, counted from 1 among the values of the path
 };
 
 // A path that means something to a table.
@@ -36,6 +39,7 @@ struct PASSPATH {
     PASSPATH* above;  // on the stack of seen table paths: the one below it
     bool numbers;     // one of its columns is numeric and has no informat
     uint64_t count;   // markers so far
+    uint64_t values;  // so far
 };
 
 struct PASSPATHS {

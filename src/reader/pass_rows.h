@@ -17,6 +17,7 @@
 #include <string_view>
 
 struct PASSPATH;
+struct PASSUSE;
 
 // Own memory of a cell; used while `text` is the cell's.
 struct HELDTEXT {
@@ -36,6 +37,7 @@ struct PASSTABLE {
     uint32_t* set;          // [columnCount] columns with a fresh cell, in order of arrival
     HELDTEXT* held;         // [columnCount], or null before the first
     const bool* retained;   // [columnCount] columns that keep their value
+    PASSUSE** uses;         // [columnCount] what takes their values; null: nothing does
     PASSORDINAL* ordinals;  // [ordinalCount]
     uint32_t columnCount;
     uint32_t ordinalCount;

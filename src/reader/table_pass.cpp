@@ -110,11 +110,22 @@ bool isNoNumber(const JMAPPass* pass, std::string_view text) {
     return number.status == QV_NOTNUM && number.word == nullptr;
 }
 
-QVStatus storeValue(JMAPPass* pass, const PASSPATH& found, const RECORD& record) {
+// The column has a value of this row already: the one before the last of its path.
+void countOverwritten(PASSUSE* use) noexcept {
+    if (use->overwritten++ == 0) {
+        use->firstOverwritten = use->path->values - 1;
+    }
+}
+
+QVStatus storeValue(JMAPPass* pass, PASSPATH& found, const RECORD& record) {
     const std::string_view value = valueOf(record);
-    for (const PASSUSE* use = found.uses; use != nullptr; use = use->next) {
+    ++found.values;
+    for (PASSUSE* use = found.uses; use != nullptr; use = use->next) {
         use->table->inVariables = true;
         if (use->cell) {
+            if (use->table->cells[use->column].fresh) [[unlikely]] {
+                countOverwritten(use);
+            }
             QV_TRY(setText(pass->rows, *use->table, use->column, record.kind, value));
         }
     }
@@ -147,6 +158,9 @@ QVStatus makeAlldataRow(JMAPPass* pass, PASSTABLE* table, const RECORD& record) 
         QV_TRY(setAlldataText(pass, *table, static_cast<uint32_t>(i + 1), label));
     }
     setCountCell(*table, flagColumn, record.kind == VAL_NOVAL ? 0 : 1);
+    if (record.kind == VAL_NOVAL) {
+        return QV_OK;
+    }
     return setAlldataText(pass, *table, flagColumn + 1, valueOf(record));
 }
 
@@ -165,11 +179,11 @@ QVStatus takeValue(JMAPPass* pass, const RECORD& record) {
     if (record.kind == VAL_FAKEVARIABLE) {
         return QV_OK;
     }
-    const PASSPATH* found = findPath(&pass->paths, pathOf(record));
+    PASSPATH* found = findPath(&pass->paths, pathOf(record));
     if (found != nullptr) {
         QV_TRY(storeValue(pass, *found, record));
     }
-    return makeAlldataRows(pass, record);
+    return pass->alldata == nullptr ? QV_OK : makeAlldataRows(pass, record);
 }
 
 // Takes a marker: first the rows before it end, and when they have been handed out, it counts for
@@ -332,6 +346,14 @@ QVStatus nextItem(JMAPPass* pass, JMAPPassItem* item) {
         QV_TRY(pass->status);
     }
     return QV_OK;
+}
+
+void passColumn(const JMAPPass* pass, QVStrSize table, QVStrSize column,
+                JMAPPassColumn* info) noexcept {
+    *info = {};
+    if (const PASSUSE* use = pass->tables[table].uses[column]; use != nullptr && use->cell) {
+        *info = {use->path->values, use->overwritten, use->firstOverwritten};
+    }
 }
 
 QVStatus closePass(JMAPPass* pass) {

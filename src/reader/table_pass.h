@@ -48,6 +48,10 @@ namespace jmap {
 // The next item; see jmapPassNext.
 [[nodiscard]] QVStatus nextItem(JMAPPass* pass, JMAPPassItem* item);
 
+// See jmapPassColumn.
+void passColumn(const JMAPPass* pass, QVStrSize table, QVStrSize column,
+                JMAPPassColumn* info) noexcept;
+
 // Ends the pass, which is gone then.  A status of closing the cache file.
 QVStatus closePass(JMAPPass* pass);
 

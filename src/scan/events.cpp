@@ -248,7 +248,11 @@ QVStatus fstring(JSNParseCB* cb, const JSNChar* str, QVStrSize inlength, int32_t
         noteName(p, name);
         return newLabel(p, name);
     }
-    return gotValue(p, text, std::min(inlength, kMaxValueLen), VAL_STRING);
+    if (inlength > kMaxValueLen) [[unlikely]] {
+        ++p->cutStrings;
+        inlength = kMaxValueLen;
+    }
+    return gotValue(p, text, inlength, VAL_STRING);
 }
 
 QVStatus gotValue(JMAP_PRIVATE* p, const char* str, QVStrSize strLen, VALTYPE type) {

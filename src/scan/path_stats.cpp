@@ -10,6 +10,7 @@
 #include "core/text.h"
 #include "exact_number.h"
 #include "path_text.h"
+#include "path_watch.h"
 
 #include <algorithm>
 #include <cstring>
@@ -33,14 +34,16 @@ const KindWord& kindWord(int32_t t) {
     return t >= VAL_NOVAL && t <= VAL_FAKEVARIABLE ? kKindWords[t - VAL_NOVAL] : kUnknownKind;
 }
 
-QVTrackerh newTracker(std::u32string_view name) {
+QVTrackerh newTracker(JMAP_PRIVATE* p, std::u32string_view name) {
     QVHndlp host = qvGlobalHandle();
-    return host->createTracker(host, QV_TRACKER_HASH, 1, name.data(),
-                               static_cast<QVStrSize>(name.size()));
+    QVTrackerh tracker = host->createTracker(host, QV_TRACKER_HASH, 1, name.data(),
+                                             static_cast<QVStrSize>(name.size()));
+    p->lostLookups += tracker == nullptr ? 1 : 0;
+    return tracker;
 }
 
-// Kept: a failure of the host's tables is not reported.  One can see its effects in the map: paths
-// of the same text, or parts of a group, stand side by side.
+// Kept: a failure of the host's tables is counted, but has no status.  One can see its effects in
+// the map: paths of the same text, or parts of a group, stand side by side.
 PATHINFO* find(QVTrackerh tracker, std::string_view key) {
     if (tracker == nullptr) {
         return nullptr;
@@ -48,9 +51,9 @@ PATHINFO* find(QVTrackerh tracker, std::string_view key) {
     return static_cast<PATHINFO*>(tracker->find(tracker, key.data(), lengthOf(key)));
 }
 
-void enter(QVTrackerh tracker, std::string_view key, PATHINFO* info) {
-    if (tracker != nullptr) {
-        (void)tracker->insert(tracker, key.data(), lengthOf(key), info);
+void enter(JMAP_PRIVATE* p, QVTrackerh tracker, std::string_view key, PATHINFO* info) {
+    if (tracker != nullptr && tracker->insert(tracker, key.data(), lengthOf(key), info) != QV_OK) {
+        ++p->lostLookups;
     }
 }
 
@@ -74,10 +77,10 @@ bool canBeFound(const PATHINFO* info) {
 
 void enterByText(JMAP_PRIVATE* p, PATHINFO* info) {
     if (canBeFound(info)) {
-        enter(p->hash, pathOf(info), info);
+        enter(p, p->hash, pathOf(info), info);
     }
     if (headsItsGroup(info)) {
-        enter(p->hash2, parentOf(info), info);
+        enter(p, p->hash2, parentOf(info), info);
     }
 }
 
@@ -172,6 +175,9 @@ PATHINFO* newPathInfo(JMAP_PRIVATE* p, std::string_view path, VALTYPE type,
     info->longest = presentPlace(p);
     info->kinds = {nullptr, type, 1, info->longest};
     lookAtNumber(p, info, type, value);
+    if (p->watches != nullptr) {
+        noteWatched(p, info, info->longest);
+    }
     return info;
 }
 
@@ -229,8 +235,8 @@ void lookUpByText(JMAP_PRIVATE* p) {
         return;
     }
     p->byText = true;
-    p->hash = newTracker(U"pathinfo tracker");
-    p->hash2 = newTracker(U"pathinfo sub tracker");
+    p->hash = newTracker(p, U"pathinfo tracker");
+    p->hash2 = newTracker(p, U"pathinfo sub tracker");
     for (PATHINFO& head : each(p->pathInfoHead)) {
         for (PATHINFO& info : eachDown(&head)) {
             enterByText(p, &info);
@@ -243,6 +249,9 @@ void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, std::string_view 
     ++info->count;
     countKind(p, &info->kinds, type);
     lookAtNumber(p, info, type, value);
+    if (info->count == info->watched) [[unlikely]] {
+        noteWatched(p, info, presentPlace(p));
+    }
     if (info->type == VAR_DOUBLE && type == VAL_STRING) [[unlikely]] {
         becomeCharacter(p, info);
     }

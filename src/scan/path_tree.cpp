@@ -37,10 +37,12 @@ constexpr QVStrSize kParentBytes = sizeof(PATHNODE*);
 
 // A member's key in the hash: the address of its parent, and its name.
 void enterMember(JMAP_PRIVATE* p, PATHNODE* node) {
-    if (p->members != nullptr) {
-        const char* key = reinterpret_cast<const char*>(&node->parent);
-        // One that is not entered is made again, and its path is then listed twice.
-        (void)p->members->insert(p->members, key, kParentBytes + node->nameLen, node);
+    if (p->members == nullptr) {
+        return;
+    }
+    const char* key = reinterpret_cast<const char*>(&node->parent);
+    if (p->members->insert(p->members, key, kParentBytes + node->nameLen, node) != QV_OK) {
+        lookUpByText(p);  // it will be made again
     }
 }
 
@@ -61,6 +63,7 @@ PATHNODE* findByHash(JMAP_PRIVATE* p, std::string_view name) {
     VARSTR* key = &p->path;  // no record is being written
     key->len = 0;
     if (jmapVarstrCheck(p, key, kParentBytes + lengthOf(name)) != QV_OK) {
+        lookUpByText(p);
         return nullptr;
     }
     put(key, std::string_view(reinterpret_cast<const char*>(&p->pathAt), kParentBytes));

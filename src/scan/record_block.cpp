@@ -4,6 +4,7 @@
 // Tested by tests/scan/record_block_test.cpp
 #include "record_block.h"
 
+#include "core/hash.h"
 #include "core/list.h"
 #include "core/note.h"
 #include "core/pool.h"
@@ -130,6 +131,7 @@ QVStatus handOver(JMAP_PRIVATE* p, COMPPATHS* n) {
 QVStatus storeBlock(JMAP_PRIVATE* p, std::string_view stored, COMPPATHS* n) {
     if (p->usingTemp) {
         n->onDisk = true;
+        n->checksum = checksumOf(stored);
         QV_TRY(openCacheFile(p, QVIO_OUTPUT, &p->tfp));
         return p->tfp->write(p->tfp, stored.data(), lengthOf(stored));
     }
@@ -140,25 +142,20 @@ QVStatus storeBlock(JMAP_PRIVATE* p, std::string_view stored, COMPPATHS* n) {
     return n->buf == nullptr ? QV_NOMEM : QV_OK;
 }
 
-// Whether the file can have given back block `n`.  Records that were not deflated are copied as
-// they are: fewer bytes would leave some of the block before in the reader's buffer, more overrun
-// it.  Of deflated ones inflate itself finds out.
-bool plausibleLength(const COMPPATHS* n, QVStrSize bufLen) {
-    return n->compressed ? bufLen >= 0 && bufLen <= UINT32_MAX
-                         : bufLen == static_cast<QVStrSize>(n->uncompressedLen);
-}
-
 // Makes `n` refer to the next block of the cache file, until the next call on the file.
 QVStatus readBlock(JMAP_READPRIVATE* rp, COMPPATHS* n) {
     QV_TRY(openCacheFile(rp->p, QVIO_INPUT, &rp->rfp));
     char* buf = nullptr;
     QVStrSize bufLen = 0;
     QV_TRY(rp->rfp->read(rp->rfp, &buf, &bufLen));
-    if (!plausibleLength(n, bufLen)) {
+    // Anything but the block would be taken for records: never.
+    if (bufLen != n->bufLen) {
         return QV_IO_SHORT;
     }
+    if (checksumOf(view(buf, bufLen)) != n->checksum) {
+        return QV_IO_CHANGED;
+    }
     n->buf = buf;
-    n->bufLen = bufLen;
     return QV_OK;
 }
 

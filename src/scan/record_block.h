@@ -22,8 +22,9 @@ namespace jmap {
 // Loads block `n` into `outbuf` (at least kBlockBytes) with the inflate state and the file of `rp`.
 // Blocks on disk must be asked for in stream order, each once until `rfp` is closed; after one that
 // the file did not give all later ones give its status.
-// Returns QV_OK; QV_NOMEM (also when inflate does not finish); QV_IO_SHORT when the file gives back
-// another length than was written; a status of zlib or of the cache file.
+// Returns QV_OK; QV_NOMEM (also when inflate does not finish); QV_IO_SHORT or QV_IO_CHANGED when
+// the file gives back another length or other bytes than were written; a status of zlib or of the
+// cache file.
 [[nodiscard]] QVStatus uncompressPathBuffer(JMAP_READPRIVATE* rp, COMPPATHS* n, char* outbuf);
 
 }  // namespace jmap

@@ -1,9 +1,12 @@
 // The small helpers of the engine's core.
 #include "core/arena.h"
+#include "core/hash.h"
 #include "core/pool.h"
 #include "core/short_bytes.h"
 #include "core/text.h"
 #include "testkit/testkit.h"
+
+#include <set>
 
 namespace jmap::test {
 namespace {
@@ -52,6 +55,27 @@ TEST(ShortBytes, CopiesAndComparesJustTheText) {
             EXPECT_FALSE(equalShort(text, {other.data(), n})) << i;
         }
     }
+}
+
+TEST(Checksum, IsAnotherForAnyBitThatChangesAndForAnyLength) {
+    const std::vector<char> zeros(200, '\0');
+    std::set<uint64_t> sums;
+    for (std::size_t n = 0; n <= 100; ++n) {
+        EXPECT_TRUE(sums.insert(checksumOf({zeros.data(), n})).second) << n;
+    }
+    std::vector<char> bytes(77);  // two turns of four words, a word, a rest
+    for (std::size_t bit = 0; bit < bytes.size() * 8; ++bit) {
+        bytes[bit / 8] = static_cast<char>(1 << bit % 8);
+        EXPECT_TRUE(sums.insert(checksumOf({bytes.data(), bytes.size()})).second) << bit;
+        bytes[bit / 8] = 0;
+    }
+    bytes[0] = bytes[32] = 1;  // the same change twice, in one lane
+    EXPECT_TRUE(sums.insert(checksumOf({bytes.data(), bytes.size()})).second);
+    bytes[7] = bytes[39] = '\x80';
+    EXPECT_TRUE(sums.insert(checksumOf({bytes.data(), bytes.size()})).second);
+    std::swap(bytes[0], bytes[8]);
+    std::swap(bytes[32], bytes[40]);
+    EXPECT_TRUE(sums.insert(checksumOf({bytes.data(), bytes.size()})).second) << "order counts";
 }
 
 static_assert(firstOf("abc", 2) == "ab" && firstOf("abc", 4) == "abc");

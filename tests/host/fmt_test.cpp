@@ -80,6 +80,7 @@ TEST_F(Fmt, InformatsReadAWholeValueOrRefuseIt) {
         {"%a, %e %B %Y", 0, 0, "Thu,  5  MARCH 1970=63|sunday, 1 mar 1970=59",
          "Fri, 1 mar 1970|Sun,1 mar 1970|Sun, 1 Marc 1970", ""},
         {"%Y%j", 0, 0, "2024366=20088", "2023366|2023000", ""},
+        {"%n%F ", 0, 0, "2024-02-29=19782", "2024-02-30", ""},
         {"%G-W%V-%u", 0, 0, "2020-W53-7=18630", "2021-W53-1|2020-W01-0", ""},
         {"%m%% %d. März %m %Y", 0, 0, "3% 1. März 3 1970=59", "2% 1. März 3 1970", ""},
         {"%I:%M %p", 0, 0, "12:05 am=300|12:05 PM=43500", "13:00 pm|0:00 am", ""},
@@ -189,8 +190,8 @@ TEST_F(Fmt, UnusableOnesAreRefusedWhenTheyAreOpened) {
         {"datetime|%F", true, 0, 7, QV_FMT_WIDTH, QV_FMT_WIDTH},
         {"number", true, 0, 100, QV_FMT_WIDTH, QV_FMT_WIDTH},
         {"%|%%|%Y-%m-%|%Q|%Ey-%m-%d|%3Y-%m-%d", true, 0, 0, QV_FMT_PATTERN, QV_FMT_PATTERN},
-        {"%Y-%m|%F %U|%I:%M|%p:%H|%m %H:%M|%R %z|%F %H %S|%F %V", true, 0, 0, QV_FMT_PATTERN,
-         QV_OK}};
+        {"%Y-%m|%F %U|%I:%M|%p:%H|%m %H:%M|%R %z|%F %H %S|%F %V|%Y/%j.%b|%Y %j %d", true, 0, 0,
+         QV_FMT_PATTERN, QV_OK}};
     for (const auto& c : cases) {
         for (const std::string& name : split(c.names)) {
             (void)informat(name, c.width, c.decimals, c.numeric);

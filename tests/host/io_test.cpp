@@ -147,9 +147,9 @@ constexpr auto kFaulty = [](auto... args) {
     return next < 0 ? decltype(made){-1} : made;
 };
 constexpr Syscalls kFaultyCalls = {
-    kFaulty<&S::open>,  kFaulty<&S::fstat>,     kFaulty<&S::fchmod>,
-    kFaulty<&S::flock>, kFaulty<&S::pwrite>,    kFaulty<&S::pread>,
-    &::ftruncate,       kFaulty<&S::duplicate>, kFaulty<&S::close, true>};
+    kFaulty<&S::open>,      kFaulty<&S::fstat>,      kFaulty<&S::fchmod>, kFaulty<&S::flock>,
+    kFaulty<&S::pwrite>,    kFaulty<&S::pread>,      &::ftruncate,        kFaulty<&S::unlink>,
+    kFaulty<&S::duplicate>, kFaulty<&S::close, true>};
 
 TEST_F(IoTest, FailingSystemCallsBecomeStatusesAndInterruptedOnesAreRepeated) {
     ASSERT_QV_OK(qvPortableRegister(host.handle, "qvioe",
@@ -203,6 +203,41 @@ TEST_F(IoTest, FailingSystemCallsBecomeStatusesAndInterruptedOnesAreRepeated) {
         EXPECT_TRUE(c.planned.empty()) << "a planned failure was not asked for";
         EXPECT_QV_OK(destroy(io));
         EXPECT_EQ(openDescriptors(), before);
+    }
+}
+
+TEST_F(IoTest, ADirectoryAsNameGivesAFileWithoutOne) {
+    ASSERT_QV_OK(qvPortableRegister(host.handle, "qvioe",
+                                    [](QVHndlp, QVJnlh) { return createIo(kFaultyCalls); }));
+    const struct {
+        const char* name;
+        std::vector<int> opens, unlinks;
+        QVStatus status;
+    } cases[] = {
+        {"nameless", {-EINTR}, {}, QV_OK},
+        {"the file system has none", {-EOPNOTSUPP}, {}, QV_OK},
+        {"nor has the system", {-EISDIR, -EINTR}, {}, QV_OK},
+        {"no room", {-ENOSPC}, {}, QV_IO_FULL},
+        {"no room for a name", {-EINVAL, -EDQUOT}, {}, QV_IO_FULL},
+        {"not ours to write to", {-EACCES}, {}, QV_IO_OPEN},
+        {"the name stays", {-EOPNOTSUPP}, {-EACCES}, QV_IO_OPEN},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        io = host.load<QVIOE>(U"qvioe");
+        answers<& S::open> = c.opens;
+        answers<& S::unlink> = c.unlinks;
+        if (QVIOFileh const out = output("", c.status)) {
+            QVIOEh const other = std::exchange(io, host.load<QVIOE>(U"qvioe"));
+            QVIOFileh const another = output("");
+            EXPECT_TRUE(write(out, "mine") == QV_OK && write(another, "yours") == QV_OK);
+            EXPECT_TRUE(destroy(out) == QV_OK && destroy(another) == QV_OK);
+            EXPECT_EQ(read(input("")), "yours");
+            io = other;
+            EXPECT_EQ(read(input("")), "mine");
+            EXPECT_TRUE(fs::is_empty(folder.path));
+        }
+        EXPECT_TRUE(answers<&S::open>.empty() && answers<&S::unlink>.empty());
     }
 }
 

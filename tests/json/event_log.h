@@ -19,8 +19,11 @@ inline std::string quoted(const std::string& text) {
     std::string out = "\"";
     for (const char c : text) {
         constexpr std::string_view kHex = "0123456789ABCDEF";
-        const std::string hex = {'<', kHex[(c >> 4) & 15], kHex[c & 15], '>'};
-        out += c >= 0x20 && c < 0x7F && c != '<' ? std::string(1, c) : hex;
+        if (c >= 0x20 && c < 0x7F && c != '<') {
+            out += c;
+        } else {
+            out += {'<', kHex[(c >> 4) & 15], kHex[c & 15], '>'};
+        }
     }
     return out + "\" ";
 }
@@ -31,6 +34,7 @@ struct ParseOptions {
     QVCEI encoding = U_UTF8_CE;
     uint64_t failAt = 0;  // the event, from 1, whose callback gives failStatus
     QVStatus failStatus = QV_OK;
+    bool lines = false;
 };
 
 // Callbacks that write the events down.
@@ -83,6 +87,8 @@ class LoggedParser {
         parms.callbacks = &log.cb;
         const qvhost::ParserSettings settings = {options.maxDepth, options.kernel};
         log.parser = parser_ = new qvhost::Parser(nullptr, parms, settings);
+        const JSNTextRules rules = {QVBoolean{options.lines}, nullptr, nullptr};
+        parser_->setRules(parser_, &rules);
     }
     ~LoggedParser() { (void)parser_->generic.destroy(&parser_->generic); }
     LoggedParser(const LoggedParser&) = delete;

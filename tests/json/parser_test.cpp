@@ -197,6 +197,72 @@ TEST(Parser, AnswersBufferByBuffer) {
     }
 }
 
+TEST(Parser, TakesLinesAsTheElementsOfOneArray) {
+    constexpr Document kLines[] = {
+        {"nothing", "", "QV_OK 1:1 [ ] "},
+        {"blank lines", " \n\r\n\t", "QV_OK 3:2 [ ] "},
+        {"values of every kind", "{\"a\": [1]}\n12\n[ ]\n\"x\"\nnull\n-1",
+         R"(QV_OK 6:3 [ { name "a" [ int 1 ] } int 12 [ ] "x" null int -1 ] )"},
+        {"blank lines and white space around", "\n 1 \r\n\n\n\t[2]\t\n\n",
+         "QV_OK 7:1 [ int 1 [ int 2 ] ] "},
+        {"two values in a line", "[1]\n[2] [3]", "QV_JSON_LINE_REST 2:5 [ [ int 1 ] [ int 2 ] "},
+        {"comma behind a value", "1,\n2", "QV_JSON_LINE_REST 1:2 [ int 1 "},
+        {"bracket behind a value", "{}]", "QV_JSON_LINE_REST 1:3 [ { } "},
+        {"bracket alone", "1\n]", "QV_JSON_VALUE 2:1 [ int 1 "},
+        {"member over the line end", "{\"a\":\n1}", "QV_JSON_LINE_END 1:6 [ { name \"a\" "},
+        {"name over it", "{\"a\"\n:1}", "QV_JSON_LINE_END 1:5 [ { name \"a\" "},
+        {"object over it", "{ \n", "QV_JSON_LINE_END 1:3 [ { "},
+        {"array over it", "1\n[2\n,3]", "QV_JSON_LINE_END 2:3 [ int 1 [ int 2 "},
+        {"element over it", "[1,\r\n2]", "QV_JSON_LINE_END 1:5 [ [ int 1 "},
+        {"string over it", "[\"x\n\"]", "QV_JSON_CONTROL 1:4 [ [ "},
+        {"text ends in a value", "1\n[2", "QV_EOF 2:3 [ int 1 [ "},
+        {"text ends in a word", "nul", "QV_EOF 1:4 [ "},
+        {"byte order mark", "\xEF\xBB\xBF{}", "QV_JSON_BOM 1:1 [ "},
+    };
+    for (const Document& d : kLines) {
+        SCOPED_TRACE(d.name);
+        EXPECT_EQ(d.result, parseEveryWay(d.text, {.lines = true}));
+    }
+    // Until the text ends, more lines may follow; when it has ended, none.
+    LoggedParser parser({.lines = true});
+    EXPECT_EQ(QV_EOF, parser.feed("1\n"));
+    EXPECT_EQ(QV_OK, parser.feed("2", true));
+    EXPECT_EQ(QV_OK, parser.feed("3", true));
+    EXPECT_EQ("QV_OK 2:2 [ int 1 int 2 ] ", parser.result());
+    // As a callback ends a parse anywhere, so in the array around.
+    EXPECT_EQ("QV_TRUNCATED 1:1 [ ",
+              parseEveryWay("", {.failAt = 1, .failStatus = QV_TRUNCATED, .lines = true}));
+    EXPECT_EQ("QV_TRUNCATED 1:1 [ ",
+              parseEveryWay("1", {.failAt = 1, .failStatus = QV_TRUNCATED, .lines = true}));
+}
+
+// Who converts a text says in which columns its tokens begin, and is asked while he has the buffer.
+TEST(Parser, AsksForColumnsByOffset) {
+    constexpr std::string_view kText = "[12,\n \"a\\n\",[true]]";
+    struct Buffer {
+        int64_t begin, end;
+        bool asked = true;  // for nothing else
+    };
+    for (std::size_t cut = 0; cut <= kText.size(); ++cut) {
+        LoggedParser parser;
+        Buffer buffer = {0, static_cast<int64_t>(cut)};
+        const JSNTextRules rules = {.lines = 0,
+                                    .columnOf =
+                                        [](void* arg, int64_t offset) {
+                                            auto& b = *static_cast<Buffer*>(arg);
+                                            b.asked &= offset >= b.begin && offset < b.end;
+                                            return offset * 10;
+                                        },
+                                    .arg = &buffer};
+        parser.log.parser->setRules(parser.log.parser, &rules);
+        (void)parser.feed(kText.substr(0, cut));
+        buffer = {buffer.end, kText.size(), buffer.asked};
+        ASSERT_EQ(QV_OK, parser.feed(kText.substr(cut), true));
+        EXPECT_EQ("1:0 1:10 2:60 2:120 2:130 2:170 2:180 ", parser.log.places) << cut;
+        EXPECT_TRUE(buffer.asked) << cut;
+    }
+}
+
 TEST(Parser, LimitsTheDepthOnlyWhenAsked) {
     const ParseOptions three = {.maxDepth = 3};
     EXPECT_EQ("QV_OK 1:15 [ [ ] { name \"a\" [ ] } ] ", parseEveryWay(R"([[],{"a":[]} ])", three));

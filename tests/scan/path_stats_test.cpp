@@ -83,6 +83,7 @@ TEST(PathStats, GoesOnWithoutATracker) {
         ASSERT_QV_OK(
             doc.document.feed(R"({"x\u0002y":{"p":1,"q":1},"x":{"y":{"q":2,"r":3}}})", false));
         EXPECT_EQ(kWithout[failing], statsLines(&doc.doc));
+        EXPECT_EQ(failing == 0 ? 0 : 1, doc.p.lostLookups);
     }
 }
 

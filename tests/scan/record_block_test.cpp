@@ -155,9 +155,11 @@ TEST(RecordBlock, LoadsWithTheseAnswersAndAFileThatFailedOnceGivesNoLaterBlock) 
         {"refused", false, true, [] { fakes.open = QV_IO_REFUSED; }, QV_IO_REFUSED, 0},
         {"a byte less", false, true, [] { fakes.readLen = 99; }, QV_IO_SHORT, 0},
         {"a byte more", false, true, [] { fakes.readLen = 101; }, QV_IO_SHORT, 0},
+        {"another byte", false, true, [] { fakes.written[99] = 'b'; }, QV_IO_CHANGED, 0},
         {"a read that fails", false, true, [] { fakes.read = QV_IO_READ; }, QV_IO_READ, 0},
         {"less than none", true, true, [] { fakes.readLen = -1; }, QV_IO_SHORT, 1},
-        {"inflate finds out", true, true, [] { fakes.stream = 0; }, QV_NOMEM, 2},
+        {"another byte, deflated", true, true, [] { fakes.written[0] ^= 1; }, QV_IO_CHANGED, 1},
+        {"inflate finds out", true, false, [] { fakes.stream = 0; }, QV_NOMEM, 2},
         {"the start is not looked at", true, false, [] { fakes.init = -2; }, QV_OK, 2},
         {"the end is", true, false, [] { fakes.end = -3; }, -3, 2},
     };
@@ -165,13 +167,14 @@ TEST(RecordBlock, LoadsWithTheseAnswersAndAFileThatFailedOnceGivesNoLaterBlock) 
         SCOPED_TRACE(c.name);
         OpenBlock open(c.compress, c.spill);
         ASSERT_QV_OK(open.close());
+        fakes.readLen = lengthOf(fakes.written);
         c.arrange();
         EXPECT_EQ(c.status, open.load());
         EXPECT_EQ(c.ends, fakes.ends);
         EXPECT_EQ(std::string(200, '.'), open.out.substr(0, 200));
         EXPECT_TRUE(c.ends < 2 || fakes.settings == std::vector<int>{-15}) << "raw";
         fakes.open = fakes.read = QV_OK;
-        fakes.readLen = 100;
+        fakes.readLen = c.compress ? 7 : 100;
         EXPECT_TRUE(c.ends == 2 || open.load() == c.status) << "of the file, it stays";
     }
 }

@@ -104,6 +104,11 @@ QVExtensionh FakeHost::load(QVHndlp host, const QVChar* name, QVStrSize nameLen,
     FakeHost* self = of(host);
     const std::string label = narrow(name, nameLen);
     self->calls.push_back("load " + label);
+    ++self->loads_;
+    if (self->loads_ == self->failingLoad_ ||
+        (self->failingLoads_ && self->loads_ > self->failingLoad_)) {
+        return nullptr;
+    }
     const auto found = self->substitutes_.find(label);
     const std::string& source = found == self->substitutes_.end() ? label : found->second;
     const std::u32string real(source.begin(), source.end());
@@ -126,6 +131,11 @@ void FakeHost::substitute(const std::string& name, QVEntry entry) {
 
 void FakeHost::failAllocation(uint64_t n, bool always) {
     qvPortableFailAllocation(real_, n, always ? 1 : 0);
+}
+
+void FakeHost::failLoad(uint64_t n, bool always) {
+    failingLoad_ = n == 0 ? 0 : loads_ + n;
+    failingLoads_ = n != 0 && always;
 }
 
 uint64_t FakeHost::requests() {

@@ -59,6 +59,10 @@ class FakeHost {
     void setAvailable(std::optional<uint64_t> bytes) { available_ = bytes; }
     // The n-th allocation, reallocation, pool or tracker creation from now on fails; 0: none.
     void failAllocation(uint64_t n, bool always = false);
+    // The n-th load of a module from now on gives null; 0: none.
+    void failLoad(uint64_t n, bool always = false);
+    // Loads asked for so far.
+    [[nodiscard]] uint64_t loads() const { return loads_; }
     // Allocations and reallocations, pools and trackers that succeeded so far: of a run that asks
     // for as many as this grew, each of the first to the last can be made to fail.
     uint64_t requests();
@@ -85,6 +89,9 @@ class FakeHost {
     std::optional<uint64_t> available_;
     std::map<std::string, std::string> substitutes_;  // name -> registered name; "": missing
     uint64_t created_ = 0;                            // pools and trackers
+    uint64_t loads_ = 0;
+    uint64_t failingLoad_ = 0;  // counted as `loads_`; 0: none
+    bool failingLoads_ = false;  // and all that follow
 };
 
 struct ScanOptions {

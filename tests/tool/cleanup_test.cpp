@@ -1,4 +1,4 @@
-// The cache file has a name only for moments, too short to hit from outside with a signal.
+// What is named is removed, whenever the signal comes: a folder made in a folder, two outputs.
 #include "tools/cli/cleanup.h"
 
 #include "tests/tool/workplace.h"
@@ -13,20 +13,20 @@ namespace {
 TEST(ToolCleanup, ASignalRemovesWhatIsNamed) {
     const Workplace place;
     ASSERT_EQ(place
-                  .run("mkdir -p made/twice; touch cache; for i in $(seq 0 12); do : > p-$i; done; "
-                       ": > q-0")
+                  .run("mkdir -p made/twice staged; for i in $(seq 0 12); do : > p-$i; done; "
+                       ": > staged/x.csv; : > staged/longer.csv")
                   .exitCode,
               0);
+    const std::vector<std::string> names = {"longer.csv", "x.csv", "not made"};
     EXPECT_EXIT(
         {
             cleanup::install();
-            cleanup::setCacheFile(place.path() + "/cache");
             cleanup::Output first;
             cleanup::Output second;
-            first.set(place.path() + "/p-", place.path() + "/made/twice", 2);
+            first.set(place.path() + "/p-", nullptr, place.path() + "/made/twice", 2);
             first.setCount(12);
-            second.set(place.path() + "/q-", place.path(), 0);
-            second.setCount(1);
+            second.set(place.path() + "/staged/", &names, place.path(), 0);
+            second.setCount(names.size());
             (void)::raise(SIGTERM);
         },
         testing::KilledBySignal(SIGTERM), "");

@@ -2,6 +2,7 @@
 #include "client/cursor.h"
 #include "client/error.h"
 #include "client/text.h"
+#include "qvportable.h"
 #include "tests/tool/workplace.h"
 
 #include <gtest/gtest.h>
@@ -46,6 +47,52 @@ TEST(Client, GivesTablesColumnsAndPaths) {
     EXPECT_EQ(paths, "/root/o/id 2 4\n/root/o/who/name 2 4\n");
     EXPECT_EQ(document.find("O_WHO"), &document.tables()[1]);
     EXPECT_EQ(document.find("ALLDATA"), &document.alldata());
+}
+
+// Tables, columns and counts of a document, or why there are none.
+std::string shapeOf(qvej::Engine& engine, const std::string& text, uint64_t failing) {
+    std::string shape;
+    try {
+        qvej::Document document(engine);
+        qvPortableFailAllocation(engine.host(), failing, 0);
+        document.feed(text);
+        document.finish();
+        qvPortableFailAllocation(engine.host(), 0, 0);
+        for (const qvej::Table& table : document.tables()) {
+            shape += table.name + ":";
+            for (const qvej::Column& column : table.columns) {
+                shape += " " + column.name;
+            }
+            shape += "\n";
+        }
+    } catch (const qvej::Error& error) {
+        shape = error.what();
+    }
+    qvPortableFailAllocation(engine.host(), 0, 0);
+    return shape;
+}
+
+// Each request for memory fails in turn: what is missing has been told.
+TEST(Client, ADocumentThatFinishesIsWhole) {
+    std::string text = R"({"x\u0002y":{"p":1,"q":1},"x":{"y":{"q":2,"r":[{"s":3}]}},"wide":{)";
+    for (int i = 0; i < 40; ++i) {
+        text += (i == 0 ? "\"c" : ",\"c") + std::to_string(i) + "\":" + std::to_string(i);
+    }
+    text += R"(},"rows":[{"c1":1,"sub":{"v":true}},{"c2":"x"}]})";
+    qvej::Engine engine;
+    const std::string whole = shapeOf(engine, text, 0);
+    std::map<std::string, int> failures;
+    uint64_t failing = 1;
+    for (int wholeInTurn = 0; wholeInTurn < 40; ++failing) {  // none is left to fail
+        const std::string shape = shapeOf(engine, text, failing);
+        wholeInTurn = shape == whole ? wholeInTurn + 1 : 0;
+        failures[shape] += 1;
+    }
+    EXPECT_GT(failures[whole], 40);
+    EXPECT_GT(failures["memory could not be obtained"], 10);
+    EXPECT_GT(failures["memory ran out while the map was made: 1 table is missing"], 3);
+    EXPECT_GT(failures["memory ran out while paths were looked up"], 1);
+    EXPECT_EQ(failures.size(), 5U) << "besides: some number of tables is missing";
 }
 
 TEST(Client, CursorsStandBesideEachOtherEndAndRewind) {

@@ -107,10 +107,10 @@ TEST_P(ToolGolden, PrintsWhatTheFileSays) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, ToolGolden,
-                         testing::Values("check", "convert", "encodings", "events", "interrupt",
-                                         "map", "map_check", "map_explain", "map_diff", "map_merge",
-                                         "map_use", "read", "records", "spill", "tables",
-                                         "terminal", "usage"),
+                         testing::Values("account", "check", "convert", "damage", "encodings",
+                                         "events", "input", "interrupt", "map", "map_check",
+                                         "map_explain", "map_diff", "map_merge", "map_use", "read",
+                                         "records", "spill", "tables", "terminal", "usage"),
                          [](const auto& file) { return file.param; });
 
 }  // namespace

@@ -33,5 +33,30 @@ TEST(OutputFiles, ReplacesEveryFileOrNone) {
     }
 }
 
+// A directory that was missing appears at once, or with what somebody else put into it meanwhile.
+TEST(OutputFiles, AppearWithTheirDirectory) {
+    for (const std::string meanwhile : {"", "other", "b"}) {
+        SCOPED_TRACE(meanwhile);
+        const Workplace place;
+        {
+            OutputFiles files(place.path() + "/made/out", true, {"a", "b"}, false);
+            files.write(0, "fresh\n", 6);
+            EXPECT_EQ(place.run("ls -A made/out").out, "");
+            if (!meanwhile.empty()) {
+                (void)place.run("echo old > made/out/" + meanwhile);
+            }
+            if (meanwhile == "b") {
+                EXPECT_THROW(files.commit(), Failure);
+            } else {
+                files.commit();
+            }
+        }
+        EXPECT_EQ(place.run("cd made; ls -A . out").out,
+                  ".:\nout\n\nout:\n" + std::string(meanwhile == "b"  ? "b\n"
+                                                    : meanwhile == "" ? "a\nb\n"
+                                                                      : "a\nb\nother\n"));
+    }
+}
+
 }  // namespace
 }  // namespace jmap::test

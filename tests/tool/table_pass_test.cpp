@@ -7,15 +7,35 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 namespace {
 
 using qvej::Cell;
 using Lines = std::vector<std::string>;
 
+// What a Cursor has for a cell of a pass: numbers as doubles, no blanks at the end, null as
+// nothing.
+Cell asCursor(const Cell& cell, bool numeric) {
+    switch (cell.kind) {
+        case Cell::COUNT:
+            return {Cell::NUMBER, static_cast<double>(cell.count)};
+        case Cell::DIGITS:
+            return {Cell::NUMBER, std::strtod(std::string(cell.text).c_str(), nullptr)};
+        case Cell::TEXT:
+            return {Cell::TEXT, 0, qvej::withoutPadding(cell.text, false)};
+        case Cell::NUMBER:
+            return cell;
+        default:
+            return {numeric ? Cell::MISSING : Cell::TEXT};
+    }
+}
+
 std::string shown(const qvej::Row& row) {
     std::string line;
     for (std::size_t i = 0; i < row.columns().size(); ++i) {
-        const Cell cell = row.cell(i);
+        const bool numeric = row.columns()[i].type != qvej::ColumnType::CHARACTER;
+        const Cell cell = asCursor(row.cell(i), numeric);
         line += "|" + std::to_string(cell.kind) + ":" + std::string(cell.text);
         line += cell.kind == Cell::NUMBER ? std::to_string(cell.number) : "";
     }
@@ -24,9 +44,11 @@ std::string shown(const qvej::Row& row) {
 
 qvej::RejectHandler into(Lines& lines) {
     return [&lines](const qvej::Row& row, const qvej::Rejected& r) {
-        lines.push_back(std::to_string(r.row) + " " + row.columns()[r.column].name + " " +
-                        std::string(r.text) + " " + std::string(r.reason) + " " +
-                        std::to_string(row.cell(0).number));
+        if (!r.cut) {  // a Cursor does not see what is cut
+            lines.push_back(std::to_string(r.row) + " " + row.columns()[r.column].name + " " +
+                            std::string(r.text) + " " + std::string(r.reason) + " " +
+                            std::to_string(asCursor(row.cell(0), true).number));
+        }
     };
 }
 
@@ -96,6 +118,79 @@ TEST(TablePass, GivesTheCellsAndRejectsOfCursors) {
                 }
             }
         }
+    }
+}
+
+// The cells of the first row of a table, "~" for null and "-" for nothing, and what was rejected.
+std::string firstRow(const std::string& text, const std::string& columns) {
+    qvej::Engine engine;
+    qvej::Document document(engine);
+    document.feed(text);
+    document.finish();
+    document.useMap(R"({"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root","VARIABLES":[)" + columns +
+                    "]}]}");
+    const qvej::Table& table = document.tables()[0];
+    std::string rejected;
+    qvej::PassRow row(document, table, [&](const qvej::Row&, const qvej::Rejected& r) {
+        rejected += " (" + std::string(r.text) + ": " + std::string(r.reason) + ")";
+    });
+    qvej::TablePass pass(document, {&table});
+    qvej::PassItem item = {};
+    while (pass.next(item) && !row.take(item)) {
+    }
+    std::string line;
+    for (std::size_t i = 0; i < table.columns.size(); ++i) {
+        const Cell cell = row.cell(i);
+        line += cell.kind == Cell::MISSING  ? "|-"
+                : cell.kind == Cell::NUL    ? "|~"
+                : cell.kind == Cell::NUMBER ? "|" + std::to_string(cell.number)
+                                            : "|" + std::string(cell.text);
+    }
+    return line + rejected;
+}
+
+TEST(PassRow, LosesNothingUnseen) {
+    const std::string n = R"({"NAME":"a","TYPE":"NUMERIC","PATH":"/root/a"})";
+    const std::string s = R"({"NAME":"a","TYPE":"CHARACTER","PATH":"/root/a"})";
+    const std::string two = R"({"NAME":"a","TYPE":"CHARACTER","PATH":"/root/a","LENGTH":2)";
+    const std::string upper = two + R"(,"INFORMAT":["upper"]})";
+    const struct {
+        std::string columns;
+        const char* value;  // of "a"
+        const char* row;
+    } cases[] = {
+        {n, R"("a":1.10)", "|1.10"},
+        {n, R"("a":-0e+00)", "|-0e+00"},
+        {n, R"("a":"12345678901234567890")", "|12345678901234567890"},
+        {n, R"("a":"1e400")", "|1e400"},
+        {n, R"("a":"1 ")", "|~ (1 : not a number)"},
+        {n, R"("a":true)", "|1.000000"},
+        {n, R"("a":"false")", "|0.000000"},
+        {n, R"("a":"null")", "|~"},
+        {n, R"("a":null)", "|~"},
+        {n, R"("b":1)", "|-"},
+        {s, R"("a":" x ")", "| x "},
+        {s, R"("a":"")", "|"},
+        {s, R"("a":null)", "|~"},
+        {s, R"("a":1.10)", "|1.10"},
+        {s, R"("b":1)", "|-"},
+        {two + "}", R"("a":"xy")", "|xy"},
+        {two + "}", R"("a":"xyz")", "|xy (xyz: cut to 2 bytes)"},
+        {two + "}", R"("a":"xé")", "|x (xé: cut to 2 bytes)"},
+        {two + "}", R"("a":"x  ")", "|x  (x  : cut to 2 bytes)"},
+        {two + "}", R"("a":null)", "|~"},
+        {upper, R"("a":"xy ")", "|XY (xy : cut to 2 bytes)"},
+        {upper, R"("a":"x ")", "|X "},
+        {upper, R"("a":null)", "|~"},
+        {upper, R"("b":"x")", "|-"},
+    };
+    for (const auto& c : cases) {
+        // "w" makes a row of an object without "a".
+        const std::string columns =
+            R"({"NAME":"w","TYPE":"NUMERIC","PATH":"/root/w"},)" + c.columns;
+        EXPECT_EQ(firstRow("[{" + std::string(c.value) + R"(,"w":5}])", columns),
+                  std::string("|5") + c.row)
+            << c.columns << c.value;
     }
 }
 

@@ -98,7 +98,7 @@ std::string excerptOf(std::string_view text, Place place, std::size_t pieceSize)
         trail.passed();
     }
     trail.take(text);
-    return trail.excerpt(place, [](std::string_view part) { return std::string(part); });
+    return trail.excerpt(place);
 }
 
 TEST(ToolText, ExcerptsShowThePlaceHoweverTheTextCame) {

@@ -3,6 +3,7 @@
 
 #include "tools/cli/failure.h"
 
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <cstring>
@@ -15,11 +16,11 @@ constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGX
 constexpr std::size_t kDigits = 20;
 
 // Changed only while the signals are held back, so the handler never sees them half-written.
-char cacheFile[PATH_MAX];
 struct Slot {
     bool taken;
-    char prefix[PATH_MAX + kDigits + 1];
+    char prefix[PATH_MAX + NAME_MAX + 1];  // a path longer than that names no file
     std::size_t prefixLen;
+    const std::string* names;  // null: numbers
     std::size_t count;
     char directory[PATH_MAX];
     std::size_t directories;
@@ -42,8 +43,18 @@ void putDecimal(char* at, std::size_t number) {
 
 void removeOutput(Slot& slot) {
     for (std::size_t i = 0; i < slot.count; ++i) {
-        putDecimal(slot.prefix + slot.prefixLen, i);
+        char* const name = slot.prefix + slot.prefixLen;
+        if (slot.names == nullptr) {
+            putDecimal(name, i);
+        } else {
+            std::memcpy(name, slot.names[i].c_str(),
+                        std::min<std::size_t>(slot.names[i].size() + 1, NAME_MAX));
+        }
         (void)::unlink(slot.prefix);
+    }
+    if (slot.names != nullptr) {
+        slot.prefix[slot.prefixLen] = '\0';
+        (void)::rmdir(slot.prefix);
     }
     for (std::size_t i = 0; i < slot.directories && ::rmdir(slot.directory) == 0; ++i) {
         char* slash = std::strrchr(slot.directory, '/');
@@ -55,9 +66,6 @@ void removeOutput(Slot& slot) {
 }
 
 void removeAll() {
-    if (cacheFile[0] != '\0') {
-        (void)::unlink(cacheFile);
-    }
     for (Slot& slot : slots) {
         removeOutput(slot);
     }
@@ -99,11 +107,6 @@ void install() {
     }
 }
 
-void setCacheFile(const std::string& path) {
-    const Hold hold;
-    copyPath(cacheFile, sizeof cacheFile, path);
-}
-
 Output::Output() : slot_(slots[0].taken ? 1 : 0) {
     const Hold hold;
     slots[slot_] = {};
@@ -115,13 +118,15 @@ Output::~Output() {
     slots[slot_] = {};
 }
 
-void Output::set(const std::string& prefix, const std::string& directory, std::size_t directories) {
+void Output::set(const std::string& prefix, const std::vector<std::string>* names,
+                 const std::string& directory, std::size_t directories) {
     const Hold hold;
     Slot& slot = slots[slot_];
     copyPath(slot.directory, sizeof slot.directory, directory);
     slot.directories = directories;
     copyPath(slot.prefix, PATH_MAX, prefix);
     slot.prefixLen = prefix.size();
+    slot.names = names == nullptr ? nullptr : names->data();
     slot.count = 0;
 }
 

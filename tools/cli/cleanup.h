@@ -1,4 +1,4 @@
-// What must not stay behind when a signal ends the tool: the cache file and unfinished output.
+// What must not stay behind when a signal ends the tool: unfinished output.
 //
 // The handlers remove what is named here, with nothing but async-signal-safe calls on names that
 // were laid down beforehand, and then let the signal do what it does by default.
@@ -9,17 +9,16 @@
 #include <csignal>
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace cleanup {
 
 // Installs the handlers, except for signals that are ignored (nohup).
 void install();
 
-// The cache file; empty: none any more.
-void setCacheFile(const std::string& path);
-
-// Unfinished output: the files PREFIX0, PREFIX1, ... up to a count, and directories that were made
-// for them.  While the object lives; two may at a time.
+// Unfinished output: the files PREFIX0, PREFIX1, ... up to a count, or the files of given names in
+// the directory PREFIX, which goes too; and directories that were made for them.  While the object
+// lives; two may at a time.
 class Output {
    public:
     Output();
@@ -27,9 +26,11 @@ class Output {
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
 
-    // `directories`: how many of the last components of `directory` were made.  Throws a Failure
-    // for a path that is too long.
-    void set(const std::string& prefix, const std::string& directory, std::size_t directories);
+    // `names`: of the files in `prefix`, which then ends with "/"; they stay as they are while this
+    // object lives.  Null: the files are numbered.  `directories`: how many of the last components
+    // of `directory` were made.  Throws a Failure for a path that is too long.
+    void set(const std::string& prefix, const std::vector<std::string>* names,
+             const std::string& directory, std::size_t directories);
     void setCount(std::size_t count);
 
    private:

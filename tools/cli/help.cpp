@@ -22,9 +22,9 @@ constexpr std::string_view kUsage =
     "Verbs:\n";
 
 constexpr std::string_view kNotes =
-    R"(FILE may be "-" for standard input.  SIZE is a number of bytes, or of 1024 bytes and its
-powers with K, M, G or T.  Options work in any position.  A file that is named like a verb is
-written ./map.
+    R"(FILE may be "-" for standard input, and may be compressed with gzip or zstd.  SIZE is a number of
+bytes, or of 1024 bytes and its powers with K, M, G or T.  Options work in any position.  A file
+that is named like a verb is written ./map.
 
 Exit codes: 0 done, 1 done but some values were rejected (map check, map diff: not the same),
 2 wrong usage, 3 not valid JSON, 4 no such table or trouble with the map, 5 trouble with a file,

@@ -112,5 +112,5 @@ void MapFile::fail(const qvej::Engine& engine, const qvej::MapError& error) cons
     throw Failure(NO_TABLE,
                   name_ + ":" + std::to_string(place.line) + ":" + std::to_string(place.column) +
                       ": " + describe(engine, error) + engineCode(error.status()),
-                  trail.excerpt(place, [](std::string_view text) { return std::string(text); }));
+                  trail.excerpt(place));
 }

@@ -4,6 +4,7 @@
 // checked afterwards.
 #include "tools/cli/options.h"
 
+#include "tools/cli/escape.h"
 #include "tools/cli/help.h"
 #include "tools/cli/option_owners.h"
 #include "tools/cli/option_values.h"
@@ -26,7 +27,7 @@ constexpr uint64_t kMostThreads = 1024;
 // The options as they are written, before they mean anything.
 struct Raw {
     std::vector<std::string> words;
-    std::string threads, limit, format = "csv", ordinals, depth, keepFree, memory, debug;
+    std::string threads, limit, format = "csv", null, invalid = "error", ordinals, depth, keepFree, memory, debug;
 };
 
 uint64_t countOr(uint64_t otherwise, const CLI::App& app, const char* option,
@@ -51,6 +52,17 @@ std::optional<uint64_t> sizeOf(const CLI::App& app, const char* option, const st
                    " is not a size such as 500000, 64K, 100M or 2G");
     }
     return size;
+}
+
+// It stands in the file as it is, without quotes.
+void checkNull(const std::string& text, const Format& format) {
+    if (format.name != "csv") {
+        usageError("--null: " + std::string(format.name) + " has a null of its own");
+    }
+    if (text.find_first_of(",\"") != std::string::npos || shown(text) != text) {
+        usageError("--null: " + inQuotes(text) +
+                   " has a comma, a quote or a character that cannot be shown");
+    }
 }
 
 // Which words are the verb, which its operands.
@@ -112,6 +124,10 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
         ->type_name("N")
         ->group("Options of read");
 
+    app.add_flag("--account", o.account,
+                 "count what becomes of every value, and tell which are in\nno cell (exit code 1)")
+        ->group("Options of convert and check");
+
     const std::string rows = "Rows and tables";
     app.add_option("--map", o.map, "use this map in place of the automatic one")
         ->type_name("FILE")
@@ -123,6 +139,11 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_option("--format", raw.format, "csv (default) or ndjson")
         ->type_name("NAME")
         ->group(rows);
+    app.add_option("--null", raw.null,
+                   "CSV: what stands for null and for no value (default:\n"
+                   "nothing, as for an empty text)")
+        ->type_name("TEXT")
+        ->group(rows);
     app.add_option("--ordinals", raw.ordinals,
                    "levels of ordinal columns, 0 for none (default: all)")
         ->type_name("N")
@@ -133,9 +154,18 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_flag("--retain", o.retain, "columns keep their value from row to row")->group(rows);
 
     const std::string reading = "Reading the document";
+    app.add_flag("--lines", o.lines,
+                 "JSON Lines: a value in each line, no more and no less, or\nnothing (default: by "
+                 "the name, .jsonl or .ndjson)")
+        ->group(reading);
     app.add_option("--encoding", o.encoding,
-                   "encoding of FILE (default: UTF-8); any that ICU names")
+                   "encoding of FILE, any that ICU names (default: auto, by\na byte order mark or "
+                   "zero bytes, else UTF-8)")
         ->type_name("NAME")
+        ->group(reading);
+    app.add_option("--invalid", raw.invalid,
+                   "bytes that are wrong in the encoding: error (default), or\nreplace, by U+FFFD")
+        ->type_name("WAY")
         ->group(reading);
     app.add_option("--depth", raw.depth, "deepest nesting allowed, 0 for any (default: 1000)")
         ->type_name("N")
@@ -190,6 +220,14 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     o.format = findFormat(raw.format);
     if (o.format == nullptr) {
         usageError("--format: " + inQuotes(raw.format) + " is none of " + formatNames());
+    }
+    if (app.count("--null") != 0) {
+        checkNull(raw.null, *o.format);
+        o.formatOptions.null = raw.null;
+    }
+    o.replaceInvalid = raw.invalid == "replace";
+    if (!o.replaceInvalid && raw.invalid != "error") {
+        usageError("--invalid: " + inQuotes(raw.invalid) + " is none of error, replace");
     }
     if (o.memory == uint64_t{0}) {
         usageError("--memory: must be more than 0");

@@ -22,6 +22,7 @@ struct Options {
     bool columns = false;         // of tables
     bool alldata = false;         // of convert
     bool exact = false;           // of map
+    bool account = false;         // of convert and check
 
     std::string map;      // file of a user's map; empty: the automatic one
     std::string rejects;  // file for values that are rejected; empty: none
@@ -31,13 +32,16 @@ struct Options {
     bool force = false;
     bool quiet = false;
     const Format* format = nullptr;
+    FormatOptions formatOptions;
     uint64_t ordinals = UINT64_MAX;
     uint64_t depth = 1000;
     unsigned threads = 1;  // of convert
     std::optional<uint64_t> keepFree;
     std::optional<uint64_t> memory;
     std::string alldataName = "ALLDATA";
-    std::string encoding = "UTF-8";
+    std::string encoding = "auto";
+    bool lines = false;           // JSON Lines
+    bool replaceInvalid = false;  // what is wrong in the encoding becomes U+FFFD
     std::string cache;
     std::string debug;  // as the engine wants it: ",MAP,READ,"; empty: none
 };

@@ -1,7 +1,6 @@
 // See output_files.h.
 #include "tools/cli/output_files.h"
 
-#include "client/cache_file.h"
 #include "tools/cli/cleanup.h"
 #include "tools/cli/failure.h"
 
@@ -9,6 +8,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <random>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -58,6 +58,24 @@ std::vector<std::string> missingDirectories(const std::string& directory) {
         missing.push_back(path);
     }
     return missing;
+}
+
+std::string besides(const std::string& directory) {
+    return directory.substr(0, directory.rfind('/') + 1);
+}
+
+// 128 random bits: nobody else knows the name, so nothing is there and nobody is in the way.
+std::string randomHex() {
+    static constexpr char kDigits[] = "0123456789abcdef";
+    std::random_device random;  // the system's own source on this platform
+    std::string text;
+    for (int word = 0; word < 4; ++word) {
+        uint32_t bits = random();
+        for (int digit = 0; digit < 8; ++digit, bits >>= 4) {
+            text.push_back(kDigits[bits & 15]);
+        }
+    }
+    return text;
 }
 
 // Renames with a flag of renameat2.  False with errno, ENOSYS when the file system knows no flags.
@@ -110,12 +128,17 @@ OutputFiles::OutputFiles(std::string directory, bool makeDirectory, std::vector<
     : directory_(withoutTrailingSlashes(std::move(directory))),
       names_(std::move(names)),
       force_(force),
-      prefix_(directory_ + "/.qvejmap-" + qvej::randomHex() + "-"),
+      prefix_(directory_ + "/.qvejmap-" + randomHex() + "-"),
       descriptors_(names_.size(), kNotMade) {
     const std::vector<std::string> missing =
         makeDirectory ? missingDirectories(directory_) : std::vector<std::string>();
-    refuseExisting();
-    cleanup_.set(prefix_, directory_, 0);
+    if (!missing.empty()) {
+        staged_ = true;
+        prefix_ = besides(directory_) + ".qvejmap-" + randomHex() + "/";
+    } else {
+        refuseExisting();
+    }
+    cleanup_.set(prefix_, staged_ ? &names_ : nullptr, directory_, 0);
     cleanup_.setCount(names_.size());
     makeDirectories(missing);
 }
@@ -146,14 +169,21 @@ void OutputFiles::makeDirectories(const std::vector<std::string>& missing) {
         const cleanup::Hold hold;
         if (::mkdir(path->c_str(), 0777) == 0) {
             madeDirectories_.push_back(*path);
-            cleanup_.set(prefix_, *path, madeDirectories_.size());
+            cleanup_.set(prefix_, staged_ ? &names_ : nullptr, *path, madeDirectories_.size());
             cleanup_.setCount(names_.size());
         } else if (errno != EEXIST) {
-            const Failure failure = fileFailure(*path);
-            removeTemporary();
-            throw failure;
+            failToMake(*path);
         }
     }
+    if (staged_ && ::mkdir(prefix_.c_str(), 0777) != 0) {
+        failToMake(directory_);
+    }
+}
+
+void OutputFiles::failToMake(const std::string& directory) {
+    const Failure failure = fileFailure(directory);
+    removeTemporary();
+    throw failure;
 }
 
 bool OutputFiles::shares(const OutputFiles& other) const {
@@ -214,6 +244,14 @@ void OutputFiles::closeAll() {
 void OutputFiles::commit() {
     closeAll();
     const cleanup::Hold hold;  // all or nothing
+    // Fails when something is in the final directory by now: a file of rejected values, say.
+    if (!staged_ || ::rename(prefix_.c_str(), directory_.c_str()) != 0) {
+        renameAll();
+    }
+    committed_ = true;
+}
+
+void OutputFiles::renameAll() {
     std::vector<bool> replaced;
     try {
         while (replaced.size() < names_.size()) {
@@ -226,9 +264,14 @@ void OutputFiles::commit() {
         }
         throw;
     }
-    committed_ = true;
-    madeDirectories_.clear();
-    removeTemporary();
+    for (std::size_t i = 0; i < replaced.size(); ++i) {
+        if (replaced[i]) {
+            (void)::unlink(temporaryPath(i).c_str());
+        }
+    }
+    if (staged_) {
+        (void)::rmdir(prefix_.c_str());
+    }
 }
 
 // Gives a file its final name.  True when there was one of that name, which the temporary name then
@@ -250,8 +293,11 @@ void OutputFiles::removeTemporary() {
     open_.clear();
     for (std::size_t i = 0; i < names_.size(); ++i) {
         if (descriptors_[i] != kNotMade) {
-            (void)::unlink(temporaryPath(i).c_str());  // most have been renamed after `commit`
+            (void)::unlink(temporaryPath(i).c_str());
         }
+    }
+    if (staged_) {
+        (void)::rmdir(prefix_.c_str());
     }
     for (; !madeDirectories_.empty(); madeDirectories_.pop_back()) {
         (void)::rmdir(madeDirectories_.back().c_str());  // not ours alone when it is not empty

@@ -5,6 +5,9 @@
 // until then, and when the object ends without it, nothing under a final name has changed and the
 // temporary files go away, also when a signal ends the program.
 //
+// A directory that had to be made is filled beside its place: the files have their names there, and
+// one renaming of the directory puts all of them in place.
+//
 // Tested by tests/tool/output_files_test.cpp, golden/interrupt.t and golden/convert.t
 #pragma once
 
@@ -44,13 +47,15 @@ class OutputFiles {
    private:
     void refuseExisting() const;
     void makeDirectories(const std::vector<std::string>& missing);
+    [[noreturn]] void failToMake(const std::string& directory);
     int open(std::size_t i);
     void close(std::size_t i);
     void closeAll();
+    void renameAll();
     bool putInPlace(std::size_t i);
     void removeTemporary();
     [[nodiscard]] std::string temporaryPath(std::size_t i) const {
-        return prefix_ + std::to_string(i);
+        return prefix_ + (staged_ ? names_[i] : std::to_string(i));
     }
     [[nodiscard]] std::string finalPath(std::size_t i) const {
         return (directory_ == "." ? std::string() : directory_ + "/") + names_[i];
@@ -60,9 +65,10 @@ class OutputFiles {
     std::string directory_;
     std::vector<std::string> names_;
     bool force_;
-    std::string prefix_;                        // of the temporary names
-    std::vector<int> descriptors_;              // of each file
-    std::deque<std::size_t> open_;              // files that are open, the oldest first
+    std::string prefix_;            // of the temporary names
+    bool staged_ = false;           // it is a directory that stands in for the final one
+    std::vector<int> descriptors_;  // of each file
+    std::deque<std::size_t> open_;  // files that are open, the oldest first
     std::vector<std::string> madeDirectories_;  // outermost first
     bool committed_ = false;
 };

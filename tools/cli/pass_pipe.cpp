@@ -11,6 +11,7 @@
 #include <exception>
 #include <memory>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -25,17 +26,12 @@ constexpr std::size_t kBatchBytes = std::size_t{1} << 20;  // of texts
 class Batch {
    public:
     void add(const qvej::PassItem& item, bool copyTexts) {
-        items_.push_back({item, cells_.size()});
-        for (const qvej::PassCell& cell : item.cells) {
-            cells_.push_back(cell);
-            if (copyTexts && holdsText(cell)) {
-                keep({cell.text, static_cast<std::size_t>(cell.textLen)});
-            }
-        }
-        if (copyTexts) {
-            keep(item.text);
-        }
+        items_.push_back(item);
+        cells_.insert(cells_.end(), item.cells.begin(), item.cells.end());
         copied_ = copyTexts;
+        if (copyTexts) {
+            keepTexts(item);
+        }
     }
 
     [[nodiscard]] bool full() const {
@@ -44,24 +40,19 @@ class Batch {
     }
     [[nodiscard]] bool empty() const { return items_.empty(); }
 
-    void takeAll(const std::function<void(const qvej::PassItem&)>& take) {
+    // The items, which point into the batch.
+    std::span<const qvej::PassItem> items() {
+        qvej::PassCell* cells = cells_.data();
         const char* text = texts_.data();
-        for (Stored& stored : items_) {
-            qvej::PassCell* cells = cells_.data() + stored.firstCell;
-            const std::size_t count = stored.item.cells.size();
+        for (qvej::PassItem& item : items_) {
+            const std::span<qvej::PassCell> own(cells, item.cells.size());
+            item.cells = own;
+            cells += own.size();
             if (copied_) {
-                for (std::size_t i = 0; i < count; ++i) {
-                    if (holdsText(cells[i])) {
-                        cells[i].text = text;
-                        text += cells[i].textLen;
-                    }
-                }
-                stored.item.text = {text, stored.item.text.size()};
-                text += stored.item.text.size();
+                text = pointTo(text, item, own);
             }
-            stored.item.cells = {cells, count};
-            take(stored.item);
         }
+        return items_;
     }
 
     void clear() {
@@ -71,19 +62,35 @@ class Batch {
     }
 
    private:
-    struct Stored {
-        qvej::PassItem item;
-        std::size_t firstCell;
-    };
-
     static bool holdsText(const qvej::PassCell& cell) {
         return cell.kind != JMAP_CELL_MISSING && cell.kind != JMAP_CELL_COUNT;
     }
+    void keepTexts(const qvej::PassItem& item) {
+        for (const qvej::PassCell& cell : item.cells) {
+            if (holdsText(cell)) {
+                keep({cell.text, static_cast<std::size_t>(cell.textLen)});
+            }
+        }
+        keep(item.text);
+    }
     void keep(std::string_view text) { texts_.insert(texts_.end(), text.begin(), text.end()); }
 
-    std::vector<Stored> items_;
-    std::vector<qvej::PassCell> cells_;
-    std::vector<char> texts_;  // in the order of the cells
+    // The texts of an item are those at `text`; returns where they end.
+    static const char* pointTo(const char* text, qvej::PassItem& item,
+                               std::span<qvej::PassCell> cells) {
+        for (qvej::PassCell& cell : cells) {
+            if (holdsText(cell)) {
+                cell.text = text;
+                text += cell.textLen;
+            }
+        }
+        item.text = {text, item.text.size()};
+        return text + item.text.size();
+    }
+
+    std::vector<qvej::PassItem> items_;
+    std::vector<qvej::PassCell> cells_;  // in the order of the items
+    std::vector<char> texts_;            // in the order of the cells
     bool copied_ = false;
 };
 
@@ -146,7 +153,12 @@ std::thread startQuietly(const Routine& routine) {
     sigset_t before;
     sigfillset(&all);
     (void)::pthread_sigmask(SIG_SETMASK, &all, &before);
-    std::thread thread(routine);
+    std::thread thread;
+    try {
+        thread = std::thread(routine);
+    } catch (const std::system_error&) {
+        // The system has none to give: what is returned cannot be joined.
+    }
     (void)::pthread_sigmask(SIG_SETMASK, &before, nullptr);
     return thread;
 }
@@ -167,15 +179,20 @@ void fill(Pipe& pipe, qvej::TablePass& pass) {
     }
 }
 
+void runAlone(qvej::TablePass& pass,
+              const std::function<void(std::span<const qvej::PassItem>)>& take) {
+    qvej::PassItem item = {};
+    while (pass.next(item)) {
+        take({&item, 1});
+    }
+}
+
 }  // namespace
 
 void runPass(qvej::TablePass& pass, unsigned threads,
-             const std::function<void(const qvej::PassItem&)>& take) {
+             const std::function<void(std::span<const qvej::PassItem>)>& take) {
     if (threads < 2) {
-        qvej::PassItem item = {};
-        while (pass.next(item)) {
-            take(item);
-        }
+        runAlone(pass, take);
         return;
     }
     Pipe pipe;
@@ -183,7 +200,7 @@ void runPass(qvej::TablePass& pass, unsigned threads,
     std::thread taking = startQuietly([&] {
         try {
             while (std::unique_ptr<Batch> batch = pipe.takeFull()) {
-                batch->takeAll(take);
+                take(batch->items());
                 batch->clear();
                 pipe.putEmpty(std::move(batch));
             }
@@ -192,6 +209,10 @@ void runPass(qvej::TablePass& pass, unsigned threads,
         }
         pipe.end();
     });
+    if (!taking.joinable()) {
+        runAlone(pass, take);
+        return;
+    }
     try {
         fill(pipe, pass);
     } catch (...) {

@@ -6,9 +6,10 @@
 #include "client/table_pass.h"
 
 #include <functional>
+#include <span>
 
-// Calls `take` for each item of the pass, in order.  With more than one thread, `take` runs beside
-// the pass, on one other thread; signals are left to the calling one.  What either throws ends both
-// and is thrown here.
+// Calls `take` for the items of the pass, some at a time, in order.  With more than one thread,
+// `take` runs beside the pass, on one other thread; signals are left to the calling one.  What
+// either throws ends both and is thrown here.
 void runPass(qvej::TablePass& pass, unsigned threads,
-             const std::function<void(const qvej::PassItem&)>& take);
+             const std::function<void(std::span<const qvej::PassItem>)>& take);

@@ -34,8 +34,7 @@ std::string withoutTabs(std::string text) {
 }
 
 // The lines for position `at` of `line`, which is cut on its left when `cutLeft`.
-std::string drawExcerpt(std::string_view line, std::size_t at, bool cutLeft,
-                        const TextTrail::Decoder& toUtf8) {
+std::string drawExcerpt(std::string_view line, std::size_t at, bool cutLeft) {
     const std::size_t first =
         at > kShownBefore ? atCharacter(line, at - static_cast<std::size_t>(kShownBefore)) : 0;
     const std::size_t last =
@@ -44,8 +43,8 @@ std::string drawExcerpt(std::string_view line, std::size_t at, bool cutLeft,
     if (first > 0 || cutLeft) {
         before += kCut;
     }
-    before += shown(withoutTabs(toUtf8(line.substr(first, at - first))));
-    std::string text = before + shown(withoutTabs(toUtf8(line.substr(at, last - at))));
+    before += shown(withoutTabs(std::string(line.substr(first, at - first))));
+    std::string text = before + shown(withoutTabs(std::string(line.substr(at, last - at))));
     if (last < line.size()) {
         text += kCut;
     }
@@ -76,32 +75,48 @@ Place TextTrail::end() const {
     return {all.lines_ + 1, all.offset_ - all.lineStart_ + 1};
 }
 
-std::string TextTrail::excerpt(Place place, const Decoder& toUtf8) const {
-    const std::string known = before_ + std::string(piece_);
+std::optional<int64_t> TextTrail::startOfLine(int64_t line, std::string_view known) const {
     const int64_t base = offset_ - static_cast<int64_t>(before_.size());  // of `known`
-    const auto size = static_cast<int64_t>(known.size());
-
-    // Where the line starts, relative to `known`; negative: before it.
     const int64_t linesBefore = countLines(before_);
     const int64_t firstLine = lines_ + 1 - linesBefore;  // the line that `known` begins in
-    int64_t start = linesBefore == 0 ? lineStart_ - base : 0;
-    if (place.line < firstLine || (place.line == firstLine && linesBefore != 0 && base != 0)) {
-        return {};  // passed too long ago
+    if (line < firstLine || (line == firstLine && linesBefore != 0 && base != 0)) {
+        return std::nullopt;  // passed too long ago
     }
-    for (int64_t line = firstLine; line < place.line; ++line) {
+    int64_t start = linesBefore == 0 ? lineStart_ - base : 0;
+    for (int64_t at = firstLine; at < line; ++at) {
         const auto from = static_cast<std::size_t>(std::max<int64_t>(start, 0));
         const std::size_t feed = known.find('\n', from);
         if (feed == std::string::npos) {
-            return {};
+            return std::nullopt;
         }
         start = static_cast<int64_t>(feed) + 1;
     }
+    return start;
+}
+
+std::optional<int64_t> TextTrail::offsetOf(Place place) const {
+    const std::optional<int64_t> start = startOfLine(place.line, known());
+    if (!start) {
+        return std::nullopt;
+    }
+    return offset_ - static_cast<int64_t>(before_.size()) + *start + place.column - 1;
+}
+
+std::string TextTrail::excerpt(Place place) const {
+    const std::string text = known();
+    const std::string_view all = text;
+    const std::optional<int64_t> lineStart = startOfLine(place.line, all);
+    if (!lineStart) {
+        return {};
+    }
+    int64_t start = *lineStart;
+    const int64_t base = offset_ - static_cast<int64_t>(before_.size());
+    const auto size = static_cast<int64_t>(all.size());
     int64_t at = start + place.column - 1;
     if (at < 0 || at > size) {
         return {};
     }
     // At the end of the input nothing follows; show what came last rather than an empty line.
-    const std::string_view all = known;
     if (at == size && all.find_last_not_of(kWhite) != std::string_view::npos) {
         const std::size_t last = all.find_last_not_of(kWhite);
         if (static_cast<int64_t>(last) < start) {
@@ -120,5 +135,5 @@ std::string TextTrail::excerpt(Place place, const Decoder& toUtf8) const {
     if (line.ends_with('\r') && static_cast<int64_t>(line.size()) > at - from) {
         line.remove_suffix(1);
     }
-    return drawExcerpt(line, static_cast<std::size_t>(at - from), start < 0, toUtf8);
+    return drawExcerpt(line, static_cast<std::size_t>(at - from), start < 0);
 }

@@ -7,7 +7,7 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -28,12 +28,18 @@ class TextTrail {
     // The place behind all that was taken.
     [[nodiscard]] Place end() const;
 
-    // Two lines: the text around the place, and a caret under it.  Empty when the text is no longer
-    // known.  `toUtf8` turns bytes of the text to UTF-8.
-    using Decoder = std::function<std::string(std::string_view)>;
-    [[nodiscard]] std::string excerpt(Place place, const Decoder& toUtf8) const;
+    // How many bytes of the text stand before the place; none: it passed too long ago.
+    [[nodiscard]] std::optional<int64_t> offsetOf(Place place) const;
+
+    // Two lines: the text (UTF-8) around the place, and a caret under it.  Empty when the text is
+    // no longer known.
+    [[nodiscard]] std::string excerpt(Place place) const;
 
    private:
+    [[nodiscard]] std::string known() const { return before_ + std::string(piece_); }
+    // Where the line of a place starts, behind the first byte that is known; negative: before it.
+    [[nodiscard]] std::optional<int64_t> startOfLine(int64_t line, std::string_view known) const;
+
     std::string_view piece_;  // the piece in use
     std::string before_;      // what came directly before it, at most kKept bytes
     int64_t offset_ = 0;      // of piece_ in the whole text

@@ -22,9 +22,10 @@ std::string ordinalsOf(const qvej::Row& row) {
         if (row.columns()[i].type == qvej::ColumnType::ORDINAL) {
             const qvej::Cell cell = row.cell(i);
             text += (text.empty() ? "" : " ") + row.columns()[i].name + "=";
-            text += cell.kind == qvej::Cell::MISSING
-                        ? std::string()
-                        : std::to_string(static_cast<uint64_t>(cell.number));
+            text += cell.kind == qvej::Cell::COUNT ? std::to_string(cell.count)
+                    : cell.kind == qvej::Cell::NUMBER  // it has a format
+                        ? std::to_string(static_cast<uint64_t>(cell.number))
+                        : std::string();
         }
     }
     return text;
@@ -53,12 +54,12 @@ qvej::RejectHandler Rejects::handlerFor(const qvej::Table& table) {
     };
 }
 
-void Rejects::take(const qvej::Table& table, const qvej::Row& row,
-                   const qvej::Rejected& rejected) {
+void Rejects::take(const qvej::Table& table, const qvej::Row& row, const qvej::Rejected& rejected) {
     const auto [place, first] = places_.try_emplace({&table, rejected.column}, columns_.size());
     if (first) {
         columns_.push_back({visible(table.name) + "." + table.columns[rejected.column].name, 0,
-                            rejected.row, shortened(rejected.text), std::string(rejected.reason)});
+                            rejected.row, shortened(rejected.text), std::string(rejected.reason),
+                            rejected.cut});
     }
     ++columns_[place->second].count;
     if (file_ != nullptr) {
@@ -82,9 +83,10 @@ void Rejects::writeLine(const qvej::Table& table, const qvej::Row& row,
 
 ExitCode Rejects::end() {
     for (const OfColumn& c : columns_) {
-        tell(c.column + ": " + std::to_string(c.count) +
-             (c.count == 1 ? " value rejected, in row " : " values rejected, the first in row ") +
-             std::to_string(c.firstRow) + ": " + c.firstText + " is " + c.reason);
+        tell(c.column + ": " + std::to_string(c.count) + (c.count == 1 ? " value " : " values ") +
+             (c.cut ? c.reason : "rejected") +
+             (c.count == 1 ? ", in row " : ", the first in row ") + std::to_string(c.firstRow) +
+             ": " + c.firstText + (c.cut ? std::string() : " is " + c.reason));
     }
     if (file_ != nullptr) {
         file_->writer.flush();

@@ -21,7 +21,7 @@ class Rejects {
     // must be none of `others`.  Throws a Failure.
     Rejects(const std::string& file, bool force, const OutputFiles* others = nullptr);
 
-    // What the cursor of a table calls.  This object and the table must outlive it.
+    // What the row of a table calls.  This object and the table must outlive it.
     qvej::RejectHandler handlerFor(const qvej::Table& table);
 
     // Tells a line for each column on standard error.  REJECTED, or DONE when there was nothing.
@@ -35,6 +35,7 @@ class Rejects {
         uint64_t firstRow;
         std::string firstText;
         std::string reason;
+        bool cut;
     };
     struct File {
         File(const std::string& file, bool force);
@@ -44,8 +45,7 @@ class Rejects {
     };
 
     void take(const qvej::Table& table, const qvej::Row& row, const qvej::Rejected& rejected);
-    void writeLine(const qvej::Table& table, const qvej::Row& row,
-                   const qvej::Rejected& rejected);
+    void writeLine(const qvej::Table& table, const qvej::Row& row, const qvej::Rejected& rejected);
 
     std::unique_ptr<File> file_;
     std::vector<OfColumn> columns_;  // in order of their first

@@ -154,14 +154,18 @@ MapOddities mapOddities(const std::vector<qvej::Table>& tables) {
     return odd;
 }
 
-void tellMapOddities(const std::string& map, const std::vector<qvej::Table>& tables, bool quiet) {
+void tellMapOddities(const std::string& map, const std::vector<qvej::Table>& tables) {
     const MapOddities odd = mapOddities(tables);
-    if (!odd.empty.empty() && !quiet) {
+    if (!odd.empty.empty()) {
         tell(map + ": tables without columns, which have no rows: " + joined(odd.empty));
     }
-    if (!odd.noretain.empty() && !quiet) {
+    if (!odd.noretain.empty()) {
         tell(map + ": NORETAIN does not change ordinal columns: " + joined(odd.noretain));
     }
+}
+
+void tellCuts(const std::string& map, const std::vector<qvej::Table>& tables) {
+    const MapOddities odd = mapOddities(tables);
     if (!odd.cut.empty()) {
         tell(map + ": values are cut in: " + joined(odd.cut));
     }

@@ -30,8 +30,8 @@ struct WrittenTable {
 };
 
 // Tells on standard error, a line each, what the rows of these tables of `file` do not show:
-// numbers that a double does not keep, and tables that have values but no rows (scalars directly in the outermost
-// array).
+// numbers that a double does not keep, and tables that have values but no rows (scalars directly in
+// the outermost array).
 void tellLosses(const std::string& file, const qvej::Document& document,
                 const std::vector<WrittenTable>& written);
 
@@ -43,8 +43,11 @@ struct MapOddities {
 };
 MapOddities mapOddities(const std::vector<qvej::Table>& tables);
 
-// Tells them on standard error, a line for each kind; when `quiet` only the last.
-void tellMapOddities(const std::string& map, const std::vector<qvej::Table>& tables, bool quiet);
+// Tells the first two on standard error, a line for each kind.
+void tellMapOddities(const std::string& map, const std::vector<qvej::Table>& tables);
+
+// Tells the last, for those who do not read the rows: they tell each value that is cut.
+void tellCuts(const std::string& map, const std::vector<qvej::Table>& tables);
 
 // "; did you mean A, B?" with the names that look most like `name`; empty: none does.
 std::string suggestion(std::string_view name, const std::vector<std::string>& names);

@@ -1,13 +1,14 @@
 // See session.h.
 #include "tools/cli/session.h"
 
+#include "client/cache_file.h"
 #include "client/error.h"
-#include "tools/cli/cleanup.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/writer.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -21,6 +22,14 @@ qvej::EngineOptions engineOptions(const Options& options) {
     return engine;
 }
 
+// Is the file named as JSON Lines are, compressed or not?
+bool namedAsLines(std::string_view file) {
+    for (const std::string_view packed : {".gz", ".zst"}) {
+        file.remove_suffix(file.ends_with(packed) ? packed.size() : 0);
+    }
+    return file.ends_with(".jsonl") || file.ends_with(".ndjson");
+}
+
 // What notes call the document: the end of its path, in whole characters.
 std::string describe(const std::string& name) {
     const std::string base = name.substr(name.rfind('/') + 1);
@@ -28,14 +37,19 @@ std::string describe(const std::string& name) {
         qvej::withoutUnfinished(std::string_view(base).substr(0, kDescriptionBytes)));
 }
 
-// The file must be new or empty: the engine takes no other.
-void prepareNamedCache(const std::string& path, bool force) {
+// The file must be new or empty: the engine takes no other.  Nothing replaces the document.
+void prepareNamedCache(const std::string& path, bool force, const std::string& file) {
     struct stat found = {};
+    struct stat document = {};
     if (::lstat(path.c_str(), &found) != 0 || (S_ISREG(found.st_mode) && found.st_size == 0)) {
         return;
     }
     if (!S_ISREG(found.st_mode)) {
         throw Failure(FILE_TROUBLE, path + ": not a regular file, not replaced");
+    }
+    if (::stat(file.c_str(), &document) == 0 && document.st_dev == found.st_dev &&
+        document.st_ino == found.st_ino) {
+        throw Failure(FILE_TROUBLE, path + ": the document itself, not replaced");
     }
     if (!force) {
         throw Failure(FILE_TROUBLE, path + ": the file exists (--force replaces it)");
@@ -47,14 +61,18 @@ void prepareNamedCache(const std::string& path, bool force) {
 
 }  // namespace
 
-Session::Session(const Options& options, const std::string& file, const std::string& map)
-    : options_(options), input_(file), engine_(engineOptions(options)) {
+Session::Session(const Options& options, const std::string& file, const std::string& map,
+                 std::vector<qvej::Watch> watches)
+    : options_(options),
+      text_(file, options.encoding, options.replaceInvalid),
+      lines_(options.lines || namedAsLines(file)),
+      engine_(engineOptions(options)),
+      watches_(std::move(watches)) {
     if (!map.empty()) {
         map_.emplace(engine_, map);
     }
     try {
         open();
-        cleanup::setCacheFile(document_->privateCachePath());
         readAll();
         useMap();
     } catch (const qvej::Error& error) {
@@ -69,19 +87,14 @@ Session::Session(const Options& options, const std::string& file, const std::str
     }
 }
 
-Session::~Session() {
-    document_.reset();  // with its private cache file
-    cleanup::setCacheFile({});
-}
-
 void Session::open() {
     qvej::DocumentOptions document;
-    document.encoding = engine_.encodingId(options_.encoding);
-    if (document.encoding == 0) {
-        converter_.emplace(options_.encoding);
-        document.encoding = U_UTF8_CE;
+    document.lines = lines_;
+    document.watches = watches_;
+    if (text_.recoded()) {
+        document.columnOf = [this](int64_t offset) { return text_.columnOf(offset); };
     }
-    document.description = describe(input_.name());
+    document.description = describe(name());
     document.debug = options_.debug;
     document.cacheFile = options_.cache;
     document.compress = options_.compress;
@@ -90,29 +103,21 @@ void Session::open() {
     document.keepFree = options_.keepFree.value_or(options_.memory ? (*options_.memory - 1) / 2 + 1
                                                                    : engine_.availableMemory() / 8);
     if (!options_.cache.empty()) {
-        prepareNamedCache(options_.cache, options_.force);
+        prepareNamedCache(options_.cache, options_.force, text_.name());
     }
     document_.emplace(engine_, document);
-    cachePath_ = options_.cache.empty() ? document_->privateCachePath() : options_.cache;
+    cachePath_ = options_.cache.empty() ? qvej::privateCacheDirectory() : options_.cache;
 }
 
 void Session::readAll() {
-    for (std::string_view piece = input_.next();; piece = input_.next()) {
-        if (!converter_) {
-            feed(piece);
-        } else {
-            const Converter::Piece converted = converter_->convert(piece);
-            feed(converted.text);
-            if (converted.broken) {
-                throw Failure(
-                    NOT_JSON,
-                    failureLine(trail_.end(), "the text is not valid " + options_.encoding),
-                    excerpt(trail_.end()));
-            }
-        }
-        if (piece.empty()) {
-            break;
-        }
+    for (std::string_view piece = text_.next(); !piece.empty(); piece = text_.next()) {
+        trail_.take(piece);
+        document_->feed(piece);
+        trail_.passed();
+    }
+    if (text_.broken()) {
+        failAt(NOT_JSON, trail_.end(), columnOf(trail_.end()),
+               "the text is not valid " + text_.encoding() + hint(QV_JSON_UTF8, trail_.end()));
     }
     document_->finish();
 }
@@ -125,69 +130,64 @@ void Session::useMap() {
         document_->useMap(map_->text());
     } catch (const qvej::MapError& error) {
         map_->fail(engine_, error);
-    } catch (const qvej::Error& error) {
-        if (error.status() != QV_UNMAPPABLE) {
-            throw;
-        }
-        throw Failure(NO_TABLE, map_->name() + ": a character of the map is not in " +
-                                    options_.encoding + ", the encoding of " + input_.name());
     }
 }
 
-void Session::feed(std::string_view text) {
-    if (start_.empty()) {
-        start_ = text.substr(0, 2);
+// What to try, when the text looks like something else than was said.
+std::string Session::hint(QVStatus status, Place place) const {
+    if (text_.otherEncoding() != nullptr) {
+        return " (this looks like " + *text_.otherEncoding() + ")";
     }
-    trail_.take(text);
-    document_->feed(text);
-    trail_.passed();
-}
-
-// What to try when the text looks like another encoding than was said.
-std::string Session::encodingHint(QVStatus status) const {
-    const auto begins = [](char c) { return c == '{' || c == '[' || c == ' ' || c == '\n'; };
-    const bool two = start_.size() == 2;
-    const bool big = two && start_[0] == '\0' && begins(start_[1]);
-    const bool little = two && begins(start_[0]) && start_[1] == '\0';
-    if (big || little || start_ == "\xFF\xFE" || start_ == "\xFE\xFF") {
-        return " (this looks like UTF-16: --encoding UTF-16)";
+    if (status == QV_JSON_UTF8) {
+        return " (--encoding NAME for text in another encoding, --invalid replace to go on)";
     }
-    return status == QV_JSON_UTF8 ? " (--encoding NAME for text in another encoding)" : "";
+    if (status == QV_JSON_TRAILING && place.line > 1) {
+        return " (--lines for one value a line)";
+    }
+    if (status == QV_JSON_LINE_END && !options_.lines) {
+        return " (a file of this name holds one value a line; give any other as \"-\")";
+    }
+    return {};
 }
 
-std::string Session::failureLine(Place place, const std::string& what) const {
-    return input_.name() + ":" + std::to_string(place.line) + ":" + std::to_string(place.column) +
-           ": " + what;
+// The column of a place of the UTF-8 in the text as it was.
+int64_t Session::columnOf(Place place) const {
+    const std::optional<int64_t> offset =
+        text_.recoded() ? trail_.offsetOf(place) : std::optional<int64_t>();
+    return offset ? text_.columnOf(*offset) : place.column;
 }
 
-std::string Session::excerpt(Place place) const {
-    return trail_.excerpt(place, [this](std::string_view text) {
-        return document_ ? document_->codec().decoded(text) : std::string(text);
-    });
+void Session::failAt(ExitCode code, Place place, int64_t column, const std::string& what) const {
+    throw Failure(
+        code,
+        name() + ":" + std::to_string(place.line) + ":" + std::to_string(column) + ": " + what,
+        trail_.excerpt(place));
 }
 
 void Session::fail(const qvej::Error& error) const {
-    const ExitCode code = exitCodeOf(error.status());
+    const QVStatus status = error.status();
+    const ExitCode code = exitCodeOf(status);
     std::string what = error.what();
     if (code == FILE_TROUBLE) {
         throw Failure(code, cachePath_ + ": " + what);
     }
-    if (error.status() == QV_NOMEM) {
+    if (status == QV_NOMEM && error.line() != 0) {
         what += ", or a path is longer than 1 MiB";
     }
-    what += encodingHint(error.status());
-    if (error.status() == QV_JSON_DEPTH) {
+    if (status == QV_JSON_DEPTH) {
         what += " of " + std::to_string(options_.depth) + " (--depth)";
     }
     if (code == WRONG_USAGE) {
         throw Failure(code, "an option does not suit the document: " + what);
     }
-    const bool atEnd = error.status() == JMAP_INCOMPLETE && error.line() == 0;
+    const bool atEnd = status == JMAP_INCOMPLETE && error.line() == 0;
     const Place place = atEnd ? trail_.end() : Place{error.line(), error.column()};
     if (place.line == 0) {
-        throw Failure(code, input_.name() + ": " + what);
+        throw Failure(code, name() + ": " + what);
     }
-    throw Failure(code, failureLine(place, what), excerpt(place));
+    // What stands before a document that is no object or array is white space, one unit each.
+    const bool noContainer = status == JMAP_INCOMPLETE && !atEnd;
+    failAt(code, place, noContainer ? place.column : columnOf(place), what + hint(status, place));
 }
 
 void Session::failReading(const qvej::Error& error) const {

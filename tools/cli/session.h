@@ -1,11 +1,12 @@
-// From FILE to a finished document: opens the input, starts the engine as the options say, feeds
-// the document, and tells mistakes with their place.
+// From FILE to a finished document: opens the text, starts the engine as the options say, feeds the
+// document, and tells mistakes with their place.
 #pragma once
 
 #include "client/document.h"
 #include "client/engine.h"
 #include "client/error.h"
-#include "tools/cli/input.h"
+#include "tools/cli/document_text.h"
+#include "tools/cli/failure.h"
 #include "tools/cli/map_file.h"
 #include "tools/cli/options.h"
 #include "tools/cli/place.h"
@@ -17,8 +18,8 @@ class Session {
    public:
     // Reads the whole document, and first the map when one is named.  Throws a Failure.
     explicit Session(const Options& options) : Session(options, options.operands[0], options.map) {}
-    Session(const Options& options, const std::string& file, const std::string& map);
-    ~Session();
+    Session(const Options& options, const std::string& file, const std::string& map,
+            std::vector<qvej::Watch> watches = {});
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
@@ -29,7 +30,7 @@ class Session {
     [[nodiscard]] const MapFile* map() const { return map_ ? &*map_ : nullptr; }
 
     // What messages call the document.
-    [[nodiscard]] const std::string& name() const { return input_.name(); }
+    [[nodiscard]] const std::string& name() const { return text_.name(); }
 
     // Turns a failure of the finished document (its records cannot be read back) into the tool's.
     [[noreturn]] void failReading(const qvej::Error& error) const;
@@ -40,17 +41,18 @@ class Session {
     void feed(std::string_view text);
     void useMap();
     [[noreturn]] void fail(const qvej::Error& error) const;
-    [[nodiscard]] std::string encodingHint(QVStatus status) const;
-    [[nodiscard]] std::string failureLine(Place place, const std::string& what) const;
-    [[nodiscard]] std::string excerpt(Place place) const;
+    [[nodiscard]] std::string hint(QVStatus status, Place place) const;
+    [[nodiscard]] int64_t columnOf(Place place) const;
+    [[noreturn]] void failAt(ExitCode code, Place place, int64_t column,
+                             const std::string& what) const;
 
     const Options& options_;
-    Input input_;
+    DocumentText text_;
+    bool lines_;  // JSON Lines
     qvej::Engine engine_;
     std::optional<MapFile> map_;
-    std::optional<Converter> converter_;  // when the engine cannot read the encoding itself
-    std::string cachePath_;               // of records that leave memory
+    std::string cachePath_;  // of records that leave memory
+    std::vector<qvej::Watch> watches_;
     std::optional<qvej::Document> document_;
     TextTrail trail_;
-    std::string start_;  // first two bytes of the text
 };

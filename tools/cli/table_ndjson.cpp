@@ -1,7 +1,8 @@
 // NDJSON: one JSON object a row, its members the columns in order.
 //
-// A number with a format is a string, as the format shows it.  A missing number is null, a blank
-// character cell "", infinity 1e400 and -1e400 (a number of JSON that reads back as infinity).
+// A column without a value is left out; null, and a value that was rejected, is null.  Numbers have
+// the digits of the document; one with a format is a string, as the format shows it; infinity, when
+// it does not come from digits, is 1e400 and -1e400 (a number of JSON that reads back as infinity).
 // Always valid UTF-8; control characters are escaped.
 //
 // Tested by tests/tool/golden/read.t and tests/tool/ndjson_test.cpp
@@ -22,50 +23,87 @@ class NdjsonSink final : public qvej::Sink {
 
     void begin(const std::vector<qvej::Column>& columns) override {
         for (const qvej::Column& column : columns) {
-            std::string head = heads_.empty() ? "{\"" : ",\"";
+            std::string head = "\"";
             appendEscaped(head, column.name, JSON_STRING);
-            heads_.push_back(head + "\":");
+            members_.push_back({head + "\":", {}});
         }
     }
 
-    void row(const qvej::Row& row) override {
-        for (std::size_t i = 0; i < heads_.size(); ++i) {
-            out_.append(heads_[i]);
+    void row(const qvej::PassRow& row) override {
+        bool first = true;
+        for (std::size_t i = 0; i < members_.size(); ++i) {
             const qvej::Cell cell = row.cell(i);
-            switch (cell.kind) {
-                case qvej::Cell::MISSING:
-                    out_.append("null");
-                    break;
-                case qvej::Cell::NUMBER:
-                    if (cell.text.empty()) {
-                        out_.advance(writeNumber(out_.room(), cell.number, kInfinity));
-                    } else {
-                        writeText(cell.text);
-                    }
-                    break;
-                case qvej::Cell::TEXT:
-                    writeText(cell.text);
-                    break;
+            if (cell.kind != qvej::Cell::MISSING) {
+                const std::string_view head = members_[i].head;
+                put(first ? "{" : ",");
+                put(head);
+                first = false;
+                writeCell(cell, members_[i].counts);
             }
         }
-        out_.append(heads_.empty() ? "{}\n" : "}\n");
+        put(first ? "{}\n" : "}\n");
     }
 
     void end() override {}
 
    private:
+    struct Member {
+        std::string head;  // "name":
+        CountText counts;
+    };
+
+    void put(std::string_view text) { out_.advance(copyText(out_.room(text.size()), text)); }
+
+    void writeCell(const qvej::Cell& cell, CountText& counts) {
+        switch (cell.kind) {
+            case qvej::Cell::MISSING:
+            case qvej::Cell::NUL:
+                put("null");
+                break;
+            case qvej::Cell::COUNT:
+                out_.advance(counts.write(out_.room(kNumberChars), cell.count));
+                break;
+            case qvej::Cell::DIGITS:
+                put(cell.text);
+                break;
+            case qvej::Cell::NUMBER:
+                if (cell.text.empty()) {
+                    out_.advance(writeNumber(out_.room(kNumberChars), cell.number, kInfinity));
+                } else {
+                    writeText(cell.text);
+                }
+                break;
+            case qvej::Cell::TEXT:
+                writeText(cell.text);
+                break;
+        }
+    }
+
     void writeText(std::string_view text) {
-        out_.put('"');
-        appendEscaped(out_, text, JSON_STRING);
-        out_.put('"');
+        if (anyByte(text, needsCare)) {
+            put("\"");
+            appendEscaped(out_, text, JSON_STRING);
+            put("\"");
+            return;
+        }
+        char* at = out_.room(text.size() + 2);
+        *at++ = '"';
+        at = copyText(at, text);
+        *at++ = '"';
+        out_.advance(at);
+    }
+
+    // Escapes, or perhaps no UTF-8.
+    static short_text::Marks needsCare(short_text::Bytes b) {
+        return (b == '"') | (b == '\\') | (b >= 0x7F) | (b < 0x20);
     }
 
     Writer& out_;
-    std::vector<std::string> heads_;  // {"first": and then ,"next":
+    std::vector<Member> members_;
 };
 
 }  // namespace
 
-std::unique_ptr<qvej::Sink> makeNdjsonSink(Writer& out) {
+std::unique_ptr<qvej::Sink> makeNdjsonSink(Writer& out, const FormatOptions&) {
     return std::make_unique<NdjsonSink>(out);
 }

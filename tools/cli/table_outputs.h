@@ -9,16 +9,18 @@
 #include "tools/cli/rejects.h"
 
 #include <memory>
+#include <span>
 #include <vector>
 
 class TableOutputs {
    public:
     // A file of `files` for each table.  All must outlive this object.
     TableOutputs(const qvej::Document& document, const std::vector<const qvej::Table*>& tables,
-                 OutputFiles& files, const Format& format, Rejects& rejects);
+                 OutputFiles& files, const Format& format, const FormatOptions& formatOptions,
+                 Rejects& rejects);
 
-    // Takes an item of a pass over the tables.  Throws a Failure.
-    void take(const qvej::PassItem& item);
+    // Takes items of a pass over the tables.  Throws a Failure.
+    void take(std::span<const qvej::PassItem> items);
 
     // Writes what is left, and what tables without rows have.
     void end();
@@ -42,6 +44,7 @@ class TableOutputs {
     const std::vector<const qvej::Table*>& tables_;
     OutputFiles& files_;
     const Format& format_;
+    const FormatOptions& formatOptions_;
     Rejects& rejects_;
     std::vector<std::unique_ptr<Output>> outputs_;
     std::vector<uint64_t> rows_;

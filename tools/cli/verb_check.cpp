@@ -1,19 +1,45 @@
-// qvejmap check: is the document well formed?
+// qvejmap check: is the document well formed?  And, when asked, what becomes of its values?
 //
-// Tested by tests/tool/golden/check.t
+// Tested by tests/tool/golden/check.t and tests/tool/golden/account.t
+#include "tools/cli/account_report.h"
 #include "tools/cli/escape.h"
 #include "tools/cli/session.h"
 #include "tools/cli/verbs.h"
 #include "tools/cli/writer.h"
 
-ExitCode runCheck(const Options& options) {
-    const Session session(options);
-    if (options.quiet) {
-        return DONE;
-    }
+namespace {
+
+void tellWellFormed(const Session& session) {
     Writer out = standardOutput();
     out.append(shown(session.name()));
     out.append(": well formed\n");
     out.flush();
+}
+
+ExitCode checkAccount(const Options& options) {
+    std::vector<qvej::PathAccount> accounts;
+    std::vector<qvej::Spot> starts;
+    {
+        const Session session(options);
+        try {
+            accounts = qvej::accountOf(session.document(), options.retain);
+        } catch (const qvej::Error& error) {
+            session.failReading(error);
+        }
+        starts = startsOf(session.document(), accounts);
+    }
+    return reportAccount(options, accounts, starts);
+}
+
+}  // namespace
+
+ExitCode runCheck(const Options& options) {
+    if (options.account) {
+        return checkAccount(options);
+    }
+    const Session session(options);
+    if (!options.quiet) {
+        tellWellFormed(session);
+    }
     return DONE;
 }

@@ -44,8 +44,8 @@ std::string counted(uint64_t count, const std::string& noun) {
 ExitCode runConvert(const Options& options) {
     const Session session(options);
     const qvej::Document& document = session.document();
-    if (session.map() != nullptr) {
-        tellMapOddities(session.map()->name(), document.tables(), options.quiet);
+    if (session.map() != nullptr && !options.quiet) {
+        tellMapOddities(session.map()->name(), document.tables());
     }
     const std::vector<const qvej::Table*> tables = tablesToWrite(document, options.alldata);
     try {
@@ -53,9 +53,11 @@ ExitCode runConvert(const Options& options) {
                           uniqueFileNames(namesOf(tables), options.format->extension),
                           options.force);
         Rejects rejects(options.rejects, options.force, &files);
-        TableOutputs outputs(document, tables, files, *options.format, rejects);
+        TableOutputs outputs(document, tables, files, *options.format, options.formatOptions,
+                             rejects);
         qvej::TablePass pass(document, tables, options.retain);
-        runPass(pass, options.threads, [&](const qvej::PassItem& item) { outputs.take(item); });
+        runPass(pass, options.threads,
+                [&](std::span<const qvej::PassItem> items) { outputs.take(items); });
         outputs.end();
         std::vector<WrittenTable> written;
         uint64_t rows = 0;

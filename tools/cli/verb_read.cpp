@@ -1,7 +1,9 @@
 // qvejmap read: the rows of one table on standard output.
 //
 // Tested by tests/tool/golden/read.t
+#include "client/cursor.h"
 #include "client/error.h"
+#include "client/table_pass.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/rejects.h"
 #include "tools/cli/remarks.h"
@@ -30,21 +32,46 @@ const qvej::Table& findTable(const qvej::Document& document, const Options& opti
                                 (hint.empty() ? " (qvejmap tables lists them)" : hint));
 }
 
+// The notes that the engine makes of reading a table: a pass has none.
+void noteReading(const qvej::Document& document, const qvej::Table& table, const Options& options) {
+    qvej::Cursor cursor(document, table, options.retain);
+    for (uint64_t rows = 0; rows < options.limit && cursor.next(); ++rows) {
+    }
+}
+
+// How many there were.
+uint64_t writeRows(const qvej::Document& document, const qvej::Table& table, const Options& options,
+                   Rejects& rejects) {
+    Writer out = standardOutput();
+    const std::unique_ptr<qvej::Sink> sink = options.format->make(out, options.formatOptions);
+    qvej::PassRow row(document, table, rejects.handlerFor(table));
+    qvej::TablePass pass(document, {&table}, options.retain);
+    sink->begin(table.columns);
+    for (qvej::PassItem item; row.rows() < options.limit && pass.next(item);) {
+        if (row.take(item)) {
+            sink->row(row);
+        }
+    }
+    sink->end();
+    out.flush();
+    return row.rows();
+}
+
 }  // namespace
 
 ExitCode runRead(const Options& options) {
     const Session session(options);
     const qvej::Document& document = session.document();
-    if (session.map() != nullptr) {
-        tellMapOddities(session.map()->name(), document.tables(), options.quiet);
+    if (session.map() != nullptr && !options.quiet) {
+        tellMapOddities(session.map()->name(), document.tables());
     }
     const qvej::Table& table = findTable(document, options);
     try {
         Rejects rejects(options.rejects, options.force);
-        Writer out = standardOutput();
-        qvej::Cursor cursor(document, table, options.retain, rejects.handlerFor(table));
-        const uint64_t rows = qvej::copyRows(cursor, *options.format->make(out), options.limit);
-        out.flush();
+        if (!options.debug.empty()) {
+            noteReading(document, table, options);
+        }
+        const uint64_t rows = writeRows(document, table, options, rejects);
         const bool all = options.limit != 0;  // else no rows say nothing
         tellLosses(session.name(), document, {{&table, all ? rows : 1}});
         return rejects.end();

@@ -51,7 +51,10 @@ ExitCode runTables(const Options& options) {
     const Session session(options);
     const qvej::Document& document = session.document();
     if (session.map() != nullptr) {
-        tellMapOddities(session.map()->name(), document.tables(), options.quiet);
+        if (!options.quiet) {
+            tellMapOddities(session.map()->name(), document.tables());
+        }
+        tellCuts(session.map()->name(), document.tables());
     }
     std::vector<Row> rows =
         options.columns ? listColumns(document) : listTables(document, options.names);

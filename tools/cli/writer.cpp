@@ -53,7 +53,7 @@ void Writer::release() {
     capacity_ = 0;
 }
 
-// Room for `size` bytes, at most `most_`: by growing, else by passing on what is there.
+// Room for `size` bytes: by passing on what is there when it gets too much, and by growing.
 void Writer::makeRoom(std::size_t size) {
     if (used_ + size > most_) {
         flush();

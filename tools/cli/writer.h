@@ -1,6 +1,8 @@
 // Buffered output: to a descriptor, or to one of many files.
 #pragma once
 
+#include "tools/cli/short_text.h"
+
 #include <cstddef>
 #include <cstring>
 #include <memory>
@@ -23,7 +25,8 @@ class Target {
 
 class Writer {
    public:
-    // `most`: bytes that are buffered; the buffer grows up to that.
+    // `most`: bytes that are buffered; the buffer grows up to that, and beyond only for more in one
+    // piece of `room`.
     explicit Writer(std::unique_ptr<Target> target, std::size_t most = kMost)
         : target_(std::move(target)), most_(most) {}
 
@@ -41,11 +44,10 @@ class Writer {
     void append(std::string_view text) { append(text.data(), text.size()); }
     void put(char c) { append(&c, 1); }
 
-    // Room for at least kRoom bytes; `advance` says how far it was used.
-    static constexpr std::size_t kRoom = 64;
-    char* room() {
-        if (capacity_ - used_ < kRoom) {
-            makeRoom(kRoom);
+    // Room for `size` bytes, and for copyText; `advance` says how far it was used.
+    char* room(std::size_t size) {
+        if (capacity_ - used_ < size + kCopySlack) {
+            makeRoom(size + kCopySlack);
         }
         return buffer_.get() + used_;
     }

@@ -108,7 +108,8 @@ class LetterSet {
 
     // Do they say which day and which time it is?
     [[nodiscard]] bool readable() const noexcept {
-        const bool day = (has(Parts::MONTH) && has(Parts::DAY)) || has(Parts::DAY_OF_YEAR);
+        const bool day =
+            has(Parts::MONTH) == has(Parts::DAY) && (has(Parts::MONTH) || has(Parts::DAY_OF_YEAR));
         const bool week = has(Parts::WEEK_YEAR) && has(Parts::WEEK) && has(Parts::WEEKDAY);
         const bool weekParts = has(Parts::WEEK_YEAR) || has(Parts::WEEK);
         const bool date = (has(Parts::YEAR) && day && (week || !weekParts)) ||
@@ -219,6 +220,10 @@ std::optional<Pattern> Pattern::make(std::string_view pattern, Use use) {
     std::optional<std::string> expanded = expand(pattern);
     if (!expanded || expanded->find('\0') != std::string::npos) {
         return std::nullopt;
+    }
+    if (use == Use::READ) {  // the blanks around a value are no part of it
+        expanded->erase(0, expanded->find_first_not_of(' '));
+        expanded->erase(expanded->find_last_not_of(' ') + 1);
     }
     LetterSet letters;
     for (std::size_t i = 0; i < expanded->size(); ++i) {

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <random>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -47,13 +48,41 @@ bool isOurs(const struct stat& info) noexcept {
            info.st_uid == ::geteuid();
 }
 
+int open(const Syscalls& calls, const std::string& path, int flags) {
+    return uninterrupted([&] {
+        return calls.open(path.c_str(), flags | O_RDWR | O_NOFOLLOW | O_CLOEXEC, kOwnerOnly);
+    });
+}
+
+// A file under a name that nobody knows, and that it has only for a moment.
+int openBriefly(const Syscalls& calls, const std::string& directory) {
+    std::random_device random;
+    std::string path = directory + "qvejmap-";
+    for (int word = 0; word < 4; ++word) {
+        path += std::to_string(random());
+    }
+    const int fd = open(calls, path, O_CREAT | O_EXCL);
+    if (fd >= 0 && calls.unlink(path.c_str()) != 0) {
+        (void)calls.close(fd);  // nothing has been written
+        return -1;
+    }
+    return fd;
+}
+
+int openNameless(const Syscalls& calls, const std::string& directory) {
+    const int fd = open(calls, directory, O_TMPFILE | O_EXCL);
+    const bool unknown = fd < 0 && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL);
+    return unknown ? openBriefly(calls, directory) : fd;
+}
+
 }  // namespace
 
 QVStatus BlockFile::create(const Syscalls& calls, const std::string& path,
                            std::shared_ptr<BlockFile>& file) {
+    const bool nameless = path.ends_with('/');
     // Nothing is cut off an existing file, and a pipe or a device does not keep us waiting.
-    constexpr int kFlags = O_RDWR | O_CREAT | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC | O_NONBLOCK;
-    const int fd = uninterrupted([&] { return calls.open(path.c_str(), kFlags, kOwnerOnly); });
+    const int fd =
+        nameless ? openNameless(calls, path) : open(calls, path, O_CREAT | O_NOCTTY | O_NONBLOCK);
     if (fd < 0) {
         return openStatus(errno);
     }
@@ -64,8 +93,10 @@ QVStatus BlockFile::create(const Syscalls& calls, const std::string& path,
         calls.close(fd);
         throw;
     }
-    if (const QVStatus status = made->claim(); status != QV_OK) {
-        return status;
+    if (!nameless) {
+        if (const QVStatus status = made->claim(); status != QV_OK) {
+            return status;
+        }
     }
     file = std::move(made);
     return QV_OK;

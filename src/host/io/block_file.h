@@ -20,10 +20,13 @@ struct Syscalls;
 
 class BlockFile {
    public:
-    // Makes the file, mode 0600, or takes an existing one if it is regular, empty, of this user,
-    // has one link and no other block file holds it.  A symbolic link is refused when it is the
-    // last component of the path; on the way there links are followed, as everywhere. QV_IO_REFUSED
-    // leaves the existing file as it was.  QV_IO_FULL, QV_IO_OPEN.
+    // A path that ends with "/" is a directory: the file is made there without a name, so that
+    // nothing of it stays, whatever ends the program.  Where a file system has no such files it
+    // gets a name that is removed at once.
+    // Any other path: makes the file, mode 0600, or takes an existing one if it is regular, empty,
+    // of this user, has one link and no other block file holds it.  A symbolic link is refused when
+    // it is the last component of the path; on the way there links are followed, as everywhere.
+    // QV_IO_REFUSED leaves the existing file as it was.  QV_IO_FULL, QV_IO_OPEN.
     [[nodiscard]] static QVStatus create(const Syscalls& calls, const std::string& path,
                                          std::shared_ptr<BlockFile>& file);
     ~BlockFile();

@@ -20,6 +20,7 @@ const Syscalls& posixSyscalls() noexcept {
         .pwrite = &::pwrite,
         .pread = &::pread,
         .ftruncate = &::ftruncate,
+        .unlink = &::unlink,
         .duplicate = [](int fd) { return ::fcntl(fd, F_DUPFD_CLOEXEC, 0); },
         .close = &::close,
     };

@@ -18,6 +18,7 @@ struct Syscalls {
     ssize_t (*pwrite)(int fd, const void* bytes, std::size_t count, off_t offset);
     ssize_t (*pread)(int fd, void* bytes, std::size_t count, off_t offset);
     int (*ftruncate)(int fd, off_t size);
+    int (*unlink)(const char* path);
     int (*duplicate)(int fd);  // closed when another program is started
     int (*close)(int fd);
 };

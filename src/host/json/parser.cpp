@@ -53,6 +53,7 @@ Parser::Parser(QVHndlp hndl, const JSNParserParms& parms, const ParserSettings& 
     JSNParser::line = &lineOf;
     JSNParser::column = &columnOf;
     JSNParser::eventColumn = &eventColumnOf;
+    JSNParser::setRules = &setRules;
 }
 
 QVStatus Parser::destroyParser(QVGeneric* self) {
@@ -79,9 +80,17 @@ int64_t Parser::columnOf(JSNParserh self) {
 
 int64_t Parser::eventColumnOf(JSNParserh self) {
     const auto* parser = static_cast<Parser*>(self);
-    const int64_t offset =
-        parser->event_ != nullptr ? parser->offsetOf(parser->event_) : parser->eventOffset_;
-    return offset - parser->lineStart_ + 1;
+    return parser->event_ != nullptr ? parser->columnOf(parser->event_) : parser->eventColumn_;
+}
+
+// The column of a byte of the present buffer.
+int64_t Parser::columnOf(const uint8_t* p) const {
+    return rules_.columnOf != nullptr ? rules_.columnOf(rules_.arg, offsetOf(p))
+                                      : offsetOf(p) - lineStart_ + 1;
+}
+
+void Parser::setRules(JSNParserh self, const JSNTextRules* rules) {
+    static_cast<Parser*>(self)->rules_ = *rules;
 }
 
 QVStatus Parser::parseBytes(const uint8_t* buf, std::size_t bufLen, bool done) {
@@ -101,8 +110,11 @@ QVStatus Parser::parseBytes(const uint8_t* buf, std::size_t bufLen, bool done) {
         const QVStatus status = deliverNumber();
         pause(status == QV_OK ? State::DONE : State::FAILED, status, buf_ + bufLen);
     }
+    if (done && rules_.lines != 0 && containers_.depth() == 0) {
+        endLines();
+    }
     if (event_ != nullptr) {  // its token may go on in the next buffer
-        eventOffset_ = offsetOf(event_);
+        eventColumn_ = state_ == State::TOKEN ? columnOf(event_) : 0;
         event_ = nullptr;
     }
     bufOffset_ += static_cast<int64_t>(bufLen);
@@ -138,6 +150,37 @@ const uint8_t* Parser::word(const uint8_t* p, const uint8_t* end) {
         default:
             return unexpected(isLetter(*p) ? QV_JSON_LITERAL : QV_JSON_VALUE, p);
     }
+}
+
+// ---- JSON Lines -------------------------------------------------------------------------------
+
+// Behind the value of a line, perhaps in a later buffer: the rest of the line, and what follows up
+// to the next value.
+const uint8_t* Parser::nextLine(const uint8_t* p, const uint8_t* end) {
+    const int64_t before = line_;
+    p = spaceRun(p, end);
+    const State state = line_ == before ? State::DONE : State::VALUE;
+    if (p == end) {
+        return pause(state, QV_EOF, p);
+    }
+    if (state == State::DONE) {
+        return fail(QV_JSON_LINE_REST, p);
+    }
+    state_ = state;
+    return p;
+}
+
+// The text ends between two values: the array around them ends too.
+void Parser::endLines() {
+    if (state_ == State::BEGIN) {
+        status_ = callbacks_->arrayStart(callbacks_);
+    } else if (state_ == State::VALUE || state_ == State::DONE) {
+        status_ = QV_OK;
+    } else {
+        return;
+    }
+    status_ = status_ == QV_OK ? callbacks_->arrayEnd(callbacks_) : status_;
+    state_ = State::FAILED;  // nothing may follow
 }
 
 // ---- Tokens for the collectors ----------------------------------------------------------------
@@ -252,7 +295,7 @@ std::nullptr_t Parser::fail(QVStatus status, const uint8_t* p) {
 
 // A byte that begins nothing that may stand at `p`.  `status` says what was expected.
 std::nullptr_t Parser::unexpected(QVStatus status, const uint8_t* p) {
-    return fail(*p == '/' ? QV_JSON_COMMENT : status, p);
+    return fail(*p == '/' ? QV_JSON_COMMENT : *p == '\n' ? QV_JSON_LINE_END : status, p);
 }
 
 }  // namespace qvhost

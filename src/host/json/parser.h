@@ -8,6 +8,10 @@
 //
 // Nothing recurses: open containers are bits of a stack on the heap.
 //
+// JSON Lines.  The events of the array around the values are made here; else a line is a document
+// of its own, so that a place is never anything but the place in the text.  Within a value a line
+// feed is not passed over as white space, and so turns up where a token is expected.
+//
 // Position.  Line ends are counted where white space is passed over, the only place where a raw
 // line feed may stand; so there is no second pass over the bytes.
 //
@@ -55,7 +59,7 @@ class Parser : public JSNParser {
         ELEMENT_NEXT,    // behind an element: ',' or ']'
         TOKEN,           // inside a token that crosses the end of a buffer
         DONE,            // only white space
-        FAILED           // nothing: `status_` is the answer for ever
+        FAILED           // nothing: `status_` is the answer for ever, a mistake or the end
     };
     enum class Token : uint8_t { NAME, STRING, NUMBER, WORD };
 
@@ -64,6 +68,7 @@ class Parser : public JSNParser {
     static int64_t lineOf(JSNParserh self);
     static int64_t columnOf(JSNParserh self);
     static int64_t eventColumnOf(JSNParserh self);
+    static void setRules(JSNParserh self, const JSNTextRules* rules);
     static QVStatus destroyParser(QVGeneric* self);
     QVStatus parseBytes(const uint8_t* buf, std::size_t bufLen, bool done);
 
@@ -99,6 +104,10 @@ class Parser : public JSNParser {
         return status == QV_OK ? p : fail(status, p);
     }
 
+    // JSON Lines.
+    const uint8_t* nextLine(const uint8_t* p, const uint8_t* end);
+    void endLines();
+
     // Tokens for the collectors.
     const uint8_t* beginString(const uint8_t* text, const uint8_t* stop, const uint8_t* end,
                                Token token);
@@ -115,12 +124,14 @@ class Parser : public JSNParser {
     std::nullptr_t pause(State state, QVStatus status, const uint8_t* p);
     std::nullptr_t fail(QVStatus status, const uint8_t* p);
     std::nullptr_t unexpected(QVStatus status, const uint8_t* p);
+    [[nodiscard]] int64_t columnOf(const uint8_t* p) const;
     [[nodiscard]] int64_t offsetOf(const uint8_t* p) const { return bufOffset_ + (p - buf_); }
 
     JSNParseCB* callbacks_;
     uint64_t maxDepth_;
     const ScanRoutines& scan_;
     bool utf8_;
+    JSNTextRules rules_ = {};
     State state_ = State::BEGIN;
     QVStatus status_ = QV_OK;
 
@@ -133,7 +144,7 @@ class Parser : public JSNParser {
     int64_t lineStart_ = 0;  // offset of its first byte
 
     const uint8_t* event_ = nullptr;  // where the present token begins; null: in an earlier buffer,
-    int64_t eventOffset_ = 0;         // at this place in the document
+    int64_t eventColumn_ = 1;         // in this column
 
     Token token_ = Token::STRING;  // the token of State::TOKEN
     GrowingBytes text_;            // its text

@@ -8,6 +8,8 @@
 #include "host/json/parser.h"
 #include "host/json/scan_window.h"
 
+#include <cstring>
+
 namespace qvhost {
 
 namespace {
@@ -151,7 +153,7 @@ const uint8_t* Parser::firstOrEnd(const uint8_t* p, const uint8_t* end) {
                 return pause(State::BEGIN, QV_EOF, p);
             }
             state_ = *p == 0xEF ? State::BOM : State::VALUE;
-            return p;
+            return rules_.lines == 0 ? p : delivered(callbacks_->arrayStart(callbacks_), p);
         case State::BOM:
             return byteOrderMark(p, end);
         case State::VALUE:
@@ -184,6 +186,9 @@ const uint8_t* Parser::firstOrEnd(const uint8_t* p, const uint8_t* end) {
             state_ = token_ == Token::NAME ? State::COLON : afterValue();
             return collectToken(p, end);
         case State::DONE:
+            if (rules_.lines != 0) {
+                return nextLine(p, end);
+            }
             p = space(p, end);
             return p == end ? pause(State::DONE, QV_OK, p) : fail(QV_JSON_TRAILING, p);
         case State::NAME:
@@ -276,9 +281,14 @@ const uint8_t* Parser::firstOrEnd(const uint8_t* p, const uint8_t* end) {
     if (end - p >= 2 && *p == ' ' && p[1] > ' ') {
         return p + 1;
     }
+    const uint8_t* from = p;
     LineEnds lines;
     p = scan_.space(p, end, lines);
     if (lines.last != nullptr) {
+        if (rules_.lines != 0 && containers_.depth() != 0) {
+            return static_cast<const uint8_t*>(
+                std::memchr(from, '\n', static_cast<std::size_t>(p - from)));
+        }
         line_ += lines.count;
         lineStart_ = offsetOf(lines.last) + 1;
     }

@@ -30,8 +30,8 @@ $ qvejmap convert orders.json -o nd --format ndjson --alldata; ls -A nd; head -2
   orders_customer.ndjson
   orders_items.ndjson
   orders_tags.ndjson
-  {"P":1,"P1":"orders","P2":"","P3":"","V":0,"Value":""}
-  {"P":2,"P1":"orders","P2":"id","P3":"","V":1,"Value":"1001"}
+  {"P":1,"P1":"orders","V":0}
+  {"P":2,"P1":"orders","P2":"id","V":1,"Value":"1001"}
 ! qvejmap: 5 tables, 38 rows in nd
 
 # Missing folders are made, all of them.
@@ -117,7 +117,7 @@ $ printf '[12345678901234567890,{"k":9007199254740993,"m":-9007199254740993}]' |
 ! qvejmap: <stdin>:1:49: root.m has 1 number that a double does not keep, here
 $ cat loss/root.csv
   ordinal_root,element1,k,m\r
-  1,12345678901234567168,9007199254740992,-9007199254740992\r
+  1,12345678901234567890,9007199254740993,-9007199254740993\r
 $ printf '{"":1,"b":2,"a":[1,{"b":[2]}]}' | qvejmap convert - -o few -q --alldata --alldata-name Everything
 ! qvejmap: <stdin>: tables "", a_b have no rows; their values are only in Everything
 $ printf '[1,2]' | qvejmap convert - -o one -q

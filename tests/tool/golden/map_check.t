@@ -121,7 +121,6 @@ $ qvejmap tables orders.json --map odd.json; qvejmap read orders.json t --map od
 ! qvejmap: odd.json: NORETAIN does not change ordinal columns: t.o
 ! qvejmap: odd.json: values are cut in: t.name� (3 of 8 bytes)
 ! qvejmap: more than one table is named t: read opens the first
-! qvejmap: odd.json: values are cut in: t.name� (3 of 8 bytes)
 
 # Names of a document that its own map cannot say.
 $ printf '{"a/b":{"c":1},"x":{"y\\u0002z":2}}' > names.json; qvejmap map names.json -o names.map; qvejmap map check names.map names.json

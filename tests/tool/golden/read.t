@@ -14,10 +14,71 @@ $ for table in orders orders_customer orders_items orders_tags; do qvejmap read 
   1,1,1,gift,fragile\r
   1,2,2,pickup,\r
 
-# NDJSON: missing is null, a blank cell "".
-$ printf '[{"s":"x","n":1},{"s":null,"n":null}]' | qvejmap read - root --format ndjson
+# NDJSON: null is null, an empty text "", and what is not there is left out.
+$ printf '[{"s":"x","n":1},{"s":null,"n":null},{"s":"","n":true},{"n":2},{}]' | qvejmap read - root --format ndjson
   {"ordinal_root":1,"s":"x","n":1}
-  {"ordinal_root":2,"s":"","n":null}
+  {"ordinal_root":2,"s":null,"n":null}
+  {"ordinal_root":3,"s":"","n":1}
+  {"ordinal_root":4,"n":2}
+$ printf '{"r":[{"a":1},{"b":2},{"b":null}]}' | qvejmap read - r --ordinals 0 --format ndjson
+  {"a":1}
+  {"b":2}
+  {"b":null}
+
+# CSV has --null for that.  What looks the same is quoted.
+$ printf '[{"s":"x","n":1},{"s":null,"n":null},{"s":"","n":-0},{"s":"NULL","n":true},{"n":0}]' > null.json
+$ for null in NULL '' 0 1 '\N'; do qvejmap read null.json root --null "$null"; done
+  ordinal_root,s,n\r
+  1,x,1\r
+  2,NULL,NULL\r
+  3,,-0\r
+  4,"NULL",1\r
+  5,NULL,0\r
+  ordinal_root,s,n\r
+  1,x,1\r
+  2,,\r
+  3,"",-0\r
+  4,NULL,1\r
+  5,,0\r
+  ordinal_root,s,n\r
+  1,x,1\r
+  2,0,0\r
+  3,,-0\r
+  4,NULL,1\r
+  5,0,"0"\r
+  ordinal_root,s,n\r
+  "1",x,"1"\r
+  2,1,1\r
+  3,,-0\r
+  4,NULL,"1"\r
+  5,1,0\r
+  ordinal_root,s,n\r
+  1,x,1\r
+  2,\\N,\\N\r
+  3,,-0\r
+  4,NULL,1\r
+  5,\\N,0\r
+$ printf '{"r":[{"a":"x"},{"a":null},{"a":""},{"a":"?"}]}' > one.json
+$ qvejmap read one.json r --ordinals 0 --null ''; qvejmap read one.json r --ordinals 0 --null '?'
+  a\r
+  x\r
+  \r
+  ""\r
+  ?\r
+  a\r
+  x\r
+  ?\r
+  ""\r
+  "?"\r
+$ qvejmap read one.json r --null 'a,b'
+! qvejmap: --null: 'a,b' has a comma, a quote or a character that cannot be shown (qvejmap --help tells more)
+? 2
+$ qvejmap read one.json r --null "$(printf 'a\nb')"
+! qvejmap: --null: 'a\nb' has a comma, a quote or a character that cannot be shown (qvejmap --help tells more)
+? 2
+$ qvejmap read one.json r --null NULL --format ndjson
+! qvejmap: --null: ndjson has a null of its own (qvejmap --help tells more)
+? 2
 
 # Names in any case; ALLDATA by its exact name.
 $ qvejmap read orders.json ORDERS --limit 1
@@ -68,14 +129,14 @@ $ printf '{"records":{"map":1}}' | qvejmap read - records
   ordinal_root,ordinal_records,map\r
   1,1,1\r
 
-# Fields that need quotes, and those that do not; blanks at the end go, others stay.
+# Fields that need quotes, and those that do not; blanks stay.
 $ printf '{"a":"x,y","b":"say \\"hi\\"","c":"two\\nlines","d":" kept  ","e":"tab\\there","f":"\\r","g":"","h":"é"}' > quotes.json
 $ qvejmap read quotes.json root
   ordinal_root,a,b,c,d,e,f,g,h\r
   1,"x,y","say ""hi""","two
-  lines", kept,tab\there,"\r",,é\r
+  lines", kept  ,tab\there,"\r",,é\r
 $ qvejmap read quotes.json root --format ndjson
-  {"ordinal_root":1,"a":"x,y","b":"say \\"hi\\"","c":"two\\nlines","d":" kept","e":"tab\\there","f":"\\r","g":"","h":"é"}
+  {"ordinal_root":1,"a":"x,y","b":"say \\"hi\\"","c":"two\\nlines","d":" kept  ","e":"tab\\there","f":"\\r","g":"","h":"é"}
 
 # In a table of one column an empty field is written "", or the line would be empty.
 $ printf '{"r":[{"a":"x"},{"a":""}]}' | qvejmap read - r --ordinals 0
@@ -87,23 +148,25 @@ $ printf '{"r":[{"a":1},{"a":null}]}' | qvejmap read - r --ordinals 0
   1\r
   ""\r
 
-# Numbers: shortest form that reads back.
-$ printf '{"r":[0,-0,-0.0,1.0,1e2,0.1,1e-7,9007199254740992,1e30,-1.5e300,5e-324,1e400,-1e400]}' > numbers.json
+# Numbers: as the document has them.
+$ printf '{"r":[0,-0,-0.0,1.0,1e2,0.1,1e-7,9007199254740992,1e30,-1.5e300,5e-324,1e400,-1e400,1.10,1E+05,12345678901234567890]}' > numbers.json
 $ qvejmap read numbers.json r --ordinals 0
-  r1,r2,r3,r4,r5,r6,r7,r8,r9,r10,r11,r12,r13\r
-  0,-0,-0,1,100,0.1,1e-07,9007199254740992,1e+30,-1.5e+300,5e-324,inf,-inf\r
+  r1,r2,r3,r4,r5,r6,r7,r8,r9,r10,r11,r12,r13,r14,r15,r16\r
+  0,-0,-0.0,1.0,1e2,0.1,1e-7,9007199254740992,1e30,-1.5e300,5e-324,1e400,-1e400,1.10,1E+05,12345678901234567890\r
 ! qvejmap: numbers.json:1:72: r.r12 has 1 number that a double does not keep, here
 ! qvejmap: numbers.json:1:78: r.r13 has 1 number that a double does not keep, here
+! qvejmap: numbers.json:1:96: r.r16 has 1 number that a double does not keep, here
 $ qvejmap read numbers.json r --ordinals 0 --format ndjson
-  {"r1":0,"r2":-0,"r3":-0,"r4":1,"r5":100,"r6":0.1,"r7":1e-07,"r8":9007199254740992,"r9":1e+30,"r10":-1.5e+300,"r11":5e-324,"r12":1e400,"r13":-1e400}
+  {"r1":0,"r2":-0,"r3":-0.0,"r4":1.0,"r5":1e2,"r6":0.1,"r7":1e-7,"r8":9007199254740992,"r9":1e30,"r10":-1.5e300,"r11":5e-324,"r12":1e400,"r13":-1e400,"r14":1.10,"r15":1E+05,"r16":12345678901234567890}
 ! qvejmap: numbers.json:1:72: r.r12 has 1 number that a double does not keep, here
 ! qvejmap: numbers.json:1:78: r.r13 has 1 number that a double does not keep, here
+! qvejmap: numbers.json:1:96: r.r16 has 1 number that a double does not keep, here
 
 # Integers past 2^53 are told, also when nothing else is.
 $ printf '[{"id":9007199254740993,"n":9007199254740992,"f":9007199254740993.0,"s":"9007199254740993"},{"id":1}]' |
 >     qvejmap read - root -q
   ordinal_root,id,n,f,s\r
-  1,9007199254740992,9007199254740992,9007199254740992,9007199254740993\r
+  1,9007199254740993,9007199254740992,9007199254740993.0,9007199254740993\r
   2,1,,,\r
 ! qvejmap: <stdin>:1:8: root.id has 1 number that a double does not keep, here
 
@@ -133,12 +196,24 @@ $ echo '{}' | qvejmap read - root
 $ echo '{}' | qvejmap read - ALLDATA
   P,P1,V,Value\r
 
-# A value of more than 32767 bytes is cut, in whole characters.
+# A value of more than 32767 bytes is cut, in whole characters, and that is told.
 $ { printf '{"a":"'; head -c 32766 /dev/zero | tr '\0' x; printf 'éé"}'; } > long.json
 $ qvejmap read long.json root --ordinals 0 | tail -1 | wc -c
   32768
+! qvejmap: root.a: 1 value cut to 32767 bytes, in row 1: "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx..."
 $ qvejmap read long.json root --ordinals 0 --format ndjson | tail -c 8
   xxxxx"}
+! qvejmap: root.a: 1 value cut to 32767 bytes, in row 1: "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx..."
+$ qvejmap read long.json root --ordinals 0 --rejects cut.csv > /dev/null
+! qvejmap: root.a: 1 value cut to 32767 bytes, in row 1: "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx..."
+? 1
+$ cut -d, -f 1-5 cut.csv; tail -c 40 cut.csv
+  table,row,column,path,ordinals
+  root,1,a,/root/a,
+  xxxxxxxxxxxxxxxxxxx,cut to 32767 bytes\r
+$ qvejmap read long.json ALLDATA > /dev/null
+! qvejmap: ALLDATA.Value: 1 value cut to 32767 bytes, in row 1: "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx..."
+? 1
 $ qvejmap records long.json | tail -c 4
   xxx
 $ printf '[{"a":"x"},{"a":%040000d}]' 1 | tr 0 1 | qvejmap tables - --columns --ordinals 1

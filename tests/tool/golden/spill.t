@@ -47,6 +47,9 @@ $ ln -s large.json link; qvejmap check large.json --memory 1 --cache link --forc
 $ qvejmap check large.json --memory 1 --cache tmp
 ! qvejmap: tmp: not a regular file, not replaced
 ? 5
+$ qvejmap check large.json --memory 1 --cache large.json --force; wc -l < large.json
+  12000
+! qvejmap: large.json: the document itself, not replaced
 $ : > empty; qvejmap check large.json --memory 1 --cache empty
   large.json: well formed
 

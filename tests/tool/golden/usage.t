@@ -21,6 +21,7 @@ $ qvejmap --help
   
   Options of map and convert:
     -o,--output OUT         map: file to write; convert: directory, made when missing
+    --exact                 map: columns with numbers that a double does not keep are CHARACTER
     --alldata               convert: ALLDATA too (every value with its full path)
   
   Options of convert:
@@ -29,17 +30,28 @@ $ qvejmap --help
   Options of read:
     --limit N               at most N rows
   
+  Options of convert and check:
+    --account               count what becomes of every value, and tell which are in
+                            no cell (exit code 1)
+  
   Rows and tables:
     --map FILE              use this map in place of the automatic one
     --rejects FILE          a line of CSV for each value that its column
                             cannot take
     --format NAME           csv (default) or ndjson
+    --null TEXT             CSV: what stands for null and for no value (default:
+                            nothing, as for an empty text)
     --ordinals N            levels of ordinal columns, 0 for none (default: all)
     --alldata-name NAME     name of the table ALLDATA
     --retain                columns keep their value from row to row
   
   Reading the document:
-    --encoding NAME         encoding of FILE (default: UTF-8); any that ICU names
+    --lines                 JSON Lines: a value in each line, no more and no less, or
+                            nothing (default: by the name, .jsonl or .ndjson)
+    --encoding NAME         encoding of FILE, any that ICU names (default: auto, by
+                            a byte order mark or zero bytes, else UTF-8)
+    --invalid WAY           bytes that are wrong in the encoding: error (default), or
+                            replace, by U+FFFD
     --depth N               deepest nesting allowed, 0 for any (default: 1000)
     --compress              keep the records compressed
     --memory SIZE           memory to use (default: what the machine has free)
@@ -56,9 +68,9 @@ $ qvejmap --help
     -h,--help               this page; with VERB only what that verb takes
     --version               the version
   
-  FILE may be "-" for standard input.  SIZE is a number of bytes, or of 1024 bytes and its
-  powers with K, M, G or T.  Options work in any position.  A file that is named like a verb is
-  written ./map.
+  FILE may be "-" for standard input, and may be compressed with gzip or zstd.  SIZE is a number of
+  bytes, or of 1024 bytes and its powers with K, M, G or T.  Options work in any position.  A file
+  that is named like a verb is written ./map.
   
   Exit codes: 0 done, 1 done but some values were rejected (map check, map diff: not the same),
   2 wrong usage, 3 not valid JSON, 4 no such table or trouble with the map, 5 trouble with a file,
@@ -72,9 +84,13 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
     -o,--output OUT         directory, made when missing
     --alldata               ALLDATA too (every value with its full path)
     --threads N             at most N threads (default: as many as there are cores)
+    --account               count what becomes of every value, and tell which are in
+                            no cell (exit code 1)
     --map FILE              use this map in place of the automatic one
     --rejects FILE          a line of CSV for each value that its column
                             cannot take
+    --null TEXT             CSV: what stands for null and for no value (default:
+                            nothing, as for an empty text)
   
   Rows and tables:
     --format NAME           csv (default) or ndjson
@@ -86,12 +102,12 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
 $ for verb in tables map read convert records check; do
 >     echo $verb: $(qvejmap $verb -h | grep -o '^  -[-a-z,]*')
 > done
-  tables: --names --columns --map --ordinals --alldata-name --encoding --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
-  map: -o,--output --ordinals --encoding --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
-  read: --limit --map --rejects --format --ordinals --alldata-name --retain --encoding --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
-  convert: -o,--output --alldata --threads --map --rejects --format --ordinals --alldata-name --retain --encoding --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
-  records: --encoding --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
-  check: --encoding --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  tables: --names --columns --map --ordinals --alldata-name --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  map: -o,--output --exact --ordinals --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
+  read: --limit --map --rejects --null --format --ordinals --alldata-name --retain --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
+  convert: -o,--output --alldata --threads --account --map --rejects --null --format --ordinals --alldata-name --retain --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  records: --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
+  check: --account --map --retain --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
 $ qvejmap map --help | grep -A1 'of map'
   Options of map:
     -o,--output OUT         file to write

@@ -1,0 +1,182 @@
+// See account.h.
+#include "client/account.h"
+
+#include <memory>
+#include <unordered_map>
+
+namespace qvej {
+
+namespace {
+
+bool holdsValue(const PassCell& cell) {
+    return cell.fresh != 0 && cell.kind != JMAP_CELL_MISSING && cell.kind != JMAP_CELL_COUNT;
+}
+
+uint64_t scalarsOf(const PathStatistics& path) {
+    uint64_t count = 0;
+    for (const KindStatistics& kind : path.kinds) {
+        count += kind.kind == JMAP_KIND_FAKE_VARIABLE ? 0 : static_cast<uint64_t>(kind.count);
+    }
+    return count;
+}
+
+LostValues& of(PathAccount& account, Loss loss) {
+    return account.lost[static_cast<std::size_t>(loss)];
+}
+
+void add(LostValues& lost, uint64_t number) {
+    if (lost.count++ == 0) {
+        lost.first = number;
+    }
+}
+
+// The columns of a document by path: the best of each.
+class ByPath {
+   public:
+    void offer(const std::string& path, const PathAccount& column) {
+        const auto [at, isNew] = best_.try_emplace(path, column);
+        if (!isNew && column.cells > at->second.cells) {
+            at->second = column;
+        }
+    }
+
+    // What the values of a path came to.
+    [[nodiscard]] PathAccount account(const PathStatistics& path) const {
+        const auto found = best_.find(path.path);
+        PathAccount account = found == best_.end() ? PathAccount{} : found->second;
+        account.path = path.path;
+        account.values = scalarsOf(path);
+        if (found == best_.end() && account.values != 0) {
+            of(account, Loss::NO_COLUMN) = {account.values, 1};
+        }
+        return account;
+    }
+
+   private:
+    std::unordered_map<std::string, PathAccount> best_;
+};
+
+// What the engine knows of a column when the pass has ended: all but the cells.
+PathAccount columnOf(const TablePass& pass, std::size_t table, std::size_t column) {
+    PathAccount account;
+    const JMAPPassColumn info = pass.column(table, column);
+    of(account, Loss::OVERWRITTEN) = {info.overwritten, info.firstOverwritten};
+    if (holdsValue(pass.left(table)[column])) {
+        add(of(account, Loss::NO_ROW), info.values);
+    }
+    account.values = info.values;
+    return account;
+}
+
+bool takesValues(const Column& column) {
+    return column.type != ColumnType::ORDINAL && !column.path.empty();
+}
+
+// Counts the cells of the rows of a pass.
+class CellCount {
+   public:
+    CellCount(const Document& document, const std::vector<const Table*>& tables) {
+        for (const Table* table : tables) {
+            rows_.push_back(std::make_unique<PassRow>(document, *table));
+            columns_.emplace_back(table->columns.size());
+        }
+    }
+
+    void take(const TablePass& pass, const PassItem& item) {
+        PassRow& row = *rows_[item.table];
+        if (!row.take(item)) {
+            return;
+        }
+        for (std::size_t i = 0; i < item.cells.size(); ++i) {
+            if (!holdsValue(item.cells[i])) {
+                continue;
+            }
+            PathAccount& column = columns_[item.table][i];
+            const bool refused =
+                item.cells[i].kind != JMAP_KIND_NULL && row.cell(i).kind == Cell::NUL;
+            if (refused) {
+                add(of(column, Loss::REJECTED), pass.column(item.table, i).values);
+            } else {
+                ++column.cells;
+            }
+        }
+    }
+
+    [[nodiscard]] const PathAccount& column(std::size_t table, std::size_t column) const {
+        return columns_[table][column];
+    }
+
+   private:
+    std::vector<std::unique_ptr<PassRow>> rows_;
+    std::vector<std::vector<PathAccount>> columns_;
+};
+
+}  // namespace
+
+std::string_view nameOf(Loss loss) {
+    static constexpr std::string_view kNames[kLosses] = {"overwritten", "no column", "no row",
+                                                         "rejected"};
+    return kNames[static_cast<std::size_t>(loss)];
+}
+
+bool PathAccount::meets() const {
+    uint64_t sum = cells;
+    for (const LostValues& one : lost) {
+        sum += one.count;
+    }
+    return sum == values;
+}
+
+std::vector<PathAccount> accountOf(const Document& document, bool retain) {
+    std::vector<const Table*> tables;
+    for (const Table& table : document.tables()) {
+        tables.push_back(&table);
+    }
+    TablePass pass(document, tables, retain);
+    CellCount count(document, tables);
+    for (PassItem item = {}; pass.next(item);) {
+        count.take(pass, item);
+    }
+    ByPath byPath;
+    for (std::size_t t = 0; t < tables.size(); ++t) {
+        for (std::size_t c = 0; c < tables[t]->columns.size(); ++c) {
+            if (!takesValues(tables[t]->columns[c])) {
+                continue;
+            }
+            PathAccount column = columnOf(pass, t, c);
+            column.cells = count.column(t, c).cells;
+            of(column, Loss::REJECTED) =
+                count.column(t, c).lost[static_cast<std::size_t>(Loss::REJECTED)];
+            byPath.offer(tables[t]->columns[c].path, column);
+        }
+    }
+    std::vector<PathAccount> accounts;
+    for (const PathStatistics& path : document.pathStatistics()) {
+        if (scalarsOf(path) != 0) {
+            accounts.push_back(byPath.account(path));
+        }
+    }
+    return accounts;
+}
+
+uint64_t lostOf(const Document& document, const TablePass& pass,
+                const std::vector<const Table*>& tables) {
+    ByPath byPath;
+    for (std::size_t t = 0; t < tables.size(); ++t) {
+        for (std::size_t c = 0; c < tables[t]->columns.size(); ++c) {
+            if (takesValues(tables[t]->columns[c])) {
+                PathAccount column = columnOf(pass, t, c);
+                column.cells = column.values - of(column, Loss::OVERWRITTEN).count -
+                               of(column, Loss::NO_ROW).count;
+                byPath.offer(tables[t]->columns[c].path, column);
+            }
+        }
+    }
+    uint64_t lost = 0;
+    for (const PathStatistics& path : document.pathStatistics()) {
+        lost += scalarsOf(path) - byPath.account(path).cells;
+    }
+    return lost;
+}
+
+}  // namespace qvej

@@ -1,0 +1,58 @@
+// What becomes of every value of a document in the tables of its map.
+//
+// A value is in a cell of a row, or it is lost in one of four ways.  Some ways are the tables' own:
+// an array of scalars directly in the outermost array begins rows that nothing completes, and of
+// two members of one name in one object the later one is seen.
+//
+// A path may feed several columns; what counts is the column that shows most of its values.
+//
+// Tested by tests/tool/account_test.cpp
+#pragma once
+
+#include "client/document.h"
+#include "client/table_pass.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qvej {
+
+enum class Loss {
+    OVERWRITTEN,  // a later value of the same row and column took its place
+    NO_COLUMN,    // no column takes the path
+    NO_ROW,       // its row was never complete
+    REJECTED      // its column cannot take it
+};
+inline constexpr std::size_t kLosses = 4;
+
+// "overwritten", "no column", "no row", "rejected".
+[[nodiscard]] std::string_view nameOf(Loss loss);
+
+struct LostValues {
+    uint64_t count = 0;
+    uint64_t first = 0;  // the first of them, counted from 1 among the values of the path
+};
+
+struct PathAccount {
+    std::string path;  // separator 0x02
+    uint64_t values = 0;
+    uint64_t cells = 0;  // of them in a cell
+    std::array<LostValues, kLosses> lost;
+
+    // Every value is a cell or lost.
+    [[nodiscard]] bool meets() const;
+};
+
+// The account of each path in the order of the statistics, by a pass of its own.  Throws as
+// TablePass and PassRow.
+[[nodiscard]] std::vector<PathAccount> accountOf(const Document& document, bool retain);
+
+// Values that a pass which has ended did not bring into a row, rejected ones apart.
+//   tables  those of the pass, all of the map
+[[nodiscard]] uint64_t lostOf(const Document& document, const TablePass& pass,
+                              const std::vector<const Table*>& tables);
+
+}  // namespace qvej

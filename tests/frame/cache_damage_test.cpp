@@ -1,0 +1,91 @@
+// A cache file that is not what it was when its blocks are read: no row is made of it.
+#include "testkit/open_document.h"
+#include "tests/frame/operations.h"
+
+#include <filesystem>
+#include <fstream>
+
+namespace jmap::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Writes `text` at a place of the file, counted from the end when it is negative.
+void overwrite(const fs::path& file, std::streamoff at, const std::string& text) {
+    std::fstream stream(file, std::ios::in | std::ios::out | std::ios::binary);
+    stream.seekp(at, at < 0 ? std::ios::end : std::ios::beg);
+    stream << text;
+    ASSERT_TRUE(stream.flush().good());
+}
+
+struct Damage {
+    const char* name;
+    QVStatus status;  // QV_OK: it does no harm, since the file stays open
+    void (*inflict)(const fs::path& file);
+};
+
+constexpr Damage kDamages[] = {
+    {"emptied", QV_IO_SHORT, [](const fs::path& file) { fs::resize_file(file, 0); }},
+    {"a byte shorter", QV_IO_SHORT,
+     [](const fs::path& file) { fs::resize_file(file, fs::file_size(file) - 1); }},
+    {"its first byte is another", QV_IO_CHANGED,
+     [](const fs::path& file) { overwrite(file, 0, "?"); }},
+    {"its last byte is another", QV_IO_CHANGED,
+     [](const fs::path& file) { overwrite(file, -1, "?"); }},
+    {"a hole in it", QV_IO_CHANGED,
+     [](const fs::path& file) {
+         const auto size = fs::file_size(file);
+         fs::resize_file(file, 100);
+         fs::resize_file(file, size);
+     }},
+    {"overwritten as a whole", QV_IO_CHANGED,
+     [](const fs::path& file) { overwrite(file, 0, std::string(fs::file_size(file), 'x')); }},
+    {"longer", QV_OK,
+     [](const fs::path& file) { std::ofstream(file, std::ios::app) << "and more"; }},
+    {"deleted", QV_OK, [](const fs::path& file) { fs::remove(file); }},
+    {"another in its place", QV_OK,
+     [](const fs::path& file) {
+         fs::remove(file);
+         std::ofstream(file) << "not the one";
+     }},
+};
+
+// Plays all operations; before operation `at` the file is damaged.  The first status but QV_OK.
+QVStatus play(LoadedHost& host, const Keeping& keeping, const std::string& file, std::string* out,
+              const Damage* damage = nullptr, std::string_view at = {}) {
+    Stage stage(host.engine(), host.journal(), keeping, file);
+    QVStatus rc = QV_OK;
+    for (const Operation& operation : operations()) {
+        if (operation.name == at) {
+            damage->inflict(file);
+        }
+        rc = operation.run(stage);
+        if (rc != QV_OK) {
+            break;
+        }
+    }
+    EXPECT_QV_OK(stage.end());
+    *out = stage.out;
+    return rc;
+}
+
+TEST(CacheFile, GivesNoRowWhenItIsNotWhatItWas) {
+    for (const bool compress : {false, true}) {
+        const Keeping keeping = {.name = "", .compress = compress, .spill = true, .rows = 700};
+        LoadedHost host;
+        std::string expected;
+        ASSERT_QV_OK(play(host, keeping, scratchFile("cache"), &expected));
+        for (const Damage& damage : kDamages) {
+            for (const char* at : {"Read", "Read of ALLDATA", "jmapRecordsNext", "jmapPassNext"}) {
+                SCOPED_TRACE(std::string(damage.name) + " before " + at);
+                std::string out;
+                EXPECT_QV(damage.status,
+                          play(host, keeping, scratchFile("cache"), &out, &damage, at));
+                EXPECT_TRUE(damage.status == QV_OK ? out == expected : expected.starts_with(out));
+            }
+        }
+    }
+}
+
+}  // namespace
+}  // namespace jmap::test

@@ -1,0 +1,155 @@
+// Each operation with each of the host's own requests for memory (`new`) failing: those behind a
+// parser, a writer, a transcoder, a pool, a loaded module.
+//
+// A program of its own, since it replaces the operators for all of it.
+#include "qvejmap.h"
+#include "qvportable.h"
+
+#include "tests/frame/operations.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <new>
+
+namespace {
+
+// The request that fails: counted only within a call of the engine.
+struct Plan {
+    bool counting = false;
+    uint64_t asked = 0;
+    uint64_t failing = 0;  // 0: none
+    bool always = false;   // and all that follow
+};
+Plan plan;
+
+void* obtain(std::size_t size) noexcept {
+    if (plan.counting) {
+        ++plan.asked;
+        if (plan.asked == plan.failing || (plan.always && plan.asked > plan.failing)) {
+            return nullptr;
+        }
+    }
+    return std::malloc(size == 0 ? 1 : size);
+}
+
+void* obtainOrThrow(std::size_t size) {
+    void* const memory = obtain(size);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+    return obtainOrThrow(size);
+}
+void* operator new[](std::size_t size) {
+    return obtainOrThrow(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return obtain(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return obtain(size);
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+namespace jmap::test {
+namespace {
+
+struct Played {
+    std::string out;
+    size_t failed = SIZE_MAX;  // the operation
+    QVStatus status = QV_OK;
+    bool told = false;            // the totals tell of a loss
+    std::vector<uint64_t> asked;  // by operation
+};
+
+// Plays all operations on a host of its own, request `n` of operation `at` failing.
+Played play(const Keeping& keeping, size_t at = SIZE_MAX, uint64_t n = 0, bool always = false) {
+    QVPortableOptions options = {};
+    options.structSize = sizeof options;
+    options.journalCallback = [](void*, const char*, size_t) {};
+    QVHndlp host = nullptr;
+    EXPECT_EQ(qvPortableStart(&options, &host), QV_OK);
+    EXPECT_EQ(qvPortableRegister(host, "qvejmap", qvejmap), QV_OK);
+    auto* engine =
+        reinterpret_cast<UserJMAP_S*>(host->loadExtension(host, U"qvejmap", 7, host->jnl));
+    Played played;
+    {
+        Stage stage(engine, host->jnl, keeping,
+                    std::filesystem::temp_directory_path().string() + "/",
+                    [](bool begins) { plan.counting = begins; });
+        for (size_t i = 0; i < operations().size() && played.failed == SIZE_MAX; ++i) {
+            plan = {false, 0, i == at ? n : 0, always};
+            played.status = operations()[i].run(stage);
+            played.asked.push_back(plan.asked);
+            plan = {};
+            played.told = stage.lossTold();
+            played.failed = played.status != QV_OK || played.told ? i : SIZE_MAX;
+        }
+        EXPECT_EQ(stage.end(), QV_OK);
+        played.out = std::move(stage.out);
+    }
+    EXPECT_EQ(engine->exth.generic.destroy(&engine->exth.generic), QV_OK);
+    EXPECT_EQ(qvPortableStop(host), QV_OK);
+    return played;
+}
+
+TEST(HostMemory, MayFailAnywhere) {
+    constexpr Keeping kKeepings[] = {
+        {.name = "deflated, in a file", .compress = true, .spill = true},
+        {.name = "in memory, with notes", .debug = ",ALL,"},
+    };
+    std::map<std::string, uint64_t> injected;
+    for (const Keeping& keeping : kKeepings) {
+        const Played clean = play(keeping);
+        ASSERT_EQ(clean.failed, SIZE_MAX) << qvStatusName(clean.status);
+        for (size_t at = 0; at < clean.asked.size(); ++at) {
+            const std::string name = operations()[at].name;
+            const uint64_t step = isLong() ? 1 : 7;
+            for (uint64_t i = 2; i < 2 * clean.asked[at] + 2; i += i < 16 ? 1 : step) {
+                SCOPED_TRACE(std::string(keeping.name) + ", " + name + ", " +
+                             std::to_string(i / 2) + (i % 2 == 0 ? "" : " and all that follow"));
+                ++injected[name];
+                const Played played = play(keeping, at, i / 2, i % 2 != 0);
+                EXPECT_TRUE(clean.out.starts_with(played.out));
+                const bool whole = played.failed == SIZE_MAX;
+                EXPECT_TRUE(!whole || played.out == clean.out)
+                    << "something is missing, and nobody was told";
+                EXPECT_TRUE(whole || played.told || played.status == QV_NOMEM ||
+                            played.status == JMAP_PARSE)
+                    << qvStatusName(played.status);
+                if (HasFailure()) {
+                    return;
+                }
+            }
+        }
+    }
+    for (const auto& [name, count] : injected) {
+        std::printf("    %-30s %6lu\n", name.c_str(), count);
+    }
+    EXPECT_GT(injected["JsonInit"], 0U);
+    EXPECT_GT(injected["JsonInput, the last"], 0U);
+    EXPECT_GT(injected["GetAutoMapBuf"], 0U);
+}
+
+}  // namespace
+}  // namespace jmap::test

@@ -1,0 +1,72 @@
+// Two documents on two threads at once: on one engine, and on an engine each.  For ThreadSanitizer
+// (scripts/test tsan); without it, for what differs.
+#include "qvejmap.h"
+#include "qvportable.h"
+
+#include "tests/frame/operations.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <thread>
+
+namespace jmap::test {
+namespace {
+
+constexpr Keeping kKeepings[] = {
+    {.name = "in memory", .rows = 200},
+    {.name = "deflated, in a file", .compress = true, .spill = true, .rows = 200},
+    {.name = "in a file, with notes", .spill = true, .debug = ",ALL,"},
+};
+
+// What all operations give, or the name of the first that failed.
+std::string play(UserJMAP_S* engine, QVJnlh jnl, const Keeping& keeping) {
+    Stage stage(engine, jnl, keeping, std::filesystem::temp_directory_path().string() + "/");
+    for (const Operation& operation : operations()) {
+        if (operation.run(stage) != QV_OK) {
+            return operation.name;
+        }
+    }
+    return stage.out;
+}
+
+TEST(Threads, TwoDocumentsAtOnceAreIndependent) {
+    QVPortableOptions options = {};
+    options.structSize = sizeof options;
+    options.journalCallback = [](void*, const char*, size_t) {};
+    QVHndlp host = nullptr;
+    ASSERT_EQ(qvPortableStart(&options, &host), QV_OK);
+    ASSERT_EQ(qvPortableRegister(host, "qvejmap", qvejmap), QV_OK);
+    const auto load = [&] {
+        return reinterpret_cast<UserJMAP_S*>(host->loadExtension(host, U"qvejmap", 7, host->jnl));
+    };
+    UserJMAP_S* const shared = load();
+    std::string expected[std::size(kKeepings)];
+    for (size_t i = 0; i < std::size(kKeepings); ++i) {
+        expected[i] = play(shared, host->jnl, kKeepings[i]);
+        ASSERT_GT(expected[i].size(), 100U) << expected[i];
+    }
+    for (const bool own : {false, true}) {
+        SCOPED_TRACE(own ? "an engine each" : "one engine");
+        const auto work = [&](size_t first, int* differed) {
+            UserJMAP_S* const engine = own ? load() : shared;  // loading too is for any thread
+            for (size_t turn = 0; turn < 6; ++turn) {
+                const size_t i = (first + turn) % std::size(kKeepings);
+                *differed += play(engine, host->jnl, kKeepings[i]) == expected[i] ? 0 : 1;
+            }
+            if (own) {
+                EXPECT_EQ(engine->exth.generic.destroy(&engine->exth.generic), QV_OK);
+            }
+        };
+        int differed[2] = {};
+        std::thread first(work, 0, &differed[0]), second(work, 1, &differed[1]);
+        first.join();
+        second.join();
+        EXPECT_EQ(differed[0] + differed[1], 0);
+    }
+    EXPECT_EQ(shared->exth.generic.destroy(&shared->exth.generic), QV_OK);
+    EXPECT_EQ(qvPortableStop(host), QV_OK);
+}
+
+}  // namespace
+}  // namespace jmap::test

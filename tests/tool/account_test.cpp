@@ -1,0 +1,184 @@
+// What becomes of the values of a document: nothing is lost that is not counted, and ALLDATA has
+// everything.
+#include "client/account.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+
+namespace {
+
+// Counts scalars, by another parser.
+class Scalars : public nlohmann::json::json_sax_t {
+   public:
+    uint64_t count = 0;
+    bool null() override { return one(); }
+    bool boolean(bool /*value*/) override { return one(); }
+    bool number_integer(number_integer_t /*value*/) override { return one(); }
+    bool number_unsigned(number_unsigned_t /*value*/) override { return one(); }
+    bool number_float(number_float_t /*value*/, const string_t& /*text*/) override { return one(); }
+    bool string(string_t& /*value*/) override { return one(); }
+    bool binary(binary_t& /*value*/) override { return false; }
+    bool start_object(std::size_t /*size*/) override { return true; }
+    bool key(string_t& /*name*/) override { return true; }
+    bool end_object() override { return true; }
+    bool start_array(std::size_t /*size*/) override { return true; }
+    bool end_array() override { return true; }
+    bool parse_error(std::size_t /*at*/, const std::string& /*token*/,
+                     const nlohmann::detail::exception& /*error*/) override {
+        return false;
+    }
+
+   private:
+    bool one() {
+        ++count;
+        return true;
+    }
+};
+
+// Rows of ALLDATA that have a value.
+uint64_t valuesInAlldata(const qvej::Document& document) {
+    qvej::TablePass pass(document, {&document.alldata()});
+    std::size_t flag = 0;
+    while (document.alldata().columns.at(flag).name != "V") {
+        ++flag;
+    }
+    uint64_t count = 0;
+    for (qvej::PassItem item = {}; pass.next(item);) {
+        count += item.cells[flag].count;
+    }
+    return count;
+}
+
+// "values=cells+overwritten+no column+no row+rejected"
+std::string sums(const std::vector<qvej::PathAccount>& accounts) {
+    uint64_t values = 0;
+    uint64_t cells = 0;
+    std::array<uint64_t, qvej::kLosses> lost = {};
+    for (const qvej::PathAccount& account : accounts) {
+        EXPECT_TRUE(account.meets()) << qvej::withSlashes(account.path);
+        values += account.values;
+        cells += account.cells;
+        for (std::size_t i = 0; i < qvej::kLosses; ++i) {
+            lost[i] += account.lost[i].count;
+            EXPECT_EQ(account.lost[i].count == 0, account.lost[i].first == 0);
+        }
+    }
+    std::string text = std::to_string(values) + "=" + std::to_string(cells);
+    for (const uint64_t count : lost) {
+        text += "+" + std::to_string(count);
+    }
+    return text;
+}
+
+// The sums with the automatic map, or with `map`; all that must hold is checked.
+std::string account(const std::string& text, const std::string& map = {}) {
+    qvej::Engine engine;
+    qvej::Document document(engine);
+    document.feed(text);
+    document.finish();
+    if (!map.empty()) {
+        document.useMap(map);
+    }
+    Scalars scalars;
+    EXPECT_TRUE(nlohmann::json::sax_parse(text, &scalars));
+    EXPECT_EQ(scalars.count, valuesInAlldata(document));
+    const std::string found = sums(qvej::accountOf(document, false));
+    EXPECT_EQ(std::to_string(scalars.count), found.substr(0, found.find('=')));
+    (void)sums(qvej::accountOf(document, true));
+    std::vector<const qvej::Table*> tables;
+    for (const qvej::Table& table : document.tables()) {
+        tables.push_back(&table);
+    }
+    qvej::TablePass pass(document, tables);
+    for (qvej::PassItem item = {}; pass.next(item);) {
+    }
+    uint64_t lost = 0;
+    for (const qvej::PathAccount& path : qvej::accountOf(document, false)) {
+        lost += path.values - path.cells -
+                path.lost[static_cast<std::size_t>(qvej::Loss::REJECTED)].count;
+    }
+    EXPECT_EQ(lost, qvej::lostOf(document, pass, tables));
+    return found;
+}
+
+TEST(Account, TellsTheFourWaysOfALoss) {
+    constexpr const char* kMap =
+        R"({"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root","VARIABLES":[
+            {"NAME":"n","TYPE":"NUMERIC","PATH":"/root/n"},
+            {"NAME":"d","TYPE":"NUMERIC","INFORMAT":["?date"],"PATH":"/root/d"},
+            {"NAME":"e","TYPE":"NUMERIC","INFORMAT":["date"],"PATH":"/root/d"}]},
+           {"DSNAME":"u","TABLEPATH":"/root/x","VARIABLES":[
+            {"NAME":"n","TYPE":"NUMERIC","PATH":"/root/n"}]}]})";
+    const struct {
+        const char* text;
+        const char* map;
+        const char* sums;
+    } kCases[] = {
+        {R"({"a":{"x":1,"y":[true,null,"s"]},"b":[{"c":1},{"c":2}]})", "", "6=6+0+0+0+0"},
+        {"[1,2,3]", "", "3=0+0+0+3+0"},
+        {"[1,[2],3]", "", "3=0+1+0+2+0"},
+        {R"([{"a":1,"a":2,"a":3},{"a":4}])", "", "4=2+2+0+0+0"},
+        {R"([{"a":1,"":2},{"a":3}])", "", "3=2+0+1+0+0"},
+        {R"([{"n":1},{"n":"x"},{"n":"x","n":2},{"n":3,"n":"x"},{"m":1}])", kMap, "7=2+2+1+0+2"},
+        {R"([{"d":"2020-01-02"},{"d":"x"},{"d":null}])", kMap, "3=2+0+0+0+1"},
+    };
+    for (const auto& test : kCases) {
+        SCOPED_TRACE(test.text);
+        EXPECT_EQ(test.sums, account(test.text, test.map));
+    }
+}
+
+// Values of few names, so that every way comes.
+std::string randomValue(std::mt19937& random, int depth) {
+    const auto draw = [&](unsigned below) { return static_cast<unsigned>(random() % below); };
+    if (depth == 4 || draw(8) < 3) {
+        constexpr const char* kScalars[] = {"1", "-2.5", "true", "null", "\"\"", "\"12\"", "\"x\""};
+        return kScalars[draw(std::size(kScalars))];
+    }
+    constexpr const char* kNames[] = {"\"a\":", "\"b\":", "\"\":", "\"a1\":", "\"a\\u0002b\":"};
+    const bool object = draw(5) < 3;
+    std::string text = object ? "{" : "[";
+    for (unsigned left = draw(5); left > 0; --left) {
+        text += (object ? kNames[draw(std::size(kNames))] : "") + randomValue(random, depth + 1) +
+                (left > 1 ? "," : "");
+    }
+    return text + (object ? "}" : "]");
+}
+
+TEST(Account, MeetsForRandomDocuments) {
+    std::mt19937 random(7);
+    int lossy = 0;
+    for (int i = 0; i < 400; ++i) {
+        std::string text = "[" + randomValue(random, 1);
+        for (int more = 0; more < 3; ++more) {
+            text += "," + randomValue(random, 1);
+        }
+        SCOPED_TRACE(text + "]");
+        lossy += account(text + "]").find("+0+0+0+0") == std::string::npos ? 1 : 0;
+    }
+    EXPECT_GT(lossy, 100);
+}
+
+TEST(Account, MeetsForRealDocuments) {
+    const std::filesystem::path folder = JMAP_SOURCE_DIR "/../shared/data";
+    if (!std::filesystem::is_directory(folder)) {
+        GTEST_SKIP() << "no real documents at " << folder;
+    }
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        if (entry.path().extension() == ".json" && entry.file_size() < 1'000'000) {
+            SCOPED_TRACE(entry.path());
+            std::ifstream in(entry.path(), std::ios::binary);
+            const std::string found = account({std::istreambuf_iterator<char>(in), {}});
+            EXPECT_EQ(entry.path().filename() == "numbers.json",
+                      found.find("+0+0+0+0") == std::string::npos)
+                << found;
+        }
+    }
+}
+
+}  // namespace

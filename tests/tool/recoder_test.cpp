@@ -1,0 +1,187 @@
+// Texts in any encoding on their way to UTF-8, and the columns they had.
+#include "tools/cli/recoder.h"
+
+#include "tools/cli/failure.h"
+
+#include <gtest/gtest.h>
+#include <unicode/ucnv.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace std::string_literals;
+using Invalid = Recoder::Invalid;
+
+std::string inEncoding(const std::string& utf8, const std::string& encoding) {
+    std::string text(utf8.size() * 8 + 16, '\0');
+    UErrorCode status = U_ZERO_ERROR;
+    const auto room = static_cast<int32_t>(text.size());
+    const int32_t size = ucnv_convert(encoding.c_str(), "UTF-8", text.data(), room, utf8.data(),
+                                      static_cast<int32_t>(utf8.size()), &status);
+    EXPECT_TRUE(U_SUCCESS(status)) << encoding;
+    text.resize(static_cast<std::size_t>(size));
+    return text;
+}
+
+struct Recoded {
+    std::string text;
+    bool broken = false;
+    int64_t endColumn = 0;
+};
+
+// The text converted in pieces of `size` bytes.
+Recoded recode(std::string_view text, const std::string& encoding, Invalid invalid,
+               std::size_t size = std::string::npos) {
+    Recoder recoder(encoding, text.substr(0, 4), invalid);
+    Recoded result;
+    for (bool ended = false; !ended && !recoder.broken();) {
+        std::string_view piece = text.substr(0, size);
+        text.remove_prefix(piece.size());
+        ended = piece.empty();
+        do {
+            result.text += recoder.convert(piece);
+        } while (!piece.empty() && !recoder.broken());
+    }
+    result.broken = recoder.broken();
+    result.endColumn = recoder.columnOf(static_cast<int64_t>(result.text.size()));
+    return result;
+}
+
+TEST(ToolRecoder, GuessesByTheMarkThenByTheZeros) {
+    const std::pair<std::string, const char*> cases[] = {
+        {"", "UTF-8"},
+        {"1", "UTF-8"},
+        {"{}", "UTF-8"},
+        {"[\xE9\xE9", "UTF-8"},
+        {"\xEF\xBB\xBF{", "UTF-8"},
+        {"{\0}\0"s, "UTF-16LE"},
+        {"1\0"s, "UTF-16LE"},
+        {"\"\0\xE5\x65"s, "UTF-16LE"},
+        {"\0{\0}"s, "UTF-16BE"},
+        {"\0\"\x65\xE5"s, "UTF-16BE"},
+        {"{\0\0\0"s, "UTF-32LE"},
+        {"\0\0\0{"s, "UTF-32BE"},
+        {"\xFF\xFE{\0"s, "UTF-16LE"},
+        {"\xFE\xFF\0{"s, "UTF-16BE"},
+        {"\xFF\xFE\0\0"s, "UTF-32LE"},
+        {"\0\0\xFE\xFF"s, "UTF-32BE"},
+    };
+    for (const auto& [start, encoding] : cases) {
+        EXPECT_EQ(guessEncoding(start), encoding) << testing::PrintToString(start);
+    }
+}
+
+// The columns that a text of some lines has: per line, and per character.
+TEST(ToolRecoder, ConvertsAndKnowsColumnsHoweverTheTextIsCut) {
+    const struct {
+        const char* encoding;
+        std::string text;
+        std::vector<int64_t> columns;  // of each character
+    } cases[] = {
+        {"UTF-8", "aé\n日𝄞b", {1, 2, 4, 1, 4, 8}},
+        {"ISO-8859-1", "aé\né\nb", {1, 2, 3, 1, 2, 1}},
+        {"windows-1252", "€b", {1, 2}},
+        {"ibm-037", "aéb", {1, 2, 3}},
+        {"Shift_JIS", "日\n日本b", {1, 3, 1, 3, 5}},
+        {"GB18030", "日𝄞é\nb", {1, 3, 7, 9, 1}},
+        {"EUC-JP", "日b", {1, 3}},
+        {"UTF-16LE", "aé日\n𝄞b", {1, 2, 3, 4, 1, 3}},
+        {"UTF-16BE", "\uFEFFaé\n𝄞b", {1, 2, 3, 1, 3}},
+        {"UTF-16", "a𝄞b", {1, 2, 4}},
+        {"UTF-32LE", "\uFEFF𝄞b\nc", {1, 2, 3, 1}},
+        {"UTF-32", "𝄞b", {1, 2}},
+        {"CESU-8", "a𝄞b", {1, 2, 8}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.encoding);
+        const bool marked = c.text.starts_with("\uFEFF");
+        const std::string plain = c.text.substr(marked ? 3 : 0);
+        const std::string text = inEncoding(c.text, c.encoding);
+        for (std::size_t size = 1; size <= text.size(); ++size) {
+            SCOPED_TRACE(size);
+            Recoder recoder(c.encoding, text.substr(0, 4), Invalid::STOPS);
+            std::string all;
+            std::vector<int64_t> columns;
+            for (std::size_t at = 0; at <= text.size(); at += size) {
+                std::string_view piece = std::string_view(text).substr(at, size);
+                const auto base = static_cast<int64_t>(all.size());
+                const std::string_view converted = recoder.convert(piece);
+                EXPECT_TRUE(piece.empty());
+                all += converted;
+                for (std::size_t i = 0; i < converted.size(); ++i) {
+                    if ((static_cast<uint8_t>(converted[i]) & 0xC0) != 0x80) {
+                        columns.push_back(recoder.columnOf(base + static_cast<int64_t>(i)));
+                    }
+                }
+            }
+            EXPECT_EQ(all, plain);
+            EXPECT_EQ(columns, c.columns);
+        }
+    }
+}
+
+TEST(ToolRecoder, StopsAtWhatIsWrongOrReplacesIt) {
+    const struct {
+        const char* encoding;
+        std::string text;
+        std::string before;
+        int64_t column;
+        std::string replaced;
+    } cases[] = {
+        {"UTF-8", "a\xFF\xC3\xA9", "a", 2, "a\uFFFDé"},
+        {"UTF-8", "é\n\xE6\x97x", "é\n", 1, "é\n\uFFFDx"},
+        {"UTF-8", "é\xE6\x97", "é", 3, "é\uFFFD"},
+        {"UTF-8", "\xED\xA0\x80", "", 1, "\uFFFD\uFFFD\uFFFD"},
+        {"US-ASCII", "ab\xE9", "ab", 3, "ab\uFFFD"},
+        {"Shift_JIS", "\x93\xFA\xFF\xFF", "日", 3, "日\uFFFD\uFFFD"},
+        {"Shift_JIS", "a\x93", "a", 2, "a\uFFFD"},
+        {"UTF-16LE", "a\0\0\xD8\x62\0"s, "a", 2, "a\uFFFDb"},
+        {"UTF-16LE", "a\0\0\xDC"s, "a", 2, "a\uFFFD"},
+        {"UTF-16LE", "a\0b"s, "a", 2, "a\uFFFD"},
+        {"UTF-32BE", "\0\0\0a\0\x11\0\0"s, "a", 2, "a\uFFFD"},
+        {"ISO-8859-3", "a\xA5 b", "a", 2, "a\uFFFD b"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.encoding + testing::PrintToString(c.text));
+        for (std::size_t size = 1; size <= c.text.size(); ++size) {
+            SCOPED_TRACE(size);
+            const Recoded stopped = recode(c.text, c.encoding, Invalid::STOPS, size);
+            EXPECT_TRUE(stopped.broken);
+            EXPECT_EQ(stopped.text, c.before);
+            EXPECT_EQ(stopped.endColumn, c.column);
+            const Recoded replaced = recode(c.text, c.encoding, Invalid::IS_REPLACED, size);
+            EXPECT_FALSE(replaced.broken);
+            EXPECT_EQ(replaced.text, c.replaced);
+        }
+    }
+}
+
+// Long texts pass in several steps, whose ends fall anywhere in a character.
+TEST(ToolRecoder, ConvertsLongTexts) {
+    std::mt19937 random(1);
+    const char* const characters[] = {"a", "é", "日", "𝄞", "\n"};
+    std::string text;
+    while (text.size() < 300000) {
+        text += characters[random() % 5];
+    }
+    for (const char* encoding : {"UTF-16LE", "UTF-32BE", "GB18030", "CESU-8"}) {
+        SCOPED_TRACE(encoding);
+        const std::string there = inEncoding(text + "\n12", encoding);
+        for (const std::size_t size : {std::size_t{999}, there.size()}) {
+            const Recoded back = recode(there, encoding, Invalid::STOPS, size);
+            EXPECT_TRUE(back.text == text + "\n12");
+            EXPECT_EQ(back.endColumn, 3);
+        }
+    }
+}
+
+TEST(ToolRecoder, RefusesUnknownNames) {
+    for (const char* name : {"", "no-such", "auto"}) {
+        EXPECT_THROW(Recoder(name, "", Invalid::STOPS), Failure) << name;
+    }
+}
+
+}  // namespace

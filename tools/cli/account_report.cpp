@@ -1,0 +1,143 @@
+// See account_report.h.
+#include "tools/cli/account_report.h"
+
+#include "tools/cli/escape.h"
+#include "tools/cli/listing.h"
+#include "tools/cli/remarks.h"
+#include "tools/cli/session.h"
+#include "tools/cli/writer.h"
+
+#include <algorithm>
+#include <array>
+#include <unordered_map>
+
+namespace {
+
+// What is lost of one path in one way.
+struct Line {
+    const qvej::PathAccount* account;
+    qvej::Loss loss;
+    uint64_t count;
+    uint64_t first;
+    qvej::Spot place;
+};
+
+std::vector<Line> linesOf(const std::vector<qvej::PathAccount>& accounts,
+                          const std::vector<qvej::Spot>& starts) {
+    std::vector<Line> lines;
+    for (std::size_t i = 0; i < accounts.size(); ++i) {
+        for (std::size_t loss = 0; loss < qvej::kLosses; ++loss) {
+            const qvej::LostValues& lost = accounts[i].lost[loss];
+            if (lost.count != 0) {
+                lines.push_back({&accounts[i], static_cast<qvej::Loss>(loss), lost.count,
+                                 lost.first, lost.first == 1 ? starts[i] : qvej::Spot{}});
+            }
+        }
+    }
+    return lines;
+}
+
+// Reads the document again for the places that are not known.
+void findPlaces(const Options& options, std::vector<Line>& lines) {
+    std::vector<qvej::Watch> watches;
+    std::vector<Line*> wanted;
+    for (Line& line : lines) {
+        if (line.place.line == 0) {
+            watches.push_back({line.account->path, line.first});
+            wanted.push_back(&line);
+        }
+    }
+    if (watches.empty() || options.operands[0] == "-") {
+        return;
+    }
+    Options again = options;
+    again.cache.clear();
+    again.debug.clear();
+    const Session session(again, options.operands[0], {}, watches);
+    for (std::size_t i = 0; i < wanted.size(); ++i) {
+        wanted[i]->place = session.document().watched(i);
+    }
+}
+
+std::string sumLine(const std::vector<qvej::PathAccount>& accounts) {
+    uint64_t values = 0;
+    uint64_t cells = 0;
+    std::array<uint64_t, qvej::kLosses> lost = {};
+    for (const qvej::PathAccount& account : accounts) {
+        values += account.values;
+        cells += account.cells;
+        for (std::size_t loss = 0; loss < qvej::kLosses; ++loss) {
+            lost[loss] += account.lost[loss].count;
+        }
+    }
+    std::string line = std::to_string(values) + " values = " + std::to_string(cells) + " in cells";
+    for (std::size_t loss = 0; loss < qvej::kLosses; ++loss) {
+        line += " + " + std::to_string(lost[loss]) + " ";
+        line += nameOf(static_cast<qvej::Loss>(loss));
+    }
+    return line;
+}
+
+// A sum that does not meet is a mistake of this program, and must not pass for an account.
+void checkSums(const std::vector<qvej::PathAccount>& accounts) {
+    for (const qvej::PathAccount& account : accounts) {
+        if (!account.meets()) {
+            throw Failure(LIMIT_REACHED, "the account of " +
+                                             escaped(qvej::withSlashes(account.path)) +
+                                             " does not add up; please report this");
+        }
+    }
+}
+
+}  // namespace
+
+ExitCode reportAccount(const Options& options, const std::vector<qvej::PathAccount>& accounts,
+                       const std::vector<qvej::Spot>& starts) {
+    checkSums(accounts);
+    std::vector<Line> lines = linesOf(accounts, starts);
+    findPlaces(options, lines);
+    std::vector<Row> rows;
+    if (!lines.empty()) {
+        rows.push_back({"path", "values", "lost", "first"});
+    }
+    const std::string file = options.operands[0] == "-" ? "<stdin>" : options.operands[0];
+    for (const Line& line : lines) {
+        rows.push_back({escaped(qvej::withSlashes(line.account->path)), std::to_string(line.count),
+                        std::string(nameOf(line.loss)),
+                        line.place.line == 0 ? "" : shown(spotText(file, line.place))});
+    }
+    Writer out = standardOutput();
+    print(out, rows);
+    out.append(sumLine(accounts) + "\n");
+    out.flush();
+    return lines.empty() ? DONE : REJECTED;
+}
+
+std::vector<qvej::Spot> startsOf(const qvej::Document& document,
+                                 const std::vector<qvej::PathAccount>& accounts) {
+    const auto before = [](qvej::Spot a, qvej::Spot b) {
+        return a.line != b.line ? a.line < b.line : a.column < b.column;
+    };
+    std::unordered_map<std::string, qvej::Spot> starts;
+    for (const qvej::PathStatistics& path : document.pathStatistics()) {
+        for (const qvej::KindStatistics& kind : path.kinds) {
+            const auto [at, isNew] = starts.try_emplace(path.path, kind.first);
+            if (!isNew && before(kind.first, at->second)) {
+                at->second = kind.first;
+            }
+        }
+    }
+    std::vector<qvej::Spot> found;
+    found.reserve(accounts.size());
+    for (const qvej::PathAccount& account : accounts) {
+        found.push_back(starts[account.path]);
+    }
+    return found;
+}
+
+void tellLost(const std::string& file, uint64_t lost) {
+    if (lost != 0) {
+        tell(file + ": " + std::to_string(lost) + (lost == 1 ? " value is" : " values are") +
+             " in no row (qvejmap check --account tells which)");
+    }
+}
