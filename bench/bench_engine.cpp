@@ -1,10 +1,15 @@
-// Speed of the engine in process, one thread, the document in memory: scan to the automatic map, and
-// reading each table.
+// Speed of the engine in process, one thread, the document in memory: scan to the automatic map,
+// and reading each table.
 //
 //   BM_Scan/orders         bytes of document a second, buffers of 1 MiB, records kept, uncompressed
 //   BM_Read/orders/TABLE   bytes of records a second
 //
 // The first scan of each document touches fresh memory; it is timed apart and shown as "cold_MBps".
+#include "qvejmapx.h"
+
+#include "bench/documents.h"
+#include "bench/engine.h"
+
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -12,10 +17,6 @@
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "bench/documents.h"
-#include "bench/engine.h"
-#include "qvejmapx.h"
 
 namespace jmap::bench {
 namespace {
@@ -32,7 +33,8 @@ struct Prepared {
 Prepared prepare(const Document& document) {
     const auto start = std::chrono::steady_clock::now();
     QVEJMAPJsonContexth doc = scan(document.text);
-    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    const double seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     return {&document, doc, static_cast<double>(document.text.size()) / 1e6 / seconds};
 }
 
@@ -65,12 +67,14 @@ void readTable(benchmark::State& state, QVEJMAPJsonContexth doc, JMAPTableh tabl
         check(engine()->ReadTerm(rctx), "ReadTerm");
     }
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * totals.recordBytes));
-    state.counters["rows"] = benchmark::Counter(static_cast<double>(rows), benchmark::Counter::kIsRate);
+    state.counters["rows"] =
+        benchmark::Counter(static_cast<double>(rows), benchmark::Counter::kIsRate);
 }
 
 void registerScan(const Prepared& prepared) {
-    benchmark::RegisterBenchmark(("BM_Scan/" + prepared.document->name).c_str(),
-                                 [prepared](benchmark::State& state) { scanDocument(state, prepared); })
+    benchmark::RegisterBenchmark(
+        ("BM_Scan/" + prepared.document->name).c_str(),
+        [prepared](benchmark::State& state) { scanDocument(state, prepared); })
         ->Unit(benchmark::kMillisecond);
 }
 

@@ -10,11 +10,15 @@
 #include "qvejmapx.h"
 
 #include "bench/engine.h"
+#include "bench/shapes.h"
+#include "bench/timing.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <limits>
 #include <string>
 #include <vector>
@@ -26,81 +30,6 @@ constexpr int kSizes = 3;  // n, 2n, 4n
 constexpr int kRuns = 3;
 constexpr double kLeastSeconds = 1e-3;
 constexpr double kLinear = 1.1;
-
-// ---- Documents ----------------------------------------------------------------------------------
-
-std::string number(std::size_t i) {
-    return std::to_string(i);
-}
-
-// About `bytes` of one array of objects.
-std::string bytesOf(std::size_t bytes) {
-    std::string text = R"({"orders":[)";
-    for (std::size_t i = 0; text.size() < bytes; ++i) {
-        text += (i == 0 ? "" : ",") + (R"({"id":)" + number(i)) +
-                R"(,"status":"shipped","total":17.25,"customer":{"name":"Ada","vip":true},)"
-                R"("items":[{"sku":"A1","qty":2},{"sku":"B2","qty":1}]})";
-    }
-    return text + "]}";
-}
-
-// Objects within objects, keyed by names: ten paths in seven tables for each of `paths` / 10 names.
-std::string pathsOf(std::size_t paths) {
-    std::string text = R"({"api":{)";
-    for (std::size_t i = 0; i < paths / 10; ++i) {
-        if (i % 100 == 0) {
-            text += (i == 0 ? "" : "},") + (R"("group)" + number(i / 100)) + "\":{";
-        } else {
-            text += ',';
-        }
-        text += "\"feature" + number(i) + R"(":{"link":"https://example.org/")" +
-                R"(,"support":{"alpha":{"added":"12","flag":true},"beta":{"added":"79"},)"
-                R"("gamma":{"added":"14","flag":false},"delta":{"added":false},)"
-                R"("omega":{"added":"8"}},"status":{"stable":true,"old":false}})";
-    }
-    return text + "}}}";
-}
-
-// That many arrays of row objects, each with a name of its own.
-std::string tablesOf(std::size_t tables) {
-    std::string text = "{";
-    for (std::size_t i = 0; i < tables; ++i) {
-        text += (i == 0 ? "\"t" : ",\"t") + number(i) + R"(":[{"a":1,"b":"x"},{"a":2}])";
-    }
-    return text + "}";
-}
-
-// One object with that many members.
-std::string columnsOf(std::size_t columns) {
-    std::string text = "{";
-    for (std::size_t i = 0; i < columns; ++i) {
-        text += (i == 0 ? "\"c" : ",\"c") + number(i) + (i % 2 == 0 ? "\":1" : "\":\"text\"");
-    }
-    return text + "}";
-}
-
-// The same values that many levels deep.
-std::string depthOf(std::size_t depth) {
-    std::string text;
-    for (std::size_t i = 0; i < depth; ++i) {
-        text += R"({"level":)";
-    }
-    text += '[';
-    for (std::size_t i = 0; i < 50000; ++i) {
-        text += (i == 0 ? R"({"a":1,"b":"x"})" : R"(,{"a":2,"b":"y"})");
-    }
-    return text + "]" + std::string(depth, '}');
-}
-
-// A user map of one table.
-std::string userMapOf(std::size_t columns) {
-    std::string text = R"({"DATASETS":[{"DSNAME":"wide","TABLEPATH":"/root","VARIABLES":[)";
-    for (std::size_t i = 0; i < columns; ++i) {
-        text += (i == 0 ? R"({"NAME":"c)" : R"(,{"NAME":"c)") + number(i) +
-                R"(","TYPE":"CHARACTER","PATH":"/root/c)" + number(i) + "\"}";
-    }
-    return text + "]}]}";
-}
 
 // ---- Steps --------------------------------------------------------------------------------------
 
@@ -230,18 +159,8 @@ const Axis kAxes[] = {
      {{"parse", parseMap}, {"complete", completeMap}, {"read", readUserRows}}},
 };
 
-double seconds() {
-    timespec now = {};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
-}
-
-// Lowers `least` to the time of this run.
-template <class Run>
-void timed(double& least, Run run) {
-    const double start = seconds();
-    run();
-    least = std::min(least, seconds() - start);
+void keepLeast(double& least, double seconds) {
+    least = std::min(least, seconds);
 }
 
 // The least times of the scan, of making the map, and of each step.
@@ -251,10 +170,10 @@ std::vector<double> measure(const Axis& axis, std::size_t n) {
     std::vector<double> times(2 + axis.steps.size(), std::numeric_limits<double>::infinity());
     for (int run = 0; run < kRuns; ++run) {
         QVEJMAPJsonContexth doc = nullptr;
-        timed(times[0], [&] { doc = feed(text); });
-        timed(times[1], [&] { finish(doc); });
+        keepLeast(times[0], timed([&] { doc = feed(text); }));
+        keepLeast(times[1], timed([&] { finish(doc); }));
         for (std::size_t i = 0; i < axis.steps.size(); ++i) {
-            timed(times[i + 2], [&] { axis.steps[i].run(doc, mapText); });
+            keepLeast(times[i + 2], timed([&] { axis.steps[i].run(doc, mapText); }));
         }
         check(engine()->Term(doc, nullptr), "Term");
     }

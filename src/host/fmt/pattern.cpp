@@ -222,8 +222,9 @@ std::optional<Pattern> Pattern::make(std::string_view pattern, Use use) {
         return std::nullopt;
     }
     if (use == Use::READ) {  // the blanks around a value are no part of it
-        expanded->erase(0, expanded->find_first_not_of(' '));
-        expanded->erase(expanded->find_last_not_of(' ') + 1);
+        constexpr std::string_view kBlanks = " \t\n\v\f\r";
+        expanded->erase(0, expanded->find_first_not_of(kBlanks));
+        expanded->erase(expanded->find_last_not_of(kBlanks) + 1);
     }
     LetterSet letters;
     for (std::size_t i = 0; i < expanded->size(); ++i) {

@@ -1,0 +1,70 @@
+#include "kit/map_writer.h"
+
+#include <algorithm>
+
+namespace jmap::fuzz {
+namespace {
+
+std::string pathText(const char* path, QVStrSize pathLen) {
+    std::string text(textOf(path, pathLen));
+    std::replace(text.begin(), text.end(), '\x02', '/');
+    return quoted(text);
+}
+
+// Numbers are stored as unsigned ones of the same bits.
+std::string numberText(uint64_t number) {
+    return std::to_string(static_cast<int64_t>(number));
+}
+
+std::string formatText(const char* key, const char* mark, const JMAPFormat& format) {
+    return std::string(",\"") + key + "\":[" +
+           quoted(mark + std::string(wholeText(textOf(format.name, format.nameLen)))) + "," +
+           numberText(format.width) + "," + numberText(format.decimals) + "]";
+}
+
+std::string columnText(const JMAPColumnInfo& info) {
+    constexpr const char* kTypes[] = {"ORDINAL", "NUMERIC", "CHARACTER"};
+    std::string text = std::string("{\"TYPE\":\"") + kTypes[info.type] + "\"";
+    if (info.name != nullptr) {
+        text += ",\"NAME\":" + quoted(textOf(info.name, info.nameLen));
+    }
+    if (info.path != nullptr) {
+        text += ",\"PATH\":" + pathText(info.path, info.pathLen);
+    }
+    if (info.lengthFromAutomap == 0) {
+        text += ",\"LENGTH\":" + numberText(info.length);
+    }
+    text += ",\"LABEL\":" + quoted(wholeText(textOf(info.label, info.labelLen)));
+    text += formatText("FORMAT", "", info.format);
+    text += formatText("INFORMAT", info.informatNoError != 0 ? "?" : "", info.informat);
+    if (info.retain != 0 || info.noretain != 0) {
+        text +=
+            std::string(",\"OPTIONS\":[\"") + (info.retain != 0 ? "RETAIN" : "NORETAIN") + "\"]";
+    }
+    return text + "}";
+}
+
+}  // namespace
+
+std::string writtenMap(QVMemPtr map) {
+    std::string text = "{\"DATASETS\":[";
+    JMAPTableh table = nullptr;
+    while (jmapNextTable(map, &table) == QV_OK) {
+        JMAPTableInfo info;
+        jmapTableInfo(table, &info);
+        text += text.back() == '[' ? "{" : ",{";
+        text += "\"DSNAME\":" + quoted(wholeText(textOf(info.name, info.nameLen))) +
+                ",\"TABLEPATH\":" + pathText(info.tablePath, info.tablePathLen) +
+                ",\"VARIABLES\":[";
+        JMAPColumnh column = nullptr;
+        while (jmapNextColumn(table, &column) == QV_OK) {
+            JMAPColumnInfo columnInfo;
+            jmapColumnInfo(column, &columnInfo);
+            text += (text.back() == '[' ? "" : ",") + columnText(columnInfo);
+        }
+        text += "]}";
+    }
+    return text + "]}";
+}
+
+}  // namespace jmap::fuzz
