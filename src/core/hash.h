@@ -23,7 +23,7 @@ namespace jmap {
 }
 
 // Tells whether bytes are still what they were: a disk, or another program, may have changed them.
-// It does not withstand somebody who computes.  A change within eight bytes is noticed for certain.
+// It does not withstand somebody who computes.  A change within one word is noticed for certain.
 // Four words at a time, so that none waits for the one before.
 [[nodiscard]] inline uint64_t checksumOf(std::string_view bytes) noexcept {
     constexpr uint64_t kFirst = 0x9E3779B185EBCA87u, kSecond = 0xC2B2AE3D27D4EB4Fu;

@@ -23,7 +23,7 @@ struct VARINFO {
     VARINFO* next;
     char* name;
     QVStrSize nameLen;
-    char label[256];
+    char* label;  // user map; null: none
     QVStrSize labelLen;
     char* path;  // of the values; of an ordinal: what it counts.  Null: none (ALLDATA)
     QVStrSize pathLen;

@@ -229,7 +229,8 @@ QVStatus setInformatDec(JMAP_PRIVATE* p, const TOKEN& token) {
 
 QVStatus setLabel(JMAP_PRIVATE* p, const TOKEN& token) {
     VARINFO& column = lastColumn(p);
-    return setCut(p, "LABEL", column.label, column.labelLen, token.text);
+    return setCopy(p, "LABEL", column.label, column.labelLen,
+                   firstOf(token.text, sizeof VARIABLEINFO::label));
 }
 
 QVStatus setOption(JMAP_PRIVATE* p, const TOKEN& token) {

@@ -80,7 +80,9 @@ QVStatus layoutColumn(JMAP_READPRIVATE* rp, const VARINFO& from, VARIABLEINFO& i
         QV_TRY(copyText(rp->rpool, view(from.path, from.pathLen), column.path, column.pathLen));
     }
     info.labelLen = std::min(from.labelLen, static_cast<QVStrSize>(sizeof info.label));
-    std::memcpy(info.label, from.label, static_cast<std::size_t>(info.labelLen));
+    if (from.label != nullptr) {
+        std::memcpy(info.label, from.label, static_cast<std::size_t>(info.labelLen));
+    }
     setType(from, info, column, rp->ordinalsOnly);
     info.truncation = from.truncation;
     info.currentLength = static_cast<QVStrSize>(from.currentLength);

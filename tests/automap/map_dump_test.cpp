@@ -13,7 +13,9 @@ TEST(MapDump, ShowsEveryKindOfColumnInAShortAndALongForm) {
     hand.column("o", VAR_ORDINAL, "/root/t", 0);
     hand.column("d", VAR_DOUBLE, "/root/t/d").retain = true;
     VARINFO& c = hand.column("c", VAR_CHAR, "/root/t/c", 12);
-    c.labelLen = static_cast<QVStrSize>(std::string_view("A label").copy(c.label, 256));
+    std::string label = "A label";
+    c.label = label.data();
+    c.labelLen = lengthOf(label);
     HandMap::informat(c);
     hand.column("f", VAR_FAKEVARIABLE, nullptr);
     hand.table("one");

@@ -94,7 +94,8 @@ struct Kind {
     bool harmless = false;                           // it must not show at all
 };
 
-Kind fileKind(const char* call, const char* what, int error, int bytes, std::set<QVStatus> told) {
+Kind fileKind(const char* call, const char* what, int error, int bytes,
+              const std::set<QVStatus>& told) {
     return {std::string(call) + ", " + what, [call](FakeHost&) { return files.calls[call]; },
             [=](FakeHost&, uint64_t n) {
                 files = {call, error, bytes, n, files.calls};

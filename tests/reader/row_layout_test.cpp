@@ -13,8 +13,9 @@ TEST(RowLayout, PutsColumnsBackToBackAsTheMapSaysAndShowsThem) {
     hand.column("o", VAR_ORDINAL, "/root/t", 0);
     VARINFO& c = hand.column("c", VAR_CHAR, "/root/t/c", 5);
     HandMap::informat(c);
-    std::memset(c.label, 'L', sizeof c.label);
-    c.labelLen = 300;  // more than there is room for
+    std::string label(300, 'L');  // more than there is room for
+    c.label = label.data();
+    c.labelLen = lengthOf(label);
     c.truncation = c.informatNoError = true;
     c.currentLength = 9;
     hand.column("d", VAR_DOUBLE, nullptr, 77).retain = true;
