@@ -40,6 +40,15 @@ class ByPath {
         }
     }
 
+    // Of all paths.
+    [[nodiscard]] uint64_t cells() const {
+        uint64_t sum = 0;
+        for (const auto& [path, account] : best_) {
+            sum += account.cells;
+        }
+        return sum;
+    }
+
     // What the values of a path came to.
     [[nodiscard]] PathAccount account(const PathStatistics& path) const {
         const auto found = best_.find(path.path);
@@ -161,22 +170,24 @@ std::vector<PathAccount> accountOf(const Document& document, bool retain) {
 
 uint64_t lostOf(const Document& document, const TablePass& pass,
                 const std::vector<const Table*>& tables) {
+    const bool oneColumnAPath = &document.tables() == &document.automaticTables();
     ByPath byPath;
+    uint64_t shown = 0;
     for (std::size_t t = 0; t < tables.size(); ++t) {
         for (std::size_t c = 0; c < tables[t]->columns.size(); ++c) {
-            if (takesValues(tables[t]->columns[c])) {
-                PathAccount column = columnOf(pass, t, c);
-                column.cells = column.values - of(column, Loss::OVERWRITTEN).count -
-                               of(column, Loss::NO_ROW).count;
+            if (!takesValues(tables[t]->columns[c])) {
+                continue;
+            }
+            PathAccount column = columnOf(pass, t, c);
+            column.cells = column.values - of(column, Loss::OVERWRITTEN).count -
+                           of(column, Loss::NO_ROW).count;
+            shown += column.cells;
+            if (!oneColumnAPath) {
                 byPath.offer(tables[t]->columns[c].path, column);
             }
         }
     }
-    uint64_t lost = 0;
-    for (const PathStatistics& path : document.pathStatistics()) {
-        lost += scalarsOf(path) - byPath.account(path).cells;
-    }
-    return lost;
+    return document.totals().values - (oneColumnAPath ? shown : byPath.cells());
 }
 
 }  // namespace qvej

@@ -247,6 +247,7 @@ void jmapWatched(JMAPWatchh watch, int64_t* line, int64_t* column);
 
 typedef struct JMAPTotals {
     uint64_t records;
+    uint64_t values; /* of them scalars of the document: neither markers nor placeholders */
     uint64_t recordBytes;  /* uncompressed */
     uint64_t storedBytes;  /* as kept: compressed when asked for */
     uint64_t blocks;

@@ -60,6 +60,18 @@ template <class T>
     return QV_OK;
 }
 
+uint64_t countValues(const JMAP_PRIVATE* p) {
+    uint64_t count = 0;
+    for (PATHINFO& head : each(p->pathInfoHead)) {
+        for (const PATHINFO& info : eachDown(&head)) {
+            for (const PATHKIND* kind = &info.kinds; kind != nullptr; kind = kind->next) {
+                count += kind->kind == VAL_FAKEVARIABLE ? 0 : static_cast<uint64_t>(kind->count);
+            }
+        }
+    }
+    return count;
+}
+
 }  // namespace
 }  // namespace jmap
 
@@ -259,6 +271,7 @@ void jmapTotals(QVEJMAPJsonContexth inh, JMAPTotals* totals) {
     totals->recordBytes = p->uncompressedPathBytes;
     totals->storedBytes = p->compressedPathBytes;
     totals->unstoredBytes = static_cast<uint64_t>(p->cBufi);
+    totals->values = countValues(p);
     totals->droppedTables = p->droppedTables;
     totals->lostLookups = p->lostLookups;
     for (const COMPPATHS& block : each(p->chead)) {

@@ -2,6 +2,7 @@
 //
 // Tested by tests/tool/golden/convert.t and tests/tool/golden/interrupt.t
 #include "client/error.h"
+#include "tools/cli/account_report.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/file_names.h"
 #include "tools/cli/output_files.h"
@@ -12,6 +13,8 @@
 #include "tools/cli/table_outputs.h"
 #include "tools/cli/verbs.h"
 #include "tools/cli/writer.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -39,44 +42,66 @@ std::string counted(uint64_t count, const std::string& noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
-}  // namespace
+// What `--account` needs when the document has gone.
+struct Account {
+    std::vector<qvej::PathAccount> paths;
+    std::vector<qvej::Spot> starts;
+};
 
-ExitCode runConvert(const Options& options) {
-    const Session session(options);
+ExitCode convert(const Options& options, const Session& session) {
     const qvej::Document& document = session.document();
-    if (session.map() != nullptr && !options.quiet) {
-        tellMapOddities(session.map()->name(), document.tables());
-    }
     const std::vector<const qvej::Table*> tables = tablesToWrite(document, options.alldata);
+    OutputFiles files(options.out, true,
+                      uniqueFileNames(namesOf(tables), options.format->extension), options.force);
+    Rejects rejects(options.rejects, options.force, &files);
+    TableOutputs outputs(document, tables, files, *options.format, options.formatOptions, rejects);
+    qvej::TablePass pass(document, tables, options.retain);
+    runPass(pass, options.threads,
+            [&](std::span<const qvej::PassItem> items) { outputs.take(items); });
+    outputs.end();
+    std::vector<WrittenTable> written;
+    uint64_t rows = 0;
+    for (std::size_t i = 0; i < tables.size(); ++i) {
+        written.push_back({tables[i], outputs.rows(i)});
+        rows += outputs.rows(i);
+    }
+    files.commit();
+    if (!options.quiet) {
+        tell(counted(tables.size(), "table") + ", " + counted(rows, "row") + " in " + options.out);
+    }
+    const std::string shared = sharedNames(document, options.alldataName);
+    if (!shared.empty() && !options.quiet) {
+        tell(shared);
+    }
+    tellLosses(session.name(), document, written);
+    if (!options.alldata && !options.account) {
+        tellLost(session.name(), qvej::lostOf(document, pass, tables));
+    }
+    return rejects.end();
+}
+
+ExitCode convertAndAccount(const Options& options, Account& account) {
+    const Session session(options);
+    if (session.map() != nullptr && !options.quiet) {
+        tellMapOddities(session.map()->name(), session.document().tables());
+    }
     try {
-        OutputFiles files(options.out, true,
-                          uniqueFileNames(namesOf(tables), options.format->extension),
-                          options.force);
-        Rejects rejects(options.rejects, options.force, &files);
-        TableOutputs outputs(document, tables, files, *options.format, options.formatOptions,
-                             rejects);
-        qvej::TablePass pass(document, tables, options.retain);
-        runPass(pass, options.threads,
-                [&](std::span<const qvej::PassItem> items) { outputs.take(items); });
-        outputs.end();
-        std::vector<WrittenTable> written;
-        uint64_t rows = 0;
-        for (std::size_t i = 0; i < tables.size(); ++i) {
-            written.push_back({tables[i], outputs.rows(i)});
-            rows += outputs.rows(i);
+        const ExitCode code = convert(options, session);
+        if (options.account) {
+            account.paths = qvej::accountOf(session.document(), options.retain);
+            account.starts = startsOf(session.document(), account.paths);
         }
-        files.commit();
-        if (!options.quiet) {
-            tell(counted(tables.size(), "table") + ", " + counted(rows, "row") + " in " +
-                 options.out);
-        }
-        const std::string shared = sharedNames(document, options.alldataName);
-        if (!shared.empty() && !options.quiet) {
-            tell(shared);
-        }
-        tellLosses(session.name(), document, written);
-        return rejects.end();
+        return code;
     } catch (const qvej::Error& error) {
         session.failReading(error);
     }
+}
+
+}  // namespace
+
+ExitCode runConvert(const Options& options) {
+    Account account;
+    const ExitCode code = convertAndAccount(options, account);
+    return options.account ? std::max(code, reportAccount(options, account.paths, account.starts))
+                           : code;
 }

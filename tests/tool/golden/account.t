@@ -20,3 +20,29 @@ $ qvejmap check - --account < doc.json
   /root\t1\tno column\t<stdin>:2:18
   14 values = 11 in cells + 2 overwritten + 1 no column + 0 no row + 0 rejected
 ? 1
+# convert says that there are such values, or counts them too.
+$ qvejmap convert doc.json -o out
+! qvejmap: 4 tables, 6 rows in out
+! qvejmap: doc.json: 3 values are in no row (qvejmap check --account tells which)
+$ qvejmap convert doc.json -o out2 -q --alldata
+$ qvejmap convert doc.json -o out3 -q --account; diff -r out out3
+  path\tvalues\tlost\tfirst
+  /root/a\t2\toverwritten\tdoc.json:2:7
+  /root\t1\tno column\tdoc.json:2:18
+  14 values = 11 in cells + 2 overwritten + 1 no column + 0 no row + 0 rejected
+# With a map that a person wrote: a path without a column, values that are refused.
+$ printf '{"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root","VARIABLES":[{"NAME":"a","TYPE":"NUMERIC","PATH":"/root/a"}]}]}' > m.json
+$ echo '[{"a":1,"b":2},{"a":"x"},{"a":"y","b":3}]' > n.json; qvejmap convert n.json --map m.json -o out4 --account
+  path\tvalues\tlost\tfirst
+  /root/a\t2\trejected\tn.json:1:21
+  /root/b\t2\tno column\tn.json:1:13
+  5 values = 1 in cells + 0 overwritten + 2 no column + 0 no row + 2 rejected
+! qvejmap: 1 table, 3 rows in out4
+! qvejmap: t.a: 2 values rejected, the first in row 2: "x" is not a number
+? 1
+$ qvejmap check n.json --map m.json --account
+  path\tvalues\tlost\tfirst
+  /root/a\t2\trejected\tn.json:1:21
+  /root/b\t2\tno column\tn.json:1:13
+  5 values = 1 in cells + 0 overwritten + 2 no column + 0 no row + 2 rejected
+? 1

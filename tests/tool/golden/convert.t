@@ -122,6 +122,7 @@ $ printf '{"":1,"b":2,"a":[1,{"b":[2]}]}' | qvejmap convert - -o few -q --alldat
 ! qvejmap: <stdin>: tables "", a_b have no rows; their values are only in Everything
 $ printf '[1,2]' | qvejmap convert - -o one -q
 ! qvejmap: <stdin>: table root has no rows; its values are only in ALLDATA
+! qvejmap: <stdin>: 2 values are in no row (qvejmap check --account tells which)
 $ printf '{"e":{}}' | qvejmap convert - -o none --alldata
 ! qvejmap: 2 tables, 2 rows in none
 $ printf '[]' | qvejmap convert - -o nothing --alldata
