@@ -101,6 +101,7 @@ int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     const std::vector<Document> documents = loadDocuments();
     std::vector<Prepared> prepared;
+    prepared.reserve(documents.size());
     for (const Document& document : documents) {
         prepared.push_back(prepare(document));
     }

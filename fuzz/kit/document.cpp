@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <unistd.h>
 
 namespace jmap::fuzz {
 namespace {
@@ -89,12 +88,11 @@ std::string mapText(QVMemPtr map) {
 }
 
 Document::Document(std::string_view json, const ScanWay& way)
-    : journal_(way.notes ? FuzzHost::get().journal() : nullptr), spilled_(way.spill) {
-    FuzzHost& host = FuzzHost::get();
-    host.setSpilling(way.spill);
+    : journal_(way.notes ? FuzzHost::get().handle()->jnl : nullptr) {
+    FuzzHost::get().setSpilling(way.spill);
     std::string keywords = way.notes ? ",ALL," : "";
     std::string alldata = "ALLDATA";
-    std::u32string cacheFile(host.cacheFile().begin(), host.cacheFile().end());
+    std::u32string cacheFile = FuzzHost::cacheFile();
     QVEJMAPJsonInitParms parms{};
     parms.inCEI = U_UTF8_CE;
     parms.debugString = keywords.data();
@@ -118,9 +116,6 @@ Document::Document(std::string_view json, const ScanWay& way)
 
 Document::~Document() {
     require(engine()->Term(handle, journal_) == QV_OK, "a document ends");
-    if (spilled_) {
-        unlink(FuzzHost::get().cacheFile().c_str());
-    }
 }
 
 std::string Document::readMap(std::string_view map, std::size_t split) const {

@@ -44,7 +44,6 @@ class Document {
 
    private:
     QVJnlh journal_;
-    bool spilled_;
 };
 
 // Status, place, token, and what else the last buffer of a map tells, in a line.

@@ -1,16 +1,24 @@
-#include "kit/table_rows.h"
+#include "fuzz/kit/table_rows.h"
 
-#include "kit/require.h"
+#include "qvejmap.h"
+
+#include "core/text.h"
+#include "fuzz/kit/require.h"
 
 #include <algorithm>
 #include <bit>
 #include <iterator>
+#include <string>
 #include <utility>
 
 namespace jmap::fuzz {
 namespace {
 
 constexpr uint64_t kLongestCell = 32767;
+
+// The row buffer, then "|" and the raw text of each column; in front of it a line "!COLUMN TEXT"
+// for each text that was no number.  What a row that never ends got stands behind the last one.
+using Rows = std::vector<std::string>;
 
 std::string noNumber(QVStrSize column, std::string_view text) {
     return "!" + std::to_string(column) + " " + std::string(text) + "\n";
@@ -41,7 +49,7 @@ Rows rowsUpToTheEnd(QVEJMAPReadContexth open, const std::vector<JMAPColumnInfo>&
     JMAPReadObserver observer{};
     observer.arg = &begun;
     observer.notNumber = [](void* arg, QVStrSize column, const char* text, QVStrSize textLen) {
-        *static_cast<std::string*>(arg) += noNumber(column, textOf(text, textLen));
+        *static_cast<std::string*>(arg) += noNumber(column, view(text, textLen));
     };
     observer.raw = [](void*, QVStrSize, int32_t, QVStatus status) {
         require(status == QV_OK, "a raw text is kept");
@@ -50,11 +58,11 @@ Rows rowsUpToTheEnd(QVEJMAPReadContexth open, const std::vector<JMAPColumnInfo>&
     Rows rows;
     QVStatus rc = QV_OK;
     while ((rc = engine->Read(open)) == QV_OK) {
-        begun += textOf(open->obsbuf, open->obsbufLen);
+        begun += view(open->obsbuf, open->obsbufLen);
         for (std::size_t i = 0; i < columns.size(); ++i) {
             const VARIABLEINFO& cell = open->varinfo[i];
             begun += "|";
-            begun += isRaw(columns[i]) ? textOf(cell.rawdata, cell.rawdataLen) : "";
+            begun += columns[i].type == JMAP_ORDINAL ? "" : view(cell.rawdata, cell.rawdataLen);
         }
         rows.push_back(std::move(begun));
         begun.clear();
@@ -65,13 +73,13 @@ Rows rowsUpToTheEnd(QVEJMAPReadContexth open, const std::vector<JMAPColumnInfo>&
 }
 
 // What Read puts into its buffer for a cell of a pass.
-std::string bufferOf(const Document& document, const JMAPColumnInfo& column,
+std::string bufferOf(QVEJMAPJsonContexth doc, const JMAPColumnInfo& column,
                      const JMAPPassCell& cell) {
     const bool text = cell.kind != JMAP_CELL_MISSING && cell.kind != JMAP_CELL_COUNT;
     require(!text || column.type != JMAP_ORDINAL, "an ordinal has no text");
     if (column.type == JMAP_CHARACTER) {
         const bool blank = !text || cell.kind == JMAP_KIND_NULL || isRaw(column);
-        std::string bytes(blank ? std::string_view() : textOf(cell.text, cell.textLen));
+        std::string bytes(blank ? std::string_view() : view(cell.text, cell.textLen));
         const uint64_t length = std::min(column.length, kLongestCell);
         bytes.resize(static_cast<std::size_t>(length), ' ');
         return bytes;
@@ -80,19 +88,18 @@ std::string bufferOf(const Document& document, const JMAPColumnInfo& column,
     if (cell.kind == JMAP_CELL_COUNT) {
         number = static_cast<double>(cell.count);
     } else if (text && !isRaw(column)) {
-        (void)jmapToNumber(document.handle, cell.text, cell.textLen, &number);  // 0 for no number
+        (void)jmapToNumber(doc, cell.text, cell.textLen, &number);  // 0 for no number
     }
     return {reinterpret_cast<const char*>(&number), sizeof number};
 }
 
-}  // namespace
-
-Rows rowsOfRead(const Document& document, JMAPTableh table, uint64_t flags) {
-    UserJMAP_S* const engine = document.engine();
+// Of one table.  Without flags it is read three times, and the readings must agree.
+Rows rowsOfRead(QVEJMAPJsonContexth doc, JMAPTableh table, uint64_t flags) {
+    auto* const engine = reinterpret_cast<UserJMAP_S*>(doc->exth);
     const std::vector<JMAPColumnInfo> columns = columnsOf(table);
     QVEJMAPReadInitParms rip = {flags};
     QVEJMAPReadContexth open = nullptr;
-    require(jmapReadTable(document.handle, table, &rip, &open) == QV_OK, "a table opens");
+    require(jmapReadTable(doc, table, &rip, &open) == QV_OK, "a table opens");
     require(open->varCount == static_cast<QVStrSize>(columns.size()), "with all its columns");
     Rows rows = rowsUpToTheEnd(open, columns, engine);
     if (flags == 0) {
@@ -109,15 +116,15 @@ Rows rowsOfRead(const Document& document, JMAPTableh table, uint64_t flags) {
     return rows;
 }
 
-std::vector<Rows> rowsOfPass(const Document& document, const std::vector<JMAPTableh>& tables,
+std::vector<Rows> rowsOfPass(QVEJMAPJsonContexth doc, const std::vector<JMAPTableh>& tables,
                              uint64_t flags) {
     std::vector<Rows> rows(tables.size());
     Rows begun(tables.size());
     std::vector<std::vector<JMAPColumnInfo>> columns;
     std::ranges::transform(tables, std::back_inserter(columns), columnsOf);
     JMAPPassh pass = nullptr;
-    require(jmapPassOpen(document.handle, tables.data(), static_cast<QVStrSize>(tables.size()),
-                         flags, &pass) == QV_OK,
+    require(jmapPassOpen(doc, tables.data(), static_cast<QVStrSize>(tables.size()), flags, &pass) ==
+                QV_OK,
             "a pass opens");
     JMAPPassItem item{};
     QVStatus rc = QV_OK;
@@ -127,18 +134,17 @@ std::vector<Rows> rowsOfPass(const Document& document, const std::vector<JMAPTab
         require(item.cellCount == static_cast<QVStrSize>(columns[table].size()),
                 "a row has a cell for each column");
         if (item.kind != JMAP_PASS_ROW) {
-            row += noNumber(item.column, textOf(item.text, item.textLen));
+            row += noNumber(item.column, view(item.text, item.textLen));
             continue;
         }
         std::string raws;
         for (std::size_t i = 0; i < columns[table].size(); ++i) {
             const JMAPColumnInfo& column = columns[table][i];
             const JMAPPassCell& cell = item.cells[i];
-            row += bufferOf(document, column, cell);
+            row += bufferOf(doc, column, cell);
             raws += "|";
-            raws += isRaw(column) && cell.kind != JMAP_CELL_MISSING
-                        ? textOf(cell.text, cell.textLen)
-                        : "";
+            raws += isRaw(column) && cell.kind != JMAP_CELL_MISSING ? view(cell.text, cell.textLen)
+                                                                    : "";
         }
         rows[table].push_back(std::exchange(row, {}) + raws);
     }
@@ -148,6 +154,31 @@ std::vector<Rows> rowsOfPass(const Document& document, const std::vector<JMAPTab
         rows[i].push_back(std::move(begun[i]));
     }
     return rows;
+}
+
+}  // namespace
+
+std::vector<JMAPTableh> tablesOf(QVEJMAPJsonContexth doc, QVMemPtr map, std::size_t most) {
+    std::vector<JMAPTableh> tables(1);
+    require(jmapAlldataTable(doc, tables.data()) == QV_OK, "there is ALLDATA");
+    JMAPTableh table = nullptr;
+    while (tables.size() < most && jmapNextTable(map, &table) == QV_OK) {
+        tables.push_back(table);
+    }
+    return tables;
+}
+
+void requireSameRows(QVEJMAPJsonContexth doc, const std::vector<JMAPTableh>& tables) {
+    for (const uint64_t flags : {uint64_t{0}, uint64_t{QVEJMAP_RETAIN}}) {
+        const std::vector<Rows> pass = rowsOfPass(doc, tables, flags);
+        for (std::size_t i = 0; i < tables.size(); ++i) {
+            const Rows read = rowsOfRead(doc, tables[i], flags);
+            for (std::size_t row = 0; row < std::min(read.size(), pass[i].size()); ++row) {
+                requireEqual(read[row], pass[i][row], "the same row from both");
+            }
+            require(read.size() == pass[i].size(), "as many rows from both");
+        }
+    }
 }
 
 }  // namespace jmap::fuzz

@@ -1,22 +1,21 @@
-// The rows of a table as texts, once as Read gives them and once as a pass over many tables does.
+// The rows of tables as texts, once as Read gives them and once as a pass over many tables does.
+// Used by the tests as well.
 #pragma once
 
-#include "kit/document.h"
+#include "qvejmapx.h"
 
-#include <string>
+#include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace jmap::fuzz {
 
-// The row buffer, then "|" and the raw text of each column; in front of it a line "!COLUMN TEXT"
-// for each text that was no number.  What a row that never ends got stands behind the last one.
-using Rows = std::vector<std::string>;
+// ALLDATA and the tables of a map, `most` in all.
+std::vector<JMAPTableh> tablesOf(QVEJMAPJsonContexth doc, QVMemPtr map,
+                                 std::size_t most = SIZE_MAX);
 
-// Of one table.  Without flags it is read three times, and the readings must agree.
-Rows rowsOfRead(const Document& document, JMAPTableh table, uint64_t flags);
-
-// Of all tables in one pass.
-std::vector<Rows> rowsOfPass(const Document& document, const std::vector<JMAPTableh>& tables,
-                             uint64_t flags);
+// Requires that one pass over these tables gives for each of them the rows that Read gives for it
+// alone, retaining and not, and that Read gives them again after a reset, but for what it keeps.
+void requireSameRows(QVEJMAPJsonContexth doc, const std::vector<JMAPTableh>& tables);
 
 }  // namespace jmap::fuzz

@@ -60,7 +60,7 @@ struct JMAP_PRIVATE {
     QVTrackerh hash2;       // then: parent path -> group head; likewise
     QVTrackerh dsNameHash;  // upper-cased table name -> DSNAMELIST; likewise
 
-    PATHWATCH* watches;  // places that are asked for, latest first
+    PATHWATCH** watches;  // places that are asked for, in lists by path; null: none
 
     // Failures without a status, and what they cost.
     uint64_t droppedTables;  // left out of the automatic map

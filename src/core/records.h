@@ -110,8 +110,8 @@ struct PATHINFO {
     PLACE longest;            // the first value of that length
     int64_t inexact;          // numbers that a double does not keep
     PLACE firstInexact;
-    int64_t watched;  // number of the next value whose place is asked for; 0: none
-    PATHKIND kinds;           // in order of appearance
+    int64_t watched;  // the count at which a place is asked for, or looked for again; 0: none
+    PATHKIND kinds;   // in order of appearance
 };
 
 // One closed block of the record stream.

@@ -176,7 +176,7 @@ PATHINFO* newPathInfo(JMAP_PRIVATE* p, std::string_view path, VALTYPE type,
     info->kinds = {nullptr, type, 1, info->longest};
     lookAtNumber(p, info, type, value);
     if (p->watches != nullptr) {
-        noteWatched(p, info, info->longest);
+        noteWatched(p, info, type, info->longest);
     }
     return info;
 }
@@ -213,18 +213,18 @@ QVStatus insertNewPath(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path, V
 
 }  // namespace
 
-QVStatus insertPathInfo(JMAP_PRIVATE* p, PATHNODE* node, std::string_view text, VALTYPE type,
+QVStatus insertPathInfo(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path, VALTYPE type,
                         std::string_view value) {
     if (p->debugInsertPath) [[unlikely]] {
-        const std::string_view slashed = shown(p, text);
+        const std::string_view slashed = shown(p, path);
         myLogNote(p, U"insertPathInfo [%.*hs] type %s valLen %d", noteLen(lengthOf(slashed)),
                   slashed.data(), valtypeToHostString(type), noteLen(lengthOf(value)));
     }
     if (node->info == nullptr && p->byText) {
-        node->info = find(p->hash, text);
+        node->info = find(p->hash, path);
     }
     if (node->info == nullptr) {
-        return insertNewPath(p, node, text, type, value);
+        return insertNewPath(p, node, path, type, value);
     }
     countAgain(p, node->info, type, value);
     return QV_OK;
@@ -250,7 +250,7 @@ void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, std::string_view 
     countKind(p, &info->kinds, type);
     lookAtNumber(p, info, type, value);
     if (info->count == info->watched) [[unlikely]] {
-        noteWatched(p, info, presentPlace(p));
+        noteWatched(p, info, type, presentPlace(p));
     }
     if (info->type == VAR_DOUBLE && type == VAL_STRING) [[unlikely]] {
         becomeCharacter(p, info);

@@ -15,7 +15,9 @@ namespace {
 
 constexpr int64_t kFewMembers = 16;  // so many are compared one by one
 
-static_assert(offsetof(PATHNODE, parent) + sizeof(PATHNODE*) == sizeof(PATHNODE));
+// NOLINTNEXTLINE(bugprone-sizeof-expression): the pointer itself is in the key
+constexpr QVStrSize kParentBytes = sizeof PATHNODE::parent;
+static_assert(offsetof(PATHNODE, parent) + kParentBytes == sizeof(PATHNODE));
 
 PATHNODE* newNode(JMAP_PRIVATE* p, std::string_view name) {
     char* mem = arenaBytes(&p->pathArena, p->cpool,
@@ -32,8 +34,6 @@ PATHNODE* newNode(JMAP_PRIVATE* p, std::string_view name) {
     node->textLen = p->pathAt->textLen + 1 + node->nameLen;
     return node;
 }
-
-constexpr QVStrSize kParentBytes = sizeof(PATHNODE*);
 
 // A member's key in the hash: the address of its parent, and its name.
 void enterMember(JMAP_PRIVATE* p, PATHNODE* node) {

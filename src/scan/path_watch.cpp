@@ -1,14 +1,36 @@
 // See path_watch.h.
 #include "path_watch.h"
 
+#include "core/hash.h"
 #include "core/list.h"
 #include "core/pool.h"
 #include "core/text.h"
 
 namespace jmap {
+namespace {
+
+constexpr QVStrSize kLists = QVStrSize{1} << 16;  // every path of a document may be watched for
+
+PATHWATCH** listOf(const JMAP_PRIVATE* p, std::string_view path) {
+    return p->watches + hashOf(path) % kLists;
+}
+
+// Of the records that have come, without placeholders.
+int64_t valuesOf(const PATHINFO* info) {
+    int64_t count = 0;
+    for (const PATHKIND* kind = &info->kinds; kind != nullptr; kind = kind->next) {
+        count += kind->kind == VAL_FAKEVARIABLE ? 0 : kind->count;
+    }
+    return count;
+}
+
+}  // namespace
 
 PATHWATCH* watchFor(JMAP_PRIVATE* p, std::string_view path, int64_t number) {
-    auto* watch = poolNew<PATHWATCH>(p->cpool);
+    if (p->watches == nullptr) {
+        p->watches = poolNew<PATHWATCH*>(p->cpool, kLists);
+    }
+    auto* watch = p->watches == nullptr ? nullptr : poolNew<PATHWATCH>(p->cpool);
     if (watch == nullptr) {
         return nullptr;
     }
@@ -18,24 +40,27 @@ PATHWATCH* watchFor(JMAP_PRIVATE* p, std::string_view path, int64_t number) {
     }
     watch->pathLen = lengthOf(path);
     watch->number = number;
-    watch->next = p->watches;
-    p->watches = watch;
+    PATHWATCH** list = listOf(p, path);
+    watch->next = *list;
+    *list = watch;
     return watch;
 }
 
-void noteWatched(JMAP_PRIVATE* p, PATHINFO* info, PLACE place) {
-    info->watched = 0;
-    for (PATHWATCH& watch : each(p->watches)) {
-        if (view(watch.path, watch.pathLen) != view(info->path, info->pathLen)) {
+void noteWatched(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, PLACE place) {
+    const std::string_view path = view(info->path, info->pathLen);
+    const int64_t values = valuesOf(info);
+    int64_t next = 0;
+    for (PATHWATCH& watch : each(*listOf(p, path))) {
+        if (view(watch.path, watch.pathLen) != path) {
             continue;
         }
-        if (watch.number == info->count) {
+        if (watch.number == values && type != VAL_FAKEVARIABLE) {
             watch.place = place;
-        } else if (watch.number > info->count &&
-                   (info->watched == 0 || watch.number < info->watched)) {
-            info->watched = watch.number;
+        } else if (watch.number > values && (next == 0 || watch.number < next)) {
+            next = watch.number;
         }
     }
+    info->watched = next == 0 ? 0 : info->count + (next - values);
 }
 
 }  // namespace jmap

@@ -12,10 +12,10 @@
 
 // A value to watch for.
 struct PATHWATCH {
-    PATHWATCH* next;
+    PATHWATCH* next;  // in its list
     char* path;  // own copy
     QVStrSize pathLen;
-    int64_t number;  // of the value among those of the path, from 1
+    int64_t number;  // of the value among those of the path, from 1; placeholders are none
     PLACE place;     // where it began; all 0 before
 };
 
@@ -24,8 +24,8 @@ namespace jmap {
 // Watches for value `number` of a path that the scan has not met yet.  Null without memory.
 [[nodiscard]] PATHWATCH* watchFor(JMAP_PRIVATE* p, std::string_view path, int64_t number);
 
-// Value `count` of the path has come at `place`, and is watched for or is the first: keeps its
-// place, and sets the next one that is watched for.
-void noteWatched(JMAP_PRIVATE* p, PATHINFO* info, PLACE place);
+// Record `count` of the path has come at `place`, and is watched for or is the first: keeps its
+// place, and sets the next one that is watched for.  A placeholder is no value and only moves that.
+void noteWatched(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, PLACE place);
 
 }  // namespace jmap

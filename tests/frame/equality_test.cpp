@@ -1,6 +1,6 @@
 // One document, many ways: the size of the buffers, compression, spilling and re-reading change
 // nothing that can be seen.
-#include "testkit/pass_rows.h"
+#include "fuzz/kit/table_rows.h"
 #include "testkit/testkit.h"
 
 namespace jmap::test {
@@ -68,7 +68,7 @@ TEST(Equality, BuffersCompressionSpillingAndReadingAgainChangeNothing) {
         const std::string copy(document.data(), document.size());
         const Scan plain(document);
         const Lines expected = picture(plain);
-        expectThePassGivesTheRowsOfRead(plain, plain.p()->automap);
+        fuzz::requireSameRows(plain.doc(), fuzz::tablesOf(plain.doc(), plain.p()->automap));
         for (ScanOptions way : kWays) {
             SCOPED_TRACE("split " + std::to_string(way.split) + ", floor " +
                          std::to_string(way.memLeave) + (way.compress ? ", compressed" : ""));
@@ -78,7 +78,7 @@ TEST(Equality, BuffersCompressionSpillingAndReadingAgainChangeNothing) {
             const Scan scan(host, document, way);
             EXPECT_TRUE(picture(scan) == expected);
             if (way.compress && way.memLeave != 0) {  // rows outlive their blocks
-                expectThePassGivesTheRowsOfRead(scan, scan.p()->automap);
+                fuzz::requireSameRows(scan.doc(), fuzz::tablesOf(scan.doc(), scan.p()->automap));
             }
             EXPECT_TRUE(scan.p()->tfp == nullptr && document == copy) << "only read";
             // Spilling is told once: with the first of many blocks, at the latest with the last.

@@ -6,83 +6,18 @@
 // what was given is a beginning of what should be given, everything can be ended, and a fresh
 // document works on the same host.
 #include "host/io/io_module.h"
-#include "host/io/syscalls.h"
 #include "testkit/open_document.h"
 #include "tests/frame/operations.h"
+#include "tests/host/faulty_calls.h"
 
-#include <cerrno>
-#include <cstdio>
 #include <filesystem>
-#include <functional>
 #include <set>
 #include <span>
 
 namespace jmap::test {
 namespace {
 
-using qvhost::posixSyscalls;
-using qvhost::Syscalls;
-
-// ---- Files ----------------------------------------------------------------------------------
-
-// The n-th call of a kind gets an answer of ours: an errno, 0 for none of the bytes, 1 for one.
-struct FilePlan {
-    const char* call = "";
-    int error = 0;
-    int bytes = 0;
-    uint64_t nth = 0;  // counted down; 0: done
-    std::map<std::string, uint64_t> calls;
-};
-FilePlan files;
-
-bool fails(const char* call) {
-    ++files.calls[call];
-    return std::string_view(call) == files.call && files.nth != 0 && --files.nth == 0;
-}
-
-// Stands in for a call that does what it should or fails.
-template <auto Call, const auto& kName>
-constexpr auto kPlain = [](auto... args) {
-    if (!fails(kName)) {
-        return (posixSyscalls().*Call)(args...);
-    }
-    errno = files.error;
-    return -1;
-};
-
-// Stands in for one that moves bytes.
-template <auto Call, const auto& kName>
-constexpr auto kTransfer = [](int fd, auto bytes, std::size_t count, off_t at) -> ssize_t {
-    if (fails(kName)) {
-        if (files.error != 0) {
-            errno = files.error;
-            return -1;
-        }
-        count = std::min<std::size_t>(count, static_cast<unsigned>(files.bytes));
-    }
-    return count == 0 ? 0 : (posixSyscalls().*Call)(fd, bytes, count, at);
-};
-
-constexpr char kOpen[] = "open", kWrite[] = "write", kRead[] = "read", kClose[] = "close",
-               kDuplicate[] = "duplicate";
-int closeFaulty(int fd) {
-    const bool fail = fails(kClose);
-    (void)posixSyscalls().close(fd);  // the descriptor is gone either way
-    errno = files.error;
-    return fail ? -1 : 0;
-}
-const Syscalls& faultyCalls() {
-    static const Syscalls kCalls = [] {
-        Syscalls calls = posixSyscalls();
-        calls.open = kPlain<&Syscalls::open, kOpen>;
-        calls.duplicate = kPlain<&Syscalls::duplicate, kDuplicate>;
-        calls.pwrite = kTransfer<&Syscalls::pwrite, kWrite>;
-        calls.pread = kTransfer<&Syscalls::pread, kRead>;
-        calls.close = closeFaulty;
-        return calls;
-    }();
-    return kCalls;
-}
+using qvhost::test::S;
 
 // ---- Kinds of fault -------------------------------------------------------------------------
 
@@ -94,11 +29,16 @@ struct Kind {
     bool harmless = false;                           // it must not show at all
 };
 
-Kind fileKind(const char* call, const char* what, int error, int bytes,
-              const std::set<QVStatus>& told) {
-    return {std::string(call) + ", " + what, [call](FakeHost&) { return files.calls[call]; },
-            [=](FakeHost&, uint64_t n) {
-                files = {call, error, bytes, n, files.calls};
+// The n-th call gets this answer.
+template <auto Call>
+Kind fileKind(const char* name, int answer, const std::set<QVStatus>& told) {
+    return {name, [](FakeHost&) { return qvhost::test::callsMade<Call>; },
+            [answer](FakeHost&, uint64_t n) {
+                std::vector<int>& answers = qvhost::test::answers<Call>;
+                answers.assign(n, qvhost::test::kAsTheSystem);
+                if (n != 0) {
+                    answers.back() = answer;
+                }
             },
             told, told.empty()};
 }
@@ -115,69 +55,41 @@ const std::vector<Kind>& kinds() {
         {"module, once", loads, [](auto& host, uint64_t n) { host.failLoad(n); }, memory},
         {"module, from then on", loads, [](auto& host, uint64_t n) { host.failLoad(n, true); },
          memory},
-        fileKind(kOpen, "EINTR", EINTR, 0, {}),
-        fileKind(kOpen, "ENOSPC", ENOSPC, 0, {QV_IO_FULL, JMAP_PARSE}),
-        fileKind(kOpen, "EIO", EIO, 0, {QV_IO_OPEN, JMAP_PARSE}),
-        fileKind(kWrite, "EINTR", EINTR, 0, {}),
-        fileKind(kWrite, "one byte", 0, 1, {}),
-        fileKind(kWrite, "no byte", 0, 0, {QV_IO_WRITE, JMAP_PARSE}),
-        fileKind(kWrite, "ENOSPC", ENOSPC, 0, {QV_IO_FULL, JMAP_PARSE}),
-        fileKind(kWrite, "EIO", EIO, 0, {QV_IO_WRITE, JMAP_PARSE}),
-        fileKind(kRead, "EINTR", EINTR, 0, {}),
-        fileKind(kRead, "one byte", 0, 1, {}),
-        fileKind(kRead, "the end", 0, 0, {QV_IO_SHORT}),
-        fileKind(kRead, "EIO", EIO, 0, {QV_IO_READ}),
-        fileKind(kDuplicate, "EMFILE", EMFILE, 0, {}),
-        fileKind(kClose, "EIO", EIO, 0, {}),
-        fileKind(kClose, "EINTR", EINTR, 0, {}),
+        fileKind<&S::open>("open, EINTR", -EINTR, {}),
+        fileKind<&S::open>("open, ENOSPC", -ENOSPC, {QV_IO_FULL, JMAP_PARSE}),
+        fileKind<&S::open>("open, EIO", -EIO, {QV_IO_OPEN, JMAP_PARSE}),
+        fileKind<&S::pwrite>("write, EINTR", -EINTR, {}),
+        fileKind<&S::pwrite>("write, one byte", 1, {}),
+        fileKind<&S::pwrite>("write, no byte", 0, {QV_IO_WRITE, JMAP_PARSE}),
+        fileKind<&S::pwrite>("write, ENOSPC", -ENOSPC, {QV_IO_FULL, JMAP_PARSE}),
+        fileKind<&S::pwrite>("write, EIO", -EIO, {QV_IO_WRITE, JMAP_PARSE}),
+        fileKind<&S::pread>("read, EINTR", -EINTR, {}),
+        fileKind<&S::pread>("read, one byte", 1, {}),
+        fileKind<&S::pread>("read, the end", 0, {QV_IO_SHORT}),
+        fileKind<&S::pread>("read, EIO", -EIO, {QV_IO_READ}),
+        fileKind<&S::duplicate>("duplicate, EMFILE", -EMFILE, {}),
+        fileKind<&S::close>("close, EIO", -EIO, {}),
+        fileKind<&S::close>("close, EINTR", -EINTR, {}),
     };
     return kAll;
 }
 
 // ---- The sweep ------------------------------------------------------------------------------
 
-struct Tally {
-    uint64_t injected = 0;
-    uint64_t refused = 0;  // the operation failed
-    uint64_t told = 0;     // the totals tell
-    uint64_t borne = 0;    // nothing is missing
-};
-
-struct Played {
-    std::string out;
-    size_t failed = SIZE_MAX;  // the operation
-    QVStatus status = QV_OK;
-    bool told = false;
-};
-
 // Plays all operations; `kind` fails in one of them for the n-th time.
-Played play(LoadedHost& host, const Keeping& keeping, const std::string& file,
-            const Kind* kind = nullptr, size_t at = SIZE_MAX, uint64_t n = 0,
-            std::vector<uint64_t>* asked = nullptr) {
-    Stage stage(host.engine(), host.journal(), keeping, file);
-    Played played;
-    for (size_t i = 0; i < operations().size(); ++i) {
-        const uint64_t before = kind == nullptr ? 0 : kind->asked(host);
+Played playOn(LoadedHost& host, const Keeping& keeping, const Kind* kind = nullptr,
+              size_t at = SIZE_MAX, uint64_t n = 0, std::vector<uint64_t>* asked = nullptr) {
+    Stage stage(host.engine(), host.journal(), keeping,
+                std::filesystem::temp_directory_path().string() + "/");
+    return play(stage, [&](size_t i, bool begins) {
         if (i == at) {
-            kind->arm(host, n);
-        }
-        const QVStatus rc = operations()[i].run(stage);
-        if (i == at) {
-            kind->arm(host, 0);
+            kind->arm(host, begins ? n : 0);
         }
         if (asked != nullptr) {
-            asked->push_back(kind->asked(host) - before);
+            asked->resize(i + 1);
+            asked->back() = kind->asked(host) - asked->back();
         }
-        played.told = stage.lossTold();
-        if (rc != QV_OK || played.told) {
-            played.failed = i;
-            played.status = rc;
-            break;
-        }
-    }
-    EXPECT_QV_OK(stage.end());
-    played.out = stage.out;
-    return played;
+    });
 }
 
 class Sweep {
@@ -185,22 +97,24 @@ class Sweep {
     explicit Sweep(const Keeping& keeping) : keeping_(keeping) {
         LoadedHost clean;
         substituteFiles(clean);
-        const Played played = play(clean, keeping_, folder_);
+        const Played played = playOn(clean, keeping_);
         EXPECT_EQ(played.failed, SIZE_MAX) << qvStatusName(played.status);
         expected_ = played.out;
     }
 
-    // Every fault of a kind in every operation, or every `step`-th; what came of them by operation.
-    void run(const Kind& kind, uint64_t step, std::map<std::string, Tally>& tallies) {
+    // Every fault of a kind in every operation, or every `step`-th; how many there were, by
+    // operation.
+    void run(const Kind& kind, uint64_t step, std::map<std::string, uint64_t>& injected) {
         LoadedHost host;
         substituteFiles(host);
         std::vector<uint64_t> asked;
-        (void)play(host, keeping_, folder_, &kind, SIZE_MAX, 0, &asked);
+        (void)playOn(host, keeping_, &kind, SIZE_MAX, 0, &asked);
         for (size_t at = 0; at < asked.size(); ++at) {
             for (uint64_t n = 1; n <= asked[at]; n += n < 8 ? 1 : step) {
                 SCOPED_TRACE(kind.name + " " + std::to_string(n) + " in " + operations()[at].name +
                              ", " + keeping_.name);
-                inject(kind, at, n, tallies[operations()[at].name + (", " + kind.name)]);
+                ++injected[operations()[at].name + (", " + kind.name)];
+                inject(kind, at, n);
                 if (testing::Test::HasFailure()) {
                     return;
                 }
@@ -210,52 +124,32 @@ class Sweep {
 
    private:
     static void substituteFiles(FakeHost& host) {
-        files = {};
-        host.substitute("qvioe", [](QVHndlp, QVJnlh) { return createIo(faultyCalls()); });
+        host.substitute("qvioe",
+                        [](QVHndlp, QVJnlh) { return createIo(qvhost::test::kFaultyCalls); });
     }
 
-    void inject(const Kind& kind, size_t at, uint64_t n, Tally& tally) {
+    void inject(const Kind& kind, size_t at, uint64_t n) {
         LoadedHost host;
         substituteFiles(host);
-        const Played played = play(host, keeping_, folder_, &kind, at, n);
-        ++tally.injected;
+        const Played played = playOn(host, keeping_, &kind, at, n);
         if (played.told) {
-            ++tally.told;
             EXPECT_FALSE(kind.harmless);
         } else if (played.failed == SIZE_MAX) {
-            ++tally.borne;
             EXPECT_TRUE(played.out == expected_) << "something is missing, and nobody was told";
         } else {
-            ++tally.refused;
             EXPECT_EQ(played.failed, at)
                 << "a later operation fails: " << operations()[played.failed].name;
             EXPECT_TRUE(kind.told.contains(played.status)) << qvStatusName(played.status);
         }
         EXPECT_TRUE(expected_.starts_with(played.out)) << "not a beginning of what should be given";
         if (isLong() || (n % 5 == 1 && keeping_.rows < 10)) {
-            EXPECT_TRUE(play(host, keeping_, folder_).out == expected_) << "a fresh document";
+            EXPECT_TRUE(playOn(host, keeping_).out == expected_) << "a fresh document";
         }
     }
 
     const Keeping keeping_;
-    const std::string folder_ = std::filesystem::temp_directory_path().string() + "/";
     std::string expected_;
 };
-
-void print(const std::string& title, const std::map<std::string, Tally>& tallies) {
-    Tally sum;
-    std::printf("%-52s injected refused    told   borne\n", title.c_str());
-    const auto line = [](const std::string& name, const Tally& t) {
-        std::printf("    %-48s %8lu %7lu %7lu %7lu\n", name.c_str(), t.injected, t.refused, t.told,
-                    t.borne);
-    };
-    for (const auto& [name, t] : tallies) {
-        line(name, t);
-        sum = {sum.injected + t.injected, sum.refused + t.refused, sum.told + t.told,
-               sum.borne + t.borne};
-    }
-    line("all", sum);
-}
 
 constexpr Keeping kSmall[] = {
     {"in memory"},
@@ -271,14 +165,13 @@ constexpr Keeping kInFiles[] = {
 };
 
 TEST(FaultSweep, OfMemoryAndModulesInEachOperation) {
-    std::map<std::string, Tally> byOperation;
+    std::map<std::string, uint64_t> injected;
     for (const Keeping& keeping : std::span(kSmall).first(isLong() ? std::size(kSmall) : 2)) {
         Sweep sweep(keeping);
         for (const Kind& kind : std::span(kinds()).first(4)) {
-            sweep.run(kind, isLong() ? 1 : 7, byOperation);
+            sweep.run(kind, isLong() ? 1 : 7, injected);
         }
     }
-    print("memory and modules", byOperation);
     for (const char* asks :
          {"JsonInit, memory, once", "JsonInput, memory, from then on",
           "JsonInput, the last, module, once", "GetAlldataInfo, memory, once",
@@ -286,23 +179,22 @@ TEST(FaultSweep, OfMemoryAndModulesInEachOperation) {
           "GetUserMap, memory, once", "ReadInit, memory, once", "Read, memory, once",
           "jmapReadTable, memory, once", "jmapRecordsOpen, memory, once",
           "jmapPassOpen, memory, once", "jmapPassNext, memory, from then on"}) {
-        EXPECT_GT(byOperation[asks].injected, 0u) << asks;
+        EXPECT_GT(injected[asks], 0u) << asks;
     }
 }
 
 TEST(FaultSweep, OfFilesInEachOperation) {
-    std::map<std::string, Tally> byOperation;
+    std::map<std::string, uint64_t> injected;
     for (const Keeping& keeping : std::span(kInFiles).first(isLong() ? std::size(kInFiles) : 2)) {
         Sweep sweep(keeping);
         for (const Kind& kind : std::span(kinds()).subspan(4)) {
-            sweep.run(kind, 1, byOperation);
+            sweep.run(kind, 1, injected);
         }
     }
-    print("files", byOperation);
     for (const char* asks :
          {"JsonInput, open, EIO", "JsonInput, write, ENOSPC", "JsonInput, the last, write, EIO",
           "Read, read, EIO", "jmapPassNext, read, the end", "Term, close, EIO"}) {
-        EXPECT_GT(byOperation[asks].injected, 0u) << asks;
+        EXPECT_GT(injected[asks], 0u) << asks;
     }
 }
 

@@ -9,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
@@ -74,16 +73,10 @@ void operator delete[](void* memory, std::size_t) noexcept {
 namespace jmap::test {
 namespace {
 
-struct Played {
-    std::string out;
-    size_t failed = SIZE_MAX;  // the operation
-    QVStatus status = QV_OK;
-    bool told = false;            // the totals tell of a loss
-    std::vector<uint64_t> asked;  // by operation
-};
-
-// Plays all operations on a host of its own, request `n` of operation `at` failing.
-Played play(const Keeping& keeping, size_t at = SIZE_MAX, uint64_t n = 0, bool always = false) {
+// Plays all operations on a host of its own, request `n` of operation `at` failing.  `asked` gets
+// the number of requests of each.
+Played playOn(const Keeping& keeping, std::vector<uint64_t>* asked, size_t at = SIZE_MAX,
+              uint64_t n = 0, bool always = false) {
     QVPortableOptions options = {};
     options.structSize = sizeof options;
     options.journalCallback = [](void*, const char*, size_t) {};
@@ -92,22 +85,14 @@ Played play(const Keeping& keeping, size_t at = SIZE_MAX, uint64_t n = 0, bool a
     EXPECT_EQ(qvPortableRegister(host, "qvejmap", qvejmap), QV_OK);
     auto* engine =
         reinterpret_cast<UserJMAP_S*>(host->loadExtension(host, U"qvejmap", 7, host->jnl));
-    Played played;
-    {
-        Stage stage(engine, host->jnl, keeping,
-                    std::filesystem::temp_directory_path().string() + "/",
-                    [](bool begins) { plan.counting = begins; });
-        for (size_t i = 0; i < operations().size() && played.failed == SIZE_MAX; ++i) {
-            plan = {false, 0, i == at ? n : 0, always};
-            played.status = operations()[i].run(stage);
-            played.asked.push_back(plan.asked);
-            plan = {};
-            played.told = stage.lossTold();
-            played.failed = played.status != QV_OK || played.told ? i : SIZE_MAX;
+    Stage stage(engine, host->jnl, keeping, std::filesystem::temp_directory_path().string() + "/",
+                [](bool begins) { plan.counting = begins; });
+    Played played = play(stage, [&](size_t i, bool begins) {
+        if (!begins && asked != nullptr) {
+            asked->push_back(plan.asked);
         }
-        EXPECT_EQ(stage.end(), QV_OK);
-        played.out = std::move(stage.out);
-    }
+        plan = begins && i == at ? Plan{.failing = n, .always = always} : Plan{};
+    });
     EXPECT_EQ(engine->exth.generic.destroy(&engine->exth.generic), QV_OK);
     EXPECT_EQ(qvPortableStop(host), QV_OK);
     return played;
@@ -120,16 +105,17 @@ TEST(HostMemory, MayFailAnywhere) {
     };
     std::map<std::string, uint64_t> injected;
     for (const Keeping& keeping : kKeepings) {
-        const Played clean = play(keeping);
+        std::vector<uint64_t> asked;
+        const Played clean = playOn(keeping, &asked);
         ASSERT_EQ(clean.failed, SIZE_MAX) << qvStatusName(clean.status);
-        for (size_t at = 0; at < clean.asked.size(); ++at) {
+        for (size_t at = 0; at < asked.size(); ++at) {
             const std::string name = operations()[at].name;
             const uint64_t step = isLong() ? 1 : 7;
-            for (uint64_t i = 2; i < 2 * clean.asked[at] + 2; i += i < 16 ? 1 : step) {
+            for (uint64_t i = 2; i < 2 * asked[at] + 2; i += i < 16 ? 1 : step) {
                 SCOPED_TRACE(std::string(keeping.name) + ", " + name + ", " +
                              std::to_string(i / 2) + (i % 2 == 0 ? "" : " and all that follow"));
                 ++injected[name];
-                const Played played = play(keeping, at, i / 2, i % 2 != 0);
+                const Played played = playOn(keeping, nullptr, at, i / 2, i % 2 != 0);
                 EXPECT_TRUE(clean.out.starts_with(played.out));
                 const bool whole = played.failed == SIZE_MAX;
                 EXPECT_TRUE(!whole || played.out == clean.out)
@@ -142,9 +128,6 @@ TEST(HostMemory, MayFailAnywhere) {
                 }
             }
         }
-    }
-    for (const auto& [name, count] : injected) {
-        std::printf("    %-30s %6lu\n", name.c_str(), count);
     }
     EXPECT_GT(injected["JsonInit"], 0U);
     EXPECT_GT(injected["JsonInput, the last"], 0U);

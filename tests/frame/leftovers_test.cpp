@@ -1,8 +1,5 @@
-// Failures of memory: what each leaves behind, and that none does harm.
+// Failures of memory: what each leaves behind.
 #include "testkit/open_document.h"
-#include "tests/frame/operations.h"
-
-#include <regex>
 
 namespace jmap::test {
 namespace {
@@ -54,60 +51,6 @@ TEST(Leftovers, OfADocumentAfterTerm) {
         EXPECT_QV_OK(engine->MapInit(scan.doc(), nullptr, &ctx, nullptr));
     }
     EXPECT_EQ(host.left(), "pool qvejmap read pool, pool qvejmap read pool, writer, parser");
-}
-
-constexpr const char* kMap =
-    R"({"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root","VARIABLES":[{"NAME":"n","PATH":"/p"}]}]})";
-
-// What comes of the document and of each operation, as text.
-std::string runEverything(FakeHost& host, ScanOptions options) {
-    host.setAvailable(0);
-    options.cacheFile = scratchFile("cache");
-    const Scan scan(host, kJson, options);
-    std::string all = std::string(qvStatusName(scan.initStatus)) + " " + qvStatusName(scan.status);
-    if (scan.initStatus != QV_OK || scan.status != QV_OK) {
-        return all;
-    }
-    int32_t* info = nullptr;
-    all += qvStatusName(scan.engine()->GetAlldataInfo(scan.doc(), &info)) + scan.mapDocument();
-    QVMemPtr map = nullptr;
-    all += qvStatusName(scan.readMap(kMap, options.split));
-    all += qvStatusName(scan.engine()->GetUserMap(scan.doc(), &map, nullptr, nullptr));
-    for (const char* table : {"root", "rows", "tags", "sub", "ALLDATA"}) {
-        all += scan.rows(table);
-    }
-    return all + scan.records();
-}
-
-// Makes each request for memory fail (or each seventh), alone or with all that follow; what comes
-// after goes on all the same.
-void sweep(const ScanOptions& options) {
-    SCOPED_TRACE(options.debug + (options.compress ? " compressed" : ""));
-    // What may come of a failure; a scan that fails in a callback gives JMAP_PARSE.
-    static const std::regex kOther("(QV|JMAP)_(?!OK|NOMEM|UNSUPPORTED|PARSE|NOTABLE)");
-    LoadedHost clean;
-    const uint64_t before = clean.requests();
-    const std::string expected = runEverything(clean, options);
-    const uint64_t requests = clean.requests() - before;
-    uint64_t injected = 0, differed = 0;
-    for (uint64_t n = 2; n < 2 * requests + 2; n += isLong() ? 1 : 7) {
-        SCOPED_TRACE(std::to_string(n / 2) + (n % 2 == 0 ? "" : " and all that follow"));
-        LoadedHost host;
-        host.failAllocation(n / 2, n % 2 != 0);
-        const std::string found = runEverything(host, options);
-        EXPECT_FALSE(std::regex_search(found, kOther)) << found;
-        ++injected;
-        differed += found != expected ? 1 : 0;
-        host.failAllocation(0);
-        EXPECT_EQ(runEverything(host, options), expected) << "a fresh document";
-    }
-    EXPECT_TRUE(requests > 50 && 2 * differed > injected) << "hardly a failure was seen";
-}
-
-TEST(FaultSweep, NoFailureDoesHarm) {
-    sweep({.split = 11});
-    sweep({.compress = true, .memLeave = 1, .split = 11});
-    sweep({.debug = ",ALL,", .compress = true, .split = 11});
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // See operations.h.
 #include "tests/frame/operations.h"
 
+#include <gtest/gtest.h>
+
 #include <cstring>
 #include <utility>
 
@@ -69,17 +71,6 @@ QVStatus feedAll(Stage& s) {
     return QV_OK;
 }
 
-QVStatus getAutoMap(Stage& s) {
-    return s.ask([&] { return s.engine->GetAutoMap(s.doc, &s.automap); });
-}
-
-QVStatus getAlldataInfo(Stage& s) {
-    int32_t* info = nullptr;
-    const QVStatus rc = s.ask([&] { return s.engine->GetAlldataInfo(s.doc, &info); });
-    s.out += rc == QV_OK ? " levels " + std::to_string(info[0]) : "";
-    return rc;
-}
-
 QVStatus getDsName(Stage& s) {
     for (uint64_t i = 0; i < 3; ++i) {
         char name[33] = {};
@@ -91,14 +82,6 @@ QVStatus getDsName(Stage& s) {
         }
         s.out.append(" ").append(name, static_cast<size_t>(nameLen));
     }
-    return QV_OK;
-}
-
-QVStatus memberExist(Stage& s) {
-    char name[] = "rows";
-    s.out += s.ask([&] { return s.engine->MemberExist(s.doc, s.automap, 4, name); }) == QV_OK
-                 ? " there"
-                 : " not there";
     return QV_OK;
 }
 
@@ -115,10 +98,6 @@ QVStatus getAutoMapBuf(Stage& s) {
 QVStatus getAutoMapBufFree(Stage& s) {
     s.writer = false;
     return s.ask([&] { return s.engine->GetAutoMapBufFree(s.doc); });
-}
-
-QVStatus mapInit(Stage& s) {
-    return s.ask([&] { return s.engine->MapInit(s.doc, nullptr, &s.mapContext, s.jnl); });
 }
 
 QVStatus mapInput(Stage& s) {
@@ -150,9 +129,16 @@ QVStatus getUserMap(Stage& s) {
     return rc;
 }
 
-QVStatus readInit(Stage& s) {
-    char name[] = "t";
-    return s.ask([&] { return s.engine->ReadInit(s.doc, s.userMap, name, 1, nullptr, &s.table); });
+// Takes what `next` gives up to the end.
+template <class Next, class Take>
+QVStatus takeAll(Stage& s, Next next, Take take) {
+    for (;;) {
+        const QVStatus rc = s.ask(next);
+        if (rc != QV_OK) {
+            return rc == QV_EOF ? QV_OK : rc;
+        }
+        take();
+    }
 }
 
 // All rows.  A text that could not be kept for an informat is told to an observer only.
@@ -163,21 +149,16 @@ QVStatus readRows(Stage& s) {
                                            told = told == QV_OK ? status : told;
                                        }};
     jmapObserve(s.table, &observer);
-    for (;;) {
-        QVStatus rc = s.ask([&] { return s.engine->Read(s.table); });
-        rc = rc == QV_OK ? s.rawStatus : rc;
-        if (rc != QV_OK) {
-            return rc == QV_EOF ? QV_OK : rc;
-        }
+    const auto next = [&] {
+        const QVStatus rc = s.engine->Read(s.table);
+        return rc == QV_OK ? s.rawStatus : rc;
+    };
+    return takeAll(s, next, [&] {
         s.out.append("\n|").append(view(s.table->obsbuf, s.table->obsbufLen));
         for (QVStrSize i = 0; i < s.table->varCount; ++i) {
             s.out.append(view(s.table->varinfo[i].rawdata, s.table->varinfo[i].rawdataLen));
         }
-    }
-}
-
-QVStatus readReset(Stage& s) {
-    return s.ask([&] { return s.engine->ReadReset(s.table); });
+    });
 }
 
 QVStatus readTerm(Stage& s) {
@@ -192,19 +173,11 @@ QVStatus readAlldata(Stage& s) {
                        : s.ask([&] { return jmapReadTable(s.doc, alldata, nullptr, &s.table); });
 }
 
-QVStatus recordsOpen(Stage& s) {
-    return s.ask([&] { return jmapRecordsOpen(s.doc, &s.cursor); });
-}
-
 QVStatus recordsNext(Stage& s) {
-    for (;;) {
-        JMAPRecord record = {};
-        const QVStatus rc = s.ask([&] { return jmapRecordsNext(s.cursor, &record); });
-        if (rc != QV_OK) {
-            return rc == QV_EOF ? QV_OK : rc;
-        }
-        s.out.append("\nrecord ").append(view(record.bytes, record.bytesLen));
-    }
+    JMAPRecord record = {};
+    return takeAll(
+        s, [&] { return jmapRecordsNext(s.cursor, &record); },
+        [&] { s.out.append("\nrecord ").append(view(record.bytes, record.bytesLen)); });
 }
 
 QVStatus recordsClose(Stage& s) {
@@ -225,12 +198,9 @@ QVStatus passOpen(Stage& s) {
 }
 
 QVStatus passNext(Stage& s) {
-    for (;;) {
-        JMAPPassItem item = {};
-        const QVStatus rc = s.ask([&] { return jmapPassNext(s.pass, &item); });
-        if (rc != QV_OK) {
-            return rc == QV_EOF ? QV_OK : rc;
-        }
+    JMAPPassItem item = {};
+    const auto next = [&] { return jmapPassNext(s.pass, &item); };
+    return takeAll(s, next, [&] {
         s.out += "\nitem " + std::to_string(item.kind) + " of " + std::to_string(item.table);
         for (QVStrSize i = 0; i < item.cellCount; ++i) {
             const JMAPPassCell& cell = item.cells[i];
@@ -239,7 +209,7 @@ QVStatus passNext(Stage& s) {
                 s.out += view(cell.text, cell.textLen);
             }
         }
-    }
+    });
 }
 
 QVStatus passClose(Stage& s) {
@@ -255,10 +225,6 @@ QVStatus statistics(Stage& s) {
     }
     double number = 0;
     return s.ask([&] { return jmapToNumber(s.doc, "1.5", 3, &number); });
-}
-
-QVStatus term(Stage& s) {
-    return s.end();
 }
 
 }  // namespace
@@ -299,33 +265,60 @@ const std::vector<Operation>& operations() {
         {"JsonInit", jsonInit},
         {"JsonInput", feedAll},
         {"JsonInput, the last", [](Stage& s) { return feed(s, "", true); }},
-        {"GetAutoMap", getAutoMap},
-        {"GetAlldataInfo", getAlldataInfo},
+        {"GetAutoMap",
+         [](Stage& s) { return s.ask([&] { return s.engine->GetAutoMap(s.doc, &s.automap); }); }},
+        {"GetAlldataInfo",
+         [](Stage& s) {
+             int32_t* levels = nullptr;
+             return s.ask([&] { return s.engine->GetAlldataInfo(s.doc, &levels); });
+         }},
         {"GetDsName", getDsName},
-        {"MemberExist", memberExist},
         {"GetAutoMapBuf", getAutoMapBuf},
         {"GetAutoMapBufFree", getAutoMapBufFree},
-        {"MapInit", mapInit},
+        {"MapInit",
+         [](Stage& s) {
+             return s.ask([&] { return s.engine->MapInit(s.doc, nullptr, &s.mapContext, s.jnl); });
+         }},
         {"MapInput", mapInput},
         {"MapTerm", mapTerm},
         {"GetUserMap", getUserMap},
-        {"ReadInit", readInit},
+        {"ReadInit",
+         [](Stage& s) {
+             char name[] = "t";
+             return s.ask(
+                 [&] { return s.engine->ReadInit(s.doc, s.userMap, name, 1, nullptr, &s.table); });
+         }},
         {"Read", readRows},
-        {"ReadReset", readReset},
+        {"ReadReset", [](Stage& s) { return s.ask([&] { return s.engine->ReadReset(s.table); }); }},
         {"Read again", readRows},
         {"ReadTerm", readTerm},
         {"jmapReadTable", readAlldata},
         {"Read of ALLDATA", readRows},
-        {"jmapRecordsOpen", recordsOpen},
+        {"jmapRecordsOpen",
+         [](Stage& s) { return s.ask([&] { return jmapRecordsOpen(s.doc, &s.cursor); }); }},
         {"jmapRecordsNext", recordsNext},
         {"jmapRecordsClose", recordsClose},
         {"jmapPassOpen", passOpen},
         {"jmapPassNext", passNext},
         {"jmapPassClose", passClose},
         {"jmapNextPath, jmapToNumber", statistics},
-        {"Term", term},
+        {"Term", [](Stage& s) { return s.end(); }},
     };
     return kAll;
+}
+
+Played play(Stage& stage, const std::function<void(size_t at, bool begins)>& around) {
+    Played played;
+    for (size_t i = 0; i < operations().size() && played.failed == SIZE_MAX; ++i) {
+        around(i, true);
+        played.status = operations()[i].run(stage);
+        around(i, false);
+        played.told = stage.lossTold();
+        played.failed = played.status != QV_OK || played.told ? i : SIZE_MAX;
+    }
+    EXPECT_EQ(stage.end(), QV_OK);
+    played.out = stage.out;
+    return played;
 }
 
 }  // namespace jmap::test

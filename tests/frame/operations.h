@@ -10,6 +10,7 @@
 #include "core/text.h"
 
 #include <cstdlib>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -86,5 +87,17 @@ struct Operation {
 
 // In the order in which they run.  The last one is Term.
 const std::vector<Operation>& operations();
+
+struct Played {
+    std::string out;
+    size_t failed = SIZE_MAX;  // the operation
+    QVStatus status = QV_OK;   // of the last one
+    bool told = false;         // the totals tell of a loss
+};
+
+// Plays the operations up to the first that fails or tells of a loss, and ends what is open.
+// `around` is called before and behind each.
+Played play(
+    Stage& stage, const std::function<void(size_t at, bool begins)>& around = [](size_t, bool) {});
 
 }  // namespace jmap::test

@@ -19,15 +19,10 @@ constexpr Keeping kKeepings[] = {
     {.name = "in a file, with notes", .spill = true, .debug = ",ALL,"},
 };
 
-// What all operations give, or the name of the first that failed.
-std::string play(UserJMAP_S* engine, QVJnlh jnl, const Keeping& keeping) {
+// What all operations give.
+std::string outOf(UserJMAP_S* engine, QVJnlh jnl, const Keeping& keeping) {
     Stage stage(engine, jnl, keeping, std::filesystem::temp_directory_path().string() + "/");
-    for (const Operation& operation : operations()) {
-        if (operation.run(stage) != QV_OK) {
-            return operation.name;
-        }
-    }
-    return stage.out;
+    return play(stage).out;
 }
 
 TEST(Threads, TwoDocumentsAtOnceAreIndependent) {
@@ -43,7 +38,7 @@ TEST(Threads, TwoDocumentsAtOnceAreIndependent) {
     UserJMAP_S* const shared = load();
     std::string expected[std::size(kKeepings)];
     for (size_t i = 0; i < std::size(kKeepings); ++i) {
-        expected[i] = play(shared, host->jnl, kKeepings[i]);
+        expected[i] = outOf(shared, host->jnl, kKeepings[i]);
         ASSERT_GT(expected[i].size(), 100U) << expected[i];
     }
     for (const bool own : {false, true}) {
@@ -52,7 +47,7 @@ TEST(Threads, TwoDocumentsAtOnceAreIndependent) {
             UserJMAP_S* const engine = own ? load() : shared;  // loading too is for any thread
             for (size_t turn = 0; turn < 6; ++turn) {
                 const size_t i = (first + turn) % std::size(kKeepings);
-                *differed += play(engine, host->jnl, kKeepings[i]) == expected[i] ? 0 : 1;
+                *differed += outOf(engine, host->jnl, kKeepings[i]) == expected[i] ? 0 : 1;
             }
             if (own) {
                 EXPECT_EQ(engine->exth.generic.destroy(&engine->exth.generic), QV_OK);

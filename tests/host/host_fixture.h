@@ -4,11 +4,11 @@
 #include "qvportable.h"
 
 #include "tests/testkit/scratch_folder.h"
+#include "tests/testkit/split.h"
 #include "tests/testkit/testkit.h"
 
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -17,19 +17,10 @@
 namespace qvhost::test {
 
 using jmap::test::ScratchFolder;
+using jmap::test::split;
 
 [[nodiscard]] QVStrSize lengthOf(const auto& text) {
     return static_cast<QVStrSize>(std::size(text));
-}
-
-// "a|b|c" in parts.
-inline std::vector<std::string> split(const std::string& text, char separator = '|') {
-    std::vector<std::string> parts;
-    std::istringstream stream(text);
-    for (std::string part; std::getline(stream, part, separator);) {
-        parts.push_back(part);
-    }
-    return parts;
 }
 
 // A host that stops at the end.

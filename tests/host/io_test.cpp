@@ -1,17 +1,14 @@
 // Files of blocks: what is written and read back, what is refused, and every system call failing.
 #include "host/io/io_module.h"
-#include "host/io/syscalls.h"
+#include "tests/host/faulty_calls.h"
 #include "tests/host/host_fixture.h"
 
-#include <cerrno>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace qvhost::test {
 namespace {
 
 namespace fs = std::filesystem;
-using S = Syscalls;
 
 QVStatus write(QVIOFileh file, std::string_view block) {
     return file->write(file, block.data(), lengthOf(block));
@@ -123,33 +120,6 @@ TEST_F(IoTest, WritesOnlyToAnEmptyFileOfThisUserWhichItClosesToOthers) {
         EXPECT_EQ(fs::status(path(file)).permissions(), fs::perms{0600}) << file;
     }
 }
-
-// Answers of a system call, used up one by one; then the system answers.  A positive answer cuts
-// the count of a transfer to it, 0 makes it transfer nothing, a negative one is an errno.
-template <auto Call>
-std::vector<int> answers;
-
-// Stands in for a system call.  One that acts anyway is made even when it says that it failed.
-template <auto Call, bool kActsAnyway = false>
-constexpr auto kFaulty = [](auto... args) {
-    std::vector<int>& planned = answers<Call>;
-    if (planned.empty()) {
-        return (posixSyscalls().*Call)(args...);
-    }
-    const int next = planned.front();
-    planned.erase(planned.begin());
-    if constexpr (sizeof...(args) == 4) {  // a transfer
-        auto& count = std::get<2>(std::tie(args...));
-        count = std::min<std::size_t>(count, static_cast<unsigned>(std::max(next, 0)));
-    }
-    const auto made = next >= 0 || kActsAnyway ? (posixSyscalls().*Call)(args...) : -1;
-    errno = -next;
-    return next < 0 ? decltype(made){-1} : made;
-};
-constexpr Syscalls kFaultyCalls = {
-    kFaulty<&S::open>,      kFaulty<&S::fstat>,      kFaulty<&S::fchmod>, kFaulty<&S::flock>,
-    kFaulty<&S::pwrite>,    kFaulty<&S::pread>,      &::ftruncate,        kFaulty<&S::unlink>,
-    kFaulty<&S::duplicate>, kFaulty<&S::close, true>};
 
 TEST_F(IoTest, FailingSystemCallsBecomeStatusesAndInterruptedOnesAreRepeated) {
     ASSERT_QV_OK(qvPortableRegister(host.handle, "qvioe",

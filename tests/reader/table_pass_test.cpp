@@ -1,47 +1,14 @@
 // All tables in one walk over the record stream.
 #include "reader/table_pass.h"
 
+#include "fuzz/kit/table_rows.h"
 #include "testkit/hand_map.h"
-#include "testkit/pass_rows.h"
-
-#include <random>
+#include "testkit/random_document.h"
 
 namespace jmap::test {
 namespace {
 
-// Values of few names, so that every path comes in every order.
-class RandomDocument {
-   public:
-    std::string text(int values) {
-        std::string text;
-        for (; values > 0; --values) {
-            text += (text.empty() ? "[" : ",") + value(1);
-        }
-        return text + "]";
-    }
-
-    std::mt19937 random;
-    size_t longest;  // of a string
-
-   private:
-    size_t draw(size_t below) { return random() % below; }
-
-    std::string value(int depth) {
-        constexpr const char* kScalars[] = {"1", "-2.5", "true", "false", "null", "\"\"", "\"12\""};
-        if (depth == 4 || draw(8) < 3) {
-            const auto scalar = draw(2 * std::size(kScalars));
-            const std::string letters(draw(longest), static_cast<char>('p' + draw(9)));
-            return scalar < std::size(kScalars) ? kScalars[scalar] : '"' + letters + '"';
-        }
-        constexpr const char* kNames[] = {"\"a\":", "\"b\":", "\"ab\":"};
-        const bool object = draw(5) < 3;
-        std::string text = object ? "{" : "[";
-        for (auto left = draw(5); left > 0; --left) {
-            text += (object ? kNames[draw(3)] : "") + value(depth + 1) + (left > 1 ? "," : "");
-        }
-        return text + (object ? "}" : "]");
-    }
-};
+const Names kNames = {"a", "b", "ab"};
 
 // For each table path a table with columns of all kinds on all paths and one without columns; when
 // `single` is set, also one for each kind and path.
@@ -82,8 +49,8 @@ TEST(TablePass, GivesTheRowsOfReadForEveryKindOfTable) {
     makeOddMap(&hand, true);
     for (unsigned seed = 0; seed < 60; ++seed) {
         SCOPED_TRACE(seed);
-        const Scan scan(RandomDocument{std::mt19937(seed), 8}.text(6));
-        expectThePassGivesTheRowsOfRead(scan, &hand.map);
+        const Scan scan(RandomDocument(seed, kNames).text(6));
+        fuzz::requireSameRows(scan.doc(), fuzz::tablesOf(scan.doc(), &hand.map));
     }
 }
 
@@ -96,9 +63,9 @@ TEST(TablePass, CopiesWhatOutlivesABlock) {
             SCOPED_TRACE(seed);
             FakeHost host;
             host.setAvailable(0);
-            const Scan scan(host, RandomDocument{std::mt19937(seed), 30'000}.text(200),
+            const Scan scan(host, RandomDocument(seed, kNames, 30'000).text(200),
                             {.compress = compress, .cacheFile = scratchFile("c"), .memLeave = 1});
-            expectThePassGivesTheRowsOfRead(scan, &hand.map);
+            fuzz::requireSameRows(scan.doc(), fuzz::tablesOf(scan.doc(), &hand.map));
             blocks += scan.blocks().size();
         }
     }
@@ -112,7 +79,7 @@ bool holdsValue(const JMAPPassCell& cell) {
 // Values that came for a column are in its rows, were overwritten, or are left of a row that never
 // was complete.
 void expectTheColumnsAddUp(const Scan& scan, MAP* map, uint64_t flags, uint64_t* lost) {
-    const std::vector<DSINFO*> tables = tablesOf(scan, map);
+    const std::vector<DSINFO*> tables = fuzz::tablesOf(scan.doc(), map);
     JMAPPassh pass = nullptr;
     ASSERT_QV_OK(
         jmapPassOpen(scan.doc(), tables.data(), lengthOf({nullptr, tables.size()}), flags, &pass));
@@ -152,7 +119,7 @@ TEST(TablePass, LosesNoValueUncounted) {
     uint64_t lost = 0;
     for (unsigned seed = 0; seed < 40; ++seed) {
         SCOPED_TRACE(seed);
-        const Scan scan(RandomDocument{std::mt19937(seed), 8}.text(8));
+        const Scan scan(RandomDocument(seed, kNames).text(8));
         for (const uint64_t flags : {uint64_t{0}, uint64_t{QVEJMAP_RETAIN}}) {
             expectTheColumnsAddUp(scan, scan.p()->automap, flags, &lost);
             expectTheColumnsAddUp(scan, &hand.map, flags, &lost);
@@ -162,7 +129,7 @@ TEST(TablePass, LosesNoValueUncounted) {
 }
 
 TEST(TablePass, AFailureEndsIt) {
-    const Scan scan(RandomDocument{std::mt19937(0), 30'000}.text(80), {.compress = true});
+    const Scan scan(RandomDocument(0, kNames, 30'000).text(80), {.compress = true});
     COMPPATHS* const last = scan.p()->ctail;
     ASSERT_NE(scan.p()->chead, last);
     DSINFO* const table = scan.p()->alldataDs;

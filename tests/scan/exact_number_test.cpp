@@ -2,6 +2,7 @@
 #include "scan/exact_number.h"
 
 #include "testkit/open_document.h"
+#include "testkit/split.h"
 
 #include <string>
 
@@ -9,56 +10,27 @@ namespace jmap::test {
 namespace {
 
 TEST(ExactNumber, TellsWhatADoubleLoses) {
-    const std::string long0 = "0." + std::string(320, '0');
-    const struct {
-        std::string number;
-        bool loses;
-    } kCases[] = {
-        {"0", false},
-        {"-0.0e999", false},
-        {"9007199254740992", false},
-        {"9007199254740993", true},
-        {"-9007199254740993", true},
-        {"9007199254740994", false},
-        {"18014398509481984", false},
-        {"18014398509481982", false},
-        {"18014398509481983", true},
-        {"9223372036854775807", true},
-        {"9223372036854775808", false},
-        {"12345678901234567890", true},
-        {"100000000000000000000", false},
-        {"10000000000000000000000", false},
-        {"100000000000000000000000", true},
-        {"1000000000000000", false},
-        {"999999999999999999", true},
-        {"0.12345678901234567", false},
-        {"12345678.901234567", false},
-        {"-12345678.901234567", false},
-        {"0.123456789012345678", true},
-        {"-1.23456789012345678", true},
-        {"-1.23456789012345670000000000", false},
-        {"0.00000000000000000000000012345678901234567", false},
-        {"1.50000000000000000000000000000", false},
-        {"1.7976931348623157e308", false},
-        {"1e308", false},
-        {"1e309", true},
-        {"-1E999", true},
-        {"9e-324", false},
-        {"1e-400", true},
-        {"0e-400", false},
-        {"123456789012345678e-5", true},
-        {"12345678901234567e-5", false},
-        {std::string(310, '9'), true},
-        {std::string(310, '9') + ".5", true},
-        {"1" + std::string(310, '0') + ".0", true},
-        {long0 + "1", false},  // 1e-321 is small, but not 0
-        {long0 + std::string(10, '0') + "1", true},
-    };
+    const std::string zeros = "0." + std::string(320, '0'), nines(310, '9');
+    Names keeps = split(
+        "0|-0.0e999|9007199254740992|9007199254740994|18014398509481984|18014398509481982|"
+        "9223372036854775808|100000000000000000000|10000000000000000000000|1000000000000000|"
+        "0.12345678901234567|12345678.901234567|-12345678.901234567|"
+        "-1.23456789012345670000000000|0.00000000000000000000000012345678901234567|"
+        "1.50000000000000000000000000000|1.7976931348623157e308|1e308|9e-324|0e-400|"
+        "12345678901234567e-5");
+    keeps.push_back(zeros + "1");  // 1e-321 is small, but not 0
+    Names loses = split(
+        "9007199254740993|-9007199254740993|18014398509481983|9223372036854775807|"
+        "12345678901234567890|100000000000000000000000|999999999999999999|"
+        "0.123456789012345678|-1.23456789012345678|1e309|-1E999|1e-400|123456789012345678e-5");
+    loses.insert(loses.end(),
+                 {nines, nines + ".5", "1" + std::string(310, '0') + ".0", zeros + "00000000001"});
     HandDocument doc;
-    for (const auto& test : kCases) {
-        SCOPED_TRACE(test.number);
-        EXPECT_EQ(test.loses, losesDigits(doc.p.smh, test.number));
-        EXPECT_TRUE(mayLoseDigits(test.number) || !test.loses);
+    for (const std::string& number : keeps) {
+        EXPECT_FALSE(losesDigits(doc.p.smh, number)) << number;
+    }
+    for (const std::string& number : loses) {
+        EXPECT_TRUE(losesDigits(doc.p.smh, number) && mayLoseDigits(number)) << number;
     }
     EXPECT_FALSE(losesDigits(nullptr, "1e309"));
     for (const char* usual : {"1", "-1.5", "123456789012345", "-65.613616999999977", "12345.6"}) {

@@ -2,6 +2,7 @@
 #include "scan/path_tree.h"
 
 #include "testkit/open_document.h"
+#include "testkit/split.h"
 
 #include <random>
 
@@ -11,7 +12,8 @@ namespace {
 // Random documents of few names and shapes, so that paths come back, in order and out of order.
 class Maker {
    public:
-    explicit Maker(unsigned seed) : random_(seed), names_(kNames.begin(), kNames.end()) {
+    explicit Maker(unsigned seed) : random_(seed) {
+        names_.insert(names_.end(), {std::string(29, 'n'), std::string(300, 'm')});
         for (int i = 0; seed % 3 == 0 && i < 60; ++i) {
             names_.push_back("k" + std::to_string(i));
         }
@@ -24,22 +26,6 @@ class Maker {
     }
 
    private:
-    static inline const Names kNames = {
-        "",
-        "a",
-        "tags",
-        "tags1",
-        "x",
-        R"(x\u0002y)",
-        "y",
-        "element1",
-        "FAKE",
-        std::string(29, 'n'),
-        std::string(300, 'm'),
-        "ab",
-        "abcdefgh",
-        "items",
-    };
     std::size_t below(std::size_t n) { return random_() % n; }
     std::string value(int depth) {
         const std::size_t kind = depth == 0 ? 2 : below(5);
@@ -67,7 +53,7 @@ class Maker {
     }
 
     std::minstd_rand random_;
-    Names names_;
+    Names names_ = split(R"(|a|tags|tags1|x|x\u0002y|y|element1|FAKE|ab|abcdefgh|items)");
 };
 
 // With notes of all labels every record is put together from the stack.

@@ -13,28 +13,19 @@
 //     ? exit code, when it is not 0
 //
 // QVEJMAP_REFRESH=1 rewrites the files with what the tool does now; review the difference.
+#include "tests/testkit/split.h"
 #include "tests/tool/workplace.h"
 #include "tools/cli/escape.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
-#include <vector>
 
 namespace jmap::test {
 namespace {
 
 const std::string kDocuments = JMAP_SOURCE_DIR "/../shared/data/";
 const std::string kFolder = JMAP_SOURCE_DIR "/tests/tool/golden/";
-
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        lines.push_back(line);
-    }
-    return lines;
-}
 
 // The further files that a golden file needs, as paths.
 std::vector<std::string> neededFiles(const std::string& file) {
@@ -53,13 +44,13 @@ std::vector<std::string> neededFiles(const std::string& file) {
 // What a command does, as a golden file shows it.
 std::string shownResult(const Workplace::Result& result) {
     std::string text;
-    for (const std::string& line : linesOf(result.out)) {
+    for (const std::string& line : split(result.out, '\n')) {
         text += "  " + escaped(line) + "\n";
     }
     if (!result.out.empty() && result.out.back() != '\n') {
         text.insert(text.size() - 1, "\\c");
     }
-    for (const std::string& line : linesOf(result.err)) {
+    for (const std::string& line : split(result.err, '\n')) {
         text += "! " + line + "\n";
     }
     return text + (result.exitCode == 0 ? "" : "? " + std::to_string(result.exitCode) + "\n");
@@ -73,7 +64,7 @@ std::string replay(const std::string& file) {
     }
     std::string text;
     std::string command;
-    for (const std::string& line : linesOf(file + "\n#end")) {
+    for (const std::string& line : split(file + "\n#end", '\n')) {
         const std::string mark = line.substr(0, 2);
         if (!command.empty() && mark == "> ") {
             command += line.substr(2) + "\n";
@@ -109,8 +100,9 @@ TEST_P(ToolGolden, PrintsWhatTheFileSays) {
 INSTANTIATE_TEST_SUITE_P(Files, ToolGolden,
                          testing::Values("account", "check", "convert", "damage", "encodings",
                                          "events", "input", "interrupt", "map", "map_check",
-                                         "map_explain", "map_diff", "map_merge", "map_use", "read",
-                                         "records", "spill", "tables", "terminal", "usage"),
+                                         "map_explain", "map_diff", "map_merge", "map_merge_parts",
+                                         "map_use", "read", "records", "spill", "tables",
+                                         "terminal", "usage"),
                          [](const auto& file) { return file.param; });
 
 }  // namespace

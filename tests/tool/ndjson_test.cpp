@@ -1,5 +1,6 @@
 // Every NDJSON output is read back by a parser that is not ours, and the CSV output of the same
 // table must be what follows from it.
+#include "tests/testkit/split.h"
 #include "tests/tool/workplace.h"
 
 #include <gtest/gtest.h>
@@ -122,32 +123,20 @@ TEST(ToolNdjson, ReadsBackForRealDocuments) {
 // Flat objects whose members keep their kind and order: NDJSON of their table is the document,
 // letter for letter.
 TEST(ToolNdjson, IsTheDocumentWhereThatIsATable) {
-    constexpr const char* kNumbers[] = {"12345678901234567890",
-                                        "1e400",
-                                        "1.10",
-                                        "-0",
-                                        "1E5",
-                                        "0.1000000000000000055511151231257827",
-                                        "-1e-999",
-                                        "7"};
-    constexpr const char* kTexts[] = {"",        " ",
-                                      "a  ",     "NULL",
-                                      "null",    "1.0",
-                                      "x,\\\"y", "\\n",
-                                      "日本 ",   "sixteen bytes...",
-                                      "\\u0000", "exactly seven-teen"};
+    const auto numbers = split(
+        "12345678901234567890|1e400|1.10|-0|1E5|0.1000000000000000055511151231257827|-1e-999|7");
+    const auto texts =
+        split(R"(| |a  |NULL|null|1.0|x,\"y|\n|日本 |sixteen bytes...|\u0000|exactly seven-teen)");
     std::mt19937 random(20240229);  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same every time
-    const auto oneOf = [&](const auto& list) {
-        return std::string(list[random() % std::size(list)]);
-    };
+    const auto oneOf = [&](const auto& list) { return list[random() % list.size()]; };
     std::string lines;
     for (int row = 0; row < 2000; ++row) {
         std::string members = "\"id\":" + std::to_string(row);
         for (int column = 0; column < 8; ++column) {
             const unsigned kind = row == 0 ? 2 : random() % 8;  // every column is in the first row
             const std::string value = kind == 1         ? "null"
-                                      : column % 2 == 0 ? oneOf(kNumbers)
-                                                        : "\"" + oneOf(kTexts) + "\"";
+                                      : column % 2 == 0 ? oneOf(numbers)
+                                                        : "\"" + oneOf(texts) + "\"";
             members += kind == 0 ? "" : ",\"c" + std::to_string(column) + "\":" + value;
         }
         lines += "{" + members + "}\n";

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <sys/stat.h>
 #include <unordered_map>
 
 namespace {
@@ -37,6 +38,12 @@ std::vector<Line> linesOf(const std::vector<qvej::PathAccount>& accounts,
     return lines;
 }
 
+// Can the file be read twice?  A pipe cannot, whatever its name.
+bool staysInPlace(const std::string& file) {
+    struct stat found = {};
+    return file != "-" && ::stat(file.c_str(), &found) == 0 && S_ISREG(found.st_mode);
+}
+
 // Reads the document again for the places that are not known.
 void findPlaces(const Options& options, std::vector<Line>& lines) {
     std::vector<qvej::Watch> watches;
@@ -47,7 +54,7 @@ void findPlaces(const Options& options, std::vector<Line>& lines) {
             wanted.push_back(&line);
         }
     }
-    if (watches.empty() || options.operands[0] == "-") {
+    if (watches.empty() || !staysInPlace(options.operands[0])) {
         return;
     }
     Options again = options;
@@ -121,6 +128,9 @@ std::vector<qvej::Spot> startsOf(const qvej::Document& document,
     std::unordered_map<std::string, qvej::Spot> starts;
     for (const qvej::PathStatistics& path : document.pathStatistics()) {
         for (const qvej::KindStatistics& kind : path.kinds) {
+            if (kind.kind == JMAP_KIND_FAKE_VARIABLE) {
+                continue;  // no value: an empty container
+            }
             const auto [at, isNew] = starts.try_emplace(path.path, kind.first);
             if (!isNew && before(kind.first, at->second)) {
                 at->second = kind.first;

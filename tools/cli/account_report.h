@@ -13,7 +13,7 @@
 
 // Writes the account on standard output.  The document is read once more to find places, with
 // `options` but without its tables, so its first reading should be over; a document on standard
-// input is gone, and only places that `starts` knows are shown.
+// input or from a pipe is gone, and only places that `starts` knows are shown.
 //   starts  where the first value of each account begins
 // REJECTED when a value is lost, else DONE.  Throws a Failure.
 ExitCode reportAccount(const Options& options, const std::vector<qvej::PathAccount>& accounts,

@@ -7,8 +7,9 @@
 
 namespace {
 
-void writeFile(const std::string& path, const std::string& map, bool force) {
-    OutputFiles files = OutputFiles::single(path, force);
+void writeFile(const std::string& path, const std::string& map, bool force,
+               const std::string& document) {
+    OutputFiles files = OutputFiles::single(path, force, document);
     Writer out = files.writer(0);
     out.append(map);
     out.put('\n');
@@ -18,9 +19,9 @@ void writeFile(const std::string& path, const std::string& map, bool force) {
 
 }  // namespace
 
-void putMap(const std::string& map, const Options& options) {
+void putMap(const std::string& map, const Options& options, const std::string& document) {
     if (!options.out.empty() && options.out != "-") {
-        writeFile(options.out, map, options.force);
+        writeFile(options.out, map, options.force, document);
         return;
     }
     Writer out = standardOutput();

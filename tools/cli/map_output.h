@@ -7,5 +7,6 @@
 
 #include <string>
 
-// `map`: a JSON document without line ends.  Throws a Failure.
-void putMap(const std::string& map, const Options& options);
+// `map`: a JSON document without line ends.  `document`: a file that it never replaces.  Throws a
+// Failure.
+void putMap(const std::string& map, const Options& options, const std::string& document = {});

@@ -123,8 +123,15 @@ bool fileExists(const std::string& path) {
 
 }  // namespace
 
+bool isSameFile(const std::string& a, const std::string& b) {
+    struct stat first = {};
+    struct stat second = {};
+    return ::stat(a.c_str(), &first) == 0 && ::stat(b.c_str(), &second) == 0 &&
+           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
 OutputFiles::OutputFiles(std::string directory, bool makeDirectory, std::vector<std::string> names,
-                         bool force)
+                         bool force, const std::string& document)
     : directory_(withoutTrailingSlashes(std::move(directory))),
       names_(std::move(names)),
       force_(force),
@@ -136,18 +143,18 @@ OutputFiles::OutputFiles(std::string directory, bool makeDirectory, std::vector<
         staged_ = true;
         prefix_ = besides(directory_) + ".qvejmap-" + randomHex() + "/";
     } else {
-        refuseExisting();
+        refuseExisting(document);
     }
     cleanup_.set(prefix_, staged_ ? &names_ : nullptr, directory_, 0);
     cleanup_.setCount(names_.size());
     makeDirectories(missing);
 }
 
-OutputFiles OutputFiles::single(const std::string& path, bool force) {
+OutputFiles OutputFiles::single(const std::string& path, bool force, const std::string& document) {
     const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos
-               ? OutputFiles(".", false, {path}, force)
-               : OutputFiles(path.substr(0, slash), false, {path.substr(slash + 1)}, force);
+    return slash == std::string::npos ? OutputFiles(".", false, {path}, force, document)
+                                      : OutputFiles(path.substr(0, slash), false,
+                                                    {path.substr(slash + 1)}, force, document);
 }
 
 OutputFiles::~OutputFiles() {
@@ -156,10 +163,17 @@ OutputFiles::~OutputFiles() {
     }
 }
 
-void OutputFiles::refuseExisting() const {
+void OutputFiles::refuseExisting(const std::string& document) const {
     for (std::size_t i = 0; i < names_.size(); ++i) {
-        if (fileExists(finalPath(i)) && !force_) {
-            throw Failure(FILE_TROUBLE, finalPath(i) + ": the file exists (--force replaces it)");
+        const std::string path = finalPath(i);
+        if (!fileExists(path)) {
+            continue;
+        }
+        if (isSameFile(path, document)) {
+            throw Failure(FILE_TROUBLE, path + ": the document itself, not replaced");
+        }
+        if (!force_) {
+            throw Failure(FILE_TROUBLE, path + ": the file exists (--force replaces it)");
         }
     }
 }
@@ -187,12 +201,8 @@ void OutputFiles::failToMake(const std::string& directory) {
 }
 
 bool OutputFiles::shares(const OutputFiles& other) const {
-    struct stat own = {};
-    struct stat others = {};
-    const bool sameDirectory = ::stat(directory_.c_str(), &own) == 0 &&
-                               ::stat(other.directory_.c_str(), &others) == 0 &&
-                               own.st_dev == others.st_dev && own.st_ino == others.st_ino;
-    return sameDirectory && std::any_of(names_.begin(), names_.end(), [&](const auto& name) {
+    return isSameFile(directory_, other.directory_) &&
+           std::any_of(names_.begin(), names_.end(), [&](const auto& name) {
                return std::find(other.names_.begin(), other.names_.end(), name) !=
                       other.names_.end();
            });

@@ -19,14 +19,19 @@
 #include <string>
 #include <vector>
 
+// Do the two names mean one file?  Links are followed; a file that is not there is no other.
+[[nodiscard]] bool isSameFile(const std::string& a, const std::string& b);
+
 class OutputFiles {
    public:
     // Files `names` in `directory`.  `makeDirectory`: it is made when it is missing.  Files that
-    // exist are refused, or with `force` replaced when they are regular files.  Throws a Failure.
+    // exist are refused, or with `force` replaced when they are regular files other than the
+    // `document`.  Throws a Failure.
     OutputFiles(std::string directory, bool makeDirectory, std::vector<std::string> names,
-                bool force);
+                bool force, const std::string& document = {});
     // One file, by its path; its directory must be there.
-    static OutputFiles single(const std::string& path, bool force);
+    static OutputFiles single(const std::string& path, bool force,
+                              const std::string& document = {});
     ~OutputFiles();
     OutputFiles(const OutputFiles&) = delete;
     OutputFiles& operator=(const OutputFiles&) = delete;
@@ -45,7 +50,7 @@ class OutputFiles {
     void commit();
 
    private:
-    void refuseExisting() const;
+    void refuseExisting(const std::string& document) const;
     void makeDirectories(const std::vector<std::string>& missing);
     [[noreturn]] void failToMake(const std::string& directory);
     int open(std::size_t i);

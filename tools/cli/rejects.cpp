@@ -33,16 +33,17 @@ std::string ordinalsOf(const qvej::Row& row) {
 
 }  // namespace
 
-Rejects::File::File(const std::string& file, bool force)
-    : output(OutputFiles::single(file, force)), writer(output.writer(0)), fields(writer) {
+Rejects::File::File(const std::string& file, bool force, const std::string& document)
+    : output(OutputFiles::single(file, force, document)), writer(output.writer(0)), fields(writer) {
     for (const char* name : kHeader) {
         fields.text(name);
     }
     fields.endLine();
 }
 
-Rejects::Rejects(const std::string& file, bool force, const OutputFiles* others)
-    : file_(file.empty() ? nullptr : std::make_unique<File>(file, force)) {
+Rejects::Rejects(const std::string& file, bool force, const std::string& document,
+                 const OutputFiles* others)
+    : file_(file.empty() ? nullptr : std::make_unique<File>(file, force, document)) {
     if (file_ != nullptr && others != nullptr && file_->output.shares(*others)) {
         throw Failure(WRONG_USAGE, "--rejects: " + file + " is also the file of a table");
     }

@@ -18,8 +18,9 @@
 class Rejects {
    public:
     // `file`: gets a line of CSV for each value; empty: none.  It is there after `end` only, and
-    // must be none of `others`.  Throws a Failure.
-    Rejects(const std::string& file, bool force, const OutputFiles* others = nullptr);
+    // must be neither the `document` nor one of `others`.  Throws a Failure.
+    Rejects(const std::string& file, bool force, const std::string& document,
+            const OutputFiles* others = nullptr);
 
     // What the row of a table calls.  This object and the table must outlive it.
     qvej::RejectHandler handlerFor(const qvej::Table& table);
@@ -38,7 +39,7 @@ class Rejects {
         bool cut;
     };
     struct File {
-        File(const std::string& file, bool force);
+        File(const std::string& file, bool force, const std::string& document);
         OutputFiles output;
         Writer writer;
         CsvFields fields;

@@ -107,8 +107,10 @@ void tellInexact(const std::string& file, const qvej::Document& document,
         }
     }
     if (told > kMostNames) {
-        tell(file + ": " + std::to_string(told - kMostNames) +
-             " more columns have such numbers (map --exact makes them all CHARACTER)");
+        const std::size_t more = told - kMostNames;
+        tell(file + ": " + std::to_string(more) +
+             (more == 1 ? " more column has" : " more columns have") +
+             " such numbers (map --exact makes them all CHARACTER)");
     }
 }
 

@@ -4,6 +4,7 @@
 #include "client/cache_file.h"
 #include "client/error.h"
 #include "tools/cli/failure.h"
+#include "tools/cli/output_files.h"
 #include "tools/cli/writer.h"
 
 #include <sys/stat.h>
@@ -40,15 +41,13 @@ std::string describe(const std::string& name) {
 // The file must be new or empty: the engine takes no other.  Nothing replaces the document.
 void prepareNamedCache(const std::string& path, bool force, const std::string& file) {
     struct stat found = {};
-    struct stat document = {};
     if (::lstat(path.c_str(), &found) != 0 || (S_ISREG(found.st_mode) && found.st_size == 0)) {
         return;
     }
     if (!S_ISREG(found.st_mode)) {
         throw Failure(FILE_TROUBLE, path + ": not a regular file, not replaced");
     }
-    if (::stat(file.c_str(), &document) == 0 && document.st_dev == found.st_dev &&
-        document.st_ino == found.st_ino) {
+    if (isSameFile(path, file)) {
         throw Failure(FILE_TROUBLE, path + ": the document itself, not replaced");
     }
     if (!force) {

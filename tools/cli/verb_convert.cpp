@@ -52,8 +52,9 @@ ExitCode convert(const Options& options, const Session& session) {
     const qvej::Document& document = session.document();
     const std::vector<const qvej::Table*> tables = tablesToWrite(document, options.alldata);
     OutputFiles files(options.out, true,
-                      uniqueFileNames(namesOf(tables), options.format->extension), options.force);
-    Rejects rejects(options.rejects, options.force, &files);
+                      uniqueFileNames(namesOf(tables), options.format->extension), options.force,
+                      session.name());
+    Rejects rejects(options.rejects, options.force, session.name(), &files);
     TableOutputs outputs(document, tables, files, *options.format, options.formatOptions, rejects);
     qvej::TablePass pass(document, tables, options.retain);
     runPass(pass, options.threads,

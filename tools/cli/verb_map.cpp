@@ -39,6 +39,6 @@ std::string exactMap(const qvej::Document& document) {
 ExitCode runMap(const Options& options) {
     const Session session(options);
     const qvej::Document& document = session.document();
-    putMap(options.exact ? exactMap(document) : document.mapText(), options);
+    putMap(options.exact ? exactMap(document) : document.mapText(), options, session.name());
     return DONE;
 }

@@ -3,7 +3,7 @@
 // What the first map says stands.  Everything else is settled by rules that do not look at the
 // order of the other maps; only the order of columns follows it.
 //
-// Tested by tests/tool/golden/map_merge.t and tests/tool/map_merge_test.cpp
+// Tested by tests/tool/golden/map_merge.t and map_merge_parts.t
 #include "client/text.h"
 #include "tools/cli/escape.h"
 #include "tools/cli/map_model.h"

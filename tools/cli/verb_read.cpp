@@ -67,7 +67,7 @@ ExitCode runRead(const Options& options) {
     }
     const qvej::Table& table = findTable(document, options);
     try {
-        Rejects rejects(options.rejects, options.force);
+        Rejects rejects(options.rejects, options.force, session.name());
         if (!options.debug.empty()) {
             noteReading(document, table, options);
         }

@@ -46,3 +46,14 @@ $ qvejmap check n.json --map m.json --account
   /root/b\t2\tno column\tn.json:1:13
   5 values = 1 in cells + 0 overwritten + 2 no column + 0 no row + 2 rejected
 ? 1
+# A pipe can be read once, whatever its name; an empty object is no value, and has no place.
+$ echo '[{},{"FAKE":1,"FAKE":2},{},{"FAKE":3,"FAKE":4}]' > fake.json; qvejmap check fake.json --account
+  path\tvalues\tlost\tfirst
+  /root/FAKE\t2\toverwritten\tfake.json:1:13
+  4 values = 2 in cells + 2 overwritten + 0 no column + 0 no row + 0 rejected
+? 1
+$ echo '[{"a":1},{"a":2,"a":3}]' | timeout 20 qvejmap check /dev/stdin --account
+  path\tvalues\tlost\tfirst
+  /root/a\t1\toverwritten\t
+  3 values = 2 in cells + 1 overwritten + 0 no column + 0 no row + 0 rejected
+? 1

@@ -52,3 +52,12 @@ $ echo '{"a":[1,{}],"b":"x"}' > small.json; qvejmap map small.json > s1; qvejmap
 $ qvejmap tables small.json --exact
 ! qvejmap: --exact belongs to map, not to tables (qvejmap --help tells more)
 ? 2
+
+# Nothing replaces the document, whatever else it is named as.
+$ qvejmap map small.json -o ./small.json --force
+! qvejmap: small.json: the document itself, not replaced
+? 5
+$ mkdir own; ln small.json own/a.csv; qvejmap convert small.json -o own --force; qvejmap read small.json a --rejects own/a.csv --force; cat small.json
+  {"a":[1,{}],"b":"x"}
+! qvejmap: own/a.csv: the document itself, not replaced
+! qvejmap: own/a.csv: the document itself, not replaced
