@@ -67,7 +67,7 @@ def ratios(upper, lower):
 
 def main():
     programs, quick = sys.argv[1], "--quick" in sys.argv[2:]
-    repetitions, min_time = (2, 0.1) if quick else (5, 0.3)
+    repetitions, min_time = (2, 0.1) if quick else (3, 0.3)
     parsed = measure(os.path.join(programs, "bench_parser"), repetitions, min_time)
     scanned = measure(os.path.join(programs, "bench_engine"), repetitions, min_time)
 
