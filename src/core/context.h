@@ -1,10 +1,11 @@
 // The engine instance and the document context that nearly every routine works on.
 //
-// Owners: the instance lives in its own pool; JMAP_PRIVATE and all it points to live in `cpool`, the
-// document pool, unless a field says otherwise.  `p` is the document context everywhere.
+// Owners: the instance lives in its own pool; JMAP_PRIVATE and all it points to live in `cpool`,
+// the document pool, unless a field says otherwise.  `p` is the document context everywhere.
 #pragma once
 
 #include "qvejmap.h"
+
 #include "arena.h"
 #include "records.h"
 
@@ -14,8 +15,8 @@ inline constexpr QVStrSize kBlockBytes = 1048576;  // capacity of one block of t
 struct JMAP_S {
     UserJMAP_S ujmap;  // must be first
     QVJnlh jnl;
-    QVPoolh pool;      // the instance's own; set when all modules are loaded
-    QVNLSh nls;        // the host's, not owned
+    QVPoolh pool;  // the instance's own; set when all modules are loaded
+    QVNLSh nls;    // the host's, not owned
     QVJSONh jsonh;
     QVZLIBh zlibh;
     QVFMTh fmth;
@@ -33,21 +34,21 @@ struct JMAP_PRIVATE {
     QVJSONh jsonh;         // the instance's, as are the next two
     QVZLIBh zlibh;
     QVFMTh fmth;
-    QVIOEh qvioeh;     // loaded when first needed; owned
-    QVCEI inCei;       // document encoding
-    QVJnlh jnl;        // the caller's; null: no notes
-    QVPoolh cpool;     // the document pool
-    uint64_t flags;    // the caller's; no effect
+    QVIOEh qvioeh;         // loaded when first needed; owned
+    QVCEI inCei;           // document encoding
+    QVJnlh jnl;            // the caller's; null: no notes
+    QVPoolh cpool;         // the document pool
+    uint64_t flags;        // the caller's; no effect
     JSNParserh parser;     // owned
     JSNParserh mapParser;  // owned, ended by MapTerm
     QVStringServiceh smh;  // string service of the document encoding; owned
 
     // Tree of known paths.
-    PATHNODE pathRoot;    // the root component
-    PATHNODE* pathAt;     // of the labels on the stack
-    ARENA pathArena;      // nodes, names, heads
-    QVTrackerh members;   // parent and name -> PATHNODE, of nodes with many members; owned, ended
-                          // after the scan
+    PATHNODE pathRoot;   // the root component
+    PATHNODE* pathAt;    // of the labels on the stack
+    ARENA pathArena;     // nodes, names, heads
+    QVTrackerh members;  // parent and name -> PATHNODE, of nodes with many members; owned, ended
+                         // after the scan
 
     // Text of the record being written; also a scratch buffer between records.
     VARSTR path;
@@ -68,14 +69,14 @@ struct JMAP_PRIVATE {
                              // paths of one text or parts of a group may stand side by side
 
     // Nesting.
-    LEVEL* lhead;            // top of the stack, null when it is empty
-    LEVEL* ltail;            // bottom, kept when the stack becomes empty
-    int32_t labelCount;      // labels on the stack minus one; the reader keeps a record's count here
-    int32_t labelCountMax;   // highest `labelCount` of the scan
-    int32_t* labelCurLens;   // [labelMaxesSize + 1] length of the label last pushed at each depth
-    int32_t* labelMaxes;     // [labelMaxesSize + 1] longest label at each depth
+    LEVEL* lhead;           // top of the stack, null when it is empty
+    LEVEL* ltail;           // bottom, kept when the stack becomes empty
+    int32_t labelCount;     // labels on the stack minus one; the reader keeps a record's count here
+    int32_t labelCountMax;  // highest `labelCount` of the scan
+    int32_t* labelCurLens;  // [labelMaxesSize + 1] length of the label last pushed at each depth
+    int32_t* labelMaxes;    // [labelMaxesSize + 1] longest label at each depth
     int32_t labelMaxesSize;
-    QVStrSize valueMaxLen;   // longest value, bytes
+    QVStrSize valueMaxLen;  // longest value, bytes
 
     // ALLDATA.
     DSINFO* alldataDs;
@@ -83,9 +84,9 @@ struct JMAP_PRIVATE {
     // Record stream.
     COMPPATHS* chead;
     COMPPATHS* ctail;
-    char* cBuf;         // [kBlockBytes] the open block
-    QVStrSize cBufi;    // bytes used in it
-    char* coutBuf;      // deflate output
+    char* cBuf;       // [kBlockBytes] the open block
+    QVStrSize cBufi;  // bytes used in it
+    char* coutBuf;    // deflate output
     QVStrSize coutBufLen;
     QVZStream z;
     uint64_t pathCount;   // records written
@@ -160,8 +161,8 @@ struct JMAP_PRIVATE {
     QVStrSize alldataNameLen;
 
     // Separators.
-    bool munge;  // Kept: never used, false
-    char sep;    // 0x02
+    bool munge;            // Kept: never used, false
+    char sep;              // 0x02
     QVStrSize sepLongest;  // capacity of sepbuf
     char* sepbuf;
     QVStrSize sepLongest2;

@@ -13,7 +13,7 @@
 // A value to watch for.
 struct PATHWATCH {
     PATHWATCH* next;  // in its list
-    char* path;  // own copy
+    char* path;       // own copy
     QVStrSize pathLen;
     int64_t number;  // of the value among those of the path, from 1; placeholders are none
     PLACE place;     // where it began; all 0 before

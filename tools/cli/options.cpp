@@ -27,7 +27,8 @@ constexpr uint64_t kMostThreads = 1024;
 // The options as they are written, before they mean anything.
 struct Raw {
     std::vector<std::string> words;
-    std::string threads, limit, format = "csv", null, invalid = "error", ordinals, depth, keepFree, memory, debug;
+    std::string threads, limit, format = "csv", null, invalid = "error", ordinals, depth, keepFree,
+                                memory, debug;
 };
 
 uint64_t countOr(uint64_t otherwise, const CLI::App& app, const char* option,
