@@ -44,11 +44,11 @@ struct JMAP_PRIVATE {
     QVStringServiceh smh;  // string service of the document encoding; owned
 
     // Tree of known paths.
-    PATHNODE pathRoot;   // the root component
-    PATHNODE* pathAt;    // of the labels on the stack
-    ARENA pathArena;     // nodes, names, heads
-    QVTrackerh members;  // parent and name -> PATHNODE, of nodes with many members; owned, ended
-                         // after the scan
+    PATHBRANCH pathRoot;  // the root component
+    PATHBRANCH* pathAt;   // of the members on the stack
+    ARENA pathArena;      // nodes, names, heads
+    QVTrackerh members;   // parent and name -> PATHNODE, of nodes with many members; owned, ended
+                          // after the scan
 
     // Text of the record being written; also a scratch buffer between records.
     VARSTR path;

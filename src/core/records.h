@@ -42,6 +42,7 @@ struct VARSTR {
 };
 
 struct PATHINFO;
+struct PATHBRANCH;
 struct PATHNODE;
 struct PATHWATCH;
 
@@ -59,25 +60,33 @@ struct LEVEL {
 
 // A label below the labels in front of it: one place in the tree of known paths.  Members are told
 // apart by their names, elements by their numbers.
+//
+// Elements have no children, since only scalars have a label as elements; of a million there is
+// nothing but this.
 struct PATHNODE {
-    PATHNODE* sibling;      // members: the one made before it
-    PATHNODE* members;      // children, the latest first
-    int64_t memberCount;    // of them
-    PATHNODE* elements[2];  // the first element named after the label, and the first plain one
-    PATHNODE* lastElement;  // the element that was read last
-    PATHINFO* group;        // head of the group of its children
-    int64_t number;         // of an element, else 0
-    bool plain;             // an element named "element", not after a label
-    bool marked;            // a marker has been written
-    int32_t labels;         // in the path
-    QVStrSize textLen;      // bytes of the path
-    PATHINFO* info;         // its statistics; null: none, or not to be found again
-    char* head;             // see makeHead; null: not worth it yet
-    PATHNODE* lastMember;   // the child that was read last
-    PATHNODE* follower;     // the member or element that came after it the last time
+    PATHINFO* info;      // its statistics; null: none, or not to be found again
+    char* head;          // see makeHead; null: not worth it yet
+    PATHNODE* follower;  // the member or element that came after it the last time
+    int64_t number;      // of an element, else 0
+    QVStrSize textLen;   // bytes of the path
+    int32_t labels;      // in the path
+    bool plain;          // an element named "element", not after a label
+    bool marked;         // a marker has been written
     QVStrSize nameLen;
-    PATHNODE* parent;  // must be last: with the name behind it, it is the key of a member.  Null:
-                       // the root component
+    PATHBRANCH* parent;  // must be last: with the name behind it, it is the key of a member.  Null:
+                         // the root component
+};
+
+// A node that can have children: a member, or the root component.
+struct PATHBRANCH {
+    PATHBRANCH* sibling;     // the member made before it
+    PATHBRANCH* members;     // children, the latest first
+    int64_t memberCount;     // of them
+    PATHNODE* elements[2];   // the first element named after the label, and the first plain one
+    PATHNODE* lastElement;   // the element that was read last
+    PATHBRANCH* lastMember;  // the child that was read last
+    PATHINFO* group;         // head of the group of its children
+    PATHNODE node;           // must be last: the name stands behind it
 };
 
 // Where a value begins in the document, counted from 1; all 0: not known.

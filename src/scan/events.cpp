@@ -127,7 +127,7 @@ QVStatus redeliver(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
 // Records an element whose path is known already: its name is not formed.  False when nothing has
 // been done.
 bool gotKnownElement(JMAP_PRIVATE* p, bool plain, std::string_view value, VALTYPE type) {
-    PATHNODE* at = p->pathAt;
+    PATHBRANCH* at = p->pathAt;
     PATHNODE* element = expectedElement(at, plain, static_cast<int64_t>(p->elementCount) + 1);
     if (element == nullptr || !recordKnown(p, element, value, type)) {
         return false;

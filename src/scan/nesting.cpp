@@ -98,8 +98,8 @@ QVStatus push(JMAP_PRIVATE* p, LEVEL* l, WHAT what, std::string_view name, PATHN
 }
 
 QVStatus pushMember(JMAP_PRIVATE* p, LEVEL* l, PATHNODE* node) {
-    p->pathAt->lastMember = node;
-    p->pathAt = node;
+    p->pathAt->lastMember = branchOf(node);
+    p->pathAt = branchOf(node);
     return push(p, l, WHAT_LABEL, nameOf(node), node);
 }
 
@@ -116,7 +116,7 @@ QVStatus pushMember(JMAP_PRIVATE* p, LEVEL* l, PATHNODE* node) {
     }
     QV_TRY(countLabel(p, node->nameLen));
     if (p->pathAt->lastMember != nullptr) {
-        p->pathAt->lastMember->follower = node;
+        p->pathAt->lastMember->node.follower = node;
     }
     return pushMember(p, l, node);
 }
@@ -150,7 +150,6 @@ QVStatus newElementLabel(JMAP_PRIVATE* p, PATHNODE* node) {
         return QV_NOMEM;
     }
     QV_TRY(countLabel(p, node->nameLen));
-    p->pathAt = node;
     return push(p, l, WHAT_LABEL, nameOf(node), node);
 }
 

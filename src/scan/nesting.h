@@ -8,10 +8,10 @@
 #pragma once
 
 #include "core/context.h"
+#include "core/short_bytes.h"
 #include "core/status.h"
 #include "core/text.h"
 
-#include <cstring>
 #include <string_view>
 
 namespace jmap {
@@ -62,7 +62,7 @@ inline void dumpLevels(JMAP_PRIVATE* p) {
 
 // Appends to `v`, which has the room.
 inline void put(VARSTR* v, std::string_view text) noexcept {
-    std::memcpy(v->str + v->len, text.data(), text.size());
+    copyShort(v->str + v->len, text);
     v->len += lengthOf(text);
 }
 

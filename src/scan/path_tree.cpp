@@ -19,19 +19,23 @@ constexpr int64_t kFewMembers = 16;  // so many are compared one by one
 constexpr QVStrSize kParentBytes = sizeof PATHNODE::parent;
 static_assert(offsetof(PATHNODE, parent) + kParentBytes == sizeof(PATHNODE));
 
+static_assert(offsetof(PATHBRANCH, node) + sizeof(PATHNODE) == sizeof(PATHBRANCH));
+
+// A child of `pathAt`, all zero in front of its node: a PATHBRANCH or only a PATHNODE.
+template <class T>
 PATHNODE* newNode(JMAP_PRIVATE* p, std::string_view name) {
-    char* mem = arenaBytes(&p->pathArena, p->cpool,
-                           static_cast<QVStrSize>(sizeof(PATHNODE)) + lengthOf(name));
+    char* mem =
+        arenaBytes(&p->pathArena, p->cpool, static_cast<QVStrSize>(sizeof(T)) + lengthOf(name));
     if (mem == nullptr) {
         return nullptr;
     }
-    std::memset(mem, 0, sizeof(PATHNODE));
-    std::memcpy(mem + sizeof(PATHNODE), name.data(), name.size());
-    auto* node = reinterpret_cast<PATHNODE*>(mem);
+    std::memset(mem, 0, sizeof(T));
+    copyShort(mem + sizeof(T), name);
+    auto* node = reinterpret_cast<PATHNODE*>(mem + sizeof(T) - sizeof(PATHNODE));
     node->parent = p->pathAt;
     node->nameLen = lengthOf(name);
-    node->labels = p->pathAt->labels + 1;
-    node->textLen = p->pathAt->textLen + 1 + node->nameLen;
+    node->labels = p->pathAt->node.labels + 1;
+    node->textLen = p->pathAt->node.textLen + 1 + node->nameLen;
     return node;
 }
 
@@ -54,8 +58,8 @@ void enterMembers(JMAP_PRIVATE* p) {
         p->members = host->createTracker(host, QV_TRACKER_HASH, 1, kName.data(),
                                          static_cast<QVStrSize>(kName.size()));
     }
-    for (PATHNODE* node = p->pathAt->members; node != nullptr; node = node->sibling) {
-        enterMember(p, node);
+    for (PATHBRANCH* member = p->pathAt->members; member != nullptr; member = member->sibling) {
+        enterMember(p, &member->node);
     }
 }
 
@@ -75,21 +79,21 @@ PATHNODE* findMember(JMAP_PRIVATE* p, std::string_view name) {
     if (p->pathAt->memberCount > kFewMembers && p->members != nullptr) {
         return findByHash(p, name);
     }
-    PATHNODE* node = p->pathAt->members;
-    while (node != nullptr && !equalShort(nameOf(node), name)) {
-        node = node->sibling;
+    PATHBRANCH* member = p->pathAt->members;
+    while (member != nullptr && !equalShort(nameOf(&member->node), name)) {
+        member = member->sibling;
     }
-    return node;
+    return member == nullptr ? nullptr : &member->node;
 }
 
 PATHNODE* makeMember(JMAP_PRIVATE* p, std::string_view name) {
-    PATHNODE* node = newNode(p, name);
+    PATHNODE* node = newNode<PATHBRANCH>(p, name);
     if (node == nullptr) {
         return nullptr;
     }
-    PATHNODE* at = p->pathAt;
-    node->sibling = at->members;
-    at->members = node;
+    PATHBRANCH* at = p->pathAt;
+    branchOf(node)->sibling = at->members;
+    at->members = branchOf(node);
     ++at->memberCount;
     if (at->memberCount == kFewMembers + 1) {
         enterMembers(p);
@@ -99,7 +103,7 @@ PATHNODE* makeMember(JMAP_PRIVATE* p, std::string_view name) {
     return node;
 }
 
-bool hasElements(const PATHNODE* at) {
+bool hasElements(const PATHBRANCH* at) {
     return at->elements[0] != nullptr || at->elements[1] != nullptr;
 }
 
@@ -112,17 +116,17 @@ bool memberIsUnsure(const JMAP_PRIVATE* p, std::string_view name) {
 // Whether a new element might: one named after a label, and a plain one of the same container, are
 // alike only when the label begins as a plain one's name.
 bool elementIsUnsure(JMAP_PRIVATE* p, bool plain, std::string_view name) {
-    const PATHNODE* at = p->pathAt;
+    const PATHBRANCH* at = p->pathAt;
     return (at->memberCount != 0 && findMember(p, name) != nullptr) ||
            (at->elements[plain ? 0 : 1] != nullptr &&
-            firstOf(nameOf(at), kPlainBase.size()) == kPlainBase);
+            firstOf(nameOf(&at->node), kPlainBase.size()) == kPlainBase);
 }
 
 }  // namespace
 
 void startPathTree(JMAP_PRIVATE* p) {
     p->pathRoot = {};
-    p->pathRoot.textLen = p->rootL;
+    p->pathRoot.node.textLen = p->rootL;
     p->pathAt = &p->pathRoot;
 }
 
@@ -141,7 +145,7 @@ PATHNODE* memberNode(JMAP_PRIVATE* p, std::string_view name) {
 }
 
 PATHNODE* elementNode(JMAP_PRIVATE* p, bool plain, int64_t number, std::string_view name) {
-    PATHNODE* at = p->pathAt;
+    PATHBRANCH* at = p->pathAt;
     PATHNODE* last = at->lastElement;
     const bool follows = last != nullptr && last->number == number - 1 && last->plain == plain;
     if (number != 1 && !follows) {
@@ -152,7 +156,7 @@ PATHNODE* elementNode(JMAP_PRIVATE* p, bool plain, int64_t number, std::string_v
         if (elementIsUnsure(p, plain, name)) {
             lookUpByText(p);
         }
-        *place = newNode(p, name);
+        *place = newNode<PATHNODE>(p, name);
         if (*place == nullptr) {
             return nullptr;
         }
@@ -165,7 +169,7 @@ PATHNODE* elementNode(JMAP_PRIVATE* p, bool plain, int64_t number, std::string_v
 
 void writePath(const JMAP_PRIVATE* p, const PATHNODE* node, char* to) {
     std::memcpy(to, p->root, static_cast<std::size_t>(p->rootL));
-    for (char* end = to + node->textLen; node->parent != nullptr; node = node->parent) {
+    for (char* end = to + node->textLen; node->parent != nullptr; node = &node->parent->node) {
         end -= node->nameLen;
         copyShort(end, nameOf(node));
         *--end = p->sep;
@@ -183,7 +187,7 @@ void writePath(const JMAP_PRIVATE* p, const PATHNODE* node, char* to) {
     }
     std::memset(head, 0, static_cast<std::size_t>(recordLen - node->textLen));
     std::memcpy(head, &node->labels, sizeof node->labels);
-    for (const PATHNODE* at = node; at->parent != nullptr; at = at->parent) {
+    for (const PATHNODE* at = node; at->parent != nullptr; at = &at->parent->node) {
         head[sizeof at->labels + static_cast<std::size_t>(at->labels) - 1] =
             static_cast<char>(at->nameLen);  // Kept: modulo 256
     }

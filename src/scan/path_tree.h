@@ -20,6 +20,7 @@
 #include "core/text.h"
 #include "record_format.h"
 
+#include <cstddef>
 #include <string_view>
 
 namespace jmap {
@@ -35,12 +36,19 @@ inline constexpr std::string_view kPlainBase = "element";
     return view(reinterpret_cast<const char*>(node + 1), node->nameLen);
 }
 
+// The branch of the node of a member.
+[[nodiscard]] inline PATHBRANCH* branchOf(PATHNODE* node) noexcept {
+    return reinterpret_cast<PATHBRANCH*>(reinterpret_cast<char*>(node) -
+                                         offsetof(PATHBRANCH, node));
+}
+
 // Empties the tree and stands at its root.
 void startPathTree(JMAP_PRIVATE* p);
 
 // The member of `at` with that name if it is the one that is expected next, else null.
-[[nodiscard]] inline PATHNODE* expectedMember(const PATHNODE* at, std::string_view name) noexcept {
-    PATHNODE* expected = at->lastMember == nullptr ? nullptr : at->lastMember->follower;
+[[nodiscard]] inline PATHNODE* expectedMember(const PATHBRANCH* at,
+                                              std::string_view name) noexcept {
+    PATHNODE* expected = at->lastMember == nullptr ? nullptr : at->lastMember->node.follower;
     return expected != nullptr && equalShort(nameOf(expected), name) ? expected : nullptr;
 }
 
@@ -50,7 +58,7 @@ void startPathTree(JMAP_PRIVATE* p);
 // Element `number` of `at`, when it is known and comes after the last one or is the first; else
 // null.
 //   plain  its name is not made from the label but is "element" and the number
-[[nodiscard]] inline PATHNODE* expectedElement(const PATHNODE* at, bool plain,
+[[nodiscard]] inline PATHNODE* expectedElement(const PATHBRANCH* at, bool plain,
                                                int64_t number) noexcept {
     PATHNODE* expected = number == 1                  ? at->elements[plain ? 1 : 0]
                          : at->lastElement == nullptr ? nullptr

@@ -26,6 +26,7 @@
 #pragma once
 
 #include "core/context.h"
+#include "core/short_bytes.h"
 #include "core/text.h"
 
 #include <cstring>
@@ -99,7 +100,7 @@ inline QVStrSize writeRecord(char* to, int32_t labelCount, const int32_t* labelL
     std::memcpy(to, &valLen, sizeof valLen);
     to += sizeof valLen;
     *to++ = static_cast<char>(kind);
-    std::memcpy(to, text.data(), text.size());
+    copyShort(to, text);
     return to + textLen - start;
 }
 

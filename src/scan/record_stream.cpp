@@ -28,9 +28,9 @@ namespace {
 QVStatus composeText(JMAP_PRIVATE* p, std::string_view name, std::string_view val, VALTYPE type) {
     VARSTR* path = &p->path;
     path->len = 0;
-    QV_TRY(jmapVarstrCheck(p, path, p->pathAt->textLen + lengthOf(name) + lengthOf(val) + 4));
-    writePath(p, p->pathAt, path->str);
-    path->len = p->pathAt->textLen;
+    QV_TRY(jmapVarstrCheck(p, path, p->pathAt->node.textLen + lengthOf(name) + lengthOf(val) + 4));
+    writePath(p, &p->pathAt->node, path->str);
+    path->len = p->pathAt->node.textLen;
     p->lastNameLen = 0;
     if (!name.empty()) {
         put(path, p->sep);
@@ -79,7 +79,7 @@ void copyHead(char* to, const char* head, QVStrSize headLen) {
 }  // namespace
 
 QVStatus generateMarker(JMAP_PRIVATE* p) {
-    PATHNODE* node = p->pathAt;
+    PATHNODE* node = &p->pathAt->node;
     if (node->marked && inStep(p, node->labels + 1) && headReady(p, node, 0)) [[likely]] {
         const QVStrSize headLen = headLenOf(node);
         copyHead(p->cBuf + p->cBufi, node->head, headLen);
@@ -119,7 +119,7 @@ QVStatus recordValue(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value, VA
         return QV_OK;
     }
     // A label "" leaves no trace in the text: its values are those of the path in front of it.
-    PATHNODE* place = node->nameLen != 0 ? node : node->parent;
+    PATHNODE* place = node->nameLen != 0 ? node : &node->parent->node;
     return generatePathVariableString(p, place, nameOf(node), value, type);
 }
 

@@ -74,10 +74,10 @@ TEST(PathTree, ChangesNoRecordAndNoMap) {
 
 TEST(PathTree, MakesAHeadOnlyForWhatComesBack) {
     const Scan scan(R"([{"a":{"b":1}},{"a":{"b":2,"c":[3]}}])");
-    const PATHNODE* a = scan.p()->pathRoot.members;
-    const PATHNODE* c = a->members;
-    EXPECT_TRUE(a->head != nullptr && c->sibling->head != nullptr);
-    EXPECT_TRUE(c->head == nullptr && c->elements[0]->head == nullptr);
+    const PATHBRANCH* a = scan.p()->pathRoot.members;
+    const PATHBRANCH* c = a->members;
+    EXPECT_TRUE(a->node.head != nullptr && c->sibling->node.head != nullptr);
+    EXPECT_TRUE(c->node.head == nullptr && c->elements[0]->head == nullptr);
     EXPECT_EQ(scan.p()->hash, nullptr) << "nothing is looked up by text";
 }
 
