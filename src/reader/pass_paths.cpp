@@ -6,6 +6,8 @@
 #include "core/list.h"
 #include "core/pool.h"
 
+#include <utility>
+
 namespace jmap {
 namespace {
 
@@ -141,10 +143,14 @@ PASSPATH* searchPath(PASSPATHS* paths, std::string_view path) {
     if ((paths->lengths & lengthBit(path)) == 0) {
         return nullptr;
     }
-    auto* found =
-        static_cast<PASSPATH*>(paths->byPath->find(paths->byPath, path.data(), lengthOf(path)));
+    PASSPATH* const last = paths->last;
+    PASSPATH* found = last->other;
+    if (found == nullptr || !equalShort(view(found->path, found->pathLen), path)) {
+        found =
+            static_cast<PASSPATH*>(paths->byPath->find(paths->byPath, path.data(), lengthOf(path)));
+    }
     if (found != nullptr) {
-        paths->last->follower = found;
+        last->other = std::exchange(last->follower, found);
         paths->last = found;
     }
     return found;

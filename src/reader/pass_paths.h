@@ -9,6 +9,7 @@
 #pragma once
 
 #include "core/map.h"
+#include "core/short_bytes.h"
 #include "core/text.h"
 #include "pass_rows.h"
 
@@ -32,6 +33,7 @@ struct PASSPATH {
     const char* path;  // of the map
     QVStrSize pathLen;
     PASSPATH* follower;  // the path that came next the last time
+    PASSPATH* other;     // the follower before that one: at the end of an array it comes again
     PASSUSE* uses;       // columns that take its values
     PASSUSE* usesTail;
     PASSTABLE* tables;  // tables whose table path it is, through `samePath`
@@ -66,7 +68,7 @@ namespace jmap {
 // What the path of a record means; null: nothing to any table.
 [[nodiscard]] inline PASSPATH* findPath(PASSPATHS* paths, std::string_view path) {
     PASSPATH* const guess = paths->last->follower;
-    if (guess != nullptr && view(guess->path, guess->pathLen) == path) {
+    if (guess != nullptr && equalShort(view(guess->path, guess->pathLen), path)) {
         paths->last = guess;
         return guess;
     }
