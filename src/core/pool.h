@@ -5,20 +5,22 @@
 // Tested by tests/core/helpers_test.cpp
 #pragma once
 
+#include "qvehost.h"
+
 #include <cstring>
 #include <string_view>
 #include <type_traits>
-
-#include "qvehost.h"
 
 namespace jmap {
 
 // A zero-filled record, or an array of them.
 template <class T>
 [[nodiscard]] T* poolNew(QVPoolh pool, QVStrSize count = 1) noexcept {
-    static_assert(std::is_trivially_default_constructible_v<T> && std::is_trivially_destructible_v<T>);
-    return static_cast<T*>(
-        pool->allocate(pool, static_cast<QVStrSize>(sizeof(T)) * count, QV_ZERO));
+    static_assert(std::is_trivially_default_constructible_v<T> &&
+                  std::is_trivially_destructible_v<T>);
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): T may be a pointer
+    const auto size = static_cast<QVStrSize>(sizeof(T));
+    return static_cast<T*>(pool->allocate(pool, size * count, QV_ZERO));
 }
 
 // Bytes, not cleared.
