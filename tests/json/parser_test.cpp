@@ -2,7 +2,6 @@
 // into buffers changes anything.
 #include "tests/host/host_fixture.h"
 #include "tests/json/event_log.h"
-#include "tests/testkit/read_only_text.h"
 
 #include <gtest/gtest.h>
 
@@ -117,6 +116,9 @@ TEST(Parser, CutsChangeNothingAtAnyLength) {
             std::string document = "{\"" + text + "\":" + blanks + "[";
             for (std::size_t i = 0; i < 8; ++i) {  // one at each place in a word
                 document += std::string((14 - text.size() % 8) % 8, ' ') + "\"" + text + "\",";
+            }
+            for (std::size_t i = 0; i < 8; ++i) {  // names and values end near and far
+                document += "{\"" + std::string(random() % 64, 'n') + "\":\"" + text + "\"},";
             }
             for (const char* behind : {",", "e5,", "E-7 ,", "\n,"}) {
                 document += std::string(1 + random() % 40, '1');
@@ -268,6 +270,14 @@ TEST(Parser, LimitsTheDepthOnlyWhenAsked) {
     EXPECT_EQ("QV_OK 1:15 [ [ ] { name \"a\" [ ] } ] ", parseEveryWay(R"([[],{"a":[]} ])", three));
     EXPECT_EQ("QV_JSON_DEPTH 1:8 [ { name \"a\" [ ", parseEveryWay(R"([{"a":[[]]}])", three));
     EXPECT_EQ("QV_JSON_DEPTH 1:4 [ [ [ ", parseEveryWay("[[[{", three));
+    for (const std::size_t most : {1, 63, 64, 65, 128, 1000}) {
+        const ParseOptions options = {.maxDepth = most};
+        const std::string whole = std::string(most, '[') + std::string(most, ']');
+        EXPECT_TRUE(parseIn(whole, 0, options).starts_with("QV_OK")) << most;
+        EXPECT_TRUE(parseIn("[" + whole + "]", 0, options)
+                        .starts_with("QV_JSON_DEPTH 1:" + std::to_string(most + 1) + " "))
+            << most;
+    }
 }
 
 // A container ends at each depth on the way down, so that no bound of the stack goes unseen.
@@ -306,15 +316,16 @@ TEST(Parser, TellsWhereEachEventBegins) {
 }
 
 TEST(Parser, OnlyReadsTheBufferAndHandsPlainStringsOverWithoutACopy) {
-    static const ReadOnlyText text(R"({"a\n":["b\u0041",-1.5,"plain"]})");
+    static const std::string text = R"({"a\n":["b\u0041",-1.5,"plain"]})";
+    const std::string copy(text.data(), text.size());
     LoggedParser parser;
     parser.log.cb.string = [](JSNParseCB* c, const JSNChar* token, QVStrSize, int32_t) {
         const auto* at = reinterpret_cast<const char*>(token);
-        const std::string_view buffer = text.view();
-        const bool inside = at >= buffer.data() && at < buffer.data() + buffer.size();
+        const bool inside = at >= text.data() && at < text.data() + text.size();
         return EventLog::of(c).add(inside ? "in the buffer " : "copy ");
     };
-    EXPECT_EQ(QV_OK, parser.feed(text.view(), true));
+    EXPECT_EQ(QV_OK, parser.feed(text, true));
+    EXPECT_EQ(copy, text);
     EXPECT_EQ("{ copy [ copy real -1.5 in the buffer ] } ", parser.log.events);
 }
 

@@ -18,10 +18,6 @@ bool isLetter(uint8_t byte) {
     return (byte | 0x20) >= 'a' && (byte | 0x20) <= 'z';
 }
 
-bool isDigit(uint8_t byte) {
-    return byte >= '0' && byte <= '9';
-}
-
 template <std::size_t kSize>
 bool standsAt(const uint8_t* p, const uint8_t* end, const char (&word)[kSize]) {
     return static_cast<std::size_t>(end - p) >= kSize - 1 && std::memcmp(p, word, kSize - 1) == 0;
@@ -40,10 +36,9 @@ std::string_view nameOf(const JSNParserParms& parms) {
 Parser::Parser(QVHndlp hndl, const JSNParserParms& parms, const ParserSettings& settings)
     : JSNParser{},
       callbacks_(parms.callbacks),
-      maxDepth_(settings.maxDepth == 0 ? UINT64_MAX : settings.maxDepth),
       scan_(scanRoutines(settings.kernel, parms.textCei == U_UTF8_CE)),
       utf8_(parms.textCei == U_UTF8_CE),
-      containers_(parms.pool),
+      containers_(parms.pool, settings.maxDepth == 0 ? UINT64_MAX : settings.maxDepth),
       text_(parms.pool),
       stringCollector_(scan_.text, codePage(parms.textCei), text_),
       entry_(hndl, ObjectKind::PARSER, generic, nameOf(parms)) {
@@ -104,13 +99,13 @@ QVStatus Parser::parseBytes(const uint8_t* buf, std::size_t bufLen, bool done) {
     } catch (const std::bad_alloc&) {
         fail(QV_NOMEM, buf_);
     }
-    if (done && state_ == State::TOKEN && token_ == Token::NUMBER && containers_.depth() == 0 &&
+    if (done && state_ == State::TOKEN && token_ == Token::NUMBER && !inContainer() &&
         numberGrammar_.whole()) {
         // Only here does the end of the document end a token.
         const QVStatus status = deliverNumber();
         pause(status == QV_OK ? State::DONE : State::FAILED, status, buf_ + bufLen);
     }
-    if (done && rules_.lines != 0 && containers_.depth() == 0) {
+    if (done && rules_.lines != 0 && !inContainer()) {
         endLines();
     }
     if (event_ != nullptr) {  // its token may go on in the next buffer
@@ -159,7 +154,7 @@ const uint8_t* Parser::word(const uint8_t* p, const uint8_t* end) {
 const uint8_t* Parser::nextLine(const uint8_t* p, const uint8_t* end) {
     const int64_t before = line_;
     p = spaceRun(p, end);
-    const State state = line_ == before ? State::DONE : State::VALUE;
+    const State state = line_ == before ? State::DONE : State::DOCUMENT;
     if (p == end) {
         return pause(state, QV_EOF, p);
     }
@@ -174,7 +169,7 @@ const uint8_t* Parser::nextLine(const uint8_t* p, const uint8_t* end) {
 void Parser::endLines() {
     if (state_ == State::BEGIN) {
         status_ = callbacks_->arrayStart(callbacks_);
-    } else if (state_ == State::VALUE || state_ == State::DONE) {
+    } else if (state_ == State::DOCUMENT || state_ == State::DONE) {
         status_ = QV_OK;
     } else {
         return;

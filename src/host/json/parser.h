@@ -6,7 +6,7 @@
 // takes the token byte by byte into memory of the parser, can stop at any byte, and knows each
 // mistake.  So mistakes are described in one place, whichever way the document is cut.
 //
-// Nothing recurses: open containers are bits of a stack on the heap.
+// Nothing recurses: open containers are bytes of a stack.
 //
 // JSON Lines.  The events of the array around the values are made here; else a line is a document
 // of its own, so that a place is never anything but the place in the text.  Within a value a line
@@ -49,7 +49,8 @@ class Parser : public JSNParser {
     enum class State : uint8_t {
         BEGIN,           // the first byte: a byte order mark is told apart here
         BOM,             // behind the first bytes of what may be one
-        VALUE,           // the value of the document, or behind ':'
+        DOCUMENT,        // the value of the document
+        VALUE,           // behind ':'
         NAME,            // behind ',' in an object
         NAME_OR_END,     // behind '{'
         COLON,           // behind a member name
@@ -75,24 +76,32 @@ class Parser : public JSNParser {
     // The loop and its steps (parser_loop.cpp).  A step gives the byte behind what it took, or null
     // when the call must end with `status_`.
     void loop(const uint8_t* p, const uint8_t* end);
-    const uint8_t* values(const uint8_t* p, const uint8_t* end, TextWindow& window);
-    const uint8_t* otherState(const uint8_t* p, const uint8_t* end);
-    const uint8_t* name(const uint8_t* p, const uint8_t* end, TextWindow& window);
-    const uint8_t* begin(const uint8_t* p, const uint8_t* end);
-    const uint8_t* firstOrEnd(const uint8_t* p, const uint8_t* end);
-    const uint8_t* next(const uint8_t* p, const uint8_t* end);
-    const uint8_t* scalar(const uint8_t* p, const uint8_t* end, TextWindow& window);
-    const uint8_t* string(const uint8_t* p, const uint8_t* end, TextWindow& window, Token token);
+    const uint8_t* inside(const uint8_t* p, const uint8_t* end, TextWindow& window);
+    const uint8_t* outside(const uint8_t* p, const uint8_t* end);
+    const uint8_t* open(Container container, const uint8_t* p);
+    const uint8_t* close(Container container, const uint8_t* p);
+    const uint8_t* scalar(const uint8_t* p, NearStops stops, const uint8_t* end,
+                          TextWindow& window);
+    const uint8_t* string(const uint8_t* p, const uint8_t* stop, const uint8_t* end,
+                          TextWindow& window, Token token);
     const uint8_t* otherString(const uint8_t* text, const uint8_t* end, TextWindow& window,
                                Token token);
-    const uint8_t* number(const uint8_t* p, const uint8_t* end);
+    const uint8_t* number(const uint8_t* p, const uint8_t* first, const uint8_t* end);
+    const uint8_t* negative(const uint8_t* p, const uint8_t* end);
     const uint8_t* toByte(uint8_t byte, const uint8_t* p, const uint8_t* end, State state);
     const uint8_t* toToken(const uint8_t* p, const uint8_t* end, State state);
     const uint8_t* space(const uint8_t* p, const uint8_t* end);
     const uint8_t* spaceRun(const uint8_t* p, const uint8_t* end);
     const uint8_t* loneScalar(const uint8_t* p, const uint8_t* end);
     const uint8_t* word(const uint8_t* p, const uint8_t* end);
-    [[nodiscard]] State afterValue() const;
+    // What comes behind a value.
+    [[nodiscard]] State afterValue() const {
+        const Container container = containers_.innermost();
+        return container == Container::OBJECT  ? State::MEMBER_NEXT
+               : container == Container::ARRAY ? State::ELEMENT_NEXT
+                                               : State::DONE;
+    }
+    [[nodiscard]] bool inContainer() const { return containers_.innermost() != Container::NONE; }
     // The string [text, stop), after which the document goes on at `p`.
     const uint8_t* deliverString(const uint8_t* text, const uint8_t* stop, Token token,
                                  const uint8_t* p) {
@@ -128,7 +137,6 @@ class Parser : public JSNParser {
     [[nodiscard]] int64_t offsetOf(const uint8_t* p) const { return bufOffset_ + (p - buf_); }
 
     JSNParseCB* callbacks_;
-    uint64_t maxDepth_;
     const ScanRoutines& scan_;
     bool utf8_;
     JSNTextRules rules_ = {};

@@ -7,6 +7,7 @@
 
 #include "qvehost.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -48,6 +49,12 @@ class GrowingBytes {
         *room(1) = byte;
         ++size_;
     }
+    // Appends `count` bytes that the caller sets, from the place returned on.
+    uint8_t* extend(std::size_t count) {
+        uint8_t* place = room(count);
+        size_ += count;
+        return place;
+    }
 
    private:
     void grow(std::size_t extra) {
@@ -81,34 +88,58 @@ class GrowingBytes {
     std::size_t capacity_ = 0;
 };
 
-// Which containers are open, one bit each: 1 for an object.  The innermost 64 stand in one word.
+// What a value stands in.
+enum class Container : uint8_t { NONE, ARRAY, OBJECT };
+
+// Which containers are open, a byte each.  Below the outermost stands NONE, so that the innermost
+// can always be asked for.
 class ContainerStack {
    public:
-    explicit ContainerStack(QVPoolh pool) : outer_(pool) {}
+    // At most `most` may be open at once.
+    ContainerStack(QVPoolh pool, uint64_t most) : most_(most), many_(pool) { reach(kFew); }
+    ContainerStack(const ContainerStack&) = delete;
+    ContainerStack& operator=(const ContainerStack&) = delete;
 
-    [[nodiscard]] uint64_t depth() const { return depth_; }
-    [[nodiscard]] bool inObject() const { return (inner_ & 1) != 0; }  // depth() > 0
+    [[nodiscard]] Container innermost() const { return static_cast<Container>(*top_); }
 
-    void push(bool object) {
-        if (depth_ % 64 == 0 && depth_ != 0) {
-            outer_.append(&inner_, sizeof inner_);
+    // False, and nothing has happened: as many are open as may be.
+    bool push(Container container) {
+        if (top_ == last_ && !makeRoom()) [[unlikely]] {
+            return false;
         }
-        inner_ = inner_ << 1 | static_cast<uint64_t>(object);
-        ++depth_;
+        *++top_ = static_cast<uint8_t>(container);
+        return true;
     }
-    void pop() {  // depth() > 0
-        --depth_;
-        inner_ >>= 1;
-        if (depth_ % 64 == 0 && depth_ != 0) {
-            outer_.shrink(outer_.size() - sizeof inner_);
-            std::memcpy(&inner_, outer_.data() + outer_.size(), sizeof inner_);
-        }
-    }
+    void pop() { --top_; }  // innermost() is not NONE
 
    private:
-    GrowingBytes outer_;
-    uint64_t inner_ = 0;
-    uint64_t depth_ = 0;
+    static constexpr std::size_t kFew = 64;
+
+    // Room for as many again; false when there are as many as may be.
+    [[gnu::noinline]] bool makeRoom() {
+        const auto size = static_cast<std::size_t>(top_ - bottom_) + 1;
+        if (size > most_) {
+            return false;
+        }
+        if (bottom_ == few_) {
+            bottom_ = many_.extend(2 * size);
+            std::memcpy(bottom_, few_, size);
+        } else {
+            bottom_ = many_.extend(size) - size;
+        }
+        top_ = bottom_ + size - 1;
+        reach(2 * size);
+        return true;
+    }
+    // There are `size` bytes from `bottom_` on.
+    void reach(std::size_t size) { last_ = bottom_ + std::min<uint64_t>(size - 1, most_); }
+
+    uint64_t most_;
+    GrowingBytes many_;  // empty as long as few_ will do
+    uint8_t few_[kFew] = {static_cast<uint8_t>(Container::NONE)};
+    uint8_t* bottom_ = few_;
+    uint8_t* top_ = few_;
+    uint8_t* last_ = nullptr;  // where `top_` may get to
 };
 
 }  // namespace qvhost

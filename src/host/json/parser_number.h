@@ -9,6 +9,10 @@
 
 namespace qvhost {
 
+constexpr bool isDigit(uint8_t byte) {
+    return byte >= '0' && byte <= '9';
+}
+
 class NumberGrammar {
    public:
     void begin() { place_ = BEGIN; }
@@ -16,7 +20,7 @@ class NumberGrammar {
     // Takes one byte.  QV_OK: it belongs to the number; QV_EOF: the number was whole before it;
     // else the mistake that it makes.
     QVStatus next(uint8_t byte) {
-        const bool digit = byte >= '0' && byte <= '9';
+        const bool digit = isDigit(byte);
         switch (place_) {
             case BEGIN:
                 if (byte == '-') {

@@ -17,31 +17,44 @@
 
 namespace qvhost {
 
+// What one look at the stops tells: those among the bytes from a place on, 57 of them at least.
+class NearStops {
+   public:
+    // Bit i of `stops` tells of from[i].
+    NearStops(const uint8_t* from, uint64_t stops) : from_(from), stops_(stops) {}
+
+    // The first stop from `p` on, null when it is not near.  `p` is not before the place.
+    [[nodiscard]] const uint8_t* behind(const uint8_t* p) const {
+        const auto skipped = static_cast<std::size_t>(p - from_);
+        const uint64_t ahead = skipped < 64 ? stops_ >> skipped : 0;
+        return ahead != 0 ? p + static_cast<unsigned>(std::countr_zero(ahead)) : nullptr;
+    }
+
+   private:
+    const uint8_t* from_;
+    uint64_t stops_;
+};
+
 class TextWindow {
    public:
     // A window on the bytes from `begin` to `end`.
     TextWindow(const ScanRoutines& scan, const uint8_t* begin, const uint8_t* end)
         : scan_(scan), base_(begin), known_(begin), end_(end) {}
 
-    // The first byte from `p` on that is no plain text (see ScanPortable::text), null when it is
-    // not near.  `p` is never before what was given last.
-    const uint8_t* nearStop(const uint8_t* p) const {
-        if (p < known_) [[likely]] {
-            if (const uint64_t ahead = stopsFrom(p); ahead != 0) [[likely]] {
-                return p + static_cast<unsigned>(std::countr_zero(ahead));
-            }
-        }
-        return nullptr;
+    // The bytes from `p` on that are no plain text (see ScanPortable::text), none where that is not
+    // known yet.  `p` is never before what was given last.
+    [[nodiscard]] NearStops near(const uint8_t* p) const {
+        return {p, p < known_ ? stopsFrom(p) : 0};
     }
 
-    // The same wherever it is; the end of the buffer when there is none.
+    // The first of them, wherever it is; the end of the buffer when there is none.
     const uint8_t* stop(const uint8_t* p) {
         while (p != end_) {
             if (p >= known_) {
                 find(p);
             }
             while (p != known_) {
-                if (const uint8_t* found = nearStop(p); found != nullptr) {
+                if (const uint8_t* found = near(p).behind(p); found != nullptr) {
                     return found;
                 }
                 p += std::min(kSeen, known_ - p);
