@@ -53,8 +53,7 @@ std::span<const PassCell> TablePass::left(std::size_t table) const {
 }
 
 PassRow::PassRow(const Document& document, const Table& table, RejectHandler onReject)
-    : CellValues(document, table, std::move(onReject)),
-      scanCuts_(jmapCutStrings(document.handle()) != 0) {
+    : CellValues(document, table, std::move(onReject)) {
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
         const Place& at = place(i);
         if (!at.numeric && (at.converted == nullptr || at.converted->informat == nullptr)) {
@@ -84,7 +83,7 @@ void PassRow::convertAll() {
         converted->kind = cell.kind;
         converted->fresh = true;
         convert(*converted, textOf(cell));
-        if (converted->cut || cutByScan(cell)) {
+        if (converted->cut || cell.kind == JMAP_CELL_CUT) {
             wasCut(converted->column, textOf(cell));
         }
     }
@@ -94,7 +93,8 @@ void PassRow::reportCuts() {
     for (const Cuttable& cuttable : cuttable_) {
         const PassCell& cell = cells_[cuttable.column];
         const bool text = cell.kind != JMAP_CELL_MISSING && cell.kind != JMAP_KIND_NULL;
-        const bool cut = static_cast<uint64_t>(cell.textLen) > cuttable.length || cutByScan(cell);
+        const bool cut =
+            cell.kind == JMAP_CELL_CUT || static_cast<uint64_t>(cell.textLen) > cuttable.length;
         if (text && cut && cell.fresh != 0) {
             wasCut(cuttable.column, textOf(cell));
         }

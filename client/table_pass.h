@@ -128,15 +128,11 @@ class PassRow final : public CellValues {
     [[nodiscard]] Cell numberOfText(const PassCell& cell) const;
     [[nodiscard]] Cell asDouble(const PassCell& cell) const;
     [[nodiscard]] Cell converted(const Place& at, const PassCell& cell) const;
-    [[nodiscard]] bool cutByScan(const PassCell& cell) const {
-        return scanCuts_ && cell.textLen == kLongestCell && cell.kind == JMAP_KIND_STRING;
-    }
     void convertAll();
     void reportCuts();
 
     std::span<const PassCell> cells_;
     std::vector<Cuttable> cuttable_;
-    bool scanCuts_;  // records keep only a part of some strings; which, only their length tells
 };
 
 // Where rows go: an output format, a table of a database.

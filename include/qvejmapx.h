@@ -8,7 +8,7 @@
  * Everything handed out points into the document and lives until Term, except a record's texts,
  * which live until the next call on its cursor, and the items of a pass.  Paths use the byte 0x02 as separator.
  *
- * Tested by tests/frame/extras_test.cpp
+ * Tested by tests/frame/equality_test.cpp
  */
 #ifndef QVEJMAPX_H
 #define QVEJMAPX_H
@@ -143,11 +143,12 @@ typedef struct JMAPPass* JMAPPassh; /* opaque */
 /* What a cell holds: nothing, a count, or, by its JMAP_KIND_..., a value. */
 enum {
     JMAP_CELL_MISSING = 0,
-    JMAP_CELL_COUNT = 7 /* of an ordinal; of ALLDATA: the number of labels, and 1 with a value */
+    JMAP_CELL_COUNT = 7, /* of an ordinal; of ALLDATA: the number of labels, and 1 with a value */
+    JMAP_CELL_CUT = 8    /* a STRING of which the records keep only the beginning */
 };
 
 typedef struct JMAPPassCell {
-    int32_t kind;     /* JMAP_CELL_... or JMAP_KIND_...; every text of ALLDATA is a STRING */
+    int32_t kind;     /* JMAP_CELL_... or JMAP_KIND_...; a text of ALLDATA is a STRING, or cut */
     QVBoolean fresh;  /* set for this row, not kept from an earlier one */
     const char* text; /* of a value: as recorded, neither padded nor cut nor converted */
     union {
@@ -259,9 +260,6 @@ typedef struct JMAPTotals {
     uint64_t lostLookups;   /* failures of hash tables: tables and columns may be there twice */
 } JMAPTotals;
 void jmapTotals(QVEJMAPJsonContexth inh, JMAPTotals* totals);
-
-/* Strings of the document that were longer than the 32767 bytes which a record keeps of them. */
-uint64_t jmapCutStrings(QVEJMAPJsonContexth inh);
 
 /* ---- Words --------------------------------------------------------------------------------- */
 

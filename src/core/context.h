@@ -89,8 +89,10 @@ struct JMAP_PRIVATE {
     char* coutBuf;    // deflate output
     QVStrSize coutBufLen;
     QVZStream z;
-    uint64_t pathCount;   // records written
-    uint64_t cutStrings;  // values that were too long for their record
+    uint64_t pathCount;      // records written
+    uint64_t longStrings;    // of them strings of kMaxStringLen bytes
+    WHOLESTRING* wholeHead;  // those of them that are not cut
+    WHOLESTRING* wholeTail;
     uint64_t uncompressedPathBytes;
     uint64_t compressedPathBytes;
     uint64_t uncompTestPathCount;  // Kept: never used, 0

@@ -34,6 +34,14 @@ enum VALTYPE : int32_t {
     VAL_FAKEVARIABLE = 6  // placeholder for an empty object or array
 };
 
+inline constexpr QVStrSize kMaxStringLen = 32767;  // bytes that a record keeps of a string
+
+// A string of just so many bytes that is whole.  All others of that length in the records are cut.
+struct WHOLESTRING {
+    WHOLESTRING* next;
+    uint64_t number;  // from 1, among the strings of that length in the records
+};
+
 // A growable byte string, grown by jmapVarstrCheck; not terminated.
 struct VARSTR {
     char* str;

@@ -1,7 +1,7 @@
 // What tools need beyond the operation table: tables and columns by position, the records of the
 // stream, the rows of many tables in one walk, the statistics of paths.
 //
-// Tested by tests/frame/extras_test.cpp
+// Tested by tests/frame/equality_test.cpp
 #include "qvejmapx.h"
 
 #include "core/context.h"
@@ -278,10 +278,6 @@ void jmapTotals(QVEJMAPJsonContexth inh, JMAPTotals* totals) {
         totals->blocks += 1;
         totals->blocksOnDisk += block.onDisk ? 1 : 0;
     }
-}
-
-uint64_t jmapCutStrings(QVEJMAPJsonContexth inh) {
-    return contextOf(inh)->cutStrings;
 }
 
 const char* jmapKindName(int32_t kind) {

@@ -99,11 +99,12 @@ void clearRow(const PASSROWS& rows, PASSTABLE& table) {
     table.inVariables = false;
 }
 
-QVStatus overlayText(const PASSROWS& rows, PASSTABLE& table, uint32_t column,
+QVStatus overlayText(const PASSROWS& rows, PASSTABLE& table, uint32_t column, int32_t kind,
                      std::string_view text) {
     JMAPPassCell& cell = freshCell(table, column);
-    if (cell.kind == JMAP_CELL_MISSING || lengthOf(text) >= cell.textLen) {
-        cell.kind = JMAP_KIND_STRING;
+    const bool missing = cell.kind == JMAP_CELL_MISSING;
+    cell.kind = kind;
+    if (missing || lengthOf(text) >= cell.textLen) {
         cell.text = text.data();
         cell.textLen = lengthOf(text);
         return holdText(rows, table, column);

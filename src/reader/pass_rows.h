@@ -101,6 +101,6 @@ inline void setCountCell(PASSTABLE& table, uint32_t column, uint64_t count) noex
 // The same for a cell of ALLDATA that keeps its value.
 //   Kept: what the cell held behind the end of a shorter text stays, as in the row buffer of Read.
 [[nodiscard]] QVStatus overlayText(const PASSROWS& rows, PASSTABLE& table, uint32_t column,
-                                   std::string_view text);
+                                   int32_t kind, std::string_view text);
 
 }  // namespace jmap

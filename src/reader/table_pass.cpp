@@ -117,7 +117,21 @@ void countOverwritten(PASSUSE* use) noexcept {
     }
 }
 
-QVStatus storeValue(JMAPPass* pass, PASSPATH& found, const RECORD& record) {
+// Whether the record keeps only the beginning of its value.  Each record with a value is asked
+// once, in order.
+bool isCut(JMAPPass* pass, const RECORD& record) {
+    if (record.valLen != kMaxStringLen || record.kind != VAL_STRING) [[likely]] {
+        return false;
+    }
+    ++pass->longStrings;
+    if (pass->whole == nullptr || pass->whole->number != pass->longStrings) {
+        return true;
+    }
+    pass->whole = pass->whole->next;
+    return false;
+}
+
+QVStatus storeValue(JMAPPass* pass, PASSPATH& found, const RECORD& record, bool cut) {
     const std::string_view value = valueOf(record);
     ++found.values;
     for (PASSUSE* use = found.uses; use != nullptr; use = use->next) {
@@ -126,7 +140,8 @@ QVStatus storeValue(JMAPPass* pass, PASSPATH& found, const RECORD& record) {
             if (use->table->cells[use->column].fresh) [[unlikely]] {
                 countOverwritten(use);
             }
-            QV_TRY(setText(pass->rows, *use->table, use->column, record.kind, value));
+            const int32_t kind = cut ? int32_t{JMAP_CELL_CUT} : record.kind;
+            QV_TRY(setText(pass->rows, *use->table, use->column, kind, value));
         }
     }
     // Values of all other kinds are numbers, or words for one.
@@ -138,13 +153,15 @@ QVStatus storeValue(JMAPPass* pass, PASSPATH& found, const RECORD& record) {
     return QV_OK;
 }
 
-QVStatus setAlldataText(JMAPPass* pass, PASSTABLE& table, uint32_t column, std::string_view text) {
-    return pass->retain ? overlayText(pass->rows, table, column, text)
-                        : setText(pass->rows, table, column, JMAP_KIND_STRING, text);
+QVStatus setAlldataText(JMAPPass* pass, PASSTABLE& table, uint32_t column, std::string_view text,
+                        bool cut = false) {
+    const int32_t kind = cut ? int32_t{JMAP_CELL_CUT} : int32_t{JMAP_KIND_STRING};
+    return pass->retain ? overlayText(pass->rows, table, column, kind, text)
+                        : setText(pass->rows, table, column, kind, text);
 }
 
 // Every record but a placeholder and the root's marker is a row of ALLDATA.
-QVStatus makeAlldataRow(JMAPPass* pass, PASSTABLE* table, const RECORD& record) {
+QVStatus makeAlldataRow(JMAPPass* pass, PASSTABLE* table, const RECORD& record, bool cut) {
     endRow(pass, table);
     const int32_t most = pass->rp.p->labelCountMax + 1;  // labels that the table has columns for
     const auto flagColumn = static_cast<uint32_t>(most + 1);
@@ -161,15 +178,15 @@ QVStatus makeAlldataRow(JMAPPass* pass, PASSTABLE* table, const RECORD& record) 
     if (record.kind == VAL_NOVAL) {
         return QV_OK;
     }
-    return setAlldataText(pass, *table, flagColumn + 1, valueOf(record));
+    return setAlldataText(pass, *table, flagColumn + 1, valueOf(record), cut);
 }
 
-QVStatus makeAlldataRows(JMAPPass* pass, const RECORD& record) {
+QVStatus makeAlldataRows(JMAPPass* pass, const RECORD& record, bool cut = false) {
     if (record.kind == VAL_NOVAL && record.labelCount == 0) {
         return QV_OK;
     }
     for (PASSTABLE* table = pass->alldata; table != nullptr; table = table->samePath) {
-        QV_TRY(makeAlldataRow(pass, table, record));
+        QV_TRY(makeAlldataRow(pass, table, record, cut));
     }
     return QV_OK;
 }
@@ -179,11 +196,12 @@ QVStatus takeValue(JMAPPass* pass, const RECORD& record) {
     if (record.kind == VAL_FAKEVARIABLE) {
         return QV_OK;
     }
+    const bool cut = isCut(pass, record);
     PASSPATH* found = findPath(&pass->paths, pathOf(record));
     if (found != nullptr) {
-        QV_TRY(storeValue(pass, *found, record));
+        QV_TRY(storeValue(pass, *found, record, cut));
     }
-    return pass->alldata == nullptr ? QV_OK : makeAlldataRows(pass, record);
+    return pass->alldata == nullptr ? QV_OK : makeAlldataRows(pass, record, cut);
 }
 
 // Takes a marker: first the rows before it end, and when they have been handed out, it counts for
@@ -327,6 +345,7 @@ QVStatus openPass(JMAP_PRIVATE* p, DSINFO* const* tables, QVStrSize tableCount, 
     pass->rows.pool = pool;
     pass->tableCount = tableCount;
     pass->retain = (flags & QVEJMAP_RETAIN) != 0;
+    pass->whole = p->wholeHead;
     const QVStatus rc = fillPass(pass, tables);
     if (rc != QV_OK) {
         (void)closePass(pass);  // the failure stands

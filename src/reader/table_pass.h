@@ -34,6 +34,8 @@ struct JMAPPass {
     PASSTABLE* endedTail;
     PASSTABLE* handed;         // the caller has its row
     bool asked;                // the marker at hand has ended its rows
+    uint64_t longStrings;      // strings of kMaxStringLen bytes so far
+    const WHOLESTRING* whole;  // the next of them that is not cut
     const PASSUSE* notNumber;  // columns that may have got `notNumberText`, not yet told
     const char* notNumberText;
     QVStrSize notNumberLen;

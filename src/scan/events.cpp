@@ -3,6 +3,8 @@
 // Tested by tests/scan/events_test.cpp
 #include "events.h"
 
+#include "core/arena.h"
+#include "core/list.h"
 #include "core/note.h"
 #include "core/pool.h"
 #include "core/status.h"
@@ -19,9 +21,8 @@
 namespace jmap {
 namespace {
 
-constexpr QVStrSize kMaxValueLen = 32767;  // bytes kept of a string value
-constexpr QVStrSize kElementSlack = 30;    // bytes for the number behind an element's base name
-constexpr QVStrSize kMaxDigits = 20;       // of a 64-bit number, sign included
+constexpr QVStrSize kElementSlack = 30;  // bytes for the number behind an element's base name
+constexpr QVStrSize kMaxDigits = 20;     // of a 64-bit number, sign included
 
 void noteEvent(JMAP_PRIVATE* p, const QVChar* event) {
     if (p->debugLevel) [[unlikely]] {
@@ -105,6 +106,22 @@ ELEMENTNAME formElementName(JMAP_PRIVATE* p, std::string_view base, uint64_t num
     return {view(p->celementBuf, lengthOf(base) + digitsLen), digitsLen == end - digits};
 }
 
+// A record will keep as much of a string as it can, which is all of it or, if `cut`, its beginning.
+QVStatus countLongString(JMAP_PRIVATE* p, bool cut) {
+    ++p->longStrings;
+    if (cut) {
+        return QV_OK;
+    }
+    char* const mem = arenaBytes(&p->pathArena, p->cpool, sizeof(WHOLESTRING));
+    if (mem == nullptr) {
+        return QV_NOMEM;
+    }
+    auto* whole = reinterpret_cast<WHOLESTRING*>(mem);
+    *whole = {nullptr, p->longStrings};
+    append(p->wholeHead, p->wholeTail, whole);
+    return QV_OK;
+}
+
 // Delivers an element's value again, now that its name is on the stack.
 QVStatus redeliver(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
     JSNParseCB* cb = &p->parseCB;
@@ -112,8 +129,8 @@ QVStatus redeliver(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
         case VAL_NUMBER:
             return fnumber(cb, value.data(), lengthOf(value), JSN_REAL);
         case VAL_STRING:
-            return fstring(cb, reinterpret_cast<const JSNChar*>(value.data()), lengthOf(value),
-                           JSN_VALUE);
+            noteEvent(p, U"fstring");  // which has counted it
+            return gotValue(p, value.data(), lengthOf(value), type);
         case VAL_NULL:
             return fnull(cb);
         case VAL_BOOLEAN:
@@ -248,9 +265,9 @@ QVStatus fstring(JSNParseCB* cb, const JSNChar* str, QVStrSize inlength, int32_t
         noteName(p, name);
         return newLabel(p, name);
     }
-    if (inlength > kMaxValueLen) [[unlikely]] {
-        ++p->cutStrings;
-        inlength = kMaxValueLen;
+    if (inlength >= kMaxStringLen) [[unlikely]] {
+        QV_TRY(countLongString(p, inlength > kMaxStringLen));
+        inlength = kMaxStringLen;
     }
     return gotValue(p, text, inlength, VAL_STRING);
 }

@@ -102,9 +102,8 @@ class Sweep {
         expected_ = played.out;
     }
 
-    // Every fault of a kind in every operation, or every `step`-th; how many there were, by
-    // operation.
-    void run(const Kind& kind, uint64_t step, std::map<std::string, uint64_t>& injected) {
+    // Every fault of a kind in every operation, or every `step`-th.
+    void run(const Kind& kind, uint64_t step, Tally& tally) {
         LoadedHost host;
         substituteFiles(host);
         std::vector<uint64_t> asked;
@@ -113,8 +112,7 @@ class Sweep {
             for (uint64_t n = 1; n <= asked[at]; n += n < 8 ? 1 : step) {
                 SCOPED_TRACE(kind.name + " " + std::to_string(n) + " in " + operations()[at].name +
                              ", " + keeping_.name);
-                ++injected[operations()[at].name + (", " + kind.name)];
-                inject(kind, at, n);
+                tally.add(operations()[at].name + (", " + kind.name), inject(kind, at, n));
                 if (testing::Test::HasFailure()) {
                     return;
                 }
@@ -128,10 +126,10 @@ class Sweep {
                         [](QVHndlp, QVJnlh) { return createIo(qvhost::test::kFaultyCalls); });
     }
 
-    void inject(const Kind& kind, size_t at, uint64_t n) {
+    Played inject(const Kind& kind, size_t at, uint64_t n) {
         LoadedHost host;
         substituteFiles(host);
-        const Played played = playOn(host, keeping_, &kind, at, n);
+        Played played = playOn(host, keeping_, &kind, at, n);
         if (played.told) {
             EXPECT_FALSE(kind.harmless);
         } else if (played.failed == SIZE_MAX) {
@@ -145,6 +143,7 @@ class Sweep {
         if (isLong() || (n % 5 == 1 && keeping_.rows < 10)) {
             EXPECT_TRUE(playOn(host, keeping_).out == expected_) << "a fresh document";
         }
+        return played;
     }
 
     const Keeping keeping_;
@@ -165,7 +164,7 @@ constexpr Keeping kInFiles[] = {
 };
 
 TEST(FaultSweep, OfMemoryAndModulesInEachOperation) {
-    std::map<std::string, uint64_t> injected;
+    Tally injected;
     for (const Keeping& keeping : std::span(kSmall).first(isLong() ? std::size(kSmall) : 2)) {
         Sweep sweep(keeping);
         for (const Kind& kind : std::span(kinds()).first(4)) {
@@ -179,12 +178,13 @@ TEST(FaultSweep, OfMemoryAndModulesInEachOperation) {
           "GetUserMap, memory, once", "ReadInit, memory, once", "Read, memory, once",
           "jmapReadTable, memory, once", "jmapRecordsOpen, memory, once",
           "jmapPassOpen, memory, once", "jmapPassNext, memory, from then on"}) {
-        EXPECT_GT(injected[asks], 0u) << asks;
+        EXPECT_GT(injected.count(asks), 0u) << asks;
     }
+    injected.print();
 }
 
 TEST(FaultSweep, OfFilesInEachOperation) {
-    std::map<std::string, uint64_t> injected;
+    Tally injected;
     for (const Keeping& keeping : std::span(kInFiles).first(isLong() ? std::size(kInFiles) : 2)) {
         Sweep sweep(keeping);
         for (const Kind& kind : std::span(kinds()).subspan(4)) {
@@ -194,8 +194,9 @@ TEST(FaultSweep, OfFilesInEachOperation) {
     for (const char* asks :
          {"JsonInput, open, EIO", "JsonInput, write, ENOSPC", "JsonInput, the last, write, EIO",
           "Read, read, EIO", "jmapPassNext, read, the end", "Term, close, EIO"}) {
-        EXPECT_GT(injected[asks], 0u) << asks;
+        EXPECT_GT(injected.count(asks), 0u) << asks;
     }
+    injected.print();
 }
 
 // Loading the engine: its pool, itself, the modules it stands on.

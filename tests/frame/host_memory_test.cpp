@@ -2,16 +2,11 @@
 // parser, a writer, a transcoder, a pool, a loaded module.
 //
 // A program of its own, since it replaces the operators for all of it.
-#include "qvejmap.h"
-#include "qvportable.h"
-
 #include "tests/frame/operations.h"
-
-#include <gtest/gtest.h>
+#include "tests/host/host_fixture.h"
 
 #include <cstdlib>
 #include <filesystem>
-#include <map>
 #include <new>
 
 namespace {
@@ -35,38 +30,20 @@ void* obtain(std::size_t size) noexcept {
     return std::malloc(size == 0 ? 1 : size);
 }
 
-void* obtainOrThrow(std::size_t size) {
-    void* const memory = obtain(size);
-    if (memory == nullptr) {
-        throw std::bad_alloc();
-    }
-    return memory;
-}
-
 }  // namespace
 
+// The other forms, but for one size or for aligned memory, go by these.
 void* operator new(std::size_t size) {
-    return obtainOrThrow(size);
-}
-void* operator new[](std::size_t size) {
-    return obtainOrThrow(size);
+    void* const memory = obtain(size);
+    return memory != nullptr ? memory : throw std::bad_alloc();
 }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return obtain(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
     return obtain(size);
 }
 void operator delete(void* memory) noexcept {
     std::free(memory);
 }
-void operator delete[](void* memory) noexcept {
-    std::free(memory);
-}
 void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
     std::free(memory);
 }
 
@@ -77,14 +54,10 @@ namespace {
 // the number of requests of each.
 Played playOn(const Keeping& keeping, std::vector<uint64_t>* asked, size_t at = SIZE_MAX,
               uint64_t n = 0, bool always = false) {
-    QVPortableOptions options = {};
-    options.structSize = sizeof options;
-    options.journalCallback = [](void*, const char*, size_t) {};
-    QVHndlp host = nullptr;
-    EXPECT_EQ(qvPortableStart(&options, &host), QV_OK);
-    EXPECT_EQ(qvPortableRegister(host, "qvejmap", qvejmap), QV_OK);
-    auto* engine =
-        reinterpret_cast<UserJMAP_S*>(host->loadExtension(host, U"qvejmap", 7, host->jnl));
+    qvhost::test::RunningHost running;
+    QVHndlp host = running.handle;
+    EXPECT_QV_OK(qvPortableRegister(host, "qvejmap", qvejmap));
+    auto* engine = running.load<UserJMAP_S>(U"qvejmap");
     Stage stage(engine, host->jnl, keeping, std::filesystem::temp_directory_path().string() + "/",
                 [](bool begins) { plan.counting = begins; });
     Played played = play(stage, [&](size_t i, bool begins) {
@@ -93,8 +66,7 @@ Played playOn(const Keeping& keeping, std::vector<uint64_t>* asked, size_t at = 
         }
         plan = begins && i == at ? Plan{.failing = n, .always = always} : Plan{};
     });
-    EXPECT_EQ(engine->exth.generic.destroy(&engine->exth.generic), QV_OK);
-    EXPECT_EQ(qvPortableStop(host), QV_OK);
+    EXPECT_QV_OK(qvhost::test::destroy(engine));
     return played;
 }
 
@@ -103,7 +75,7 @@ TEST(HostMemory, MayFailAnywhere) {
         {.name = "deflated, in a file", .compress = true, .spill = true},
         {.name = "in memory, with notes", .debug = ",ALL,"},
     };
-    std::map<std::string, uint64_t> injected;
+    Tally injected;
     for (const Keeping& keeping : kKeepings) {
         std::vector<uint64_t> asked;
         const Played clean = playOn(keeping, &asked);
@@ -114,8 +86,8 @@ TEST(HostMemory, MayFailAnywhere) {
             for (uint64_t i = 2; i < 2 * asked[at] + 2; i += i < 16 ? 1 : step) {
                 SCOPED_TRACE(std::string(keeping.name) + ", " + name + ", " +
                              std::to_string(i / 2) + (i % 2 == 0 ? "" : " and all that follow"));
-                ++injected[name];
                 const Played played = playOn(keeping, nullptr, at, i / 2, i % 2 != 0);
+                injected.add(name, played);
                 EXPECT_TRUE(clean.out.starts_with(played.out));
                 const bool whole = played.failed == SIZE_MAX;
                 EXPECT_TRUE(!whole || played.out == clean.out)
@@ -129,9 +101,10 @@ TEST(HostMemory, MayFailAnywhere) {
             }
         }
     }
-    EXPECT_GT(injected["JsonInit"], 0U);
-    EXPECT_GT(injected["JsonInput, the last"], 0U);
-    EXPECT_GT(injected["GetAutoMapBuf"], 0U);
+    EXPECT_GT(injected.count("JsonInit"), 0U);
+    EXPECT_GT(injected.count("JsonInput, the last"), 0U);
+    EXPECT_GT(injected.count("GetAutoMapBuf"), 0U);
+    injected.print();
 }
 
 }  // namespace

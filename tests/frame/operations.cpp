@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <iostream>
 #include <utility>
 
 namespace jmap::test {
@@ -319,6 +320,28 @@ Played play(Stage& stage, const std::function<void(size_t at, bool begins)>& aro
     EXPECT_EQ(stage.end(), QV_OK);
     played.out = stage.out;
     return played;
+}
+
+void Tally::add(const std::string& fault, const Played& played) {
+    Outcomes& outcomes = outcomes_[fault];
+    ++(played.status != QV_OK ? outcomes.failed : played.told ? outcomes.told : outcomes.whole);
+}
+
+uint64_t Tally::count(const std::string& fault) const {
+    const auto found = outcomes_.find(fault);
+    return found == outcomes_.end()
+               ? 0
+               : found->second.failed + found->second.told + found->second.whole;
+}
+
+void Tally::print() const {
+    if (!isLong()) {
+        return;
+    }
+    for (const auto& [fault, o] : outcomes_) {
+        std::cout << fault << ": " << o.failed << " failed, " << o.told << " told, " << o.whole
+                  << " whole\n";
+    }
 }
 
 }  // namespace jmap::test

@@ -11,6 +11,7 @@
 
 #include <cstdlib>
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -99,5 +100,22 @@ struct Played {
 // `around` is called before and behind each.
 Played play(
     Stage& stage, const std::function<void(size_t at, bool begins)>& around = [](size_t, bool) {});
+
+// What came of faults, by operation and kind.
+class Tally {
+   public:
+    void add(const std::string& fault, const Played& played);
+    [[nodiscard]] uint64_t count(const std::string& fault) const;
+    // A line for each, of a long run.
+    void print() const;
+
+   private:
+    struct Outcomes {
+        uint64_t failed = 0;  // the operation did
+        uint64_t told = 0;    // it did not, but the totals tell of a loss
+        uint64_t whole = 0;   // nothing is missing
+    };
+    std::map<std::string, Outcomes> outcomes_;
+};
 
 }  // namespace jmap::test

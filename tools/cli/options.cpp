@@ -130,7 +130,8 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
         ->group("Options of convert and check");
 
     const std::string rows = "Rows and tables";
-    app.add_option("--map", o.map, "use this map in place of the automatic one")
+    app.add_option("--map", o.map,
+                   "use this map in place of the automatic one (check takes\nit with --account)")
         ->type_name("FILE")
         ->group(rows);
     app.add_option("--rejects", o.rejects,
@@ -251,6 +252,9 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     }
     if (o.map == "-" && o.operands[0] == "-") {
         usageError("FILE and --map cannot both be standard input");
+    }
+    if (o.verb->name == "check" && !o.account && !o.map.empty()) {
+        usageError("check: --map needs --account; map check says whether a map fits a document");
     }
     if (o.verb->name == "convert" && o.out.empty()) {
         usageError("convert: -o DIR is missing");

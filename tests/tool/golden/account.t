@@ -46,6 +46,9 @@ $ qvejmap check n.json --map m.json --account
   /root/b\t2\tno column\tn.json:1:13
   5 values = 1 in cells + 0 overwritten + 2 no column + 0 no row + 2 rejected
 ? 1
+$ qvejmap check n.json --map m.json
+! qvejmap: check: --map needs --account; map check says whether a map fits a document (qvejmap --help tells more)
+? 2
 # A pipe can be read once, whatever its name; an empty object is no value, and has no place.
 $ echo '[{},{"FAKE":1,"FAKE":2},{},{"FAKE":3,"FAKE":4}]' > fake.json; qvejmap check fake.json --account
   path\tvalues\tlost\tfirst
@@ -56,4 +59,25 @@ $ echo '[{"a":1},{"a":2,"a":3}]' | timeout 20 qvejmap check /dev/stdin --account
   path\tvalues\tlost\tfirst
   /root/a\t1\toverwritten\t
   3 values = 2 in cells + 1 overwritten + 0 no column + 0 no row + 0 rejected
+? 1
+# Values outside of any row, and values that stand for no cell of their row.
+$ for text in '[1,2,3]' '[1,[2],3]' '[{"a":1,"a":2,"a":3},{"a":4}]' '[{"a":1,"":2},{"a":3}]'; do
+>     echo "$text" | qvejmap check - --account
+> done
+  path\tvalues\tlost\tfirst
+  /root/element1\t1\tno row\t<stdin>:1:2
+  /root/element2\t1\tno row\t<stdin>:1:4
+  /root/element3\t1\tno row\t<stdin>:1:6
+  3 values = 0 in cells + 0 overwritten + 0 no column + 3 no row + 0 rejected
+  path\tvalues\tlost\tfirst
+  /root/element1\t1\toverwritten\t<stdin>:1:2
+  /root/element1\t1\tno row\t
+  /root/element2\t1\tno row\t<stdin>:1:5
+  3 values = 0 in cells + 1 overwritten + 0 no column + 2 no row + 0 rejected
+  path\tvalues\tlost\tfirst
+  /root/a\t2\toverwritten\t<stdin>:1:7
+  4 values = 2 in cells + 2 overwritten + 0 no column + 0 no row + 0 rejected
+  path\tvalues\tlost\tfirst
+  /root\t1\tno column\t<stdin>:1:12
+  3 values = 2 in cells + 0 overwritten + 1 no column + 0 no row + 0 rejected
 ? 1

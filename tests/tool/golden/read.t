@@ -216,6 +216,34 @@ $ qvejmap read long.json ALLDATA > /dev/null
 ? 1
 $ qvejmap records long.json | tail -c 4
   xxx
+
+# A value of just as many bytes is whole, also among such that are cut; so is a number.
+$ text() { head -c $1 /dev/zero | tr '\0' $2; }
+> printf '{"s":["%s","%s","%s","%s"],"n":%s}' $(text 32767 s) $(text 32768 s) $(text 32767 s) \
+>     $(text 32768 s) $(text 32767 1) > just.json
+$ qvejmap read just.json s > /dev/null
+! qvejmap: s.s2: 1 value cut to 32767 bytes, in row 1: "ssssssssssssssssssssssssssssssssssssssss..."
+! qvejmap: s.s4: 1 value cut to 32767 bytes, in row 1: "ssssssssssssssssssssssssssssssssssssssss..."
+? 1
+$ qvejmap read just.json ALLDATA --retain > /dev/null
+! qvejmap: ALLDATA.Value: 2 values cut to 32767 bytes, the first in row 3: "ssssssssssssssssssssssssssssssssssssssss..."
+? 1
+$ qvejmap convert just.json -o just --alldata --rejects just.csv -q; cut -d, -f 1-5 just.csv
+  table,row,column,path,ordinals
+  ALLDATA,3,Value,,
+  ALLDATA,5,Value,,
+  s,1,s2,/root/s/s2,ordinal_root=1 ordinal_s=1
+  s,1,s4,/root/s/s4,ordinal_root=1 ordinal_s=1
+! qvejmap: just.json:1:131094: root.n has 1 number that a double does not keep, here
+! qvejmap: ALLDATA.Value: 2 values cut to 32767 bytes, the first in row 3: "ssssssssssssssssssssssssssssssssssssssss..."
+! qvejmap: s.s2: 1 value cut to 32767 bytes, in row 1: "ssssssssssssssssssssssssssssssssssssssss..."
+! qvejmap: s.s4: 1 value cut to 32767 bytes, in row 1: "ssssssssssssssssssssssssssssssssssssssss..."
+$ printf '{"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root/s","VARIABLES":[
+> {"NAME":"whole","TYPE":"CHARACTER","PATH":"/root/s/s1","INFORMAT":["upper"]},
+> {"NAME":"cut","TYPE":"CHARACTER","PATH":"/root/s/s2","INFORMAT":["upper"]}]}]}' > just.map
+$ qvejmap read just.json t --map just.map | tail -1 | wc -c
+  65537
+! qvejmap: t.cut: 1 value cut to 32767 bytes, in row 1: "ssssssssssssssssssssssssssssssssssssssss..."
 $ printf '[{"a":"x"},{"a":%040000d}]' 1 | tr 0 1 | qvejmap tables - --columns --ordinals 1
   root\tordinal_root\tORDINAL\t8\t/root
   root\ta\tCHARACTER\t32767\t/root/a
@@ -224,3 +252,7 @@ $ printf '[{"a":"x"},{"a":%040000d}]' 1 | tr 0 1 | qvejmap tables - --columns --
 $ printf '{"x%sy":1}' "$(printf 'é%.0s' $(seq 128))" | qvejmap read - ALLDATA
   P,P1,V,Value\r
   1,x,1,1\r
+$ printf '[{"a":"日本"},{"a":"x"}]' | qvejmap read - ALLDATA --retain
+  P,P1,V,Value\r
+  1,a,1,日本\r
+  1,a,1,x��本\r

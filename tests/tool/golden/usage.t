@@ -35,7 +35,8 @@ $ qvejmap --help
                             no cell (exit code 1)
   
   Rows and tables:
-    --map FILE              use this map in place of the automatic one
+    --map FILE              use this map in place of the automatic one (check takes
+                            it with --account)
     --rejects FILE          a line of CSV for each value that its column
                             cannot take
     --format NAME           csv (default) or ndjson
@@ -86,7 +87,8 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
     --threads N             at most N threads (default: as many as there are cores)
     --account               count what becomes of every value, and tell which are in
                             no cell (exit code 1)
-    --map FILE              use this map in place of the automatic one
+    --map FILE              use this map in place of the automatic one (check takes
+                            it with --account)
     --rejects FILE          a line of CSV for each value that its column
                             cannot take
     --null TEXT             CSV: what stands for null and for no value (default:
@@ -209,6 +211,15 @@ $ qvejmap read orders.json "$(printf 'a\033b')"
 $ qvejmap check orders.json --encoding "$(printf 'a\033b')"
 ! qvejmap: --encoding: no encoding is named 'a\u001bb'
 ? 2
+
+$ for name in 'a"b\c' $(printf '\b\001\037\177') $(printf '\302\200\302\237\302\240') é日🂡 $(printf '\377x\346\227') $(printf '\355\240\200!'); do qvejmap tables "$name"; done
+! qvejmap: a"b\c: No such file or directory
+! qvejmap: \b\u0001\u001f\u007f: No such file or directory
+! qvejmap: \u0080\u009f : No such file or directory
+! qvejmap: é日🂡: No such file or directory
+! qvejmap: �x�: No such file or directory
+! qvejmap: ���!: No such file or directory
+? 5
 
 # Notes of the engine.
 $ echo '{"a":"\u001b"}' | qvejmap check - --debug map,,path,-map -q
