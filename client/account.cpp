@@ -84,14 +84,23 @@ bool takesValues(const Column& column) {
 // Counts the cells of the rows of a pass.
 class CellCount {
    public:
-    CellCount(const Document& document, const std::vector<const Table*>& tables) {
-        for (const Table* table : tables) {
-            rows_.push_back(std::make_unique<PassRow>(document, *table));
-            columns_.emplace_back(table->columns.size());
+    CellCount(const Document& document, const std::vector<const Table*>& tables,
+              const TablePass& pass)
+        : pass_(pass) {
+        for (std::size_t t = 0; t < tables.size(); ++t) {
+            rows_.push_back(std::make_unique<PassRow>(
+                document, *tables[t], [this, t](const qvej::Row& /*row*/, const Rejected& value) {
+                    if (value.cut) {
+                        add(columns_[t][value.column].cut, pass_.column(t, value.column).values);
+                    }
+                }));
+            columns_.emplace_back(tables[t]->columns.size());
         }
     }
+    CellCount(const CellCount&) = delete;
+    CellCount& operator=(const CellCount&) = delete;
 
-    void take(const TablePass& pass, const PassItem& item) {
+    void take(const PassItem& item) {
         PassRow& row = *rows_[item.table];
         if (!row.take(item)) {
             return;
@@ -104,7 +113,7 @@ class CellCount {
             const bool refused =
                 item.cells[i].kind != JMAP_KIND_NULL && row.cell(i).kind == Cell::NUL;
             if (refused) {
-                add(of(column, Loss::REJECTED), pass.column(item.table, i).values);
+                add(of(column, Loss::REJECTED), pass_.column(item.table, i).values);
             } else {
                 ++column.cells;
             }
@@ -116,6 +125,7 @@ class CellCount {
     }
 
    private:
+    const TablePass& pass_;
     std::vector<std::unique_ptr<PassRow>> rows_;
     std::vector<std::vector<PathAccount>> columns_;
 };
@@ -142,9 +152,9 @@ std::vector<PathAccount> accountOf(const Document& document, bool retain) {
         tables.push_back(&table);
     }
     TablePass pass(document, tables, retain);
-    CellCount count(document, tables);
+    CellCount count(document, tables, pass);
     for (PassItem item = {}; pass.next(item);) {
-        count.take(pass, item);
+        count.take(item);
     }
     ByPath byPath;
     for (std::size_t t = 0; t < tables.size(); ++t) {
@@ -154,6 +164,7 @@ std::vector<PathAccount> accountOf(const Document& document, bool retain) {
             }
             PathAccount column = columnOf(pass, t, c);
             column.cells = count.column(t, c).cells;
+            column.cut = count.column(t, c).cut;
             of(column, Loss::REJECTED) =
                 count.column(t, c).lost[static_cast<std::size_t>(Loss::REJECTED)];
             byPath.offer(tables[t]->columns[c].path, column);

@@ -40,6 +40,7 @@ struct PathAccount {
     std::string path;  // separator 0x02
     uint64_t values = 0;
     uint64_t cells = 0;  // of them in a cell
+    LostValues cut;      // of these in part only
     std::array<LostValues, kLosses> lost;
 
     // Every value is a cell or lost.

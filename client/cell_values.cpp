@@ -4,12 +4,17 @@
 #include "client/error.h"
 #include "client/user_map.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace qvej {
 namespace {
 
 constexpr std::string_view kNotNumber = "not a number";
+constexpr std::string_view kTooLong = "longer than 32767 bytes";  // of a text for a number
+constexpr std::string_view kRounded = "rounded to what a double keeps";
+constexpr std::size_t kLongestText = 32767;  // bytes that a record keeps
 constexpr std::size_t kMostPending = 10000;  // values of one row, so that memory is bounded
 
 }  // namespace
@@ -63,8 +68,9 @@ void CellValues::notNumber(std::size_t column, std::string_view text) {
 void CellValues::reportPending(uint64_t row) {
     std::string decoded;
     for (const Pending& pending : pending_) {
-        reject({pending.column, row, document_.codec().decode(pending.text, decoded), kNotNumber,
-                false});
+        // Of a cut text there is no other sign than its length; a number so long is none in a text.
+        reject({pending.column, row, document_.codec().decode(pending.text, decoded),
+                pending.text.size() < kLongestText ? kNotNumber : kTooLong, false});
     }
     pending_.clear();
 }
@@ -89,7 +95,9 @@ void CellValues::convert(Converted& converted, std::string_view raw) {
     }
     std::string decoded;
     const std::string_view text = document_.codec().decode(raw, decoded);
-    if (places_[converted.column].numeric) {
+    if (places_[converted.column].numeric && converted.kind == JMAP_CELL_CUT) {
+        refuse(converted, text, kTooLong);
+    } else if (places_[converted.column].numeric) {
         convertNumber(converted, text);
     } else {
         convertText(converted, text);
@@ -101,9 +109,43 @@ void CellValues::convertNumber(Converted& converted, std::string_view text) {
     const QVStatus status = informat->toNumber(
         informat, text.data(), static_cast<QVStrSize>(text.size()), &converted.number);
     converted.missing = status != QV_OK;
-    if (status != QV_OK && !table_.columns[converted.column].quiet) {
-        reject({converted.column, rows_, text,
-                status == QV_FMT_VALUE ? informat->refusal : qvStatusText(status), false});
+    if (status != QV_OK) {
+        refuse(converted, text, status == QV_FMT_VALUE ? informat->refusal : qvStatusText(status));
+    }
+    // The numbers of JSON are told with the document's.
+    if (status == QV_OK && converted.kind == JMAP_KIND_STRING) {
+        tellRounded(converted, text);
+    }
+}
+
+// Unless the map asks for silence.
+void CellValues::refuse(const Converted& converted, std::string_view text,
+                        std::string_view reason) {
+    if (!table_.columns[converted.column].quiet) {
+        reject({converted.column, rows_, text, reason, false});
+    }
+}
+
+// Of the informats only those for numbers take texts with so many digits.
+void CellValues::tellRounded(const Converted& converted, std::string_view text) {
+    constexpr std::size_t kAlwaysKept = 15;
+    const Column& column = table_.columns[converted.column];
+    const bool percent = equalIgnoringCase(column.informat.name, "percent");
+    if (text.size() <= kAlwaysKept ||
+        !(percent || equalIgnoringCase(column.informat.name, "number") ||
+          equalIgnoringCase(column.informat.name, "comma"))) {
+        return;
+    }
+    std::string digits;
+    std::copy_if(text.begin(), text.end(), std::back_inserter(digits),
+                 [](char c) { return c != ',' && c != '%' && c != '+' && c != ' '; });
+    const bool fraction = percent || column.informat.decimals != 0;
+    if (fraction && digits.find_first_of(".eE") == std::string::npos) {
+        digits += ".0";
+    }
+    if (jmapIsInexact(document_.handle(), digits.data(), static_cast<QVStrSize>(digits.size())) !=
+        0) {
+        reject({converted.column, rows_, text, kRounded, true});
     }
 }
 

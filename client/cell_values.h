@@ -26,7 +26,7 @@ class CellValues : public Row {
         std::size_t column = 0;
         Handle<QVInformat> informat;
         Handle<QVFormat> format;
-        int32_t kind = 0;     // JMAP_KIND_... of the raw text
+        int32_t kind = 0;     // JMAP_KIND_... or JMAP_CELL_CUT of the raw text
         bool fresh = false;   // it came in this row
         bool missing = true;  // there is no number: null or refused
         double number = 0;    // of one with an informat
@@ -55,14 +55,15 @@ class CellValues : public Row {
         }
     }
 
-    // A text of the row (as the document has it) is longer than its column.
+    // A text of the row (as the document has it) is longer than its column, or than a record keeps.
     void wasCut(std::size_t column, std::string_view text);
 
     // Rows end without being complete: forgets what came for the last one.
     void forgetNotNumbers() { pending_.clear(); }
 
     // Brings the value of a column with an informat from its raw text, which is empty when there is
-    // none.  A text that is not fresh is one that the column keeps: so does its value.
+    // none.  A text that is not fresh is one that the column keeps: so does its value.  Of a text
+    // that is cut nobody knows the number.
     void convert(Converted& converted, std::string_view raw);
 
     // The columns that `convert` is for, in order.
@@ -97,6 +98,8 @@ class CellValues : public Row {
 
     void openConversions();
     void convertNumber(Converted& converted, std::string_view text);
+    void refuse(const Converted& converted, std::string_view text, std::string_view reason);
+    void tellRounded(const Converted& converted, std::string_view text);
     void convertText(Converted& converted, std::string_view text);
     void reportPending(uint64_t row);
     void reject(const Rejected& rejected);

@@ -25,14 +25,14 @@ struct Cell {
     uint64_t count = 0;
 };
 
-// A value that its column cannot take: no number in a numeric column, refused by the informat, or
-// longer than the column.
+// A value that its column cannot take, or only in part: no number in a numeric column, refused by
+// the informat, longer than the column, a number in a text of more digits than a double keeps.
 struct Rejected {
     std::size_t column;       // its position in the table
     uint64_t row;             // that it would have been in, from 1
     std::string_view text;    // as the document has it, UTF-8
-    std::string_view reason;  // "not a number"; of a cut text "cut to 10 bytes"
-    bool cut;                 // the column has its beginning
+    std::string_view reason;  // "not a number"; of what is kept in part "cut to 10 bytes"
+    bool cut;                 // the column has it in part
 };
 
 class Row {

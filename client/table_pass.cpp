@@ -83,7 +83,8 @@ void PassRow::convertAll() {
         converted->kind = cell.kind;
         converted->fresh = true;
         convert(*converted, textOf(cell));
-        if (converted->cut || cell.kind == JMAP_CELL_CUT) {
+        const bool cut = cell.kind == JMAP_CELL_CUT && !place(converted->column).numeric;
+        if (cut || converted->cut) {
             wasCut(converted->column, textOf(cell));
         }
     }
@@ -106,7 +107,10 @@ Cell PassRow::asDouble(const PassCell& cell) const {
         return {Cell::NUMBER, static_cast<double>(cell.count)};
     }
     double number = 0;
-    const QVStatus status = jmapToNumber(document().handle(), cell.text, cell.textLen, &number);
+    const QVStatus status =
+        cell.kind == JMAP_CELL_CUT
+            ? QV_NOTNUM
+            : jmapToNumber(document().handle(), cell.text, cell.textLen, &number);
     return status != QV_OK || std::isnan(number) ? Cell{Cell::NUL} : Cell{Cell::NUMBER, number};
 }
 

@@ -205,6 +205,10 @@ QVBoolean jmapPassTextsStay(JMAPPassh pass);
  * false (0) and null (missing).  Else QV_NOTNUM.  On any thread. */
 QVStatus jmapToNumber(QVEJMAPJsonContexth inh, const char* text, QVStrSize textLen, double* number);
 
+/* Whether a double does not keep a text that is a JSON number: see JMAPPathInfo.inexact.  On any
+ * thread. */
+QVBoolean jmapIsInexact(QVEJMAPJsonContexth inh, const char* number, QVStrSize numberLen);
+
 /* ---- Statistics of paths ------------------------------------------------------------------- */
 
 typedef struct PATHINFO* JMAPPathh; /* opaque */
@@ -258,6 +262,8 @@ typedef struct JMAPTotals {
     uint64_t unstoredBytes; /* of records in the last block */
     uint64_t droppedTables; /* that are missing in the automatic map */
     uint64_t lostLookups;   /* failures of hash tables: tables and columns may be there twice */
+    /* Member names of 256 bytes or more, or empty ones: in ALLDATA labels are cut at wrong places. */
+    QVBoolean labelsSlip;
 } JMAPTotals;
 void jmapTotals(QVEJMAPJsonContexth inh, JMAPTotals* totals);
 

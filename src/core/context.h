@@ -76,6 +76,7 @@ struct JMAP_PRIVATE {
     int32_t* labelCurLens;  // [labelMaxesSize + 1] length of the label last pushed at each depth
     int32_t* labelMaxes;    // [labelMaxesSize + 1] longest label at each depth
     int32_t labelMaxesSize;
+    bool emptyName;         // a member had the name "": see inStep
     QVStrSize valueMaxLen;  // longest value, bytes
 
     // ALLDATA.

@@ -14,10 +14,12 @@
 #include "reader/read_context.h"
 #include "reader/row_loop.h"
 #include "reader/table_pass.h"
+#include "scan/exact_number.h"
 #include "scan/path_stats.h"
 #include "scan/path_watch.h"
 #include "scan/record_format.h"
 
+#include <algorithm>
 #include <bit>
 #include <string_view>
 
@@ -58,6 +60,14 @@ template <class T>
         QV_TRY(loadBlock(rp, next));
     }
     return QV_OK;
+}
+
+// Whether the length byte of a label in the records is not its length, or its depth not its own.
+bool labelsSlip(const JMAP_PRIVATE* p) noexcept {
+    constexpr int32_t kMostInAByte = 255;
+    const int32_t* const longest = p->labelMaxes;
+    return p->emptyName || std::any_of(longest, longest + p->labelMaxesSize,
+                                       [](int32_t len) { return len > kMostInAByte; });
 }
 
 uint64_t countValues(const JMAP_PRIVATE* p) {
@@ -220,6 +230,10 @@ QVStatus jmapToNumber(QVEJMAPJsonContexth inh, const char* text, QVStrSize textL
     return cell.word != nullptr ? QV_OK : cell.status;
 }
 
+QVBoolean jmapIsInexact(QVEJMAPJsonContexth inh, const char* number, QVStrSize numberLen) {
+    return flag(losesDigits(contextOf(inh)->smh, view(number, numberLen)));
+}
+
 // ---- Statistics of paths ------------------------------------------------------------------------
 
 QVStatus jmapNextPath(QVEJMAPJsonContexth inh, JMAPPathh* path) {
@@ -274,6 +288,7 @@ void jmapTotals(QVEJMAPJsonContexth inh, JMAPTotals* totals) {
     totals->values = countValues(p);
     totals->droppedTables = p->droppedTables;
     totals->lostLookups = p->lostLookups;
+    totals->labelsSlip = flag(labelsSlip(p));
     for (const COMPPATHS& block : each(p->chead)) {
         totals->blocks += 1;
         totals->blocksOnDisk += block.onDisk ? 1 : 0;

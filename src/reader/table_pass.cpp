@@ -144,8 +144,9 @@ QVStatus storeValue(JMAPPass* pass, PASSPATH& found, const RECORD& record, bool 
             QV_TRY(setText(pass->rows, *use->table, use->column, kind, value));
         }
     }
-    // Values of all other kinds are numbers, or words for one.
-    if (record.kind == VAL_STRING && found.numbers && isNoNumber(pass, value)) {
+    // Values of all other kinds are numbers, or words for one.  What the beginning of a text is says
+    // nothing of the whole.
+    if (record.kind == VAL_STRING && found.numbers && (cut || isNoNumber(pass, value))) {
         pass->notNumber = found.uses;
         pass->notNumberText = value.data();
         pass->notNumberLen = lengthOf(value);

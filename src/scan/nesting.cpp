@@ -115,6 +115,7 @@ QVStatus pushMember(JMAP_PRIVATE* p, LEVEL* l, PATHNODE* node) {
         return QV_NOMEM;
     }
     QV_TRY(countLabel(p, node->nameLen));
+    p->emptyName = p->emptyName || node->nameLen == 0;
     if (p->pathAt->lastMember != nullptr) {
         p->pathAt->lastMember->node.follower = node;
     }

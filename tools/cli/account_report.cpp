@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 #include <sys/stat.h>
 #include <unordered_map>
 
@@ -17,7 +18,7 @@ namespace {
 // What is lost of one path in one way.
 struct Line {
     const qvej::PathAccount* account;
-    qvej::Loss loss;
+    std::string_view way;
     uint64_t count;
     uint64_t first;
     qvej::Spot place;
@@ -27,13 +28,16 @@ std::vector<Line> linesOf(const std::vector<qvej::PathAccount>& accounts,
                           const std::vector<qvej::Spot>& starts) {
     std::vector<Line> lines;
     for (std::size_t i = 0; i < accounts.size(); ++i) {
-        for (std::size_t loss = 0; loss < qvej::kLosses; ++loss) {
-            const qvej::LostValues& lost = accounts[i].lost[loss];
+        const auto add = [&](std::string_view way, const qvej::LostValues& lost) {
             if (lost.count != 0) {
-                lines.push_back({&accounts[i], static_cast<qvej::Loss>(loss), lost.count,
-                                 lost.first, lost.first == 1 ? starts[i] : qvej::Spot{}});
+                lines.push_back({&accounts[i], way, lost.count, lost.first,
+                                 lost.first == 1 ? starts[i] : qvej::Spot{}});
             }
+        };
+        for (std::size_t loss = 0; loss < qvej::kLosses; ++loss) {
+            add(nameOf(static_cast<qvej::Loss>(loss)), accounts[i].lost[loss]);
         }
+        add("cut", accounts[i].cut);
     }
     return lines;
 }
@@ -69,15 +73,19 @@ void findPlaces(const Options& options, std::vector<Line>& lines) {
 std::string sumLine(const std::vector<qvej::PathAccount>& accounts) {
     uint64_t values = 0;
     uint64_t cells = 0;
+    uint64_t cut = 0;
     std::array<uint64_t, qvej::kLosses> lost = {};
     for (const qvej::PathAccount& account : accounts) {
         values += account.values;
         cells += account.cells;
+        cut += account.cut.count;
         for (std::size_t loss = 0; loss < qvej::kLosses; ++loss) {
             lost[loss] += account.lost[loss].count;
         }
     }
-    std::string line = std::to_string(values) + " values = " + std::to_string(cells) + " in cells";
+    std::string line = std::to_string(values) + (values == 1 ? " value = " : " values = ") +
+                       std::to_string(cells) + " in cells" +
+                       (cut == 0 ? "" : " (" + std::to_string(cut) + " of them cut)");
     for (std::size_t loss = 0; loss < qvej::kLosses; ++loss) {
         line += " + " + std::to_string(lost[loss]) + " ";
         line += nameOf(static_cast<qvej::Loss>(loss));
@@ -110,7 +118,7 @@ ExitCode reportAccount(const Options& options, const std::vector<qvej::PathAccou
     const std::string file = options.operands[0] == "-" ? "<stdin>" : options.operands[0];
     for (const Line& line : lines) {
         rows.push_back({escaped(qvej::withSlashes(line.account->path)), std::to_string(line.count),
-                        std::string(nameOf(line.loss)),
+                        std::string(line.way),
                         line.place.line == 0 ? "" : shown(spotText(file, line.place))});
     }
     Writer out = standardOutput();
@@ -148,6 +156,6 @@ std::vector<qvej::Spot> startsOf(const qvej::Document& document,
 void tellLost(const std::string& file, uint64_t lost) {
     if (lost != 0) {
         tell(file + ": " + std::to_string(lost) + (lost == 1 ? " value is" : " values are") +
-             " in no row (qvejmap check --account tells which)");
+             " in no cell (qvejmap check --account tells which)");
     }
 }

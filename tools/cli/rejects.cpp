@@ -56,7 +56,8 @@ qvej::RejectHandler Rejects::handlerFor(const qvej::Table& table) {
 }
 
 void Rejects::take(const qvej::Table& table, const qvej::Row& row, const qvej::Rejected& rejected) {
-    const auto [place, first] = places_.try_emplace({&table, rejected.column}, columns_.size());
+    const auto [place, first] =
+        places_.try_emplace({&table, rejected.column, rejected.cut}, columns_.size());
     if (first) {
         columns_.push_back({visible(table.name) + "." + table.columns[rejected.column].name, 0,
                             rejected.row, shortened(rejected.text), std::string(rejected.reason),

@@ -12,7 +12,7 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <utility>
+#include <tuple>
 #include <vector>
 
 class Rejects {
@@ -50,5 +50,6 @@ class Rejects {
 
     std::unique_ptr<File> file_;
     std::vector<OfColumn> columns_;  // in order of their first
-    std::map<std::pair<const qvej::Table*, std::size_t>, std::size_t> places_;  // in `columns_`
+    // By table, column and whether values are cut: their place in `columns_`.
+    std::map<std::tuple<const qvej::Table*, std::size_t, bool>, std::size_t> places_;
 };

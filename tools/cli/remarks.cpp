@@ -120,6 +120,11 @@ void tellLosses(const std::string& file, const qvej::Document& document,
     std::vector<std::string> withoutRows;
     for (const WrittenTable& w : written) {
         tables.push_back(w.table);
+        if (w.table->alldata && document.totals().labelsSlip != 0) {
+            tell(file + ": in " + visible(w.table->name) +
+                 " labels are cut at wrong places: the document has member names that are empty or "
+                 "of 256 bytes and more");
+        }
         if (w.rows == 0 && hasOwnValues(*w.table)) {
             withoutRows.push_back(visible(w.table->name));
         }

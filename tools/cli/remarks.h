@@ -30,8 +30,8 @@ struct WrittenTable {
 };
 
 // Tells on standard error, a line each, what the rows of these tables of `file` do not show:
-// numbers that a double does not keep, and tables that have values but no rows (scalars directly in
-// the outermost array).
+// numbers that a double does not keep, tables that have values but no rows (scalars directly in the
+// outermost array), and labels of ALLDATA that are not the document's.
 void tellLosses(const std::string& file, const qvej::Document& document,
                 const std::vector<WrittenTable>& written);
 

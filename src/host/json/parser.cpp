@@ -260,14 +260,14 @@ const uint8_t* Parser::collectWord(const uint8_t* p, const uint8_t* end) {
                      p);
 }
 
-// The bytes that may be a byte order mark.  Either way the document is wrong from its first byte.
+// The bytes that may be a byte order mark.  Either way the text is wrong from the first of them.
 const uint8_t* Parser::byteOrderMark(const uint8_t* p, const uint8_t* end) {
     static constexpr uint8_t kMark[] = {0xEF, 0xBB, 0xBF};
     for (; p != end; ++p, ++matched_) {
         const bool matches = *p == kMark[matched_];
         if (!matches || matched_ == 2) {
             fail(matches ? QV_JSON_BOM : QV_JSON_VALUE, p);
-            offset_ = 0;
+            offset_ -= matched_;
             return nullptr;
         }
     }

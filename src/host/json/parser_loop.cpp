@@ -9,7 +9,6 @@
 //
 // Tested by tests/json/parser_test.cpp and, for speed, bench/bench_parser.cpp
 #include "host/json/parser.h"
-#include "host/json/scan_sse2.h"
 #include "host/json/scan_window.h"
 
 #include <cstring>
@@ -189,7 +188,7 @@ void Parser::loop(const uint8_t* p, const uint8_t* end) {
             if (p == end) {
                 return pause(State::BEGIN, QV_EOF, p);
             }
-            state_ = *p == 0xEF ? State::BOM : State::DOCUMENT;
+            state_ = State::DOCUMENT;
             return rules_.lines == 0 ? p : delivered(callbacks_->arrayStart(callbacks_), p);
         case State::BOM:
             return byteOrderMark(p, end);
@@ -197,6 +196,10 @@ void Parser::loop(const uint8_t* p, const uint8_t* end) {
             p = toToken(p, end, State::DOCUMENT);
             if (p == nullptr) {
                 return nullptr;
+            }
+            if (*p == 0xEF) {
+                matched_ = 0;
+                return byteOrderMark(p, end);
             }
             if (*p == '{') {
                 state_ = State::NAME_OR_END;

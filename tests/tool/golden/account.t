@@ -12,7 +12,7 @@ $ qvejmap check doc.json --account
   14 values = 11 in cells + 2 overwritten + 1 no column + 0 no row + 0 rejected
 ? 1
 $ echo '[{"a":"x"}]' | qvejmap check - --account
-  1 values = 1 in cells + 0 overwritten + 0 no column + 0 no row + 0 rejected
+  1 value = 1 in cells + 0 overwritten + 0 no column + 0 no row + 0 rejected
 # On standard input only the places are known where a path begins.
 $ qvejmap check - --account < doc.json
   path\tvalues\tlost\tfirst
@@ -23,8 +23,9 @@ $ qvejmap check - --account < doc.json
 # convert says that there are such values, or counts them too.
 $ qvejmap convert doc.json -o out
 ! qvejmap: 4 tables, 6 rows in out
-! qvejmap: doc.json: 3 values are in no row (qvejmap check --account tells which)
+! qvejmap: doc.json: 3 values are in no cell (qvejmap check --account tells which)
 $ qvejmap convert doc.json -o out2 -q --alldata
+! qvejmap: doc.json: in ALLDATA labels are cut at wrong places: the document has member names that are empty or of 256 bytes and more
 $ qvejmap convert doc.json -o out3 -q --account; diff -r out out3
   path\tvalues\tlost\tfirst
   /root/a\t2\toverwritten\tdoc.json:2:7
@@ -80,4 +81,61 @@ $ for text in '[1,2,3]' '[1,[2],3]' '[{"a":1,"a":2,"a":3},{"a":4}]' '[{"a":1,"":
   path\tvalues\tlost\tfirst
   /root\t1\tno column\t<stdin>:1:12
   3 values = 2 in cells + 0 overwritten + 1 no column + 0 no row + 0 rejected
+? 1
+# A value that its cell has in part, since the column is too short or a record keeps no more of it.
+$ echo '[{"a":"x"},{"a":"xyz"},{"a":"abc"}]' > short.json; sed 's/"NUMERIC"/"CHARACTER","LENGTH":2/' m.json > short.map
+> python3 -c 'print("{\"k\":\"%s\"}" % ("x" * 32768))' > k.json
+> qvejmap check short.json --account --map short.map; qvejmap check k.json --account
+  path\tvalues\tlost\tfirst
+  /root/a\t2\tcut\tshort.json:1:17
+  3 values = 3 in cells (2 of them cut) + 0 overwritten + 0 no column + 0 no row + 0 rejected
+  path\tvalues\tlost\tfirst
+  /root/k\t1\tcut\tk.json:1:6
+  1 value = 1 in cells (1 of them cut) + 0 overwritten + 0 no column + 0 no row + 0 rejected
+? 1
+# Of a text that is cut nobody knows the number, whoever reads it.
+$ python3 -c 'print("[{\"a\":\"2.5%se10\"},{\"a\":\"%s\"},{\"a\":\"3\"}]" % ("0" * 32764, "1" * 40000))' > long.json
+> for add in '' ',"INFORMAT":["number"]' ',"FORMAT":["fixed"]'; do
+>     sed "s/\"NUMERIC\"/&$add/" m.json > long.map; qvejmap read long.json t --map long.map; qvejmap check long.json --account --map long.map
+> done
+  a\r
+  ""\r
+  ""\r
+  3\r
+  path\tvalues\tlost\tfirst
+  /root/a\t2\trejected\tlong.json:1:7
+  3 values = 1 in cells + 0 overwritten + 0 no column + 0 no row + 2 rejected
+  a\r
+  ""\r
+  ""\r
+  3\r
+  path\tvalues\tlost\tfirst
+  /root/a\t2\trejected\tlong.json:1:7
+  3 values = 1 in cells + 0 overwritten + 0 no column + 0 no row + 2 rejected
+  a\r
+  ""\r
+  ""\r
+  3\r
+  path\tvalues\tlost\tfirst
+  /root/a\t2\trejected\tlong.json:1:7
+  3 values = 1 in cells + 0 overwritten + 0 no column + 0 no row + 2 rejected
+! qvejmap: t.a: 2 values rejected, the first in row 1: "2.50000000000000000000000000000000000000..." is longer than 32767 bytes
+! qvejmap: t.a: 2 values rejected, the first in row 1: "2.50000000000000000000000000000000000000..." is longer than 32767 bytes
+! qvejmap: t.a: 2 values rejected, the first in row 1: "2.50000000000000000000000000000000000000..." is longer than 32767 bytes
+? 1
+# Digits of a text that an informat for numbers does not keep.
+$ echo '[{"a":"9007199254740993","b":"9,007,199,254,740,992","c":"12345678901234567.5%"},{"a":"x","b":"12,345,678,901,234,567,891"}]' > d.json
+> printf '{"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root","VARIABLES":[' > d.map
+> for one in a:number b:comma c:percent; do
+>     printf '{"NAME":"%s","TYPE":"NUMERIC","PATH":"/root/%s","INFORMAT":["%s"]},' ${one%:*} ${one%:*} ${one#*:} >> d.map
+> done
+> echo '{"NAME":"z","TYPE":"ORDINAL","PATH":"/root"}]}]}' >> d.map
+> qvejmap read d.json t --map d.map
+  a,b,c,z\r
+  9007199254740992,9007199254740992,123456789012345.67,1\r
+  ,12345678901234567168,,2\r
+! qvejmap: t.a: 1 value rounded to what a double keeps, in row 1: "9007199254740993"
+! qvejmap: t.c: 1 value rounded to what a double keeps, in row 1: "12345678901234567.5%"
+! qvejmap: t.a: 1 value rejected, in row 2: "x" is not a number
+! qvejmap: t.b: 1 value rounded to what a double keeps, in row 2: "12,345,678,901,234,567,891"
 ? 1

@@ -72,6 +72,7 @@ $ qvejmap convert names.json -o names --alldata; ls -A names
   x_o.csv
 ! qvejmap: 7 tables, 19 rows in names
 ! qvejmap: more than one table is named o2: read opens the first; the table AllData hides ALLDATA (--alldata-name gives that another name)
+! qvejmap: names.json: in ALLDATA labels are cut at wrong places: the document has member names that are empty or of 256 bytes and more
 $ qvejmap read names.json o2; cat 'names/o2~2.csv'
   ordinal_root,ordinal_O,c\r
   1,1,3\r
@@ -102,6 +103,22 @@ $ ls -A
   out
   tmp
 
+$ names='o2 O2 o2 _ .. .h é / a~2 x&y a.b-c_d'
+> for name in $names; do printf ',{"DSNAME":"%s","TABLEPATH":"/root/orders","VARIABLES":[{"NAME":"id","PATH":"/root/orders"}]}' $name; done | sed '1s/,/{"DATASETS":[/;s/$/]}/' > odd.map
+> qvejmap convert orders.json --map odd.map -o all -q; ls -A all
+  %2E..csv
+  %2Eh.csv
+  %2F.csv
+  %C3%A9.csv
+  O2~2.csv
+  _.csv
+  a%7E2.csv
+  a.b-c_d.csv
+  o2.csv
+  o2~3.csv
+  x%26y.csv
+! qvejmap: orders.json: 20 values are in no cell (qvejmap check --account tells which)
+
 # What is in the way and is no file stays, even with --force.
 $ mkdir -p way/orders_tags.csv; qvejmap convert orders.json -o way --force
 ! qvejmap: way/orders_tags.csv: not a regular file, not replaced
@@ -119,10 +136,11 @@ $ cat loss/root.csv
   ordinal_root,element1,k,m\r
   1,12345678901234567890,9007199254740993,-9007199254740993\r
 $ printf '{"":1,"b":2,"a":[1,{"b":[2]}]}' | qvejmap convert - -o few -q --alldata --alldata-name Everything
+! qvejmap: <stdin>: in Everything labels are cut at wrong places: the document has member names that are empty or of 256 bytes and more
 ! qvejmap: <stdin>: tables "", a_b have no rows; their values are only in Everything
 $ printf '[1,2]' | qvejmap convert - -o one -q
 ! qvejmap: <stdin>: table root has no rows; its values are only in ALLDATA
-! qvejmap: <stdin>: 2 values are in no row (qvejmap check --account tells which)
+! qvejmap: <stdin>: 2 values are in no cell (qvejmap check --account tells which)
 $ printf '{"e":{}}' | qvejmap convert - -o none --alldata
 ! qvejmap: 2 tables, 2 rows in none
 $ printf '[]' | qvejmap convert - -o nothing --alldata

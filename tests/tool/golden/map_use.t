@@ -83,7 +83,7 @@ $ qvejmap read cut.json c --map cut.map --rejects cuts.csv; echo $?; cat cuts.cs
 ! qvejmap: c.b: 2 values cut to 5 bytes, the first in row 1: "straße"
 ! qvejmap: c.a: 2 values cut to 2 bytes, the first in row 1: "12345"
 $ qvejmap convert cut.json --map cut.map -o cut --threads 1 -q > /dev/null
-! qvejmap: cut.json: 1 value is in no row (qvejmap check --account tells which)
+! qvejmap: cut.json: 1 value is in no cell (qvejmap check --account tells which)
 ! qvejmap: c.b: 2 values cut to 5 bytes, the first in row 1: "straße"
 ! qvejmap: c.a: 2 values cut to 2 bytes, the first in row 1: "12345"
 ? 1
@@ -162,3 +162,23 @@ $ printf '[{"a":"\351\351\351\351"}]' > l1.json; printf '{"DATASETS":[{"DSNAME":
 !     ..."TYPE":"CHARACTER","PATH":"/root/a","LENGTH":3,"INFORMAT":["trim",-5]},{"NAME":"b","...
 !                                                                    ^
 ? 4
+
+# Lengths of CHARACTER columns are those of the map, else of the document; what the path never had has none.
+$ for column in a/s a/s,4 a/s,6 a/s,5 b/t a/x a/n; do
+>     length=${column#*,}; test $length = $column && length= || length=",\"LENGTH\":$length"
+>     printf '{"DATASETS":[{"DSNAME":"T","TABLEPATH":"/root/a","VARIABLES":[{"NAME":"c","TYPE":"CHARACTER","PATH":"/root/%s"%s}]}]}' ${column%,*} "$length" > length.map
+>     echo '{"a":{"s":"abcde","n":1},"b":[{"t":"xyz"}]}' | qvejmap tables - --columns --map length.map --debug USERMAP 2> notes; grep 'user length\|set to\|cut' notes
+> done
+  T\tc\tCHARACTER\t5\t/root/a/s
+  getAutomapLengths: variable [c] in dataset [a] length set to 5
+  T\tc\tCHARACTER\t4\t/root/a/s
+  getAutomapLengths: variable [c] in dataset [T] user length 4, automap length 5
+  qvejmap: length.map: values are cut in: T.c (4 of 5 bytes)
+  T\tc\tCHARACTER\t6\t/root/a/s
+  getAutomapLengths: variable [c] in dataset [T] user length 6, automap length 5
+  T\tc\tCHARACTER\t5\t/root/a/s
+  T\tc\tCHARACTER\t3\t/root/b/t
+  getAutomapLengths: variable [c] in dataset [b] length set to 3
+  T\tc\tCHARACTER\t0\t/root/a/x
+  T\tc\tCHARACTER\t1\t/root/a/n
+  getAutomapLengths: variable [c] in dataset [a] length set to 1
