@@ -1,6 +1,6 @@
 // Maps as notes in the journal.
 //
-// Tested by tests/automap/map_dump_test.cpp
+// Tested by tests/tool/golden/notes.t
 #include "map_dump.h"
 
 #include "core/list.h"

@@ -1,6 +1,6 @@
 // Maps as notes in the journal, and the words for types of columns.
 //
-// Tested by tests/automap/map_dump_test.cpp
+// Tested by tests/tool/golden/notes.t
 #pragma once
 
 #include "core/context.h"

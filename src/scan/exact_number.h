@@ -3,7 +3,7 @@
 // A double keeps every whole number up to 2^53, some beyond, and 17 significant digits at most;
 // what is too large becomes infinite, what is too small 0.
 //
-// Tested by tests/scan/exact_number_test.cpp
+// Tested by tests/tool/golden/tables.t
 #pragma once
 
 #include "qvehost.h"

@@ -41,27 +41,6 @@ Names namedByList(const Names& members) {
     return namesOf(ds.vhead);
 }
 
-TEST(ColumnNames, HaveLettersAndDigitsAndAreUniqueWithoutRegardToCase) {
-    const std::pair<Names, Names> cases[] = {
-        {{"2019", "a-b c", "_9", "Az09_", "@[`{/:"}, {"_019", "a_b_c", "_9", "Az09_", "______"}},
-        {{"id", "ID", "Id"}, {"id", "ID2", "Id3"}},
-        {{"a2", "a", "A"}, {"a2", "a", "A3"}},
-        {{"9", "8", "\xC3\xA9", "\xC3\x89"}, {"_", "_2", "__", "__2"}},
-    };
-    for (const auto& [members, expected] : cases) {
-        EXPECT_EQ(columnNames(members), expected);
-    }
-    Names members;
-    for (int i = 0; i < 1001; ++i) {
-        members.push_back(std::string(32, 'q') + std::to_string(i));
-    }
-    const Names names = columnNames(members);
-    EXPECT_EQ(names[0], std::string(32, 'q'));
-    EXPECT_EQ(names[1], std::string(31, 'q') + "2");
-    EXPECT_EQ(names[9], std::string(30, 'q') + "10");
-    EXPECT_EQ(names[1000], std::string(28, 'q') + "1001");
-}
-
 // A long table has an index, which must change no name.
 TEST(ColumnNames, OfALongTableAreThoseOfTheList) {
     std::mt19937 random(7);

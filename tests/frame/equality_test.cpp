@@ -40,8 +40,7 @@ Lines documents() {
 Lines picture(const Scan& scan) {
     EXPECT_QV_OK(scan.status);
     Lines all = scan.blocks();
-    all.insert(all.end(), {scan.records(), scan.map(), scan.mapDocument(), scan.alldata(),
-                           scan.rows("ALLDATA")});
+    all.insert(all.end(), {scan.map(), scan.rows("ALLDATA")});
     JMAPTableh table = nullptr;
     while (jmapNextTable(scan.automap(), &table) == QV_OK) {
         QVEJMAPReadContexth rctx = nullptr;

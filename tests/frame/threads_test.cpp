@@ -1,11 +1,7 @@
 // Two documents on two threads at once: on one engine, and on an engine each.  For ThreadSanitizer
 // (scripts/test tsan); without it, for what differs.
-#include "qvejmap.h"
-#include "qvportable.h"
-
 #include "tests/frame/operations.h"
-
-#include <gtest/gtest.h>
+#include "tests/host/host_fixture.h"
 
 #include <filesystem>
 #include <thread>
@@ -26,15 +22,10 @@ std::string outOf(UserJMAP_S* engine, QVJnlh jnl, const Keeping& keeping) {
 }
 
 TEST(Threads, TwoDocumentsAtOnceAreIndependent) {
-    QVPortableOptions options = {};
-    options.structSize = sizeof options;
-    options.journalCallback = [](void*, const char*, size_t) {};
-    QVHndlp host = nullptr;
-    ASSERT_EQ(qvPortableStart(&options, &host), QV_OK);
-    ASSERT_EQ(qvPortableRegister(host, "qvejmap", qvejmap), QV_OK);
-    const auto load = [&] {
-        return reinterpret_cast<UserJMAP_S*>(host->loadExtension(host, U"qvejmap", 7, host->jnl));
-    };
+    qvhost::test::RunningHost running;
+    QVHndlp host = running.handle;
+    ASSERT_QV_OK(qvPortableRegister(host, "qvejmap", qvejmap));
+    const auto load = [&] { return running.load<UserJMAP_S>(U"qvejmap"); };
     UserJMAP_S* const shared = load();
     std::string expected[std::size(kKeepings)];
     for (size_t i = 0; i < std::size(kKeepings); ++i) {
@@ -50,7 +41,7 @@ TEST(Threads, TwoDocumentsAtOnceAreIndependent) {
                 *differed += outOf(engine, host->jnl, kKeepings[i]) == expected[i] ? 0 : 1;
             }
             if (own) {
-                EXPECT_EQ(engine->exth.generic.destroy(&engine->exth.generic), QV_OK);
+                EXPECT_QV_OK(qvhost::test::destroy(engine));
             }
         };
         int differed[2] = {};
@@ -59,8 +50,7 @@ TEST(Threads, TwoDocumentsAtOnceAreIndependent) {
         second.join();
         EXPECT_EQ(differed[0] + differed[1], 0);
     }
-    EXPECT_EQ(shared->exth.generic.destroy(&shared->exth.generic), QV_OK);
-    EXPECT_EQ(qvPortableStop(host), QV_OK);
+    EXPECT_QV_OK(qvhost::test::destroy(shared));
 }
 
 }  // namespace

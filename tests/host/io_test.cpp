@@ -92,6 +92,10 @@ TEST_F(IoTest, ANameMeansTheFileThatThisInstanceWroteLast) {
     EXPECT_EQ(read(old), "old one");
     EXPECT_EQ(read(input("f")), "new");
     EXPECT_EQ(read(old), "old two");
+    // A byte that is no UTF-8 comes as a half surrogate; no other half, nor 0, is in a name.
+    EXPECT_QV_OK(destroy(open(path("x").u32string() + U"\xDCE9", QVIO_OUTPUT, QV_OK)));
+    EXPECT_TRUE(fs::exists(path("x\xE9")));
+    open(path("x").u32string() + U"\xD800", QVIO_OUTPUT, QV_IO_OPEN);
 }
 
 TEST_F(IoTest, WritesOnlyToAnEmptyFileOfThisUserWhichItClosesToOthers) {

@@ -3,8 +3,6 @@
 #include "host/rim.h"
 #include "tests/host/host_fixture.h"
 
-#include <thread>
-
 namespace qvhost::test {
 namespace {
 
@@ -82,24 +80,6 @@ QVStatus fail() {
 TEST(Rim, TurnsExceptionsIntoStatuses) {
     EXPECT_QV(QV_NOMEM, Rim<&fail<std::bad_alloc>>::call());
     EXPECT_QV(QV_INTERNAL, Rim<&fail<std::exception>>::call());
-}
-
-TEST(Kernel, ServesTwoThreads) {
-    const RunningHost host;
-    const auto work = [&host] {
-        for (int i = 0; i < 20000; ++i) {
-            QVPoolh pool = host.pool();
-            QVTrackerh tracker = host.tracker();
-            EXPECT_NE(pool->allocate(pool, 16, 0), nullptr);
-            EXPECT_QV_OK(destroy(host.load(U"qvefmt")));
-            EXPECT_TRUE(destroy(tracker) == QV_OK && destroy(pool) == QV_OK);
-        }
-    };
-    std::thread other(work);
-    work();
-    other.join();
-    EXPECT_TRUE(host.leftovers().empty() && host.counts().bytesInUse == 0);
-    EXPECT_EQ(host.counts().allocations, 40000U);
 }
 
 }  // namespace

@@ -83,7 +83,7 @@ constexpr Document kDocuments[] = {
     {"comment behind the document", "[]\n// end", "QV_JSON_TRAILING 2:1 [ ] "},
     {"byte order mark", "\xEF\xBB\xBF{}", "QV_JSON_BOM 1:1 "},
     {"half a byte order mark", "\xEF\xBB{}", "QV_JSON_VALUE 1:1 "},
-    {"byte order mark behind a blank", " \xEF\xBB\xBF{}", "QV_JSON_VALUE 1:2 "},
+    {"byte order mark behind a blank", " \xEF\xBB\xBF{}", "QV_JSON_BOM 1:2 "},
     {"comment before the document", "// x\n{}", "QV_JSON_COMMENT 1:1 "},
     {"comment before a name", "{ /* x */ \"a\":1}", "QV_JSON_COMMENT 1:3 { "},
     {"comment behind a value", "[1,\n 2 // x\n]", "QV_JSON_COMMENT 2:4 [ int 1 int 2 "},
@@ -220,6 +220,7 @@ TEST(Parser, TakesLinesAsTheElementsOfOneArray) {
         {"text ends in a value", "1\n[2", "QV_EOF 2:3 [ int 1 [ "},
         {"text ends in a word", "nul", "QV_EOF 1:4 [ "},
         {"byte order mark", "\xEF\xBB\xBF{}", "QV_JSON_BOM 1:1 [ "},
+        {"byte order mark in a later line", "1\n\xEF\xBB\xBF{}", "QV_JSON_BOM 2:1 [ int 1 "},
     };
     for (const Document& d : kLines) {
         SCOPED_TRACE(d.name);

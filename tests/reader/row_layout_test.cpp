@@ -6,8 +6,8 @@
 namespace jmap::test {
 namespace {
 
-TEST(RowLayout, PutsColumnsBackToBackAsTheMapSaysAndShowsThem) {
-    const Scan scan("{}", {.debug = ",READINIT,"});
+TEST(RowLayout, PutsColumnsBackToBackAndCutsWhatIsTooLong) {
+    const Scan scan("{}");
     HandMap hand;
     hand.table("Tab", "/root/t");
     hand.column("o", VAR_ORDINAL, "/root/t", 0);
@@ -18,35 +18,17 @@ TEST(RowLayout, PutsColumnsBackToBackAsTheMapSaysAndShowsThem) {
     c.labelLen = lengthOf(label);
     c.truncation = c.informatNoError = true;
     c.currentLength = 9;
-    hand.column("d", VAR_DOUBLE, nullptr, 77).retain = true;
+    hand.column("d", VAR_DOUBLE, nullptr, 77);
     hand.column("long", VAR_CHAR, "/root/l", 32768);
     hand.column("f", VAR_FAKEVARIABLE, nullptr, 1);
-    hand.column("n", VAR_ORDINAL, "/root").noretain = true;
+    hand.column("n", VAR_ORDINAL, "/root");
     const OpenTable table(scan, &hand.map, "tab");
     ASSERT_QV_OK(table.status);
-    const std::string none = " informat [NULL 0 0] format [NULL 0 0]";
-    const std::string pad(32, ' ');
-    const Names expected = {
-        "readinit found ds [Tab]",
-        " ",
-        "rctx var o                    NUMERIC    length   8 offset   0" + none,
-        "rctx var c                    CHARACTER  length   5 offset   8 informat [INF 4 1] format "
-        "[FMT 10 2]",
-        "rctx var d                    NUMERIC    length   8 offset  13" + none,
-        "rctx var long                 CHARACTER  length 32767 offset  21" + none,
-        "rctx var f                    CHARACTER  length   1 offset 32788" + none,
-        "rctx var n                    NUMERIC    length   8 offset 32789" + none,
-        " ",
-        "rp   var o                    ORDINAL    /root/t " + pad + " length   8 offset   0 RETAIN",
-        "rp   var c                    CHAR       /root/t/c" + pad + "length   5 offset   8",
-        "rp   var d                    DOUBLE             " + pad + " length   8 offset  13 RETAIN",
-        "rp   var long                 CHAR       /root/l " + pad + " length 32767 offset  21",
-        "rp   var f                    UNKNOWN            " + pad + " length   1 offset 32788",
-        "rp   var n                    ORDINAL    /root   " + pad + " length   8 offset 32789",
-        " ",
-        "tablePath /root/t " + pad,
-        " "};
-    EXPECT_EQ(scan.host().notes, expected);
+    std::string offsets;
+    for (QVStrSize i = 0; i < table.rctx->varCount; ++i) {
+        offsets += std::to_string(table.rctx->varinfo[i].offset) + " ";
+    }
+    EXPECT_EQ(offsets, "0 8 13 21 32788 32789 ");
     EXPECT_EQ(table.rctx->obsbufLen, 32797);
     const VARIABLEINFO& info = table.rctx->varinfo[1];
     EXPECT_EQ(view(info.label, info.labelLen), std::string(256, 'L'));

@@ -6,46 +6,6 @@
 namespace jmap::test {
 namespace {
 
-constexpr const char* kOrders =
-    R"({"o":[{"i":1,"c":[{"q":1},{"q":2}]},{"i":2,"c":[{"q":3}]},{"i":3}]})";
-
-TEST(RowLoop, GivesTheRowsOfEveryTable) {
-    const std::string n300(300, 'n');
-    const std::string n44(44, 'n');
-    std::string wide, wideRow = "1";
-    for (int i = 0; i < 300; ++i) {
-        wide += (i == 0 ? "{\"c" : ",\"c") + std::to_string(i) + "\":" + std::to_string(i);
-        wideRow += "|" + std::to_string(i);
-    }
-    const struct {
-        const char* name;
-        std::string json;
-        const char* table;
-        std::string rows;
-    } cases[] = {
-        {"one row", R"({"a":1,"b":"x","c":true,"d":null,"e":false})", "root", "1|1|x|1|~|0\n"},
-        {"parents", kOrders, "o", "1|1|1\n1|2|2\n1|3|3\n"},
-        {"children", kOrders, "o_c", "1|1|1|1\n1|1|2|2\n1|2|3|3\n"},
-        {"missing values", R"([{"a":1,"b":"x"},{"b":"y"},{"a":3}])", "root",
-         "1|1|x\n2|~|y\n3|3|\n"},
-        {"scalar array", R"({"t":[1,"x",null]})", "t", "1|1|1|x|~\n"},
-        {"empty objects fold", R"({"a":[{"b":1},{},{"b":2}]})", "a", "1|1|1\n1|3|2\n"},
-        {"table path of the parent", R"({"a":[{"b":1},{"b":2,"c":{}}]})", "a_c", "1|1|~\n1|2|1\n"},
-        {"root never seen", R"({"":1})", "", ""},
-        {"empty document", "{}", "root", ""},
-        {"hundreds of columns", wide + "}", "root", wideRow + "\n"},
-        {"alldata", R"({"a":{"bb":1},"ccc":"xyz","e":{},"n":null,"s":""})", "ALLDATA",
-         "1|a||0|\n2|a|bb|1|1\n1|ccc||1|xyz\n1|e||0|\n1|n||1|null\n1|s||1|\n"},
-        // Behind an empty name every record counts a label too many, and the lengths are shifted.
-        {"alldata, empty name", R"([{"":1},{"b":"v"}])", "ALLDATA", "1|||1|1\n1|||0|\n2|||1|v\n"},
-        {"alldata, a label is read by its length modulo 256", "{\"" + n300 + R"(":{"b":1}})",
-         "ALLDATA", "1|" + n44 + "||0|\n2|" + n44 + "|n|1|1\n"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(Scan(c.json).rows(c.table), c.rows) << c.name;
-    }
-}
-
 TEST(RowLoop, AnObjectBesideTheTablePathBeginsTheNextRow) {
     HandMap hand;
     hand.table("t", "/root/a");
@@ -117,22 +77,6 @@ TEST(RowLoop, ABlockThatDoesNotLoadIsReportedAndPassed) {
     second->uncompressedLen = last->uncompressedLen;
     table.reset();
     EXPECT_TRUE(table.rows() == rows);
-}
-
-TEST(RowLoop, SaysWhatItReads) {
-    const Scan scan(R"({"a":[{"b":1,"c":{}}]})", {.debug = ",READ,-READINIT,"});
-    EXPECT_EQ(scan.rows("a"), "1|1|1\n");
-    EXPECT_EQ(joined(scan.host().notes),
-              "Read on dataset[a] called, consumePath    [a] [/root], "
-              "consumePathOnly[a] path[/root] name[ordinal_root] set to 1, "
-              "consumePath    [a] [/root/a], consumePathOnly[a] tablePath [/root/a] seen ONCE, "
-              "consumePathOnly[a] path[/root/a] name[ordinal_a] set to 1, "
-              "consumePath    [a] [/root/a/b] val [1], consumePathVar [a] [b] set to [1], "
-              "consumePath    [a] [/root/a/c], "
-              "consumePathOnly[a] path [/root/a/c] contains tablePath [/root/a] so NOT DONE, "
-              "consumePath    [a] [/root/a/c/FAKE] val [VAR], "
-              "Read           [a] returning LAST OBSERVATION, , Read on dataset[a] called, "
-              "Read           [a] atEOF set, returning QV_EOF, ReadTerm called");
 }
 
 }  // namespace

@@ -72,62 +72,6 @@ TEST(TablePass, CopiesWhatOutlivesABlock) {
     EXPECT_GT(blocks, 30U);
 }
 
-bool holdsValue(const JMAPPassCell& cell) {
-    return cell.fresh && cell.kind != JMAP_CELL_MISSING && cell.kind != JMAP_CELL_COUNT;
-}
-
-// Values that came for a column are in its rows, were overwritten, or are left of a row that never
-// was complete.
-void expectTheColumnsAddUp(const Scan& scan, MAP* map, uint64_t flags, uint64_t* lost) {
-    const std::vector<DSINFO*> tables = fuzz::tablesOf(scan.doc(), map);
-    JMAPPassh pass = nullptr;
-    ASSERT_QV_OK(
-        jmapPassOpen(scan.doc(), tables.data(), lengthOf({nullptr, tables.size()}), flags, &pass));
-    std::map<std::pair<QVStrSize, QVStrSize>, uint64_t> seen;
-    const auto count = [&](QVStrSize table, const JMAPPassCell* cells, QVStrSize size) {
-        for (QVStrSize i = 0; i < size; ++i) {
-            seen[{table, i}] += holdsValue(cells[i]) ? 1 : 0;
-        }
-    };
-    for (JMAPPassItem item = {}; jmapPassNext(pass, &item) == QV_OK;) {
-        if (item.kind == JMAP_PASS_ROW) {
-            count(item.table, item.cells, item.cellCount);
-        }
-    }
-    for (size_t t = 1; t < tables.size(); ++t) {  // behind ALLDATA
-        const auto table = static_cast<QVStrSize>(t);
-        const JMAPPassCell* cells = nullptr;
-        QVStrSize size = 0;
-        jmapPassLeft(pass, table, &cells, &size);
-        count(table, cells, size);
-        for (QVStrSize i = 0; i < size; ++i) {
-            JMAPPassColumn column = {};
-            jmapPassColumn(pass, table, i, &column);
-            const uint64_t shown = seen[std::pair(table, i)];
-            EXPECT_EQ(column.values, shown + column.overwritten);
-            EXPECT_EQ(column.overwritten != 0, column.firstOverwritten != 0);
-            EXPECT_LE(column.firstOverwritten + column.overwritten, column.values + 1);
-            *lost += column.overwritten + (holdsValue(cells[i]) ? 1 : 0);
-        }
-    }
-    EXPECT_QV_OK(jmapPassClose(pass));
-}
-
-TEST(TablePass, LosesNoValueUncounted) {
-    HandMap hand;
-    makeOddMap(&hand, false);
-    uint64_t lost = 0;
-    for (unsigned seed = 0; seed < 40; ++seed) {
-        SCOPED_TRACE(seed);
-        const Scan scan(RandomDocument(seed, kNames).text(8));
-        for (const uint64_t flags : {uint64_t{0}, uint64_t{QVEJMAP_RETAIN}}) {
-            expectTheColumnsAddUp(scan, scan.p()->automap, flags, &lost);
-            expectTheColumnsAddUp(scan, &hand.map, flags, &lost);
-        }
-    }
-    EXPECT_GT(lost, 1000U);
-}
-
 TEST(TablePass, AFailureEndsIt) {
     const Scan scan(RandomDocument(0, kNames, 30'000).text(80), {.compress = true});
     COMPPATHS* const last = scan.p()->ctail;

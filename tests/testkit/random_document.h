@@ -10,9 +10,10 @@ namespace jmap::test {
 
 class RandomDocument {
    public:
-    // `longest`: bytes of a string of letters, at most.
-    RandomDocument(unsigned seed, std::vector<std::string> names, std::size_t longest = 8)
-        : random_(seed), names_(std::move(names)), longest_(longest) {}
+    // `longest`: bytes of a string of letters, at most.  `widest`: values of the few wide lists.
+    RandomDocument(unsigned seed, std::vector<std::string> names, std::size_t longest = 8,
+                   std::size_t widest = 4)
+        : random_(seed), names_(std::move(names)), longest_(longest), widest_(widest) {}
 
     // An array of so many values.
     std::string text(int values) {
@@ -35,9 +36,11 @@ class RandomDocument {
         }
         const bool object = draw(5) < 3;
         std::string text = object ? "{" : "[";
-        for (auto left = draw(5); left > 0; --left) {
+        for (auto left = draw(8) == 0 ? widest_ : draw(5); left > 0; --left) {
             text += object ? "\"" + names_[draw(names_.size())] + "\":" : "";
-            text += value(depth + 1) + (left > 1 ? "," : "");
+            const bool again = !last_[depth].empty() && draw(3) == 0;
+            last_[depth] = again ? last_[depth] : value(depth + 1);  // paths come back in order
+            text += last_[depth] + (left > 1 ? "," : "");
         }
         return text + (object ? "}" : "]");
     }
@@ -45,6 +48,8 @@ class RandomDocument {
     std::mt19937 random_;
     std::vector<std::string> names_;
     std::size_t longest_;
+    std::size_t widest_;
+    std::string last_[4];  // value of each depth
 };
 
 }  // namespace jmap::test

@@ -65,12 +65,12 @@ std::string slashes(std::string_view path) {
     return shown;
 }
 
-Scan::Scan(std::string_view json, ScanOptions options)
+Scan::Scan(std::string_view json, const ScanOptions& options)
     : ownHost_(std::make_unique<FakeHost>()), host_(ownHost_.get()) {
     run(json, options);
 }
 
-Scan::Scan(FakeHost& host, std::string_view json, ScanOptions options) : host_(&host) {
+Scan::Scan(FakeHost& host, std::string_view json, const ScanOptions& options) : host_(&host) {
     run(json, options);
 }
 
@@ -110,7 +110,6 @@ void Scan::run(std::string_view json, const ScanOptions& options) {
             cachingCalls.push_back(inputCalls);
         }
     }
-    caching = !cachingCalls.empty();
 }
 
 std::string Scan::map() const {
@@ -118,11 +117,7 @@ std::string Scan::map() const {
     for (const DSINFO& ds : each(p()->automap == nullptr ? nullptr : p()->automap->dshead)) {
         lines += tableText(ds);
     }
-    return lines;
-}
-
-std::string Scan::alldata() const {
-    return p()->alldataDs == nullptr ? "no table\n" : tableText(*p()->alldataDs);
+    return lines + (p()->alldataDs == nullptr ? "no ALLDATA\n" : tableText(*p()->alldataDs));
 }
 
 std::string Scan::rows(std::string_view table, uint64_t flags) const {
@@ -134,7 +129,7 @@ std::string Scan::rows(std::string_view table, uint64_t flags) const {
     if (rc != QV_OK) {
         return statusLine(rc);
     }
-    const std::string lines = rowsOf(engine(), rctx);
+    std::string lines = rowsOf(engine(), rctx);
     EXPECT_QV_OK(engine()->ReadTerm(rctx));
     return lines;
 }
@@ -151,24 +146,6 @@ std::string Scan::rowsOf(UserJMAP_S* engine, QVEJMAPReadContexth rctx) {
     return rc == QV_EOF ? lines : lines + statusLine(rc);
 }
 
-std::string Scan::records() const {
-    JMAPRecordCursorh cursor = nullptr;
-    QVStatus rc = jmapRecordsOpen(doc_, &cursor);
-    if (rc != QV_OK) {
-        return statusLine(rc);
-    }
-    std::string lines;
-    JMAPRecord record{};
-    while ((rc = jmapRecordsNext(cursor, &record)) == QV_OK) {
-        lines += std::string(jmapKindName(record.kind)) + " " +
-                 slashes(view(record.path, record.pathLen));
-        lines += record.value == nullptr ? "" : "=" + text(record.value, record.valueLen);
-        lines += "\n";
-    }
-    EXPECT_QV_OK(jmapRecordsClose(cursor));
-    return rc == QV_EOF ? lines : lines + statusLine(rc);
-}
-
 std::vector<std::string> Scan::blocks() const {
     JMAP_READPRIVATE rp{};
     rp.p = p();
@@ -180,15 +157,6 @@ std::vector<std::string> Scan::blocks() const {
     }
     EXPECT_QV_OK(destroyHandle(rp.rfp));
     return all;
-}
-
-std::string Scan::mapDocument() const {
-    char* buf = nullptr;
-    QVStrSize bufLen = 0;
-    const QVStatus rc = engine()->GetAutoMapBuf(doc_, &buf, &bufLen, host_->journal());
-    std::string document = rc == QV_OK ? text(buf, bufLen) : statusLine(rc);
-    EXPECT_QV_OK(engine()->GetAutoMapBufFree(doc_));
-    return document;
 }
 
 QVStatus Scan::readMap(std::string_view map, std::size_t split, ERRORINFO* e) const {

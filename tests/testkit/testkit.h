@@ -1,7 +1,6 @@
 // The test kit: a host that watches the engine, and texts for everything a test wants to look at.
 //
 //     const Scan scan(R"({"a":[{"b":1},{"b":2}]})");
-//     EXPECT_EQ(scan.map(), "a /root/a (ordinal_root:O, ordinal_a:O, b:D1)\n");
 //     EXPECT_EQ(scan.rows("a"), "1|1|1\n1|2|2\n");
 #pragma once
 
@@ -90,7 +89,7 @@ class FakeHost {
     std::map<std::string, std::string> substitutes_;  // name -> registered name; "": missing
     uint64_t created_ = 0;                            // pools and trackers
     uint64_t loads_ = 0;
-    uint64_t failingLoad_ = 0;  // counted as `loads_`; 0: none
+    uint64_t failingLoad_ = 0;   // counted as `loads_`; 0: none
     bool failingLoads_ = false;  // and all that follow
 };
 
@@ -110,13 +109,12 @@ struct ScanOptions {
 class Scan {
    public:
     // With a host of its own, or on one that outlives it.
-    explicit Scan(std::string_view json, ScanOptions options = {});
-    Scan(FakeHost& host, std::string_view json, ScanOptions options = {});
+    explicit Scan(std::string_view json, const ScanOptions& options = {});
+    Scan(FakeHost& host, std::string_view json, const ScanOptions& options = {});
     ~Scan();
 
-    QVStatus initStatus = QV_OK;  // of JsonInit
-    QVStatus status = QV_OK;      // of the last JsonInput that was made
-    bool caching = false;
+    QVStatus initStatus = QV_OK;    // of JsonInit
+    QVStatus status = QV_OK;        // of the last JsonInput that was made
     std::vector<int> cachingCalls;  // those of JsonInput that set it, counted from 1
     int inputCalls = 0;             // of JsonInput
 
@@ -126,21 +124,16 @@ class Scan {
     [[nodiscard]] JMAP_PRIVATE* p() const { return contextOf(doc_); }
     [[nodiscard]] QVMemPtr automap() const { return p()->automap; }
 
-    // One line a table: name, table path, columns as name:O, name:D<length> or name:C<length>.
+    // One line a table, ALLDATA the last: name, table path, columns as name:O, name:D<length> or
+    // name:C<length>.
     [[nodiscard]] std::string map() const;
-    // The ALLDATA table in the same form.
-    [[nodiscard]] std::string alldata() const;
     // One line a row, "|" between the cells, "~" for missing, trailing blanks dropped; a line
     // "status <name>" when ReadInit or Read fails.  `table` is opened by name.
     [[nodiscard]] std::string rows(std::string_view table, uint64_t flags = 0) const;
     // The rows of an open table up to QV_EOF.
     static std::string rowsOf(UserJMAP_S* engine, QVEJMAPReadContexth rctx);
-    // One line a record: "NOVAL /root", "NUMBER /root/a=12".
-    [[nodiscard]] std::string records() const;
     // The bytes of the records, uncompressed, block by block.
     [[nodiscard]] std::vector<std::string> blocks() const;
-    // The map document of GetAutoMapBuf.
-    [[nodiscard]] std::string mapDocument() const;
     // Parses a user map, in buffers of `split` bytes (0: one buffer).  The status of the first call
     // that fails, and what it says in ERRORINFO.
     QVStatus readMap(std::string_view map, std::size_t split = 0, ERRORINFO* e = nullptr) const;

@@ -59,15 +59,12 @@ std::string sums(const std::vector<qvej::PathAccount>& accounts) {
     return text;
 }
 
-// The sums with the automatic map, or with `map`; all that must hold is checked.
-std::string account(const std::string& text, const std::string& map = {}) {
+// The sums with the automatic map; all that must hold is checked.
+std::string account(const std::string& text) {
     qvej::Engine engine;
     qvej::Document document(engine);
     document.feed(text);
     document.finish();
-    if (!map.empty()) {
-        document.useMap(map);
-    }
     const uint64_t scalars = scalarsOf(text);
     EXPECT_EQ(scalars, valuesInAlldata(document));
     const std::string found = sums(qvej::accountOf(document, false));
@@ -87,33 +84,6 @@ std::string account(const std::string& text, const std::string& map = {}) {
     }
     EXPECT_EQ(lost, qvej::lostOf(document, pass, tables));
     return found;
-}
-
-TEST(Account, TellsTheFourWaysOfALoss) {
-    constexpr const char* kMap =
-        R"({"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root","VARIABLES":[
-            {"NAME":"n","TYPE":"NUMERIC","PATH":"/root/n"},
-            {"NAME":"d","TYPE":"NUMERIC","INFORMAT":["?date"],"PATH":"/root/d"},
-            {"NAME":"e","TYPE":"NUMERIC","INFORMAT":["date"],"PATH":"/root/d"}]},
-           {"DSNAME":"u","TABLEPATH":"/root/x","VARIABLES":[
-            {"NAME":"n","TYPE":"NUMERIC","PATH":"/root/n"}]}]})";
-    const struct {
-        const char* text;
-        const char* map;
-        const char* sums;
-    } kCases[] = {
-        {R"({"a":{"x":1,"y":[true,null,"s"]},"b":[{"c":1},{"c":2}]})", "", "6=6+0+0+0+0"},
-        {"[1,2,3]", "", "3=0+0+0+3+0"},
-        {"[1,[2],3]", "", "3=0+1+0+2+0"},
-        {R"([{"a":1,"a":2,"a":3},{"a":4}])", "", "4=2+2+0+0+0"},
-        {R"([{"a":1,"":2},{"a":3}])", "", "3=2+0+1+0+0"},
-        {R"([{"n":1},{"n":"x"},{"n":"x","n":2},{"n":3,"n":"x"},{"m":1}])", kMap, "7=2+2+1+0+2"},
-        {R"([{"d":"2020-01-02"},{"d":"x"},{"d":null}])", kMap, "3=2+0+0+0+1"},
-    };
-    for (const auto& test : kCases) {
-        SCOPED_TRACE(test.text);
-        EXPECT_EQ(test.sums, account(test.text, test.map));
-    }
 }
 
 TEST(Account, MeetsForRandomDocuments) {

@@ -98,11 +98,12 @@ TEST_P(ToolGolden, PrintsWhatTheFileSays) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, ToolGolden,
-                         testing::Values("account", "check", "convert", "damage", "encodings",
-                                         "events", "input", "interrupt", "map", "map_check",
-                                         "map_explain", "map_diff", "map_merge", "map_merge_parts",
-                                         "map_use", "read", "records", "spill", "tables",
-                                         "terminal", "usage"),
+                         testing::Values("account", "automap", "cells", "check", "convert",
+                                         "damage", "encodings", "events", "formats", "input",
+                                         "interrupt", "map", "map_check", "map_explain", "map_diff",
+                                         "map_merge", "map_merge_parts", "map_mistakes", "map_use",
+                                         "notes", "read", "records", "spill", "tables", "terminal",
+                                         "usage"),
                          [](const auto& file) { return file.param; });
 
 }  // namespace

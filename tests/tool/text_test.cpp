@@ -1,67 +1,10 @@
 // The small parts of the tool that make text.
-#include "tools/cli/escape.h"
-#include "tools/cli/file_names.h"
-#include "tools/cli/number_text.h"
 #include "tools/cli/option_values.h"
 #include "tools/cli/place.h"
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 namespace {
-
-using namespace std::string_literals;
-
-TEST(ToolText, NumbersAreShortestAndReadBack) {
-    const std::pair<double, const char*> cases[] = {
-        {0, "0"},
-        {-0.0, "-0"},
-        {9007199254740993.0, "9007199254740992"},
-        {9223372036854774784.0, "9223372036854774784"},
-        {9223372036854775808.0, "9223372036854775808"},
-        {-9223372036854775808.0, "-9223372036854775808"},
-        {1.0 / 3, "0.3333333333333333"},
-        {-1.7976931348623157e308, "-1.7976931348623157e+308"},
-        {std::numeric_limits<double>::infinity(), "plus"},
-        {-std::numeric_limits<double>::infinity(), "minus"}};
-    for (const auto& [number, expected] : cases) {
-        char text[kNumberChars];
-        EXPECT_EQ(std::string(text, writeNumber(text, number, {"plus", "minus"})), expected);
-    }
-}
-
-TEST(ToolText, EscapesControlsAndBrokenUtf8) {
-    const struct {
-        std::string text;
-        std::string asMessage;
-        std::string asJson;
-    } cases[] = {
-        {"", "", ""},
-        {"a\"b\\c", "a\"b\\c", R"(a\"b\\c)"},
-        {"\b\f\n\r\t\x01\x1f\x7f\0 "s, R"(\b\f\n\r\t\u0001\u001f\u007f\u0000 )",
-         R"(\b\f\n\r\t\u0001\u001f\u007f\u0000 )"},
-        {"\xC2\x80\xC2\x9F\xC2\xA0", "\\u0080\\u009f\xC2\xA0", "\\u0080\\u009f\xC2\xA0"},
-        {"é日🂡", "é日🂡", "é日🂡"},
-        {"\xFFx\xE6\x97", "\uFFFDx\uFFFD", "\uFFFDx\uFFFD"},
-        {"\xED\xA0\x80!", "\uFFFD\uFFFD\uFFFD!", "\uFFFD\uFFFD\uFFFD!"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(shown(c.text), c.asMessage);
-        std::string json;
-        appendEscaped(json, c.text, JSON_STRING);
-        EXPECT_EQ(json, c.asJson);
-    }
-}
-
-TEST(ToolText, FileNamesNeverActAsPathsAndDifferWhereCaseDoesNotCount) {
-    const std::vector<std::string> names = {"o2", "O2", "o2", "",    "_",   "..",
-                                            ".h", "é",  "/",  "a~2", "x y", "a.b-c_d"};
-    const std::vector<std::string> files = {"o2.csv",  "O2~2.csv",  "o2~3.csv",  "_.csv",
-                                            "_~2.csv", "%2E..csv",  "%2Eh.csv",  "%C3%A9.csv",
-                                            "%2F.csv", "a%7E2.csv", "x%20y.csv", "a.b-c_d.csv"};
-    EXPECT_EQ(uniqueFileNames(names, "csv"), files);
-}
 
 TEST(ToolText, SizesTakeSuffixesOf1024) {
     const std::pair<const char*, std::optional<uint64_t>> cases[] = {
@@ -119,16 +62,6 @@ TEST(ToolText, ExcerptsShowThePlaceHoweverTheTextCame) {
             EXPECT_EQ(excerptOf(c.text, c.place, pieceSize), known ? c.excerpt : "");
         }
     }
-}
-
-TEST(ToolText, ATrailCountsLinesAndBytes) {
-    TextTrail trail;
-    for (const char* piece : {"", "ab\ncd", "ef", "\n", "\n\nxyz"}) {
-        trail.take(piece);
-        trail.passed();
-    }
-    EXPECT_EQ(trail.end().line, 5);
-    EXPECT_EQ(trail.end().column, 4);
 }
 
 }  // namespace

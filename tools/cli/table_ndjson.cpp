@@ -5,7 +5,7 @@
 // it does not come from digits, is 1e400 and -1e400 (a number of JSON that reads back as infinity).
 // Always valid UTF-8; control characters are escaped.
 //
-// Tested by tests/tool/golden/read.t and tests/tool/ndjson_test.cpp
+// Tested by tests/tool/golden/read.t and tests/tool/ndjson.py
 #include "tools/cli/escape.h"
 #include "tools/cli/formats.h"
 #include "tools/cli/number_text.h"

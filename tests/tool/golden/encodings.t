@@ -80,6 +80,21 @@ $ for name in UTF-8 UTF-16LE UTF-16BE UTF-32LE UTF-32BE; do
   UTF-32BE
   UTF-32BE
 
+$ for start in '1\0' '"\0\345\145' '\0"\145\345' '\0\0\0{' '{\0\0\0' '\377\376{\0' '\376\377\0{' '\377\376\0\0' '\0\0\376\377' '[\351\351' '\357\273\277{'; do
+>     printf "$start" | qvejmap check - 2>&1 | head -1
+> done
+  qvejmap: <stdin>:1:1: a document must be an object or an array
+  qvejmap: <stdin>:1:3: the document ends before a complete object or array
+  qvejmap: <stdin>:1:3: the document ends before a complete object or array
+  qvejmap: <stdin>:1:2: the document ends before a complete object or array
+  qvejmap: <stdin>:1:2: the document ends before a complete object or array
+  qvejmap: <stdin>:1:2: the document ends before a complete object or array
+  qvejmap: <stdin>:1:2: the document ends before a complete object or array
+  qvejmap: <stdin>:1:1: the document ends before a complete object or array
+  qvejmap: <stdin>:1:1: the document ends before a complete object or array
+  qvejmap: <stdin>:1:2: a value was expected
+  qvejmap: <stdin>:1:2: the document ends before a complete object or array
+
 # A long text.
 $ { printf '{"a":"'; yes 日本 | head -n 200000 | tr -d '\n'; printf '","b":"語"}'; } |
 >     iconv -t UTF-16 | qvejmap read - root 2> /dev/null | tail -c 6

@@ -61,3 +61,7 @@ $ mkdir own; ln small.json own/a.csv; qvejmap convert small.json -o own --force;
   {"a":[1,{}],"b":"x"}
 ! qvejmap: own/a.csv: the document itself, not replaced
 ! qvejmap: own/a.csv: the document itself, not replaced
+
+# Names in paths are escaped where they must be.
+$ printf '%s' '{"a/\"\\\u0001\té":1,"c":"xyz"}' | qvejmap map - --ordinals 0
+  {"DATASETS":[{"DSNAME":"root","TABLEPATH":"/root","VARIABLES":[{"NAME":"a_______","TYPE":"NUMERIC","PATH":"/root/a/\\"\\\\\\u0001\\té"},{"NAME":"c","TYPE":"CHARACTER","PATH":"/root/c","CURRENT_LENGTH":3}]}]}

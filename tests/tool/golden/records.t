@@ -25,3 +25,67 @@ $ printf '{"e":{},"f":[],"t":[true,null,-1.50e3,"a\\tb\\\\c\\u001b\\u0085"],"n\\
   STRING\t/root/n\\n\t
   NOVAL\t/root//\t
   STRING\t/root///x\té
+
+# Elements are numbered by the array, objects do not advance the number, and a nested array begins
+# its parent anew.  What is empty has a placeholder.
+$ echo '{"a":[1,true,false,null,"s",""],"g":[]}' | qvejmap records -
+  NOVAL\t/root\t
+  NOVAL\t/root/a\t
+  NUMBER\t/root/a/a1\t1
+  BOOLEAN\t/root/a/a2\ttrue
+  BOOLEAN\t/root/a/a3\tfalse
+  NULL\t/root/a/a4\tnull
+  STRING\t/root/a/a5\ts
+  STRING\t/root/a/a6\t
+  NOVAL\t/root/g\t
+  FAKE_VARIABLE\t/root/g/FAKE\tVAR
+$ for text in '{}' '[]' '[""]' '[[],[[]]]' '[1,{"x":[7]},2,{},3]' '{"t":[1,[2,3],4,5]}'; do echo "$text" | qvejmap records -; echo; done
+  NOVAL\t/root\t
+  FAKE_VARIABLE\t/root/FAKE\tVAR
+  
+  NOVAL\t/root\t
+  FAKE_VARIABLE\t/root/FAKE\tVAR
+  
+  STRING\t/root/element1\t
+  
+  NOVAL\t/root\t
+  NOVAL\t/root\t
+  FAKE_VARIABLE\t/root/FAKE\tVAR
+  NOVAL\t/root\t
+  NOVAL\t/root\t
+  NOVAL\t/root\t
+  FAKE_VARIABLE\t/root/FAKE\tVAR
+  
+  NUMBER\t/root/element1\t1
+  NOVAL\t/root\t
+  NUMBER\t/root/x/x2\t7
+  NUMBER\t/root/element1\t2
+  NOVAL\t/root\t
+  FAKE_VARIABLE\t/root/FAKE\tVAR
+  NUMBER\t/root/element2\t3
+  
+  NOVAL\t/root\t
+  NOVAL\t/root/t\t
+  NUMBER\t/root/t/t1\t1
+  NUMBER\t/root/t/element2\t2
+  NUMBER\t/root/t/element3\t3
+  NOVAL\t/root/t\t
+  NUMBER\t/root/t/t1\t4
+  NUMBER\t/root/t/t2\t5
+  
+
+# An empty name is no label of a value, but one of a container.  The buffer of element names grows by
+# the base name alone: digits are cut.
+$ b=$(printf 'b%.0s' $(seq 29)); printf '{"":"v","":[2],"'$b'":[1],"c'$b'":[1]}' | qvejmap records -
+  NOVAL\t/root\t
+  STRING\t/root\tv
+  NOVAL\t/root/\t
+  NUMBER\t/root//1\t2
+  NOVAL\t/root/bbbbbbbbbbbbbbbbbbbbbbbbbbbbb\t
+  NUMBER\t/root/bbbbbbbbbbbbbbbbbbbbbbbbbbbbb/bbbbbbbbbbbbbbbbbbbbbbbbbbbbb\t1
+  NOVAL\t/root/cbbbbbbbbbbbbbbbbbbbbbbbbbbbbb\t
+  NUMBER\t/root/cbbbbbbbbbbbbbbbbbbbbbbbbbbbbb/cbbbbbbbbbbbbbbbbbbbbbbbbbbbbb1\t1
+
+# Strings are cut, names and numbers are not.
+$ s=$(head -c 32768 /dev/zero | tr '\0' s); n=$(head -c 40000 /dev/zero | tr '\0' 1); printf '["%s",{"%s":"%s"},%s]' $s $n $s $n | qvejmap records - | wc -cL
+   145608   72783

@@ -81,3 +81,19 @@ $ printf '[{%s}]' "$(seq -s, -f '"c%g":1e999' 8)" | qvejmap tables -
 ! qvejmap: <stdin>:1:41: root.c4 has 1 number that a double does not keep, here
 ! qvejmap: <stdin>:1:52: root.c5 has 1 number that a double does not keep, here
 ! qvejmap: <stdin>: 3 more columns have such numbers (map --exact makes them all CHARACTER)
+
+# Which numbers a double keeps: a column of those stays NUMERIC, of others --exact makes it CHARACTER.
+$ cat > exact <<'END'
+> # exact NUMBER...: the type of a column for each.
+> printf '%s' "$*" | sed 's/ /,/g; s/^/[/; s/$/]/' > numbers.json
+> qvejmap map numbers.json --exact --ordinals 0 2> /dev/null | grep -o '"TYPE":"[A-Z]*"' | uniq -c
+> END
+$ zeros=0.$(printf '%0320d' 0)
+> sh exact 0 -0.0e999 9007199254740992 9007199254740994 18014398509481984 18014398509481982 9223372036854775808 100000000000000000000 \
+>     10000000000000000000000 1000000000000000 0.12345678901234567 12345678.901234567 -12345678.901234567 -1.23456789012345670000000000 \
+>     0.00000000000000000000000012345678901234567 1.50000000000000000000000000000 1.7976931348623157e308 1e308 9e-324 0e-400 12345678901234567e-5 ${zeros}1
+       22 "TYPE":"NUMERIC"
+$ nines=$(printf '%0310d' 0 | tr 0 9) zeros=$(printf '%0320d' 0)
+> sh exact 9007199254740993 -9007199254740993 18014398509481983 9223372036854775807 12345678901234567890 100000000000000000000000 \
+>     999999999999999999 0.123456789012345678 -1.23456789012345678 1e309 -1E999 1e-400 123456789012345678e-5 $nines $nines.5 1${zeros}.0 0.${zeros}00000000001
+       17 "TYPE":"CHARACTER"
