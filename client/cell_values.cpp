@@ -110,7 +110,10 @@ void CellValues::convertNumber(Converted& converted, std::string_view text) {
         informat, text.data(), static_cast<QVStrSize>(text.size()), &converted.number);
     converted.missing = status != QV_OK;
     if (status != QV_OK) {
-        refuse(converted, text, status == QV_FMT_VALUE ? informat->refusal : qvStatusText(status));
+        refuse(converted, text,
+               status == QV_FMT_VALUE   ? informat->refusal
+               : status == QV_FMT_RANGE ? "out of range"
+                                        : qvStatusText(status));
     }
     // The numbers of JSON are told with the document's.
     if (status == QV_OK && converted.kind == JMAP_KIND_STRING) {

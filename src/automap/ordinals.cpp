@@ -17,18 +17,18 @@ namespace {
 
 constexpr std::string_view kPrefix = "ordinal_";
 
-// Makes the ordinal that counts `path` and puts it in front.
+// Makes the ordinal that counts the first `pathLen` bytes of `path` and puts it in front.  The path
+// is not copied: deep down the copies would grow with the square of the depth.
 //   Kept: for an empty last component the record is made and left unused.
-QVStatus addOrdinal(JMAP_PRIVATE* p, DSINFO* ds, std::string_view path) {
+QVStatus addOrdinal(JMAP_PRIVATE* p, DSINFO* ds, char* path, QVStrSize pathLen) {
     auto* column = poolNew<VARINFO>(p->cpool);  // zero: VAR_ORDINAL of length 0
-    char* copy = poolCopy(p->cpool, path);
-    if (column == nullptr || copy == nullptr) {
+    if (column == nullptr) {
         return QV_NOMEM;
     }
-    column->path = copy;
-    column->pathLen = lengthOf(path);
+    column->path = path;
+    column->pathLen = pathLen;
 
-    const std::string_view last = partsOf(p, path).last;
+    const std::string_view last = partsOf(p, view(path, pathLen)).last;
     if (last.empty()) {
         return QV_OK;
     }
@@ -83,7 +83,7 @@ QVStatus makeOrdinalsUnique(JMAP_PRIVATE* p, DSINFO* ds) {
 QVStatus doOrdinals(JMAP_PRIVATE* p, DSINFO* ds, PATHINFO* n) {
     std::string_view path = parentOf(p, pathOf(*n));
     for (uint64_t left = p->ordinalCount; left > 0 && !path.empty(); --left) {
-        QV_TRY(addOrdinal(p, ds, path));
+        QV_TRY(addOrdinal(p, ds, n->path, lengthOf(path)));
         path = parentOf(p, path);
     }
     return makeOrdinalsUnique(p, ds);

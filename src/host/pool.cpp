@@ -334,17 +334,19 @@ QVMemPtr Pool::reallocateSlot(QVPoolh handle, QVMemPtr mem, QVStrSize size,
     const std::size_t kept = std::min<std::size_t>(head.size, newSize);
     std::byte* piece = old;
     if (newSize > usable || (head.pieceClass >= kClasses && newSize < usable / 2)) {
-        piece = pool->obtain(newSize, false);
+        // What grows will grow again, and each large piece that it leaves serves few others.
+        const bool growsLarge = newSize > usable && newSize > kSmallLimit && newSize <= kLargeLimit;
+        piece = pool->obtain(growsLarge ? newSize + newSize / 4 : newSize, false);
         if (piece == nullptr) {
             return nullptr;
         }
         std::memcpy(piece, old, kept);
         pool->release(old);
-    } else {
-        hide(old, head.size);
-        reveal(old, newSize);
-        setHead(old, newSize, head.pieceClass);
     }
+    const Head has = headOf(piece);
+    hide(piece, has.size);
+    reveal(piece, newSize);
+    setHead(piece, newSize, has.pieceClass);
     if ((flags & QV_ZERO) != 0) {
         std::memset(piece + kept, 0, newSize - kept);
     }

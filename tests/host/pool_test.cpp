@@ -73,6 +73,16 @@ TEST_F(PoolTest, KeepsContentsAndClearsWhatIsAskedForThroughLongRandomLives) {
     }
 }
 
+TEST_F(PoolTest, LeavesLittleBehindWhatGrowsByLittle) {
+    void* mem = get(100);
+    for (QVStrSize size = 1000; size < kMiB; size += 1000) {
+        mem = resize(mem, size);
+        (void)get(16);  // so that it cannot grow in its place
+    }
+    EXPECT_LE(host.counts().bytesInUse, static_cast<uint64_t>(16 * kMiB));
+    release(mem);
+}
+
 TEST_F(PoolTest, RefusesAbsurdRequestsAndStaysUsable) {
     void* const mem = get(100);
     for (const QVStrSize size : {-1L, INT64_MIN, INT64_MAX, 1L << 47}) {

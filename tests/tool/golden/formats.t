@@ -69,7 +69,7 @@ $ sh informat hex 'ff|-0xFF|20000000000000|0x|fg|0x-1'
 $ sh informat hex '20000000000001|1ffffffffffffffff'
   20000000000001,\r
   1ffffffffffffffff,\r
-! qvejmap: t.out: 2 values rejected, the first in row 1: "20000000000001" is the value is out of range
+! qvejmap: t.out: 2 values rejected, the first in row 1: "20000000000001" is out of range
 $ sh informat yesno 'YES|tRue|1| no |false|0|10|y'
   YES,1\r
   tRue,1\r
@@ -137,14 +137,14 @@ $ sh informat unix '1709211900.25|now'; sh informat unix '1709211900001'
   now,\r
   1709211900001,\r
 ! qvejmap: t.out: 1 value rejected, in row 2: "now" is not a number of seconds
-! qvejmap: t.out: 1 value rejected, in row 1: "1709211900001" is the value is out of range
+! qvejmap: t.out: 1 value rejected, in row 1: "1709211900001" is out of range
 $ sh informat unixms '1709211900001|-1|1s'; sh informat unixms '1e18'
   1709211900001,1709211900.001\r
   -1,-0.001\r
   1s,\r
   1e18,\r
 ! qvejmap: t.out: 1 value rejected, in row 3: "1s" is not a number of milliseconds
-! qvejmap: t.out: 1 value rejected, in row 1: "1e18" is the value is out of range
+! qvejmap: t.out: 1 value rejected, in row 1: "1e18" is out of range
 $ sh informat '%d/%m/%Y' '29/02/2024| 1/3/1970 |30/02/2024|1/1/24|01/13/2024|1/1/1970 x|1/1'
   29/02/2024,19782\r
    1/3/1970 ,59\r
