@@ -105,9 +105,6 @@ void Document::input(std::string_view text, bool done) {
     const QVStatus status = operations()->JsonInput(handle_, const_cast<char*>(text.data()),
                                                     static_cast<QVStrSize>(text.size()),
                                                     done ? 1 : 0, &caching, engine_.host()->jnl);
-    if (caching != 0) {
-        caching_ = true;
-    }
     if (status == QV_OK) {
         return;
     }
@@ -146,9 +143,8 @@ void Document::finish() {
 
     const JMAPTotals end = totals();
     if (end.unstoredBytes != 0) {
-        constexpr const char* kWhat = "the last records could not be stored";
-        throw caching_ ? Error(QV_IO_WRITE, kWhat)
-                       : Error(QV_NOMEM, std::string("memory ran out: ") + kWhat);
+        throw Error(end.unstoredStatus, std::string(qvStatusText(end.unstoredStatus)) +
+                                            ": the last records could not be stored");
     }
     if (end.droppedTables != 0) {
         throw Error(QV_NOMEM,

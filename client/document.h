@@ -136,7 +136,7 @@ class Document {
     // Ends the text and builds the tables.  Throws as `feed`, and JMAP_INCOMPLETE without a place
     // when the document is not complete.  The engine passes over a last block that it cannot store,
     // a table that it cannot make, and hash tables that fail; here these are failures too
-    // (QV_IO_WRITE, QV_NOMEM).
+    // (QV_IO_..., QV_NOMEM).
     void finish();
 
     // ---- after `finish` ----
@@ -189,8 +189,7 @@ class Document {
     std::function<int64_t(int64_t)> columnOf_;
     QVEJMAPJsonContexth handle_ = nullptr;
     std::vector<JMAPWatchh> watches_;
-    bool caching_ = false;  // records go to the cache file
-    bool begun_ = false;    // something but white space has come, at startLine_, startColumn_
+    bool begun_ = false;  // something but white space has come, at startLine_, startColumn_
     int64_t startLine_ = 1;
     int64_t startColumn_ = 1;
     std::vector<Table> automaticTables_;

@@ -260,6 +260,7 @@ typedef struct JMAPTotals {
     /* What the end of a document lost without a status, for want of memory or of room in the cache
      * file: 0, or the tables must not be taken for the document's. */
     uint64_t unstoredBytes; /* of records in the last block */
+    QVStatus unstoredStatus; /* why; of use with such bytes only */
     uint64_t droppedTables; /* that are missing in the automatic map */
     uint64_t lostLookups;   /* failures of hash tables: tables and columns may be there twice */
     /* Member names of 256 bytes or more, or empty ones: in ALLDATA labels are cut at wrong places. */

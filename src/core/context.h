@@ -85,9 +85,10 @@ struct JMAP_PRIVATE {
     // Record stream.
     COMPPATHS* chead;
     COMPPATHS* ctail;
-    char* cBuf;       // [kBlockBytes] the open block
-    QVStrSize cBufi;  // bytes used in it
-    char* coutBuf;    // deflate output
+    char* cBuf;                // [kBlockBytes] the open block
+    QVStrSize cBufi;           // bytes used in it
+    QVStatus lastBlockStatus;  // of storing the last one
+    char* coutBuf;             // deflate output
     QVStrSize coutBufLen;
     QVZStream z;
     uint64_t pathCount;      // records written

@@ -64,7 +64,7 @@ void noteLevels(JMAP_PRIVATE* p) noexcept {
         myLogNote(p, U"Parsing of %.*hs ends", noteLen(p->jsonDescLen), p->jsonDesc);
     }
     // Kept: a last block that cannot be stored is missing from every table, and nobody is told.
-    (void)compressPathBuffer(p);
+    p->lastBlockStatus = compressPathBuffer(p);
     (void)destroyHandle(p->tfp);  // likewise
     noteCompression(p);
     noteLevels(p);

@@ -285,6 +285,7 @@ void jmapTotals(QVEJMAPJsonContexth inh, JMAPTotals* totals) {
     totals->recordBytes = p->uncompressedPathBytes;
     totals->storedBytes = p->compressedPathBytes;
     totals->unstoredBytes = static_cast<uint64_t>(p->cBufi);
+    totals->unstoredStatus = p->lastBlockStatus;
     totals->values = countValues(p);
     totals->droppedTables = p->droppedTables;
     totals->lostLookups = p->lostLookups;

@@ -25,7 +25,7 @@ SANITIZED = re.search(r"lib[at]san", subprocess.run(["ldd", TOOL], capture_outpu
 SLACK = 12 if SANITIZED else 1
 SECONDS = 240 if LONG else 60
 DEEP = r"nested deeper than the limit of 1000 \(--depth\)"
-TOO_LONG = r"memory could not be obtained, or a path is longer than 1 MiB"
+TOO_LONG = r"memory could not be obtained, or a path or a number is longer than 1 MiB"
 
 
 def size(short, long):

@@ -18,18 +18,19 @@ TEST(OutputFiles, ReplacesEveryFileOrNone) {
         (void)place.run("mkdir out; echo old > out/a; echo old > out/b");
         {
             OutputFiles files(place.path() + "/out", false, {"a", "new", "b"}, true);
+            OutputFiles list = OutputFiles::single(place.path() + "/list", true);
             for (std::size_t i = 0; i < 3; ++i) {
                 files.write(i, "fresh\n", 6);
             }
             if (inTheWay) {
                 (void)place.run("rm out/b; mkdir out/b");
-                EXPECT_THROW(files.commit(), Failure);
+                EXPECT_THROW(files.commit(&list), Failure);
             } else {
-                files.commit();
+                files.commit(&list);
             }
         }
-        EXPECT_EQ(place.run("cd out; ls -A; cat a").out,
-                  inTheWay ? "a\nb\nold\n" : "a\nb\nnew\nfresh\n");
+        EXPECT_EQ(place.run("cat list; ls list; cd out; ls -A; cat a").out,
+                  inTheWay ? "a\nb\nold\n" : "list\na\nb\nnew\nfresh\n");
     }
 }
 

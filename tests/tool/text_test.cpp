@@ -1,6 +1,7 @@
 // The small parts of the tool that make text.
 #include "tools/cli/option_values.h"
 #include "tools/cli/place.h"
+#include "tools/cli/separator_watch.h"
 
 #include <gtest/gtest.h>
 
@@ -60,6 +61,21 @@ TEST(ToolText, ExcerptsShowThePlaceHoweverTheTextCame) {
             // In small pieces a place far back has passed too long ago to be known.
             const bool known = c.text.size() < 300 || pieceSize == c.text.size();
             EXPECT_EQ(excerptOf(c.text, c.place, pieceSize), known ? c.excerpt : "");
+        }
+    }
+}
+
+TEST(ToolText, TheSeparatorIsSeenInEverySplit) {
+    for (const auto& [text, spelt] : {std::pair(std::string("[\"\\u0002\"]"), true),
+                                      std::pair(std::string("[\"\\u0003 u000u00\"]"), false)}) {
+        for (std::size_t a = 0; a <= text.size(); ++a) {
+            for (std::size_t b = a; b <= text.size(); ++b) {
+                SeparatorWatch watch;
+                watch.take(text.substr(0, a));
+                watch.take(text.substr(a, b - a));
+                watch.take(text.substr(b));
+                EXPECT_EQ(watch.found(), spelt) << a << " " << b;
+            }
         }
     }
 }

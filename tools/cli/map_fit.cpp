@@ -103,6 +103,11 @@ Findings doubtfulNames(const std::vector<qvej::Table>& tables,
             findings.push_back("shared name: table " + visible(table.name) +
                                ": read opens the first of that name");
         }
+        for (const qvej::Column* column : repeatedNames(table)) {
+            findings.push_back("shared name: " + columnName(table, *column) +
+                               inBrackets(column->path) +
+                               ": an earlier column has it, NDJSON objects have both members");
+        }
         for (const qvej::Column& column : table.columns) {
             if (column.name.empty()) {
                 findings.push_back("no name: a column of table " + visible(table.name) +
@@ -117,13 +122,18 @@ Findings doubtfulNames(const std::vector<qvej::Table>& tables,
     return findings;
 }
 
-Findings unmappableNames(const qvej::Document& document) {
+Findings namesWithSlash(const qvej::Document& document) {
     Findings findings;
     for (const qvej::PathStatistics& statistics : document.pathStatistics()) {
         if (statistics.path.find('/') != std::string::npos) {
             findings.push_back(qvej::withSlashes(statistics.path) + ", a name holds \"/\"");
         }
     }
+    return findings;
+}
+
+Findings namesWithSeparator(const qvej::Document& document) {
+    Findings findings;
     std::unordered_set<std::string> found;
     qvej::RecordCursor records(document);
     qvej::Record record = {};

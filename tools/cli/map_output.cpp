@@ -8,8 +8,8 @@
 namespace {
 
 void writeFile(const std::string& path, const std::string& map, bool force,
-               const std::string& document) {
-    OutputFiles files = OutputFiles::single(path, force, document);
+               const Sources& sources) {
+    OutputFiles files = OutputFiles::single(path, force, sources);
     Writer out = files.writer(0);
     out.append(map);
     out.put('\n');
@@ -17,11 +17,21 @@ void writeFile(const std::string& path, const std::string& map, bool force,
     files.commit();
 }
 
+bool toFile(const Options& options) {
+    return !options.out.empty() && options.out != "-";
+}
+
 }  // namespace
 
-void putMap(const std::string& map, const Options& options, const std::string& document) {
-    if (!options.out.empty() && options.out != "-") {
-        writeFile(options.out, map, options.force, document);
+void checkMapOutput(const Options& options, const Sources& sources) {
+    if (toFile(options)) {
+        OutputFiles::checkFile(options.out, options.force, sources);
+    }
+}
+
+void putMap(const std::string& map, const Options& options, const Sources& sources) {
+    if (toFile(options)) {
+        writeFile(options.out, map, options.force, sources);
         return;
     }
     Writer out = standardOutput();

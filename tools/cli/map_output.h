@@ -4,9 +4,13 @@
 #pragma once
 
 #include "tools/cli/options.h"
+#include "tools/cli/sources.h"
 
 #include <string>
 
-// `map`: a JSON document without line ends.  `document`: a file that it never replaces.  Throws a
+// Throws the Failure of a file that would be refused, before there is a map.
+void checkMapOutput(const Options& options, const Sources& sources);
+
+// `map`: a JSON document without line ends.  It never replaces one of the `sources`.  Throws a
 // Failure.
-void putMap(const std::string& map, const Options& options, const std::string& document = {});
+void putMap(const std::string& map, const Options& options, const Sources& sources);

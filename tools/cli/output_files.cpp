@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <filesystem>
 #include <random>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -34,6 +35,10 @@ std::string parentOf(const std::string& path) {
     return slash == std::string::npos ? std::string() : path.substr(0, slash);
 }
 
+std::string directoryOf(const std::string& file) {
+    return file.find('/') == std::string::npos ? "." : parentOf(file);
+}
+
 std::string withoutTrailingSlashes(std::string path) {
     while (path.size() > 1 && path.back() == '/') {
         path.pop_back();
@@ -58,6 +63,19 @@ std::vector<std::string> missingDirectories(const std::string& directory) {
         missing.push_back(path);
     }
     return missing;
+}
+
+std::filesystem::path wholePath(const std::string& path) {
+    const std::filesystem::path whole = std::filesystem::absolute(path).lexically_normal();
+    return whole.has_filename() ? whole : whole.parent_path();
+}
+
+// Does the directory come into being with `made`?  It is the same, or above it.
+bool comesWith(const std::string& made, const std::string& directory) {
+    const std::filesystem::path inner = wholePath(made);
+    const std::filesystem::path outer = wholePath(directory);
+    return std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end()).first ==
+           outer.end();
 }
 
 std::string besides(const std::string& directory) {
@@ -123,15 +141,8 @@ bool fileExists(const std::string& path) {
 
 }  // namespace
 
-bool isSameFile(const std::string& a, const std::string& b) {
-    struct stat first = {};
-    struct stat second = {};
-    return ::stat(a.c_str(), &first) == 0 && ::stat(b.c_str(), &second) == 0 &&
-           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
-}
-
 OutputFiles::OutputFiles(std::string directory, bool makeDirectory, std::vector<std::string> names,
-                         bool force, const std::string& document)
+                         bool force, const Sources& sources)
     : directory_(withoutTrailingSlashes(std::move(directory))),
       names_(std::move(names)),
       force_(force),
@@ -143,18 +154,36 @@ OutputFiles::OutputFiles(std::string directory, bool makeDirectory, std::vector<
         staged_ = true;
         prefix_ = besides(directory_) + ".qvejmap-" + randomHex() + "/";
     } else {
-        refuseExisting(document);
+        refuseExisting(sources);
     }
     cleanup_.set(prefix_, staged_ ? &names_ : nullptr, directory_, 0);
     cleanup_.setCount(names_.size());
     makeDirectories(missing);
 }
 
-OutputFiles OutputFiles::single(const std::string& path, bool force, const std::string& document) {
+OutputFiles OutputFiles::single(const std::string& path, bool force, const Sources& sources) {
     const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos ? OutputFiles(".", false, {path}, force, document)
-                                      : OutputFiles(path.substr(0, slash), false,
-                                                    {path.substr(slash + 1)}, force, document);
+    const std::string directory = directoryOf(path);
+    if (::access((directory + "/.").c_str(), W_OK) != 0) {
+        throw fileFailure(slash == std::string::npos || slash == 0 ? path : directory);
+    }
+    return {directory, false, {path.substr(slash + 1)}, force, sources};
+}
+
+void OutputFiles::checkFile(const std::string& path, bool force, const Sources& sources,
+                            const std::string& made) {
+    const std::string directory = directoryOf(path);
+    const bool there = ::access((directory + "/.").c_str(), F_OK) == 0;
+    if (there || made.empty() || !comesWith(made, directory)) {
+        (void)single(path, force, sources);
+    }
+}
+
+void OutputFiles::checkDirectory(const std::string& directory) {
+    const std::string path = withoutTrailingSlashes(directory);
+    if (missingDirectories(path).empty() && ::access(path.c_str(), W_OK) != 0) {
+        throw fileFailure(path);
+    }
 }
 
 OutputFiles::~OutputFiles() {
@@ -163,15 +192,13 @@ OutputFiles::~OutputFiles() {
     }
 }
 
-void OutputFiles::refuseExisting(const std::string& document) const {
+void OutputFiles::refuseExisting(const Sources& sources) const {
     for (std::size_t i = 0; i < names_.size(); ++i) {
         const std::string path = finalPath(i);
         if (!fileExists(path)) {
             continue;
         }
-        if (isSameFile(path, document)) {
-            throw Failure(FILE_TROUBLE, path + ": the document itself, not replaced");
-        }
+        refuseSource(path, sources);
         if (!force_) {
             throw Failure(FILE_TROUBLE, path + ": the file exists (--force replaces it)");
         }
@@ -251,37 +278,64 @@ void OutputFiles::closeAll() {
     }
 }
 
-void OutputFiles::commit() {
+void OutputFiles::commit(OutputFiles* with) {
     closeAll();
-    const cleanup::Hold hold;  // all or nothing
-    // Fails when something is in the final directory by now: a file of rejected values, say.
-    if (!staged_ || ::rename(prefix_.c_str(), directory_.c_str()) != 0) {
-        renameAll();
+    if (with != nullptr) {
+        with->closeAll();
     }
-    committed_ = true;
-}
-
-void OutputFiles::renameAll() {
-    std::vector<bool> replaced;
+    const cleanup::Hold hold;  // all or nothing
+    if (with != nullptr) {
+        with->putAllInPlace();
+    }
     try {
-        while (replaced.size() < names_.size()) {
-            replaced.push_back(putInPlace(replaced.size()));
-        }
+        putAllInPlace();
     } catch (const Failure&) {
-        for (std::size_t i = 0; i < replaced.size(); ++i) {
-            (void)(replaced[i] ? ::rename(temporaryPath(i).c_str(), finalPath(i).c_str())
-                               : ::unlink(finalPath(i).c_str()));
+        if (with != nullptr) {
+            with->takeBack();
         }
         throw;
     }
-    for (std::size_t i = 0; i < replaced.size(); ++i) {
-        if (replaced[i]) {
+    finish();
+    if (with != nullptr) {
+        with->finish();
+    }
+}
+
+void OutputFiles::putAllInPlace() {
+    // Fails when something is in the final directory by now: a file of rejected values, say.
+    if (staged_ && ::rename(prefix_.c_str(), directory_.c_str()) == 0) {
+        return;
+    }
+    try {
+        while (inPlace_.size() < names_.size()) {
+            inPlace_.push_back(putInPlace(inPlace_.size()));
+        }
+    } catch (const Failure&) {
+        takeBack();
+        throw;
+    }
+}
+
+// The final names are what they were.
+void OutputFiles::takeBack() {
+    for (std::size_t i = 0; i < inPlace_.size(); ++i) {
+        (void)(inPlace_[i] ? ::rename(temporaryPath(i).c_str(), finalPath(i).c_str())
+                           : ::unlink(finalPath(i).c_str()));
+    }
+    inPlace_.clear();
+}
+
+// Nothing can be taken back: what was replaced goes.
+void OutputFiles::finish() {
+    for (std::size_t i = 0; i < inPlace_.size(); ++i) {
+        if (inPlace_[i]) {
             (void)::unlink(temporaryPath(i).c_str());
         }
     }
     if (staged_) {
         (void)::rmdir(prefix_.c_str());
     }
+    committed_ = true;
 }
 
 // Gives a file its final name.  True when there was one of that name, which the temporary name then

@@ -12,6 +12,7 @@
 #pragma once
 
 #include "tools/cli/cleanup.h"
+#include "tools/cli/sources.h"
 #include "tools/cli/writer.h"
 
 #include <cstddef>
@@ -19,19 +20,21 @@
 #include <string>
 #include <vector>
 
-// Do the two names mean one file?  Links are followed; a file that is not there is no other.
-[[nodiscard]] bool isSameFile(const std::string& a, const std::string& b);
-
 class OutputFiles {
    public:
     // Files `names` in `directory`.  `makeDirectory`: it is made when it is missing.  Files that
-    // exist are refused, or with `force` replaced when they are regular files other than the
-    // `document`.  Throws a Failure.
+    // exist are refused, or with `force` replaced when they are regular files and none of the
+    // `sources`.  Throws a Failure.
     OutputFiles(std::string directory, bool makeDirectory, std::vector<std::string> names,
-                bool force, const std::string& document = {});
+                bool force, const Sources& sources = {});
     // One file, by its path; its directory must be there.
-    static OutputFiles single(const std::string& path, bool force,
-                              const std::string& document = {});
+    static OutputFiles single(const std::string& path, bool force, const Sources& sources = {});
+    // What can be told before there is anything to write: that one file, or files in a directory
+    // that is made when it is missing, would be refused.  `made`: such a directory, which the file
+    // may be for; empty: none.  Throw a Failure.
+    static void checkFile(const std::string& path, bool force, const Sources& sources,
+                          const std::string& made = {});
+    static void checkDirectory(const std::string& directory);
     ~OutputFiles();
     OutputFiles(const OutputFiles&) = delete;
     OutputFiles& operator=(const OutputFiles&) = delete;
@@ -46,18 +49,21 @@ class OutputFiles {
     // Appends to a file.  Throws a Failure.
     void write(std::size_t i, const char* text, std::size_t size);
 
-    // Gives all files their names.  Throws a Failure; nothing has changed then.
-    void commit();
+    // Gives all files their names, and those of `with` theirs.  Throws a Failure; nothing has
+    // changed then.
+    void commit(OutputFiles* with = nullptr);
 
    private:
-    void refuseExisting(const std::string& document) const;
+    void refuseExisting(const Sources& sources) const;
     void makeDirectories(const std::vector<std::string>& missing);
     [[noreturn]] void failToMake(const std::string& directory);
     int open(std::size_t i);
     void close(std::size_t i);
     void closeAll();
-    void renameAll();
+    void putAllInPlace();
     bool putInPlace(std::size_t i);
+    void takeBack();
+    void finish();
     void removeTemporary();
     [[nodiscard]] std::string temporaryPath(std::size_t i) const {
         return prefix_ + (staged_ ? names_[i] : std::to_string(i));
@@ -75,5 +81,6 @@ class OutputFiles {
     std::vector<int> descriptors_;  // of each file
     std::deque<std::size_t> open_;  // files that are open, the oldest first
     std::vector<std::string> madeDirectories_;  // outermost first
+    std::vector<bool> inPlace_;  // files that have their name; true: and replaced another
     bool committed_ = false;
 };

@@ -33,17 +33,17 @@ std::string ordinalsOf(const qvej::Row& row) {
 
 }  // namespace
 
-Rejects::File::File(const std::string& file, bool force, const std::string& document)
-    : output(OutputFiles::single(file, force, document)), writer(output.writer(0)), fields(writer) {
+Rejects::File::File(const std::string& file, bool force, const Sources& sources)
+    : output(OutputFiles::single(file, force, sources)), writer(output.writer(0)), fields(writer) {
     for (const char* name : kHeader) {
         fields.text(name);
     }
     fields.endLine();
 }
 
-Rejects::Rejects(const std::string& file, bool force, const std::string& document,
+Rejects::Rejects(const std::string& file, bool force, const Sources& sources,
                  const OutputFiles* others)
-    : file_(file.empty() ? nullptr : std::make_unique<File>(file, force, document)) {
+    : file_(file.empty() ? nullptr : std::make_unique<File>(file, force, sources)) {
     if (file_ != nullptr && others != nullptr && file_->output.shares(*others)) {
         throw Failure(WRONG_USAGE, "--rejects: " + file + " is also the file of a table");
     }
@@ -83,16 +83,24 @@ void Rejects::writeLine(const qvej::Table& table, const qvej::Row& row,
     fields.endLine();
 }
 
-ExitCode Rejects::end() {
+void Rejects::commit(OutputFiles* tables) {
+    OutputFiles* const list = file_ == nullptr ? nullptr : &file_->output;
+    if (list != nullptr) {
+        file_->writer.flush();
+    }
+    if (tables != nullptr) {
+        tables->commit(list);
+    } else if (list != nullptr) {
+        list->commit();
+    }
+}
+
+ExitCode Rejects::tellAll() const {
     for (const OfColumn& c : columns_) {
         tell(c.column + ": " + std::to_string(c.count) + (c.count == 1 ? " value " : " values ") +
              (c.cut ? c.reason : "rejected") +
              (c.count == 1 ? ", in row " : ", the first in row ") + std::to_string(c.firstRow) +
              ": " + c.firstText + (c.cut ? std::string() : " is " + c.reason));
-    }
-    if (file_ != nullptr) {
-        file_->writer.flush();
-        file_->output.commit();
     }
     return columns_.empty() ? DONE : REJECTED;
 }

@@ -17,17 +17,19 @@
 
 class Rejects {
    public:
-    // `file`: gets a line of CSV for each value; empty: none.  It is there after `end` only, and
-    // must be neither the `document` nor one of `others`.  Throws a Failure.
-    Rejects(const std::string& file, bool force, const std::string& document,
+    // `file`: gets a line of CSV for each value; empty: none.  It is there after `commit` only, and
+    // must be neither one of the `sources` nor one of `others`.  Throws a Failure.
+    Rejects(const std::string& file, bool force, const Sources& sources,
             const OutputFiles* others = nullptr);
 
     // What the row of a table calls.  This object and the table must outlive it.
     qvej::RejectHandler handlerFor(const qvej::Table& table);
 
+    // Gives the file its name, and `tables` theirs: all or none.  Throws a Failure.
+    void commit(OutputFiles* tables = nullptr);
+
     // Tells a line for each column on standard error.  REJECTED, or DONE when there was nothing.
-    // Throws a Failure.
-    ExitCode end();
+    [[nodiscard]] ExitCode tellAll() const;
 
    private:
     struct OfColumn {
@@ -39,7 +41,7 @@ class Rejects {
         bool cut;
     };
     struct File {
-        File(const std::string& file, bool force, const std::string& document);
+        File(const std::string& file, bool force, const Sources& sources);
         OutputFiles output;
         Writer writer;
         CsvFields fields;

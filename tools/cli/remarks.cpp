@@ -20,6 +20,16 @@ std::string joined(const std::vector<std::string>& words) {
     return text;
 }
 
+// Of many the first few.
+std::string firstOf(std::vector<std::string> words) {
+    if (words.size() > kMostNames) {
+        const std::size_t more = words.size() - kMostNames;
+        words.resize(kMostNames);
+        words.back() += " and " + std::to_string(more) + " more";
+    }
+    return joined(words);
+}
+
 // Does the table show values of its own, as ALLDATA and a table of ordinals alone do not?
 bool hasOwnValues(const qvej::Table& table) {
     return !table.alldata &&
@@ -48,33 +58,31 @@ std::string visible(const std::string& tableName) {
     return tableName.empty() ? "\"\"" : tableName;
 }
 
+std::string hiddenAlldata(const qvej::Document& document, const std::string& alldataName) {
+    for (const qvej::Table& table : document.tables()) {
+        if (qvej::equalIgnoringCase(table.name, alldataName)) {
+            return "the table " + visible(table.name) +
+                   " hides ALLDATA (--alldata-name gives that another name)";
+        }
+    }
+    return {};
+}
+
 std::string sharedNames(const qvej::Document& document, const std::string& alldataName) {
     std::unordered_map<std::string, std::size_t> counts;
     std::vector<std::string> order;
-    const qvej::Table* hiding = nullptr;
     for (const qvej::Table& table : document.tables()) {
         std::size_t& count = counts[qvej::lowerCased(table.name)];
         if (++count == 2) {
             order.push_back(visible(table.name));
         }
-        if (hiding == nullptr && qvej::equalIgnoringCase(table.name, alldataName)) {
-            hiding = &table;
-        }
     }
     std::string text;
     if (!order.empty()) {
-        if (order.size() > kMostNames) {
-            const std::size_t more = order.size() - kMostNames;
-            order.resize(kMostNames);
-            order.back() += " and " + std::to_string(more) + " more";
-        }
-        text = "more than one table is named " + joined(order) + ": read opens the first";
+        text = "more than one table is named " + firstOf(order) + ": read opens the first";
     }
-    if (hiding != nullptr) {
-        text += (text.empty() ? "" : "; ") + std::string("the table ") + visible(hiding->name) +
-                " hides ALLDATA (--alldata-name gives that another name)";
-    }
-    return text;
+    const std::string hidden = hiddenAlldata(document, alldataName);
+    return text + (text.empty() || hidden.empty() ? "" : "; ") + hidden;
 }
 
 std::string spotText(const std::string& file, qvej::Spot spot) {
@@ -84,7 +92,7 @@ std::string spotText(const std::string& file, qvej::Spot spot) {
 }
 
 void tellInexact(const std::string& file, const qvej::Document& document,
-                 const std::vector<const qvej::Table*>& tables) {
+                 const std::vector<const qvej::Table*>& tables, bool all) {
     std::unordered_map<std::string, qvej::PathStatistics> inexact;
     for (qvej::PathStatistics& path : document.pathStatistics()) {
         if (path.inexact != 0) {
@@ -96,7 +104,7 @@ void tellInexact(const std::string& file, const qvej::Document& document,
         for (const qvej::Column& column : table->columns) {
             const auto found = inexact.find(column.path);
             if (column.type != qvej::ColumnType::NUMERIC || found == inexact.end() ||
-                ++told > kMostNames) {
+                (++told > kMostNames && !all)) {
                 continue;
             }
             const int64_t count = found->second.inexact;
@@ -106,11 +114,35 @@ void tellInexact(const std::string& file, const qvej::Document& document,
                              : " numbers that a double does not keep, the first here"));
         }
     }
-    if (told > kMostNames) {
+    if (told > kMostNames && !all) {
         const std::size_t more = told - kMostNames;
         tell(file + ": " + std::to_string(more) +
              (more == 1 ? " more column has" : " more columns have") +
-             " such numbers (map --exact makes them all CHARACTER)");
+             " such numbers (tables --columns names them all, map --exact makes them CHARACTER)");
+    }
+}
+
+std::vector<const qvej::Column*> repeatedNames(const qvej::Table& table) {
+    std::unordered_map<std::string_view, std::size_t> counts;
+    std::vector<const qvej::Column*> repeated;
+    for (const qvej::Column& column : table.columns) {
+        if (++counts[column.name] == 2) {
+            repeated.push_back(&column);
+        }
+    }
+    return repeated;
+}
+
+void tellSharedMembers(const std::string& map, const std::vector<const qvej::Table*>& tables) {
+    std::vector<std::string> names;
+    for (const qvej::Table* table : tables) {
+        for (const qvej::Column* column : repeatedNames(*table)) {
+            names.push_back(visible(table->name) + "." + column->name);
+        }
+    }
+    if (!names.empty()) {
+        tell(map + ": objects have more than one member of a name, since columns share it: " +
+             firstOf(names));
     }
 }
 

@@ -15,13 +15,24 @@ std::string visible(const std::string& tableName);
 // One line on tables that no name opens, since another table has it; empty: there are none.
 std::string sharedNames(const qvej::Document& document, const std::string& alldataName);
 
+// One line on a table that has the name of ALLDATA, in any case; empty: there is none.
+std::string hiddenAlldata(const qvej::Document& document, const std::string& alldataName);
+
 // "FILE:3:14"; only FILE when the place is not known.
 std::string spotText(const std::string& file, qvej::Spot spot);
 
 // Tells on standard error the numeric columns of `tables` with numbers that a double does not keep:
-// a line each with their count and first place, of many columns the first few.
+// a line each with their count and first place, of many columns the first few unless `all` are
+// asked for.
 void tellInexact(const std::string& file, const qvej::Document& document,
-                 const std::vector<const qvej::Table*>& tables);
+                 const std::vector<const qvej::Table*>& tables, bool all = false);
+
+// Columns of a table whose name an earlier one has, the first for each name.
+std::vector<const qvej::Column*> repeatedNames(const qvej::Table& table);
+
+// Tells on standard error where objects of NDJSON have more than one member of a name.  `map`: what
+// gave the names.
+void tellSharedMembers(const std::string& map, const std::vector<const qvej::Table*>& tables);
 
 // A table and how many rows came of it.
 struct WrittenTable {

@@ -4,7 +4,8 @@
 #include "client/cache_file.h"
 #include "client/error.h"
 #include "tools/cli/failure.h"
-#include "tools/cli/output_files.h"
+#include "tools/cli/sources.h"
+#include "tools/cli/verbs.h"
 #include "tools/cli/writer.h"
 
 #include <sys/stat.h>
@@ -38,8 +39,8 @@ std::string describe(const std::string& name) {
         qvej::withoutUnfinished(std::string_view(base).substr(0, kDescriptionBytes)));
 }
 
-// The file must be new or empty: the engine takes no other.  Nothing replaces the document.
-void prepareNamedCache(const std::string& path, bool force, const std::string& file) {
+// The file must be new or empty: the engine takes no other.
+void prepareNamedCache(const std::string& path, bool force, const Sources& sources) {
     struct stat found = {};
     if (::lstat(path.c_str(), &found) != 0 || (S_ISREG(found.st_mode) && found.st_size == 0)) {
         return;
@@ -47,9 +48,7 @@ void prepareNamedCache(const std::string& path, bool force, const std::string& f
     if (!S_ISREG(found.st_mode)) {
         throw Failure(FILE_TROUBLE, path + ": not a regular file, not replaced");
     }
-    if (isSameFile(path, file)) {
-        throw Failure(FILE_TROUBLE, path + ": the document itself, not replaced");
-    }
+    refuseSource(path, sources);
     if (!force) {
         throw Failure(FILE_TROUBLE, path + ": the file exists (--force replaces it)");
     }
@@ -69,6 +68,9 @@ Session::Session(const Options& options, const std::string& file, const std::str
       watches_(std::move(watches)) {
     if (!map.empty()) {
         map_.emplace(engine_, map);
+    }
+    if (!options.cache.empty()) {
+        prepareNamedCache(options.cache, options.force, sourcesOf(file, map));
     }
     try {
         open();
@@ -101,9 +103,6 @@ void Session::open() {
     document.alldataName = options_.alldataName;
     document.keepFree = options_.keepFree.value_or(options_.memory ? (*options_.memory - 1) / 2 + 1
                                                                    : engine_.availableMemory() / 8);
-    if (!options_.cache.empty()) {
-        prepareNamedCache(options_.cache, options_.force, text_.name());
-    }
     document_.emplace(engine_, document);
     cachePath_ = options_.cache.empty() ? qvej::privateCacheDirectory() : options_.cache;
 }
@@ -111,6 +110,9 @@ void Session::open() {
 void Session::readAll() {
     for (std::string_view piece = text_.next(); !piece.empty(); piece = text_.next()) {
         trail_.take(piece);
+        if (options_.verb->run == runMap) {
+            separators_.take(piece);
+        }
         document_->feed(piece);
         trail_.passed();
     }
@@ -171,7 +173,7 @@ void Session::fail(const qvej::Error& error) const {
         throw Failure(code, cachePath_ + ": " + what);
     }
     if (status == QV_NOMEM && error.line() != 0) {
-        what += ", or a path is longer than 1 MiB";
+        what += ", or a path or a number is longer than 1 MiB";
     }
     if (status == QV_JSON_DEPTH) {
         what += " of " + std::to_string(options_.depth) + " (--depth)";

@@ -10,6 +10,7 @@
 #include "tools/cli/map_file.h"
 #include "tools/cli/options.h"
 #include "tools/cli/place.h"
+#include "tools/cli/separator_watch.h"
 
 #include <optional>
 #include <string>
@@ -31,6 +32,13 @@ class Session {
 
     // What messages call the document.
     [[nodiscard]] const std::string& name() const { return text_.name(); }
+
+    // What messages call the map in use: of the automatic one, the document.
+    [[nodiscard]] const std::string& mapName() const { return map_ ? map_->name() : name(); }
+
+    // Whether a member name of the document can hold the byte 0x02, which divides paths.  Only
+    // asked of `qvejmap map`; else false.
+    [[nodiscard]] bool separatorEscaped() const { return separators_.found(); }
 
     // Turns a failure of the finished document (its records cannot be read back) into the tool's.
     [[noreturn]] void failReading(const qvej::Error& error) const;
@@ -55,4 +63,5 @@ class Session {
     std::vector<qvej::Watch> watches_;
     std::optional<qvej::Document> document_;
     TextTrail trail_;
+    SeparatorWatch separators_;
 };

@@ -51,10 +51,11 @@ struct Account {
 ExitCode convert(const Options& options, const Session& session) {
     const qvej::Document& document = session.document();
     const std::vector<const qvej::Table*> tables = tablesToWrite(document, options.alldata);
+    const Sources sources = sourcesOf(options.operands[0], options.map);
     OutputFiles files(options.out, true,
                       uniqueFileNames(namesOf(tables), options.format->extension), options.force,
-                      session.name());
-    Rejects rejects(options.rejects, options.force, session.name(), &files);
+                      sources);
+    Rejects rejects(options.rejects, options.force, sources, &files);
     TableOutputs outputs(document, tables, files, *options.format, options.formatOptions, rejects);
     qvej::TablePass pass(document, tables, options.retain);
     runPass(pass, options.threads,
@@ -66,7 +67,7 @@ ExitCode convert(const Options& options, const Session& session) {
         written.push_back({tables[i], outputs.rows(i)});
         rows += outputs.rows(i);
     }
-    files.commit();
+    rejects.commit(&files);
     if (!options.quiet) {
         tell(counted(tables.size(), "table") + ", " + counted(rows, "row") + " in " + options.out);
     }
@@ -78,7 +79,19 @@ ExitCode convert(const Options& options, const Session& session) {
     if (!options.alldata && !options.account) {
         tellLost(session.name(), qvej::lostOf(document, pass, tables));
     }
-    return rejects.end();
+    if (options.format->name == "ndjson") {
+        tellSharedMembers(session.mapName(), tables);
+    }
+    return rejects.tellAll();
+}
+
+// What need not wait for the document.
+void checkOutput(const Options& options) {
+    OutputFiles::checkDirectory(options.out);
+    if (!options.rejects.empty()) {
+        OutputFiles::checkFile(options.rejects, options.force,
+                               sourcesOf(options.operands[0], options.map), options.out);
+    }
 }
 
 ExitCode convertAndAccount(const Options& options, Account& account) {
@@ -101,6 +114,7 @@ ExitCode convertAndAccount(const Options& options, Account& account) {
 }  // namespace
 
 ExitCode runConvert(const Options& options) {
+    checkOutput(options);
     Account account;
     const ExitCode code = convertAndAccount(options, account);
     return options.account ? std::max(code, reportAccount(options, account.paths, account.starts))

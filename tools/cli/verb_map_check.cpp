@@ -42,8 +42,9 @@ bool printFit(Writer& out, const Session& session) {
     print(out, "never occurs: ", missing);
     print(out, "cut: ", mapOddities(document.tables()).cut);
     print(out, "left out: ", leftOut(document));
+    print(out, "no map can name: ", namesWithSlash(document));
     try {
-        print(out, "no map can name: ", unmappableNames(document));
+        print(out, "no map can name: ", namesWithSeparator(document));
     } catch (const qvej::Error& error) {
         session.failReading(error);
     }

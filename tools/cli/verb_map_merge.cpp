@@ -259,8 +259,13 @@ void tellSharedNames(const MapModel& map) {
 }  // namespace
 
 ExitCode runMapMerge(const Options& options) {
+    Sources sources;
+    for (const std::string& file : options.operands) {
+        sources.push_back({file, "one of the maps to merge"});
+    }
+    checkMapOutput(options, sources);
     const MapModel map = merged(readMapModels(options.operands));
     tellSharedNames(map);
-    putMap(mapDocument(map), options);
+    putMap(mapDocument(map), options, sources);
     return DONE;
 }

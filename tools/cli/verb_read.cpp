@@ -60,21 +60,34 @@ uint64_t writeRows(const qvej::Document& document, const qvej::Table& table, con
 }  // namespace
 
 ExitCode runRead(const Options& options) {
+    const Sources sources = sourcesOf(options.operands[0], options.map);
+    if (!options.rejects.empty()) {
+        OutputFiles::checkFile(options.rejects, options.force, sources);
+    }
     const Session session(options);
     const qvej::Document& document = session.document();
     if (session.map() != nullptr && !options.quiet) {
         tellMapOddities(session.map()->name(), document.tables());
     }
     const qvej::Table& table = findTable(document, options);
+    const std::string hiding = hiddenAlldata(document, options.alldataName);
+    if (!hiding.empty() && !options.quiet &&
+        qvej::equalIgnoringCase(table.name, options.alldataName)) {
+        tell(hiding);
+    }
     try {
-        Rejects rejects(options.rejects, options.force, session.name());
+        Rejects rejects(options.rejects, options.force, sources);
         if (!options.debug.empty()) {
             noteReading(document, table, options);
         }
         const uint64_t rows = writeRows(document, table, options, rejects);
         const bool all = options.limit != 0;  // else no rows say nothing
         tellLosses(session.name(), document, {{&table, all ? rows : 1}});
-        return rejects.end();
+        if (options.format->name == "ndjson") {
+            tellSharedMembers(session.mapName(), {&table});
+        }
+        rejects.commit();
+        return rejects.tellAll();
     } catch (const qvej::Error& error) {
         session.failReading(error);
     }

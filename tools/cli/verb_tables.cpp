@@ -71,6 +71,6 @@ ExitCode runTables(const Options& options) {
     for (const qvej::Table& table : document.tables()) {
         tables.push_back(&table);
     }
-    tellInexact(session.name(), document, tables);
+    tellInexact(session.name(), document, tables, options.columns);
     return DONE;
 }

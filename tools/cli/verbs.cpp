@@ -18,7 +18,7 @@ constexpr Verb kVerbs[] = {
     {"read", "FILE TABLE", "print the rows of one table (or of ALLDATA)", 2, 2, runRead},
     {"convert", "FILE -o DIR", "write every table to a file of its own", 1, 1, runConvert},
     {"records", "FILE", "print every record: kind, path, value", 1, 1, runRecords},
-    {"check", "FILE", "is it well formed? else the first error", 1, 1, runCheck},
+    {"check", "FILE", "is it well formed? with --account: where do its values go?", 1, 1, runCheck},
 };
 
 const Verb* verbNamed(std::string_view name) {

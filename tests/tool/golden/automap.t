@@ -21,8 +21,10 @@ $ sh shape '{"x":{"o":{"p":{"v":1}}},"y":{"o":{"p":{"v":1}}}}' --ordinals 1
   [o_p2] /root/y/o/p [ordinal_p:O,v:N]
 $ sh shape '{"":1}'
   []  [root:N]
+! qvejmap: <stdin>: 1 table without a name, which --map refuses: ""
 $ sh shape '{"a\u0002b":1,"c":2}'
   [a] /root/a [ordinal_root:O,ordinal_a:O,b:N]
+! qvejmap: <stdin>: 1 path that no map can name: /root/a/b, a name holds the byte 0x02
 
 # A place without values is a column of nothing, which keeps its level's number.
 $ sh shape '{"a":{"b":1},"e":{}}' --ordinals 0; sh shape '{"e":{}}' --ordinals 1
@@ -35,6 +37,8 @@ $ sh shape '{"a":{"b":1},"e":{}}' --ordinals 0; sh shape '{"e":{}}' --ordinals 1
 $ sh shape '{"":{"x":1}}'; sh shape '{"":{"x":1}}' --ordinals 1
   [] /root/ [ordinal_root:O,x:N]
   [] /root/ [x:N]
+! qvejmap: <stdin>: 1 table without a name, which --map refuses: /root/
+! qvejmap: <stdin>: 1 table without a name, which --map refuses: /root/
 $ sh shape '{"a-b":{"x":1}}' --ordinals 1
   [a_b] /root/a-b [ordinal_a_b:O,x:N]
 $ sh shape '{"a":{"A":{"x":1}}}'; sh shape '{"a":{"a1":{"a":{"x":1}}}}'
@@ -82,6 +86,7 @@ $ name() { sh shape "$1" | cut -d ']' -f 1; }
   [b_c
   [a_b
   [_0000000000000000000000000000000
+! qvejmap: <stdin>: 1 table without a name, which --map refuses: /root/
 $ for lengths in 14,15 15,14 15,15 28,28 28,29 10,30 40,5 29,29 100,29 29,100; do
 >     a=$(printf "%0${lengths%,*}d" 0 | tr 0 A); b=$(printf "%0${lengths#*,}d" 0 | tr 0 B)
 >     sh shape '{"'$a'":{"'$b'":{"x":1}}}' | cut -d ']' -f 1
@@ -105,6 +110,7 @@ $ for members in '2019 a-b@c _9 Az09_ @[`{/:' 'id ID Id' 'a2 a A' '9 8 é É'; d
   [root] /root [id:N,ID2:N,Id3:N]
   [root] /root [a2:N,a:N,A3:N]
   [root] /root [_:N,_2:N,__:N,__2:N]
+! qvejmap: <stdin>: 1 path that no map can name: /root/@[`{/:, a name holds "/"
 $ sh shape '{"'$(printf 'q%.0s' $(seq 32))$(seq -s '":1,"'$(printf 'q%.0s' $(seq 32)) 1001)'":1}' --ordinals 0 > long; tr , '\n' < long | sed -n '1,2p;10p;$p'
   [root] /root [qqqqqqqqqqqqqqqqqqqqqqqqqqqqqqqq:N
   qqqqqqqqqqqqqqqqqqqqqqqqqqqqqqq2:N

@@ -158,7 +158,7 @@ $ { printf '%01500d' 0 | tr 0 '['; printf '%01500d' 0 | tr 0 ']'; } | qvejmap ch
 
 # A path that no record block can hold.
 $ { printf '{"'; head -c 1100000 /dev/zero | tr '\0' k; printf '":1}'; } | qvejmap check -
-! qvejmap: <stdin>:1:1100006: memory could not be obtained, or a path is longer than 1 MiB
+! qvejmap: <stdin>:1:1100006: memory could not be obtained, or a path or a number is longer than 1 MiB
 !     ...kkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkk":1}
 !                                                                    ^
 ? 6

@@ -156,3 +156,40 @@ $ ls -d full
 $ test -w /dev/full && qvejmap read orders.json orders > /dev/full
 ! qvejmap: <stdout>: No space left on device
 ? 5
+
+# What can be refused before the document is read is: a folder that is none, a list that cannot be.
+$ qvejmap convert none.json -o names.json; qvejmap convert none.json -o new --rejects no/list.csv
+! qvejmap: names.json: not a directory
+! qvejmap: no: No such file or directory
+? 5
+$ qvejmap convert none.json -o new --rejects names.json; qvejmap read none.json t --rejects no/list.csv; ls -d new
+! qvejmap: names.json: the file exists (--force replaces it)
+! qvejmap: no: No such file or directory
+! ls: cannot access 'new': No such file or directory
+? 2
+# The list may be in a folder that is made.
+$ qvejmap convert orders.json -o ./p/q/ --rejects p/./list.csv -q; ls -A p
+  list.csv
+  q
+# A list that cannot be finished takes the tables with it.
+$ printf '{"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root","VARIABLES":[{"NAME":"a","TYPE":"NUMERIC","PATH":"/root/a"}]}]}' > a.map
+> printf '[%s]' "$(seq -s, -f '{"a":"no number %g"}' 90)" > bad.json
+> trap '' XFSZ; ulimit -f 1; qvejmap convert bad.json --map a.map -o lost --rejects list.csv
+! qvejmap: list.csv: File too large
+? 5
+$ ls -d lost list.csv
+! ls: cannot access 'lost': No such file or directory
+! ls: cannot access 'list.csv': No such file or directory
+? 2
+
+# What NDJSON shows as two members of one name.
+$ printf '{"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root","VARIABLES":[%s]}]}' "$(for name in x A a A A; do printf '%s{"NAME":"%s","TYPE":"CHARACTER","PATH":"/root/a"}' "$comma" $name; comma=,; done)" > twins.map
+> echo '[{"a":1}]' > twins.json; qvejmap map check twins.map; qvejmap read twins.json t --map twins.map --format ndjson; qvejmap read twins.json t --map twins.map
+  twins.map: well formed, tables: 1, columns: 5
+  shared name: t.A (/root/a): an earlier column has it, NDJSON objects have both members
+  {"x":"1","A":"1","a":"1","A":"1","A":"1"}
+  x,A,a,A,A\r
+  1,1,1,1,1\r
+! qvejmap: twins.map: objects have more than one member of a name, since columns share it: t.A
+$ qvejmap convert twins.json --map twins.map -o twins -q; qvejmap convert twins.json --map twins.map -o twins -q --format ndjson
+! qvejmap: twins.map: objects have more than one member of a name, since columns share it: t.A

@@ -165,3 +165,10 @@ $ size=$(wc -c < whole)
 $ { zstd -q < orders.json | head -c -1; printf '\0'; } > damaged; qvejmap check damaged
 ! qvejmap: damaged: the Zstandard data are damaged: Restored data doesn't match checksum
 ? 5
+
+# A byte order mark in front of a later line is none, as elsewhere.
+$ printf '1\n\357\273\277{"a":2}\n' | qvejmap check - --lines
+! qvejmap: <stdin>:2:1: a byte order mark is not part of JSON
+!     ﻿{"a":2}
+!     ^
+? 3

@@ -65,3 +65,39 @@ $ mkdir own; ln small.json own/a.csv; qvejmap convert small.json -o own --force;
 # Names in paths are escaped where they must be.
 $ printf '%s' '{"a/\"\\\u0001\té":1,"c":"xyz"}' | qvejmap map - --ordinals 0
   {"DATASETS":[{"DSNAME":"root","TABLEPATH":"/root","VARIABLES":[{"NAME":"a_______","TYPE":"NUMERIC","PATH":"/root/a/\\"\\\\\\u0001\\té"},{"NAME":"c","TYPE":"CHARACTER","PATH":"/root/c","CURRENT_LENGTH":3}]}]}
+! qvejmap: <stdin>: 1 path that no map can name: /root/a/"\\u0001\té, a name holds "/"
+
+# Nor the map, nor any map that is merged.
+$ qvejmap map small.json -o m --force; qvejmap map small.json -o m2 --force; qvejmap map - -o small.json --force < small.json
+! qvejmap: small.json: the document itself, not replaced
+? 5
+$ qvejmap read small.json a --map m --rejects m --force; qvejmap read small.json a --map m --cache m --force
+! qvejmap: m: the map itself, not replaced
+! qvejmap: m: the map itself, not replaced
+? 5
+$ mkdir maps; ln m maps/a.csv; qvejmap convert small.json --map m -o maps --force; qvejmap convert small.json --map m -o new --cache m --force
+! qvejmap: maps/a.csv: the map itself, not replaced
+! qvejmap: m: the map itself, not replaced
+? 5
+$ qvejmap map check m small.json --cache m --force; qvejmap map merge m m2 -o m2 --force; cmp m s1; cmp m2 s1; ls -d new
+! qvejmap: m: the map itself, not replaced
+! qvejmap: m2: one of the maps to merge, not replaced
+! ls: cannot access 'new': No such file or directory
+? 2
+# A file that is refused is refused before the document is read.
+$ qvejmap map none.json -o m; qvejmap map merge none.json m -o m; qvejmap map none.json -o none/m
+! qvejmap: m: the file exists (--force replaces it)
+! qvejmap: m: one of the maps to merge, not replaced
+! qvejmap: none: No such file or directory
+? 5
+
+# What the map says and --map will not find, refuses, or will cut.
+$ printf '{"a/b":{"c":1},"x":{"y\\u0002z":2},"\\\\u0002":3}' | qvejmap map - > /dev/null
+! qvejmap: <stdin>: 2 paths that no map can name, the first: /root/a/b/c, a name holds "/"
+$ printf '{"x":[{"y\\u0002z":{"n":2}}]}' | qvejmap map - --ordinals 0
+  {"DATASETS":[{"DSNAME":"y_z","TABLEPATH":"/root/x/y/z","VARIABLES":[{"NAME":"n","TYPE":"NUMERIC","PATH":"/root/x/y/z/n"}]}]}
+! qvejmap: <stdin>: 2 paths that no map can name, the first: /root/x/y/z, a name holds the byte 0x02
+$ printf '{"":{"n":1,"":{"m":1}}}' | qvejmap map - > /dev/null
+! qvejmap: <stdin>: 1 table without a name, which --map refuses: /root/
+$ n=$(head -c 40000 /dev/zero | tr '\0' 7); m=$(head -c 32767 /dev/zero | tr '\0' 7); printf '{"a":%s,"b":%s,"c":%s}' $n $m $n | qvejmap map - --exact > /dev/null
+! qvejmap: <stdin>: 2 columns with numbers longer than the 32767 bytes that a column holds, the first: root.a

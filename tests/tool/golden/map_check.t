@@ -131,8 +131,10 @@ $ printf '{"a/b":{"c":1},"x":{"y\\u0002z":2}}' > names.json; qvejmap map names.j
   left out: a_b.c (/root/a/b/c)
   no map can name: /root/a/b/c, a name holds "/"
   no map can name: /root/x/y/z, a name holds the byte 0x02
+! qvejmap: names.json: 2 paths that no map can name, the first: /root/a/b/c, a name holds "/"
 ? 1
 $ printf '{"":{"n":1}}' > empty.json; qvejmap map empty.json | qvejmap map check -
+! qvejmap: empty.json: 1 table without a name, which --map refuses: /root/
 ! qvejmap: <stdin>:1:165: the table has no name: its DSNAME must be there and not be empty [-25]
 !     ...H":"/root"},{"NAME":"n","TYPE":"NUMERIC","PATH":"/root//n"}]}]}
 !                                                                    ^

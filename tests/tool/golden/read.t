@@ -216,6 +216,7 @@ $ qvejmap read long.json ALLDATA > /dev/null
 ? 1
 $ qvejmap records long.json | tail -c 4
   xxx
+! qvejmap: long.json: 1 value cut to 32767 bytes, in line 1
 
 # A value of just as many bytes is whole, also among such that are cut; so is a number.
 $ text() { head -c $1 /dev/zero | tr '\0' $2; }
@@ -257,3 +258,13 @@ $ printf '[{"a":"日本"},{"a":"x"}]' | qvejmap read - ALLDATA --retain
   P,P1,V,Value\r
   1,a,1,日本\r
   1,a,1,x��本\r
+
+# A table of the document that hides ALLDATA.
+$ printf '{"AllData":{"e":5},"x":1}' > hides.json; qvejmap read hides.json ALLDATA; qvejmap read hides.json root; qvejmap read hides.json ALLDATA -q
+  ordinal_root,ordinal_AllData,e\r
+  1,1,5\r
+  ordinal_root,x\r
+  1,1\r
+  ordinal_root,ordinal_AllData,e\r
+  1,1,5\r
+! qvejmap: the table AllData hides ALLDATA (--alldata-name gives that another name)

@@ -89,3 +89,9 @@ $ b=$(printf 'b%.0s' $(seq 29)); printf '{"":"v","":[2],"'$b'":[1],"c'$b'":[1]}'
 # Strings are cut, names and numbers are not.
 $ s=$(head -c 32768 /dev/zero | tr '\0' s); n=$(head -c 40000 /dev/zero | tr '\0' 1); printf '["%s",{"%s":"%s"},%s]' $s $n $s $n | qvejmap records - | wc -cL
    145608   72783
+! qvejmap: <stdin>: 2 values cut to 32767 bytes, the first in line 1
+# That they are cut is told, as read tells it; a string of just that length is whole.
+$ s=$(head -c 32767 /dev/zero | tr '\0' s); printf '["%s","%st"]' $s $s > cut.json; qvejmap records cut.json > /dev/null
+! qvejmap: cut.json: 1 value cut to 32767 bytes, in line 2
+? 1
+$ s=$(head -c 32767 /dev/zero | tr "\0" s); printf "[\"%s\"]" $s | qvejmap records - > /dev/null

@@ -58,5 +58,5 @@ $ qvejmap check large.json --memory 1 --cache none/file
 ! qvejmap: none/file: the file could not be opened
 ? 5
 $ qvejmap check orders.json --memory 1 --cache none/file
-! qvejmap: none/file: the last records could not be stored
+! qvejmap: none/file: the file could not be opened: the last records could not be stored
 ? 5

@@ -80,7 +80,7 @@ $ printf '[{%s}]' "$(seq -s, -f '"c%g":1e999' 8)" | qvejmap tables -
 ! qvejmap: <stdin>:1:30: root.c3 has 1 number that a double does not keep, here
 ! qvejmap: <stdin>:1:41: root.c4 has 1 number that a double does not keep, here
 ! qvejmap: <stdin>:1:52: root.c5 has 1 number that a double does not keep, here
-! qvejmap: <stdin>: 3 more columns have such numbers (map --exact makes them all CHARACTER)
+! qvejmap: <stdin>: 3 more columns have such numbers (tables --columns names them all, map --exact makes them CHARACTER)
 
 # Which numbers a double keeps: a column of those stays NUMERIC, of others --exact makes it CHARACTER.
 $ cat > exact <<'END'
@@ -97,3 +97,20 @@ $ nines=$(printf '%0310d' 0 | tr 0 9) zeros=$(printf '%0320d' 0)
 > sh exact 9007199254740993 -9007199254740993 18014398509481983 9223372036854775807 12345678901234567890 100000000000000000000000 \
 >     999999999999999999 0.123456789012345678 -1.23456789012345678 1e309 -1E999 1e-400 123456789012345678e-5 $nines $nines.5 1${zeros}.0 0.${zeros}00000000001
        17 "TYPE":"CHARACTER"
+
+# With --columns all of them are named.
+$ printf '[{%s}]' "$(seq -s, -f '"c%g":1e999' 7)" | qvejmap tables - --columns --ordinals 0
+  root\tc1\tNUMERIC\t8\t/root/c1
+  root\tc2\tNUMERIC\t8\t/root/c2
+  root\tc3\tNUMERIC\t8\t/root/c3
+  root\tc4\tNUMERIC\t8\t/root/c4
+  root\tc5\tNUMERIC\t8\t/root/c5
+  root\tc6\tNUMERIC\t8\t/root/c6
+  root\tc7\tNUMERIC\t8\t/root/c7
+! qvejmap: <stdin>:1:8: root.c1 has 1 number that a double does not keep, here
+! qvejmap: <stdin>:1:19: root.c2 has 1 number that a double does not keep, here
+! qvejmap: <stdin>:1:30: root.c3 has 1 number that a double does not keep, here
+! qvejmap: <stdin>:1:41: root.c4 has 1 number that a double does not keep, here
+! qvejmap: <stdin>:1:52: root.c5 has 1 number that a double does not keep, here
+! qvejmap: <stdin>:1:63: root.c6 has 1 number that a double does not keep, here
+! qvejmap: <stdin>:1:74: root.c7 has 1 number that a double does not keep, here

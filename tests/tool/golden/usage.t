@@ -13,7 +13,7 @@ $ qvejmap --help
     read FILE TABLE         print the rows of one table (or of ALLDATA)
     convert FILE -o DIR     write every table to a file of its own
     records FILE            print every record: kind, path, value
-    check FILE              is it well formed? else the first error
+    check FILE              is it well formed? with --account: where do its values go?
   
   Options of tables:
     --names                 bare names, one a line
@@ -73,9 +73,9 @@ $ qvejmap --help
   bytes, or of 1024 bytes and its powers with K, M, G or T.  Options work in any position.  A file
   that is named like a verb is written ./map.
   
-  Exit codes: 0 done, 1 done but some values were rejected (map check, map diff: not the same),
-  2 wrong usage, 3 not valid JSON, 4 no such table or trouble with the map, 5 trouble with a file,
-  6 a limit was reached.
+  Exit codes: 0 done, 1 done but some values were rejected or cut or, with --account, lost
+  (map check, map diff: not the same), 2 wrong usage, 3 not valid JSON, 4 no such table or trouble
+  with the map, 5 trouble with a file, 6 a limit was reached.
 $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
   qvejmap convert: write every table to a file of its own
   
