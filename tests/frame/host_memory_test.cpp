@@ -32,18 +32,19 @@ void* obtain(std::size_t size) noexcept {
 
 }  // namespace
 
-// The other forms, but for one size or for aligned memory, go by these.
-void* operator new(std::size_t size) {
+// The other forms, but for one size or for aligned memory, go by these.  Not inlined: the compiler
+// would see free() for what `new` gave.
+[[gnu::noinline]] void* operator new(std::size_t size) {
     void* const memory = obtain(size);
     return memory != nullptr ? memory : throw std::bad_alloc();
 }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     return obtain(size);
 }
-void operator delete(void* memory) noexcept {
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
     std::free(memory);
 }
-void operator delete(void* memory, std::size_t) noexcept {
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
 
