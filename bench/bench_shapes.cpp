@@ -13,8 +13,8 @@
 #include "client/document.h"
 #include "client/engine.h"
 #include "client/table_pass.h"
-#include "tools/cli/formats.h"
-#include "tools/cli/writer.h"
+#include "formats/formats.h"
+#include "formats/writer.h"
 
 #include <algorithm>
 #include <chrono>

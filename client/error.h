@@ -13,15 +13,21 @@
 
 namespace qvej {
 
-// What went wrong and, for the text of a document, where.  `what()` is a sentence without a subject
-// ("':' was expected after the member name").
+// What went wrong and where.  `what()` is a sentence without a subject ("':' was expected after the
+// member name").
 class Error : public std::runtime_error {
    public:
     explicit Error(QVStatus status) : Error(status, qvStatusText(status)) {}
     Error(QVStatus status, const std::string& sentence, int64_t line = 0, int64_t column = 0)
         : std::runtime_error(sentence), status_(status), line_(line), column_(column) {}
+    // `file`: as the caller named it, or "<stdin>", "<stdout>".
+    Error(QVStatus status, const std::string& sentence, std::string file)
+        : std::runtime_error(sentence), status_(status), file_(std::move(file)) {}
 
     [[nodiscard]] QVStatus status() const { return status_; }
+
+    // The file that the failure is about; empty: none is known.
+    [[nodiscard]] const std::string& file() const { return file_; }
 
     // Place in the document: 1-based, the column in bytes.  0 when the failure has no place, or
     // when it is the end of the input (status JMAP_INCOMPLETE).
@@ -30,9 +36,13 @@ class Error : public std::runtime_error {
 
    private:
     QVStatus status_;
-    int64_t line_;
-    int64_t column_;
+    int64_t line_ = 0;
+    int64_t column_ = 0;
+    std::string file_;
 };
+
+// The failure of a system call on a file, from errno: `status` and, as the sentence, the system's.
+[[nodiscard]] Error fileError(QVStatus status, const std::string& file);
 
 // A mistake in a user's map, with its place in the map's text.
 class MapError : public Error {

@@ -22,6 +22,7 @@ TEST(Headers, CompileAlone) {
         {"include", JMAP_CXX_COMPILER " -std=c++20", "alone.cpp"},
         {"src", JMAP_CXX_COMPILER " -std=c++20", "alone.cpp"},
         {"client", JMAP_CXX_COMPILER " -std=c++20", "alone.cpp"},
+        {"formats", JMAP_CXX_COMPILER " -std=c++20", "alone.cpp"},
     };
     for (const auto& c : kCases) {
         std::string command = std::string(c.compiler) + kFlags;

@@ -1,5 +1,5 @@
 // What is named is removed, whenever the signal comes: a folder made in a folder, two outputs.
-#include "tools/cli/cleanup.h"
+#include "formats/cleanup.h"
 
 #include "tests/tool/workplace.h"
 

@@ -13,9 +13,9 @@
 //     ? exit code, when it is not 0
 //
 // QVEJMAP_REFRESH=1 rewrites the files with what the tool does now; review the difference.
+#include "client/escape.h"
 #include "tests/testkit/split.h"
 #include "tests/tool/workplace.h"
-#include "tools/cli/escape.h"
 
 #include <gtest/gtest.h>
 

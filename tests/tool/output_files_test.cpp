@@ -1,8 +1,8 @@
 // What replaces files, or does not.
-#include "tools/cli/output_files.h"
+#include "formats/output_files.h"
 
+#include "client/error.h"
 #include "tests/tool/workplace.h"
-#include "tools/cli/failure.h"
 
 #include <gtest/gtest.h>
 
@@ -24,7 +24,7 @@ TEST(OutputFiles, ReplacesEveryFileOrNone) {
             }
             if (inTheWay) {
                 (void)place.run("rm out/b; mkdir out/b");
-                EXPECT_THROW(files.commit(&list), Failure);
+                EXPECT_THROW(files.commit(&list), qvej::Error);
             } else {
                 files.commit(&list);
             }
@@ -47,7 +47,7 @@ TEST(OutputFiles, AppearWithTheirDirectory) {
                 (void)place.run("echo old > made/out/" + meanwhile);
             }
             if (meanwhile == "b") {
-                EXPECT_THROW(files.commit(), Failure);
+                EXPECT_THROW(files.commit(), qvej::Error);
             } else {
                 files.commit();
             }

@@ -1,5 +1,5 @@
 // Texts in any encoding on their way to UTF-8, and the columns they had.
-#include "tools/cli/recoder.h"
+#include "client/input/recoder.h"
 
 #include <gtest/gtest.h>
 #include <unicode/ucnv.h>

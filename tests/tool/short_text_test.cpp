@@ -1,5 +1,5 @@
 // Looking at and copying texts of every length, against what a loop over the bytes does.
-#include "tools/cli/short_text.h"
+#include "formats/short_text.h"
 
 #include <gtest/gtest.h>
 

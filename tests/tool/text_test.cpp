@@ -1,7 +1,7 @@
 // The small parts of the tool that make text.
-#include "tools/cli/option_values.h"
-#include "tools/cli/place.h"
-#include "tools/cli/separator_watch.h"
+#include "client/input/place.h"
+#include "tools/cli/maps/separator_watch.h"
+#include "tools/cli/options/option_values.h"
 
 #include <gtest/gtest.h>
 

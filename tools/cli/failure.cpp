@@ -1,11 +1,8 @@
 // See failure.h.
 #include "tools/cli/failure.h"
 
-#include <cerrno>
-#include <system_error>
-
-Failure fileFailure(const std::string& name) {
-    return {FILE_TROUBLE, name + ": " + std::generic_category().message(errno)};
+std::string sentenceOf(const qvej::Error& error) {
+    return (error.file().empty() ? std::string() : error.file() + ": ") + error.what();
 }
 
 ExitCode exitCodeOf(QVStatus status) {

@@ -3,6 +3,8 @@
 
 #include "qvstatus.h"
 
+#include "client/error.h"
+
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -39,8 +41,8 @@ class Failure : public std::runtime_error {
     std::string excerpt_;
 };
 
-// The failure of a system call on a file, from errno: "NAME: No such file or directory".
-Failure fileFailure(const std::string& name);
+// What is told of a failure: the file, when it is about one, and what is wrong with it.
+std::string sentenceOf(const qvej::Error& error);
 
 // The exit code that a status of the engine or its host leads to.
 ExitCode exitCodeOf(QVStatus status);

@@ -4,11 +4,12 @@
 //
 // Tested by tests/tool/
 #include "client/error.h"
-#include "tools/cli/cleanup.h"
+#include "formats/cleanup.h"
+#include "formats/writer.h"
 #include "tools/cli/failure.h"
-#include "tools/cli/options.h"
-#include "tools/cli/verbs.h"
-#include "tools/cli/writer.h"
+#include "tools/cli/options/options.h"
+#include "tools/cli/reports/tell.h"
+#include "tools/cli/verbs/verbs.h"
 
 #include <exception>
 #include <new>
@@ -22,7 +23,7 @@ int main(int argc, char** argv) {
         tell(failure.line(), failure.excerpt());
         return failure.exitCode();
     } catch (const qvej::Error& error) {
-        tell(error.what());
+        tell(sentenceOf(error));
         return exitCodeOf(error.status());
     } catch (const std::bad_alloc&) {
         tell(qvStatusText(QV_NOMEM));

@@ -3,10 +3,11 @@
 
 #include "client/cache_file.h"
 #include "client/error.h"
+#include "formats/sources.h"
+#include "formats/writer.h"
 #include "tools/cli/failure.h"
-#include "tools/cli/sources.h"
-#include "tools/cli/verbs.h"
-#include "tools/cli/writer.h"
+#include "tools/cli/reports/tell.h"
+#include "tools/cli/verbs/verbs.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -53,7 +54,7 @@ void prepareNamedCache(const std::string& path, bool force, const Sources& sourc
         throw Failure(FILE_TROUBLE, path + ": the file exists (--force replaces it)");
     }
     if (::unlink(path.c_str()) != 0) {
-        throw fileFailure(path);
+        throw qvej::fileError(QV_IO_WRITE, path);
     }
 }
 
@@ -166,6 +167,9 @@ void Session::failAt(ExitCode code, Place place, int64_t column, const std::stri
 }
 
 void Session::fail(const qvej::Error& error) const {
+    if (!error.file().empty()) {
+        throw error;
+    }
     const QVStatus status = error.status();
     const ExitCode code = exitCodeOf(status);
     std::string what = error.what();
@@ -192,6 +196,9 @@ void Session::fail(const qvej::Error& error) const {
 }
 
 void Session::failReading(const qvej::Error& error) const {
+    if (!error.file().empty()) {
+        throw error;  // of an output
+    }
     const ExitCode code = exitCodeOf(error.status());
     throw Failure(code, (code == FILE_TROUBLE ? cachePath_ : name()) + ": " + error.what());
 }

@@ -5,12 +5,12 @@
 #include "client/document.h"
 #include "client/engine.h"
 #include "client/error.h"
-#include "tools/cli/document_text.h"
+#include "client/input/document_text.h"
+#include "client/input/place.h"
 #include "tools/cli/failure.h"
-#include "tools/cli/map_file.h"
-#include "tools/cli/options.h"
-#include "tools/cli/place.h"
-#include "tools/cli/separator_watch.h"
+#include "tools/cli/maps/map_file.h"
+#include "tools/cli/maps/separator_watch.h"
+#include "tools/cli/options/options.h"
 
 #include <optional>
 #include <string>

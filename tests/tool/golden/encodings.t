@@ -215,8 +215,8 @@ $ printf '{"a":1}' | iconv -t UTF-16BE | qvejmap check - --encoding latin1
 ? 3
 
 $ qvejmap check orders.json --encoding no-such
-! qvejmap: --encoding: no encoding is named 'no-such'
+! qvejmap: no encoding is named 'no-such'
 ? 2
 $ qvejmap check orders.json --encoding ''
-! qvejmap: --encoding: no encoding is named ''
+! qvejmap: no encoding is named ''
 ? 2

@@ -209,7 +209,7 @@ $ qvejmap read orders.json "$(printf 'a\033b')"
 ! qvejmap: no table named a\u001bb (qvejmap tables lists them)
 ? 4
 $ qvejmap check orders.json --encoding "$(printf 'a\033b')"
-! qvejmap: --encoding: no encoding is named 'a\u001bb'
+! qvejmap: no encoding is named 'a\u001bb'
 ? 2
 
 $ for name in 'a"b\c' $(printf '\b\001\037\177') $(printf '\302\200\302\237\302\240') é日🂡 $(printf '\377x\346\227') $(printf '\355\240\200!'); do qvejmap tables "$name"; done

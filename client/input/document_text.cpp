@@ -1,0 +1,39 @@
+// See document_text.h.
+#include "client/input/document_text.h"
+
+namespace {
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+}
+
+DocumentText::DocumentText(const std::string& file, const std::string& encoding,
+                           bool replaceInvalid)
+    : bytes_(file), piece_(bytes_.next()), guess_(guessEncoding(piece_)) {
+    encoding_ = encoding == "auto" ? guess_ : encoding;
+    recoder_.emplace(encoding_, piece_,
+                     replaceInvalid ? Recoder::Invalid::IS_REPLACED : Recoder::Invalid::STOPS);
+    const std::string inUse = recoder_->encoding();
+    looksOther_ = guess_ != "UTF-8" && guess_ != inUse;
+    if (inUse == "UTF-8" && !replaceInvalid) {
+        recoder_.reset();  // the parser looks at each byte anyway
+        piece_.remove_prefix(piece_.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
+    }
+}
+
+std::string_view DocumentText::next() {
+    if (!recoder_) {
+        const std::string_view piece = begun_ ? bytes_.next() : piece_;
+        begun_ = true;
+        return piece;
+    }
+    for (bool ended = false; !ended && !broken();) {
+        if (piece_.empty()) {
+            piece_ = bytes_.next();
+        }
+        ended = piece_.empty();
+        const std::string_view text = recoder_->convert(piece_);
+        if (!text.empty()) {
+            return text;
+        }
+    }
+    return {};
+}

@@ -1,0 +1,49 @@
+// The text of a document as the engine takes it: unpacked, in UTF-8, without a byte order mark.
+//
+// Tested by tests/tool/golden/encodings.t and tests/tool/golden/input.t
+#pragma once
+
+#include "client/input/recoder.h"
+#include "client/input/unpacker.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+class DocumentText {
+   public:
+    // `encoding`: a name, or "auto" to go by the first bytes.  Throws qvej::Error.
+    DocumentText(const std::string& file, const std::string& encoding, bool replaceInvalid);
+
+    // The next piece, empty at the end and where the text is broken.  It lives until the next call.
+    // Throws qvej::Error.
+    std::string_view next();
+
+    // The text ends where something stands that is wrong in its encoding.
+    [[nodiscard]] bool broken() const { return recoder_ && recoder_->broken(); }
+
+    // Its columns are not those that its bytes are counted to here.
+    [[nodiscard]] bool recoded() const { return recoder_.has_value(); }
+    // See Recoder.  Only of a text that is recoded.
+    [[nodiscard]] int64_t columnOf(int64_t offset) const { return recoder_->columnOf(offset); }
+
+    // The encoding as it was named, or what it was taken for.
+    [[nodiscard]] const std::string& encoding() const { return encoding_; }
+    // Another encoding, when the first bytes look like that; else null.
+    [[nodiscard]] const std::string* otherEncoding() const {
+        return looksOther_ ? &guess_ : nullptr;
+    }
+
+    // What messages call it.
+    [[nodiscard]] const std::string& name() const { return bytes_.name(); }
+
+   private:
+    Unpacker bytes_;
+    std::string_view piece_;  // what is not converted yet
+    std::string guess_;
+    std::string encoding_;
+    bool looksOther_ = false;
+    std::optional<Recoder> recoder_;  // none: the text passes as it is
+    bool begun_ = false;              // the first piece has been handed out
+};

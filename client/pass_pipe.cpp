@@ -1,0 +1,228 @@
+// See pass_pipe.h.
+//
+// Items are copied into batches, cells and all; the texts of the cells only when they do not live
+// as long as the document.  A few batches go round: full ones to the taking thread, empty ones
+// back.
+#include "client/pass_pipe.h"
+
+#include <condition_variable>
+#include <csignal>
+#include <deque>
+#include <exception>
+#include <memory>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t kBatches = 4;
+constexpr std::size_t kBatchItems = 4096;
+constexpr std::size_t kBatchCells = 32768;
+constexpr std::size_t kBatchBytes = std::size_t{1} << 20;  // of texts
+
+// Items with all that they point to.
+class Batch {
+   public:
+    void add(const qvej::PassItem& item, bool copyTexts) {
+        items_.push_back(item);
+        cells_.insert(cells_.end(), item.cells.begin(), item.cells.end());
+        copied_ = copyTexts;
+        if (copyTexts) {
+            keepTexts(item);
+        }
+    }
+
+    [[nodiscard]] bool full() const {
+        return items_.size() >= kBatchItems || cells_.size() >= kBatchCells ||
+               texts_.size() >= kBatchBytes;
+    }
+    [[nodiscard]] bool empty() const { return items_.empty(); }
+
+    // The items, which point into the batch.
+    std::span<const qvej::PassItem> items() {
+        qvej::PassCell* cells = cells_.data();
+        const char* text = texts_.data();
+        for (qvej::PassItem& item : items_) {
+            const std::span<qvej::PassCell> own(cells, item.cells.size());
+            item.cells = own;
+            cells += own.size();
+            if (copied_) {
+                text = pointTo(text, item, own);
+            }
+        }
+        return items_;
+    }
+
+    void clear() {
+        items_.clear();
+        cells_.clear();
+        texts_.clear();
+    }
+
+   private:
+    static bool holdsText(const qvej::PassCell& cell) {
+        return cell.kind != JMAP_CELL_MISSING && cell.kind != JMAP_CELL_COUNT;
+    }
+    void keepTexts(const qvej::PassItem& item) {
+        for (const qvej::PassCell& cell : item.cells) {
+            if (holdsText(cell)) {
+                keep({cell.text, static_cast<std::size_t>(cell.textLen)});
+            }
+        }
+        keep(item.text);
+    }
+    void keep(std::string_view text) { texts_.insert(texts_.end(), text.begin(), text.end()); }
+
+    // The texts of an item are those at `text`; returns where they end.
+    static const char* pointTo(const char* text, qvej::PassItem& item,
+                               std::span<qvej::PassCell> cells) {
+        for (qvej::PassCell& cell : cells) {
+            if (holdsText(cell)) {
+                cell.text = text;
+                text += cell.textLen;
+            }
+        }
+        item.text = {text, item.text.size()};
+        return text + item.text.size();
+    }
+
+    std::vector<qvej::PassItem> items_;
+    std::vector<qvej::PassCell> cells_;  // in the order of the items
+    std::vector<char> texts_;            // in the order of the cells
+    bool copied_ = false;
+};
+
+// Batches on their way between the two threads.
+class Pipe {
+   public:
+    Pipe() {
+        for (std::size_t i = 0; i < kBatches; ++i) {
+            empty_.push_back(std::make_unique<Batch>());
+        }
+    }
+
+    // An empty batch; null: the taking thread has ended.
+    std::unique_ptr<Batch> takeEmpty() { return take(empty_, ended_); }
+    // A full batch; null: there will be no more.
+    std::unique_ptr<Batch> takeFull() { return take(full_, closed_); }
+
+    void putFull(std::unique_ptr<Batch> batch) { put(full_, std::move(batch)); }
+    void putEmpty(std::unique_ptr<Batch> batch) { put(empty_, std::move(batch)); }
+
+    void close() { raise(closed_); }  // no more full batches come
+    void end() { raise(ended_); }     // none are taken any more
+
+   private:
+    using Queue = std::deque<std::unique_ptr<Batch>>;
+
+    std::unique_ptr<Batch> take(Queue& queue, const bool& over) {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [&] { return !queue.empty() || over; });
+        if (queue.empty()) {
+            return nullptr;
+        }
+        std::unique_ptr<Batch> batch = std::move(queue.front());
+        queue.pop_front();
+        return batch;
+    }
+    void put(Queue& queue, std::unique_ptr<Batch> batch) {
+        const std::lock_guard lock(mutex_);
+        queue.push_back(std::move(batch));
+        changed_.notify_all();
+    }
+    void raise(bool& flag) {
+        const std::lock_guard lock(mutex_);
+        flag = true;
+        changed_.notify_all();
+    }
+
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    Queue empty_;
+    Queue full_;
+    bool closed_ = false;
+    bool ended_ = false;
+};
+
+// A thread that no signal interrupts: it inherits the mask.
+template <class Routine>
+std::thread startQuietly(const Routine& routine) {
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    (void)::pthread_sigmask(SIG_SETMASK, &all, &before);
+    std::thread thread;
+    try {
+        thread = std::thread(routine);
+    } catch (const std::system_error&) {
+        // The system has none to give: what is returned cannot be joined.
+    }
+    (void)::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return thread;
+}
+
+void fill(Pipe& pipe, qvej::TablePass& pass) {
+    const bool copyTexts = !pass.textsStay();
+    std::unique_ptr<Batch> batch = pipe.takeEmpty();
+    qvej::PassItem item = {};
+    while (batch != nullptr && pass.next(item)) {
+        batch->add(item, copyTexts);
+        if (batch->full()) {
+            pipe.putFull(std::move(batch));
+            batch = pipe.takeEmpty();
+        }
+    }
+    if (batch != nullptr && !batch->empty()) {
+        pipe.putFull(std::move(batch));
+    }
+}
+
+void runAlone(qvej::TablePass& pass,
+              const std::function<void(std::span<const qvej::PassItem>)>& take) {
+    qvej::PassItem item = {};
+    while (pass.next(item)) {
+        take({&item, 1});
+    }
+}
+
+}  // namespace
+
+void runPass(qvej::TablePass& pass, unsigned threads,
+             const std::function<void(std::span<const qvej::PassItem>)>& take) {
+    if (threads < 2) {
+        runAlone(pass, take);
+        return;
+    }
+    Pipe pipe;
+    std::exception_ptr failure;  // of the other thread
+    std::thread taking = startQuietly([&] {
+        try {
+            while (std::unique_ptr<Batch> batch = pipe.takeFull()) {
+                take(batch->items());
+                batch->clear();
+                pipe.putEmpty(std::move(batch));
+            }
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        pipe.end();
+    });
+    if (!taking.joinable()) {
+        runAlone(pass, take);
+        return;
+    }
+    try {
+        fill(pipe, pass);
+    } catch (...) {
+        pipe.close();
+        taking.join();
+        throw;
+    }
+    pipe.close();
+    taking.join();
+    if (failure != nullptr) {
+        std::rethrow_exception(failure);
+    }
+}

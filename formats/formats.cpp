@@ -1,0 +1,29 @@
+// See formats.h.
+#include "formats/formats.h"
+
+namespace {
+
+constexpr Format kFormats[] = {
+    {"csv", "csv", makeCsvSink},
+    {"ndjson", "ndjson", makeNdjsonSink},
+};
+
+}  // namespace
+
+const Format* findFormat(std::string_view name) {
+    for (const Format& format : kFormats) {
+        if (format.name == name) {
+            return &format;
+        }
+    }
+    return nullptr;
+}
+
+std::string formatNames() {
+    std::string names;
+    for (const Format& format : kFormats) {
+        names += names.empty() ? "" : ", ";
+        names += format.name;
+    }
+    return names;
+}

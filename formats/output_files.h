@@ -1,0 +1,86 @@
+// Output files that appear all together or not at all.
+//
+// Files may be written in any order, piece by piece.  Each is written under a temporary name in its
+// directory.  `commit` renames them all and keeps what they replace until the last has its name;
+// until then, and when the object ends without it, nothing under a final name has changed and the
+// temporary files go away, also when a signal ends the program.
+//
+// A directory that had to be made is filled beside its place: the files have their names there, and
+// one renaming of the directory puts all of them in place.
+//
+// Tested by tests/tool/output_files_test.cpp, golden/interrupt.t and golden/convert.t
+#pragma once
+
+#include "formats/cleanup.h"
+#include "formats/sources.h"
+#include "formats/writer.h"
+
+#include <cstddef>
+#include <deque>
+#include <string>
+#include <vector>
+
+class OutputFiles {
+   public:
+    // Files `names` in `directory`.  `makeDirectory`: it is made when it is missing.  Files that
+    // exist are refused, or with `force` replaced when they are regular files and none of the
+    // `sources`.  Throws qvej::Error.
+    OutputFiles(std::string directory, bool makeDirectory, std::vector<std::string> names,
+                bool force, const Sources& sources = {});
+    // One file, by its path; its directory must be there.
+    static OutputFiles single(const std::string& path, bool force, const Sources& sources = {});
+    // What can be told before there is anything to write: that one file, or files in a directory
+    // that is made when it is missing, would be refused.  `made`: such a directory, which the file
+    // may be for; empty: none.  Throw qvej::Error.
+    static void checkFile(const std::string& path, bool force, const Sources& sources,
+                          const std::string& made = {});
+    static void checkDirectory(const std::string& directory);
+    ~OutputFiles();
+    OutputFiles(const OutputFiles&) = delete;
+    OutputFiles& operator=(const OutputFiles&) = delete;
+
+    // Have the two a file in common?
+    [[nodiscard]] bool shares(const OutputFiles& other) const;
+
+    // A writer to the file `i`, which this object must outlive.  Any number may be in use: some
+    // files are kept open, the others are opened again when there is something to write.
+    [[nodiscard]] Writer writer(std::size_t i);
+
+    // Appends to a file.  Throws qvej::Error.
+    void write(std::size_t i, const char* text, std::size_t size);
+
+    // Gives all files their names, and those of `with` theirs.  Throws qvej::Error; nothing has
+    // changed then.
+    void commit(OutputFiles* with = nullptr);
+
+   private:
+    void refuseExisting(const Sources& sources) const;
+    void makeDirectories(const std::vector<std::string>& missing);
+    [[noreturn]] void failToMake(const std::string& directory);
+    int open(std::size_t i);
+    void close(std::size_t i);
+    void closeAll();
+    void putAllInPlace();
+    bool putInPlace(std::size_t i);
+    void takeBack();
+    void finish();
+    void removeTemporary();
+    [[nodiscard]] std::string temporaryPath(std::size_t i) const {
+        return prefix_ + (staged_ ? names_[i] : std::to_string(i));
+    }
+    [[nodiscard]] std::string finalPath(std::size_t i) const {
+        return (directory_ == "." ? std::string() : directory_ + "/") + names_[i];
+    }
+
+    cleanup::Output cleanup_;
+    std::string directory_;
+    std::vector<std::string> names_;
+    bool force_;
+    std::string prefix_;            // of the temporary names
+    bool staged_ = false;           // it is a directory that stands in for the final one
+    std::vector<int> descriptors_;  // of each file
+    std::deque<std::size_t> open_;  // files that are open, the oldest first
+    std::vector<std::string> madeDirectories_;  // outermost first
+    std::vector<bool> inPlace_;  // files that have their name; true: and replaced another
+    bool committed_ = false;
+};

@@ -1,0 +1,29 @@
+// See sources.h.
+#include "formats/sources.h"
+
+#include "client/error.h"
+
+#include <sys/stat.h>
+
+bool isSameFile(const std::string& a, const std::string& b) {
+    struct stat first = {};
+    struct stat second = {};
+    return ::stat(a.c_str(), &first) == 0 && ::stat(b.c_str(), &second) == 0 &&
+           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+Sources sourcesOf(const std::string& document, const std::string& map) {
+    Sources sources = {{document, "the document itself"}};
+    if (!map.empty()) {
+        sources.push_back({map, "the map itself"});
+    }
+    return sources;
+}
+
+void refuseSource(const std::string& path, const Sources& sources) {
+    for (const Source& source : sources) {
+        if (isSameFile(path, source.file == "-" ? "/dev/stdin" : source.file)) {
+            throw qvej::Error(QV_IO_REFUSED, std::string(source.what) + ", not replaced", path);
+        }
+    }
+}

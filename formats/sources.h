@@ -1,0 +1,23 @@
+// The files that a command reads, which nothing that it writes replaces, not even with --force.
+//
+// Tested by tests/tool/golden/map.t
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// Do the two names mean one file?  Links are followed; a file that is not there is no other.
+[[nodiscard]] bool isSameFile(const std::string& a, const std::string& b);
+
+struct Source {
+    std::string file;       // as the user names it, "-" for standard input
+    std::string_view what;  // "the document itself"
+};
+using Sources = std::vector<Source>;
+
+// A document and the map in use; `map` may be empty.
+[[nodiscard]] Sources sourcesOf(const std::string& document, const std::string& map);
+
+// Throws qvej::Error when the path leads to one of the sources, whatever its name there.
+void refuseSource(const std::string& path, const Sources& sources);

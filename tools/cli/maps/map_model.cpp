@@ -1,0 +1,147 @@
+// See map_model.h.
+#include "tools/cli/maps/map_model.h"
+
+#include "client/escape.h"
+#include "client/map_text.h"
+#include "client/text.h"
+#include "tools/cli/maps/map_file.h"
+#include "tools/cli/options/option_values.h"
+#include "tools/cli/reports/remarks.h"
+
+#include <algorithm>
+
+namespace {
+
+// FORMAT or INFORMAT; `mark` stands in front of the name.  Empty: there is none.
+std::string conversionText(std::string_view mark, const qvej::Conversion& conversion) {
+    if (conversion.name.empty()) {
+        return {};
+    }
+    std::string name(mark);
+    name += qvej::withoutUnfinished(conversion.name);  // the engine may have cut it
+    std::string text = "[" + jsonText(name);
+    if (conversion.width != 0 || conversion.decimals != 0) {
+        text += "," + std::to_string(conversion.width);
+    }
+    if (conversion.decimals != 0) {
+        text += "," + std::to_string(conversion.decimals);
+    }
+    return text + "]";
+}
+
+MapColumn modelOf(const qvej::Column& column, const qvej::ColumnText& text) {
+    MapColumn model;
+    model.name = column.name;
+    model.path = qvej::withSlashes(column.path);
+    model.type = column.type;
+    model.length = text.length;
+    model.currentLength = text.currentLength;
+    model.format = conversionText({}, column.format);
+    model.informat = conversionText(column.quiet ? "?" : "", column.informat);
+    model.label = qvej::withoutUnfinished(column.label);
+    model.option = column.retain ? "RETAIN" : column.noretain ? "NORETAIN" : "";
+    return model;
+}
+
+void addMember(std::string& object, std::string_view key, std::string_view value) {
+    object += object.back() == '{' ? "\"" : ",\"";
+    object += key;
+    object += "\":";
+    object += value;
+}
+
+void addColumn(std::string& out, const MapColumn& column) {
+    const auto addIf = [&](bool given, std::string_view key, const std::string& value) {
+        if (given) {
+            addMember(out, key, value);
+        }
+    };
+    out += '{';
+    addMember(out, "NAME", jsonText(column.name));
+    addMember(out, "TYPE", jsonText(typeName(column.type)));
+    addMember(out, "PATH", jsonText(column.path));
+    addIf(column.currentLength.has_value(), "CURRENT_LENGTH",
+          std::to_string(column.currentLength.value_or(0)));
+    addIf(column.length.has_value(), "LENGTH", std::to_string(column.length.value_or(0)));
+    addIf(!column.format.empty(), "FORMAT", column.format);
+    addIf(!column.informat.empty(), "INFORMAT", column.informat);
+    addIf(!column.label.empty(), "LABEL", jsonText(column.label));
+    addIf(!column.option.empty(), "OPTIONS", "[" + jsonText(column.option) + "]");
+    out += '}';
+}
+
+void addTable(std::string& out, const MapTable& table) {
+    out += '{';
+    addMember(out, "DSNAME", jsonText(table.name));
+    addMember(out, "TABLEPATH", jsonText(table.path));
+    if (!table.columns.empty()) {
+        addMember(out, "VARIABLES", "[");
+        for (const MapColumn& column : table.columns) {
+            out += &column == &table.columns.front() ? "" : ",";
+            addColumn(out, column);
+        }
+        out += ']';
+    }
+    out += '}';
+}
+
+}  // namespace
+
+MapModel mapModel(qvej::Engine& engine, std::string_view text,
+                  const std::vector<qvej::Table>& tables) {
+    const std::vector<qvej::TableText> texts = qvej::readMapText(engine, text);
+    MapModel model;
+    for (std::size_t t = 0; t < texts.size(); ++t) {
+        const qvej::Table& table = tables.at(t);
+        model.push_back({texts[t].name, qvej::withSlashes(table.path), {}});
+        for (std::size_t c = 0; c < table.columns.size(); ++c) {
+            model.back().columns.push_back(modelOf(table.columns[c], texts[t].columns.at(c)));
+        }
+    }
+    return model;
+}
+
+std::vector<MapModel> readMapModels(const std::vector<std::string>& files) {
+    if (std::count(files.begin(), files.end(), "-") > 1) {
+        usageError("only one of the maps can be standard input");
+    }
+    qvej::Engine engine;
+    std::vector<MapModel> models;
+    models.reserve(files.size());
+    for (const std::string& file : files) {
+        const MapFile map(engine, file);
+        models.push_back(mapModel(engine, map.text(), map.tables()));
+    }
+    return models;
+}
+
+std::string mapDocument(const MapModel& map) {
+    std::string out = "{\"DATASETS\":[";
+    for (const MapTable& table : map) {
+        out += &table == &map.front() ? "" : ",";
+        addTable(out, table);
+    }
+    return out + "]}";
+}
+
+std::string_view typeName(qvej::ColumnType type) {
+    switch (type) {
+        case qvej::ColumnType::ORDINAL:
+            return "ORDINAL";
+        case qvej::ColumnType::NUMERIC:
+            return "NUMERIC";
+        case qvej::ColumnType::CHARACTER:
+            return "CHARACTER";
+    }
+    return {};
+}
+
+std::string jsonText(std::string_view text) {
+    std::string out = "\"";
+    appendEscaped(out, text, JSON_STRING);
+    return out + "\"";
+}
+
+std::string columnName(const MapTable& table, const MapColumn& column) {
+    return escaped(visible(table.name)) + "." + escaped(column.name);
+}

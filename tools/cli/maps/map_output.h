@@ -1,0 +1,16 @@
+// Where a map goes that the tool makes: standard output, or the file of -o.
+//
+// Tested by tests/tool/golden/map.t
+#pragma once
+
+#include "formats/sources.h"
+#include "tools/cli/options/options.h"
+
+#include <string>
+
+// Throws the Failure of a file that would be refused, before there is a map.
+void checkMapOutput(const Options& options, const Sources& sources);
+
+// `map`: a JSON document without line ends.  It never replaces one of the `sources`.  Throws a
+// Failure.
+void putMap(const std::string& map, const Options& options, const Sources& sources);

@@ -1,0 +1,94 @@
+// See help.h.
+#include "tools/cli/options/help.h"
+
+#include "tools/cli/options/option_owners.h"
+#include "tools/cli/verbs/verbs.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t kPurposeColumn = 26;
+
+constexpr std::string_view kUsage =
+    "Reads a JSON document and presents it as tables.\n"
+    "\n"
+    "Usage: qvejmap VERB FILE [OPTIONS]\n"
+    "\n"
+    "Verbs:\n";
+
+constexpr std::string_view kNotes =
+    R"(FILE may be "-" for standard input, and may be compressed with gzip or zstd.  SIZE is a number of
+bytes, or of 1024 bytes and its powers with K, M, G or T.  Options work in any position.  A file
+that is named like a verb is written ./map.
+
+Exit codes: 0 done, 1 done but some values were rejected or cut or, with --account, lost
+(map check, map diff: not the same), 2 wrong usage, 3 not valid JSON, 4 no such table or trouble
+with the map, 5 trouble with a file, 6 a limit was reached.
+)";
+
+// A line for each verb whose name begins with `prefix`.
+std::string listVerbs(std::string_view prefix) {
+    std::string text;
+    for (const Verb& verb : allVerbs()) {
+        if (verb.name.starts_with(prefix)) {
+            std::string call = "  " + std::string(verb.name) + " " + std::string(verb.arguments);
+            call.resize(std::max<std::size_t>(call.size() + 1, kPurposeColumn), ' ');
+            text += call + std::string(verb.purpose) + "\n";
+        }
+    }
+    return text;
+}
+
+// The part of "map: a file; convert: a directory" that is for the verb.
+std::string purposeFor(const std::string& verb, const std::string& purpose) {
+    const std::size_t at = purpose.find(verb + ": ");
+    if (at == std::string::npos) {
+        return purpose;
+    }
+    const std::size_t start = at + verb.size() + 2;
+    return purpose.substr(start, purpose.find(';', start) - start);
+}
+
+// Leaves what belongs to the verb.
+void keepOptionsOf(const Verb& verb, CLI::App& app) {
+    const std::string name(verb.name);
+    for (const Owner& owner : optionOwners()) {
+        CLI::Option& option = *app.get_option(owner.option);
+        if (!owns(verb, owner)) {
+            option.group("");
+        } else if (owner.refused) {
+            option.group("Options of " + name);
+            option.description(
+                purposeFor(name.substr(0, name.find(' ')), option.get_description()));
+        }
+    }
+}
+
+}  // namespace
+
+std::string helpText(CLI::App& app, const Verb* verb) {
+    std::string text;
+    if (verb != nullptr) {
+        const std::string name(verb->name);
+        text = "qvejmap " + name + ": " + std::string(verb->purpose) + "\n\nUsage: qvejmap " +
+               name + " " + std::string(verb->arguments) + " [OPTIONS]\n";
+        const std::string further = listVerbs(name + " ");
+        text += further.empty() ? "" : "\nFurther verbs:\n" + further;
+        keepOptionsOf(*verb, app);
+    } else {
+        text = std::string(kUsage) + listVerbs({});
+    }
+    CLI::Formatter formatter;
+    formatter.column_width(26);
+    text += formatter.make_groups(&app, CLI::AppFormatMode::Normal);
+    for (std::size_t gap = text.find("\n\n\n"); gap != std::string::npos;
+         gap = text.find("\n\n\n")) {
+        text.erase(gap, 1);
+    }
+    return text + "\n" + std::string(kNotes);
+}

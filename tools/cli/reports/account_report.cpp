@@ -1,0 +1,162 @@
+// See account_report.h.
+#include "tools/cli/reports/account_report.h"
+
+#include "client/escape.h"
+#include "formats/writer.h"
+#include "tools/cli/reports/listing.h"
+#include "tools/cli/reports/remarks.h"
+#include "tools/cli/reports/tell.h"
+#include "tools/cli/session.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <sys/stat.h>
+#include <unordered_map>
+
+namespace {
+
+// What is lost of one path in one way.
+struct Line {
+    const qvej::PathAccount* account;
+    std::string_view way;
+    uint64_t count;
+    uint64_t first;
+    qvej::Spot place;
+};
+
+std::vector<Line> linesOf(const std::vector<qvej::PathAccount>& accounts,
+                          const std::vector<qvej::Spot>& starts) {
+    std::vector<Line> lines;
+    for (std::size_t i = 0; i < accounts.size(); ++i) {
+        const auto add = [&](std::string_view way, const qvej::LostValues& lost) {
+            if (lost.count != 0) {
+                lines.push_back({&accounts[i], way, lost.count, lost.first,
+                                 lost.first == 1 ? starts[i] : qvej::Spot{}});
+            }
+        };
+        for (std::size_t loss = 0; loss < qvej::kLosses; ++loss) {
+            add(nameOf(static_cast<qvej::Loss>(loss)), accounts[i].lost[loss]);
+        }
+        add("cut", accounts[i].cut);
+    }
+    return lines;
+}
+
+// Can the file be read twice?  A pipe cannot, whatever its name.
+bool staysInPlace(const std::string& file) {
+    struct stat found = {};
+    return file != "-" && ::stat(file.c_str(), &found) == 0 && S_ISREG(found.st_mode);
+}
+
+// Reads the document again for the places that are not known.
+void findPlaces(const Options& options, std::vector<Line>& lines) {
+    std::vector<qvej::Watch> watches;
+    std::vector<Line*> wanted;
+    for (Line& line : lines) {
+        if (line.place.line == 0) {
+            watches.push_back({line.account->path, line.first});
+            wanted.push_back(&line);
+        }
+    }
+    if (watches.empty() || !staysInPlace(options.operands[0])) {
+        return;
+    }
+    Options again = options;
+    again.cache.clear();
+    again.debug.clear();
+    const Session session(again, options.operands[0], {}, watches);
+    for (std::size_t i = 0; i < wanted.size(); ++i) {
+        wanted[i]->place = session.document().watched(i);
+    }
+}
+
+std::string sumLine(const std::vector<qvej::PathAccount>& accounts) {
+    uint64_t values = 0;
+    uint64_t cells = 0;
+    uint64_t cut = 0;
+    std::array<uint64_t, qvej::kLosses> lost = {};
+    for (const qvej::PathAccount& account : accounts) {
+        values += account.values;
+        cells += account.cells;
+        cut += account.cut.count;
+        for (std::size_t loss = 0; loss < qvej::kLosses; ++loss) {
+            lost[loss] += account.lost[loss].count;
+        }
+    }
+    std::string line = std::to_string(values) + (values == 1 ? " value = " : " values = ") +
+                       std::to_string(cells) + " in cells" +
+                       (cut == 0 ? "" : " (" + std::to_string(cut) + " of them cut)");
+    for (std::size_t loss = 0; loss < qvej::kLosses; ++loss) {
+        line += " + " + std::to_string(lost[loss]) + " ";
+        line += nameOf(static_cast<qvej::Loss>(loss));
+    }
+    return line;
+}
+
+// A sum that does not meet is a mistake of this program, and must not pass for an account.
+void checkSums(const std::vector<qvej::PathAccount>& accounts) {
+    for (const qvej::PathAccount& account : accounts) {
+        if (!account.meets()) {
+            throw Failure(LIMIT_REACHED, "the account of " +
+                                             escaped(qvej::withSlashes(account.path)) +
+                                             " does not add up; please report this");
+        }
+    }
+}
+
+}  // namespace
+
+ExitCode reportAccount(const Options& options, const std::vector<qvej::PathAccount>& accounts,
+                       const std::vector<qvej::Spot>& starts) {
+    checkSums(accounts);
+    std::vector<Line> lines = linesOf(accounts, starts);
+    findPlaces(options, lines);
+    std::vector<Row> rows;
+    if (!lines.empty()) {
+        rows.push_back({"path", "values", "lost", "first"});
+    }
+    const std::string file = options.operands[0] == "-" ? "<stdin>" : options.operands[0];
+    for (const Line& line : lines) {
+        rows.push_back({escaped(qvej::withSlashes(line.account->path)), std::to_string(line.count),
+                        std::string(line.way),
+                        line.place.line == 0 ? "" : shown(spotText(file, line.place))});
+    }
+    Writer out = standardOutput();
+    print(out, rows);
+    out.append(sumLine(accounts) + "\n");
+    out.flush();
+    return lines.empty() ? DONE : REJECTED;
+}
+
+std::vector<qvej::Spot> startsOf(const qvej::Document& document,
+                                 const std::vector<qvej::PathAccount>& accounts) {
+    const auto before = [](qvej::Spot a, qvej::Spot b) {
+        return a.line != b.line ? a.line < b.line : a.column < b.column;
+    };
+    std::unordered_map<std::string, qvej::Spot> starts;
+    for (const qvej::PathStatistics& path : document.pathStatistics()) {
+        for (const qvej::KindStatistics& kind : path.kinds) {
+            if (kind.kind == JMAP_KIND_FAKE_VARIABLE) {
+                continue;  // no value: an empty container
+            }
+            const auto [at, isNew] = starts.try_emplace(path.path, kind.first);
+            if (!isNew && before(kind.first, at->second)) {
+                at->second = kind.first;
+            }
+        }
+    }
+    std::vector<qvej::Spot> found;
+    found.reserve(accounts.size());
+    for (const qvej::PathAccount& account : accounts) {
+        found.push_back(starts[account.path]);
+    }
+    return found;
+}
+
+void tellLost(const std::string& file, uint64_t lost) {
+    if (lost != 0) {
+        tell(file + ": " + std::to_string(lost) + (lost == 1 ? " value is" : " values are") +
+             " in no cell (qvejmap check --account tells which)");
+    }
+}

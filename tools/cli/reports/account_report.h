@@ -1,0 +1,28 @@
+// The account of a document as people read it: which values are in no cell, how many, and where the
+// first is.
+//
+// Tested by tests/tool/golden/account.t
+#pragma once
+
+#include "client/account.h"
+#include "tools/cli/failure.h"
+#include "tools/cli/options/options.h"
+
+#include <string>
+#include <vector>
+
+// Writes the account on standard output.  The document is read once more to find places, with
+// `options` but without its tables, so its first reading should be over; a document on standard
+// input or from a pipe is gone, and only places that `starts` knows are shown.
+//   starts  where the first value of each account begins
+// REJECTED when a value is lost, else DONE.  Throws a Failure.
+ExitCode reportAccount(const Options& options, const std::vector<qvej::PathAccount>& accounts,
+                       const std::vector<qvej::Spot>& starts);
+
+// Where the first value of each account begins.
+std::vector<qvej::Spot> startsOf(const qvej::Document& document,
+                                 const std::vector<qvej::PathAccount>& accounts);
+
+// One line on standard error that says how to see values that are in no cell; nothing when there
+// are none.
+void tellLost(const std::string& file, uint64_t lost);

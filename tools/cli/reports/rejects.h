@@ -1,0 +1,57 @@
+// Values that their columns cannot take: counted, told, and written to a file when that is asked
+// for.
+//
+// Tested by tests/tool/golden/map_use.t
+#pragma once
+
+#include "client/row.h"
+#include "formats/csv_fields.h"
+#include "formats/output_files.h"
+#include "tools/cli/failure.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <tuple>
+#include <vector>
+
+class Rejects {
+   public:
+    // `file`: gets a line of CSV for each value; empty: none.  It is there after `commit` only, and
+    // must be neither one of the `sources` nor one of `others`.  Throws a Failure.
+    Rejects(const std::string& file, bool force, const Sources& sources,
+            const OutputFiles* others = nullptr);
+
+    // What the row of a table calls.  This object and the table must outlive it.
+    qvej::RejectHandler handlerFor(const qvej::Table& table);
+
+    // Gives the file its name, and `tables` theirs: all or none.  Throws a Failure.
+    void commit(OutputFiles* tables = nullptr);
+
+    // Tells a line for each column on standard error.  REJECTED, or DONE when there was nothing.
+    [[nodiscard]] ExitCode tellAll() const;
+
+   private:
+    struct OfColumn {
+        std::string column;  // "table.column"
+        uint64_t count;
+        uint64_t firstRow;
+        std::string firstText;
+        std::string reason;
+        bool cut;
+    };
+    struct File {
+        File(const std::string& file, bool force, const Sources& sources);
+        OutputFiles output;
+        Writer writer;
+        CsvFields fields;
+    };
+
+    void take(const qvej::Table& table, const qvej::Row& row, const qvej::Rejected& rejected);
+    void writeLine(const qvej::Table& table, const qvej::Row& row, const qvej::Rejected& rejected);
+
+    std::unique_ptr<File> file_;
+    std::vector<OfColumn> columns_;  // in order of their first
+    // By table, column and whether values are cut: their place in `columns_`.
+    std::map<std::tuple<const qvej::Table*, std::size_t, bool>, std::size_t> places_;
+};

@@ -1,0 +1,232 @@
+// See remarks.h.
+#include "tools/cli/reports/remarks.h"
+
+#include "formats/writer.h"
+#include "tools/cli/reports/tell.h"
+
+#include <algorithm>
+#include <numeric>
+#include <unordered_map>
+
+namespace {
+
+constexpr std::size_t kMostSuggestions = 3;
+constexpr std::size_t kMostNames = 5;
+
+std::string joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) {
+        text += (text.empty() ? "" : ", ") + word;
+    }
+    return text;
+}
+
+// Of many the first few.
+std::string firstOf(std::vector<std::string> words) {
+    if (words.size() > kMostNames) {
+        const std::size_t more = words.size() - kMostNames;
+        words.resize(kMostNames);
+        words.back() += " and " + std::to_string(more) + " more";
+    }
+    return joined(words);
+}
+
+// Does the table show values of its own, as ALLDATA and a table of ordinals alone do not?
+bool hasOwnValues(const qvej::Table& table) {
+    return !table.alldata &&
+           std::any_of(table.columns.begin(), table.columns.end(),
+                       [](const auto& column) { return column.type != qvej::ColumnType::ORDINAL; });
+}
+
+std::size_t editDistance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i + 1;
+        for (std::size_t j = 0; j < b.size(); ++j) {
+            const std::size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
+        }
+    }
+    return row.back();
+}
+
+}  // namespace
+
+std::string visible(const std::string& tableName) {
+    return tableName.empty() ? "\"\"" : tableName;
+}
+
+std::string hiddenAlldata(const qvej::Document& document, const std::string& alldataName) {
+    for (const qvej::Table& table : document.tables()) {
+        if (qvej::equalIgnoringCase(table.name, alldataName)) {
+            return "the table " + visible(table.name) +
+                   " hides ALLDATA (--alldata-name gives that another name)";
+        }
+    }
+    return {};
+}
+
+std::string sharedNames(const qvej::Document& document, const std::string& alldataName) {
+    std::unordered_map<std::string, std::size_t> counts;
+    std::vector<std::string> order;
+    for (const qvej::Table& table : document.tables()) {
+        std::size_t& count = counts[qvej::lowerCased(table.name)];
+        if (++count == 2) {
+            order.push_back(visible(table.name));
+        }
+    }
+    std::string text;
+    if (!order.empty()) {
+        text = "more than one table is named " + firstOf(order) + ": read opens the first";
+    }
+    const std::string hidden = hiddenAlldata(document, alldataName);
+    return text + (text.empty() || hidden.empty() ? "" : "; ") + hidden;
+}
+
+std::string spotText(const std::string& file, qvej::Spot spot) {
+    return spot.line == 0
+               ? file
+               : file + ":" + std::to_string(spot.line) + ":" + std::to_string(spot.column);
+}
+
+void tellInexact(const std::string& file, const qvej::Document& document,
+                 const std::vector<const qvej::Table*>& tables, bool all) {
+    std::unordered_map<std::string, qvej::PathStatistics> inexact;
+    for (qvej::PathStatistics& path : document.pathStatistics()) {
+        if (path.inexact != 0) {
+            inexact.emplace(path.path, path);
+        }
+    }
+    std::size_t told = 0;
+    for (const qvej::Table* table : tables) {
+        for (const qvej::Column& column : table->columns) {
+            const auto found = inexact.find(column.path);
+            if (column.type != qvej::ColumnType::NUMERIC || found == inexact.end() ||
+                (++told > kMostNames && !all)) {
+                continue;
+            }
+            const int64_t count = found->second.inexact;
+            tell(spotText(file, found->second.firstInexact) + ": " + visible(table->name) + "." +
+                 column.name + " has " + std::to_string(count) +
+                 (count == 1 ? " number that a double does not keep, here"
+                             : " numbers that a double does not keep, the first here"));
+        }
+    }
+    if (told > kMostNames && !all) {
+        const std::size_t more = told - kMostNames;
+        tell(file + ": " + std::to_string(more) +
+             (more == 1 ? " more column has" : " more columns have") +
+             " such numbers (tables --columns names them all, map --exact makes them CHARACTER)");
+    }
+}
+
+std::vector<const qvej::Column*> repeatedNames(const qvej::Table& table) {
+    std::unordered_map<std::string_view, std::size_t> counts;
+    std::vector<const qvej::Column*> repeated;
+    for (const qvej::Column& column : table.columns) {
+        if (++counts[column.name] == 2) {
+            repeated.push_back(&column);
+        }
+    }
+    return repeated;
+}
+
+void tellSharedMembers(const std::string& map, const std::vector<const qvej::Table*>& tables) {
+    std::vector<std::string> names;
+    for (const qvej::Table* table : tables) {
+        for (const qvej::Column* column : repeatedNames(*table)) {
+            names.push_back(visible(table->name) + "." + column->name);
+        }
+    }
+    if (!names.empty()) {
+        tell(map + ": objects have more than one member of a name, since columns share it: " +
+             firstOf(names));
+    }
+}
+
+void tellLosses(const std::string& file, const qvej::Document& document,
+                const std::vector<WrittenTable>& written) {
+    std::vector<const qvej::Table*> tables;
+    std::vector<std::string> withoutRows;
+    for (const WrittenTable& w : written) {
+        tables.push_back(w.table);
+        if (w.table->alldata && document.totals().labelsSlip != 0) {
+            tell(file + ": in " + visible(w.table->name) +
+                 " labels are cut at wrong places: the document has member names that are empty or "
+                 "of 256 bytes and more");
+        }
+        if (w.rows == 0 && hasOwnValues(*w.table)) {
+            withoutRows.push_back(visible(w.table->name));
+        }
+    }
+    if (!withoutRows.empty()) {
+        const bool one = withoutRows.size() == 1;
+        const bool ownMap = &document.tables() != &document.automaticTables();
+        tell(file + (one ? ": table " : ": tables ") + joined(withoutRows) +
+             (one ? " has no rows" : " have no rows") +
+             (ownMap ? std::string()
+                     : (one ? "; its" : "; their") + std::string(" values are only in ") +
+                           document.alldata().name));
+    }
+    tellInexact(file, document, tables);
+}
+
+MapOddities mapOddities(const std::vector<qvej::Table>& tables) {
+    MapOddities odd;
+    for (const qvej::Table& table : tables) {
+        if (table.columns.empty()) {
+            odd.empty.push_back(visible(table.name));
+        }
+        for (const qvej::Column& column : table.columns) {
+            const std::string name = visible(table.name) + "." + column.name;
+            if (column.type == qvej::ColumnType::ORDINAL && column.noretain) {
+                odd.noretain.push_back(name);
+            }
+            if (column.truncated) {
+                odd.cut.push_back(name + " (" + std::to_string(column.length) + " of " +
+                                  std::to_string(column.currentLength) + " bytes)");
+            }
+        }
+    }
+    return odd;
+}
+
+void tellMapOddities(const std::string& map, const std::vector<qvej::Table>& tables) {
+    const MapOddities odd = mapOddities(tables);
+    if (!odd.empty.empty()) {
+        tell(map + ": tables without columns, which have no rows: " + joined(odd.empty));
+    }
+    if (!odd.noretain.empty()) {
+        tell(map + ": NORETAIN does not change ordinal columns: " + joined(odd.noretain));
+    }
+}
+
+void tellCuts(const std::string& map, const std::vector<qvej::Table>& tables) {
+    const MapOddities odd = mapOddities(tables);
+    if (!odd.cut.empty()) {
+        tell(map + ": values are cut in: " + joined(odd.cut));
+    }
+}
+
+std::string suggestion(std::string_view name, const std::vector<std::string>& names) {
+    const std::string wanted = qvej::lowerCased(name);
+    std::vector<std::pair<std::size_t, std::string>> close;
+    for (const std::string& candidate : names) {
+        const std::string lower = qvej::lowerCased(candidate);
+        const std::size_t distance = editDistance(wanted, lower);
+        const bool contained = wanted.size() >= 3 && lower.find(wanted) != std::string::npos;
+        if (distance <= std::max<std::size_t>(1, wanted.size() / 3) || contained) {
+            close.emplace_back(distance, candidate);
+        }
+    }
+    std::stable_sort(close.begin(), close.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::string text;
+    for (std::size_t i = 0; i < close.size() && i < kMostSuggestions; ++i) {
+        text += (i == 0 ? "; did you mean " : ", ") + close[i].second;
+    }
+    return text.empty() ? text : text + "?";
+}

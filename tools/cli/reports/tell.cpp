@@ -1,0 +1,19 @@
+// See tell.h.
+#include "tools/cli/reports/tell.h"
+
+#include "client/escape.h"
+#include "formats/writer.h"
+
+#include <string>
+#include <unistd.h>
+
+void tell(std::string_view line, std::string_view excerpt) {
+    std::string text = "qvejmap: " + shown(line) + "\n";
+    text += excerpt;
+    (void)writeAll(STDERR_FILENO, text.data(), text.size());  // there is nowhere else to complain
+}
+
+void tellPlain(std::string_view line) {
+    const std::string text = shown(line) + "\n";
+    (void)writeAll(STDERR_FILENO, text.data(), text.size());
+}

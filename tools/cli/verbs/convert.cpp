@@ -1,0 +1,124 @@
+// qvejmap convert: every table in a file of its own.
+//
+// Tested by tests/tool/golden/convert.t and tests/tool/golden/interrupt.t
+#include "client/error.h"
+#include "client/pass_pipe.h"
+#include "formats/file_names.h"
+#include "formats/output_files.h"
+#include "formats/table_outputs.h"
+#include "formats/writer.h"
+#include "tools/cli/failure.h"
+#include "tools/cli/reports/account_report.h"
+#include "tools/cli/reports/rejects.h"
+#include "tools/cli/reports/remarks.h"
+#include "tools/cli/reports/tell.h"
+#include "tools/cli/session.h"
+#include "tools/cli/verbs/verbs.h"
+
+#include <algorithm>
+
+namespace {
+
+std::vector<const qvej::Table*> tablesToWrite(const qvej::Document& document, bool alldata) {
+    std::vector<const qvej::Table*> tables;
+    for (const qvej::Table& table : document.tables()) {
+        tables.push_back(&table);
+    }
+    if (alldata) {
+        tables.push_back(&document.alldata());
+    }
+    return tables;
+}
+
+std::vector<std::string> namesOf(const std::vector<const qvej::Table*>& tables) {
+    std::vector<std::string> names;
+    names.reserve(tables.size());
+    for (const qvej::Table* table : tables) {
+        names.push_back(table->name);
+    }
+    return names;
+}
+
+std::string counted(uint64_t count, const std::string& noun) {
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+// What `--account` needs when the document has gone.
+struct Account {
+    std::vector<qvej::PathAccount> paths;
+    std::vector<qvej::Spot> starts;
+};
+
+ExitCode convert(const Options& options, const Session& session) {
+    const qvej::Document& document = session.document();
+    const std::vector<const qvej::Table*> tables = tablesToWrite(document, options.alldata);
+    const Sources sources = sourcesOf(options.operands[0], options.map);
+    OutputFiles files(options.out, true,
+                      uniqueFileNames(namesOf(tables), options.format->extension), options.force,
+                      sources);
+    Rejects rejects(options.rejects, options.force, sources, &files);
+    TableOutputs outputs(document, tables, files, *options.format, options.formatOptions,
+                         [&](const qvej::Table& table) { return rejects.handlerFor(table); });
+    qvej::TablePass pass(document, tables, options.retain);
+    runPass(pass, options.threads,
+            [&](std::span<const qvej::PassItem> items) { outputs.take(items); });
+    outputs.end();
+    std::vector<WrittenTable> written;
+    uint64_t rows = 0;
+    for (std::size_t i = 0; i < tables.size(); ++i) {
+        written.push_back({tables[i], outputs.rows(i)});
+        rows += outputs.rows(i);
+    }
+    rejects.commit(&files);
+    if (!options.quiet) {
+        tell(counted(tables.size(), "table") + ", " + counted(rows, "row") + " in " + options.out);
+    }
+    const std::string shared = sharedNames(document, options.alldataName);
+    if (!shared.empty() && !options.quiet) {
+        tell(shared);
+    }
+    tellLosses(session.name(), document, written);
+    if (!options.alldata && !options.account) {
+        tellLost(session.name(), qvej::lostOf(document, pass, tables));
+    }
+    if (options.format->name == "ndjson") {
+        tellSharedMembers(session.mapName(), tables);
+    }
+    return rejects.tellAll();
+}
+
+// What need not wait for the document.
+void checkOutput(const Options& options) {
+    OutputFiles::checkDirectory(options.out);
+    if (!options.rejects.empty()) {
+        OutputFiles::checkFile(options.rejects, options.force,
+                               sourcesOf(options.operands[0], options.map), options.out);
+    }
+}
+
+ExitCode convertAndAccount(const Options& options, Account& account) {
+    const Session session(options);
+    if (session.map() != nullptr && !options.quiet) {
+        tellMapOddities(session.map()->name(), session.document().tables());
+    }
+    try {
+        const ExitCode code = convert(options, session);
+        if (options.account) {
+            account.paths = qvej::accountOf(session.document(), options.retain);
+            account.starts = startsOf(session.document(), account.paths);
+        }
+        return code;
+    } catch (const qvej::Error& error) {
+        session.failReading(error);
+    }
+}
+
+}  // namespace
+
+ExitCode runConvert(const Options& options) {
+    checkOutput(options);
+    Account account;
+    const ExitCode code = convertAndAccount(options, account);
+    return options.account ? std::max(code, reportAccount(options, account.paths, account.starts))
+                           : code;
+}

@@ -1,0 +1,100 @@
+// qvejmap map: the automatic map as a JSON document, on standard output or in a file.
+//
+// Tested by tests/tool/golden/map.t
+#include "client/engine.h"
+#include "client/error.h"
+#include "formats/writer.h"
+#include "tools/cli/maps/map_fit.h"
+#include "tools/cli/maps/map_model.h"
+#include "tools/cli/maps/map_output.h"
+#include "tools/cli/reports/remarks.h"
+#include "tools/cli/reports/tell.h"
+#include "tools/cli/session.h"
+#include "tools/cli/verbs/verbs.h"
+
+#include <unordered_map>
+
+namespace {
+
+// "FILE: 2 columns ..., the first r.id"
+void tellCounted(const std::string& file, std::size_t count, const std::string& one,
+                 const std::string& many, const std::string& first) {
+    if (count != 0) {
+        tell(file + ": " + std::to_string(count) + " " +
+             (count == 1 ? one + ": " : many + ", the first: ") + first);
+    }
+}
+
+// What the map says of the document and --map will not find, or will refuse.
+void tellGaps(const Session& session) {
+    const qvej::Document& document = session.document();
+    Findings findings = namesWithSlash(document);
+    if (session.separatorEscaped()) {
+        const Findings further = namesWithSeparator(document);
+        findings.insert(findings.end(), further.begin(), further.end());
+    }
+    if (!findings.empty()) {
+        tellCounted(session.name(), findings.size(), "path that no map can name",
+                    "paths that no map can name", findings.front());
+    }
+    std::vector<const qvej::Table*> nameless;
+    for (const qvej::Table& table : document.tables()) {
+        if (table.name.empty()) {
+            nameless.push_back(&table);
+        }
+    }
+    if (!nameless.empty()) {
+        tellCounted(session.name(), nameless.size(), "table without a name, which --map refuses",
+                    "tables without a name, which --map refuses",
+                    visible(qvej::withSlashes(nameless.front()->path)));
+    }
+}
+
+// The map with every column CHARACTER whose numbers a double does not keep.
+std::string exactMap(const std::string& file, const qvej::Document& document) {
+    std::unordered_map<std::string, uint64_t> longest;  // of the paths of such columns
+    for (const qvej::PathStatistics& path : document.pathStatistics()) {
+        if (path.inexact != 0) {
+            longest.emplace(path.path, path.longest);
+        }
+    }
+    qvej::Engine engine;
+    std::vector<std::string> tooLong;
+    MapModel map = mapModel(engine, document.mapText(), document.tables());
+    for (std::size_t t = 0; t < map.size(); ++t) {
+        for (std::size_t c = 0; c < map[t].columns.size(); ++c) {
+            MapColumn& column = map[t].columns[c];
+            const auto found = longest.find(document.tables()[t].columns[c].path);
+            if (column.type == qvej::ColumnType::NUMERIC && found != longest.end()) {
+                column.type = qvej::ColumnType::CHARACTER;
+                column.currentLength = found->second;
+                if (found->second > qvej::kLongestCell) {
+                    tooLong.push_back(columnName(map[t], column));
+                }
+            }
+        }
+    }
+    if (!tooLong.empty()) {
+        const std::string kept = std::to_string(qvej::kLongestCell) + " bytes that a column holds";
+        tellCounted(file, tooLong.size(), "column with numbers longer than the " + kept,
+                    "columns with numbers longer than the " + kept, tooLong.front());
+    }
+    return mapDocument(map);
+}
+
+}  // namespace
+
+ExitCode runMap(const Options& options) {
+    const Sources sources = sourcesOf(options.operands[0], {});
+    checkMapOutput(options, sources);
+    const Session session(options);
+    const qvej::Document& document = session.document();
+    putMap(options.exact ? exactMap(session.name(), document) : document.mapText(), options,
+           sources);
+    try {
+        tellGaps(session);
+    } catch (const qvej::Error& error) {
+        session.failReading(error);
+    }
+    return DONE;
+}

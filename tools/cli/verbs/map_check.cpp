@@ -1,0 +1,69 @@
+// qvejmap map check: is the map well formed, and does it fit a document?
+//
+// Tested by tests/tool/golden/map_check.t
+#include "client/error.h"
+#include "client/escape.h"
+#include "formats/writer.h"
+#include "tools/cli/maps/map_fit.h"
+#include "tools/cli/reports/remarks.h"
+#include "tools/cli/session.h"
+#include "tools/cli/verbs/verbs.h"
+
+namespace {
+
+void print(Writer& out, std::string_view prefix, const Findings& findings) {
+    for (const std::string& finding : findings) {
+        out.append(prefix);
+        out.append(shown(finding));
+        out.put('\n');
+    }
+}
+
+void printMap(Writer& out, const MapFile& map, const qvej::Engine& engine, bool quiet) {
+    std::size_t columns = 0;
+    for (const qvej::Table& table : map.tables()) {
+        columns += table.columns.size();
+    }
+    if (!quiet) {
+        out.append(shown(map.name()) +
+                   ": well formed, tables: " + std::to_string(map.tables().size()) +
+                   ", columns: " + std::to_string(columns) + "\n");
+    }
+    const MapOddities odd = mapOddities(map.tables());
+    print(out, "no columns: table ", odd.empty);
+    print(out, "NORETAIN without effect: ", odd.noretain);
+    print(out, {}, doubtfulNames(map.tables(), qvej::readMapText(engine, map.text())));
+}
+
+// True when every path of the map occurs in the document.
+bool printFit(Writer& out, const Session& session) {
+    const qvej::Document& document = session.document();
+    const Findings missing = neverOccurring(document);
+    print(out, "never occurs: ", missing);
+    print(out, "cut: ", mapOddities(document.tables()).cut);
+    print(out, "left out: ", leftOut(document));
+    print(out, "no map can name: ", namesWithSlash(document));
+    try {
+        print(out, "no map can name: ", namesWithSeparator(document));
+    } catch (const qvej::Error& error) {
+        session.failReading(error);
+    }
+    return missing.empty();
+}
+
+}  // namespace
+
+ExitCode runMapCheck(const Options& options) {
+    Writer out = standardOutput();
+    bool fits = true;
+    if (options.operands.size() == 1) {
+        qvej::Engine engine;
+        printMap(out, MapFile(engine, options.operands[0]), engine, options.quiet);
+    } else {
+        const Session session(options, options.operands[1], options.operands[0]);
+        printMap(out, *session.map(), session.engine(), options.quiet);
+        fits = printFit(out, session);
+    }
+    out.flush();
+    return fits ? DONE : DIFFERENT;
+}

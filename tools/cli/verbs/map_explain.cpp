@@ -1,0 +1,102 @@
+// qvejmap map explain: why a column of the automatic map is what it is.
+//
+// Tested by tests/tool/golden/map_explain.t
+#include "client/escape.h"
+#include "formats/writer.h"
+#include "tools/cli/reports/listing.h"
+#include "tools/cli/reports/remarks.h"
+#include "tools/cli/session.h"
+#include "tools/cli/verbs/verbs.h"
+
+#include <algorithm>
+
+namespace {
+
+struct Found {
+    const qvej::Table* table = nullptr;
+    const qvej::Column* column = nullptr;
+};
+
+const qvej::Column* findColumn(const qvej::Table& table, std::string_view name) {
+    const auto found = std::find_if(table.columns.begin(), table.columns.end(), [&](const auto& c) {
+        return qvej::equalIgnoringCase(c.name, name);
+    });
+    return found == table.columns.end() ? nullptr : &*found;
+}
+
+// Divides "TABLE.COLUMN" where it makes sense: both names may hold dots.
+Found find(const qvej::Document& document, const std::string& wanted) {
+    for (std::size_t dot = wanted.find('.'); dot != std::string::npos;
+         dot = wanted.find('.', dot + 1)) {
+        for (const qvej::Table& table : document.tables()) {
+            if (qvej::equalIgnoringCase(table.name, wanted.substr(0, dot))) {
+                const qvej::Column* column = findColumn(table, wanted.substr(dot + 1));
+                if (column != nullptr) {
+                    return {&table, column};
+                }
+            }
+        }
+    }
+    std::vector<std::string> names;
+    for (const qvej::Table& table : document.tables()) {
+        for (const qvej::Column& column : table.columns) {
+            names.push_back(table.name + "." + column.name);
+        }
+    }
+    throw Failure(NO_TABLE, "no column " + wanted + " (TABLE.COLUMN)" + suggestion(wanted, names));
+}
+
+std::string counted(int64_t count, const std::string& noun) {
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+// Why the column has its type.
+std::string reason(const qvej::PathStatistics& statistics) {
+    int64_t strings = 0;
+    int64_t others = 0;
+    for (const qvej::KindStatistics& kind : statistics.kinds) {
+        (kind.kind == JMAP_KIND_STRING ? strings : others) += kind.count;
+    }
+    if (strings == 0) {
+        return "NUMERIC, since none of its values is a string";
+    }
+    return others == 0 ? "CHARACTER, since its values are strings"
+                       : "CHARACTER, since " + counted(strings, "value") + " of " +
+                             std::to_string(strings + others) +
+                             (strings == 1 ? " is a string" : " are strings");
+}
+
+}  // namespace
+
+ExitCode runMapExplain(const Options& options) {
+    const Session session(options);
+    const auto [table, column] = find(session.document(), options.operands[1]);
+    Writer out = standardOutput();
+    const auto line = [&](const std::string& text) { out.append(shown(text) + "\n"); };
+    line(visible(table->name) + "." + column->name + ": " + qvej::withSlashes(column->path));
+    if (column->type == qvej::ColumnType::ORDINAL) {
+        line("ORDINAL: counts the objects and arrays at its path, from 1 in the whole document");
+        out.flush();
+        return DONE;
+    }
+    std::vector<Row> rows = {{"kind", "values", "first"}};
+    for (const qvej::PathStatistics& statistics : session.document().pathStatistics()) {
+        if (statistics.path != column->path) {
+            continue;
+        }
+        line(reason(statistics));
+        for (const qvej::KindStatistics& kind : statistics.kinds) {
+            rows.push_back({std::string(kind.kindName), std::to_string(kind.count),
+                            shown(spotText(session.name(), kind.first))});
+        }
+        if (statistics.inexact != 0) {
+            rows.push_back({"inexact", std::to_string(statistics.inexact),
+                            shown(spotText(session.name(), statistics.firstInexact))});
+        }
+        rows.push_back({"longest", counted(statistics.longest, "byte"),
+                        shown(spotText(session.name(), statistics.longestAt))});
+    }
+    print(out, rows);
+    out.flush();
+    return DONE;
+}

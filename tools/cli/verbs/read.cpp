@@ -1,0 +1,95 @@
+// qvejmap read: the rows of one table on standard output.
+//
+// Tested by tests/tool/golden/read.t
+#include "client/cursor.h"
+#include "client/error.h"
+#include "client/table_pass.h"
+#include "formats/writer.h"
+#include "tools/cli/failure.h"
+#include "tools/cli/reports/rejects.h"
+#include "tools/cli/reports/remarks.h"
+#include "tools/cli/reports/tell.h"
+#include "tools/cli/session.h"
+#include "tools/cli/verbs/verbs.h"
+
+namespace {
+
+// The table, or a failure that names others.
+const qvej::Table& findTable(const qvej::Document& document, const Options& options) {
+    const std::string& name = options.operands[1];
+    const qvej::Table* table = document.find(name);
+    if (table != nullptr) {
+        return *table;
+    }
+    std::vector<std::string> names;
+    for (const qvej::Table& other : document.tables()) {
+        names.push_back(other.name);
+    }
+    if (!options.alldataName.empty()) {
+        names.push_back(options.alldataName);
+    }
+    const std::string hint = suggestion(name, names);
+    throw Failure(NO_TABLE, "no table named " + visible(name) +
+                                (hint.empty() ? " (qvejmap tables lists them)" : hint));
+}
+
+// The notes that the engine makes of reading a table: a pass has none.
+void noteReading(const qvej::Document& document, const qvej::Table& table, const Options& options) {
+    qvej::Cursor cursor(document, table, options.retain);
+    for (uint64_t rows = 0; rows < options.limit && cursor.next(); ++rows) {
+    }
+}
+
+// How many there were.
+uint64_t writeRows(const qvej::Document& document, const qvej::Table& table, const Options& options,
+                   Rejects& rejects) {
+    Writer out = standardOutput();
+    const std::unique_ptr<qvej::Sink> sink = options.format->make(out, options.formatOptions);
+    qvej::PassRow row(document, table, rejects.handlerFor(table));
+    qvej::TablePass pass(document, {&table}, options.retain);
+    sink->begin(table.columns);
+    for (qvej::PassItem item; row.rows() < options.limit && pass.next(item);) {
+        if (row.take(item)) {
+            sink->row(row);
+        }
+    }
+    sink->end();
+    out.flush();
+    return row.rows();
+}
+
+}  // namespace
+
+ExitCode runRead(const Options& options) {
+    const Sources sources = sourcesOf(options.operands[0], options.map);
+    if (!options.rejects.empty()) {
+        OutputFiles::checkFile(options.rejects, options.force, sources);
+    }
+    const Session session(options);
+    const qvej::Document& document = session.document();
+    if (session.map() != nullptr && !options.quiet) {
+        tellMapOddities(session.map()->name(), document.tables());
+    }
+    const qvej::Table& table = findTable(document, options);
+    const std::string hiding = hiddenAlldata(document, options.alldataName);
+    if (!hiding.empty() && !options.quiet &&
+        qvej::equalIgnoringCase(table.name, options.alldataName)) {
+        tell(hiding);
+    }
+    try {
+        Rejects rejects(options.rejects, options.force, sources);
+        if (!options.debug.empty()) {
+            noteReading(document, table, options);
+        }
+        const uint64_t rows = writeRows(document, table, options, rejects);
+        const bool all = options.limit != 0;  // else no rows say nothing
+        tellLosses(session.name(), document, {{&table, all ? rows : 1}});
+        if (options.format->name == "ndjson") {
+            tellSharedMembers(session.mapName(), {&table});
+        }
+        rejects.commit();
+        return rejects.tellAll();
+    } catch (const qvej::Error& error) {
+        session.failReading(error);
+    }
+}

@@ -1,0 +1,77 @@
+// qvejmap tables: the tables of the automatic map, or all their columns.
+//
+// A line a table (or column), fields separated by TABs, aligned with blanks on a terminal.  Control
+// characters and backslashes appear as JSON escapes.
+//
+// Tested by tests/tool/golden/tables.t and tests/tool/golden/terminal.t
+#include "client/escape.h"
+#include "formats/writer.h"
+#include "tools/cli/reports/listing.h"
+#include "tools/cli/reports/remarks.h"
+#include "tools/cli/reports/tell.h"
+#include "tools/cli/session.h"
+#include "tools/cli/verbs/verbs.h"
+
+#include <array>
+
+namespace {
+
+constexpr std::array<std::string_view, 3> kTypeNames = {"ORDINAL", "NUMERIC", "CHARACTER"};
+
+std::string shownPath(const std::string& path) {
+    return escaped(qvej::withSlashes(path));
+}
+
+std::vector<Row> listTables(const qvej::Document& document, bool namesOnly) {
+    std::vector<Row> rows;
+    for (const qvej::Table& table : document.tables()) {
+        rows.push_back({escaped(table.name)});
+        if (!namesOnly) {
+            rows.back().push_back(std::to_string(table.columns.size()));
+            rows.back().push_back(shownPath(table.path));
+        }
+    }
+    return rows;
+}
+
+std::vector<Row> listColumns(const qvej::Document& document) {
+    std::vector<Row> rows;
+    for (const qvej::Table& table : document.tables()) {
+        for (const qvej::Column& column : table.columns) {
+            rows.push_back({escaped(table.name), escaped(column.name),
+                            std::string(kTypeNames[static_cast<std::size_t>(column.type)]),
+                            std::to_string(column.length), shownPath(column.path)});
+        }
+    }
+    return rows;
+}
+
+}  // namespace
+
+ExitCode runTables(const Options& options) {
+    const Session session(options);
+    const qvej::Document& document = session.document();
+    if (session.map() != nullptr) {
+        if (!options.quiet) {
+            tellMapOddities(session.map()->name(), document.tables());
+        }
+        tellCuts(session.map()->name(), document.tables());
+    }
+    std::vector<Row> rows =
+        options.columns ? listColumns(document) : listTables(document, options.names);
+
+    Writer out = standardOutput();
+    print(out, rows);
+    out.flush();
+
+    const std::string shared = sharedNames(document, options.alldataName);
+    if (!shared.empty() && !options.quiet) {
+        tell(shared);
+    }
+    std::vector<const qvej::Table*> tables;
+    for (const qvej::Table& table : document.tables()) {
+        tables.push_back(&table);
+    }
+    tellInexact(session.name(), document, tables, options.columns);
+    return DONE;
+}

@@ -1,0 +1,58 @@
+// See verbs.h.
+#include "tools/cli/verbs/verbs.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr Verb kVerbs[] = {
+    {"tables", "FILE", "list the tables: name, number of columns, path", 1, 1, runTables},
+    {"map", "FILE [-o OUT]", "print the map of tables and columns as JSON", 1, 1, runMap},
+    {"map check", "MAP [FILE]", "is the map well formed? does it fit the document?", 1, 2,
+     runMapCheck},
+    {"map diff", "A B", "what one map has and another has not", 2, 2, runMapDiff},
+    {"map merge", "A B... [-o OUT]", "one map that holds all tables and columns of several", 2,
+     SIZE_MAX, runMapMerge},
+    {"map explain", "FILE TABLE.COLUMN", "why a column is what it is, and where that was seen", 2,
+     2, runMapExplain},
+    {"read", "FILE TABLE", "print the rows of one table (or of ALLDATA)", 2, 2, runRead},
+    {"convert", "FILE -o DIR", "write every table to a file of its own", 1, 1, runConvert},
+    {"records", "FILE", "print every record: kind, path, value", 1, 1, runRecords},
+    {"check", "FILE", "is it well formed? with --account: where do its values go?", 1, 1, runCheck},
+};
+
+const Verb* verbNamed(std::string_view name) {
+    const auto* found = std::find_if(std::begin(kVerbs), std::end(kVerbs),
+                                     [&](const Verb& v) { return v.name == name; });
+    return found == std::end(kVerbs) ? nullptr : found;
+}
+
+}  // namespace
+
+std::span<const Verb> allVerbs() {
+    return kVerbs;
+}
+
+FoundVerb findVerb(const std::vector<std::string>& words) {
+    for (std::size_t at = 0; at < words.size(); ++at) {
+        if (at + 1 < words.size()) {
+            const Verb* two = verbNamed(words[at] + " " + words[at + 1]);
+            if (two != nullptr) {
+                return {two, at, 2};
+            }
+        }
+        const Verb* one = verbNamed(words[at]);
+        if (one != nullptr) {
+            return {one, at, 1};
+        }
+    }
+    return {nullptr, 0, 0};
+}
+
+std::string operandName(const Verb& verb, std::size_t index) {
+    std::string_view rest = verb.arguments;
+    for (; index != 0; --index) {
+        rest.remove_prefix(rest.find(' ') + 1);
+    }
+    return std::string(rest.substr(0, rest.find_first_of(" .]")));
+}
