@@ -135,7 +135,7 @@ struct Axis {
     std::size_t least;  // n
     std::string (*document)(std::size_t n);
     std::string (*map)(std::size_t n);  // null: no user map
-    std::vector<Step> steps;            // behind scan and map
+    std::vector<Step> steps;            // after scan and map
 };
 
 const Axis kAxes[] = {

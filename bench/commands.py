@@ -8,7 +8,7 @@ orders2000.json (2 GB), and takes what is written; scripts/bench makes it.  $JMA
 Python that has the package duckdb.  What is not there is left out, with a line.
 
 Wall and processor time in seconds, peak resident memory in MB of 1,000,000 bytes.  "warm" is the
-median of the runs behind the first; each writes into a directory that was not there.
+median of the runs after the first; each writes into a directory that was not there.
 """
 import os
 import statistics
@@ -34,7 +34,7 @@ def run(command):
 
 
 def warm(runs):
-    """The median of each figure over the runs behind the first, the peak over all."""
+    """The median of each figure over the runs after the first, the peak over all."""
     later = runs[1:] or runs
     return Run(statistics.median(r.wall for r in later),
                statistics.median(r.processor for r in later), max(r.peak for r in runs))

@@ -63,7 +63,7 @@ std::vector<QVFMTEntry> entriesOf(QVStatus (*at)(QVFMTh, QVStrSize, QVFMTEntry*)
     return all;
 }
 
-// One of the catalogue, or behind its end a pattern.
+// One of the catalogue, or after its end a pattern.
 Choice chosen(const std::vector<QVFMTEntry>& catalogue, Input& input) {
     const std::size_t index = (input.byte() & 0x7F) % (catalogue.size() + 3);
     const uint64_t width = input.byte() % 40;

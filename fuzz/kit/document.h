@@ -64,7 +64,7 @@ inline std::string_view textOf(const char* text, QVStrSize textLen) {
 }
 
 // Calls `take` with the text in buffers of `split` bytes (0: one) and whether it is the last one.
-// Each is a copy that ends where its memory ends, so that a sanitizer sees a byte read behind it.
+// Each is a copy that ends where its memory ends, so that a sanitizer sees a read past it.
 template <class Take>
 void inBuffers(std::string_view text, std::size_t split, bool emptyEnd, const Take& take) {
     for (bool done = false; !done;) {

@@ -2,9 +2,9 @@
 //
 // Boost.JSON differs in one point.  It turns numbers into doubles while it parses, and takes an
 // exponent of ten digits or so for a mistake, where our parser hands on the text.  Such a text it
-// gets again, with no more than kExponentDigits digits behind each "e"; what it says of that one
+// gets again, with no more than kExponentDigits digits after each "e"; what it says of that one
 // counts, but its events do not.  Within strings the cut changes characters, but not what is valid:
-// an escape has at most three digits behind an "e".
+// an escape has at most three digits after an "e".
 #include "kit/reference_parser.h"
 
 #include "tests/json/event_log.h"
@@ -22,7 +22,7 @@ bool isDigit(char c) {
 
 std::string withShortExponents(std::string_view text) {
     std::string out;
-    std::size_t digits = 0;  // behind an "e"
+    std::size_t digits = 0;  // after an "e"
     bool exponent = false;
     for (const char c : text) {
         const bool counts = exponent && isDigit(c);

@@ -17,7 +17,7 @@ namespace {
 constexpr uint64_t kLongestCell = 32767;
 
 // The row buffer, then "|" and the raw text of each column; in front of it a line "!COLUMN TEXT"
-// for each text that was no number.  What a row that never ends got stands behind the last one.
+// for each text that was no number.  What a row that never ends got stands after the last one.
 using Rows = std::vector<std::string>;
 
 std::string noNumber(QVStrSize column, std::string_view text) {

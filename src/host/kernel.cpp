@@ -122,7 +122,8 @@ Host::Host(const QVPortableOptions& options, std::unique_ptr<Journal> journal)
 Host::~Host() {
     objects_.endAll();
     if (nls != nullptr) {
-        (void)nls->exth.generic.destroy(&nls->exth.generic);  // nobody is left to hear of a failure
+        (void)nls->exth.generic.destroy(
+            &nls->exth.generic);  // there is no caller left to tell of a failure
     }
 }
 

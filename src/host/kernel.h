@@ -1,4 +1,4 @@
-// The portable host: the handle QVHndl with what stands behind it.
+// The portable host: the handle QVHndl and what it stands for.
 //
 // A Host owns its journal, its national-language service, its modules and the registry of all that
 // is alive.  Its table's services, the registry, the account and the loader may be used by several

@@ -151,7 +151,7 @@ QVExtensionh Loader::load(QVHndlp host, const std::string& name, QVJnlh jnl) {
         note(jnl, U"module %hs not loaded: it needs a newer host", name.c_str());
         return nullptr;
     }
-    // Listed only now, behind what the entry point has made, so that a host which stops ends the
+    // Listed only now, after what the entry point has made, so that a host which stops ends the
     // module before the modules and pools that it stands on.
     auto record = std::make_unique<LoadedModule>(host, ext, name);
     record->object = std::move(object);

@@ -24,7 +24,7 @@ namespace {
 
 constexpr std::size_t kTextSize = 8192;  // more than any of these files has
 
-// The number at the start of a text, behind blanks.
+// The number at the start of a text, after blanks.
 std::optional<uint64_t> numberIn(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
     uint64_t value = 0;
@@ -35,7 +35,7 @@ std::optional<uint64_t> numberIn(std::string_view text) {
     return value;
 }
 
-// The number behind `key` at the start of a line.
+// The number after `key` at the start of a line.
 std::optional<uint64_t> fieldIn(std::string_view text, std::string_view key) {
     while (!text.empty()) {
         if (text.starts_with(key)) {
@@ -47,7 +47,7 @@ std::optional<uint64_t> fieldIn(std::string_view text, std::string_view key) {
     return std::nullopt;
 }
 
-// Memory that nobody uses at all: less than what is available, but known without /proc.
+// Memory that is wholly unused: less than what is available, but known without /proc.
 std::optional<uint64_t> freePages() {
     const long pages = sysconf(_SC_AVPHYS_PAGES);
     const long size = sysconf(_SC_PAGESIZE);

@@ -19,7 +19,7 @@
 
 namespace qvhost {
 
-// The instance behind the head of a table.
+// The instance that a table is the head of.
 template <class Instance, class Table>
 [[nodiscard]] Instance* instanceOf(QVExtensionh ext) noexcept {
     static_assert(offsetof(Table, exth) == 0, "the head is the table's first member");

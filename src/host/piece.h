@@ -4,7 +4,7 @@
 // large piece has its usable size in the 8 bytes before the head.
 //
 // With the address sanitizer everything but the bytes asked for is poisoned, and a red zone stands
-// behind each piece.
+// after each piece.
 //
 // Tested by tests/host/pool_test.cpp
 #pragma once

@@ -98,7 +98,7 @@ class Pool : public QVPool {
 
     // The next piece is cut at cut_.  Invariant: cut_ and heldEnd_ lie in the newest region, what
     // is in front of both has been counted and may be cut (a new region has nothing counted, not
-    // even its record), and cut_ is 8 past a multiple of 16, so that a piece behind its head is
+    // even its record), and cut_ is 8 past a multiple of 16, so that a piece after its head is
     // aligned.
     std::byte* cut_ = nullptr;
     std::byte* heldEnd_ = nullptr;  // counted up to here

@@ -1,4 +1,4 @@
-// The rim between the C tables and the C++ behind them.
+// The rim between the C tables and the C++ that serves them.
 //
 // A table's slot is called by code that knows no exceptions.  `Rim<&routine>::call` is the routine
 // with every exception turned into a result: QV_NOMEM or QV_INTERNAL where it returns a status,

@@ -21,7 +21,7 @@
 
 namespace qvhost {
 
-// A seed that cannot be had matters only to somebody who makes keys collide on purpose.
+// Without a seed the table still works; only keys that were chosen to collide make it slow.
 ByteHash::ByteHash() : seed_(0x9E3779B97F4A7C15) {
     uint64_t drawn;
     if (getrandom(&drawn, sizeof drawn, GRND_NONBLOCK) == static_cast<ssize_t>(sizeof drawn)) {

@@ -78,7 +78,7 @@ TEST_F(IoTest, EachReaderReadsTheBlocksWholeEvenWithoutNameOrInstance) {
 
 TEST_F(IoTest, ANameMeansTheFileThatThisInstanceWroteLast) {
     QVIOFileh const empty = output("f");
-    output("f", QV_IO_REFUSED);  // somebody writes it
+    output("f", QV_IO_REFUSED);  // open for writing already
     QVIOEh const mine = std::exchange(io, host.load<QVIOE>(U"qvioe"));
     output("f", QV_IO_REFUSED);
     input("f", QV_IO_NOTFOUND);

@@ -5,7 +5,7 @@
 namespace qvhost::test {
 namespace {
 
-TEST(Loader, UnloadsASharedObjectBehindTheReleaseOfItsLastInstance) {
+TEST(Loader, UnloadsASharedObjectAfterTheReleaseOfItsLastInstance) {
     const auto isLoaded = [](const char* object) {
         void* const found = dlopen(object, RTLD_NOW | RTLD_NOLOAD);
         return found != nullptr && dlclose(found) == 0;

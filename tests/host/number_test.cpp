@@ -51,7 +51,7 @@ TEST(TextToNumber, RoundsToTheNearestUpToInfinityAndDownToZero) {
         expectAsStandard(text);
     }
     // "&" stands for a long row of zeros: digits and exponents that take each other back, then half
-    // a unit above 1, without and with one more digit far behind, and just below.
+    // a unit above 1, without and with one more digit far to the right, and just below.
     const std::string halfAbove1 = "1.0000000000000001110223024625156540423631668090820312";
     for (std::string text :
          split("1&|0.&1|-0.&e99999999999999999999999|1&e-700000|-0.&25e700001|"

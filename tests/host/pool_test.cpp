@@ -73,7 +73,7 @@ TEST_F(PoolTest, KeepsContentsAndClearsWhatIsAskedForThroughLongRandomLives) {
     }
 }
 
-TEST_F(PoolTest, LeavesLittleBehindWhatGrowsByLittle) {
+TEST_F(PoolTest, LeavesLittleRoomAfterWhatGrowsByLittle) {
     void* mem = get(100);
     for (QVStrSize size = 1000; size < kMiB; size += 1000) {
         mem = resize(mem, size);

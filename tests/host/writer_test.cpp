@@ -23,7 +23,7 @@ std::string document(JSNWriterh w) {
 }
 
 TEST_F(WriterTest, WritesCompactDocumentsAndRefusesCallsOutOfPlace) {
-    // "{" and "[" open, "." closes, a digit begins a number, all else is a string; "!" behind a
+    // "{" and "[" open, "." closes, a digit begins a number, all else is a string; "!" after a
     // call: it is refused, and writes nothing.
     const std::pair<const char*, const char*> cases[] = {
         {"{ a [", "QV_UNSUPPORTED"},

@@ -68,7 +68,7 @@ constexpr Document kDocuments[] = {
     {"no comma in an object", R"({"":1 "b":2})", R"(QV_JSON_OBJECT_NEXT 1:7 { name "" int 1 )"},
     {"no comma in an array", "[1 2]", "QV_JSON_ARRAY_NEXT 1:4 [ int 1 "},
     {"word that goes wrong inside", "{\"a\":falsy}", "QV_JSON_LITERAL 1:10 { name \"a\" "},
-    {"leading zero behind the sign", "[-00.5]", "QV_JSON_LEADING_ZERO 1:4 [ "},
+    {"leading zero after the sign", "[-00.5]", "QV_JSON_LEADING_ZERO 1:4 [ "},
     {"sign alone", "[-]", "QV_JSON_DIGIT 1:3 [ "},
     {"last control character in a name", "{\"\x1F\":1}", "QV_JSON_CONTROL 1:3 { "},
     {"unknown escape", R"(["ab\x"])", "QV_JSON_ESCAPE 1:6 [ "},
@@ -78,15 +78,15 @@ constexpr Document kDocuments[] = {
     {"low surrogate alone", R"(["x\udc00"])", "QV_JSON_SURROGATE 1:4 [ "},
     {"overlong sequence", "[\"ab\xE0\x9F\xBF\"]", "QV_JSON_UTF8 1:5 [ "},
     {"byte that begins nothing", "[\"\xC3\xA9\xFF\"]", "QV_JSON_UTF8 1:5 [ "},
-    {"sequence cut by the quote, behind an escape", "[\"\\n\xE2\x82\"]", "QV_JSON_UTF8 1:5 [ "},
+    {"sequence cut by the quote, after an escape", "[\"\\n\xE2\x82\"]", "QV_JSON_UTF8 1:5 [ "},
     {"second value", "{} {}", "QV_JSON_TRAILING 1:4 { } "},
-    {"comment behind the document", "[]\n// end", "QV_JSON_TRAILING 2:1 [ ] "},
+    {"comment after the document", "[]\n// end", "QV_JSON_TRAILING 2:1 [ ] "},
     {"byte order mark", "\xEF\xBB\xBF{}", "QV_JSON_BOM 1:1 "},
     {"half a byte order mark", "\xEF\xBB{}", "QV_JSON_VALUE 1:1 "},
-    {"byte order mark behind a blank", " \xEF\xBB\xBF{}", "QV_JSON_BOM 1:2 "},
+    {"byte order mark after a blank", " \xEF\xBB\xBF{}", "QV_JSON_BOM 1:2 "},
     {"comment before the document", "// x\n{}", "QV_JSON_COMMENT 1:1 "},
     {"comment before a name", "{ /* x */ \"a\":1}", "QV_JSON_COMMENT 1:3 { "},
-    {"comment behind a value", "[1,\n 2 // x\n]", "QV_JSON_COMMENT 2:4 [ int 1 int 2 "},
+    {"comment after a value", "[1,\n 2 // x\n]", "QV_JSON_COMMENT 2:4 [ int 1 int 2 "},
     {"carriage returns end no line", "[1,\r\n\r 2,\n\n  ?]", "QV_JSON_VALUE 4:3 [ int 1 int 2 "},
 
     {"open object", "{\"a\":{\n\"b\"", R"(QV_EOF 2:4 { name "a" { name "b" )"},
@@ -120,10 +120,10 @@ TEST(Parser, CutsChangeNothingAtAnyLength) {
             for (std::size_t i = 0; i < 8; ++i) {  // names and values end near and far
                 document += "{\"" + std::string(random() % 64, 'n') + "\":\"" + text + "\"},";
             }
-            for (const char* behind : {",", "e5,", "E-7 ,", "\n,"}) {
+            for (const char* after : {",", "e5,", "E-7 ,", "\n,"}) {
                 document += std::string(1 + random() % 40, '1');
                 document += (random() % 4 == 0 ? "" : "." + std::string(1 + random() % 40, '2'));
-                document += behind;
+                document += after;
             }
             document += blanks + "1]" + blanks + "}";
             const std::string whole = parseIn(document, 1);
@@ -162,7 +162,7 @@ TEST(Parser, EveryKernelKnowsTheBytesThatStopText) {
     }
 }
 
-// A failing callback ends the parse behind its token, whichever event it is.
+// A failing callback ends the parse after its token, whichever event it is.
 TEST(Parser, PassesTheStatusOfACallbackOn) {
     constexpr std::string_view kText = "{\"a\":[1,2.5,\"x\\n\",true,null],\n\"b\":{}} ";
     uint64_t event = 0;
@@ -208,8 +208,8 @@ TEST(Parser, TakesLinesAsTheElementsOfOneArray) {
         {"blank lines and white space around", "\n 1 \r\n\n\n\t[2]\t\n\n",
          "QV_OK 7:1 [ int 1 [ int 2 ] ] "},
         {"two values in a line", "[1]\n[2] [3]", "QV_JSON_LINE_REST 2:5 [ [ int 1 ] [ int 2 ] "},
-        {"comma behind a value", "1,\n2", "QV_JSON_LINE_REST 1:2 [ int 1 "},
-        {"bracket behind a value", "{}]", "QV_JSON_LINE_REST 1:3 [ { } "},
+        {"comma after a value", "1,\n2", "QV_JSON_LINE_REST 1:2 [ int 1 "},
+        {"bracket after a value", "{}]", "QV_JSON_LINE_REST 1:3 [ { } "},
         {"bracket alone", "1\n]", "QV_JSON_VALUE 2:1 [ int 1 "},
         {"member over the line end", "{\"a\":\n1}", "QV_JSON_LINE_END 1:6 [ { name \"a\" "},
         {"name over it", "{\"a\"\n:1}", "QV_JSON_LINE_END 1:5 [ { name \"a\" "},

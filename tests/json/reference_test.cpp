@@ -19,13 +19,13 @@ void agreeOn(const std::string& text) {
     EXPECT_EQ(result, parseIn(text, 1)) << testing::PrintToString(text);
 }
 
-// All texts of up to `maxParts` parts of an alphabet, between `before` and `behind`.
+// All texts of up to `maxParts` parts of an alphabet, between `before` and `after`.
 void agreeOnAll(const std::vector<std::string>& alphabet, std::size_t maxParts,
-                const std::string& before, const std::string& behind) {
-    agreeOn(before + behind);
+                const std::string& before, const std::string& after) {
+    agreeOn(before + after);
     for (const std::string& part : alphabet) {
         if (maxParts != 0 && !testing::Test::HasFailure()) {
-            agreeOnAll(alphabet, maxParts - 1, before + part, behind);
+            agreeOnAll(alphabet, maxParts - 1, before + part, after);
         }
     }
 }
@@ -40,7 +40,7 @@ TEST(Reference, AgreesOnAllSmallTexts) {
                "\"]");
 }
 
-// Each first byte that is special with bytes at and beside every bound behind it.
+// Each first byte that is special with bytes at and beside every bound after it.
 TEST(Reference, AgreesOnUtf8) {
     for (const char* first : {"\xC0", "\xC1", "\xC2", "\xDF", "\xE0", "\xE1", "\xEC", "\xED",
                               "\xEE", "\xEF", "\xF0", "\xF1", "\xF3", "\xF4", "\xF5", "\xFF"}) {

@@ -223,9 +223,9 @@ std::optional<date::sys_days> dayOfNumber(double days) noexcept {
 
 std::optional<Microseconds> momentOfNumber(double seconds) noexcept {
     constexpr double kFirst = std::chrono::seconds(kFirstDay.time_since_epoch()).count();
-    constexpr double kBehindLast =
+    constexpr double kPastLast =
         std::chrono::seconds(kLastDay.time_since_epoch() + date::days(1)).count();
-    if (!(seconds >= kFirst && seconds < kBehindLast)) {
+    if (!(seconds >= kFirst && seconds < kPastLast)) {
         return std::nullopt;
     }
     const double whole = std::floor(seconds);

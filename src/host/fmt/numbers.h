@@ -20,7 +20,7 @@ struct NumberForm {
     uint64_t decimals = 0;   // places of a text that has no point
 };
 
-// [ "+" | "-" ] digits [ "." digits ] [ exponent ], with at least one digit before or behind the
+// [ "+" | "-" ] digits [ "." digits ] [ exponent ], with at least one digit before or after the
 // point; without blanks around.  Too large a magnitude gives infinity.  None for any other text.
 //   scratch  memory for the text in another form
 [[nodiscard]] std::optional<double> readNumber(std::string_view text, const NumberForm& form,

@@ -149,7 +149,7 @@ int meaning(char letter, int number) noexcept {
     return letter == 'w' && number == 0 ? 7 : number;
 }
 
-// `after` is the character of the pattern behind the letter.
+// `after` is the character of the pattern after the letter.
 bool readLetter(const Letter& letter, char after, Scanner& scanner, DateParts& parts) noexcept {
     int number = 0;
     switch (letter.letter) {

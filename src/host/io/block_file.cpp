@@ -54,7 +54,7 @@ int open(const Syscalls& calls, const std::string& path, int flags) {
     });
 }
 
-// A file under a name that nobody knows, and that it has only for a moment.
+// A file under a random name, which is removed at once.
 int openBriefly(const Syscalls& calls, const std::string& directory) {
     std::random_device random;
     std::string path = directory + "qvejmap-";
@@ -121,7 +121,7 @@ QVStatus BlockFile::claim() {
 }
 
 BlockFile::~BlockFile() {
-    (void)calls_.close(fd_);  // nobody is left who could want the bytes
+    (void)calls_.close(fd_);  // no one needs the bytes any more
 }
 
 QVStatus BlockFile::append(std::span<const char> block) {

@@ -1,4 +1,4 @@
-// The built-in module "qvioe": files of blocks behind the table QVIOE.
+// The built-in module "qvioe": files of blocks, as the table QVIOE.
 //
 // Names are turned into paths as file_name.h says; what output may write to is said in
 // block_file.h. An instance knows every file that it wrote by its name, for as long as it lives: a

@@ -1,4 +1,4 @@
-// The built-in module "qvejson": the parser and the writer behind the table QVJSON.
+// The built-in module "qvejson": the parser and the writer, as the table QVJSON.
 //
 // Tested by tests/json/
 #pragma once

@@ -149,7 +149,7 @@ const uint8_t* Parser::word(const uint8_t* p, const uint8_t* end) {
 
 // ---- JSON Lines -------------------------------------------------------------------------------
 
-// Behind the value of a line, perhaps in a later buffer: the rest of the line, and what follows up
+// After the value of a line, perhaps in a later buffer: the rest of the line, and what follows up
 // to the next value.
 const uint8_t* Parser::nextLine(const uint8_t* p, const uint8_t* end) {
     const int64_t before = line_;

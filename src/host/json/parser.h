@@ -48,16 +48,16 @@ class Parser : public JSNParser {
     // What comes next.
     enum class State : uint8_t {
         BEGIN,           // the first byte: a byte order mark is told apart here
-        BOM,             // behind the first bytes of what may be one
+        BOM,             // after the first bytes of what may be one
         DOCUMENT,        // the value of the document
-        VALUE,           // behind ':'
-        NAME,            // behind ',' in an object
-        NAME_OR_END,     // behind '{'
-        COLON,           // behind a member name
-        MEMBER_NEXT,     // behind a member: ',' or '}'
-        ELEMENT,         // behind ',' in an array
-        ELEMENT_OR_END,  // behind '['
-        ELEMENT_NEXT,    // behind an element: ',' or ']'
+        VALUE,           // after ':'
+        NAME,            // after ',' in an object
+        NAME_OR_END,     // after '{'
+        COLON,           // after a member name
+        MEMBER_NEXT,     // after a member: ',' or '}'
+        ELEMENT,         // after ',' in an array
+        ELEMENT_OR_END,  // after '['
+        ELEMENT_NEXT,    // after an element: ',' or ']'
         TOKEN,           // inside a token that crosses the end of a buffer
         DONE,            // only white space
         FAILED           // nothing: `status_` is the answer for ever, a mistake or the end
@@ -73,7 +73,7 @@ class Parser : public JSNParser {
     static QVStatus destroyParser(QVGeneric* self);
     QVStatus parseBytes(const uint8_t* buf, std::size_t bufLen, bool done);
 
-    // The loop and its steps (parser_loop.cpp).  A step gives the byte behind what it took, or null
+    // The loop and its steps (parser_loop.cpp).  A step gives the byte after what it took, or null
     // when the call must end with `status_`.
     void loop(const uint8_t* p, const uint8_t* end);
     const uint8_t* inside(const uint8_t* p, const uint8_t* end, TextWindow& window);
@@ -94,7 +94,7 @@ class Parser : public JSNParser {
     const uint8_t* spaceRun(const uint8_t* p, const uint8_t* end);
     const uint8_t* loneScalar(const uint8_t* p, const uint8_t* end);
     const uint8_t* word(const uint8_t* p, const uint8_t* end);
-    // What comes behind a value.
+    // What comes after a value.
     [[nodiscard]] State afterValue() const {
         const Container container = containers_.innermost();
         return container == Container::OBJECT  ? State::MEMBER_NEXT
@@ -108,7 +108,7 @@ class Parser : public JSNParser {
         const int32_t flags = token == Token::NAME ? JSN_MEMBERNAME : JSN_VALUE;
         return delivered(callbacks_->string(callbacks_, text, stop - text, flags), p);
     }
-    // Behind an event whose callback gave `status`.
+    // After an event whose callback gave `status`.
     const uint8_t* delivered(QVStatus status, const uint8_t* p) {
         return status == QV_OK ? p : fail(status, p);
     }

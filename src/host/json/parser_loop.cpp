@@ -5,7 +5,7 @@
 //
 // What limits short tokens is less the work than how long the place of a token takes to follow from
 // the one before it.  So that place is never computed from a byte that was looked at, where a
-// branch, which can be foretold, will do.
+// branch, which is predicted well, will do.
 //
 // Tested by tests/json/parser_test.cpp and, for speed, bench/bench_parser.cpp
 #include "host/json/parser.h"
@@ -49,7 +49,7 @@ void Parser::loop(const uint8_t* p, const uint8_t* end) {
                     return unexpected(QV_JSON_NAME, p);
                 }
                 stops = window.near(p + 1);
-                p = string(p, stops.behind(p + 1), end, window, Token::NAME);
+                p = string(p, stops.from(p + 1), end, window, Token::NAME);
                 if (p == nullptr) {
                     return nullptr;
                 }
@@ -230,9 +230,9 @@ void Parser::loop(const uint8_t* p, const uint8_t* end) {
                                                             const uint8_t* end,
                                                             TextWindow& window) {
     if (*p == '"') {
-        const uint8_t* stop = stops.behind(p + 1);
+        const uint8_t* stop = stops.from(p + 1);
         if (stop == nullptr) {
-            stop = window.near(p + 1).behind(p + 1);
+            stop = window.near(p + 1).from(p + 1);
         }
         return string(p, stop, end, window, Token::STRING);
     }
@@ -259,11 +259,11 @@ void Parser::loop(const uint8_t* p, const uint8_t* end) {
     const uint8_t* stop = window.stop(text);
     if (utf8_) {
         while (stop != end && *stop >= 0x80) {
-            const uint8_t* behind = utf8Run(stop, end);
-            if (behind == stop) {
+            const uint8_t* after = utf8Run(stop, end);
+            if (after == stop) {
                 break;
             }
-            stop = window.stop(behind);
+            stop = window.stop(after);
         }
     }
     if (stop == end || *stop != '"') {

@@ -31,7 +31,7 @@ class GrowingBytes {
     void clear() { size_ = 0; }
     void shrink(std::size_t size) { size_ = size; }  // size <= size()
 
-    // The place behind the last byte, with room for `extra` more.
+    // The place after the last byte, with room for `extra` more.
     uint8_t* room(std::size_t extra) {
         if (capacity_ - size_ < extra) {
             grow(extra);

@@ -87,11 +87,11 @@ QVStatus StringCollector::collect(const uint8_t*& p, const uint8_t* end) {
 const uint8_t* StringCollector::plainEnd(const uint8_t* p, const uint8_t* end) const {
     for (;;) {
         p = scan_(p, end);
-        const uint8_t* behind = page_ == nullptr ? utf8Run(p, end) : p;
-        if (behind == p) {
+        const uint8_t* after = page_ == nullptr ? utf8Run(p, end) : p;
+        if (after == p) {
             return p;
         }
-        p = behind;
+        p = after;
     }
 }
 
@@ -133,7 +133,7 @@ QVStatus StringCollector::byte(uint8_t b) {
     return QV_INTERNAL;  // not reached
 }
 
-// The letter behind a backslash.
+// The letter after a backslash.
 QVStatus StringCollector::escape(uint8_t b) {
     if (b == 'u') {
         place_ = Place::HEX;

@@ -28,7 +28,7 @@ class StringCollector {
     // Begins a string with the plain text [from, to).
     void begin(const uint8_t* from, const uint8_t* to);
 
-    // Takes bytes from `p` on.  QV_OK: the string is whole and `p` behind its quote; QV_EOF: all
+    // Takes bytes from `p` on.  QV_OK: the string is whole and `p` after its quote; QV_EOF: all
     // bytes are used up; else a mistake, and `mistake()` bytes before `p` is the offending one.
     QVStatus collect(const uint8_t*& p, const uint8_t* end);
     [[nodiscard]] int mistake() const { return mistake_; }
@@ -37,9 +37,9 @@ class StringCollector {
     enum class Place : uint8_t {
         PLAIN,         // at a byte of text
         SEQUENCE,      // inside a UTF-8 sequence
-        ESCAPE,        // behind a backslash
-        HEX,           // behind "\u" and less than four digits
-        LOW_BACKSLASH  // behind a high surrogate: only the escape of a low one may follow
+        ESCAPE,        // after a backslash
+        HEX,           // after "\u" and less than four digits
+        LOW_BACKSLASH  // after a high surrogate: only the escape of a low one may follow
     };
 
     const uint8_t* plainEnd(const uint8_t* p, const uint8_t* end) const;

@@ -2,7 +2,7 @@
 // and the one that checks the others.
 //
 // A kernel is a structure of static routines.  Each looks at the bytes from `p` on, never at or
-// behind `end`, and returns where the run ends; `end` when all of it belongs to the run.
+// after `end`, and returns where the run ends; `end` when all of it belongs to the run.
 //
 // Tested by tests/json/parser_test.cpp
 #pragma once
@@ -29,8 +29,8 @@ struct LineEnds {
 
 // The digits of a number.
 struct DecimalRun {
-    const uint8_t* point;  // behind the first digits
-    const uint8_t* end;    // behind all; the same when there is no point
+    const uint8_t* point;  // after the first digits
+    const uint8_t* end;    // after all; the same when there is no point
 };
 
 struct ScanPortable {
@@ -55,19 +55,19 @@ struct ScanPortable {
         }
     }
 
-    // Digits, and behind a point more of them.
+    // Digits, and after a point more of them.
     static DecimalRun decimal(const uint8_t* p, const uint8_t* end) {
         const uint8_t* point = digits(p, end);
         return {point, point != end && *point == '.' ? digits(point + 1, end) : point};
     }
     // The same where the first 32 bytes have been compared: bit i of `others` for p[i] no digit.
     static DecimalRun decimal(const uint8_t* p, const uint8_t* end, uint32_t others) {
-        const uint32_t behind = others & (others - 1);
-        if (behind == 0) {
+        const uint32_t after = others & (others - 1);
+        if (after == 0) {
             return decimal(p, end);
         }
         const uint8_t* point = p + std::countr_zero(others);
-        return {point, *point == '.' ? p + std::countr_zero(behind) : point};
+        return {point, *point == '.' ? p + std::countr_zero(after) : point};
     }
 
     // White space.  Adds its line feeds to `lines`.
@@ -102,7 +102,7 @@ struct ScanPortable {
         const uint64_t noControl = low + kOnes * 0x60;
         const uint64_t asciiStops = ~((noQuote & noBackslash & noControl) | bytes) & kTop;
         const uint64_t stops = kUtf8 ? asciiStops | (bytes & kTop) : asciiStops;
-        return (stops >> 7) * 0x0102040810204080 >> 56;  // the top bits, one behind the other
+        return (stops >> 7) * 0x0102040810204080 >> 56;  // the top bits, one after the other
     }
 };
 

@@ -1,5 +1,5 @@
 // Scanning runs of bytes, 16 at a time.  SSE2 belongs to every x86-64 machine, so this is the
-// kernel in use there when nothing wider is offered; what is left of a buffer behind the last 16
+// kernel in use there when nothing wider is offered; what is left of a buffer after the last 16
 // bytes goes to the portable kernel.
 //
 // Tested by tests/json/parser_test.cpp

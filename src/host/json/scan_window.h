@@ -1,7 +1,7 @@
 // Where the text of strings stops, found for a stretch of a buffer at a time.
 //
 // Most strings are short, so a vector load for each would make every token wait for the one before
-// it.  Here all stops of a stretch are found ahead, one bit a byte; the next stop behind a byte is
+// it.  Here all stops of a stretch are found ahead, one bit a byte; the next stop after a byte is
 // then one load, one shift and one bit count away, wherever the byte stands.
 //
 // Tested by tests/json/parser_test.cpp
@@ -24,7 +24,7 @@ class NearStops {
     NearStops(const uint8_t* from, uint64_t stops) : from_(from), stops_(stops) {}
 
     // The first stop from `p` on, null when it is not near.  `p` is not before the place.
-    [[nodiscard]] const uint8_t* behind(const uint8_t* p) const {
+    [[nodiscard]] const uint8_t* from(const uint8_t* p) const {
         const auto skipped = static_cast<std::size_t>(p - from_);
         const uint64_t ahead = skipped < 64 ? stops_ >> skipped : 0;
         return ahead != 0 ? p + static_cast<unsigned>(std::countr_zero(ahead)) : nullptr;
@@ -54,7 +54,7 @@ class TextWindow {
                 find(p);
             }
             while (p != known_) {
-                if (const uint8_t* found = near(p).behind(p); found != nullptr) {
+                if (const uint8_t* found = near(p).from(p); found != nullptr) {
                     return found;
                 }
                 p += std::min(kSeen, known_ - p);
@@ -100,7 +100,7 @@ class TextWindow {
     const uint8_t* known_;             // and its end
     const uint8_t* end_;               // of the buffer
     uint64_t stops_[kBytes / 64 + 1];  // bit i of stops_[n]: the text stops at base_[64 * n + i];
-                                       // behind the stretch all are 0
+                                       // after the stretch all are 0
 };
 
 }  // namespace qvhost

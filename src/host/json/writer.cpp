@@ -82,7 +82,7 @@ QVStatus Writer::openFrame(int32_t kind) {
     return QV_OK;
 }
 
-// Kept: an object may be closed behind a name, which then stands without colon and value.  That is
+// Kept: an object may be closed after a name, which then stands without colon and value.  That is
 // the one way to a document that is not JSON: the map writer gives a column of a type without a
 // word no value, so its next name becomes the value and the column's last string a name on its own.
 QVStatus Writer::closeFrame() {

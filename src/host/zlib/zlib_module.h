@@ -1,4 +1,4 @@
-// The built-in module "qvezlib": zlib behind the table QVZLIB.
+// The built-in module "qvezlib": zlib, as the table QVZLIB.
 //
 // Tested by tests/frame/equality_test.cpp
 #pragma once
