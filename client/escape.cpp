@@ -3,6 +3,8 @@
 
 #include <unicode/uchar.h>
 
+namespace qvej {
+
 namespace escape_detail {
 
 std::string_view escapeOf(unsigned character, std::array<char, 6>& room) {
@@ -59,3 +61,5 @@ std::size_t displayWidth(std::string_view text) {
     }
     return width;
 }
+
+}  // namespace qvej

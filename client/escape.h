@@ -13,6 +13,8 @@
 #include <string>
 #include <string_view>
 
+namespace qvej {
+
 // What to escape, besides bytes that are no UTF-8.
 enum Escape : unsigned {
     CONTROLS = 1,   // as \n, \t, \u001b ...
@@ -101,3 +103,5 @@ std::string escaped(std::string_view text);
 
 // Columns that the text takes on a terminal.
 std::size_t displayWidth(std::string_view text);
+
+}  // namespace qvej

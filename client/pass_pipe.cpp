@@ -15,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+namespace qvej {
 namespace {
 
 constexpr std::size_t kBatches = 4;
@@ -25,7 +26,7 @@ constexpr std::size_t kBatchBytes = std::size_t{1} << 20;  // of texts
 // Items with all that they point to.
 class Batch {
    public:
-    void add(const qvej::PassItem& item, bool copyTexts) {
+    void add(const PassItem& item, bool copyTexts) {
         items_.push_back(item);
         cells_.insert(cells_.end(), item.cells.begin(), item.cells.end());
         copied_ = copyTexts;
@@ -41,11 +42,11 @@ class Batch {
     [[nodiscard]] bool empty() const { return items_.empty(); }
 
     // The items, which point into the batch.
-    std::span<const qvej::PassItem> items() {
-        qvej::PassCell* cells = cells_.data();
+    std::span<const PassItem> items() {
+        PassCell* cells = cells_.data();
         const char* text = texts_.data();
-        for (qvej::PassItem& item : items_) {
-            const std::span<qvej::PassCell> own(cells, item.cells.size());
+        for (PassItem& item : items_) {
+            const std::span<PassCell> own(cells, item.cells.size());
             item.cells = own;
             cells += own.size();
             if (copied_) {
@@ -62,11 +63,11 @@ class Batch {
     }
 
    private:
-    static bool holdsText(const qvej::PassCell& cell) {
+    static bool holdsText(const PassCell& cell) {
         return cell.kind != JMAP_CELL_MISSING && cell.kind != JMAP_CELL_COUNT;
     }
-    void keepTexts(const qvej::PassItem& item) {
-        for (const qvej::PassCell& cell : item.cells) {
+    void keepTexts(const PassItem& item) {
+        for (const PassCell& cell : item.cells) {
             if (holdsText(cell)) {
                 keep({cell.text, static_cast<std::size_t>(cell.textLen)});
             }
@@ -76,9 +77,8 @@ class Batch {
     void keep(std::string_view text) { texts_.insert(texts_.end(), text.begin(), text.end()); }
 
     // The texts of an item are those at `text`; returns where they end.
-    static const char* pointTo(const char* text, qvej::PassItem& item,
-                               std::span<qvej::PassCell> cells) {
-        for (qvej::PassCell& cell : cells) {
+    static const char* pointTo(const char* text, PassItem& item, std::span<PassCell> cells) {
+        for (PassCell& cell : cells) {
             if (holdsText(cell)) {
                 cell.text = text;
                 text += cell.textLen;
@@ -88,9 +88,9 @@ class Batch {
         return text + item.text.size();
     }
 
-    std::vector<qvej::PassItem> items_;
-    std::vector<qvej::PassCell> cells_;  // in the order of the items
-    std::vector<char> texts_;            // in the order of the cells
+    std::vector<PassItem> items_;
+    std::vector<PassCell> cells_;  // in the order of the items
+    std::vector<char> texts_;      // in the order of the cells
     bool copied_ = false;
 };
 
@@ -163,10 +163,10 @@ std::thread startQuietly(const Routine& routine) {
     return thread;
 }
 
-void fill(Pipe& pipe, qvej::TablePass& pass) {
+void fill(Pipe& pipe, TablePass& pass) {
     const bool copyTexts = !pass.textsStay();
     std::unique_ptr<Batch> batch = pipe.takeEmpty();
-    qvej::PassItem item = {};
+    PassItem item = {};
     while (batch != nullptr && pass.next(item)) {
         batch->add(item, copyTexts);
         if (batch->full()) {
@@ -179,9 +179,8 @@ void fill(Pipe& pipe, qvej::TablePass& pass) {
     }
 }
 
-void runAlone(qvej::TablePass& pass,
-              const std::function<void(std::span<const qvej::PassItem>)>& take) {
-    qvej::PassItem item = {};
+void runAlone(TablePass& pass, const std::function<void(std::span<const PassItem>)>& take) {
+    PassItem item = {};
     while (pass.next(item)) {
         take({&item, 1});
     }
@@ -189,8 +188,8 @@ void runAlone(qvej::TablePass& pass,
 
 }  // namespace
 
-void runPass(qvej::TablePass& pass, unsigned threads,
-             const std::function<void(std::span<const qvej::PassItem>)>& take) {
+void runPass(TablePass& pass, unsigned threads,
+             const std::function<void(std::span<const PassItem>)>& take) {
     if (threads < 2) {
         runAlone(pass, take);
         return;
@@ -226,3 +225,5 @@ void runPass(qvej::TablePass& pass, unsigned threads,
         std::rethrow_exception(failure);
     }
 }
+
+}  // namespace qvej

@@ -8,8 +8,12 @@
 #include <functional>
 #include <span>
 
+namespace qvej {
+
 // Calls `take` for the items of the pass, some at a time, in order.  With more than one thread,
 // `take` runs beside the pass, on one other thread; signals are left to the calling one.  What
 // either throws ends both and is thrown here.
-void runPass(qvej::TablePass& pass, unsigned threads,
-             const std::function<void(std::span<const qvej::PassItem>)>& take);
+void runPass(TablePass& pass, unsigned threads,
+             const std::function<void(std::span<const PassItem>)>& take);
+
+}  // namespace qvej

@@ -24,7 +24,7 @@ class NdjsonSink final : public qvej::Sink {
     void begin(const std::vector<qvej::Column>& columns) override {
         for (const qvej::Column& column : columns) {
             std::string head = "\"";
-            appendEscaped(head, column.name, JSON_STRING);
+            qvej::appendEscaped(head, column.name, qvej::JSON_STRING);
             members_.push_back({head + "\":", {}});
         }
     }
@@ -82,7 +82,7 @@ class NdjsonSink final : public qvej::Sink {
     void writeText(std::string_view text) {
         if (anyByte(text, needsCare)) {
             put("\"");
-            appendEscaped(out_, text, JSON_STRING);
+            qvej::appendEscaped(out_, text, qvej::JSON_STRING);
             put("\"");
             return;
         }

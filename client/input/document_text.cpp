@@ -1,6 +1,7 @@
 // See document_text.h.
 #include "client/input/document_text.h"
 
+namespace qvej {
 namespace {
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 }
@@ -37,3 +38,5 @@ std::string_view DocumentText::next() {
     }
     return {};
 }
+
+}  // namespace qvej

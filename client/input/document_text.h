@@ -11,13 +11,15 @@
 #include <string>
 #include <string_view>
 
+namespace qvej {
+
 class DocumentText {
    public:
-    // `encoding`: a name, or "auto" to go by the first bytes.  Throws qvej::Error.
+    // `encoding`: a name, or "auto" to go by the first bytes.  Throws Error.
     DocumentText(const std::string& file, const std::string& encoding, bool replaceInvalid);
 
     // The next piece, empty at the end and where the text is broken.  It lives until the next call.
-    // Throws qvej::Error.
+    // Throws Error.
     std::string_view next();
 
     // The text ends where something stands that is wrong in its encoding.
@@ -47,3 +49,5 @@ class DocumentText {
     std::optional<Recoder> recoder_;  // none: the text passes as it is
     bool begun_ = false;              // the first piece has been handed out
 };
+
+}  // namespace qvej

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
+namespace qvej {
 namespace {
 
 constexpr std::size_t kKept = 256;    // bytes remembered of what has passed
@@ -137,3 +138,5 @@ std::string TextTrail::excerpt(Place place) const {
     }
     return drawExcerpt(line, static_cast<std::size_t>(at - from), start < 0);
 }
+
+}  // namespace qvej

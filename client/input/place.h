@@ -11,6 +11,8 @@
 #include <string>
 #include <string_view>
 
+namespace qvej {
+
 struct Place {
     int64_t line;
     int64_t column;
@@ -46,3 +48,5 @@ class TextTrail {
     int64_t lines_ = 0;       // line feeds before piece_
     int64_t lineStart_ = 0;   // where the line that piece_ begins in starts, in the whole text
 };
+
+}  // namespace qvej

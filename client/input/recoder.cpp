@@ -14,6 +14,7 @@
 #include <cstring>
 #include <limits>
 
+namespace qvej {
 namespace {
 
 constexpr std::size_t kInputBytes = 32768;       // converted at a time
@@ -57,7 +58,7 @@ UConverter* openConverter(const std::string& encoding) {
         converter = ucnv_open(encoding.c_str(), &status);
     }
     if (converter == nullptr) {
-        throw qvej::Error(QV_BADPARMS, "no encoding is named '" + encoding + "'");
+        throw Error(QV_BADPARMS, "no encoding is named '" + encoding + "'");
     }
     return converter;
 }
@@ -237,3 +238,5 @@ int64_t Recoder::columnOf(int64_t offset) const {
     const int64_t before = std::max<int64_t>(textBase_ - offset, 0);
     return (placeOf(textAt) - start) / unitBytes_ + 1 - before;
 }
+
+}  // namespace qvej

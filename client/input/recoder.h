@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+namespace qvej {
+
 // The encoding of a JSON text by its first four bytes: a byte order mark, else where bytes are
 // zero, else UTF-8.
 std::string guessEncoding(std::string_view start);
@@ -21,7 +23,7 @@ class Recoder {
     enum class Invalid { STOPS, IS_REPLACED };  // by U+FFFD
 
     // An encoding by any name that ICU knows; that of UTF-16 or UTF-32 without the order of their
-    // bytes asks `start`, the first bytes of the text.  Throws qvej::Error: unknown encoding.
+    // bytes asks `start`, the first bytes of the text.  Throws Error: unknown encoding.
     Recoder(const std::string& encoding, std::string_view start, Invalid invalid);
 
     // ICU's own name of the encoding, and for Unicode that of guessEncoding.
@@ -76,3 +78,5 @@ class Recoder {
     mutable std::size_t knownText_ = 0;
     mutable std::size_t knownUnit_ = 0;
 };
+
+}  // namespace qvej

@@ -10,6 +10,7 @@
 #include <new>
 #include <stdexcept>
 
+namespace qvej {
 namespace {
 
 constexpr std::size_t kPieceBytes = std::size_t{1} << 20;
@@ -143,6 +144,7 @@ std::string_view Unpacker::next() {
 }
 
 void Unpacker::fail(const std::string& what) const {
-    throw qvej::Error(QV_IO_DAMAGED, std::string("the ") + format_->name() + " data " + what,
-                      name());
+    throw Error(QV_IO_DAMAGED, std::string("the ") + format_->name() + " data " + what, name());
 }
+
+}  // namespace qvej

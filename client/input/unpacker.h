@@ -6,13 +6,15 @@
 // Tested by tests/tool/golden/input.t
 #pragma once
 
-#include "client/input/input.h"
+#include "client/input/raw_file.h"
 
 #include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
+
+namespace qvej {
 
 // Undoes one way of compression.
 class Decompressor {
@@ -36,7 +38,7 @@ class Unpacker {
    public:
     explicit Unpacker(const std::string& file) : input_(file) {}
 
-    // As of Input.  Data that are damaged or end too soon are a qvej::Error (QV_IO_DAMAGED).
+    // As of RawFile.  Data that are damaged or end too soon are an Error (QV_IO_DAMAGED).
     std::string_view next();
 
     [[nodiscard]] const std::string& name() const { return input_.name(); }
@@ -44,9 +46,11 @@ class Unpacker {
    private:
     [[noreturn]] void fail(const std::string& what) const;
 
-    Input input_;
+    RawFile input_;
     bool begun_ = false;
     std::unique_ptr<Decompressor> format_;  // null: the data are as they were
     std::string_view packed_;               // not yet taken
     std::vector<char> buffer_;
 };
+
+}  // namespace qvej

@@ -45,7 +45,7 @@ std::vector<std::string> neededFiles(const std::string& file) {
 std::string shownResult(const Workplace::Result& result) {
     std::string text;
     for (const std::string& line : split(result.out, '\n')) {
-        text += "  " + escaped(line) + "\n";
+        text += "  " + qvej::escaped(line) + "\n";
     }
     if (!result.out.empty() && result.out.back() != '\n') {
         text.insert(text.size() - 1, "\\c");

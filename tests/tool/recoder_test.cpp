@@ -11,7 +11,7 @@
 namespace {
 
 using namespace std::string_literals;
-using Invalid = Recoder::Invalid;
+using Invalid = qvej::Recoder::Invalid;
 
 std::string inEncoding(const std::string& utf8, const std::string& encoding) {
     std::string text(utf8.size() * 8 + 16, '\0');
@@ -33,7 +33,7 @@ struct Recoded {
 // The text converted in pieces of `size` bytes.
 Recoded recode(std::string_view text, const std::string& encoding, Invalid invalid,
                std::size_t size = std::string::npos) {
-    Recoder recoder(encoding, text.substr(0, 4), invalid);
+    qvej::Recoder recoder(encoding, text.substr(0, 4), invalid);
     Recoded result;
     for (bool ended = false; !ended && !recoder.broken();) {
         std::string_view piece = text.substr(0, size);
@@ -76,7 +76,7 @@ TEST(ToolRecoder, ConvertsAndKnowsColumnsHoweverTheTextIsCut) {
         const std::string text = inEncoding(c.text, c.encoding);
         for (std::size_t size = 1; size <= text.size(); ++size) {
             SCOPED_TRACE(size);
-            Recoder recoder(c.encoding, text.substr(0, 4), Invalid::STOPS);
+            qvej::Recoder recoder(c.encoding, text.substr(0, 4), Invalid::STOPS);
             std::string all;
             std::vector<int64_t> columns;
             for (std::size_t at = 0; at <= text.size(); at += size) {

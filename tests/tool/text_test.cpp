@@ -27,8 +27,8 @@ TEST(ToolText, SizesTakeSuffixesOf1024) {
 }
 
 // The excerpt for a place in a text that passed in pieces of `pieceSize` bytes, the last in use.
-std::string excerptOf(std::string_view text, Place place, std::size_t pieceSize) {
-    TextTrail trail;
+std::string excerptOf(std::string_view text, qvej::Place place, std::size_t pieceSize) {
+    qvej::TextTrail trail;
     for (; text.size() > pieceSize; text.remove_prefix(pieceSize)) {
         trail.take(text.substr(0, pieceSize));
         trail.passed();
@@ -41,7 +41,7 @@ TEST(ToolText, ExcerptsShowThePlaceHoweverTheTextCame) {
     const std::string longLine = "[" + std::string(200, 'x') + "!" + std::string(600, 'y');
     const struct {
         std::string text;
-        Place place;
+        qvej::Place place;
         std::string excerpt;
     } cases[] = {
         {"{\n\"a\" 1\n}", {2, 5}, "    \"a\" 1\n        ^\n"},

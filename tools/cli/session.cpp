@@ -136,7 +136,7 @@ void Session::useMap() {
 }
 
 // What to try, when the text looks like something else than was said.
-std::string Session::hint(QVStatus status, Place place) const {
+std::string Session::hint(QVStatus status, qvej::Place place) const {
     if (text_.otherEncoding() != nullptr) {
         return " (this looks like " + *text_.otherEncoding() + ")";
     }
@@ -153,13 +153,14 @@ std::string Session::hint(QVStatus status, Place place) const {
 }
 
 // The column of a place of the UTF-8 in the text as it was.
-int64_t Session::columnOf(Place place) const {
+int64_t Session::columnOf(qvej::Place place) const {
     const std::optional<int64_t> offset =
         text_.recoded() ? trail_.offsetOf(place) : std::optional<int64_t>();
     return offset ? text_.columnOf(*offset) : place.column;
 }
 
-void Session::failAt(ExitCode code, Place place, int64_t column, const std::string& what) const {
+void Session::failAt(ExitCode code, qvej::Place place, int64_t column,
+                     const std::string& what) const {
     throw Failure(
         code,
         name() + ":" + std::to_string(place.line) + ":" + std::to_string(column) + ": " + what,
@@ -186,7 +187,7 @@ void Session::fail(const qvej::Error& error) const {
         throw Failure(code, "an option does not suit the document: " + what);
     }
     const bool atEnd = status == JMAP_INCOMPLETE && error.line() == 0;
-    const Place place = atEnd ? trail_.end() : Place{error.line(), error.column()};
+    const qvej::Place place = atEnd ? trail_.end() : qvej::Place{error.line(), error.column()};
     if (place.line == 0) {
         throw Failure(code, name() + ": " + what);
     }

@@ -49,19 +49,19 @@ class Session {
     void feed(std::string_view text);
     void useMap();
     [[noreturn]] void fail(const qvej::Error& error) const;
-    [[nodiscard]] std::string hint(QVStatus status, Place place) const;
-    [[nodiscard]] int64_t columnOf(Place place) const;
-    [[noreturn]] void failAt(ExitCode code, Place place, int64_t column,
+    [[nodiscard]] std::string hint(QVStatus status, qvej::Place place) const;
+    [[nodiscard]] int64_t columnOf(qvej::Place place) const;
+    [[noreturn]] void failAt(ExitCode code, qvej::Place place, int64_t column,
                              const std::string& what) const;
 
     const Options& options_;
-    DocumentText text_;
+    qvej::DocumentText text_;
     bool lines_;  // JSON Lines
     qvej::Engine engine_;
     std::optional<MapFile> map_;
     std::string cachePath_;  // of records that leave memory
     std::vector<qvej::Watch> watches_;
     std::optional<qvej::Document> document_;
-    TextTrail trail_;
+    qvej::TextTrail trail_;
     SeparatorWatch separators_;
 };

@@ -1,7 +1,7 @@
 // See map_file.h.
 #include "tools/cli/maps/map_file.h"
 
-#include "client/input/input.h"
+#include "client/input/raw_file.h"
 #include "client/input/place.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/reports/remarks.h"
@@ -82,7 +82,7 @@ std::string engineCode(QVStatus status) {
 }
 
 std::string readWhole(const std::string& file, std::string* name) {
-    Input input(file);
+    qvej::RawFile input(file);
     *name = input.name();
     std::string text;
     for (std::string_view piece = input.next(); !piece.empty(); piece = input.next()) {
@@ -106,9 +106,9 @@ MapFile::MapFile(qvej::Engine& engine, const std::string& file) : text_(readWhol
 }
 
 void MapFile::fail(const qvej::Engine& engine, const qvej::MapError& error) const {
-    TextTrail trail;
+    qvej::TextTrail trail;
     trail.take(text_);
-    const Place place = {error.line(), error.column()};
+    const qvej::Place place = {error.line(), error.column()};
     throw Failure(NO_TABLE,
                   name_ + ":" + std::to_string(place.line) + ":" + std::to_string(place.column) +
                       ": " + describe(engine, error) + engineCode(error.status()),

@@ -138,10 +138,10 @@ std::string_view typeName(qvej::ColumnType type) {
 
 std::string jsonText(std::string_view text) {
     std::string out = "\"";
-    appendEscaped(out, text, JSON_STRING);
+    qvej::appendEscaped(out, text, qvej::JSON_STRING);
     return out + "\"";
 }
 
 std::string columnName(const MapTable& table, const MapColumn& column) {
-    return escaped(visible(table.name)) + "." + escaped(column.name);
+    return qvej::escaped(visible(table.name)) + "." + qvej::escaped(column.name);
 }

@@ -36,7 +36,8 @@ void putMap(const std::string& map, const Options& options, const Sources& sourc
     }
     Writer out = standardOutput();
     if (out.terminal()) {
-        appendEscaped(out, map, CONTROLS);  // inside JSON strings an escape means the same
+        qvej::appendEscaped(out, map,
+                            qvej::CONTROLS);  // inside JSON strings an escape means the same
     } else {
         out.append(map);
     }

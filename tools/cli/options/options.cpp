@@ -60,7 +60,7 @@ void checkNull(const std::string& text, const Format& format) {
     if (format.name != "csv") {
         usageError("--null: " + std::string(format.name) + " has a null of its own");
     }
-    if (text.find_first_of(",\"") != std::string::npos || shown(text) != text) {
+    if (text.find_first_of(",\"") != std::string::npos || qvej::shown(text) != text) {
         usageError("--null: " + inQuotes(text) +
                    " has a comma, a quote or a character that cannot be shown");
     }

@@ -99,7 +99,7 @@ void checkSums(const std::vector<qvej::PathAccount>& accounts) {
     for (const qvej::PathAccount& account : accounts) {
         if (!account.meets()) {
             throw Failure(LIMIT_REACHED, "the account of " +
-                                             escaped(qvej::withSlashes(account.path)) +
+                                             qvej::escaped(qvej::withSlashes(account.path)) +
                                              " does not add up; please report this");
         }
     }
@@ -118,9 +118,9 @@ ExitCode reportAccount(const Options& options, const std::vector<qvej::PathAccou
     }
     const std::string file = options.operands[0] == "-" ? "<stdin>" : options.operands[0];
     for (const Line& line : lines) {
-        rows.push_back({escaped(qvej::withSlashes(line.account->path)), std::to_string(line.count),
-                        std::string(line.way),
-                        line.place.line == 0 ? "" : shown(spotText(file, line.place))});
+        rows.push_back({qvej::escaped(qvej::withSlashes(line.account->path)),
+                        std::to_string(line.count), std::string(line.way),
+                        line.place.line == 0 ? "" : qvej::shown(spotText(file, line.place))});
     }
     Writer out = standardOutput();
     print(out, rows);

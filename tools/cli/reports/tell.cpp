@@ -8,12 +8,12 @@
 #include <unistd.h>
 
 void tell(std::string_view line, std::string_view excerpt) {
-    std::string text = "qvejmap: " + shown(line) + "\n";
+    std::string text = "qvejmap: " + qvej::shown(line) + "\n";
     text += excerpt;
     (void)writeAll(STDERR_FILENO, text.data(), text.size());  // there is nowhere else to complain
 }
 
 void tellPlain(std::string_view line) {
-    const std::string text = shown(line) + "\n";
+    const std::string text = qvej::shown(line) + "\n";
     (void)writeAll(STDERR_FILENO, text.data(), text.size());
 }

@@ -11,7 +11,7 @@ namespace {
 
 void tellWellFormed(const Session& session) {
     Writer out = standardOutput();
-    out.append(shown(session.name()));
+    out.append(qvej::shown(session.name()));
     out.append(": well formed\n");
     out.flush();
 }

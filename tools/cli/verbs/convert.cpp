@@ -60,8 +60,8 @@ ExitCode convert(const Options& options, const Session& session) {
     TableOutputs outputs(document, tables, files, *options.format, options.formatOptions,
                          [&](const qvej::Table& table) { return rejects.handlerFor(table); });
     qvej::TablePass pass(document, tables, options.retain);
-    runPass(pass, options.threads,
-            [&](std::span<const qvej::PassItem> items) { outputs.take(items); });
+    qvej::runPass(pass, options.threads,
+                  [&](std::span<const qvej::PassItem> items) { outputs.take(items); });
     outputs.end();
     std::vector<WrittenTable> written;
     uint64_t rows = 0;

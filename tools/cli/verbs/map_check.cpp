@@ -14,7 +14,7 @@ namespace {
 void print(Writer& out, std::string_view prefix, const Findings& findings) {
     for (const std::string& finding : findings) {
         out.append(prefix);
-        out.append(shown(finding));
+        out.append(qvej::shown(finding));
         out.put('\n');
     }
 }
@@ -25,7 +25,7 @@ void printMap(Writer& out, const MapFile& map, const qvej::Engine& engine, bool 
         columns += table.columns.size();
     }
     if (!quiet) {
-        out.append(shown(map.name()) +
+        out.append(qvej::shown(map.name()) +
                    ": well formed, tables: " + std::to_string(map.tables().size()) +
                    ", columns: " + std::to_string(columns) + "\n");
     }

@@ -72,7 +72,7 @@ ExitCode runMapExplain(const Options& options) {
     const Session session(options);
     const auto [table, column] = find(session.document(), options.operands[1]);
     Writer out = standardOutput();
-    const auto line = [&](const std::string& text) { out.append(shown(text) + "\n"); };
+    const auto line = [&](const std::string& text) { out.append(qvej::shown(text) + "\n"); };
     line(visible(table->name) + "." + column->name + ": " + qvej::withSlashes(column->path));
     if (column->type == qvej::ColumnType::ORDINAL) {
         line("ORDINAL: counts the objects and arrays at its path, from 1 in the whole document");
@@ -87,14 +87,14 @@ ExitCode runMapExplain(const Options& options) {
         line(reason(statistics));
         for (const qvej::KindStatistics& kind : statistics.kinds) {
             rows.push_back({std::string(kind.kindName), std::to_string(kind.count),
-                            shown(spotText(session.name(), kind.first))});
+                            qvej::shown(spotText(session.name(), kind.first))});
         }
         if (statistics.inexact != 0) {
             rows.push_back({"inexact", std::to_string(statistics.inexact),
-                            shown(spotText(session.name(), statistics.firstInexact))});
+                            qvej::shown(spotText(session.name(), statistics.firstInexact))});
         }
         rows.push_back({"longest", counted(statistics.longest, "byte"),
-                        shown(spotText(session.name(), statistics.longestAt))});
+                        qvej::shown(spotText(session.name(), statistics.longestAt))});
     }
     print(out, rows);
     out.flush();

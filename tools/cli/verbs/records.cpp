@@ -19,9 +19,10 @@ void writeRecord(Writer& out, const qvej::Record& record, std::string& path) {
     std::replace(path.begin(), path.end(), '\x02', '/');
     out.append(record.kindName);
     out.put('\t');
-    appendEscaped(out, path, CONTROLS | BACKSLASH);
+    qvej::appendEscaped(out, path, qvej::CONTROLS | qvej::BACKSLASH);
     out.put('\t');
-    appendEscaped(out, qvej::withoutUnfinished(record.value), CONTROLS | BACKSLASH);
+    qvej::appendEscaped(out, qvej::withoutUnfinished(record.value),
+                        qvej::CONTROLS | qvej::BACKSLASH);
     out.put('\n');
 }
 

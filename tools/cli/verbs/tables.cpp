@@ -19,13 +19,13 @@ namespace {
 constexpr std::array<std::string_view, 3> kTypeNames = {"ORDINAL", "NUMERIC", "CHARACTER"};
 
 std::string shownPath(const std::string& path) {
-    return escaped(qvej::withSlashes(path));
+    return qvej::escaped(qvej::withSlashes(path));
 }
 
 std::vector<Row> listTables(const qvej::Document& document, bool namesOnly) {
     std::vector<Row> rows;
     for (const qvej::Table& table : document.tables()) {
-        rows.push_back({escaped(table.name)});
+        rows.push_back({qvej::escaped(table.name)});
         if (!namesOnly) {
             rows.back().push_back(std::to_string(table.columns.size()));
             rows.back().push_back(shownPath(table.path));
@@ -38,7 +38,7 @@ std::vector<Row> listColumns(const qvej::Document& document) {
     std::vector<Row> rows;
     for (const qvej::Table& table : document.tables()) {
         for (const qvej::Column& column : table.columns) {
-            rows.push_back({escaped(table.name), escaped(column.name),
+            rows.push_back({qvej::escaped(table.name), qvej::escaped(column.name),
                             std::string(kTypeNames[static_cast<std::size_t>(column.type)]),
                             std::to_string(column.length), shownPath(column.path)});
         }

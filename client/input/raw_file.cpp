@@ -1,5 +1,5 @@
-// See input.h.
-#include "client/input/input.h"
+// See raw_file.h.
+#include "client/input/raw_file.h"
 
 #include "client/error.h"
 
@@ -7,36 +7,39 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+namespace qvej {
 namespace {
 constexpr std::size_t kPieceBytes = std::size_t{1} << 20;
 }
 
-Input::Input(const std::string& file)
+RawFile::RawFile(const std::string& file)
     : descriptor_(file == "-" ? STDIN_FILENO
                               : ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY)),
       name_(file == "-" ? "<stdin>" : file),
       buffer_(kPieceBytes) {
     if (descriptor_ < 0) {
-        throw qvej::fileError(QV_IO_OPEN, name_);
+        throw fileError(QV_IO_OPEN, name_);
     }
     (void)::posix_fadvise(descriptor_, 0, 0, POSIX_FADV_SEQUENTIAL);  // only advice
 }
 
-Input::~Input() {
+RawFile::~RawFile() {
     if (descriptor_ != STDIN_FILENO) {
         (void)::close(descriptor_);  // only read from
     }
 }
 
-std::string_view Input::next() {
+std::string_view RawFile::next() {
     std::size_t size = 0;
     while (size < buffer_.size() && !ended_) {
         const ssize_t read = ::read(descriptor_, buffer_.data() + size, buffer_.size() - size);
         if (read < 0 && errno != EINTR) {
-            throw qvej::fileError(QV_IO_READ, name_);
+            throw fileError(QV_IO_READ, name_);
         }
         size += read < 0 ? 0 : static_cast<std::size_t>(read);
         ended_ = read == 0;
     }
     return {buffer_.data(), size};
 }
+
+}  // namespace qvej

@@ -5,16 +5,18 @@
 #include <string_view>
 #include <vector>
 
+namespace qvej {
+
 // A file or standard input ("-"), read in large pieces.
-class Input {
+class RawFile {
    public:
-    explicit Input(const std::string& file);  // throws qvej::Error
-    ~Input();
-    Input(const Input&) = delete;
-    Input& operator=(const Input&) = delete;
+    explicit RawFile(const std::string& file);  // throws Error
+    ~RawFile();
+    RawFile(const RawFile&) = delete;
+    RawFile& operator=(const RawFile&) = delete;
 
     // The next piece, short only before the end and empty at it.  It lives until the next call.
-    // Throws qvej::Error.
+    // Throws Error.
     std::string_view next();
 
     // What messages call it: the file as given, or "<stdin>".
@@ -26,3 +28,5 @@ class Input {
     std::string name_;
     std::vector<char> buffer_;
 };
+
+}  // namespace qvej
