@@ -54,7 +54,7 @@ void feed(qvej::Document& document, std::string_view text) {
 
 // ---- What is timed ------------------------------------------------------------------------------
 
-struct Discard final : Target {
+struct Discard final : qvej::Target {
     std::size_t& bytes;
     explicit Discard(std::size_t& total) : bytes(total) {}
     void write(const char* /*text*/, std::size_t size) override { bytes += size; }
@@ -67,7 +67,7 @@ std::size_t formatAll(const qvej::Document& document) {
         std::unique_ptr<qvej::Sink> sink;
     };
     std::size_t bytes = 0;
-    Writer writer(std::make_unique<Discard>(bytes));
+    qvej::Writer writer(std::make_unique<Discard>(bytes));
     std::vector<const qvej::Table*> tables;
     for (const qvej::Table& table : document.tables()) {
         tables.push_back(&table);
@@ -79,7 +79,7 @@ std::size_t formatAll(const qvej::Document& document) {
         const qvej::Table& table = *tables[item.table];
         std::unique_ptr<Output>& output = outputs[item.table];
         if (output == nullptr) {
-            output.reset(new Output{{document, table}, makeCsvSink(writer, {})});
+            output.reset(new Output{{document, table}, qvej::makeCsvSink(writer, {})});
             output->sink->begin(table.columns);
         }
         if (output->row.take(item)) {

@@ -9,6 +9,8 @@
 #include <cstring>
 #include <unistd.h>
 
+namespace qvej {
+
 namespace cleanup {
 namespace {
 
@@ -145,3 +147,5 @@ Hold::~Hold() {
 }
 
 }  // namespace cleanup
+
+}  // namespace qvej

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+namespace qvej {
+
 namespace cleanup {
 
 // Installs the handlers, except for signals that are ignored (nohup).
@@ -50,3 +52,5 @@ class Hold {
 };
 
 }  // namespace cleanup
+
+}  // namespace qvej

@@ -8,6 +8,8 @@
 #include "formats/csv_fields.h"
 #include "formats/formats.h"
 
+namespace qvej {
+
 namespace {
 
 class CsvSink final : public qvej::Sink {
@@ -83,3 +85,5 @@ class CsvSink final : public qvej::Sink {
 std::unique_ptr<qvej::Sink> makeCsvSink(Writer& out, const FormatOptions& options) {
     return std::make_unique<CsvSink>(out, options);
 }
+
+}  // namespace qvej

@@ -3,6 +3,8 @@
 
 #include "client/escape.h"
 
+namespace qvej {
+
 namespace {
 
 constexpr InfinityWords kInfinity = {"inf", "-inf"};
@@ -37,3 +39,5 @@ void CsvFields::writeQuoted(std::string_view text) {
     *at++ = '"';
     out_.advance(at);
 }
+
+}  // namespace qvej

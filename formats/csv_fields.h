@@ -14,6 +14,8 @@
 #include <string>
 #include <string_view>
 
+namespace qvej {
+
 class CsvFields {
    public:
     // `null`: what stands for no value.  When it is given, any other field that looks the same is
@@ -81,3 +83,5 @@ class CsvFields {
     std::string null_;
     std::string safe_;
 };
+
+}  // namespace qvej

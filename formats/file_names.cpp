@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <unordered_set>
 
+namespace qvej {
+
 namespace {
 
 bool isAlphanumeric(char c) {
@@ -46,3 +48,5 @@ std::vector<std::string> uniqueFileNames(const std::vector<std::string>& tableNa
     }
     return names;
 }
+
+}  // namespace qvej

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+namespace qvej {
+
 // A table name as a file name that never acts as a path: every byte but letters, digits, "_", "-"
 // and a "." that is not the first becomes %XX; the empty name becomes "_".
 std::string fileStem(std::string_view tableName);
@@ -15,3 +17,5 @@ std::string fileStem(std::string_view tableName);
 // orders~2.csv.
 std::vector<std::string> uniqueFileNames(const std::vector<std::string>& tableNames,
                                          std::string_view extension);
+
+}  // namespace qvej

@@ -1,6 +1,8 @@
 // See formats.h.
 #include "formats/formats.h"
 
+namespace qvej {
+
 namespace {
 
 constexpr Format kFormats[] = {
@@ -27,3 +29,5 @@ std::string formatNames() {
     }
     return names;
 }
+
+}  // namespace qvej

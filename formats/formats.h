@@ -10,6 +10,8 @@
 #include <string>
 #include <string_view>
 
+namespace qvej {
+
 struct FormatOptions {
     std::optional<std::string> null;  // of CSV: what stands for no value
 };
@@ -28,3 +30,5 @@ std::string formatNames();
 
 std::unique_ptr<qvej::Sink> makeCsvSink(Writer& out, const FormatOptions& options);
 std::unique_ptr<qvej::Sink> makeNdjsonSink(Writer& out, const FormatOptions& options);
+
+}  // namespace qvej

@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+namespace qvej {
+
 namespace {
 
 constexpr InfinityWords kInfinity = {"1e400", "-1e400"};
@@ -107,3 +109,5 @@ class NdjsonSink final : public qvej::Sink {
 std::unique_ptr<qvej::Sink> makeNdjsonSink(Writer& out, const FormatOptions&) {
     return std::make_unique<NdjsonSink>(out);
 }
+
+}  // namespace qvej

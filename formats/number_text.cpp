@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstdint>
 
+namespace qvej {
+
 namespace {
 constexpr double kTwoTo63 = 9223372036854775808.0;
 }
@@ -23,3 +25,5 @@ char* writeNumber(char* at, double number, const InfinityWords& infinity) {
     }
     return std::to_chars(at, end, number).ptr;
 }
+
+}  // namespace qvej

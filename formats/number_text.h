@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <string_view>
 
+namespace qvej {
+
 // What stands for infinity in a format.
 struct InfinityWords {
     std::string_view positive;
@@ -43,3 +45,5 @@ class CountText {
     std::size_t size_ = 0;
     char text_[kNumberChars] = {};
 };
+
+}  // namespace qvej

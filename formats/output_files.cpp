@@ -14,6 +14,8 @@
 #include <unistd.h>
 #include <utility>
 
+namespace qvej {
+
 namespace {
 
 constexpr std::size_t kMostOpen = 200;  // files open at a time
@@ -368,3 +370,5 @@ void OutputFiles::removeTemporary() {
         (void)::rmdir(madeDirectories_.back().c_str());  // not ours alone when it is not empty
     }
 }
+
+}  // namespace qvej

@@ -20,6 +20,8 @@
 #include <string>
 #include <vector>
 
+namespace qvej {
+
 class OutputFiles {
    public:
     // Files `names` in `directory`.  `makeDirectory`: it is made when it is missing.  Files that
@@ -84,3 +86,5 @@ class OutputFiles {
     std::vector<bool> inPlace_;  // files that have their name; true: and replaced another
     bool committed_ = false;
 };
+
+}  // namespace qvej

@@ -10,6 +10,8 @@
 #include <cstring>
 #include <string_view>
 
+namespace qvej {
+
 inline constexpr std::size_t kCopySlack = 32;  // bytes behind a text that copyText may write over
 
 namespace short_text {
@@ -92,3 +94,5 @@ inline char* copyText(char* to, std::string_view text) {
     }
     return to + size;
 }
+
+}  // namespace qvej

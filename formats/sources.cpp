@@ -5,6 +5,8 @@
 
 #include <sys/stat.h>
 
+namespace qvej {
+
 bool isSameFile(const std::string& a, const std::string& b) {
     struct stat first = {};
     struct stat second = {};
@@ -27,3 +29,5 @@ void refuseSource(const std::string& path, const Sources& sources) {
         }
     }
 }
+
+}  // namespace qvej

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+namespace qvej {
+
 // Do the two names mean one file?  Links are followed; a file that is not there is no other.
 [[nodiscard]] bool isSameFile(const std::string& a, const std::string& b);
 
@@ -21,3 +23,5 @@ using Sources = std::vector<Source>;
 
 // Throws qvej::Error when the path leads to one of the sources, whatever its name there.
 void refuseSource(const std::string& path, const Sources& sources);
+
+}  // namespace qvej

@@ -3,6 +3,8 @@
 
 #include <utility>
 
+namespace qvej {
+
 namespace {
 
 constexpr std::size_t kMostBuffered = std::size_t{32} << 20;  // bytes of all buffers
@@ -86,3 +88,5 @@ void TableOutputs::end() {
         outputs_[table].reset();
     }
 }
+
+}  // namespace qvej

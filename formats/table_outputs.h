@@ -12,6 +12,8 @@
 #include <span>
 #include <vector>
 
+namespace qvej {
+
 class TableOutputs {
    public:
     // What takes the rejected values of a table.
@@ -53,3 +55,5 @@ class TableOutputs {
     std::vector<uint64_t> rows_;
     std::size_t buffered_ = 0;  // bytes of all buffers
 };
+
+}  // namespace qvej

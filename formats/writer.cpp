@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <unistd.h>
 
+namespace qvej {
+
 namespace {
 
 constexpr std::size_t kLeast = 256;  // bytes of a buffer
@@ -82,3 +84,5 @@ void Writer::appendSlowly(const char* text, std::size_t size) {
 Writer standardOutput() {
     return Writer(std::make_unique<StandardOutput>());
 }
+
+}  // namespace qvej

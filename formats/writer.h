@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+namespace qvej {
+
 // Where the bytes of a Writer go.
 class Target {
    public:
@@ -82,3 +84,5 @@ Writer standardOutput();
 
 // Writes to a descriptor, all of it.  False with errno.
 bool writeAll(int descriptor, const char* text, std::size_t size);
+
+}  // namespace qvej

@@ -10,6 +10,8 @@
 namespace jmap::test {
 namespace {
 
+namespace cleanup = qvej::cleanup;
+
 TEST(ToolCleanup, ASignalRemovesWhatIsNamed) {
     const Workplace place;
     ASSERT_EQ(place

@@ -11,6 +11,8 @@
 namespace jmap::test {
 namespace {
 
+using qvej::OutputFiles;
+
 TEST(OutputFiles, ReplacesEveryFileOrNone) {
     for (const bool inTheWay : {false, true}) {
         SCOPED_TRACE(inTheWay);

@@ -9,6 +9,11 @@
 
 namespace {
 
+using qvej::anyByte;
+using qvej::copyText;
+using qvej::kCopySlack;
+namespace short_text = qvej::short_text;
+
 constexpr std::size_t kLongest = 70;
 
 TEST(ShortText, FindsAByteWhereverItIsAndReadsNothingBeside) {

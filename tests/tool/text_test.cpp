@@ -7,6 +7,9 @@
 
 namespace {
 
+using qvej::cli::parseSize;
+using qvej::cli::SeparatorWatch;
+
 TEST(ToolText, SizesTakeSuffixesOf1024) {
     const std::pair<const char*, std::optional<uint64_t>> cases[] = {
         {"0", 0},

@@ -1,6 +1,8 @@
 // See failure.h.
 #include "tools/cli/failure.h"
 
+namespace qvej::cli {
+
 std::string sentenceOf(const qvej::Error& error) {
     return (error.file().empty() ? std::string() : error.file() + ": ") + error.what();
 }
@@ -23,3 +25,5 @@ ExitCode exitCodeOf(QVStatus status) {
             return ofJson ? NOT_JSON : ofFiles ? FILE_TROUBLE : NO_TABLE;
     }
 }
+
+}  // namespace qvej::cli

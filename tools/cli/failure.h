@@ -9,6 +9,8 @@
 #include <string>
 #include <utility>
 
+namespace qvej::cli {
+
 enum ExitCode {
     DONE = 0,
     REJECTED = 1,   // done, but some values were rejected
@@ -46,3 +48,5 @@ std::string sentenceOf(const qvej::Error& error);
 
 // The exit code that a status of the engine or its host leads to.
 ExitCode exitCodeOf(QVStatus status);
+
+}  // namespace qvej::cli

@@ -15,7 +15,8 @@
 #include <new>
 
 int main(int argc, char** argv) {
-    cleanup::install();
+    using namespace qvej::cli;
+    qvej::cleanup::install();
     try {
         const Options options = readOptions(argc, argv);
         return options.verb == nullptr ? DONE : options.verb->run(options);

@@ -13,6 +13,8 @@
 #include <unistd.h>
 #include <utility>
 
+namespace qvej::cli {
+
 namespace {
 
 constexpr std::size_t kDescriptionBytes = 20;
@@ -203,3 +205,5 @@ void Session::failReading(const qvej::Error& error) const {
     const ExitCode code = exitCodeOf(error.status());
     throw Failure(code, (code == FILE_TROUBLE ? cachePath_ : name()) + ": " + error.what());
 }
+
+}  // namespace qvej::cli

@@ -15,6 +15,8 @@
 #include <optional>
 #include <string>
 
+namespace qvej::cli {
+
 class Session {
    public:
     // Reads the whole document, and first the map when one is named.  Throws a Failure.
@@ -65,3 +67,5 @@ class Session {
     qvej::TextTrail trail_;
     SeparatorWatch separators_;
 };
+
+}  // namespace qvej::cli

@@ -8,6 +8,8 @@
 
 #include <set>
 
+namespace qvej::cli {
+
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -114,3 +116,5 @@ void MapFile::fail(const qvej::Engine& engine, const qvej::MapError& error) cons
                       ": " + describe(engine, error) + engineCode(error.status()),
                   trail.excerpt(place));
 }
+
+}  // namespace qvej::cli

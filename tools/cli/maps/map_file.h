@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+namespace qvej::cli {
+
 class MapFile {
    public:
     // Reads the file and checks it: well formed, and its formats and informats are known.  Throws a
@@ -30,3 +32,5 @@ class MapFile {
     std::string text_;
     std::vector<qvej::Table> tables_;
 };
+
+}  // namespace qvej::cli

@@ -7,6 +7,8 @@
 #include <set>
 #include <unordered_set>
 
+namespace qvej::cli {
+
 namespace {
 
 constexpr char kSeparator = '\x02';
@@ -145,3 +147,5 @@ Findings namesWithSeparator(const qvej::Document& document) {
     }
     return findings;
 }
+
+}  // namespace qvej::cli

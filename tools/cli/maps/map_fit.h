@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+namespace qvej::cli {
+
 // What is found, a line each: "orders.id (/root/orders/id)".
 using Findings = std::vector<std::string>;
 
@@ -29,3 +31,5 @@ Findings doubtfulNames(const std::vector<qvej::Table>& tables,
 // QV_IO_..., QV_NOMEM.
 Findings namesWithSlash(const qvej::Document& document);
 Findings namesWithSeparator(const qvej::Document& document);
+
+}  // namespace qvej::cli

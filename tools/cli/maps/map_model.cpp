@@ -10,6 +10,8 @@
 
 #include <algorithm>
 
+namespace qvej::cli {
+
 namespace {
 
 // FORMAT or INFORMAT; `mark` stands in front of the name.  Empty: there is none.
@@ -145,3 +147,5 @@ std::string jsonText(std::string_view text) {
 std::string columnName(const MapTable& table, const MapColumn& column) {
     return qvej::escaped(visible(table.name)) + "." + qvej::escaped(column.name);
 }
+
+}  // namespace qvej::cli

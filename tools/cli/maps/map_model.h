@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+namespace qvej::cli {
+
 // Texts are empty for what the map does not say.
 struct MapColumn {
     std::string name;
@@ -50,3 +52,5 @@ std::string jsonText(std::string_view text);
 
 // "orders.id", control characters escaped.
 std::string columnName(const MapTable& table, const MapColumn& column);
+
+}  // namespace qvej::cli

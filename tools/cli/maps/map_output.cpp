@@ -5,6 +5,8 @@
 #include "formats/output_files.h"
 #include "formats/writer.h"
 
+namespace qvej::cli {
+
 namespace {
 
 void writeFile(const std::string& path, const std::string& map, bool force,
@@ -44,3 +46,5 @@ void putMap(const std::string& map, const Options& options, const Sources& sourc
     out.put('\n');
     out.flush();
 }
+
+}  // namespace qvej::cli

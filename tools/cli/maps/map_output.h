@@ -8,9 +8,13 @@
 
 #include <string>
 
+namespace qvej::cli {
+
 // Throws the Failure of a file that would be refused, before there is a map.
 void checkMapOutput(const Options& options, const Sources& sources);
 
 // `map`: a JSON document without line ends.  It never replaces one of the `sources`.  Throws a
 // Failure.
 void putMap(const std::string& map, const Options& options, const Sources& sources);
+
+}  // namespace qvej::cli

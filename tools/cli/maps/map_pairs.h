@@ -15,6 +15,8 @@
 #include <utility>
 #include <vector>
 
+namespace qvej::cli {
+
 // What two items have in common that are the same.
 using PairKey = std::pair<std::string, std::string>;
 
@@ -66,3 +68,5 @@ std::vector<std::size_t> pairUp(const std::vector<Item>& a, const std::vector<It
     }
     return partners;
 }
+
+}  // namespace qvej::cli

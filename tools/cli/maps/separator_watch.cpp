@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstring>
 
+namespace qvej::cli {
+
 namespace {
 
 constexpr std::string_view kSpelling = "u0002";
@@ -24,3 +26,5 @@ void SeparatorWatch::take(std::string_view piece) {
     }
     seam_.erase(0, seam_.size() - std::min(seam_.size(), kSeam));
 }
+
+}  // namespace qvej::cli

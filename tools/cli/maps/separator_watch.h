@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+namespace qvej::cli {
+
 class SeparatorWatch {
    public:
     // The next piece of the text.
@@ -16,3 +18,5 @@ class SeparatorWatch {
     std::string seam_;  // the end of the pieces before
     bool found_ = false;
 };
+
+}  // namespace qvej::cli

@@ -10,6 +10,8 @@
 
 #include <algorithm>
 
+namespace qvej::cli {
+
 namespace {
 
 constexpr std::size_t kPurposeColumn = 26;
@@ -92,3 +94,5 @@ std::string helpText(CLI::App& app, const Verb* verb) {
     }
     return text + "\n" + std::string(kNotes);
 }
+
+}  // namespace qvej::cli

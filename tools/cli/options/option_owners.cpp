@@ -3,6 +3,8 @@
 
 #include "tools/cli/verbs/verbs.h"
 
+namespace qvej::cli {
+
 namespace {
 
 constexpr std::string_view kSeparator = ", ";
@@ -42,3 +44,5 @@ bool owns(const Verb& verb, const Owner& owner) {
     }
     return false;
 }
+
+}  // namespace qvej::cli

@@ -6,6 +6,8 @@
 #include <span>
 #include <string_view>
 
+namespace qvej::cli {
+
 struct Verb;
 
 // An option that belongs to some verbs.  The others refuse it, or pass over it: then it may be
@@ -20,3 +22,5 @@ struct Owner {
 std::span<const Owner> optionOwners();
 
 bool owns(const Verb& verb, const Owner& owner);
+
+}  // namespace qvej::cli

@@ -7,6 +7,8 @@
 #include <charconv>
 #include <limits>
 
+namespace qvej::cli {
+
 namespace {
 
 // What may stand between the commas of the engine's keyword string; each but ALL also with "-".
@@ -90,3 +92,5 @@ std::string debugString(std::string_view keywords) {
     }
     return result == "," ? std::string() : result;
 }
+
+}  // namespace qvej::cli

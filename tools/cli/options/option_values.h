@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+namespace qvej::cli {
+
 // Throws a Failure (WRONG_USAGE): `what` and where help is.
 [[noreturn]] void usageError(const std::string& what);
 
@@ -22,3 +24,5 @@ std::optional<uint64_t> parseSize(std::string_view text);
 // The engine's keyword string: ",MAP,-READ," for "map,-read"; empty for no keywords.  Throws a
 // Failure for an unknown one.
 std::string debugString(std::string_view keywords);
+
+}  // namespace qvej::cli

@@ -19,6 +19,8 @@
 #include <thread>
 #include <vector>
 
+namespace qvej::cli {
+
 namespace {
 
 constexpr std::size_t kLongestAlldataName = 40;  // bytes
@@ -284,3 +286,5 @@ Options readOptions(int argc, char** argv) {
     translate(app, raw, options);
     return options;
 }
+
+}  // namespace qvej::cli

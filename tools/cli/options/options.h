@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+namespace qvej::cli {
+
 struct Verb;
 
 struct Options {
@@ -48,3 +50,5 @@ struct Options {
 
 // Throws a Failure (WRONG_USAGE).  Prints help and version on standard output.
 Options readOptions(int argc, char** argv);
+
+}  // namespace qvej::cli

@@ -14,6 +14,8 @@
 #include <sys/stat.h>
 #include <unordered_map>
 
+namespace qvej::cli {
+
 namespace {
 
 // What is lost of one path in one way.
@@ -160,3 +162,5 @@ void tellLost(const std::string& file, uint64_t lost) {
              " in no cell (qvejmap check --account tells which)");
     }
 }
+
+}  // namespace qvej::cli

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+namespace qvej::cli {
+
 // Writes the account on standard output.  The document is read once more to find places, with
 // `options` but without its tables, so its first reading should be over; a document on standard
 // input or from a pipe is gone, and only places that `starts` knows are shown.
@@ -26,3 +28,5 @@ std::vector<qvej::Spot> startsOf(const qvej::Document& document,
 // One line on standard error that says how to see values that are in no cell; nothing when there
 // are none.
 void tellLost(const std::string& file, uint64_t lost);
+
+}  // namespace qvej::cli

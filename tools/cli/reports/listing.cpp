@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+namespace qvej::cli {
+
 namespace {
 
 // Fills all fields but the last of each row up to a common width.
@@ -38,3 +40,5 @@ void print(Writer& out, std::vector<Row> rows) {
         out.put('\n');
     }
 }
+
+}  // namespace qvej::cli

@@ -9,6 +9,10 @@
 #include <string>
 #include <vector>
 
+namespace qvej::cli {
+
 using Row = std::vector<std::string>;  // fields, already safe
 
 void print(Writer& out, std::vector<Row> rows);
+
+}  // namespace qvej::cli

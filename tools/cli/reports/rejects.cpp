@@ -6,6 +6,8 @@
 #include "tools/cli/reports/remarks.h"
 #include "tools/cli/reports/tell.h"
 
+namespace qvej::cli {
+
 namespace {
 
 constexpr std::size_t kShownBytes = 40;
@@ -105,3 +107,5 @@ ExitCode Rejects::tellAll() const {
     }
     return columns_.empty() ? DONE : REJECTED;
 }
+
+}  // namespace qvej::cli

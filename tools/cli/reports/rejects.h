@@ -15,6 +15,8 @@
 #include <tuple>
 #include <vector>
 
+namespace qvej::cli {
+
 class Rejects {
    public:
     // `file`: gets a line of CSV for each value; empty: none.  It is there after `commit` only, and
@@ -55,3 +57,5 @@ class Rejects {
     // By table, column and whether values are cut: their place in `columns_`.
     std::map<std::tuple<const qvej::Table*, std::size_t, bool>, std::size_t> places_;
 };
+
+}  // namespace qvej::cli

@@ -8,6 +8,8 @@
 #include <numeric>
 #include <unordered_map>
 
+namespace qvej::cli {
+
 namespace {
 
 constexpr std::size_t kMostSuggestions = 3;
@@ -230,3 +232,5 @@ std::string suggestion(std::string_view name, const std::vector<std::string>& na
     }
     return text.empty() ? text : text + "?";
 }
+
+}  // namespace qvej::cli

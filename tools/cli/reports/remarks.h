@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+namespace qvej::cli {
+
 // A table name as messages have it: even an empty one can be seen.
 std::string visible(const std::string& tableName);
 
@@ -62,3 +64,5 @@ void tellCuts(const std::string& map, const std::vector<qvej::Table>& tables);
 
 // "; did you mean A, B?" with the names that look most like `name`; empty: none does.
 std::string suggestion(std::string_view name, const std::vector<std::string>& names);
+
+}  // namespace qvej::cli

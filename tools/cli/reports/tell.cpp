@@ -7,6 +7,8 @@
 #include <string>
 #include <unistd.h>
 
+namespace qvej::cli {
+
 void tell(std::string_view line, std::string_view excerpt) {
     std::string text = "qvejmap: " + qvej::shown(line) + "\n";
     text += excerpt;
@@ -17,3 +19,5 @@ void tellPlain(std::string_view line) {
     const std::string text = qvej::shown(line) + "\n";
     (void)writeAll(STDERR_FILENO, text.data(), text.size());
 }
+
+}  // namespace qvej::cli

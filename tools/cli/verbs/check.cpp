@@ -7,6 +7,8 @@
 #include "tools/cli/session.h"
 #include "tools/cli/verbs/verbs.h"
 
+namespace qvej::cli {
+
 namespace {
 
 void tellWellFormed(const Session& session) {
@@ -43,3 +45,5 @@ ExitCode runCheck(const Options& options) {
     }
     return DONE;
 }
+
+}  // namespace qvej::cli

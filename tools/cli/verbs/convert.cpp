@@ -17,6 +17,8 @@
 
 #include <algorithm>
 
+namespace qvej::cli {
+
 namespace {
 
 std::vector<const qvej::Table*> tablesToWrite(const qvej::Document& document, bool alldata) {
@@ -122,3 +124,5 @@ ExitCode runConvert(const Options& options) {
     return options.account ? std::max(code, reportAccount(options, account.paths, account.starts))
                            : code;
 }
+
+}  // namespace qvej::cli

@@ -14,6 +14,8 @@
 
 #include <unordered_map>
 
+namespace qvej::cli {
+
 namespace {
 
 // "FILE: 2 columns ..., the first r.id"
@@ -98,3 +100,5 @@ ExitCode runMap(const Options& options) {
     }
     return DONE;
 }
+
+}  // namespace qvej::cli

@@ -9,6 +9,8 @@
 #include "tools/cli/session.h"
 #include "tools/cli/verbs/verbs.h"
 
+namespace qvej::cli {
+
 namespace {
 
 void print(Writer& out, std::string_view prefix, const Findings& findings) {
@@ -67,3 +69,5 @@ ExitCode runMapCheck(const Options& options) {
     out.flush();
     return fits ? DONE : DIFFERENT;
 }
+
+}  // namespace qvej::cli

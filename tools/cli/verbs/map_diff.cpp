@@ -15,6 +15,8 @@
 
 #include <algorithm>
 
+namespace qvej::cli {
+
 namespace {
 
 std::string orNone(const std::string& text) {
@@ -131,3 +133,5 @@ ExitCode runMapDiff(const Options& options) {
     out.flush();
     return lines.empty() ? DONE : DIFFERENT;
 }
+
+}  // namespace qvej::cli

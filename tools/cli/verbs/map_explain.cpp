@@ -10,6 +10,8 @@
 
 #include <algorithm>
 
+namespace qvej::cli {
+
 namespace {
 
 struct Found {
@@ -100,3 +102,5 @@ ExitCode runMapExplain(const Options& options) {
     out.flush();
     return DONE;
 }
+
+}  // namespace qvej::cli

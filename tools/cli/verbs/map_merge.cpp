@@ -19,6 +19,8 @@
 #include <tuple>
 #include <unordered_map>
 
+namespace qvej::cli {
+
 namespace {
 
 constexpr std::size_t kLongestName = 32;  // bytes of a name that gets a number, as the engine's
@@ -270,3 +272,5 @@ ExitCode runMapMerge(const Options& options) {
     putMap(mapDocument(map), options, sources);
     return DONE;
 }
+
+}  // namespace qvej::cli

@@ -12,6 +12,8 @@
 #include "tools/cli/session.h"
 #include "tools/cli/verbs/verbs.h"
 
+namespace qvej::cli {
+
 namespace {
 
 // The table, or a failure that names others.
@@ -93,3 +95,5 @@ ExitCode runRead(const Options& options) {
         session.failReading(error);
     }
 }
+
+}  // namespace qvej::cli

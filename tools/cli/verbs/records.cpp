@@ -12,6 +12,8 @@
 
 #include <algorithm>
 
+namespace qvej::cli {
+
 namespace {
 
 void writeRecord(Writer& out, const qvej::Record& record, std::string& path) {
@@ -72,3 +74,5 @@ ExitCode runRecords(const Options& options) {
         session.failReading(error);
     }
 }
+
+}  // namespace qvej::cli

@@ -14,6 +14,8 @@
 
 #include <array>
 
+namespace qvej::cli {
+
 namespace {
 
 constexpr std::array<std::string_view, 3> kTypeNames = {"ORDINAL", "NUMERIC", "CHARACTER"};
@@ -75,3 +77,5 @@ ExitCode runTables(const Options& options) {
     tellInexact(session.name(), document, tables, options.columns);
     return DONE;
 }
+
+}  // namespace qvej::cli

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+namespace qvej::cli {
+
 namespace {
 
 constexpr Verb kVerbs[] = {
@@ -56,3 +58,5 @@ std::string operandName(const Verb& verb, std::size_t index) {
     }
     return std::string(rest.substr(0, rest.find_first_of(" .]")));
 }
+
+}  // namespace qvej::cli

@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+namespace qvej::cli {
+
 struct Verb {
     std::string_view name;       // one word, or "map" and another
     std::string_view arguments;  // as help shows them: operands, then options
@@ -40,3 +42,5 @@ ExitCode runRead(const Options& options);
 ExitCode runConvert(const Options& options);
 ExitCode runRecords(const Options& options);
 ExitCode runCheck(const Options& options);
+
+}  // namespace qvej::cli
