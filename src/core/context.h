@@ -47,7 +47,7 @@ struct JMAP_PRIVATE {
     PATHBRANCH pathRoot;  // the root component
     PATHBRANCH* pathAt;   // of the members on the stack
     ARENA pathArena;      // nodes, names, heads
-    QVTrackerh members;   // parent and name -> PATHNODE, of nodes with many members; owned, ended
+    QVTrackerh members;   // parent and name -> PATHNODE, of nodes that are `indexed`; owned, ended
                           // after the scan
 
     // Text of the record being written; also a scratch buffer between records.

@@ -80,6 +80,7 @@ struct PATHNODE {
     int32_t labels;      // in the path
     bool plain;          // an element named "element", not after a label
     bool marked;         // a marker has been written
+    bool indexed;        // of a member: all its members are in the table `members`
     QVStrSize nameLen;
     PATHBRANCH* parent;  // must be last: with the name behind it, it is the key of a member.  Null:
                          // the root component

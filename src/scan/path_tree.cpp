@@ -7,13 +7,14 @@
 #include "nesting.h"
 #include "path_stats.h"
 
+#include <bit>
 #include <cstddef>
 #include <cstring>
 
 namespace jmap {
 namespace {
 
-constexpr int64_t kFewMembers = 16;  // so many are compared one by one
+constexpr int64_t kFewMembers = 16;  // so many are compared one by one; a power of two
 
 // NOLINTNEXTLINE(bugprone-sizeof-expression): the pointer itself is in the key
 constexpr QVStrSize kParentBytes = sizeof PATHNODE::parent;
@@ -39,51 +40,69 @@ PATHNODE* newNode(JMAP_PRIVATE* p, std::string_view name) {
     return node;
 }
 
-// A member's key in the hash: the address of its parent, and its name.
-void enterMember(JMAP_PRIVATE* p, PATHNODE* node) {
-    if (p->members == nullptr) {
-        return;
-    }
-    const char* key = reinterpret_cast<const char*>(&node->parent);
-    if (p->members->insert(p->members, key, kParentBytes + node->nameLen, node) != QV_OK) {
-        lookUpByText(p);  // it will be made again
-    }
-}
-
-// The members of `pathAt` have become many.
-void enterMembers(JMAP_PRIVATE* p) {
+// Makes the table when there is none; false without memory.
+bool hasTable(JMAP_PRIVATE* p) {
     if (p->members == nullptr) {
         constexpr std::u32string_view kName = U"path tree tracker";
         QVHndlp host = qvGlobalHandle();
         p->members = host->createTracker(host, QV_TRACKER_HASH, 1, kName.data(),
                                          static_cast<QVStrSize>(kName.size()));
     }
-    for (PATHBRANCH* member = p->pathAt->members; member != nullptr; member = member->sibling) {
-        enterMember(p, &member->node);
-    }
+    return p->members != nullptr;
 }
 
-PATHNODE* findByHash(JMAP_PRIVATE* p, std::string_view name) {
-    VARSTR* key = &p->path;  // no record is being written
-    key->len = 0;
-    if (jmapVarstrCheck(p, key, kParentBytes + lengthOf(name)) != QV_OK) {
-        lookUpByText(p);
-        return nullptr;
-    }
-    put(key, std::string_view(reinterpret_cast<const char*>(&p->pathAt), kParentBytes));
-    put(key, name);
-    return static_cast<PATHNODE*>(p->members->find(p->members, key->str, key->len));
+// A member's key in the table: the address of its parent, and its name.
+bool enterMember(JMAP_PRIVATE* p, PATHNODE* node) {
+    const char* key = reinterpret_cast<const char*>(&node->parent);
+    return p->members->insert(p->members, key, kParentBytes + node->nameLen, node) == QV_OK;
 }
 
-PATHNODE* findMember(JMAP_PRIVATE* p, std::string_view name) {
-    if (p->pathAt->memberCount > kFewMembers && p->members != nullptr) {
-        return findByHash(p, name);
+bool enterMembers(JMAP_PRIVATE* p) {
+    if (!hasTable(p)) {
+        return false;
     }
     PATHBRANCH* member = p->pathAt->members;
+    while (member != nullptr && enterMember(p, &member->node)) {
+        member = member->sibling;
+    }
+    return member == nullptr;
+}
+
+// Whether the table has all members of `pathAt`.  It ends with the parse.
+bool isIndexed(const JMAP_PRIVATE* p) {
+    return p->pathAt->node.indexed && p->members != nullptr;
+}
+
+// `node` is a new member of `pathAt`.  The members enter the table when they have become many.  If
+// one cannot be entered, none is looked up there: the list has them all.  All are entered again
+// each time that their number has doubled, so that one failure does not make a large object slow.
+void indexMember(JMAP_PRIVATE* p, PATHNODE* node) {
+    PATHBRANCH* at = p->pathAt;
+    if (isIndexed(p)) {
+        at->node.indexed = enterMember(p, node);
+    } else if (at->memberCount > kFewMembers &&
+               std::has_single_bit(static_cast<uint64_t>(at->memberCount - 1))) {
+        at->node.indexed = enterMembers(p);
+    }
+}
+
+PATHNODE* findInList(const PATHBRANCH* at, std::string_view name) {
+    PATHBRANCH* member = at->members;
     while (member != nullptr && !equalShort(nameOf(&member->node), name)) {
         member = member->sibling;
     }
     return member == nullptr ? nullptr : &member->node;
+}
+
+PATHNODE* findMember(JMAP_PRIVATE* p, std::string_view name) {
+    VARSTR* key = &p->path;  // no record is being written
+    key->len = 0;
+    if (!isIndexed(p) || jmapVarstrCheck(p, key, kParentBytes + lengthOf(name)) != QV_OK) {
+        return findInList(p->pathAt, name);
+    }
+    put(key, std::string_view(reinterpret_cast<const char*>(&p->pathAt), kParentBytes));
+    put(key, name);
+    return static_cast<PATHNODE*>(p->members->find(p->members, key->str, key->len));
 }
 
 PATHNODE* makeMember(JMAP_PRIVATE* p, std::string_view name) {
@@ -95,11 +114,7 @@ PATHNODE* makeMember(JMAP_PRIVATE* p, std::string_view name) {
     branchOf(node)->sibling = at->members;
     at->members = branchOf(node);
     ++at->memberCount;
-    if (at->memberCount == kFewMembers + 1) {
-        enterMembers(p);
-    } else if (at->memberCount > kFewMembers) {
-        enterMember(p, node);
-    }
+    indexMember(p, node);
     return node;
 }
 

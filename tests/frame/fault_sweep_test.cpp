@@ -48,6 +48,7 @@ const std::vector<Kind>& kinds() {
     const std::set<QVStatus> memory = {QV_NOMEM, JMAP_PARSE, JMAP_MAP_NOMEM};
     const auto requests = [](FakeHost& host) { return host.requests(); };
     const auto loads = [](FakeHost& host) { return host.loads(); };
+    const auto trackers = [](FakeHost& host) { return host.trackerRequests(); };
     static const std::vector<Kind> kAll = {
         {"memory, once", requests, [](auto& host, uint64_t n) { host.failAllocation(n); }, memory},
         {"memory, from then on", requests,
@@ -55,6 +56,9 @@ const std::vector<Kind>& kinds() {
         {"module, once", loads, [](auto& host, uint64_t n) { host.failLoad(n); }, memory},
         {"module, from then on", loads, [](auto& host, uint64_t n) { host.failLoad(n, true); },
          memory},
+        {"tracker, once", trackers, [](auto& host, uint64_t n) { host.failTracker(n); }, memory},
+        {"tracker, from then on", trackers,
+         [](auto& host, uint64_t n) { host.failTracker(n, true); }, memory},
         fileKind<&S::open>("open, EINTR", -EINTR, {}),
         fileKind<&S::open>("open, ENOSPC", -ENOSPC, {QV_IO_FULL, JMAP_PARSE}),
         fileKind<&S::open>("open, EIO", -EIO, {QV_IO_OPEN, JMAP_PARSE}),
@@ -163,20 +167,20 @@ constexpr Keeping kInFiles[] = {
     {.name = "deflated blocks in a file", .compress = true, .spill = true, .rows = 700},
 };
 
-TEST(FaultSweep, OfMemoryAndModulesInEachOperation) {
+TEST(FaultSweep, OfMemoryModulesAndTrackersInEachOperation) {
     Tally injected;
     for (const Keeping& keeping : std::span(kSmall).first(isLong() ? std::size(kSmall) : 2)) {
         Sweep sweep(keeping);
-        for (const Kind& kind : std::span(kinds()).first(4)) {
+        for (const Kind& kind : std::span(kinds()).first(6)) {
             sweep.run(kind, isLong() ? 1 : 7, injected);
         }
     }
     for (const char* asks :
          {"JsonInit, memory, once", "JsonInput, memory, from then on",
-          "JsonInput, the last, module, once", "GetAlldataInfo, memory, once",
-          "GetAutoMapBuf, memory, once", "MapInit, memory, once", "MapInput, memory, once",
-          "GetUserMap, memory, once", "ReadInit, memory, once", "Read, memory, once",
-          "jmapReadTable, memory, once", "jmapRecordsOpen, memory, once",
+          "JsonInput, the last, module, once", "JsonInput, the last, tracker, once",
+          "GetAlldataInfo, memory, once", "GetAutoMapBuf, memory, once", "MapInit, memory, once",
+          "MapInput, memory, once", "GetUserMap, memory, once", "ReadInit, memory, once",
+          "Read, memory, once", "jmapReadTable, memory, once", "jmapRecordsOpen, memory, once",
           "jmapPassOpen, memory, once", "jmapPassNext, memory, from then on"}) {
         EXPECT_GT(injected.count(asks), 0u) << asks;
     }
@@ -187,7 +191,7 @@ TEST(FaultSweep, OfFilesInEachOperation) {
     Tally injected;
     for (const Keeping& keeping : std::span(kInFiles).first(isLong() ? std::size(kInFiles) : 2)) {
         Sweep sweep(keeping);
-        for (const Kind& kind : std::span(kinds()).subspan(4)) {
+        for (const Kind& kind : std::span(kinds()).subspan(6)) {
             sweep.run(kind, 1, injected);
         }
     }
@@ -197,6 +201,56 @@ TEST(FaultSweep, OfFilesInEachOperation) {
         EXPECT_GT(injected.count(asks), 0u) << asks;
     }
     injected.print();
+}
+
+// Documents whose scan asks for trackers: objects of many members, whose second half comes in the
+// other order; paths of the same text from different members; tables of one name.
+std::vector<std::string> documentsWithTrackers() {
+    const auto members = [](int count, bool reversed) {
+        std::string object;
+        for (int i = 0; i < count; ++i) {
+            object += (i == 0 ? "\"m" : ",\"m") + std::to_string(reversed ? count - 1 - i : i) +
+                      "\":" + std::to_string(i);
+        }
+        return "{" + object + "}";
+    };
+    const auto twoObjects = [&](int count) {
+        std::string text;
+        for (const bool reversed : {false, true}) {
+            text += (text.empty() ? "[{\"a\":" : ",{\"a\":") + members(count, reversed) +
+                    ",\"b\":" + members(count, reversed) + "}";
+        }
+        return text + "]";
+    };
+    return {
+        twoObjects(20), twoObjects(70),
+        R"({"x\u0002y":{"p":1,"q":1},"x":{"y":{"q":2,"r":{}}},"t":[1],"u":[{"t":{"t1":5}},{}]})",
+        R"({"a":{"t":[{"v":1}]},"T":{"a_t":{"v":1}},"b":{"t":[{"v":2}]},"A_t":{"v":3}})"};
+}
+
+// Which creation or insertion fails: any one alone, or all from it on.
+TEST(FaultSweep, OfEachTrackerInAScan) {
+    for (const std::string& json : documentsWithTrackers()) {
+        LoadedHost clean;
+        const Scan expected(clean, json);
+        EXPECT_GT(clean.trackerRequests(), 3U) << json;
+        for (const bool always : {false, true}) {
+            for (uint64_t n = 1; n <= clean.trackerRequests(); ++n) {
+                SCOPED_TRACE(std::to_string(n) + (always ? " and on in " : " in ") + json);
+                LoadedHost host;
+                host.failTracker(n, always);
+                const Scan scan(host, json);
+                host.failTracker(0);
+                ASSERT_QV_OK(scan.status);
+                JMAPTotals totals = {};
+                jmapTotals(scan.doc(), &totals);
+                if (totals.lostLookups + totals.droppedTables == 0) {
+                    ASSERT_EQ(scan.map(), expected.map()) << "and nobody was told";
+                }
+                ASSERT_EQ(scan.blocks(), expected.blocks());
+            }
+        }
+    }
 }
 
 // Loading the engine: its pool, itself, the modules it stands on.

@@ -16,6 +16,9 @@ struct Hooked {
 // A hook gets an object of the portable host only; what belongs to it is found here.
 std::map<QVGeneric*, Hooked> hooked;
 
+using Insert = decltype(QVTracker::insert);
+Insert realInsert = nullptr;  // one routine for all trackers of the portable host
+
 std::string narrow(const QVChar* text, QVStrSize len) {
     return {text, text + len};
 }
@@ -57,12 +60,7 @@ FakeHost::FakeHost() {
         return of(host)->made("pool " + narrow(name, len),
                               real->createPool(real, parms, name, len));
     };
-    handle_.createTracker = [](QVHndlp host, int32_t kind, int32_t types, const QVChar* name,
-                               QVStrSize len) {
-        QVHndlp real = of(host)->real_;
-        return of(host)->made("tracker " + narrow(name, len),
-                              real->createTracker(real, kind, types, name, len));
-    };
+    handle_.createTracker = createTracker;
     handle_.qvmrlmem = [](QVHndlp host, uint64_t* bytes) {
         FakeHost* self = of(host);
         const QVStatus rc = self->real_->qvmrlmem(self->real_, bytes);
@@ -100,6 +98,30 @@ void FakeHost::watch(QVGeneric* object, const std::string& label) {
     };
 }
 
+QVTrackerh FakeHost::createTracker(QVHndlp host, int32_t kind, int32_t types, const QVChar* name,
+                                   QVStrSize len) {
+    FakeHost* self = of(host);
+    QVTrackerh tracker = self->trackerFails()
+                             ? nullptr
+                             : self->real_->createTracker(self->real_, kind, types, name, len);
+    if (tracker != nullptr) {
+        realInsert = tracker->insert;
+        tracker->insert = insert;
+    }
+    return self->made("tracker " + narrow(name, len), tracker);
+}
+
+QVStatus FakeHost::insert(QVTrackerh tracker, const char* key, QVStrSize keyLen, QVMemPtr value) {
+    FakeHost* self = hooked.at(&tracker->generic).host;
+    return self->trackerFails() ? QV_NOMEM : realInsert(tracker, key, keyLen, value);
+}
+
+bool FakeHost::trackerFails() {
+    ++trackerRequests_;
+    return trackerRequests_ == failingTracker_ ||
+           (failingTrackers_ && trackerRequests_ > failingTracker_);
+}
+
 QVExtensionh FakeHost::load(QVHndlp host, const QVChar* name, QVStrSize nameLen, QVJnlh jnl) {
     FakeHost* self = of(host);
     const std::string label = narrow(name, nameLen);
@@ -131,6 +153,11 @@ void FakeHost::substitute(const std::string& name, QVEntry entry) {
 
 void FakeHost::failAllocation(uint64_t n, bool always) {
     qvPortableFailAllocation(real_, n, always ? 1 : 0);
+}
+
+void FakeHost::failTracker(uint64_t n, bool always) {
+    failingTracker_ = n == 0 ? 0 : trackerRequests_ + n;
+    failingTrackers_ = n != 0 && always;
 }
 
 void FakeHost::failLoad(uint64_t n, bool always) {

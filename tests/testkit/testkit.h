@@ -58,6 +58,10 @@ class FakeHost {
     void setAvailable(std::optional<uint64_t> bytes) { available_ = bytes; }
     // The n-th allocation, reallocation, pool or tracker creation from now on fails; 0: none.
     void failAllocation(uint64_t n, bool always = false);
+    // The n-th creation of a tracker or insertion into one from now on fails; 0: none.
+    void failTracker(uint64_t n, bool always = false);
+    // Creations of trackers and insertions asked for so far.
+    [[nodiscard]] uint64_t trackerRequests() const { return trackerRequests_; }
     // The n-th load of a module from now on gives null; 0: none.
     void failLoad(uint64_t n, bool always = false);
     // Loads asked for so far.
@@ -78,6 +82,10 @@ class FakeHost {
     };
     static FakeHost* of(QVHndlp host) { return static_cast<Handle*>(host)->owner; }
     static QVExtensionh load(QVHndlp host, const QVChar* name, QVStrSize nameLen, QVJnlh jnl);
+    static QVTrackerh createTracker(QVHndlp host, int32_t kind, int32_t types, const QVChar* name,
+                                    QVStrSize len);
+    static QVStatus insert(QVTrackerh tracker, const char* key, QVStrSize keyLen, QVMemPtr value);
+    bool trackerFails();
     template <class Object>
     Object* made(const std::string& label, Object* object);
 
@@ -89,8 +97,11 @@ class FakeHost {
     std::map<std::string, std::string> substitutes_;  // name -> registered name; "": missing
     uint64_t created_ = 0;                            // pools and trackers
     uint64_t loads_ = 0;
-    uint64_t failingLoad_ = 0;   // counted as `loads_`; 0: none
-    bool failingLoads_ = false;  // and all that follow
+    uint64_t trackerRequests_ = 0;
+    uint64_t failingTracker_ = 0;   // counted as `trackerRequests_`; 0: none
+    bool failingTrackers_ = false;  // and all that follow
+    uint64_t failingLoad_ = 0;      // counted as `loads_`; 0: none
+    bool failingLoads_ = false;     // and all that follow
 };
 
 struct ScanOptions {
