@@ -20,10 +20,11 @@ namespace {
 constexpr int32_t kFirstSuffix = 2;
 
 // The place of a name: that of the column which has it, in any case, or the empty one for it.
-COLUMNSLOT& slotOf(const COLUMNNAMES& names, std::string_view name) noexcept {
+COLUMNSLOT& slotOf(const JMAP_PRIVATE* p, const COLUMNNAMES& names,
+                   std::string_view name) noexcept {
     char upper[kNameMax];
     upperName(upper, name);
-    const uint32_t hash = hashOf(view(upper, lengthOf(name)));
+    const uint32_t hash = hashOf(p->hashSeed, view(upper, lengthOf(name)));
     for (uint64_t at = hash;; ++at) {
         COLUMNSLOT& slot = names.slots[at & (names.size - 1)];
         if (slot.column == nullptr) {
@@ -37,9 +38,10 @@ COLUMNSLOT& slotOf(const COLUMNNAMES& names, std::string_view name) noexcept {
     }
 }
 
-bool isTaken(VARINFO* inl, const COLUMNNAMES& names, std::string_view name) noexcept {
+bool isTaken(const JMAP_PRIVATE* p, VARINFO* inl, const COLUMNNAMES& names,
+             std::string_view name) noexcept {
     if (names.slots != nullptr) {
-        return slotOf(names, name).column != nullptr;
+        return slotOf(p, names, name).column != nullptr;
     }
     for (const VARINFO& column : each(inl)) {
         if (charNormCompare(column.name, column.nameLen, name.data(), lengthOf(name)) != 0) {
@@ -49,11 +51,11 @@ bool isTaken(VARINFO* inl, const COLUMNNAMES& names, std::string_view name) noex
     return false;
 }
 
-void indexColumn(const VARINFO& column, COLUMNNAMES& names) noexcept {
+void indexColumn(const JMAP_PRIVATE* p, const VARINFO& column, COLUMNNAMES& names) noexcept {
     if (column.nameLen > kNameMax) {
         return;  // an ordinal with a suffix: longer than any name that is looked for
     }
-    COLUMNSLOT& slot = slotOf(names, nameOf(column));
+    COLUMNSLOT& slot = slotOf(p, names, nameOf(column));
     if (slot.column == nullptr) {
         slot.column = &column;
         names.count += 1;
@@ -90,11 +92,11 @@ QVStatus makeZULVariable(JMAP_PRIVATE* p, char* s, QVStrSize* insLen, VARINFO* i
     const QVStrSize baseLen = std::min(*insLen, kNameMax);
     validateName(s, baseLen);
     *insLen = baseLen;
-    if (!isTaken(inl, names, view(s, baseLen))) {
+    if (!isTaken(p, inl, names, view(s, baseLen))) {
         return QV_OK;
     }
     // Names are never given back, so numbers once found taken need not be looked at again.
-    COLUMNSLOT* const base = names.slots != nullptr ? &slotOf(names, view(s, baseLen)) : nullptr;
+    COLUMNSLOT* const base = names.slots != nullptr ? &slotOf(p, names, view(s, baseLen)) : nullptr;
     int32_t suffix = base != nullptr && base->nextSuffix != 0 ? base->nextSuffix : kFirstSuffix;
     do {
         char digits[kNumberMax];
@@ -104,7 +106,7 @@ QVStatus makeZULVariable(JMAP_PRIVATE* p, char* s, QVStrSize* insLen, VARINFO* i
         std::memcpy(s + at, digits, static_cast<std::size_t>(digitCount));
         *insLen = at + digitCount;
         ++suffix;
-    } while (isTaken(inl, names, view(s, *insLen)));
+    } while (isTaken(p, inl, names, view(s, *insLen)));
     if (base != nullptr) {
         base->nextSuffix = suffix;
     }
@@ -122,11 +124,11 @@ void indexLastColumn(JMAP_PRIVATE* p, DSINFO* ds, COLUMNNAMES& names) noexcept {
         return;
     }
     if (!isNew) {
-        indexColumn(*ds->vtail, names);
+        indexColumn(p, *ds->vtail, names);
         return;
     }
     for (const VARINFO& column : each(ds->vhead)) {
-        indexColumn(column, names);
+        indexColumn(p, column, names);
     }
 }
 

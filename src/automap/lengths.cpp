@@ -67,7 +67,7 @@ void noteInformat(JMAP_PRIVATE* p, const VARINFO& column, const DSINFO& ds) {
 }
 
 // Fills an empty index; false without memory.
-[[nodiscard]] bool fillIndex(QVPoolh pool, const MAP& map, AUTOINDEX& index) noexcept {
+[[nodiscard]] bool fillIndex(JMAP_PRIVATE* p, const MAP& map, AUTOINDEX& index) noexcept {
     uint64_t count = 0;
     for (const DSINFO& ds : each(map.dshead)) {
         count += ds.varcount;
@@ -76,8 +76,8 @@ void noteInformat(JMAP_PRIVATE* p, const VARINFO& column, const DSINFO& ds) {
         return false;
     }
     const uint64_t buckets = std::bit_ceil(count + 1);
-    index.columns = poolNew<AUTOCOLUMN>(pool, static_cast<QVStrSize>(count));
-    index.buckets = poolNew<uint32_t>(pool, static_cast<QVStrSize>(buckets));
+    index.columns = poolNew<AUTOCOLUMN>(p->cpool, static_cast<QVStrSize>(count));
+    index.buckets = poolNew<uint32_t>(p->cpool, static_cast<QVStrSize>(buckets));
     index.mask = static_cast<uint32_t>(buckets - 1);
     if (index.columns == nullptr || index.buckets == nullptr) {
         return false;
@@ -85,7 +85,7 @@ void noteInformat(JMAP_PRIVATE* p, const VARINFO& column, const DSINFO& ds) {
     AUTOCOLUMN* end = index.columns;
     for (const DSINFO& ds : each(map.dshead)) {
         for (const VARINFO& column : each(ds.vhead)) {
-            *end++ = {&column, &ds, hashOf(pathOf(column)), 0};
+            *end++ = {&column, &ds, hashOf(p->hashSeed, pathOf(column)), 0};
         }
     }
     // From the last column to the first, so that every bucket is in map order.
@@ -117,7 +117,7 @@ void settleLength(JMAP_PRIVATE* p, VARINFO& column, const DSINFO& ds, uint64_t a
 void settleByIndex(JMAP_PRIVATE* p, VARINFO& column, const DSINFO& ds,
                    const AUTOINDEX& index) noexcept {
     const std::string_view path = pathOf(column);
-    const uint32_t hash = hashOf(path);
+    const uint32_t hash = hashOf(p->hashSeed, path);
     const DSINFO* settled = nullptr;
     for (uint32_t at = index.buckets[hash & index.mask]; at != 0;) {
         const AUTOCOLUMN& found = index.columns[at - 1];
@@ -167,7 +167,7 @@ void getAutomapLengths(JMAP_PRIVATE* p) {
         return;
     }
     AUTOINDEX index = {};
-    const bool isIndexed = fillIndex(p->cpool, *p->automap, index);
+    const bool isIndexed = fillIndex(p, *p->automap, index);
     for (DSINFO& ds : each(p->usermap->dshead)) {
         for (VARINFO& column : each(ds.vhead)) {
             if (column.type != VAR_CHAR) {

@@ -24,10 +24,10 @@ constexpr uint64_t kMostSize = uint64_t{1} << 31;  // positions are told in 32 b
 }
 
 // The same for names that differ in case only.
-[[nodiscard]] uint32_t hashInAnyCase(std::string_view name) noexcept {
+[[nodiscard]] uint32_t hashInAnyCase(const JMAP_PRIVATE* p, std::string_view name) noexcept {
     char upper[sizeof(DSINFO::name)];
     upperName(upper, name);
-    return hashOf(std::string_view(upper, name.size()));
+    return hashOf(p->hashSeed, std::string_view(upper, name.size()));
 }
 
 [[nodiscard]] uint32_t& bucketOf(const MAPINDEX& index, uint32_t hash) noexcept {
@@ -93,7 +93,7 @@ void update(JMAP_PRIVATE* p, MAP& map) noexcept {
         if (&ds == map.dstail || (index.count == index.size && !grow(p, index))) {
             return;
         }
-        index.slots[index.count++] = {&ds, hashInAnyCase(nameOf(ds)), 0};
+        index.slots[index.count++] = {&ds, hashInAnyCase(p, nameOf(ds)), 0};
     }
 }
 
@@ -125,7 +125,7 @@ DSINFO* findTable(JMAP_PRIVATE* p, MAP* map, std::string_view name, SAMENAME* sa
     for (; index.linked < index.count; ++index.linked) {
         link(index, index.linked);
     }
-    const uint32_t hash = hashInAnyCase(name);
+    const uint32_t hash = hashInAnyCase(p, name);
     uint32_t at = index.count == 0 ? 0 : bucketOf(index, hash);
     while (at != 0) {
         const MAPSLOT& slot = index.slots[at - 1];

@@ -39,6 +39,7 @@ struct JMAP_PRIVATE {
     QVJnlh jnl;            // the caller's; null: no notes
     QVPoolh cpool;         // the document pool
     uint64_t flags;        // the caller's; no effect
+    uint64_t hashSeed;     // of hashOf, for all tables of the document
     JSNParserh parser;     // owned
     JSNParserh mapParser;  // owned, ended by MapTerm
     QVStringServiceh smh;  // string service of the document encoding; owned

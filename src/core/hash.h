@@ -1,8 +1,10 @@
 // A hash of a text, for tables inside the engine, and a checksum of many bytes.
 //
-// Tested by tests/automap/map_index_test.cpp, tests/automap/lengths_test.cpp and
-// tests/core/helpers_test.cpp
+// Tested by tests/core/helpers_test.cpp, tests/automap/column_names_test.cpp and
+// tests/automap/map_index_test.cpp
 #pragma once
+
+#include "short_bytes.h"
 
 #include <algorithm>
 #include <bit>
@@ -13,13 +15,61 @@
 
 namespace jmap {
 
-// FNV-1a, folded.
-[[nodiscard]] constexpr uint32_t hashOf(std::string_view text) noexcept {
-    uint64_t h = 0xCBF29CE484222325u;
-    for (const char c : text) {
-        h = (h ^ static_cast<uint8_t>(c)) * 0x100000001B3u;
+// Multiplies into 128 bits and folds both halves together.
+[[nodiscard]] constexpr uint64_t foldedProduct(uint64_t a, uint64_t b) noexcept {
+    __extension__ using Wide = unsigned __int128;
+    const Wide product = static_cast<Wide>(a) * b;
+    return static_cast<uint64_t>(product) ^ static_cast<uint64_t>(product >> 64);
+}
+
+// Odd, half of their bits set.
+inline constexpr uint64_t kHashFirst = 0xA0761D6478BD642F;
+inline constexpr uint64_t kHashSecond = 0xE7037ED1A0B428DB;
+
+// A hash that folds 16 bytes a step into a product, as wyhash does (Wang Yi,
+// github.com/wangyi-fudan/ wyhash).  Names come from documents, so the hash depends on a seed that
+// a document's author does not know (see newHashSeed): without it, chosen names would all fall into
+// one place of a table. No order of results may come from it, since it differs from run to run.
+[[nodiscard]] inline uint32_t hashOf(uint64_t seed, std::string_view text) noexcept {
+    const char* at = text.data();
+    std::size_t left = text.size();
+    // Both factors depend on the seed, so that no text can make one of them 0.
+    const uint64_t first = seed ^ kHashFirst;
+    uint64_t state = seed;
+    for (; left > 16; at += 16, left -= 16) {
+        state = foldedProduct(loadBytes<uint64_t>(at) ^ first, loadBytes<uint64_t>(at + 8) ^ state);
     }
-    return static_cast<uint32_t>(h ^ h >> 32);
+    // The last 1 to 16 bytes as two words that may overlap.
+    uint64_t low = 0;
+    uint64_t high = 0;
+    if (left >= 8) {
+        low = loadBytes<uint64_t>(at);
+        high = loadBytes<uint64_t>(at + left - 8);
+    } else if (left >= 4) {
+        low = loadBytes<uint32_t>(at);
+        high = loadBytes<uint32_t>(at + left - 4);
+    } else if (left > 0) {
+        const auto byte = [at](std::size_t i) { return uint64_t{static_cast<uint8_t>(at[i])}; };
+        low = byte(0) << 16 | byte(left / 2) << 8 | byte(left - 1);
+    }
+    // The length comes last: before, a byte of the text could undo it.
+    const uint64_t hash =
+        foldedProduct(foldedProduct(low ^ first, high ^ state), kHashSecond ^ text.size());
+    return static_cast<uint32_t>(hash ^ hash >> 32);
+}
+
+// A seed for the tables of one document.
+//   of  some memory of the document
+// The engine may import nothing that gives random bits, and a host has no such service.  But the
+// system places the stack, the memory of the pools and the code at random addresses, anew for each
+// process, each with its own random bits; together they are more than anybody can try out in a
+// document.  Where the system does not do so, chosen names can make a map slow, never wrong.
+[[nodiscard]] inline uint64_t newHashSeed(const void* of) noexcept {
+    static constexpr char kHere = 0;
+    const auto address = [](const void* memory) { return reinterpret_cast<uintptr_t>(memory); };
+    const uint64_t stack = address(&of);
+    return foldedProduct(foldedProduct(address(of) ^ kHashFirst, stack ^ kHashSecond) ^ kHashFirst,
+                         address(&kHere) ^ kHashSecond);
 }
 
 // Tells whether bytes are still what they were: a disk, or another program, may have changed them.

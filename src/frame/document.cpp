@@ -4,6 +4,7 @@
 #include "document.h"
 
 #include "core/context.h"
+#include "core/hash.h"
 #include "core/note.h"
 #include "core/pool.h"
 #include "core/status.h"
@@ -168,6 +169,7 @@ QVStatus JsonInit(QVExtensionh inh, QVEJMAPJsonInitParms* parms, QVEJMAPJsonCont
     }
     JMAP_PRIVATE* p = contextOf(ctx);
     p->cpool = pool;
+    p->hashSeed = newHashSeed(p);
     p->jnl = jnl;
     p->compress = parms->compress != 0;
     p->inCei = parms->inCEI;

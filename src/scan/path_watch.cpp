@@ -12,7 +12,7 @@ namespace {
 constexpr QVStrSize kLists = QVStrSize{1} << 16;  // every path of a document may be watched for
 
 PATHWATCH** listOf(const JMAP_PRIVATE* p, std::string_view path) {
-    return p->watches + hashOf(path) % kLists;
+    return p->watches + hashOf(p->hashSeed, path) % kLists;
 }
 
 // Of the records that have come, without placeholders.

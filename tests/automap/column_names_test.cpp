@@ -2,6 +2,7 @@
 #include "automap/column_names.h"
 
 #include "automap/names.h"
+#include "testkit/chosen_names.h"
 #include "testkit/open_document.h"
 
 #include <random>
@@ -55,6 +56,29 @@ TEST(ColumnNames, OfALongTableAreThoseOfTheList) {
     Names mixed(members.begin(), members.end());
     std::shuffle(mixed.begin(), mixed.end(), random);
     EXPECT_EQ(columnNames(mixed), namedByList(mixed));
+}
+
+// Names that collide under a known hash must not make the index a list.
+TEST(ColumnNames, ThatWereChosenAreFoundNearTheirPlaces) {
+    HandDocument doc;
+    DSINFO ds{};
+    COLUMNNAMES names{};
+    for (const std::string& member : chosenNames(1000)) {
+        auto* column = poolNew<VARINFO>(doc.p.cpool);
+        column->name = poolBytes(doc.p.cpool, kNameMax);
+        column->nameLen = static_cast<QVStrSize>(member.copy(column->name, kNameMax));
+        ASSERT_QV_OK(makeZULVariable(&doc.p, column->name, &column->nameLen, ds.vhead, names));
+        append(ds.vhead, ds.vtail, column);
+        ++ds.varcount;
+        indexLastColumn(&doc.p, &ds, names);
+    }
+    uint64_t steps = 0;  // from the place of each hash to that of its name
+    for (uint64_t i = 0; i < names.size; ++i) {
+        steps += names.slots[i].column == nullptr ? 0 : (i - names.slots[i].hash) % names.size;
+    }
+    EXPECT_EQ(names.count, 1000U);
+    EXPECT_LT(steps, 5 * names.count);  // one half each is to be expected
+    endColumnNames(&doc.p, names);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "automap/map_index.h"
 
 #include "scan/path_text.h"
+#include "testkit/chosen_names.h"
 #include "testkit/hand_map.h"
 
 namespace jmap::test {
@@ -48,6 +49,26 @@ TEST(MapIndex, FindsWhatAWalkFinds) {
     }
     EXPECT_GT(indexed.map.index.count, 8 * kWalkedTables);
     EXPECT_EQ(walked.map.index.count, 0);
+}
+
+// Names that collide under a known hash must not make a bucket a list of all.
+TEST(MapIndex, HasShortBucketsForNamesThatWereChosen) {
+    HandDocument document;
+    HandMap hand;
+    for (const std::string& name : chosenNames(1000)) {
+        hand.table(name);
+    }
+    EXPECT_EQ(findTable(&document.p, &hand.map, "none", sameBytes), nullptr);
+    const MAPINDEX& index = hand.map.index;
+    uint64_t steps = 0;  // to find each table once
+    for (uint64_t i = 0; i < index.size; ++i) {
+        uint64_t depth = 0;
+        for (uint32_t at = index.buckets[i]; at != 0; at = index.slots[at - 1].next) {
+            steps += ++depth;
+        }
+    }
+    EXPECT_EQ(index.linked, 999U);       // the last one is never in it
+    EXPECT_LT(steps, 5 * index.linked);  // one and a half each is to be expected
 }
 
 }  // namespace

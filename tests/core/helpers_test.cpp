@@ -4,7 +4,8 @@
 #include "core/pool.h"
 #include "core/short_bytes.h"
 #include "core/text.h"
-#include "testkit/testkit.h"
+#include "testkit/chosen_names.h"
+#include "testkit/open_document.h"
 
 #include <set>
 
@@ -55,6 +56,39 @@ TEST(ShortBytes, CopiesAndComparesJustTheText) {
             EXPECT_FALSE(equalShort(text, {other.data(), n})) << i;
         }
     }
+}
+
+TEST(Hash, DependsOnEachBitOnTheLengthAndOnTheSeed) {
+    constexpr uint64_t kSeed =
+        0x0123456789ABCDEF;  // a fixed one, so that nothing here is left to chance
+    std::set<uint32_t> hashes;
+    for (std::size_t n = 0; n <= 40; ++n) {
+        std::vector<char> bytes(n);  // with nothing around it
+        const std::string_view text(bytes.data(), n);
+        EXPECT_TRUE(hashes.insert(hashOf(kSeed, text)).second) << n;
+        for (std::size_t bit = 0; bit < n * 8; ++bit) {
+            bytes[bit / 8] = static_cast<char>(1 << bit % 8);
+            EXPECT_TRUE(hashes.insert(hashOf(kSeed, text)).second) << n << " " << bit;
+            bytes[bit / 8] = 0;
+        }
+    }
+    for (uint64_t bit = 0; bit < 64; ++bit) {
+        EXPECT_TRUE(hashes.insert(hashOf(kSeed ^ uint64_t{1} << bit, "name")).second) << bit;
+    }
+}
+
+TEST(Hash, SpreadsNamesThatWereChosen) {
+    constexpr std::size_t kNames = 1000;
+    std::set<uint32_t> ends;
+    for (const std::string& name : chosenNames(kNames)) {
+        ends.insert(hashOf(0x0123456789ABCDEF, name) % 2048);
+    }
+    EXPECT_GT(ends.size(), 700U);  // 2048 * (1 - exp(-1000 / 2048)) = 791 are to be expected
+}
+
+TEST(Hash, HasASeedOfItsOwnInEachDocument) {
+    HandDocument a, b;
+    EXPECT_NE(a.p.hashSeed, b.p.hashSeed);
 }
 
 TEST(Checksum, IsAnotherForAnyBitThatChangesAndForAnyLength) {
