@@ -5,7 +5,10 @@
 #include "client/user_map.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cstdint>
 #include <iterator>
+#include <system_error>
 #include <utility>
 
 namespace qvej {
@@ -16,6 +19,18 @@ constexpr std::string_view kTooLong = "longer than 32767 bytes";  // of a text f
 constexpr std::string_view kRounded = "rounded to what a double keeps";
 constexpr std::size_t kLongestText = 32767;  // bytes that a record keeps
 constexpr std::size_t kMostPending = 10000;  // values of one row, so that memory is bounded
+
+// Adds `places` to the exponent of a number's text.  One that no integer holds stays: it says
+// enough.
+void movePoint(std::string& number, int64_t places) {
+    const std::size_t end = std::min(number.find_first_of("eE"), number.size());
+    const char* const begin = number.data() + std::min(end + 1, number.size());
+    int64_t exponent = 0;
+    const auto error = std::from_chars(begin, number.data() + number.size(), exponent).ec;
+    if (places != 0 && error != std::errc::result_out_of_range) {
+        number.replace(end, std::string::npos, "e" + std::to_string(exponent + places));
+    }
+}
 
 }  // namespace
 
@@ -142,10 +157,9 @@ void CellValues::tellRounded(const Converted& converted, std::string_view text) 
     std::string digits;
     std::copy_if(text.begin(), text.end(), std::back_inserter(digits),
                  [](char c) { return c != ',' && c != '%' && c != '+' && c != ' '; });
-    const bool fraction = percent || column.informat.decimals != 0;
-    if (fraction && digits.find_first_of(".eE") == std::string::npos) {
-        digits += ".0";
-    }
+    const bool point = digits.find('.') != std::string::npos;
+    movePoint(digits,
+              (percent ? -2 : 0) - (point ? 0 : static_cast<int64_t>(column.informat.decimals)));
     if (jmapIsInexact(document_.handle(), digits.data(), static_cast<QVStrSize>(digits.size())) !=
         0) {
         reject({converted.column, rows_, text, kRounded, true});

@@ -229,8 +229,8 @@ typedef struct JMAPPathInfo {
     int64_t longestLine;   /* where the first of that length begins */
     int64_t longestColumn;
     JMAPPathKind kinds[7]; /* by JMAP_KIND_... */
-    JMAPPathKind inexact;  /* numbers that a double does not keep: whole ones past 2^53 that none is
-                              equal to, more than 17 digits, too large, too small */
+    JMAPPathKind inexact;  /* numbers that a double does not keep: the shortest text that reads back to
+                              the nearest double is another number, or it is infinite, or 0 */
 } JMAPPathInfo;
 
 /* As jmapNextTable, over every distinct path that had a value: groups of one parent together, in

@@ -1,9 +1,11 @@
 // Whether a number of the document survives in a double.
 //
-// A double keeps every whole number up to 2^53, some beyond, and 17 significant digits at most;
-// what is too large becomes infinite, what is too small 0.
+// The test is exact: the shortest text that reads back to the nearest double, as a decimal value,
+// is the number.  So 0.1 is kept, and 9007199254740993 is not; nor is what is too large or becomes
+// 0.  The double 2^60 is shortest as 1152921504606847000, so 1152921504606846976 is not kept
+// either: whoever prints the double gets other digits.
 //
-// Tested by tests/tool/golden/tables.t
+// Tested by tests/scan/exact_number_test.cpp
 #pragma once
 
 #include "qvehost.h"
@@ -15,11 +17,14 @@
 
 namespace jmap {
 
-// Whether a number of JSON grammar loses something: a whole number, written without point and
-// exponent, other than the double next to it; more than 17 digits from the first to the last that
-// is not 0; a magnitude that becomes infinite or, with a digit other than 0, 0.  Whole numbers of
-// more than 19 such digits count as lost, even 2^64.
-//   smh  converts what has an exponent or is very long; null: magnitudes are taken to be kept
+// So many significant digits are always kept, in numbers from 10^-307 to 10^308.  Such a decimal is
+// at least 10^-15 of itself away from the next one of 15 digits, and the decimals that a double is
+// nearest to lie within 2^-52 of it, which is less: so no other decimal of 15 digits or fewer has
+// the same double.
+inline constexpr int kAlwaysKeptDigits = 15;
+
+// Whether a number of JSON grammar is not kept.
+//   smh  reads what is far from 1, and needs many digits; null: all that is kept
 [[nodiscard]] bool losesDigits(QVStringServiceh smh, std::string_view number) noexcept;
 
 // Whether that needs a look at every digit.  Of the characters of a number only 'e' and 'E' have
@@ -28,8 +33,6 @@ namespace jmap {
     constexpr uint64_t kExponentBits = 0x4040404040404040;
     constexpr uint64_t kDigitBits = 0x1010101010101010;
     constexpr std::size_t kLeastTrouble = 5;  // 1e309
-    constexpr std::size_t kKeptWhole = 15;
-    constexpr std::size_t kKeptDigits = 17;
     const std::size_t sign = !number.empty() && number[0] == '-' ? 1 : 0;
     const char* const at = number.data() + sign;
     const std::size_t n = number.size() - sign;
@@ -47,7 +50,7 @@ namespace jmap {
         return true;
     }
     const bool hasPoint = ((first & middle & last) & kDigitBits) != kDigitBits;
-    return n > (hasPoint ? kKeptDigits + 1 : kKeptWhole);
+    return n > kAlwaysKeptDigits + (hasPoint ? 1U : 0U);
 }
 
 }  // namespace jmap

@@ -91,5 +91,5 @@ $ qvejmap read n.json t --map n.map; qvejmap read n.json t --map n.map --format 
   -inf\r
   {"a":1e400}
   {"a":-1e400}
-! qvejmap: t.a: 1 value rounded to what a double keeps, in row 3: "9007199254740993"
-! qvejmap: t.a: 1 value rounded to what a double keeps, in row 3: "9007199254740993"
+! qvejmap: t.a: 5 values rounded to what a double keeps, the first in row 3: "9007199254740993"
+! qvejmap: t.a: 5 values rounded to what a double keeps, the first in row 3: "9007199254740993"

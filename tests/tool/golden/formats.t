@@ -34,6 +34,7 @@ $ sh informat number '0012345|12.5|1e3|5|9007199254740993|-' 0,2
   5,0.05\r
   9007199254740993,90071992547409.94\r
   -,\r
+! qvejmap: t.out: 1 value rounded to what a double keeps, in row 5: "9007199254740993"
 ! qvejmap: t.out: 1 value rejected, in row 6: "-" is not a number
 $ sh informat number '123456|1.2.3|12a4' 3
   123456,123\r

@@ -169,6 +169,7 @@ $ printf '[{"id":9007199254740993,"n":9007199254740992,"f":9007199254740993.0,"s
   1,9007199254740993,9007199254740992,9007199254740993.0,9007199254740993\r
   2,1,,,\r
 ! qvejmap: <stdin>:1:8: root.id has 1 number that a double does not keep, here
+! qvejmap: <stdin>:1:50: root.f has 1 number that a double does not keep, here
 
 # --retain keeps what a row does not set.
 $ printf '{"r":[{"a":1,"b":"x"},{"a":2}]}' | qvejmap read - r --retain

@@ -1,0 +1,197 @@
+// Which numbers a double keeps.
+#include "scan/exact_number.h"
+
+#include "testkit/open_document.h"
+
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <random>
+
+namespace jmap::test {
+namespace {
+
+// A number as its digits, without zeros at both ends, and the power of ten of the last: "12e-3".
+std::string decimalOf(std::string_view number) {
+    std::string digits;
+    int64_t scale = 0;
+    bool fraction = false;
+    const std::size_t e = std::min(number.find_first_of("eE"), number.size());
+    for (const char c : number.substr(0, e)) {
+        fraction = fraction || c == '.';
+        if (c >= '0' && c <= '9') {
+            digits += c;
+            scale -= fraction ? 1 : 0;
+        }
+    }
+    if (e != number.size()) {
+        scale += std::strtoll(std::string(number.substr(e + 1)).c_str(), nullptr, 10);
+    }
+    digits.erase(0, digits.find_first_not_of('0'));
+    const std::size_t kept = digits.find_last_not_of('0') + 1;
+    scale += static_cast<int64_t>(digits.size() - kept);
+    return kept == 0 ? "0" : digits.substr(0, kept) + "e" + std::to_string(scale);
+}
+
+// By the definition: the shortest text of the nearest double is another number.
+bool isLost(const std::string& number) {
+    const double value = std::strtod(number.c_str(), nullptr);
+    char text[64];
+    char* const end = std::to_chars(text, std::end(text), value, std::chars_format::scientific).ptr;
+    return std::isinf(value) || decimalOf({text, end}) != decimalOf(number);
+}
+
+class ExactNumber : public testing::Test {
+   protected:
+    // What the engine finds, and whether the quick look agrees.
+    bool loses(const std::string& number) {
+        const bool lost = losesDigits(doc_.p.smh, number);
+        EXPECT_TRUE(!lost || mayLoseDigits(number)) << number;
+        return lost;
+    }
+    // Both signs, some other spellings.
+    void check(const std::string& number) {
+        const bool lost = isLost(number);
+        EXPECT_EQ(loses(number), lost) << number;
+        EXPECT_EQ(loses("-" + number), lost) << number;
+        const std::size_t e = std::min(number.find_first_of("eE"), number.size());
+        const bool point = number.find('.') < e;
+        const std::string padded = number.substr(0, e) + (point ? "00000000" : ".000");
+        EXPECT_EQ(loses(padded + number.substr(e)), lost) << padded;
+        if (e == number.size()) {
+            EXPECT_EQ(loses(number + "e0"), lost) << number;
+            EXPECT_EQ(loses(padded + "E+00"), lost) << padded;
+        }
+    }
+
+   private:
+    HandDocument doc_;
+};
+
+TEST_F(ExactNumber, IsTheShortestTextOfItsDouble) {
+    const std::string zeros(320, '0'), nines(310, '9');
+    const struct {
+        std::string number;
+        bool lost;
+    } kCases[] = {
+        {"0", false},
+        {"-0.0e999", false},
+        {"0e-400", false},
+        {"0.1", false},
+        {"1000000000000000", false},
+        // Whole numbers about 2^53, and a way beyond.
+        {"9007199254740991", false},
+        {"9007199254740992", false},
+        {"9007199254740993", true},
+        {"9007199254740994", false},
+        {"9007199254740993.0", true},
+        {"9007199254740994.0", false},
+        {"18014398509481983", true},
+        {"18014398509481982", false},
+        {"72057594037927941.0", true},
+        {"72057594037927936", true},
+        {"144115188075855872", true},
+        {"144115188075855870", false},
+        {"9223372036854775807", true},
+        {"9223372036854775808", true},
+        {"9223372036854775000", false},
+        {"9223372036854776000", false},
+        {"12345678901234567890", true},
+        {"12345678901234567000", false},
+        {"100000000000000000000000", false},
+        {"999999999999999999", true},
+        // With a point or an exponent.
+        {"1234567890123456.7", true},
+        {"1234567890123456.8", false},
+        {"900719925474099.3e1", true},
+        {"900719925474099.4e1", false},
+        {"0.12345678901234567", true},
+        {"0.123456789012345678", true},
+        {"0.10000000000000001", true},
+        {"0.30000000000000004", false},
+        {"65.613616999999977", true},
+        {"65.61361699999998", false},
+        {"1.50000000000000000000000000000", false},
+        {"123456789012345678e-5", true},
+        {"0.00000000000000000000000012345678901234567", true},
+        // Equally near to two texts of 17 digits: the even one.
+        {"1125899906842624.2", false},
+        {"1125899906842624.3", true},
+        {"1125899906842625.7", true},
+        {"1125899906842625.8", false},
+        // Powers of two, whose neighbours are not equally near.
+        {"9007199254740992.5", true},
+        {"4503599627370496.5", true},
+        {"4503599627370495.5", false},
+        {"5.684341886080801e-14", false},
+        {"5.684341886080802e-14", false},
+        {"2.2250738585072014e-308", false},
+        {"2.2250738585072013e-308", true},
+        // The largest, the smallest, fewer digits in between.
+        {"1.7976931348623157e308", false},
+        {"1.7976931348623158e308", true},
+        {"1e308", false},
+        {"1e309", true},
+        {"-1E999", true},
+        {nines, true},
+        {nines + ".5", true},
+        {"1" + zeros + ".0", true},
+        {"5e-324", false},
+        {"4e-324", true},
+        {"9e-324", true},
+        {"1e-323", false},
+        {"2e-324", true},
+        {"1e-400", true},
+        {"0." + zeros + "1", false},
+        {"0." + zeros + "12", false},
+        {"0." + zeros + "12345", true},
+        {"0." + zeros + "00001", true},
+        {"1e-99999999999999999999", true},
+        {"1e99999999999999999999", true},
+        {"1" + zeros + "e-320", false},
+        {"0." + zeros + "1e321", false},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.number);
+        EXPECT_EQ(loses(c.number), c.lost);
+        EXPECT_EQ(isLost(c.number), c.lost) << "the test's own way";
+    }
+}
+
+// What a double's digits are is known; those around it are the numbers that are hard to tell.
+TEST_F(ExactNumber, AgreesWithTheDefinitionOnRandomNumbers) {
+    std::mt19937_64 random(11);
+    char text[64];
+    for (int i = 0; i < 15000 && !HasFailure(); ++i) {
+        uint64_t image = random() >> 1;
+        if (i % 3 != 0) {  // of usual size, some near a power of two
+            image =
+                (uint64_t{1000} + random() % 60) << 52 | (random() >> 12 >> (i % 4 == 0 ? 49 : 0));
+        } else if (i % 2 == 0) {  // of few bits
+            image >>= random() % 62;
+        }
+        const auto value = std::bit_cast<double>(image);
+        if (!std::isfinite(value)) {
+            continue;
+        }
+        const int digits = 15 + static_cast<int>(random() % 4);
+        char* end =
+            std::to_chars(text, std::end(text), value, std::chars_format::scientific, digits - 1)
+                .ptr;
+        std::string number(text, end);
+        const std::size_t last = number.find('e') - 1;
+        number[last] = static_cast<char>('0' + (number[last] - '0' + random() % 3) % 10);
+        check(number);
+        const uint64_t whole = random() >> random() % 20;
+        check(std::to_string(whole));
+        const std::string shown = std::to_string(whole);
+        const std::size_t point = 1 + random() % shown.size();
+        if (point < shown.size()) {
+            check(shown.substr(0, point) + "." + shown.substr(point));
+        }
+        check("0.0" + shown);
+    }
+}
+
+}  // namespace
+}  // namespace jmap::test
