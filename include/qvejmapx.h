@@ -167,6 +167,9 @@ typedef struct JMAPPassItem {
     QVStrSize table;           /* index in the list of jmapPassOpen */
     const JMAPPassCell* cells; /* one for each column; of a JMAP_PASS_NOT_NUMBER: so far */
     QVStrSize cellCount;
+    /* After these, one for each ORDINAL column with an informat, in order: the text that Read keeps
+     * as its `rawdata`.  The column's own cell has the count. */
+    QVStrSize textCount;
     QVStrSize column;          /* of a JMAP_PASS_NOT_NUMBER, as the rest; its cell has the text too */
     const char* text;
     QVStrSize textLen;

@@ -34,7 +34,7 @@ std::vector<JMAPColumnInfo> columnsOf(JMAPTableh table) {
 }
 
 bool isRaw(const JMAPColumnInfo& column) {
-    return column.informat.nameLen != 0 && column.type != JMAP_ORDINAL;
+    return column.informat.nameLen != 0;
 }
 
 // Counts and retained values stay where they are when a table is reset, so that a second reading
@@ -62,7 +62,7 @@ Rows rowsUpToTheEnd(QVEJMAPReadContexth open, const std::vector<JMAPColumnInfo>&
         for (std::size_t i = 0; i < columns.size(); ++i) {
             const VARIABLEINFO& cell = open->varinfo[i];
             begun += "|";
-            begun += columns[i].type == JMAP_ORDINAL ? "" : view(cell.rawdata, cell.rawdataLen);
+            begun += view(cell.rawdata, cell.rawdataLen);
         }
         rows.push_back(std::move(begun));
         begun.clear();
@@ -91,6 +91,24 @@ std::string bufferOf(QVEJMAPJsonContexth doc, const JMAPColumnInfo& column,
         (void)jmapToNumber(doc, cell.text, cell.textLen, &number);  // 0 for no number
     }
     return {reinterpret_cast<const char*>(&number), sizeof number};
+}
+
+// The raw text of each column, behind a "|".
+std::string rawTexts(const JMAPPassItem& item, const std::vector<JMAPColumnInfo>& columns) {
+    std::string raws;
+    const JMAPPassCell* text = item.cells + item.cellCount;
+    const JMAPPassCell* const end = text + item.textCount;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        raws += "|";
+        if (isRaw(columns[i])) {
+            const bool ordinal = columns[i].type == JMAP_ORDINAL;
+            require(!ordinal || text != end, "a text for each ordinal with an informat");
+            const JMAPPassCell& cell = ordinal ? *text++ : item.cells[i];
+            raws += cell.kind == JMAP_CELL_MISSING ? "" : view(cell.text, cell.textLen);
+        }
+    }
+    require(text == end, "no text besides");
+    return raws;
 }
 
 // Of one table.  Without flags it is read three times, and the readings must agree.
@@ -137,16 +155,10 @@ std::vector<Rows> rowsOfPass(QVEJMAPJsonContexth doc, const std::vector<JMAPTabl
             row += noNumber(item.column, view(item.text, item.textLen));
             continue;
         }
-        std::string raws;
         for (std::size_t i = 0; i < columns[table].size(); ++i) {
-            const JMAPColumnInfo& column = columns[table][i];
-            const JMAPPassCell& cell = item.cells[i];
-            row += bufferOf(doc, column, cell);
-            raws += "|";
-            raws += isRaw(column) && cell.kind != JMAP_CELL_MISSING ? view(cell.text, cell.textLen)
-                                                                    : "";
+            row += bufferOf(doc, columns[table][i], item.cells[i]);
         }
-        rows[table].push_back(std::exchange(row, {}) + raws);
+        rows[table].push_back(std::exchange(row, {}) + rawTexts(item, columns[table]));
     }
     require(rc == QV_EOF, "every row can be made");
     require(jmapPassClose(pass) == QV_OK, "a pass closes");

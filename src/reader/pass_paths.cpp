@@ -43,7 +43,7 @@ QVStatus addOrdinal(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint3
     return QV_OK;
 }
 
-QVStatus addUse(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t i,
+QVStatus addUse(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t i, uint32_t cell,
                 PASSTABLE* table) {
     PASSPATH* entry = enterPath(paths, pool, view(column.path, column.pathLen));
     auto* use = poolNew<PASSUSE>(pool);
@@ -51,8 +51,7 @@ QVStatus addUse(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t 
         return QV_NOMEM;
     }
     use->table = table;
-    use->column = i;
-    use->cell = column.type != VAR_ORDINAL;
+    use->cell = cell;
     use->number = column.type == VAR_DOUBLE && column.informatLen == 0;
     use->path = entry;
     table->uses[i] = use;
@@ -61,17 +60,28 @@ QVStatus addUse(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t 
     return QV_OK;
 }
 
-uint64_t countOrdinals(const DSINFO& ds) noexcept {
-    uint64_t count = 0;
-    for (const VARINFO& column : each(ds.vhead)) {
-        count += column.type == VAR_ORDINAL ? 1 : 0;
-    }
-    return count;
+// An ordinal that keeps the text of its path as well.
+bool hasText(const VARINFO& column) noexcept {
+    return column.type == VAR_ORDINAL && column.informatLen != 0;
 }
 
-// What a column takes from its path.  A value takes a column with an informat for one of its own,
-// whatever its type is.
-QVStatus addColumn(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t i,
+struct SIZES {
+    uint32_t ordinals;
+    uint32_t cells;
+};
+
+SIZES sizesOf(const DSINFO& ds) noexcept {
+    SIZES sizes = {0, static_cast<uint32_t>(ds.varcount)};
+    for (const VARINFO& column : each(ds.vhead)) {
+        sizes.ordinals += column.type == VAR_ORDINAL ? 1 : 0;
+        sizes.cells += hasText(column) ? 1 : 0;
+    }
+    return sizes;
+}
+
+// What a column takes from its path into the cell.  A value takes a column with an informat for one
+// of its own, whatever its type is.
+QVStatus addColumn(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t i, uint32_t cell,
                    PASSTABLE* table) {
     if (column.type == VAR_DOUBLE || column.type == VAR_CHAR) {
         table->ordinalsOnly = false;
@@ -83,7 +93,7 @@ QVStatus addColumn(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32
         QV_TRY(addOrdinal(paths, pool, column, i, table));
     }
     if (column.type == VAR_DOUBLE || column.type == VAR_CHAR || column.informatLen != 0) {
-        QV_TRY(addUse(paths, pool, column, i, table));
+        QV_TRY(addUse(paths, pool, column, i, cell, table));
     }
     return QV_OK;
 }
@@ -117,23 +127,28 @@ QVStatus openPaths(PASSPATHS* paths) {
 }
 
 QVStatus addTable(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, bool retain, PASSTABLE* table) {
-    auto* retained = poolNew<bool>(pool, static_cast<QVStrSize>(ds.varcount));
-    table->cells = poolNew<JMAPPassCell>(pool, static_cast<QVStrSize>(ds.varcount));
-    table->set = poolNew<uint32_t>(pool, static_cast<QVStrSize>(ds.varcount));
+    const SIZES sizes = sizesOf(ds);
+    auto* retained = poolNew<bool>(pool, sizes.cells);
+    table->cells = poolNew<JMAPPassCell>(pool, sizes.cells);
+    table->set = poolNew<uint32_t>(pool, sizes.cells);
     table->uses = poolNew<PASSUSE*>(pool, static_cast<QVStrSize>(ds.varcount));
-    table->ordinals = poolNew<PASSORDINAL>(pool, static_cast<QVStrSize>(countOrdinals(ds)));
+    table->ordinals = poolNew<PASSORDINAL>(pool, sizes.ordinals);
     if (retained == nullptr || table->cells == nullptr || table->set == nullptr ||
         table->uses == nullptr || table->ordinals == nullptr) {
         return QV_NOMEM;
     }
     table->retained = retained;
     table->columnCount = static_cast<uint32_t>(ds.varcount);
+    table->cellCount = sizes.cells;
     table->ordinalsOnly = true;
     QV_TRY(addTablePath(paths, pool, ds, table));
     uint32_t i = 0;
+    uint32_t text = table->columnCount;
     for (const VARINFO& column : each(ds.vhead)) {
-        retained[i] = (retain || column.retain) && !column.noretain;
-        QV_TRY(addColumn(paths, pool, column, i, table));
+        const uint32_t cell = hasText(column) ? text++ : i;
+        const bool keeps = retain || column.retain || column.type == VAR_ORDINAL;
+        retained[cell] = keeps && !column.noretain;
+        QV_TRY(addColumn(paths, pool, column, i, cell, table));
         ++i;
     }
     return QV_OK;

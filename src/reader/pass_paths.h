@@ -20,9 +20,8 @@
 struct PASSUSE {
     PASSUSE* next;  // the next one of the path: tables in order, then columns
     PASSTABLE* table;
-    uint32_t column;
-    bool cell;    // false: the value only counts for the row (an ordinal with an informat)
-    bool number;  // the column is numeric and has no informat
+    uint32_t cell;  // its place in the row
+    bool number;    // the column is numeric and has no informat
     PASSPATH* path;
     uint64_t overwritten;       // values that a later one of the same row replaced
     uint64_t firstOverwritten;  // the first of them, counted from 1 among the values of the path

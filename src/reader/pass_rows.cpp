@@ -16,7 +16,7 @@ constexpr QVStrSize kLeastHeld = 16;
 // The own memory of a cell, with room for `size` bytes; what it held is lost when it must grow.
 QVStatus makeRoom(const PASSROWS& rows, PASSTABLE& table, uint32_t column, QVStrSize size) {
     if (table.held == nullptr) {
-        table.held = poolNew<HELDTEXT>(rows.pool, table.columnCount);
+        table.held = poolNew<HELDTEXT>(rows.pool, table.cellCount);
         if (table.held == nullptr) {
             return QV_NOMEM;
         }

@@ -31,15 +31,17 @@ struct PASSORDINAL {
     const PASSPATH* path;
 };
 
-// A table of a pass and its row.
+// A table of a pass and its row.  The cells of its columns come first; after them each ordinal with
+// an informat has another one for the text, since its own shows the count.
 struct PASSTABLE {
-    JMAPPassCell* cells;    // [columnCount]
-    uint32_t* set;          // [columnCount] columns with a fresh cell, in order of arrival
-    HELDTEXT* held;         // [columnCount], or null before the first
-    const bool* retained;   // [columnCount] columns that keep their value
+    JMAPPassCell* cells;    // [cellCount]
+    uint32_t* set;          // [cellCount] fresh cells, in order of arrival
+    HELDTEXT* held;         // [cellCount], or null before the first
+    const bool* retained;   // [cellCount] those that keep their value
     PASSUSE** uses;         // [columnCount] what takes their values; null: nothing does
     PASSORDINAL* ordinals;  // [ordinalCount]
     uint32_t columnCount;
+    uint32_t cellCount;
     uint32_t ordinalCount;
     uint32_t setCount;
     uint32_t parkedCount;    // entries of `set` whose texts will not go with the block

@@ -73,6 +73,7 @@ JMAPPassItem itemOf(const JMAPPass* pass, int32_t kind, PASSTABLE* table) noexce
     item.table = table - pass->tables;
     item.cells = table->cells;
     item.cellCount = table->columnCount;
+    item.textCount = table->cellCount - table->columnCount;
     return item;
 }
 
@@ -136,13 +137,11 @@ QVStatus storeValue(JMAPPass* pass, PASSPATH& found, const RECORD& record, bool 
     ++found.values;
     for (PASSUSE* use = found.uses; use != nullptr; use = use->next) {
         use->table->inVariables = true;
-        if (use->cell) {
-            if (use->table->cells[use->column].fresh) [[unlikely]] {
-                countOverwritten(use);
-            }
-            const int32_t kind = cut ? int32_t{JMAP_CELL_CUT} : record.kind;
-            QV_TRY(setText(pass->rows, *use->table, use->column, kind, value));
+        if (use->table->cells[use->cell].fresh) [[unlikely]] {
+            countOverwritten(use);
         }
+        const int32_t kind = cut ? int32_t{JMAP_CELL_CUT} : record.kind;
+        QV_TRY(setText(pass->rows, *use->table, use->cell, kind, value));
     }
     // Values of all other kinds are numbers, or words for one.  What the beginning of a text is says
     // nothing of the whole.
@@ -279,7 +278,7 @@ bool handOut(JMAPPass* pass, JMAPPassItem* item) {
         const PASSUSE* use = std::exchange(pass->notNumber, pass->notNumber->next);
         if (use->number) {
             *item = itemOf(pass, JMAP_PASS_NOT_NUMBER, use->table);
-            item->column = use->column;
+            item->column = use->cell;
             item->text = pass->notNumberText;
             item->textLen = pass->notNumberLen;
             return true;
@@ -371,7 +370,7 @@ QVStatus nextItem(JMAPPass* pass, JMAPPassItem* item) {
 void passColumn(const JMAPPass* pass, QVStrSize table, QVStrSize column,
                 JMAPPassColumn* info) noexcept {
     *info = {};
-    if (const PASSUSE* use = pass->tables[table].uses[column]; use != nullptr && use->cell) {
+    if (const PASSUSE* use = pass->tables[table].uses[column]; use != nullptr) {
         *info = {use->path->values, use->overwritten, use->firstOverwritten};
     }
 }

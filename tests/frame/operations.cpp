@@ -203,7 +203,7 @@ QVStatus passNext(Stage& s) {
     const auto next = [&] { return jmapPassNext(s.pass, &item); };
     return takeAll(s, next, [&] {
         s.out += "\nitem " + std::to_string(item.kind) + " of " + std::to_string(item.table);
-        for (QVStrSize i = 0; i < item.cellCount; ++i) {
+        for (QVStrSize i = 0; i < item.cellCount + item.textCount; ++i) {
             const JMAPPassCell& cell = item.cells[i];
             s.out += " " + std::to_string(cell.kind);
             if (cell.kind != JMAP_CELL_MISSING && cell.kind != JMAP_CELL_COUNT) {

@@ -80,7 +80,8 @@ std::vector<Lines> byPass(const qvej::Document& document,
 
 TEST(TablePass, GivesTheCellsAndRejectsOfCursors) {
     constexpr const char* kColumns = R"(
-        {"NAME":"row","PATH":"/root"},{"NAME":"x","TYPE":"NUMERIC","PATH":"/root/x"},
+        {"NAME":"row","PATH":"/root"},
+        {"NAME":"p","PATH":"/root/p","INFORMAT":["comma"],"FORMAT":["fixed",0,1]},{"NAME":"x","TYPE":"NUMERIC","PATH":"/root/x"},
         {"NAME":"f","TYPE":"NUMERIC","PATH":"/root/x","FORMAT":["fixed",0,2]},
         {"NAME":"xk","TYPE":"NUMERIC","PATH":"/root/x","OPTIONS":["RETAIN"]},
         {"NAME":"n","TYPE":"NUMERIC","PATH":"/root/n","INFORMAT":["comma"]},
@@ -94,7 +95,7 @@ TEST(TablePass, GivesTheCellsAndRejectsOfCursors) {
     const std::string document =
         R"([{"x":"1","n":"1,234","s":"h\u00e9\u00e9\u00e9 ","p":{}},{"p":{},"x":true},
             {"x":"bad","n":"no","s":null,"x":"bad2","x":3},{},{"s":"","n":"","x":null},
-            {"x":"last bad","n":"5"},{"p":[{},{"q":1}],"n":null},{"x":"null","n":"7 8"},
+            {"x":"last bad","n":"5"},{"p":[{},{"q":1}],"n":null,"p":"7"},{"x":"null","n":"7 8"},
             {"x":-1e999,"s":"x  "}, {"y":1}])";
     qvej::Engine engine;
     for (const char* encoding : {"utf-8", "iso-8859-1"}) {

@@ -89,7 +89,7 @@ $ try() { printf '%s' "$1" | qvejmap map check - > out || printf '%s ' $?; cat o
 
 # What is well formed and odd.
 $ printf '\357\273\277{"datasets":[{"dsname":"t","tablepath":"/root/orders"},{"dsname":"t","tablepath":"/none",
-> "variables":[{"name":"o","path":"/root","options":["noretain"]},
+> "variables":[{"name":"o","path":"/root","options":["noretain"],"informat":["comma"]},
 >   {"name":"id","type":"numeric","path":"/root/orders/id"},
 >   {"name":"name\\ufffd","type":"character","path":"/root/orders/customer/name","length":3},
 >   {"name":"gone","type":"character","path":"/root/orders/customer"}]},
@@ -99,6 +99,7 @@ $ printf '\357\273\277{"datasets":[{"dsname":"t","tablepath":"/root/orders"},{"d
   no columns: table t
   no columns: table a name of more than thirty-two b
   NORETAIN without effect: t.o
+  INFORMAT without effect: t.o
   shared name: table t: read opens the first of that name
   broken name: t.name� holds bytes that are no UTF-8, or U+FFFD in their place
   long name: table a name of more than thirty-two b was cut to 32 bytes
@@ -119,6 +120,7 @@ $ qvejmap tables orders.json --map odd.json; qvejmap read orders.json t --map od
   a name of more than thirty-two b\t0\t/root
 ! qvejmap: odd.json: tables without columns, which have no rows: t, a name of more than thirty-two b
 ! qvejmap: odd.json: NORETAIN does not change ordinal columns: t.o
+! qvejmap: odd.json: ordinal columns count, INFORMAT does not change them: t.o
 ! qvejmap: odd.json: values are cut in: t.name� (3 of 8 bytes)
 ! qvejmap: more than one table is named t: read opens the first
 

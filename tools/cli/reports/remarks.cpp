@@ -187,6 +187,9 @@ MapOddities mapOddities(const std::vector<qvej::Table>& tables) {
             if (column.type == qvej::ColumnType::ORDINAL && column.noretain) {
                 odd.noretain.push_back(name);
             }
+            if (column.type == qvej::ColumnType::ORDINAL && !column.informat.name.empty()) {
+                odd.informat.push_back(name);
+            }
             if (column.truncated) {
                 odd.cut.push_back(name + " (" + std::to_string(column.length) + " of " +
                                   std::to_string(column.currentLength) + " bytes)");
@@ -203,6 +206,10 @@ void tellMapOddities(const std::string& map, const std::vector<qvej::Table>& tab
     }
     if (!odd.noretain.empty()) {
         tell(map + ": NORETAIN does not change ordinal columns: " + joined(odd.noretain));
+    }
+    if (!odd.informat.empty()) {
+        tell(map +
+             ": ordinal columns count, INFORMAT does not change them: " + joined(odd.informat));
     }
 }
 

@@ -52,11 +52,12 @@ void tellLosses(const std::string& file, const qvej::Document& document,
 struct MapOddities {
     std::vector<std::string> empty;     // tables without columns
     std::vector<std::string> noretain;  // ordinal columns with NORETAIN
+    std::vector<std::string> informat;  // ordinal columns with INFORMAT
     std::vector<std::string> cut;       // columns with values longer than their length
 };
 MapOddities mapOddities(const std::vector<qvej::Table>& tables);
 
-// Tells the first two on standard error, a line for each kind.
+// Tells the first three on standard error, a line for each kind.
 void tellMapOddities(const std::string& map, const std::vector<qvej::Table>& tables);
 
 // Tells the last, for those who do not read the rows: they tell each value that is cut.

@@ -34,6 +34,7 @@ void printMap(Writer& out, const MapFile& map, const qvej::Engine& engine, bool 
     const MapOddities odd = mapOddities(map.tables());
     print(out, "no columns: table ", odd.empty);
     print(out, "NORETAIN without effect: ", odd.noretain);
+    print(out, "INFORMAT without effect: ", odd.informat);
     print(out, {}, doubtfulNames(map.tables(), qvej::readMapText(engine, map.text())));
 }
 
