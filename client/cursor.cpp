@@ -35,18 +35,29 @@ void Cursor::open(bool retain) {
     }
 }
 
-bool Cursor::next() {
-    const QVStatus status = document().operations()->Read(handle_);
-    if (failure_ != nullptr) {
-        std::rethrow_exception(std::exchange(failure_, nullptr));
-    }
-    if (status != QV_OK) {
+// After a block that cannot be loaded Read goes on with the next one, and rows would be missing
+// without a word.  So a failure stays.
+bool Cursor::read() {
+    if (failure_ == nullptr) {
+        const QVStatus status = document().operations()->Read(handle_);
+        if (status == QV_OK && failure_ == nullptr) {
+            return true;
+        }
         forgetNotNumbers();
+        if (status == QV_EOF && failure_ == nullptr) {
+            return false;
+        }
+        if (failure_ == nullptr) {
+            failure_ = std::make_exception_ptr(Error(status));
+        }
     }
-    if (status == QV_EOF) {
+    std::rethrow_exception(failure_);
+}
+
+bool Cursor::next() {
+    if (!read()) {
         return false;
     }
-    check(status);
     endRow();
     for (Converted* converted : withInformat()) {
         const VARIABLEINFO& info = handle_->varinfo[converted->column];
@@ -57,6 +68,7 @@ bool Cursor::next() {
 
 void Cursor::reset() {
     check(document().operations()->ReadReset(handle_));
+    failure_ = nullptr;
     restart();
 }
 

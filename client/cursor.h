@@ -28,7 +28,8 @@ class Cursor final : public CellValues {
     ~Cursor() override;
 
     // Moves to the next row (first to the first).  False after the last.  Throws QV_IO_...,
-    // QV_NOMEM, and what the reject handler throws.
+    // QV_NOMEM: reading is over then, a further call throws the same until `reset`.  Throws what
+    // the reject handler throws.
     bool next();
 
     // Before the first row again.
@@ -61,6 +62,7 @@ class Cursor final : public CellValues {
     }
 
     void open(bool retain);
+    bool read();
     void takeNotNumber(std::size_t column, std::string_view text) noexcept;
     void takeRawText(std::size_t column, int32_t kind, QVStatus status) noexcept;
 
@@ -68,7 +70,7 @@ class Cursor final : public CellValues {
     QVEJMAPReadContexth handle_ = nullptr;
     const char* row_ = nullptr;
     std::vector<std::size_t> offsets_;  // of each column in the row
-    std::exception_ptr failure_;        // of what ran within Read
+    std::exception_ptr failure_;        // what ended the reading; null: nothing yet
 };
 
 }  // namespace qvej

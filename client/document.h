@@ -205,7 +205,7 @@ class RecordCursor {
     RecordCursor(const RecordCursor&) = delete;
     RecordCursor& operator=(const RecordCursor&) = delete;
 
-    // False after the last record.  Throws QV_IO_..., QV_NOMEM.
+    // False after the last record.  Throws QV_IO_..., QV_NOMEM; a further call throws the same.
     bool next(Record& record);
 
    private:

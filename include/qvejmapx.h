@@ -130,8 +130,8 @@ typedef struct JMAPRecord {
  * Any number may be open; they follow the rule of Read: one call at a time for each document. */
 QVStatus jmapRecordsOpen(QVEJMAPJsonContexth inh, JMAPRecordCursorh* cursor);
 
-/* The next record; QV_EOF after the last; else a status of loading a block, whose records are then
- * left out by a further call. */
+/* The next record; QV_EOF after the last.  Else the cursor is over, and further calls give the same:
+ * a status of loading a block. */
 QVStatus jmapRecordsNext(JMAPRecordCursorh cursor, JMAPRecord* record);
 
 QVStatus jmapRecordsClose(JMAPRecordCursorh cursor);

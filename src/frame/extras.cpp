@@ -28,6 +28,7 @@
 // It lives in `rpool`.
 struct JMAPRecordCursor {
     JMAP_READPRIVATE rp;
+    QVStatus status;  // what ended the cursor; QV_OK: nothing yet
 };
 
 namespace jmap {
@@ -171,7 +172,9 @@ QVStatus jmapRecordsOpen(QVEJMAPJsonContexth inh, JMAPRecordCursorh* cursor) {
 
 QVStatus jmapRecordsNext(JMAPRecordCursorh cursor, JMAPRecord* record) {
     JMAP_READPRIVATE& rp = cursor->rp;
-    QV_TRY(findRecord(&rp));
+    QV_TRY(cursor->status);
+    cursor->status = findRecord(&rp);
+    QV_TRY(cursor->status);
     const RECORD found = parseRecord(rp.records + rp.pBufi);
     const std::string_view path = pathOf(found);
     const std::string_view value = valueOf(found);

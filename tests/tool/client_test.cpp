@@ -3,8 +3,14 @@
 
 #include "client/cursor.h"
 #include "client/error.h"
+#include "client/table_pass.h"
+#include "core/context.h"
 
 #include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <utility>
 
 namespace {
 
@@ -84,6 +90,83 @@ TEST(Client, CursorsStandBesideEachOtherEndAndRewind) {
     a.reset();
     ASSERT_TRUE(a.next());
     EXPECT_EQ(rowOf(a), "|1|1|7");
+}
+
+// How many times `next` can be called, and what the calls after a failure throw.
+struct Walk {
+    uint64_t steps = 0;
+    std::vector<QVStatus> failures;
+
+    explicit Walk(const std::function<bool()>& next) {
+        while (failures.size() < 3) {
+            try {
+                if (!next()) {
+                    break;
+                }
+                ++steps;
+            } catch (const qvej::Error& error) {
+                failures.push_back(error.status());
+            }
+        }
+    }
+};
+
+// The n-th inflating from now on fails, once; 0: none.
+class FailingInflate {
+   public:
+    explicit FailingInflate(const qvej::Document& document)
+        : zlib_(jmap::contextOf(document.handle())->zlibh) {
+        whole = std::exchange(zlib_->inflate, [](QVZStream* z, int flush) {
+            return --failing == 0 ? -1 : whole(z, flush);
+        });
+    }
+    ~FailingInflate() { zlib_->inflate = whole; }
+    FailingInflate(const FailingInflate&) = delete;
+    FailingInflate& operator=(const FailingInflate&) = delete;
+
+    static inline uint64_t failing = 0;
+
+   private:
+    static inline decltype(QVZLIB::inflate) whole = nullptr;
+    QVZLIBh zlib_;
+};
+
+// Whichever of the blocks does not inflate, what follows it does not come as if nothing were
+// missing.
+TEST(Client, NothingGoesOnAfterABlockThatCannotBeLoaded) {
+    std::string text = "[{}";
+    for (int i = 0; i < 40'000; ++i) {
+        text +=
+            R"(,{"name":"some text that makes records long","number":)" + std::to_string(i) + "}";
+    }
+    qvej::Engine engine;
+    qvej::Document document(engine, {.compress = true});
+    document.feed(text + "]");
+    document.finish();
+    const FailingInflate inflate(document);
+    const uint64_t blocks = document.totals().blocks;
+    ASSERT_GT(blocks, 3U);
+    const qvej::Table& table = document.tables()[0];
+    const std::vector<QVStatus> thrice(3, QV_NOMEM);
+    for (uint64_t n = 0; n <= blocks; ++n) {
+        SCOPED_TRACE(n);
+        qvej::Cursor cursor(document, table);
+        qvej::RecordCursor records(document);
+        qvej::TablePass pass(document, {&table});
+        qvej::Record record = {};
+        qvej::PassItem item = {};
+        const auto walk = [&](const std::function<bool()>& next, uint64_t whole) {
+            FailingInflate::failing = n;
+            const Walk steps(next);
+            EXPECT_EQ(steps.failures, n == 0 ? std::vector<QVStatus>() : thrice);
+            EXPECT_TRUE(n == 0 ? steps.steps == whole : steps.steps < whole);
+        };
+        walk([&] { return cursor.next(); }, 40'000);
+        walk([&] { return records.next(record); }, document.totals().records);
+        walk([&] { return pass.next(item); }, 40'000);
+        cursor.reset();
+        EXPECT_EQ(Walk([&] { return cursor.next(); }).steps, 40'000U);
+    }
 }
 
 }  // namespace
