@@ -96,6 +96,7 @@ Spot Document::watched(std::size_t watch) const {
 }
 
 Document::~Document() {
+    jmapEndInput(handle_);
     (void)operations()->Term(handle_, engine_.host()->jnl);  // nobody to report to
 }
 

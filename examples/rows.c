@@ -4,6 +4,9 @@
  *     ./rows MODULE_DIRECTORY FILE.json
  *
  * MODULE_DIRECTORY is where qvejmap.so was installed: pkg-config --variable=moduledir qvejmap
+ *
+ * When memory runs out with the last buffer, records or tables may be missing without a status; the
+ * module does not tell.  jmapTotals of qvejmapx.h does, and so does the C++ face.
  */
 #include <errno.h>
 #include <inttypes.h>
@@ -91,6 +94,9 @@ static QVStatus feed(UserJMAP_S* engine, QVEJMAPJsonContexth doc, FILE* file) {
     QVBoolean caching = 0;
     for (;;) {
         const size_t got = fread(buffer, 1, sizeof buffer, file);
+        if (ferror(file)) {
+            return QV_IO_READ; /* what has come so far must not pass for the document */
+        }
         const QVBoolean done = got == 0;
         const QVStatus status = engine->JsonInput(doc, buffer, (QVStrSize)got, done, &caching, NULL);
         if (status != QV_OK || done) {

@@ -102,6 +102,10 @@ void jmapObserve(QVEJMAPReadContexth rctx, const JMAPReadObserver* observer);
  * when it could not be made. */
 struct JSNParser* jmapParser(QVEJMAPJsonContexth inh);
 
+/* Ends what a document keeps open when its last buffer failed or never came: the cache file and hash
+ * tables, which Term leaves to the host.  Only Term may follow. */
+void jmapEndInput(QVEJMAPJsonContexth inh);
+
 /* ---- Records ------------------------------------------------------------------------------- */
 
 typedef struct JMAPRecordCursor* JMAPRecordCursorh; /* opaque */

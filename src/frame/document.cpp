@@ -29,9 +29,16 @@ constexpr QVStrSize kMaxTempName = INT64_MAX / static_cast<QVStrSize>(sizeof(QVC
 constexpr int32_t kFirstDepths = 30;  // nesting levels with room from the start
 constexpr double kGiB = 1024.0 * 1024.0 * 1024.0;
 
+// A text that is there, or none.
+[[nodiscard]] constexpr bool isText(const void* text, QVStrSize textLen) noexcept {
+    return textLen == 0 || (textLen > 0 && text != nullptr);
+}
+
 [[nodiscard]] bool valid(const QVEJMAPJsonInitParms* parms) noexcept {
-    return parms != nullptr && parms->inCEI > 0 && parms->debugStringLen >= 0 &&
-           parms->descLen >= 0 && parms->tempNameLen >= 0 && parms->alldataNameLen >= 0 &&
+    return parms != nullptr && parms->inCEI > 0 && parms->descLen >= 0 &&
+           isText(parms->debugString, parms->debugStringLen) &&
+           isText(parms->tempName, parms->tempNameLen) &&
+           isText(parms->alldataName, parms->alldataNameLen) &&
            parms->alldataNameLen <= kMaxAlldataName;
 }
 

@@ -129,4 +129,9 @@ QVStatus JsonInput(QVEJMAPJsonContexth inh, QVMemPtr inbuf, QVStrSize inlen, QVB
     return p->vrc != QV_OK ? p->vrc : JMAP_PARSE;
 }
 
+void endInput(JMAP_PRIVATE* p) noexcept {
+    releaseHashes(p);
+    (void)destroyHandle(p->tfp);  // its records are not wanted any more
+}
+
 }  // namespace jmap

@@ -5,10 +5,15 @@
 
 #include "qvejmap.h"
 
+struct JMAP_PRIVATE;
+
 namespace jmap {
 
 // The operation of the public table; contract in qvejmap.h.
 QVStatus JsonInput(QVEJMAPJsonContexth inh, QVMemPtr inbuf, QVStrSize inlen, QVBoolean done,
                    QVBoolean* caching, QVJnlh jnl);
+
+// Ends what a scan keeps open that failed or was not finished; see jmapEndInput.
+void endInput(JMAP_PRIVATE* p) noexcept;
 
 }  // namespace jmap

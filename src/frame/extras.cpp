@@ -10,6 +10,7 @@
 #include "core/readctx.h"
 #include "core/status.h"
 #include "core/text.h"
+#include "driver.h"
 #include "reader/number_cell.h"
 #include "reader/read_context.h"
 #include "reader/row_loop.h"
@@ -150,6 +151,10 @@ void jmapObserve(QVEJMAPReadContexth rctx, const JMAPReadObserver* observer) {
 
 JSNParserh jmapParser(QVEJMAPJsonContexth inh) {
     return contextOf(inh)->parser;
+}
+
+void jmapEndInput(QVEJMAPJsonContexth inh) {
+    endInput(contextOf(inh));
 }
 
 QVStatus jmapRecordsOpen(QVEJMAPJsonContexth inh, JMAPRecordCursorh* cursor) {

@@ -12,9 +12,13 @@ PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name qvejmap.pc)")
 # shellcheck disable=SC2046  # several words are meant
 cc -std=c11 -Wall -Wextra -Werror "$prefix/share/qvejmap/examples/rows.c" -o "$prefix/rows" \
     $(pkg-config --cflags --libs qvejmap)
-LD_LIBRARY_PATH=$(pkg-config --variable=libdir qvejmap) \
-    "$prefix/rows" "$(pkg-config --variable=moduledir qvejmap)" "$2/examples/orders.json" \
-    >"$prefix/printed"
+rows() {
+    LD_LIBRARY_PATH=$(pkg-config --variable=libdir qvejmap) \
+        "$prefix/rows" "$(pkg-config --variable=moduledir qvejmap)" "$1" >"$prefix/printed" 2>&1
+}
+rows "$prefix" && exit 1  # a folder opens and cannot be read
+diff - "$prefix/printed" <<<"rows: $prefix: the file could not be read"
+rows "$2/examples/orders.json"
 diff - "$prefix/printed" <<'ROWS'
 orders
   ordinal_root | ordinal_orders | id | paid

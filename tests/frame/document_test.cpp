@@ -55,6 +55,12 @@ TEST(JsonInit, RefusesBadOptionsBeforeAnythingIsMade) {
          {&Parms::alldataNameLen, &Parms::debugStringLen, &Parms::descLen, &Parms::tempNameLen}) {
         refuses(length, -1);
     }
+    refuses(&Parms::alldataNameLen, 1);  // texts that are not there
+    refuses(&Parms::tempNameLen, 1);
+    Parms noKeywords{};
+    noKeywords.inCEI = U_UTF8_CE;
+    noKeywords.debugStringLen = 1;
+    EXPECT_QV(QV_BADPARMS, host.engine()->JsonInit(nullptr, &noKeywords, nullptr, nullptr));
     EXPECT_QV(QV_BADPARMS, host.engine()->JsonInit(nullptr, nullptr, nullptr, nullptr));
     EXPECT_EQ(joined(host.calls), "");
 }

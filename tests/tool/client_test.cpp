@@ -10,6 +10,8 @@
 
 #include <functional>
 #include <map>
+#include <set>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -90,6 +92,51 @@ TEST(Client, CursorsStandBesideEachOtherEndAndRewind) {
     a.reset();
     ASSERT_TRUE(a.next());
     EXPECT_EQ(rowOf(a), "|1|1|7");
+}
+
+// What is alive in the engine's host, sorted, but for the engine itself and its modules.
+std::multiset<std::string> objectsOf(qvej::Engine& engine) {
+    std::multiset<std::string> objects;
+    qvPortableLeftovers(
+        engine.host(),
+        [](void* arg, const char* kind, const char* name) {
+            if (std::string_view(kind) != "module") {
+                static_cast<std::multiset<std::string>*>(arg)->insert(std::string(kind) + " " +
+                                                                      name);
+            }
+        },
+        &objects);
+    return objects;
+}
+
+// The cache file and the hash tables of a document that ends too soon end with it.
+TEST(Client, ADocumentThatFailsLeavesNothing) {
+    std::string text = R"([{"name":"x")";
+    for (int i = 0; i < 200; ++i) {  // more than are found without a hash table
+        text += ",\"m" + std::to_string(i) + "\":1";
+    }
+    text += "}";
+    while (text.size() < 3'000'000) {
+        text += R"(,{"name":"some text that makes records long","number":1})";
+    }
+    qvej::Engine engine;
+    const std::multiset<std::string> before = objectsOf(engine);
+    for (const char* end : {"}", "", "]"}) {
+        SCOPED_TRACE(end);
+        for (const bool finish : {false, true}) {
+            qvej::Document document(engine, {.keepFree = UINT64_MAX});
+            try {
+                document.feed(text + end);
+                if (finish) {
+                    document.finish();
+                }
+            } catch (const qvej::Error&) {
+                EXPECT_NE(*end, ']');
+            }
+            EXPECT_TRUE(finish || objectsOf(engine).contains("file json cache file"));
+        }
+        EXPECT_EQ(objectsOf(engine), before);
+    }
 }
 
 // How many times `next` can be called, and what the calls after a failure throw.
