@@ -24,66 +24,81 @@ struct JMAP_S {
 };
 static_assert(offsetof(JMAP_S, ujmap) == 0 && offsetof(UserJMAP_S, exth) == 0);
 
+// Each group of fields names the phase that owns it, in brackets: only that phase writes the
+// fields, unless one says otherwise; all later ones read them.  Open gives all their first values.
+//
+//     open     JsonInit                         src/frame/document.cpp, options.cpp
+//     scan     JsonInput                        src/scan, src/frame/driver.cpp
+//     automap  the end of the last JsonInput    src/automap
+//     map      MapInit to MapTerm, GetUserMap,  src/mapdoc, src/automap/lengths.cpp
+//              GetAutoMapBuf
+//     read     Read, a pass, a record cursor    src/reader
+//
+// Term ends what is owned.  Scratch is anybody's, between two calls of its routines.
+//
 // NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): the fields stand by owner
 struct JMAP_PRIVATE {
-    // Parser callbacks; must be first, the parser hands its address back to them.
+    // Parser callbacks [open; map replaces them]; must be first, the parser hands its address back
+    // to them.
     JSNParseCB parseCB;
 
-    // Host services.
+    // Host services [open].
     QVTranscoderh tosess;  // host characters to document encoding; owned
     QVJSONh jsonh;         // the instance's, as are the next two
     QVZLIBh zlibh;
     QVFMTh fmth;
-    QVIOEh qvioeh;         // loaded when first needed; owned
+    QVIOEh qvioeh;         // loaded by scan or read when first needed; owned
     QVCEI inCei;           // document encoding
     QVJnlh jnl;            // the caller's; null: no notes
     QVPoolh cpool;         // the document pool
     uint64_t flags;        // the caller's; no effect
     uint64_t hashSeed;     // of hashOf, for all tables of the document
     JSNParserh parser;     // owned
-    JSNParserh mapParser;  // owned, ended by MapTerm
+    JSNParserh mapParser;  // of map, ended by MapTerm; owned
     QVStringServiceh smh;  // string service of the document encoding; owned
 
-    // Tree of known paths.
+    // Tree of known paths [scan].
     PATHBRANCH pathRoot;  // the root component
     PATHBRANCH* pathAt;   // of the members on the stack
     ARENA pathArena;      // nodes, names, heads
     QVTrackerh members;   // parent and name -> PATHNODE, of nodes that are `indexed`; owned, ended
                           // after the scan
 
-    // Text of the record being written; also a scratch buffer between records.
+    // Text of the record being written [scan]; also a scratch buffer between records.
     VARSTR path;
 
-    // Statistics of paths.
+    // Statistics of paths [scan].
     PATHINFO* pathInfoHead;
     PATHINFO* pathInfoTail;
-    bool byText;            // paths are looked up by their text as well
-    QVTrackerh hash;        // then: full path -> PATHINFO; owned, ended after the scan
-    QVTrackerh hash2;       // then: parent path -> group head; likewise
-    QVTrackerh dsNameHash;  // upper-cased table name -> DSNAMELIST; likewise
+    bool byText;       // paths are looked up by their text as well
+    QVTrackerh hash;   // then: full path -> PATHINFO; owned, ended after the scan
+    QVTrackerh hash2;  // then: parent path -> group head; likewise
 
-    PATHWATCH** watches;  // places that are asked for, in lists by path; null: none
+    // Places that are asked for [open, by jmapWatch; scan fills them in].
+    PATHWATCH** watches;  // in lists by path; null: none
 
-    // Failures without a status, and what they cost.
-    uint64_t droppedTables;  // left out of the automatic map
+    // Failures without a status, and what they cost [scan].
+    uint64_t droppedTables;  // of automap: left out of the automatic map
     uint64_t lostLookups;    // times that a tracker could not be made or did not take an entry:
                              // paths of one text or parts of a group may stand side by side
 
-    // Nesting.
+    // Nesting [scan].
     LEVEL* lhead;           // top of the stack, null when it is empty
     LEVEL* ltail;           // bottom, kept when the stack becomes empty
-    int32_t labelCount;     // labels on the stack minus one; the reader keeps a record's count here
+    int32_t labelCount;     // labels on the stack minus one; read keeps a record's count here
     int32_t labelCountMax;  // highest `labelCount` of the scan
-    int32_t* labelCurLens;  // [labelMaxesSize + 1] length of the label last pushed at each depth
+    int32_t* labelCurLens;  // [labelMaxesSize + 1] length of the label last pushed at each depth;
+                            // of read: those of a record
     int32_t* labelMaxes;    // [labelMaxesSize + 1] longest label at each depth
     int32_t labelMaxesSize;
     bool emptyName;         // a member had the name "": see inStep
     QVStrSize valueMaxLen;  // longest value, bytes
+    CALLBACKTYPE lastCallback;
 
-    // ALLDATA.
+    // ALLDATA [automap].
     DSINFO* alldataDs;
 
-    // Record stream.
+    // Record stream [scan].
     COMPPATHS* chead;
     COMPPATHS* ctail;
     char* cBuf;                // [kBlockBytes] the open block
@@ -101,17 +116,22 @@ struct JMAP_PRIVATE {
     uint64_t uncompTestPathCount;  // Kept: never used, 0
     uint64_t elementCount;         // scalar elements named since the last array end
 
-    // Maps.
+    // Automatic map [automap].
     MAP* automap;
+    DSNAMELIST* dshead;  // names of its tables
+    DSNAMELIST* dstail;
+    QVTrackerh dsNameHash;  // upper-cased name -> DSNAMELIST; owned, ended after the scan
+
+    // User's map, and the automatic one as a document [map].
     MAP* usermap;
     JSNWriterh writer;  // of the map document; ended by GetAutoMapBufFree
 
-    // Scratch: a member name of a user map in upper case.
+    // Scratch: a member name of a user's map in upper case [map].
     char* transbuf;
     QVStrSize transbufAlloc;
     QVStrSize transbufLen;
 
-    // Debug switches.
+    // Debug switches [open].
     bool debugMap;
     bool debugMapGen;
     bool debugValidateMap;
@@ -127,17 +147,13 @@ struct JMAP_PRIVATE {
     bool debugRlmem;
     bool debugAllData;
 
-    // Description.
+    // Description [open; map replaces it].
     char jsonDesc[20];
     QVStrSize jsonDescLen;
 
-    // Candidate table names.
-    DSNAMELIST* dshead;
-    DSNAMELIST* dstail;
-
-    // User-map parse.
+    // User-map parse [map].
     int32_t vstate;
-    QVStatus vrc;  // the engine's own reason for a failed parse, 0 when none
+    QVStatus vrc;  // the engine's own reason for a failed parse, 0 when none; of scan as well
     char badstring[32];
     QVStrSize badstringLen;
     char novardsname[32];
@@ -147,35 +163,36 @@ struct JMAP_PRIVATE {
     QVStrSize lineminus;  // length of the last token
     int32_t badi;
 
-    // Cache file and memory.
-    QVChar* tempName;
-    QVStrSize tempNameLen;
+    // Cache file [scan].
     bool usingTemp;     // blocks go to the cache file now; never cleared
     bool usingTempMsg;  // the caller has been told
     QVIOFileh tfp;      // the cache file, open while it is written; owned
+
+    // Options [open].
+    QVChar* tempName;  // of the cache file
+    QVStrSize tempNameLen;
     uint64_t rlmemSize;
     int32_t rlmemLeavePercent;
     uint64_t memLeave;
     uint64_t rlmemMin;  // below this much free memory blocks are spilled
-
-    // Options.
     bool compress;
     uint64_t ordinalCount;
-    CALLBACKTYPE lastCallback;
     char* alldataName;
     QVStrSize alldataNameLen;
 
-    // Separators.
-    bool munge;            // Kept: never used, false
-    char sep;              // 0x02
+    // Separators [open].
+    bool munge;    // Kept: never used, false
+    char sep;      // 0x02
+    char root[6];  // the root component, 5 bytes
+    QVStrSize rootL;
+
+    // Scratch: paths as they are shown [all].
     QVStrSize sepLongest;  // capacity of sepbuf
     char* sepbuf;
     QVStrSize sepLongest2;
     char* sepbuf2;
-    char root[6];  // the root component, 5 bytes
-    QVStrSize rootL;
 
-    // Element names.
+    // Element names [scan].
     QVStrSize elementBufLen;
     QVChar* elementBuf;
     char* celementBuf;
