@@ -18,6 +18,9 @@ void passNote(void* arg, const char* note, size_t noteLen) {
 }  // namespace
 
 Engine::Engine(EngineOptions options) : options_(std::move(options)) {
+    if (jmapVersion() != QVEJMAPX_VERSION || options_.headers != QVEJMAPX_VERSION) {
+        throw Error(QV_UNSUPPORTED, "headers and libraries are of different versions");
+    }
     QVPortableOptions portable = {};
     portable.structSize = sizeof portable;
     portable.journalCallback = passNote;

@@ -16,7 +16,7 @@
 // Tested by tests/tool/client_test.cpp
 #pragma once
 
-#include "qvejmap.h"
+#include "qvejmapx.h"
 
 #include "client/handle.h"
 
@@ -31,10 +31,12 @@ struct EngineOptions {
     uint64_t maxDepth = 0;      // nesting limit of documents; 0: none
     // Takes each diagnostic note (UTF-8, no line end).  Must not throw.  Empty: notes are dropped.
     std::function<void(std::string_view)> journal = {};
+    int32_t headers = QVEJMAPX_VERSION;  // that the caller was compiled with
 };
 
 class Engine {
    public:
+    // Throws QV_UNSUPPORTED when headers and libraries are not of one version; QV_NOMEM.
     explicit Engine(EngineOptions options = {});
     ~Engine();
     Engine(const Engine&) = delete;

@@ -6,9 +6,16 @@
  * qvPortableRegister(host, "qvejmap", qvejmap)); the loadable module does not export them.
  *
  * Everything handed out points into the document and lives until Term, except a record's texts,
- * which live until the next call on its cursor, and the items of a pass.  Paths use the byte 0x02 as separator.
+ * which live until the next call on its cursor, and the items of a pass.  Paths use the byte 0x02 as
+ * separator.
  *
- * Tested by tests/frame/equality_test.cpp
+ * WHAT MAY CHANGE
+ *   The operation table of qvejmap.h stays as it is.  This header grows with the tools: a new
+ *   release may change its records, constants and routines, and QVEJMAPX_VERSION rises when it does.
+ *   Routines that are only added do not change it.  A program is compiled and linked with one
+ *   release; it compares the macro with jmapVersion() before the first call.
+ *
+ * Tested by tests/frame/qvejmapx_test.cpp and tests/frame/equality_test.cpp
  */
 #ifndef QVEJMAPX_H
 #define QVEJMAPX_H
@@ -18,6 +25,11 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+#define QVEJMAPX_VERSION 1
+
+/* QVEJMAPX_VERSION of the engine that is linked. */
+int32_t jmapVersion(void);
 
 /* ---- Tables and columns of a map ----------------------------------------------------------- */
 

@@ -1,7 +1,6 @@
-// What tools need beyond the operation table: tables and columns by position, the records of the
-// stream, the rows of many tables in one walk, the statistics of paths.
+// The routines of qvejmapx.h: the few that do work of their own, and the way to the others.
 //
-// Tested by tests/frame/equality_test.cpp
+// Tested by tests/frame/qvejmapx_test.cpp and tests/frame/equality_test.cpp
 #include "qvejmapx.h"
 
 #include "core/context.h"
@@ -88,6 +87,10 @@ uint64_t countValues(const JMAP_PRIVATE* p) {
 }  // namespace jmap
 
 using namespace jmap;
+
+int32_t jmapVersion() {
+    return QVEJMAPX_VERSION;
+}
 
 // ---- Tables and columns of a map ----------------------------------------------------------------
 

@@ -1,9 +1,9 @@
 /* What a compiled caller relies on: sizes, offsets and order of the public records, and the head of
- * the operation table.
+ * the operation table.  Who changes a record of qvejmapx.h raises its version.
  *
  * Prints what fails; the exit code is 0 when nothing does.
  */
-#include "qvejmap.h"
+#include "qvejmapx.h"
 #include "qvportable.h"
 
 #include <string.h>
@@ -88,6 +88,37 @@ static void checkLayouts(void) {
     CHECK(JMAP_NOTABLE == -10 && JMAP_PARSE == -11 && JMAP_INCOMPLETE == -12);
 }
 
+static void checkToolLayouts(void) {
+    CHECK(QVEJMAPX_VERSION == 1 && jmapVersion() == QVEJMAPX_VERSION);
+    LAYOUT(JMAPTableInfo, 40, AT(name, 0), AT(nameLen, 8), AT(tablePath, 16), AT(tablePathLen, 24),
+           AT(columnCount, 32));
+    LAYOUT(JMAPFormat, 32, AT(name, 0), AT(nameLen, 8), AT(width, 16), AT(decimals, 24));
+    LAYOUT(JMAPColumnInfo, 144, AT(name, 0), AT(nameLen, 8), AT(path, 16), AT(pathLen, 24),
+           AT(type, 32), AT(length, 40), AT(label, 48), AT(labelLen, 56), AT(format, 64),
+           AT(informat, 96), AT(informatNoError, 128), AT(retain, 129), AT(noretain, 130),
+           AT(lengthFromAutomap, 131), AT(truncation, 132), AT(currentLength, 136));
+    LAYOUT(JMAPReadObserver, 24, AT(arg, 0), AT(notNumber, 8), AT(raw, 16));
+    LAYOUT(JMAPRecord, 56, AT(kind, 0), AT(labelCount, 4), AT(path, 8), AT(pathLen, 16),
+           AT(value, 24), AT(valueLen, 32), AT(bytes, 40), AT(bytesLen, 48));
+    LAYOUT(JMAPPassCell, 24, AT(kind, 0), AT(fresh, 4), AT(text, 8), AT(textLen, 16),
+           AT(count, 16));
+    LAYOUT(JMAPPassItem, 64, AT(kind, 0), AT(table, 8), AT(cells, 16), AT(cellCount, 24),
+           AT(textCount, 32), AT(column, 40), AT(text, 48), AT(textLen, 56));
+    LAYOUT(JMAPPassColumn, 24, AT(values, 0), AT(overwritten, 8), AT(firstOverwritten, 16));
+    LAYOUT(JMAPPathKind, 24, AT(count, 0), AT(line, 8), AT(column, 16));
+    LAYOUT(JMAPPathInfo, 248, AT(path, 0), AT(pathLen, 8), AT(count, 16), AT(type, 24),
+           AT(maxValueLen, 32), AT(longestLine, 40), AT(longestColumn, 48), AT(kinds, 56),
+           AT(inexact, 224));
+    LAYOUT(JMAPTotals, 88, AT(records, 0), AT(values, 8), AT(recordBytes, 16), AT(storedBytes, 24),
+           AT(blocks, 32), AT(blocksOnDisk, 40), AT(unstoredBytes, 48), AT(unstoredStatus, 56),
+           AT(droppedTables, 64), AT(lostLookups, 72), AT(labelsSlip, 80));
+    CHECK(JMAP_ORDINAL == 0 && JMAP_NUMERIC == 1 && JMAP_CHARACTER == 2);
+    CHECK(JMAP_KIND_NOVAL == 1 && JMAP_KIND_NUMBER == 2 && JMAP_KIND_STRING == 3);
+    CHECK(JMAP_KIND_NULL == 4 && JMAP_KIND_BOOLEAN == 5 && JMAP_KIND_FAKE_VARIABLE == 6);
+    CHECK(JMAP_CELL_MISSING == 0 && JMAP_CELL_COUNT == 7 && JMAP_CELL_CUT == 8);
+    CHECK(JMAP_PASS_ROW == 1 && JMAP_PASS_NOT_NUMBER == 2);
+}
+
 static void checkTable(UserJMAP_S* engine) {
     const QVExtension* head = &engine->exth;
     CHECK(memcmp(engine, "nevo", 4) == 0);
@@ -106,6 +137,7 @@ int main(void) {
     CHECK(qvPortableStart(&options, &host) == QV_OK);
     UserJMAP_S* engine = (UserJMAP_S*)qvejmap(host, NULL);
     checkLayouts();
+    checkToolLayouts();
     checkTable(engine);
     CHECK(engine->exth.realDestroy(&engine->exth) == QV_OK);
     CHECK(qvPortableStop(host) == QV_OK);

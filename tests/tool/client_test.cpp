@@ -18,6 +18,18 @@ namespace {
 
 using qvej::Cell;
 
+TEST(Client, AnEngineIsOfTheVersionOfItsHeaders) {
+    for (const int32_t headers : {0, QVEJMAPX_VERSION, QVEJMAPX_VERSION + 1}) {
+        QVStatus status = QV_OK;
+        try {
+            const qvej::Engine engine({.headers = headers});
+        } catch (const qvej::Error& error) {
+            status = error.status();
+        }
+        EXPECT_EQ(status, headers == QVEJMAPX_VERSION ? QV_OK : QV_UNSUPPORTED) << headers;
+    }
+}
+
 // The cells of the row behind "|", "~" for missing.
 std::string rowOf(const qvej::Cursor& cursor) {
     std::string text;
