@@ -6,7 +6,7 @@
 //
 // A path may feed several columns; what counts is the column that shows most of its values.
 //
-// Tested by tests/tool/account_test.cpp
+// Tested by tests/client/account_test.cpp
 #pragma once
 
 #include "client/document.h"

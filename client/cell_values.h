@@ -1,7 +1,7 @@
 // What the values of a table become in its cells: texts, informats and formats, values that are
 // rejected.  What Cursor and PassRow share.
 //
-// Tested by tests/tool/client_test.cpp
+// Tested by tests/client/client_test.cpp
 #pragma once
 
 #include "client/handle.h"

@@ -1,6 +1,6 @@
 // Rows of one table.
 //
-// Tested by tests/tool/client_test.cpp
+// Tested by tests/client/client_test.cpp
 #pragma once
 
 #include "qvejmapx.h"

@@ -2,7 +2,7 @@
 //
 // All texts handed out are UTF-8, whatever the encoding of the document.
 //
-// Tested by tests/tool/client_test.cpp
+// Tested by tests/client/client_test.cpp
 #pragma once
 
 #include "qvejmapx.h"

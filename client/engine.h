@@ -13,7 +13,7 @@
 // lives its host is the process's global one, so engines are made and ended on one thread and in
 // reverse order; all else follows the threading rule of qvejmap.h.
 //
-// Tested by tests/tool/client_test.cpp
+// Tested by tests/client/client_test.cpp
 #pragma once
 
 #include "qvejmapx.h"

@@ -15,7 +15,7 @@
 // null is not the same as no value.  The two know nothing of each other, so they may work on
 // different threads when what is in an item is copied.
 //
-// Tested by tests/tool/table_pass_test.cpp
+// Tested by tests/client/table_pass_test.cpp
 #pragma once
 
 #include "client/cell_values.h"

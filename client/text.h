@@ -1,7 +1,7 @@
 // Texts on their way out of the engine: from the document's encoding to UTF-8, cells without their
 // padding, paths with slashes.
 //
-// Tested by tests/tool/client_test.cpp
+// Tested by tests/client/client_test.cpp
 #pragma once
 
 #include "qvejmap.h"

@@ -1,6 +1,6 @@
 // A text in any encoding, on its way to UTF-8.
 //
-// Tested by tests/tool/recoder_test.cpp and tests/tool/golden/encodings.t
+// Tested by tests/client/recoder_test.cpp and tests/tool/golden/encodings.t
 #pragma once
 
 #include <unicode/ucnv.h>

@@ -3,7 +3,6 @@
 
 #include "client/cursor.h"
 #include "client/text.h"
-#include "tests/tool/workplace.h"
 
 #include <gtest/gtest.h>
 
