@@ -2,11 +2,17 @@
 #include "formats/cleanup.h"
 
 #include "client/error.h"
+#include "client/escape.h"
+#include "formats/writer.h"
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstring>
+#include <ctime>
 #include <unistd.h>
 
 namespace qvej {
@@ -17,7 +23,18 @@ namespace {
 constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGXCPU, SIGXFSZ};
 constexpr std::size_t kDigits = 20;
 
-// Changed only while the signals are held back, so the handler never sees them half-written.
+// A signal that comes so soon after the first is the same request: timeout(1) signals the process
+// and then its group, a closed terminal comes with a shell that passes it on.
+constexpr long kSameRequestMs = 200;
+
+std::atomic<int> holders = 0;        // threads with a Hold
+std::atomic<bool> stopping = false;  // no thread begins another
+thread_local int holds = 0;          // of this thread, in each other
+
+thread_local volatile std::sig_atomic_t asked = 0;  // the first signal, on the main thread only
+timespec askedAt;                                   // likewise
+
+// Changed only under a Hold, so the handler never sees them half-written.
 struct Slot {
     bool taken;
     char prefix[PATH_MAX + NAME_MAX + 1];  // a path longer than that names no file
@@ -26,6 +43,9 @@ struct Slot {
     std::size_t count;
     char directory[PATH_MAX];
     std::size_t directories;
+    Output::State state;
+    std::string untouched, complete;  // what is said after the first signal, with line ends
+    std::string left, between;        // after the second
 };
 Slot slots[2];
 
@@ -67,24 +87,59 @@ void removeOutput(Slot& slot) {
     }
 }
 
-void removeAll() {
+void say(const std::string& line) {
+    (void)writeAll(STDERR_FILENO, line.data(), line.size());
+}
+
+// The default action, as if there were no handler.
+void endBy(int signal) {
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, signal);
+    (void)::signal(signal, SIG_DFL);
+    (void)::pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+    (void)::raise(signal);
+}
+
+// Removes all unfinished output and ends.  On the main thread, which has no Hold.
+void end(int signal) {
+    stopping = true;
+    while (holders != 0) {
+        constexpr timespec kShort = {0, 1000000};
+        (void)::nanosleep(&kShort, nullptr);
+    }
     for (Slot& slot : slots) {
         removeOutput(slot);
     }
+    // Outputs of one command appear together, so the first speaks for all.
+    const Slot& first = slots[0].taken ? slots[0] : slots[1];
+    say(first.state == Output::COMPLETE ? first.complete : first.untouched);
+    endBy(signal);
+}
+
+long sinceAskedMs() {
+    timespec now = {};
+    (void)::clock_gettime(CLOCK_MONOTONIC, &now);
+    return (now.tv_sec - askedAt.tv_sec) * 1000 + (now.tv_nsec - askedAt.tv_nsec) / 1000000;
 }
 
 void onSignal(int signal) {
-    removeAll();
-    (void)::raise(signal);  // SA_RESETHAND: the default action now, once the handler returns
-}
-
-sigset_t signals() {
-    sigset_t set;
-    sigemptyset(&set);
-    for (const int signal : kSignals) {
-        sigaddset(&set, signal);
+    const int before = errno;
+    if (asked == 0) {
+        (void)::clock_gettime(CLOCK_MONOTONIC, &askedAt);
+        asked = signal;
+        if (holds == 0) {
+            end(signal);
+        }
+    } else if (sinceAskedMs() >= kSameRequestMs) {
+        for (const Slot& slot : slots) {
+            say(slot.state == Output::COMPLETE  ? slot.complete
+                : slot.state == Output::BETWEEN ? slot.between
+                                                : slot.left);
+        }
+        endBy(signal);
     }
-    return set;
+    errno = before;
 }
 
 void copyPath(char* to, std::size_t size, const std::string& path) {
@@ -99,8 +154,7 @@ void copyPath(char* to, std::size_t size, const std::string& path) {
 void install() {
     struct sigaction action = {};
     action.sa_handler = onSignal;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    action.sa_mask = signals();
+    action.sa_flags = static_cast<int>(SA_RESTART | SA_NODEFER);  // a second one gets through
     for (const int signal : kSignals) {
         struct sigaction before = {};
         if (::sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN) {
@@ -109,10 +163,14 @@ void install() {
     }
 }
 
-Output::Output() : slot_(slots[0].taken ? 1 : 0) {
+Output::Output(const std::string& name) : slot_(slots[0].taken ? 1 : 0) {
+    const std::string start = "qvejmap: interrupted: " + shown(name);
     const Hold hold;
-    slots[slot_] = {};
-    slots[slot_].taken = true;
+    Slot& slot = slots[slot_];
+    slot = {};
+    slot.taken = true;
+    slot.untouched = start + " is as it was, nothing was written to it\n";
+    slot.complete = start + " is complete\n";
 }
 
 Output::~Output() {
@@ -124,6 +182,10 @@ void Output::set(const std::string& prefix, const std::vector<std::string>* name
                  const std::string& directory, std::size_t directories) {
     const Hold hold;
     Slot& slot = slots[slot_];
+    const std::string twice = "qvejmap: interrupted twice: ";
+    const std::string stays = shown(prefix) + "* may still be there\n";
+    slot.left = twice + stays;
+    slot.between = twice + "some of the new files may be in place and others not, " + stays;
     copyPath(slot.directory, sizeof slot.directory, directory);
     slot.directories = directories;
     copyPath(slot.prefix, PATH_MAX, prefix);
@@ -137,13 +199,38 @@ void Output::setCount(std::size_t count) {
     slots[slot_].count = count;
 }
 
+void Output::setState(State state) {
+    const Hold hold;
+    Slot& slot = slots[slot_];
+    slot.state = state;
+    if (state == COMPLETE) {
+        slot.count = 0;
+        slot.directories = 0;
+    }
+}
+
+// end() first sets `stopping` and then looks at `holders`, this the other way round: so either the
+// handler waits for this thread, or this thread stops.
 Hold::Hold() {
-    const sigset_t set = signals();
-    (void)::sigprocmask(SIG_BLOCK, &set, &before_);
+    if (holds++ == 0) {
+        ++holders;
+        if (stopping) {
+            --holders;
+            while (true) {
+                (void)::pause();
+            }
+        }
+    }
 }
 
 Hold::~Hold() {
-    (void)::sigprocmask(SIG_SETMASK, &before_, nullptr);
+    if (holds == 1) {
+        --holders;
+    }
+    // A signal up to here has waited, one after it does not.
+    if (--holds == 0 && asked != 0) {
+        end(asked);
+    }
 }
 
 }  // namespace cleanup

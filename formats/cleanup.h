@@ -1,12 +1,13 @@
 // What must not stay behind when a signal ends the tool: unfinished output.
 //
-// The handlers remove what is named here, with nothing but async-signal-safe calls on names that
-// were laid down beforehand, and then let the signal do what it does by default.
+// The handler runs on the main thread: the others block all signals.  It stops threads that make
+// files, removes what is named here, says so in one line, and lets the signal do what it does by
+// default.  It makes only async-signal-safe calls, on names that were laid down beforehand.  A
+// second signal ends the tool at once and names what stays.
 //
-// Tested by tests/tool/golden/interrupt.t and tests/tool/cleanup_test.cpp
+// Tested by tests/tool/cleanup_test.cpp, interrupt_test.sh and golden/interrupt.t
 #pragma once
 
-#include <csignal>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -18,12 +19,12 @@ namespace cleanup {
 // Installs the handlers, except for signals that are ignored (nohup).
 void install();
 
-// Unfinished output: the files PREFIX0, PREFIX1, ... up to a count, or the files of given names in
-// the directory PREFIX, which goes too; and directories that were made for them.  While the object
-// lives; two may at a time.
+// An output, and what is unfinished of it: the files PREFIX0, PREFIX1, ... up to a count, or the
+// files of given names in the directory PREFIX, which goes too; and directories that were made for
+// them.  While the object lives; two may at a time.
 class Output {
    public:
-    Output();
+    explicit Output(const std::string& name);  // what messages call it
     ~Output();
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
@@ -35,20 +36,26 @@ class Output {
              const std::string& directory, std::size_t directories);
     void setCount(std::size_t count);
 
+    enum State {
+        UNTOUCHED,  // nothing has its final name
+        BETWEEN,    // under a Hold only
+        COMPLETE,   // everything has its final name, nothing is to be removed
+    };
+    void setState(State state);
+
    private:
     std::size_t slot_;
 };
 
-// Holds the signals back while it lives.
+// For steps that a signal must not divide: making a file, giving files their names.  While it lives
+// on the main thread, the first signal waits for its end.  On another thread, the handler waits for
+// its end, and the thread stops for good instead of beginning one after a signal.
 class Hold {
    public:
     Hold();
     ~Hold();
     Hold(const Hold&) = delete;
     Hold& operator=(const Hold&) = delete;
-
-   private:
-    sigset_t before_;
 };
 
 }  // namespace cleanup

@@ -147,6 +147,7 @@ OutputFiles::OutputFiles(std::string directory, bool makeDirectory, std::vector<
                          bool force, const Sources& sources)
     : directory_(withoutTrailingSlashes(std::move(directory))),
       names_(std::move(names)),
+      cleanup_(makeDirectory ? directory_ : finalPath(0)),
       force_(force),
       prefix_(directory_ + "/.qvejmap-" + randomHex() + "-"),
       descriptors_(names_.size(), kNotMade) {
@@ -254,6 +255,7 @@ int OutputFiles::open(std::size_t i) {
         open_.pop_front();
     }
     const std::string path = temporaryPath(i);
+    const cleanup::Hold hold;
     const int how = descriptors_[i] == kNotMade ? O_CREAT | O_EXCL : O_APPEND;
     const int descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOFOLLOW | how, 0666);
     if (descriptor < 0) {
@@ -287,15 +289,17 @@ void OutputFiles::commit(OutputFiles* with) {
         with->closeAll();
     }
     const cleanup::Hold hold;  // all or nothing
-    if (with != nullptr) {
-        with->putAllInPlace();
-    }
+    cleanup_.setState(cleanup::Output::BETWEEN);
     try {
+        if (with != nullptr) {
+            with->putAllInPlace();
+        }
         putAllInPlace();
     } catch (const qvej::Error&) {
         if (with != nullptr) {
             with->takeBack();
         }
+        cleanup_.setState(cleanup::Output::UNTOUCHED);
         throw;
     }
     finish();
@@ -338,6 +342,7 @@ void OutputFiles::finish() {
     if (staged_) {
         (void)::rmdir(prefix_.c_str());
     }
+    cleanup_.setState(cleanup::Output::COMPLETE);
     committed_ = true;
 }
 

@@ -74,9 +74,9 @@ class OutputFiles {
         return (directory_ == "." ? std::string() : directory_ + "/") + names_[i];
     }
 
-    cleanup::Output cleanup_;
     std::string directory_;
     std::vector<std::string> names_;
+    cleanup::Output cleanup_;
     bool force_;
     std::string prefix_;            // of the temporary names
     bool staged_ = false;           // it is a directory that stands in for the final one

@@ -1,10 +1,16 @@
-// What is named is removed, whenever the signal comes: a folder made in a folder, two outputs.
+// What is named is removed, whenever the signal comes: a folder made in a folder, two outputs, a
+// thread that makes files.
 #include "formats/cleanup.h"
 
 #include "tests/tool/workplace.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <fcntl.h>
+#include <thread>
 #include <unistd.h>
 
 namespace jmap::test {
@@ -23,8 +29,8 @@ TEST(ToolCleanup, ASignalRemovesWhatIsNamed) {
     EXPECT_EXIT(
         {
             cleanup::install();
-            cleanup::Output first;
-            cleanup::Output second;
+            cleanup::Output first("out");
+            cleanup::Output second("list");
             first.set(place.path() + "/p-", nullptr, place.path() + "/made/twice", 2);
             first.setCount(12);
             second.set(place.path() + "/staged/", &names, place.path(), 0);
@@ -33,6 +39,92 @@ TEST(ToolCleanup, ASignalRemovesWhatIsNamed) {
         },
         testing::KilledBySignal(SIGTERM), "");
     EXPECT_EQ(place.run("ls").out, "orders.json\np-12\ntmp\n");
+}
+
+// What the main thread does at a signal, and what is left of p-0 to p-999 then.
+struct Case {
+    const char* name;
+    void (*act)();
+    const char* said;
+    bool stays;
+};
+
+void touch(const char* file) {
+    (void)::close(::open(file, O_CREAT | O_WRONLY, 0666));
+}
+
+constexpr Case kCases[] = {
+    {"another thread makes files",
+     [] {
+         std::atomic<int> made = 0;
+         std::thread maker([&] {
+             sigset_t all;
+             sigfillset(&all);
+             (void)::pthread_sigmask(SIG_SETMASK, &all, nullptr);
+             for (;; made = made + 1) {
+                 const cleanup::Hold hold;
+                 touch(("p-" + std::to_string(made % 1000)).c_str());
+             }
+         });
+         while (made < 500) {
+         }
+         (void)::raise(SIGTERM);
+     },
+     "interrupted: out is as it was", false},
+    {"while it is held back",
+     [] {
+         const cleanup::Hold hold;
+         (void)::raise(SIGTERM);
+         touch("p-0");
+     },
+     "interrupted: out is as it was", false},
+    {"again at once",  // as timeout(1) does
+     [] {
+         const cleanup::Hold hold;
+         (void)::raise(SIGTERM);
+         touch("p-0");
+         (void)::raise(SIGTERM);
+     },
+     "interrupted: out is as it was", false},
+    {"again, later",
+     [] {
+         const cleanup::Hold hold;
+         (void)::raise(SIGTERM);
+         touch("p-0");
+         std::this_thread::sleep_for(std::chrono::milliseconds(250));
+         (void)::raise(SIGTERM);
+     },
+     "interrupted twice: p-. may still be there", true},
+};
+
+TEST(ToolCleanup, ASignalStopsWhatMakesFiles) {
+    for (const Case& c : kCases) {
+        SCOPED_TRACE(c.name);
+        const Workplace place;
+        EXPECT_EXIT(
+            {
+                ASSERT_EQ(::chdir(place.path().c_str()), 0);
+                cleanup::install();
+                cleanup::Output output("out");
+                output.set("p-", nullptr, "", 0);
+                output.setCount(1000);
+                c.act();
+            },
+            testing::KilledBySignal(SIGTERM), c.said);
+        EXPECT_EQ(place.run("ls p-*").exitCode == 0, c.stays);
+    }
+}
+
+TEST(ToolCleanup, SaysWhatIsComplete) {
+    EXPECT_EXIT(
+        {
+            cleanup::install();
+            cleanup::Output output("out");
+            const cleanup::Hold hold;
+            (void)::raise(SIGTERM);
+            output.setState(cleanup::Output::COMPLETE);
+        },
+        testing::KilledBySignal(SIGTERM), "interrupted: out is complete");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-# A signal at any time leaves nothing behind.  What the shell itself says of it goes away.
+# A signal at any time leaves nothing behind, and is told.  What the shell itself says of it goes away.
 
 # So many tables over so many records that writing them takes long.
 $ rows=$(printf '{"v":%d},' $(seq 20))
@@ -8,13 +8,16 @@ $ rows=$(printf '{"v":%d},' $(seq 20))
 $ exec 2> /dev/null
 > for signal in TERM INT HUP; do
 >     test $signal = HUP && how= || how='--memory 1'
->     env --default-signal qvejmap convert many.json -o a/b $how &
+>     env --default-signal qvejmap convert many.json -o a/b $how 2> said &
 >     until [ "$(ls -A a/.qvejmap* | wc -l)" -gt 5 ]; do :; done
->     kill -$signal $!; wait $!; kill -l $?; ls -d a; ls -A tmp
+>     kill -$signal $!; wait $!; kill -l $?; cat said; ls -d a; ls -A tmp
 > done; true
   TERM
+  qvejmap: interrupted: a/b is as it was, nothing was written to it
   INT
+  qvejmap: interrupted: a/b is as it was, nothing was written to it
   HUP
+  qvejmap: interrupted: a/b is as it was, nothing was written to it
 
 # A folder that was there stays, with its files.
 $ exec 2> /dev/null
@@ -25,6 +28,14 @@ $ exec 2> /dev/null
   TERM
   t7.csv
   old
+
+# While it waits for a document; with a list of rejected values, which comes with the tables or not.
+$ exec 2> /dev/null
+> mkfifo silent; env --default-signal qvejmap convert - -o a/b --rejects list < silent 2> said & exec 3> silent
+> { printf '{"a":1'; yes | head -c 200000 | tr 'y\n' '  '; } >&3  # more than a pipe holds
+> kill -INT $!; wait $!; kill -l $?; cat said; ls -d a list; exec 3>&-; rm silent
+  INT
+  qvejmap: interrupted: a/b is as it was, nothing was written to it
 
 # While records go to disk: the cache file has no name, so nothing stays, whatever the signal.
 $ exec 2> /dev/null

@@ -3,6 +3,7 @@
 // Tested by tests/tool/golden/convert.t and tests/tool/golden/interrupt.t
 #include "client/error.h"
 #include "client/pass_pipe.h"
+#include "formats/cleanup.h"
 #include "formats/file_names.h"
 #include "formats/output_files.h"
 #include "formats/table_outputs.h"
@@ -16,6 +17,7 @@
 #include "tools/cli/verbs/verbs.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace qvej::cli {
 
@@ -99,7 +101,9 @@ void checkOutput(const Options& options) {
 }
 
 ExitCode convertAndAccount(const Options& options, Account& account) {
+    std::optional<cleanup::Output> output(options.out);  // for a signal while the document is read
     const Session session(options);
+    output.reset();
     if (session.map() != nullptr && !options.quiet) {
         tellMapOddities(session.map()->name(), session.document().tables());
     }
