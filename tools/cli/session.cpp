@@ -10,7 +10,6 @@
 #include "tools/cli/verbs/verbs.h"
 
 #include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 
 namespace qvej::cli {
@@ -42,21 +41,19 @@ std::string describe(const std::string& name) {
         qvej::withoutUnfinished(std::string_view(base).substr(0, kDescriptionBytes)));
 }
 
-// The file must be new or empty: the engine takes no other.
-void prepareNamedCache(const std::string& path, bool force, const Sources& sources) {
+// The file must be new or empty: the engine takes no other, and nobody's file is deleted for it.
+void checkNamedCache(const std::string& path, const Sources& sources) {
     struct stat found = {};
-    if (::lstat(path.c_str(), &found) != 0 || (S_ISREG(found.st_mode) && found.st_size == 0)) {
+    if (::lstat(path.c_str(), &found) != 0) {
         return;
     }
     if (!S_ISREG(found.st_mode)) {
         throw Failure(FILE_TROUBLE, path + ": not a regular file, not replaced");
     }
     refuseSource(path, sources);
-    if (!force) {
-        throw Failure(FILE_TROUBLE, path + ": the file exists (--force replaces it)");
-    }
-    if (::unlink(path.c_str()) != 0) {
-        throw qvej::fileError(QV_IO_WRITE, path);
+    if (found.st_size != 0) {
+        throw Failure(FILE_TROUBLE,
+                      path + ": the file is not empty (--cache takes a new or an empty one)");
     }
 }
 
@@ -73,7 +70,7 @@ Session::Session(const Options& options, const std::string& file, const std::str
         map_.emplace(engine_, map);
     }
     if (!options.cache.empty()) {
-        prepareNamedCache(options.cache, options.force, sourcesOf(file, map));
+        checkNamedCache(options.cache, sourcesOf(file, map));
     }
     try {
         open();

@@ -30,17 +30,18 @@ $ { head -n 9000 large.json; printf ]]; } > early.json; qvejmap check early.json
 !     ]]
 !     ^
 
-# A named cache file stays and is not overwritten.
+# A named cache file stays.  A file that holds something is neither overwritten nor deleted.
 $ qvejmap check large.json --memory 1 --cache kept; find kept -size +1M -perm 600
   large.json: well formed
   kept
 $ qvejmap check large.json --memory 1 --cache packed --compress -q; find packed -size -800k
   packed
 $ qvejmap check large.json --memory 1 --cache kept
-! qvejmap: kept: the file exists (--force replaces it)
+! qvejmap: kept: the file is not empty (--cache takes a new or an empty one)
 ? 5
-$ qvejmap check large.json --memory 1 --cache kept --force
-  large.json: well formed
+$ echo mine > kept; qvejmap check large.json --memory 1 --cache kept --force; cat kept
+  mine
+! qvejmap: kept: the file is not empty (--cache takes a new or an empty one)
 $ ln -s large.json link; qvejmap check large.json --memory 1 --cache link --force
 ! qvejmap: link: not a regular file, not replaced
 ? 5

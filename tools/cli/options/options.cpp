@@ -184,8 +184,8 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
         ->type_name("SIZE")
         ->group(reading);
     app.add_option("--cache", o.cache,
-                   "the file for such records; it stays (default: a private\none in $TMPDIR or "
-                   "/tmp, removed)")
+                   "a new or empty file for such records; it stays\n(default: a private one in "
+                   "$TMPDIR or /tmp, removed)")
         ->type_name("FILE")
         ->group(reading);
 
