@@ -2,80 +2,92 @@ $ qvejmap --help
   Reads a JSON document and presents it as tables.
   
   Usage: qvejmap VERB FILE [OPTIONS]
+         qvejmap help [VERB]
   
   Verbs:
-    tables FILE             list the tables: name, number of columns, path
-    map FILE [-o OUT]       print the map of tables and columns as JSON
-    map check MAP [FILE]    is the map well formed? does it fit the document?
-    map diff A B            what one map has and another has not
-    map merge A B... [-o OUT] one map that holds all tables and columns of several
-    map explain FILE TABLE.COLUMN why a column is what it is, and where that was seen
-    read FILE TABLE         print the rows of one table (or of ALLDATA)
-    convert FILE -o DIR     write every table to a file of its own
-    records FILE            print every record: kind, path, value
-    check FILE              is it well formed? with --account: where do its values go?
+    tables FILE                    list the tables: name, number of columns, path
+    map FILE [-o OUT]              print the map of tables and columns as JSON
+    map check MAP [FILE]           is a map well formed? does it fit FILE?
+    map diff A B                   what one map has and another has not
+    map merge A B... [-o OUT]      one map of all tables and columns of several
+    map explain FILE TABLE.COLUMN  why a column is what it is, with places
+    read FILE TABLE                print the rows of one table (or of ALLDATA)
+    convert FILE -o DIR            write every table to a file of its own
+    records FILE                   print every record: kind, path, value
+    check FILE                     is it well formed? --account: where values go
   
   Options of tables:
     --names                 bare names, one a line
-    --columns               a line a column: table, column, type, length in bytes, path
+    --columns               a line a column: table, column, type, length in
+                            bytes, path
   
   Options of map and convert:
-    -o,--output OUT         map: file to write; convert: directory, made when missing
-    --exact                 map: columns with numbers that a double does not keep are CHARACTER
+    -o,--output OUT         map: file to write; convert: directory, made when
+                            missing
+    --exact                 map: columns with numbers that a double does not keep
+                            are CHARACTER
     --alldata               convert: ALLDATA too (every value with its full path)
   
   Options of convert:
-    --threads N             at most N threads (default: as many as there are cores)
+    --threads N             at most N threads (default: as many as there are
+                            cores)
   
   Options of read:
     --limit N               at most N rows
   
   Options of convert and check:
-    --account               count what becomes of every value, and tell which are in
-                            no cell (exit code 1)
+    --account               count what becomes of every value, and tell which are
+                            in no cell (exit code 1)
   
   Rows and tables:
-    --map FILE              use this map in place of the automatic one (check takes
-                            it with --account)
-    --rejects FILE          a line of CSV for each value that its column
-                            cannot take
+    --map FILE              use this map in place of the automatic one (check
+                            takes it with --account)
+    --rejects FILE          a line of CSV for each value that its column cannot
+                            take
     --format NAME           csv (default) or ndjson
     --null TEXT             CSV: what stands for null and for no value (default:
                             nothing, as for an empty text)
-    --ordinals N            levels of ordinal columns, 0 for none (default: all)
+    --ordinals N            keep the N deepest ordinal columns of each table
+                            (default: all); 0: none, 1: orders_items has
+                            ordinal_items alone
     --alldata-name NAME     name of the table ALLDATA
-    --retain                columns keep their value from row to row
+    --retain                columns keep their value from row to row (check takes
+                            it with --account)
   
   Reading the document:
-    --lines                 JSON Lines: a value in each line, no more and no less, or
-                            nothing (default: by the name, .jsonl or .ndjson)
-    --encoding NAME         encoding of FILE, any that ICU names (default: auto, by
-                            a byte order mark or zero bytes, else UTF-8)
-    --invalid WAY           bytes that are wrong in the encoding: error (default), or
-                            replace, by U+FFFD
+    --lines                 JSON Lines: a value in each line, no more and no
+                            less, or nothing (default: by the name, .jsonl or
+                            .ndjson)
+    --encoding NAME         encoding of FILE, any that ICU names (default: auto,
+                            by a byte order mark or zero bytes, else UTF-8)
+    --invalid WAY           bytes that are wrong in the encoding: error
+                            (default), or replace, by U+FFFD
     --depth N               deepest nesting allowed, 0 for any (default: 1000)
     --compress              keep the records compressed
     --memory SIZE           memory to use (default: what the machine has free)
     --keep-free SIZE        memory to leave free; below it records go to a file
-                            (default: half of --memory, else an eighth of what is free)
-    --cache FILE            a new or empty file for such records; it stays
-                            (default: a private one in $TMPDIR or /tmp, removed)
+                            (default: half of --memory, else an eighth of what is
+                            free)
+    --cache FILE            the file for such records; it stays (default: a
+                            private one in $TMPDIR or /tmp, removed)
   
   General:
-    --debug KEYWORDS        notes of the engine: MAP, READ, COMPRESSION, ALL, ...; "-MAP"
-                            leaves one out
+    --debug KEYWORDS        notes of the engine: MAP, READ, COMPRESSION, ALL,
+                            ...; "-MAP" leaves one out
     --force                 replace existing files
     -q,--quiet              no summary; what is lost is still said
     -h,--help               this page; with VERB only what that verb takes
     --version               the version
   
-  FILE may be "-" for standard input, and may be compressed with gzip or zstd.  SIZE is a number of
-  bytes, or of 1024 bytes and its powers with K, M, G or T.  Options work in any position.  A file
-  that is named like a verb is written ./map.
+  FILE may be "-" for standard input, and may be compressed with gzip or zstd.
+  SIZE is a number of bytes, or of 1024 bytes and its powers with K, M, G or T.
+  Options work in any position.  A file that is named like a verb is written
+  ./map.
   
-  Exit codes: 0 done, 1 done but some values were rejected or cut or, with --account, lost
-  (map check, map diff: not the same), 2 wrong usage, 3 not valid JSON, 4 no such table or trouble
-  with the map, 5 trouble with a file, 6 a limit was reached.
+  Exit codes: 0 done, 1 done but some values were rejected or cut or, with
+  --account, lost (map check, map diff: not the same), 2 wrong usage, 3 not valid
+  JSON, 4 no such table or trouble with the map, 5 trouble with a file, 6 a limit
+  was reached.
 $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
   qvejmap convert: write every table to a file of its own
   
@@ -84,32 +96,90 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
   Options of convert:
     -o,--output OUT         directory, made when missing
     --alldata               ALLDATA too (every value with its full path)
-    --threads N             at most N threads (default: as many as there are cores)
-    --account               count what becomes of every value, and tell which are in
-                            no cell (exit code 1)
-    --map FILE              use this map in place of the automatic one (check takes
-                            it with --account)
-    --rejects FILE          a line of CSV for each value that its column
-                            cannot take
-    --null TEXT             CSV: what stands for null and for no value (default:
-                            nothing, as for an empty text)
+    --threads N             at most N threads (default: as many as there are
+                            cores)
+    --account               count what becomes of every value, and tell which are
+                            in no cell (exit code 1)
   
   Rows and tables:
+    --map FILE              use this map in place of the automatic one (check
+                            takes it with --account)
+    --rejects FILE          a line of CSV for each value that its column cannot
+                            take
     --format NAME           csv (default) or ndjson
-    --ordinals N            levels of ordinal columns, 0 for none (default: all)
+    --null TEXT             CSV: what stands for null and for no value (default:
+                            nothing, as for an empty text)
+    --ordinals N            keep the N deepest ordinal columns of each table
+                            (default: all); 0: none, 1: orders_items has
+                            ordinal_items alone
     --alldata-name NAME     name of the table ALLDATA
-    --retain                columns keep their value from row to row
+    --retain                columns keep their value from row to row (check takes
+                            it with --account)
   
   Reading the document:
-$ for verb in tables map read convert records check; do
->     echo $verb: $(qvejmap $verb -h | grep -o '^  -[-a-z,]*')
+# Each verb lists what it takes.
+$ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert records check; do
+>     echo $verb: $(qvejmap help $verb | grep -o '^  -[-a-z,]*')
 > done
   tables: --names --columns --map --ordinals --alldata-name --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
-  map: -o,--output --exact --ordinals --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
-  read: --limit --map --rejects --null --format --ordinals --alldata-name --retain --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
-  convert: -o,--output --alldata --threads --account --map --rejects --null --format --ordinals --alldata-name --retain --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
-  records: --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
+  map: -o,--output --exact --ordinals --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  map check: --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  map diff: -q,--quiet -h,--help --version
+  map merge: -o,--output --force -q,--quiet -h,--help --version
+  map explain: --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  read: --limit --map --rejects --format --null --ordinals --alldata-name --retain --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  convert: -o,--output --alldata --threads --account --map --rejects --format --null --ordinals --alldata-name --retain --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  records: --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
   check: --account --map --retain --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+
+# help VERB is what VERB --help is, and no page is wider than 80 columns.
+$ for verb in '' tables map 'map check' 'map diff' 'map merge' 'map explain' read convert records check; do
+>     qvejmap $verb --help > asked; qvejmap help $verb | cmp - asked; grep -E '.{81}' asked
+> done
+? 1
+$ qvejmap help map check | head -3
+  qvejmap map check: is a map well formed? does it fit FILE?
+  
+  Usage: qvejmap map check MAP [FILE] [OPTIONS]
+$ qvejmap help map chek; qvejmap help map check x
+! qvejmap: no verb is named 'map chek'; did you mean map check? (qvejmap --help tells more)
+! qvejmap: no verb is named 'map check x'; did you mean map check? (qvejmap --help tells more)
+? 2
+$ qvejmap help tables --nonsense
+! qvejmap: no option is named '--nonsense' (qvejmap --help tells more)
+? 2
+
+# An option of all verbs, and one of those that read a document.
+$ qvejmap map orders.json -q > m; qvejmap map diff m m -q
+$ qvejmap map merge m m --depth 3
+! qvejmap: --depth belongs to tables, map, map check, map explain, read, convert, records, check, not to map merge (qvejmap --help tells more)
+? 2
+
+# What is nearly a verb or an option is told.
+$ qvejmap convrt orders.json -o out
+! qvejmap: no verb is named 'convrt'; did you mean convert? (qvejmap --help tells more)
+? 2
+$ qvejmap orders.json convrt -o out
+! qvejmap: no verb is named 'convrt'; did you mean convert? (qvejmap --help tells more)
+? 2
+$ qvejmap map chek orders.json
+! qvejmap: map: 'orders.json' is one word too many; did you mean map check? (qvejmap --help tells more)
+? 2
+$ qvejmap read orders.json orders --formt=csv
+! qvejmap: no option is named '--formt'; did you mean --format, --force? (qvejmap --help tells more)
+? 2
+$ qvejmap read orders.json orders --frce; qvejmap read orders.json orders -x
+! qvejmap: no option is named '--frce'; did you mean --force? (qvejmap --help tells more)
+! qvejmap: no option is named '-x' (qvejmap --help tells more)
+? 2
+
+# Ordinals: the deepest stay.
+$ for n in 0 1 2 9; do qvejmap read orders.json orders_items --ordinals $n | head -1; done
+  sku,quantity,price\r
+  ordinal_items,sku,quantity,price\r
+  ordinal_orders,ordinal_items,sku,quantity,price\r
+  ordinal_root,ordinal_orders,ordinal_items,sku,quantity,price\r
+
 $ qvejmap map --help | grep -A1 'of map'
   Options of map:
     -o,--output OUT         file to write
@@ -153,12 +223,12 @@ $ qvejmap tables orders.json --names --columns
 ! qvejmap: --names and --columns exclude each other (qvejmap --help tells more)
 ? 2
 $ qvejmap tables orders.json --nonsense
-! qvejmap: The following argument was not expected: --nonsense (qvejmap --help tells more)
+! qvejmap: no option is named '--nonsense' (qvejmap --help tells more)
 ? 2
 $ qvejmap tables orders.json --format
 ! qvejmap: --format: 1 required NAME missing (qvejmap --help tells more)
 ? 2
-$ qvejmap tables orders.json --format xml
+$ qvejmap read orders.json orders --format xml
 ! qvejmap: --format: 'xml' is none of csv, ndjson (qvejmap --help tells more)
 ? 2
 $ qvejmap read orders.json orders --limit -1
@@ -194,16 +264,28 @@ $ qvejmap tables orders.json --cache ''
 ! qvejmap: --cache: the name is empty (qvejmap --help tells more)
 ? 2
 
-# Options that mean nothing to a verb, but may be given to all.
-$ qvejmap check orders.json --format ndjson --retain --ordinals 1 --alldata-name all
-  orders.json: well formed
+# Options that do nothing for a verb are refused.
+$ qvejmap check orders.json --format ndjson
+! qvejmap: --format belongs to read, convert, not to check (qvejmap --help tells more)
+? 2
+$ qvejmap check orders.json --ordinals 1
+! qvejmap: --ordinals belongs to tables, map, read, convert, not to check (qvejmap --help tells more)
+? 2
+$ qvejmap records orders.json --alldata-name all
+! qvejmap: --alldata-name belongs to tables, read, convert, not to records (qvejmap --help tells more)
+? 2
+$ qvejmap check orders.json --retain
+! qvejmap: check: --retain needs --account (qvejmap --help tells more)
+? 2
+$ qvejmap check orders.json --retain --account | tail -1
+  20 values = 20 in cells + 0 overwritten + 0 no column + 0 no row + 0 rejected
 
 # Messages never hold control characters.
 $ qvejmap "$(printf 'a\033b')"
 ! qvejmap: no verb is named 'a\u001bb' (qvejmap --help tells more)
 ? 2
 $ qvejmap tables orders.json "--$(printf 'a\033b')"
-! qvejmap: The following argument was not expected: --a\u001bb (qvejmap --help tells more)
+! qvejmap: no option is named '--a\u001bb' (qvejmap --help tells more)
 ? 2
 $ qvejmap read orders.json "$(printf 'a\033b')"
 ! qvejmap: no table named a\u001bb (qvejmap tables lists them)

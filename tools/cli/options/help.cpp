@@ -9,28 +9,35 @@
 #include <CLI/Formatter.hpp>
 
 #include <algorithm>
+#include <sstream>
 
 namespace qvej::cli {
 
 namespace {
 
-constexpr std::size_t kPurposeColumn = 26;
+constexpr std::size_t kPurposeColumn = 33;
+constexpr std::size_t kOptionColumn = 26;             // where an option's description begins
+constexpr std::size_t kDescriptionWidth = 54;         // a page is 80 columns wide
+constexpr std::string_view kOfVerbs = "Options of ";  // begins the name of a group
 
 constexpr std::string_view kUsage =
     "Reads a JSON document and presents it as tables.\n"
     "\n"
     "Usage: qvejmap VERB FILE [OPTIONS]\n"
+    "       qvejmap help [VERB]\n"
     "\n"
     "Verbs:\n";
 
 constexpr std::string_view kNotes =
-    R"(FILE may be "-" for standard input, and may be compressed with gzip or zstd.  SIZE is a number of
-bytes, or of 1024 bytes and its powers with K, M, G or T.  Options work in any position.  A file
-that is named like a verb is written ./map.
+    R"(FILE may be "-" for standard input, and may be compressed with gzip or zstd.
+SIZE is a number of bytes, or of 1024 bytes and its powers with K, M, G or T.
+Options work in any position.  A file that is named like a verb is written
+./map.
 
-Exit codes: 0 done, 1 done but some values were rejected or cut or, with --account, lost
-(map check, map diff: not the same), 2 wrong usage, 3 not valid JSON, 4 no such table or trouble
-with the map, 5 trouble with a file, 6 a limit was reached.
+Exit codes: 0 done, 1 done but some values were rejected or cut or, with
+--account, lost (map check, map diff: not the same), 2 wrong usage, 3 not valid
+JSON, 4 no such table or trouble with the map, 5 trouble with a file, 6 a limit
+was reached.
 )";
 
 // A line for each verb whose name begins with `prefix`.
@@ -56,6 +63,20 @@ std::string purposeFor(const std::string& verb, const std::string& purpose) {
     return purpose.substr(start, purpose.find(';', start) - start);
 }
 
+// The text in lines of at most `width` columns, divided at blanks.
+std::string wrapped(const std::string& text, std::size_t width) {
+    std::string result;
+    std::size_t used = 0;
+    std::istringstream words(text);
+    for (std::string word; words >> word; used += word.size()) {
+        const bool fits = used + 1 + word.size() <= width;
+        result += result.empty() ? "" : fits ? " " : "\n";
+        used = fits ? used + 1 : 0;
+        result += word;
+    }
+    return result;
+}
+
 // Leaves what belongs to the verb.
 void keepOptionsOf(const Verb& verb, CLI::App& app) {
     const std::string name(verb.name);
@@ -63,8 +84,10 @@ void keepOptionsOf(const Verb& verb, CLI::App& app) {
         CLI::Option& option = *app.get_option(owner.option);
         if (!owns(verb, owner)) {
             option.group("");
-        } else if (owner.refused) {
-            option.group("Options of " + name);
+        } else {
+            if (option.get_group().starts_with(kOfVerbs)) {
+                option.group(std::string(kOfVerbs) + name);
+            }
             option.description(
                 purposeFor(name.substr(0, name.find(' ')), option.get_description()));
         }
@@ -85,8 +108,11 @@ std::string helpText(CLI::App& app, const Verb* verb) {
     } else {
         text = std::string(kUsage) + listVerbs({});
     }
+    for (CLI::Option* option : app.get_options()) {
+        option->description(wrapped(option->get_description(), kDescriptionWidth));
+    }
     CLI::Formatter formatter;
-    formatter.column_width(26);
+    formatter.column_width(kOptionColumn);
     text += formatter.make_groups(&app, CLI::AppFormatMode::Normal);
     for (std::size_t gap = text.find("\n\n\n"); gap != std::string::npos;
          gap = text.find("\n\n\n")) {

@@ -9,23 +9,36 @@ namespace {
 
 constexpr std::string_view kSeparator = ", ";
 
+// The verbs that read a document.
+constexpr std::string_view kReaders =
+    "tables, map, map check, map explain, read, convert, records, check";
+
 constexpr Owner kOwners[] = {
-    {"--names", "tables", true},
-    {"--columns", "tables", true},
-    {"--output", "map, map merge, convert", true},
-    {"--exact", "map", true},
-    {"--account", "convert, check", true},
-    {"--alldata", "convert", true},
-    {"--threads", "convert", true},
-    {"--limit", "read", true},
-    {"--map", "tables, read, convert, check", true},
-    {"--rejects", "read, convert", true},
-    {"--format", "read, convert", false},
-    {"--null", "read, convert", true},
-    {"--retain", "read, convert, check", false},
-    {"--ordinals", "tables, map, read, convert", false},
-    {"--alldata-name", "tables, read, convert", false},
-    {"--quiet", "tables, convert, check", false},
+    {"--names", "tables"},
+    {"--columns", "tables"},
+    {"--output", "map, map merge, convert"},
+    {"--exact", "map"},
+    {"--account", "convert, check"},
+    {"--alldata", "convert"},
+    {"--threads", "convert"},
+    {"--limit", "read"},
+    {"--map", "tables, read, convert, check"},
+    {"--rejects", "read, convert"},
+    {"--format", "read, convert"},
+    {"--null", "read, convert"},
+    {"--retain", "read, convert, check"},
+    {"--ordinals", "tables, map, read, convert"},
+    {"--alldata-name", "tables, read, convert"},
+    {"--force", "tables, map, map check, map merge, map explain, read, convert, records, check"},
+    {"--lines", kReaders},
+    {"--encoding", kReaders},
+    {"--invalid", kReaders},
+    {"--depth", kReaders},
+    {"--compress", kReaders},
+    {"--memory", kReaders},
+    {"--keep-free", kReaders},
+    {"--cache", kReaders},
+    {"--debug", kReaders},
 };
 
 }  // namespace

@@ -10,12 +10,11 @@ namespace qvej::cli {
 
 struct Verb;
 
-// An option that belongs to some verbs.  The others refuse it, or pass over it: then it may be
-// given to all verbs alike.
+// An option that belongs to some verbs.  The others do not list it, and refuse it: it would do
+// nothing there.
 struct Owner {
     const char* option;
     std::string_view verbs;  // "map, convert"
-    bool refused;
 };
 
 // Options of all verbs are not among them.

@@ -9,6 +9,7 @@
 #include "tools/cli/options/help.h"
 #include "tools/cli/options/option_owners.h"
 #include "tools/cli/options/option_values.h"
+#include "tools/cli/reports/remarks.h"
 #include "tools/cli/verbs/verbs.h"
 
 #include <CLI/App.hpp>
@@ -68,12 +69,34 @@ void checkNull(const std::string& text, const Format& format) {
     }
 }
 
+// The names of the verbs that begin with `prefix`.
+std::vector<std::string> verbNames(std::string_view prefix = {}) {
+    std::vector<std::string> names;
+    for (const Verb& verb : allVerbs()) {
+        if (verb.name.starts_with(prefix)) {
+            names.emplace_back(verb.name);
+        }
+    }
+    return names;
+}
+
+// None of the words is a verb: names the one that looks most like one, else the first.
+[[noreturn]] void refuseWords(const std::vector<std::string>& words) {
+    for (const std::string& word : words) {
+        const std::string hint = suggestion(word, verbNames());
+        if (!hint.empty()) {
+            usageError("no verb is named " + inQuotes(word) + hint);
+        }
+    }
+    usageError(words.empty() ? std::string("there is no verb")
+                             : "no verb is named " + inQuotes(words.front()));
+}
+
 // Which words are the verb, which its operands.
 void placeWords(const std::vector<std::string>& words, Options& options) {
     const FoundVerb found = findVerb(words);
     if (found.verb == nullptr) {
-        usageError(words.empty() ? std::string("there is no verb")
-                                 : "no verb is named " + inQuotes(words.front()));
+        refuseWords(words);
     }
     const Verb& verb = *found.verb;
     const std::string name(verb.name);
@@ -88,7 +111,8 @@ void placeWords(const std::vector<std::string>& words, Options& options) {
         usageError(name + ": " + operandName(verb, rest.size()) + " is missing");
     }
     if (rest.size() > verb.most) {
-        usageError(name + ": " + inQuotes(rest[verb.most]) + " is one word too many");
+        usageError(name + ": " + inQuotes(rest[verb.most]) + " is one word too many" +
+                   suggestion(name + " " + rest[0], verbNames(name + " ")));
     }
     options.verb = &verb;
     options.operands = std::move(rest);
@@ -96,14 +120,43 @@ void placeWords(const std::vector<std::string>& words, Options& options) {
 
 void checkOwners(const CLI::App& app, const Options& options) {
     for (const Owner& owner : optionOwners()) {
-        if (owner.refused && app.count(owner.option) != 0 && !owns(*options.verb, owner)) {
+        if (app.count(owner.option) != 0 && !owns(*options.verb, owner)) {
             usageError(std::string(owner.option) + " belongs to " + std::string(owner.verbs) +
                        ", not to " + std::string(options.verb->name));
         }
     }
 }
 
+// What looks like an option and is none.
+void refuseUnknown(const CLI::App& app) {
+    if (app.remaining().empty()) {
+        return;
+    }
+    const std::string given = app.remaining()[0].substr(0, app.remaining()[0].find('='));
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app.get_options()) {
+        for (const std::string& name : option->get_lnames()) {
+            names.push_back("--" + name);
+        }
+    }
+    usageError("no option is named " + inQuotes(given) + suggestion(given, names));
+}
+
+// The page of the verb that the words name, and of all verbs when there are none.
+std::string helpOn(CLI::App& app, const std::vector<std::string>& words) {
+    const FoundVerb found = findVerb(words);
+    if (found.count != words.size()) {
+        std::string name;
+        for (const std::string& word : words) {
+            name += (name.empty() ? "" : " ") + word;
+        }
+        usageError("no verb is named " + inQuotes(name) + suggestion(name, verbNames()));
+    }
+    return helpText(app, found.verb);
+}
+
 void declare(CLI::App& app, Options& o, Raw& raw) {
+    app.allow_extras();  // refuseUnknown() names them better
     app.add_option("words", raw.words)->group("");
     const std::string ofTables = "Options of tables";
     app.add_flag("--names", o.names, "bare names, one a line")->group(ofTables);
@@ -149,13 +202,16 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
         ->type_name("TEXT")
         ->group(rows);
     app.add_option("--ordinals", raw.ordinals,
-                   "levels of ordinal columns, 0 for none (default: all)")
+                   "keep the N deepest ordinal columns of each table (default: all); "
+                   "0: none, 1: orders_items has ordinal_items alone")
         ->type_name("N")
         ->group(rows);
     app.add_option("--alldata-name", o.alldataName, "name of the table ALLDATA")
         ->type_name("NAME")
         ->group(rows);
-    app.add_flag("--retain", o.retain, "columns keep their value from row to row")->group(rows);
+    app.add_flag("--retain", o.retain,
+                 "columns keep their value from row to row (check takes it with --account)")
+        ->group(rows);
 
     const std::string reading = "Reading the document";
     app.add_flag("--lines", o.lines,
@@ -258,6 +314,9 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     if (o.verb->name == "check" && !o.account && !o.map.empty()) {
         usageError("check: --map needs --account; map check says whether a map fits a document");
     }
+    if (o.verb->name == "check" && !o.account && o.retain) {
+        usageError("check: --retain needs --account");
+    }
     if (o.verb->name == "convert" && o.out.empty()) {
         usageError("convert: -o DIR is missing");
     }
@@ -280,6 +339,11 @@ Options readOptions(int argc, char** argv) {
         return {};
     } catch (const CLI::ParseError& error) {
         usageError(error.what());
+    }
+    refuseUnknown(app);
+    if (!raw.words.empty() && raw.words[0] == "help") {
+        print(helpOn(app, {raw.words.begin() + 1, raw.words.end()}));
+        return {};
     }
     placeWords(raw.words, options);
     checkOwners(app, options);

@@ -10,17 +10,16 @@ namespace {
 constexpr Verb kVerbs[] = {
     {"tables", "FILE", "list the tables: name, number of columns, path", 1, 1, runTables},
     {"map", "FILE [-o OUT]", "print the map of tables and columns as JSON", 1, 1, runMap},
-    {"map check", "MAP [FILE]", "is the map well formed? does it fit the document?", 1, 2,
-     runMapCheck},
+    {"map check", "MAP [FILE]", "is a map well formed? does it fit FILE?", 1, 2, runMapCheck},
     {"map diff", "A B", "what one map has and another has not", 2, 2, runMapDiff},
-    {"map merge", "A B... [-o OUT]", "one map that holds all tables and columns of several", 2,
-     SIZE_MAX, runMapMerge},
-    {"map explain", "FILE TABLE.COLUMN", "why a column is what it is, and where that was seen", 2,
-     2, runMapExplain},
+    {"map merge", "A B... [-o OUT]", "one map of all tables and columns of several", 2, SIZE_MAX,
+     runMapMerge},
+    {"map explain", "FILE TABLE.COLUMN", "why a column is what it is, with places", 2, 2,
+     runMapExplain},
     {"read", "FILE TABLE", "print the rows of one table (or of ALLDATA)", 2, 2, runRead},
     {"convert", "FILE -o DIR", "write every table to a file of its own", 1, 1, runConvert},
     {"records", "FILE", "print every record: kind, path, value", 1, 1, runRecords},
-    {"check", "FILE", "is it well formed? with --account: where do its values go?", 1, 1, runCheck},
+    {"check", "FILE", "is it well formed? --account: where values go", 1, 1, runCheck},
 };
 
 const Verb* verbNamed(std::string_view name) {
