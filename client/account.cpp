@@ -40,11 +40,11 @@ class ByPath {
         }
     }
 
-    // Of all paths.
-    [[nodiscard]] uint64_t cells() const {
+    // Values of all paths that are in no cell.
+    [[nodiscard]] uint64_t missing() const {
         uint64_t sum = 0;
         for (const auto& [path, account] : best_) {
-            sum += account.cells;
+            sum += account.values - account.cells;
         }
         return sum;
     }
@@ -198,7 +198,7 @@ uint64_t lostOf(const Document& document, const TablePass& pass,
             }
         }
     }
-    return document.totals().values - (oneColumnAPath ? shown : byPath.cells());
+    return oneColumnAPath ? document.totals().values - shown : byPath.missing();
 }
 
 }  // namespace qvej

@@ -51,7 +51,8 @@ struct PathAccount {
 // TablePass and PassRow.
 [[nodiscard]] std::vector<PathAccount> accountOf(const Document& document, bool retain);
 
-// Values that a pass which has ended did not bring into a row, rejected ones apart.
+// Values that a pass which has ended did not bring into a row, rejected ones apart.  With a user's
+// map also those apart that it has no column for: whoever wrote it left them out.
 //   tables  those of the pass, all of the map
 [[nodiscard]] uint64_t lostOf(const Document& document, const TablePass& pass,
                               const std::vector<const Table*>& tables);

@@ -47,6 +47,16 @@ $ qvejmap check n.json --map m.json --account
   /root/b\t2\tno column\tn.json:1:13
   5 values = 1 in cells + 0 overwritten + 2 no column + 0 no row + 2 rejected
 ? 1
+# What a map leaves out is meant, and not told but there; what its columns do not show is.
+$ echo '[{"a":1,"b":2},{"a":2,"a":3,"b":4}]' > o.json; qvejmap convert o.json --map m.json -o out5 -q
+! qvejmap: o.json: 1 value is in no cell (qvejmap check --account tells which)
+$ echo '[{"b":2}]' > p.json; qvejmap convert p.json --map m.json -o out6 -q; qvejmap convert p.json --map m.json -o out7 -q --account
+  path\tvalues\tlost\tfirst
+  /root/b\t1\tno column\tp.json:1:7
+  1 value = 0 in cells + 0 overwritten + 1 no column + 0 no row + 0 rejected
+! qvejmap: p.json: table t has no rows
+! qvejmap: p.json: table t has no rows
+? 1
 $ qvejmap check n.json --map m.json
 ! qvejmap: check: --map needs --account; map check says whether a map fits a document (qvejmap --help tells more)
 ? 2

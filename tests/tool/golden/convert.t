@@ -117,7 +117,6 @@ $ names='o2 O2 o2 _ .. .h é / a~2 x&y a.b-c_d'
   o2.csv
   o2~3.csv
   x%26y.csv
-! qvejmap: orders.json: 20 values are in no cell (qvejmap check --account tells which)
 
 # What is in the way and is no file stays, even with --force.
 $ mkdir -p way/orders_tags.csv; qvejmap convert orders.json -o way --force
@@ -129,9 +128,6 @@ $ ls -A way
 # What the tables do not show is told.
 $ printf '[12345678901234567890,{"k":9007199254740993,"m":-9007199254740993}]' | qvejmap convert - -o loss
 ! qvejmap: 1 table, 1 row in loss
-! qvejmap: <stdin>:1:2: root.element1 has 1 number that a double does not keep, here
-! qvejmap: <stdin>:1:28: root.k has 1 number that a double does not keep, here
-! qvejmap: <stdin>:1:49: root.m has 1 number that a double does not keep, here
 $ cat loss/root.csv
   ordinal_root,element1,k,m\r
   1,12345678901234567890,9007199254740993,-9007199254740993\r

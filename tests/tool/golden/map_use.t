@@ -83,7 +83,6 @@ $ qvejmap read cut.json c --map cut.map --rejects cuts.csv; echo $?; cat cuts.cs
 ! qvejmap: c.b: 2 values cut to 5 bytes, the first in row 1: "straße"
 ! qvejmap: c.a: 2 values cut to 2 bytes, the first in row 1: "12345"
 $ qvejmap convert cut.json --map cut.map -o cut --threads 1 -q > /dev/null
-! qvejmap: cut.json: 1 value is in no cell (qvejmap check --account tells which)
 ! qvejmap: c.b: 2 values cut to 5 bytes, the first in row 1: "straße"
 ! qvejmap: c.a: 2 values cut to 2 bytes, the first in row 1: "12345"
 ? 1

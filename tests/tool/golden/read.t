@@ -153,23 +153,31 @@ $ printf '{"r":[0,-0,-0.0,1.0,1e2,0.1,1e-7,9007199254740992,1e30,-1.5e300,5e-324
 $ qvejmap read numbers.json r --ordinals 0
   r1,r2,r3,r4,r5,r6,r7,r8,r9,r10,r11,r12,r13,r14,r15,r16\r
   0,-0,-0.0,1.0,1e2,0.1,1e-7,9007199254740992,1e30,-1.5e300,5e-324,1e400,-1e400,1.10,1E+05,12345678901234567890\r
-! qvejmap: numbers.json:1:72: r.r12 has 1 number that a double does not keep, here
-! qvejmap: numbers.json:1:78: r.r13 has 1 number that a double does not keep, here
-! qvejmap: numbers.json:1:96: r.r16 has 1 number that a double does not keep, here
 $ qvejmap read numbers.json r --ordinals 0 --format ndjson
   {"r1":0,"r2":-0,"r3":-0.0,"r4":1.0,"r5":1e2,"r6":0.1,"r7":1e-7,"r8":9007199254740992,"r9":1e30,"r10":-1.5e300,"r11":5e-324,"r12":1e400,"r13":-1e400,"r14":1.10,"r15":1E+05,"r16":12345678901234567890}
-! qvejmap: numbers.json:1:72: r.r12 has 1 number that a double does not keep, here
-! qvejmap: numbers.json:1:78: r.r13 has 1 number that a double does not keep, here
-! qvejmap: numbers.json:1:96: r.r16 has 1 number that a double does not keep, here
 
-# Integers past 2^53 are told, also when nothing else is.
-$ printf '[{"id":9007199254740993,"n":9007199254740992,"f":9007199254740993.0,"s":"9007199254740993"},{"id":1}]' |
->     qvejmap read - root -q
-  ordinal_root,id,n,f,s\r
-  1,9007199254740993,9007199254740992,9007199254740993.0,9007199254740993\r
-  2,1,,,\r
-! qvejmap: <stdin>:1:8: root.id has 1 number that a double does not keep, here
-! qvejmap: <stdin>:1:50: root.f has 1 number that a double does not keep, here
+# Digits that a row does not show are told: where a format or an informat makes the number.
+$ printf '[{"id":9007199254740993,"n":9007199254740992,"s":"9007199254740993"},{"id":1}]' > ids.json
+$ printf '{"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root","VARIABLES":[
+> {"NAME":"plain","TYPE":"NUMERIC","PATH":"/root/id"},{"NAME":"f","TYPE":"NUMERIC","PATH":"/root/id","FORMAT":["comma"]},
+> {"NAME":"i","TYPE":"NUMERIC","PATH":"/root/id","INFORMAT":["number"]},{"NAME":"c","TYPE":"CHARACTER","PATH":"/root/id","INFORMAT":["trim"]},
+> {"NAME":"n","TYPE":"NUMERIC","PATH":"/root/n","FORMAT":["comma"]}]}]}' > ids.map
+$ qvejmap read ids.json root; qvejmap read ids.json t --map ids.map; qvejmap tables ids.json --map ids.map
+  ordinal_root,id,n,s\r
+  1,9007199254740993,9007199254740992,9007199254740993\r
+  2,1,,\r
+  plain,f,i,c,n\r
+  9007199254740993,"9,007,199,254,740,992",9007199254740992,9007199254740993,"9,007,199,254,740,992"\r
+  1,1,1,1,\r
+  t\t5\t/root
+! qvejmap: ids.json:1:8: t.f has 1 number that a double does not keep, here
+! qvejmap: ids.json:1:8: t.i has 1 number that a double does not keep, here
+! qvejmap: ids.json:1:8: t.plain has 1 number that a double does not keep, here
+! qvejmap: ids.json:1:8: t.f has 1 number that a double does not keep, here
+! qvejmap: ids.json:1:8: t.i has 1 number that a double does not keep, here
+$ qvejmap convert ids.json --map ids.map -o ids -q
+! qvejmap: ids.json:1:8: t.f has 1 number that a double does not keep, here
+! qvejmap: ids.json:1:8: t.i has 1 number that a double does not keep, here
 
 # --retain keeps what a row does not set.
 $ printf '{"r":[{"a":1,"b":"x"},{"a":2}]}' | qvejmap read - r --retain
@@ -236,7 +244,6 @@ $ qvejmap convert just.json -o just --alldata --rejects just.csv -q; cut -d, -f 
   ALLDATA,5,Value,,
   s,1,s2,/root/s/s2,ordinal_root=1 ordinal_s=1
   s,1,s4,/root/s/s4,ordinal_root=1 ordinal_s=1
-! qvejmap: just.json:1:131094: root.n has 1 number that a double does not keep, here
 ! qvejmap: ALLDATA.Value: 2 values cut to 32767 bytes, the first in row 3: "ssssssssssssssssssssssssssssssssssssssss..."
 ! qvejmap: s.s2: 1 value cut to 32767 bytes, in row 1: "ssssssssssssssssssssssssssssssssssssssss..."
 ! qvejmap: s.s4: 1 value cut to 32767 bytes, in row 1: "ssssssssssssssssssssssssssssssssssssssss..."

@@ -40,6 +40,11 @@ bool hasOwnValues(const qvej::Table& table) {
                        [](const auto& column) { return column.type != qvej::ColumnType::ORDINAL; });
 }
 
+// Do rows show the column's numbers as doubles, and not by their own digits?
+bool goesThroughDouble(const qvej::Column& column) {
+    return !column.format.name.empty() || !column.informat.name.empty();
+}
+
 std::size_t editDistance(std::string_view a, std::string_view b) {
     std::vector<std::size_t> row(b.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t{0});
@@ -95,7 +100,8 @@ std::string spotText(const std::string& file, qvej::Spot spot) {
 }
 
 void tellInexact(const std::string& file, const qvej::Document& document,
-                 const std::vector<const qvej::Table*>& tables, bool all) {
+                 const std::vector<const qvej::Table*>& tables, Inexact which) {
+    const bool all = which == Inexact::ALL;
     std::unordered_map<std::string, qvej::PathStatistics> inexact;
     for (qvej::PathStatistics& path : document.pathStatistics()) {
         if (path.inexact != 0) {
@@ -107,6 +113,7 @@ void tellInexact(const std::string& file, const qvej::Document& document,
         for (const qvej::Column& column : table->columns) {
             const auto found = inexact.find(column.path);
             if (column.type != qvej::ColumnType::NUMERIC || found == inexact.end() ||
+                (which == Inexact::ROUNDED && !goesThroughDouble(column)) ||
                 (++told > kMostNames && !all)) {
                 continue;
             }
@@ -173,7 +180,7 @@ void tellLosses(const std::string& file, const qvej::Document& document,
                      : (one ? "; its" : "; their") + std::string(" values are only in ") +
                            document.alldata().name));
     }
-    tellInexact(file, document, tables);
+    tellInexact(file, document, tables, Inexact::ROUNDED);
 }
 
 MapOddities mapOddities(const std::vector<qvej::Table>& tables) {

@@ -23,11 +23,17 @@ std::string hiddenAlldata(const qvej::Document& document, const std::string& all
 // "FILE:3:14"; only FILE when the place is not known.
 std::string spotText(const std::string& file, qvej::Spot spot);
 
-// Tells on standard error the numeric columns of `tables` with numbers that a double does not keep:
-// a line each with their count and first place, of many columns the first few unless `all` are
-// asked for.
+// Which columns with numbers that a double does not keep are told.
+enum class Inexact {
+    FIRST,   // numeric ones, of many the first few
+    ALL,     // numeric ones
+    ROUNDED  // of many the first few whose rows have the double, since a format or informat makes
+             // them; the rows of others have the digits of the document
+};
+
+// Tells such columns of `tables` on standard error: a line each with their count and first place.
 void tellInexact(const std::string& file, const qvej::Document& document,
-                 const std::vector<const qvej::Table*>& tables, bool all = false);
+                 const std::vector<const qvej::Table*>& tables, Inexact which);
 
 // Columns of a table whose name an earlier one has, the first for each name.
 std::vector<const qvej::Column*> repeatedNames(const qvej::Table& table);
@@ -43,8 +49,9 @@ struct WrittenTable {
 };
 
 // Tells on standard error, a line each, what the rows of these tables of `file` do not show:
-// numbers that a double does not keep, tables that have values but no rows (scalars directly in the
-// outermost array), and labels of ALLDATA that are not the document's.
+// numbers that a double does not keep where a format or informat makes them, tables that have
+// values but no rows (scalars directly in the outermost array), and labels of ALLDATA that are not
+// the document's.
 void tellLosses(const std::string& file, const qvej::Document& document,
                 const std::vector<WrittenTable>& written);
 

@@ -74,7 +74,7 @@ ExitCode runTables(const Options& options) {
     for (const qvej::Table& table : document.tables()) {
         tables.push_back(&table);
     }
-    tellInexact(session.name(), document, tables, options.columns);
+    tellInexact(session.name(), document, tables, options.columns ? Inexact::ALL : Inexact::FIRST);
     return DONE;
 }
 
