@@ -14,7 +14,7 @@
  *     ReadInit                          one table
  *     Read ... Read                     QV_OK: a row is in obsbuf; QV_EOF: no more
  *     ReadReset                         from the first row again, any number of times
- *     ReadTerm
+ *     ReadTerm                          each open table, before Term: it still needs the document
  *     Term
  * After a failed JsonInput only Term is meaningful.  Every document is ended before its instance.
  * After a failed MapInput the parse is over: MapTerm, and MapInit again if there is another map.
@@ -46,7 +46,8 @@
  *   that came of it live until Term, a read context until ReadTerm, the map document until
  *   GetAutoMapBufFree (call it before Term and between two GetAutoMapBuf).  The caller's buffers are
  *   borrowed for the call and never written, except `debugString`, which is upper-cased in place.
- *   A call that fails may leave pools of the host alive; they are freed when the host stops.
+ *   A call that fails may leave pools of the host alive, and Term leaves tables, a parse of a map and a
+ *   map document that were not ended; they are freed when the host stops.
  *
  * THREADS
  *   The engine starts none and locks nothing.  One thread at a time uses a document, and no two Read
@@ -200,8 +201,12 @@ typedef struct UserJMAP_S {
     QVStatus (*JsonInput)(QVEJMAPJsonContexth inh, QVMemPtr inbuf, QVStrSize inlen, QVBoolean done,
                           QVBoolean* caching, QVJnlh jnl);
 
-    /* The automatic map as a JSON document. */
+    /* The automatic map as a JSON document; one without tables before the last buffer.  QV_NOMEM, or
+     * the status of the host's writer.  The writer then stays, and so does that of an earlier call, so
+     * GetAutoMapBufFree follows each call, a failed one too. */
     QVStatus (*GetAutoMapBuf)(QVEJMAPJsonContexth inh, char** buf, QVStrSize* bufLen, QVJnlh jnl);
+
+    /* The status of ending the writer; QV_OK when there is none. */
     QVStatus (*GetAutoMapBufFree)(QVEJMAPJsonContexth inh);
 
     /* Opens a table by its name in any case, or ALLDATA by its exact name.  `rip` may be null.
@@ -209,8 +214,16 @@ typedef struct UserJMAP_S {
     QVStatus (*ReadInit)(QVEJMAPJsonContexth inh, QVMemPtr inmap, char* dsname, QVStrSize dsnameLen,
                          QVEJMAPReadInitParms* rip, QVEJMAPReadContexth* inrctx);
 
-    /* The next row.  QV_EOF after the last, until ReadReset. */
+    /* The next row.
+     *   QV_OK     a row is in obsbuf
+     *   QV_EOF    there are no more, until ReadReset
+     *   QV_NOMEM  no memory, or a compressed block that does not inflate
+     *   other     of opening or reading the cache file, such as QV_IO_SHORT and QV_IO_CHANGED
+     * After the last two there is no row.  Stop then: the next call may go on after the block that
+     * could not be loaded, and miss the values in it. */
     QVStatus (*Read)(QVEJMAPReadContexth rctx);
+
+    /* From the first row again, and the end of the read context.  Both always QV_OK. */
     QVStatus (*ReadReset)(QVEJMAPReadContexth inrctx);
     QVStatus (*ReadTerm)(QVEJMAPReadContexth rctx);
 
@@ -253,13 +266,16 @@ typedef struct UserJMAP_S {
      * and the list holds what has been made. */
     QVStatus (*GetUserMap)(QVEJMAPJsonContexth inh, QVMemPtr* m, QVPoolh pool, INFORMATINFO** ii);
 
-    /* Levels of nesting, longest value, then the longest member name of each level. */
+    /* `*i`: the number n of levels, the length of the longest value, then n lengths, the longest
+     * member name of each level from the outermost; all in bytes, until Term.  Each call makes a new
+     * list.  QV_NOMEM, with a null `*i`. */
     QVStatus (*GetAlldataInfo)(QVEJMAPJsonContexth inh, int32_t** i);
 
-    /* 0: a table has exactly this name; 1: none has. */
+    /* 0: a table of the map has exactly this name, or it is `alldataName` of JsonInit, which every map
+     * has.  1: none has; this 1 is the answer no, not one of the codes in qvstatus.h. */
     QVStatus (*MemberExist)(QVEJMAPJsonContexth inh, QVMemPtr m, int16_t nameLen, char* name);
 
-    /* Ends the document. */
+    /* Ends the document, and gives the status of ending its pool. */
     QVStatus (*Term)(QVEJMAPJsonContexth inh, QVJnlh jnl);
 } UserJMAP_S;
 

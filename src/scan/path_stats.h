@@ -30,11 +30,11 @@ namespace jmap {
 [[nodiscard]] QVStatus insertPathInfo(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path,
                                       VALTYPE type, std::string_view value);
 
-// From now on paths are looked up by text when their nodes do not know them.
-void lookUpByText(JMAP_PRIVATE* p);
-
 // The same for a path whose entry is known.
 void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, std::string_view value);
+
+// From now on paths are looked up by text when their nodes do not know them.
+void lookUpByText(JMAP_PRIVATE* p);
 
 // Notes every path with its count.  Always 0.
 [[nodiscard]] QVStatus dumpPathInfo(JMAP_PRIVATE* p);
