@@ -1,6 +1,6 @@
 // File names for tables.
 //
-// Tested by tests/tool/text_test.cpp
+// Tested by tests/tool/golden/convert.t
 #pragma once
 
 #include <string>

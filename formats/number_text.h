@@ -1,6 +1,6 @@
 // Numbers as text.
 //
-// Tested by tests/tool/text_test.cpp
+// Tested by tests/tool/golden/cells.t
 #pragma once
 
 #include "formats/short_text.h"

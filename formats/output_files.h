@@ -8,7 +8,8 @@
 // A directory that had to be made is filled beside its place: the files have their names there, and
 // one renaming of the directory puts all of them in place.
 //
-// Tested by tests/tool/output_files_test.cpp, golden/interrupt.t and golden/convert.t
+// Tested by tests/tool/output_files_test.cpp, tests/tool/golden/interrupt.t and
+// tests/tool/golden/convert.t
 #pragma once
 
 #include "formats/cleanup.h"

@@ -1,6 +1,6 @@
 // Linked lists of records: a head and a tail, and a `next` in every node.
 //
-// Tested by tests/core/helpers_test.cpp
+// Tested by tests/automap/lengths_test.cpp
 #pragma once
 
 namespace jmap {

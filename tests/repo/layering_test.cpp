@@ -1,4 +1,5 @@
 // Who may include whom.  To change the architecture, change the table here.
+#include "repo/includes.h"
 #include "testkit/testkit.h"
 
 #include <algorithm>
@@ -44,32 +45,16 @@ std::string allowedIn(const std::string& name) {
     return layer == std::end(kLayers) ? "nothing" : layer->allowed;
 }
 
-// Where an include leads: a path relative to the root, or the include itself.
-std::string target(const fs::path& root, const fs::path& file, const std::string& include) {
-    for (const fs::path& base : {file.parent_path(), root / "src", root / "include", root}) {
-        if (include.front() != '<' && fs::exists(base / include)) {
-            return fs::relative(base / include, root).generic_string();
-        }
-    }
-    return include;
-}
-
 // One line for each include that breaks a rule, sorted.
 std::vector<std::string> violations(const fs::path& root) {
-    static const std::regex kInclude(R"re(^\s*#\s*include\s*(?:"([^"]+)"|(<[^>]+>)))re");
     std::vector<std::string> found;
     for (const char* top : {"include", "src", "client", "formats", "tools"}) {
         for (const auto& entry : fs::recursive_directory_iterator(root / top)) {
             const std::string name = fs::relative(entry, root).generic_string();
             const std::regex allowed(allowedIn(name));
-            std::ifstream lines(entry.path());
-            std::smatch match;
-            for (std::string line; std::getline(lines, line);) {
-                if (std::regex_search(line, match, kInclude)) {
-                    const std::string include = match[1].str() + match[2].str();
-                    if (!std::regex_match(target(root, entry, include), allowed)) {
-                        found.push_back(name + " includes " + include);
-                    }
+            for (const std::string& include : includesOf(entry.path())) {
+                if (!std::regex_match(target(root, entry, include), allowed)) {
+                    found.push_back(name + " includes " + include);
                 }
             }
         }

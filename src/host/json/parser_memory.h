@@ -2,7 +2,7 @@
 //
 // Both throw std::bad_alloc and are then as they were before.
 //
-// Tested by tests/json/parser_test.cpp and module_test.cpp
+// Tested by tests/json/parser_test.cpp and tests/json/module_test.cpp
 #pragma once
 
 #include "qvehost.h"

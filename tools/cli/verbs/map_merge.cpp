@@ -3,7 +3,7 @@
 // What the first map says stands.  Everything else is settled by rules that do not look at the
 // order of the other maps; only the order of columns follows it.
 //
-// Tested by tests/tool/golden/map_merge.t and map_merge_parts.t
+// Tested by tests/tool/golden/map_merge.t and tests/tool/golden/map_merge_parts.t
 #include "client/escape.h"
 #include "client/text.h"
 #include "formats/writer.h"
