@@ -9,8 +9,8 @@
 // Tested by tests/client/account_test.cpp
 #pragma once
 
-#include "client/document.h"
-#include "client/table_pass.h"
+#include "document.h"
+#include "table_pass.h"
 
 #include <array>
 #include <cstdint>

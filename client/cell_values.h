@@ -4,9 +4,9 @@
 // Tested by tests/client/client_test.cpp
 #pragma once
 
-#include "client/handle.h"
-#include "client/row.h"
-#include "client/text.h"
+#include "handle.h"
+#include "row.h"
+#include "text.h"
 
 #include <cstdint>
 #include <memory>

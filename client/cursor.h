@@ -5,9 +5,9 @@
 
 #include "qvejmapx.h"
 
-#include "client/cell_values.h"
-#include "client/document.h"
-#include "client/row.h"
+#include "cell_values.h"
+#include "document.h"
+#include "row.h"
 
 #include <cstdint>
 #include <cstring>

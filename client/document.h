@@ -7,8 +7,8 @@
 
 #include "qvejmapx.h"
 
-#include "client/engine.h"
-#include "client/text.h"
+#include "engine.h"
+#include "text.h"
 
 #include <cstdint>
 #include <functional>

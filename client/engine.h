@@ -18,7 +18,7 @@
 
 #include "qvejmapx.h"
 
-#include "client/handle.h"
+#include "handle.h"
 
 #include <cstdint>
 #include <functional>

@@ -4,7 +4,7 @@
 // Tested by tests/tool/golden/map_check.t and tests/tool/golden/map_merge.t
 #pragma once
 
-#include "client/document.h"
+#include "document.h"
 
 #include <cstdint>
 #include <optional>

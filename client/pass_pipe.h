@@ -3,7 +3,7 @@
 // Tested by tests/tool/golden/convert.t
 #pragma once
 
-#include "client/table_pass.h"
+#include "table_pass.h"
 
 #include <functional>
 #include <span>

@@ -1,7 +1,7 @@
 // One row of a table, as those see it who write rows down.
 #pragma once
 
-#include "client/document.h"
+#include "document.h"
 
 #include <cstdint>
 #include <functional>

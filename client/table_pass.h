@@ -18,9 +18,9 @@
 // Tested by tests/client/table_pass_test.cpp
 #pragma once
 
-#include "client/cell_values.h"
-#include "client/document.h"
-#include "client/row.h"
+#include "cell_values.h"
+#include "document.h"
+#include "row.h"
 
 #include <cstdint>
 #include <span>

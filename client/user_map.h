@@ -3,7 +3,7 @@
 // Tested by tests/tool/golden/map_check.t
 #pragma once
 
-#include "client/document.h"
+#include "document.h"
 
 namespace qvej {
 

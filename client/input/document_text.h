@@ -3,8 +3,8 @@
 // Tested by tests/tool/golden/encodings.t and tests/tool/golden/input.t
 #pragma once
 
-#include "client/input/recoder.h"
-#include "client/input/unpacker.h"
+#include "recoder.h"
+#include "unpacker.h"
 
 #include <cstdint>
 #include <optional>

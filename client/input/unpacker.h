@@ -6,7 +6,7 @@
 // Tested by tests/tool/golden/input.t
 #pragma once
 
-#include "client/input/raw_file.h"
+#include "raw_file.h"
 
 #include <cstddef>
 #include <memory>
