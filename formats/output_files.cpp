@@ -3,10 +3,10 @@
 
 #include "client/error.h"
 #include "formats/cleanup.h"
+#include "formats/renaming.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
 #include <random>
@@ -19,7 +19,7 @@ namespace qvej {
 namespace {
 
 constexpr std::size_t kMostOpen = 200;  // files open at a time
-constexpr int kNotMade = -2;            // in place of a descriptor, as is
+constexpr int kNotMade = -2;            // in place of a descriptor: no temporary file of ours
 constexpr int kClosed = -1;
 
 class FileTarget final : public Target {
@@ -96,34 +96,6 @@ std::string randomHex() {
         }
     }
     return text;
-}
-
-// Renames with a flag of renameat2.  False with errno, ENOSYS when the file system knows no flags.
-bool renameWith(unsigned flag, const std::string& from, const std::string& to) {
-    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), flag) == 0) {
-        return true;
-    }
-    errno = errno == EINVAL ? ENOSYS : errno;
-    return false;
-}
-
-// Gives `from` the name `to`, which nothing may have.  False with errno.
-bool renameToNew(const std::string& from, const std::string& to) {
-    if (renameWith(RENAME_NOREPLACE, from, to)) {
-        return true;
-    }
-    // A link never replaces either.
-    return errno == ENOSYS && ::link(from.c_str(), to.c_str()) == 0 && ::unlink(from.c_str()) == 0;
-}
-
-// Exchanges the names of two files.  False with errno.
-bool exchangeNames(const std::string& a, const std::string& b) {
-    if (renameWith(RENAME_EXCHANGE, a, b)) {
-        return true;
-    }
-    const std::string aside = a + "-aside";
-    return errno == ENOSYS && ::rename(b.c_str(), aside.c_str()) == 0 &&
-           ::rename(a.c_str(), b.c_str()) == 0 && ::rename(aside.c_str(), a.c_str()) == 0;
 }
 
 // Is there a regular file?  False when there is nothing; throws for all else.
@@ -283,7 +255,7 @@ void OutputFiles::closeAll() {
     }
 }
 
-void OutputFiles::commit(OutputFiles* with) {
+std::vector<std::string> OutputFiles::commit(OutputFiles* with) {
     closeAll();
     if (with != nullptr) {
         with->closeAll();
@@ -295,17 +267,18 @@ void OutputFiles::commit(OutputFiles* with) {
             with->putAllInPlace();
         }
         putAllInPlace();
-    } catch (const qvej::Error&) {
-        if (with != nullptr) {
-            with->takeBack();
-        }
+    } catch (const qvej::Error& failure) {
+        std::string sentence = failure.what() + takeBack();
+        sentence += with == nullptr ? std::string() : with->takeBack();
         cleanup_.setState(cleanup::Output::UNTOUCHED);
-        throw;
+        throw qvej::Error(failure.status(), sentence, failure.file());
     }
-    finish();
+    std::vector<std::string> remarks;
+    finish(remarks);
     if (with != nullptr) {
-        with->finish();
+        with->finish(remarks);
     }
+    return remarks;
 }
 
 void OutputFiles::putAllInPlace() {
@@ -313,30 +286,37 @@ void OutputFiles::putAllInPlace() {
     if (staged_ && ::rename(prefix_.c_str(), directory_.c_str()) == 0) {
         return;
     }
-    try {
-        while (inPlace_.size() < names_.size()) {
-            inPlace_.push_back(putInPlace(inPlace_.size()));
-        }
-    } catch (const qvej::Error&) {
-        takeBack();
-        throw;
+    while (inPlace_.size() < names_.size()) {
+        inPlace_.push_back(putInPlace(inPlace_.size()));
     }
 }
 
-// The final names are what they were.
-void OutputFiles::takeBack() {
+// The final names are what they were.  Returns what else there is to say of a failure: a file that
+// was there and cannot be put back keeps its temporary name.
+std::string OutputFiles::takeBack() {
+    std::string remains;
     for (std::size_t i = 0; i < inPlace_.size(); ++i) {
-        (void)(inPlace_[i] ? ::rename(temporaryPath(i).c_str(), finalPath(i).c_str())
-                           : ::unlink(finalPath(i).c_str()));
+        const std::string path = finalPath(i);
+        if (!inPlace_[i]) {
+            if (fileCalls.unlink(path.c_str()) != 0) {
+                remains += "; " + path + " is new";
+            }
+        } else if (fileCalls.rename(temporaryPath(i).c_str(), path.c_str(), 0) != 0) {
+            remains += "; what was " + path + " is now " + temporaryPath(i);
+            descriptors_[i] = kNotMade;
+            cleanup_.setCount(0);
+        }
     }
     inPlace_.clear();
+    return remains;
 }
 
 // Nothing can be taken back: what was replaced goes.
-void OutputFiles::finish() {
+void OutputFiles::finish(std::vector<std::string>& remarks) {
     for (std::size_t i = 0; i < inPlace_.size(); ++i) {
-        if (inPlace_[i]) {
-            (void)::unlink(temporaryPath(i).c_str());
+        if (inPlace_[i] && fileCalls.unlink(temporaryPath(i).c_str()) != 0) {
+            remarks.push_back("what was " + finalPath(i) + " is now " + temporaryPath(i) + ": " +
+                              qvej::fileError(QV_IO_WRITE, {}).what());
         }
     }
     if (staged_) {
@@ -350,10 +330,7 @@ void OutputFiles::finish() {
 // stands for.
 bool OutputFiles::putInPlace(std::size_t i) {
     const bool replace = force_ && fileExists(finalPath(i));
-    if (!(replace ? exchangeNames(temporaryPath(i), finalPath(i))
-                  : renameToNew(temporaryPath(i), finalPath(i)))) {
-        throw qvej::fileError(QV_IO_WRITE, finalPath(i));
-    }
+    (replace ? exchangeNames : renameToNew)(temporaryPath(i), finalPath(i));
     return replace;
 }
 

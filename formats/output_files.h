@@ -52,9 +52,10 @@ class OutputFiles {
     // Appends to a file.  Throws qvej::Error.
     void write(std::size_t i, const char* text, std::size_t size);
 
-    // Gives all files their names, and those of `with` theirs.  Throws qvej::Error; nothing has
-    // changed then.
-    void commit(OutputFiles* with = nullptr);
+    // Gives all files their names, and those of `with` theirs.  Returns sentences about what is not
+    // as it should be beside them.  Throws qvej::Error; nothing has changed then, or the sentence
+    // says what has.
+    [[nodiscard]] std::vector<std::string> commit(OutputFiles* with = nullptr);
 
    private:
     void refuseExisting(const Sources& sources) const;
@@ -65,8 +66,8 @@ class OutputFiles {
     void closeAll();
     void putAllInPlace();
     bool putInPlace(std::size_t i);
-    void takeBack();
-    void finish();
+    std::string takeBack();
+    void finish(std::vector<std::string>& remarks);
     void removeTemporary();
     [[nodiscard]] std::string temporaryPath(std::size_t i) const {
         return prefix_ + (staged_ ? names_[i] : std::to_string(i));

@@ -4,6 +4,7 @@
 #include "client/escape.h"
 #include "formats/output_files.h"
 #include "formats/writer.h"
+#include "tools/cli/reports/tell.h"
 
 namespace qvej::cli {
 
@@ -16,7 +17,7 @@ void writeFile(const std::string& path, const std::string& map, bool force,
     out.append(map);
     out.put('\n');
     out.flush();
-    files.commit();
+    tellEach(files.commit());
 }
 
 bool toFile(const Options& options) {

@@ -92,9 +92,9 @@ void Rejects::commit(OutputFiles* tables) {
         file_->writer.flush();
     }
     if (tables != nullptr) {
-        tables->commit(list);
+        tellEach(tables->commit(list));
     } else if (list != nullptr) {
-        list->commit();
+        tellEach(list->commit());
     }
 }
 

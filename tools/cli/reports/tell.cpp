@@ -4,7 +4,6 @@
 #include "client/escape.h"
 #include "formats/writer.h"
 
-#include <string>
 #include <unistd.h>
 
 namespace qvej::cli {
@@ -13,6 +12,12 @@ void tell(std::string_view line, std::string_view excerpt) {
     std::string text = "qvejmap: " + qvej::shown(line) + "\n";
     text += excerpt;
     (void)writeAll(STDERR_FILENO, text.data(), text.size());  // there is nowhere else to complain
+}
+
+void tellEach(const std::vector<std::string>& lines) {
+    for (const std::string& line : lines) {
+        tell(line);
+    }
 }
 
 void tellPlain(std::string_view line) {
