@@ -6,6 +6,7 @@
 #define ZLIB_CONST  // what is read is const
 #include <zlib.h>
 #include <zstd.h>
+#include <zstd_errors.h>
 
 #include <new>
 #include <stdexcept>
@@ -74,6 +75,11 @@ class Zstandard : public Decompressor {
         ZSTD_inBuffer from = {in.data(), in.size(), 0};
         ZSTD_outBuffer to = {out, room, 0};
         const std::size_t left = ::ZSTD_decompressStream(context_, &to, &from);
+        if (::ZSTD_getErrorCode(left) == ZSTD_error_frameParameter_windowTooLarge) {
+            throw qvej::Error(QV_NOMEM,
+                              "the Zstandard data need a window of more than 128 MiB "
+                              "(zstd -dc --long=31 FILE | qvejmap VERB - reads them)");
+        }
         if (::ZSTD_isError(left) != 0) {
             throw std::runtime_error(::ZSTD_getErrorName(left));
         }
@@ -126,6 +132,8 @@ std::string_view Unpacker::next() {
         std::size_t more = 0;
         try {
             more = format_->decompress(packed_, buffer_.data() + size, buffer_.size() - size);
+        } catch (const qvej::Error& error) {
+            throw qvej::Error(error.status(), error.what(), name());
         } catch (const std::runtime_error& error) {
             fail("are damaged: " + std::string(error.what()));
         }

@@ -163,6 +163,11 @@ $ qvejmap convert none.json -o new --rejects names.json; qvejmap read none.json 
 ! qvejmap: no: No such file or directory
 ! ls: cannot access 'new': No such file or directory
 ? 2
+$ qvejmap convert none.json -o -; echo $?; ls -d ./-
+  2
+! qvejmap: -o -: convert writes files into a directory (./- for one of that name); qvejmap read prints a table
+! ls: cannot access './-': No such file or directory
+? 2
 # The list may be in a folder that is made.
 $ qvejmap convert orders.json -o ./p/q/ --rejects p/./list.csv -q; ls -A p
   list.csv

@@ -172,3 +172,8 @@ $ printf '1\n\357\273\277{"a":2}\n' | qvejmap check - --lines
 !     ﻿{"a":2}
 !     ^
 ? 3
+
+# A window that the library does not unpack by itself (zstd --long=31) is no damage.
+$ printf '\050\265\057\375\000\250\001\000\000' | qvejmap check -
+! qvejmap: <stdin>: the Zstandard data need a window of more than 128 MiB (zstd -dc --long=31 FILE | qvejmap VERB - reads them)
+? 6

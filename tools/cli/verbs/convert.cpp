@@ -93,6 +93,11 @@ ExitCode convert(const Options& options, const Session& session) {
 
 // What need not wait for the document.
 void checkOutput(const Options& options) {
+    if (options.out == "-") {
+        throw Failure(WRONG_USAGE,
+                      "-o -: convert writes files into a directory (./- for one of that name); "
+                      "qvejmap read prints a table");
+    }
     OutputFiles::checkDirectory(options.out);
     if (!options.rejects.empty()) {
         OutputFiles::checkFile(options.rejects, options.force,
