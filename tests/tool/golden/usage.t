@@ -68,8 +68,8 @@ $ qvejmap --help
     --keep-free SIZE        memory to leave free; below it records go to a file
                             (default: half of --memory, else an eighth of what is
                             free)
-    --cache FILE            the file for such records; it stays (default: a
-                            private one in $TMPDIR or /tmp, removed)
+    --cache FILE            a new or empty file for such records; it stays
+                            (default: a private one in $TMPDIR or /tmp, removed)
   
   General:
     --debug KEYWORDS        notes of the engine: MAP, READ, COMPRESSION, ALL,
