@@ -1,5 +1,5 @@
 # needs github_events.json events_map.json
-# The edit that the README shows.
+# The map that the README shows, on a real document.
 $ qvejmap read github_events.json events --map events_map.json --limit 3
   event,at,kind,who,commits,repo_id\r
   1,10 Jan 2013 07:58,PushEvent,jathanism,1,"6,357,414"\r

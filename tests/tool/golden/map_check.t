@@ -118,7 +118,7 @@ $ qvejmap tables orders.json --map odd.json; qvejmap read orders.json t --map od
   t\t0\t/root/orders
   t\t4\t/none
   a name of more than thirty-two b\t0\t/root
-! qvejmap: odd.json: tables without columns, which have no rows: t, a name of more than thirty-two b
+! qvejmap: odd.json: tables without columns, whose rows are empty: t, a name of more than thirty-two b
 ! qvejmap: odd.json: NORETAIN does not change ordinal columns: t.o
 ! qvejmap: odd.json: ordinal columns count, INFORMAT does not change them: t.o
 ! qvejmap: odd.json: values are cut in: t.name� (3 of 8 bytes)

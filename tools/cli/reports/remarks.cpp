@@ -209,7 +209,7 @@ MapOddities mapOddities(const std::vector<qvej::Table>& tables) {
 void tellMapOddities(const std::string& map, const std::vector<qvej::Table>& tables) {
     const MapOddities odd = mapOddities(tables);
     if (!odd.empty.empty()) {
-        tell(map + ": tables without columns, which have no rows: " + joined(odd.empty));
+        tell(map + ": tables without columns, whose rows are empty: " + joined(odd.empty));
     }
     if (!odd.noretain.empty()) {
         tell(map + ": NORETAIN does not change ordinal columns: " + joined(odd.noretain));
