@@ -123,6 +123,13 @@ $ qvejmap tables orders.json --map odd.json; qvejmap read orders.json t --map od
 ! qvejmap: odd.json: ordinal columns count, INFORMAT does not change them: t.o
 ! qvejmap: odd.json: values are cut in: t.name� (3 of 8 bytes)
 ! qvejmap: more than one table is named t: read opens the first
+# Without columns a row is empty; there is one where an object of another path follows.
+$ echo '{"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root/a"}]}' > bare.map
+$ echo '[{"a":{"b":1}},{"a":{}},{"a":{"b":2}}]' | qvejmap read - t --map bare.map --format ndjson
+  {}
+  {}
+! qvejmap: bare.map: tables without columns, whose rows are empty: t
+$ echo '[{"a":{"b":1}},{"a":{}}]' | qvejmap read - t --map bare.map -q
 
 # Names of a document that its own map cannot say.
 $ printf '{"a/b":{"c":1},"x":{"y\\u0002z":2}}' > names.json; qvejmap map names.json -o names.map; qvejmap map check names.map names.json
