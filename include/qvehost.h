@@ -268,11 +268,13 @@ struct JSNParser {
     int64_t (*line)(JSNParserh parser);   /* from 1 */
     int64_t (*column)(JSNParserh parser); /* from 1, in bytes: of the next unread byte, or of the
                                              offending one */
-    /* Within a callback: where the token begins that it is called for, in the line that `line`
-     * tells (a token has no line end).  May be null. */
+    /* Within a callback, and after one that failed: where the token begins that it is called for,
+     * in the line that `line` tells (a token has no line end).  May be null. */
     int64_t (*eventColumn)(JSNParserh parser);
     /* Before the first buffer.  The rules are copied.  May be null. */
     void (*setRules)(JSNParserh parser, const JSNTextRules* rules);
+    int64_t (*offset)(JSNParserh parser);      /* bytes before what `column` tells; may be null */
+    int64_t (*eventOffset)(JSNParserh parser); /* the same of `eventColumn`; may be null */
 };
 
 #define JSN_OPEN_OBJECT 1

@@ -316,6 +316,25 @@ TEST(Parser, TellsWhereEachEventBegins) {
     }
 }
 
+TEST(Parser, TellsWhereAnEventBeganWhoseCallbackFailed) {
+    for (const std::string_view text :
+         {"\n[1,\n  \"a\\tb\"]", "\n[1,\n  -12.5]", "\n[1,\n  true]"}) {
+        for (std::size_t size = 1; size <= text.size(); ++size) {
+            LoggedParser parser({.failAt = 3, .failStatus = QV_NOMEM});
+            QVStatus status = QV_EOF;
+            for (std::size_t at = 0; at < text.size() && status == QV_EOF; at += size) {
+                status = parser.feed(std::string(text.substr(at, size)));
+            }
+            const JSNParserh table = parser.log.parser;
+            EXPECT_EQ(status, QV_NOMEM) << text;
+            EXPECT_EQ(table->line(table), 3) << text << size;
+            EXPECT_EQ(table->eventColumn(table), 3) << text << size;
+            EXPECT_EQ(table->eventOffset(table), 7) << text << size;
+            EXPECT_EQ(table->offset(table), 4 + table->column(table)) << text << size;
+        }
+    }
+}
+
 TEST(Parser, OnlyReadsTheBufferAndHandsPlainStringsOverWithoutACopy) {
     static const std::string text = R"({"a\n":["b\u0041",-1.5,"plain"]})";
     const std::string copy(text.data(), text.size());

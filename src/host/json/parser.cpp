@@ -49,6 +49,8 @@ Parser::Parser(QVHndlp hndl, const JSNParserParms& parms, const ParserSettings& 
     JSNParser::column = &columnOf;
     JSNParser::eventColumn = &eventColumnOf;
     JSNParser::setRules = &setRules;
+    JSNParser::offset = &offsetOf;
+    JSNParser::eventOffset = &eventOffsetOf;
 }
 
 QVStatus Parser::destroyParser(QVGeneric* self) {
@@ -76,6 +78,15 @@ int64_t Parser::columnOf(JSNParserh self) {
 int64_t Parser::eventColumnOf(JSNParserh self) {
     const auto* parser = static_cast<Parser*>(self);
     return parser->event_ != nullptr ? parser->columnOf(parser->event_) : parser->eventColumn_;
+}
+
+int64_t Parser::offsetOf(JSNParserh self) {
+    return static_cast<Parser*>(self)->offset_;
+}
+
+int64_t Parser::eventOffsetOf(JSNParserh self) {
+    const auto* parser = static_cast<Parser*>(self);
+    return parser->event_ != nullptr ? parser->offsetOf(parser->event_) : parser->eventOffset_;
 }
 
 // The column of a byte of the present buffer.
@@ -108,8 +119,11 @@ QVStatus Parser::parseBytes(const uint8_t* buf, std::size_t bufLen, bool done) {
     if (done && rules_.lines != 0 && !inContainer()) {
         endLines();
     }
-    if (event_ != nullptr) {  // its token may go on in the next buffer
-        eventColumn_ = state_ == State::TOKEN ? columnOf(event_) : 0;
+    if (event_ != nullptr) {
+        // Its token goes on in the next buffer, or may have failed.
+        const bool asked = state_ == State::TOKEN || state_ == State::FAILED;
+        eventColumn_ = asked ? columnOf(event_) : 0;
+        eventOffset_ = offsetOf(event_);
         event_ = nullptr;
     }
     bufOffset_ += static_cast<int64_t>(bufLen);

@@ -69,6 +69,8 @@ class Parser : public JSNParser {
     static int64_t lineOf(JSNParserh self);
     static int64_t columnOf(JSNParserh self);
     static int64_t eventColumnOf(JSNParserh self);
+    static int64_t offsetOf(JSNParserh self);
+    static int64_t eventOffsetOf(JSNParserh self);
     static void setRules(JSNParserh self, const JSNTextRules* rules);
     static QVStatus destroyParser(QVGeneric* self);
     QVStatus parseBytes(const uint8_t* buf, std::size_t bufLen, bool done);
@@ -152,7 +154,8 @@ class Parser : public JSNParser {
     int64_t lineStart_ = 0;  // offset of its first byte
 
     const uint8_t* event_ = nullptr;  // where the present token begins; null: in an earlier buffer,
-    int64_t eventColumn_ = 1;         // in this column
+    int64_t eventColumn_ = 1;         // in this column,
+    int64_t eventOffset_ = 0;         // after so many bytes
 
     Token token_ = Token::STRING;  // the token of State::TOKEN
     GrowingBytes text_;            // its text
