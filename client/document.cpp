@@ -26,9 +26,9 @@ Document::Document(Engine& engine, const DocumentOptions& options)
     : engine_(engine),
       codec_(engine.host(), options.encoding),
       alldataName_(options.alldataName),
+      cacheFile_(options.cacheFile.empty() ? privateCacheDirectory() : options.cacheFile),
       columnOf_(options.columnOf) {
-    std::u32string cacheName =
-        toHostCharacters(options.cacheFile.empty() ? privateCacheDirectory() : options.cacheFile);
+    std::u32string cacheName = toHostCharacters(cacheFile_);
     std::string alldataName = codec_.encoded(options.alldataName);
     std::string debug = options.debug;
 
@@ -60,7 +60,7 @@ Document::Document(Engine& engine, const DocumentOptions& options)
         if (handle_ != nullptr) {
             (void)operations()->Term(handle_, nullptr);  // the first failure is the one to report
         }
-        throw Error(status);
+        fail(status, qvStatusText(status));
     }
 }
 
@@ -106,53 +106,58 @@ void Document::input(std::string_view text, bool done) {
     const QVStatus status = operations()->JsonInput(handle_, const_cast<char*>(text.data()),
                                                     static_cast<QVStrSize>(text.size()),
                                                     done ? 1 : 0, &caching, engine_.host()->jnl);
-    if (status == QV_OK) {
-        return;
+    if (status != QV_OK) {
+        fail(status);
     }
-    const ERRORINFO& info = handle_->e;
-    if (status == JMAP_INCOMPLETE && info.rc != QV_OK) {
-        // The parser stands behind the scalar by now.
-        throw Error(status, "a document must be an object or an array", startLine_, startColumn_);
-    }
-    if (status == JMAP_PARSE) {
-        throw Error(info.rc, qvStatusText(info.rc), info.line, info.col);
-    }
-    throw Error(status);
 }
 
-// Finds the place where the document begins.
-void Document::followStart(std::string_view text) {
-    for (std::size_t i = 0; i < text.size() && !begun_; ++i) {
-        if (text[i] == '\n') {
-            ++startLine_;
-            startColumn_ = 1;
-        } else if (text[i] == ' ' || text[i] == '\t' || text[i] == '\r') {
-            ++startColumn_;
-        } else {
-            begun_ = true;
-        }
+// Throws what `JsonInput` failed with.
+void Document::fail(QVStatus status) const {
+    const QVStatus reason = handle_->e.rc;  // of the parser, or a callback
+    if (status == JMAP_INCOMPLETE && reason != QV_OK) {
+        const JSNParserh parser = jmapParser(handle_);
+        const Place place = {
+            {}, parser->line(parser), parser->eventColumn(parser), parser->eventOffset(parser)};
+        throw Error(status, "a document must be an object or an array", place);
     }
+    const QVStatus cause = status == JMAP_PARSE ? reason : status;
+    if ((status != JMAP_PARSE && status != JMAP_INCOMPLETE) || isOfFiles(cause)) {
+        fail(cause, qvStatusText(cause));
+    }
+    throw Error(cause, qvStatusText(cause), end());
+}
+
+// Throws a failure that has no place in the text.
+void Document::fail(QVStatus status, const std::string& sentence) const {
+    throw Error(status, sentence, isOfFiles(status) ? cacheFile_ : std::string());
+}
+
+Place Document::end() const {
+    const JSNParserh parser = jmapParser(handle_);
+    const int64_t offset = parser->offset(parser);
+    const int64_t column = columnOf_ ? columnOf_(offset) : parser->column(parser);
+    return {{}, parser->line(parser), column, offset};
 }
 
 void Document::feed(std::string_view text) {
-    followStart(text);
     input(text, false);
 }
 
 void Document::finish() {
     input("", true);
 
-    const JMAPTotals end = totals();
-    if (end.unstoredBytes != 0) {
-        throw Error(end.unstoredStatus, std::string(qvStatusText(end.unstoredStatus)) +
-                                            ": the last records could not be stored");
+    const JMAPTotals counted = totals();
+    if (counted.unstoredBytes != 0) {
+        fail(counted.unstoredStatus, std::string(qvStatusText(counted.unstoredStatus)) +
+                                         ": the last records could not be stored");
     }
-    if (end.droppedTables != 0) {
-        throw Error(QV_NOMEM,
-                    "memory ran out while the map was made: " + std::to_string(end.droppedTables) +
-                        (end.droppedTables == 1 ? " table is missing" : " tables are missing"));
+    if (counted.droppedTables != 0) {
+        throw Error(
+            QV_NOMEM,
+            "memory ran out while the map was made: " + std::to_string(counted.droppedTables) +
+                (counted.droppedTables == 1 ? " table is missing" : " tables are missing"));
     }
-    if (end.lostLookups != 0) {
+    if (counted.lostLookups != 0) {
         throw Error(QV_NOMEM, "memory ran out while paths were looked up");
     }
     QVMemPtr map = nullptr;

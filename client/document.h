@@ -8,6 +8,7 @@
 #include "qvejmapx.h"
 
 #include "engine.h"
+#include "error.h"
 #include "text.h"
 
 #include <cstdint>
@@ -29,8 +30,9 @@ struct Watch {
 struct DocumentOptions {
     QVCEI encoding = U_UTF8_CE;  // of the text that is fed; see Engine::encodingId
     bool lines = false;          // JSON Lines: one value a line, all of them one array
-    // For a text that was converted: the column of the byte at `offset` (from 0) of what is fed. It
-    // must not throw.  Empty: columns are counted in bytes.  Mistakes are always told in bytes.
+    // For a text that was converted: the column of the byte at `offset` (from 0) of what is fed,
+    // which is in the last piece, its end included.  It must not throw.  Empty: columns are counted
+    // in bytes.
     std::function<int64_t(int64_t offset)> columnOf = {};
     std::string description = {};    // what notes call the document; 20 bytes are used
     std::string debug = {};          // keywords with a comma before and after each: ",MAP,READ,"
@@ -129,15 +131,17 @@ class Document {
     Document& operator=(const Document&) = delete;
 
     // Takes the next piece of the text; it is only read.  Throws a mistake of the text with its
-    // place; trouble with the cache file (QV_IO_...); QV_NOMEM.  After a failure only the
-    // destructor may be called.
+    // place; trouble with the cache file (QV_IO_...), with its name; QV_NOMEM.  After a failure
+    // only the destructor may be called.
     void feed(std::string_view text);
 
-    // Ends the text and builds the tables.  Throws as `feed`, and JMAP_INCOMPLETE without a place
-    // when the document is not complete.  The engine passes over a last block that it cannot store,
-    // a table that it cannot make, and hash tables that fail; here these are failures too
-    // (QV_IO_..., QV_NOMEM).
+    // Ends the text and builds the tables.  Throws as `feed`, and JMAP_INCOMPLETE when the document
+    // is not complete.  The engine passes over a last block that it cannot store, a table that it
+    // cannot make, and hash tables that fail; here these are failures too (QV_IO_..., QV_NOMEM).
     void finish();
+
+    // Where the text that was fed ends: the next byte would stand there.
+    [[nodiscard]] Place end() const;
 
     // ---- after `finish` ----
 
@@ -166,6 +170,9 @@ class Document {
     // Where the value begins that the options watch for at that position; line 0: it never came.
     [[nodiscard]] Spot watched(std::size_t watch) const;
 
+    // The file of records that leave memory, or the directory that has it.
+    [[nodiscard]] const std::string& cacheFile() const { return cacheFile_; }
+
     // ---- for cursors ----
 
     [[nodiscard]] const TextCodec& codec() const { return codec_; }
@@ -177,7 +184,8 @@ class Document {
     QVStatus setRules(bool lines);
     QVStatus watchFor(const Watch& watch);
     void input(std::string_view text, bool done);
-    void followStart(std::string_view text);
+    [[noreturn]] void fail(QVStatus status) const;
+    [[noreturn]] void fail(QVStatus status, const std::string& sentence) const;
     [[nodiscard]] Table describe(JMAPTableh handle, bool alldata) const;
     [[nodiscard]] Column describe(JMAPColumnh handle) const;
     [[nodiscard]] PathStatistics describe(const JMAPPathInfo& info) const;
@@ -186,12 +194,10 @@ class Document {
     Engine& engine_;
     TextCodec codec_;
     std::string alldataName_;  // UTF-8
+    std::string cacheFile_;    // or its directory: what failures call it
     std::function<int64_t(int64_t)> columnOf_;
     QVEJMAPJsonContexth handle_ = nullptr;
     std::vector<JMAPWatchh> watches_;
-    bool begun_ = false;  // something but white space has come, at startLine_, startColumn_
-    int64_t startLine_ = 1;
-    int64_t startColumn_ = 1;
     std::vector<Table> automaticTables_;
     std::optional<std::vector<Table>> userTables_;
     std::optional<Table> alldata_;

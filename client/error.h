@@ -13,32 +13,44 @@
 
 namespace qvej {
 
+// A place in a text.
+struct Place {
+    std::string file = {};  // as the caller named it, or "<stdin>", "<stdout>"; empty: not known
+    int64_t line = 0;       // from 1; 0: the file as a whole
+    int64_t column = 0;     // from 1, in bytes, but in units of 16 or 32 bits in UTF-16 and UTF-32
+    int64_t offset = -1;    // bytes of the text before it; negative: not known
+};
+
 // What went wrong and where.  `what()` is a sentence without a subject ("':' was expected after the
 // member name").
 class Error : public std::runtime_error {
    public:
     explicit Error(QVStatus status) : Error(status, qvStatusText(status)) {}
-    Error(QVStatus status, const std::string& sentence, int64_t line = 0, int64_t column = 0)
-        : std::runtime_error(sentence), status_(status), line_(line), column_(column) {}
-    // `file`: as the caller named it, or "<stdin>", "<stdout>".
+    Error(QVStatus status, const std::string& sentence, Place place = {}, std::string excerpt = {})
+        : std::runtime_error(sentence),
+          status_(status),
+          place_(std::move(place)),
+          excerpt_(std::move(excerpt)) {}
     Error(QVStatus status, const std::string& sentence, std::string file)
-        : std::runtime_error(sentence), status_(status), file_(std::move(file)) {}
+        : Error(status, sentence, Place{std::move(file)}) {}
 
     [[nodiscard]] QVStatus status() const { return status_; }
 
-    // The file that the failure is about; empty: none is known.
-    [[nodiscard]] const std::string& file() const { return file_; }
+    // What the failure is about, and where in it.
+    [[nodiscard]] const Place& place() const { return place_; }
+    [[nodiscard]] const std::string& file() const { return place_.file; }
+    [[nodiscard]] int64_t line() const { return place_.line; }
+    [[nodiscard]] int64_t column() const { return place_.column; }
+    [[nodiscard]] int64_t offset() const { return place_.offset; }
 
-    // Place in the document: 1-based, the column in bytes.  0 when the failure has no place, or
-    // when it is the end of the input (status JMAP_INCOMPLETE).
-    [[nodiscard]] int64_t line() const { return line_; }
-    [[nodiscard]] int64_t column() const { return column_; }
+    // The text around the place and, in a second line, a caret under it; both end with a line feed
+    // and are safe to show.  Empty: not known.
+    [[nodiscard]] const std::string& excerpt() const { return excerpt_; }
 
    private:
     QVStatus status_;
-    int64_t line_ = 0;
-    int64_t column_ = 0;
-    std::string file_;
+    Place place_;
+    std::string excerpt_;
 };
 
 // The failure of a system call on a file, from errno: `status` and, as the sentence, the system's.
@@ -47,8 +59,9 @@ class Error : public std::runtime_error {
 // A mistake in a user's map, with its place in the map's text.
 class MapError : public Error {
    public:
-    MapError(QVStatus status, int64_t line, int64_t column, std::string token)
-        : Error(status, qvStatusText(status), line, column), token_(std::move(token)) {}
+    MapError(QVStatus status, Place place, std::string excerpt, std::string token)
+        : Error(status, qvStatusText(status), std::move(place), std::move(excerpt)),
+          token_(std::move(token)) {}
 
     // The last number or text before the mistake, at most 32 bytes (a key in upper case).
     [[nodiscard]] const std::string& token() const { return token_; }
@@ -56,6 +69,12 @@ class MapError : public Error {
    private:
     std::string token_;
 };
+
+// Is it one of the failures of files?
+[[nodiscard]] inline bool isOfFiles(QVStatus status) {
+    const auto code = static_cast<uint32_t>(status);
+    return code >= static_cast<uint32_t>(QV_IO_NOTFOUND) && code <= 0x80BFC8FFu;
+}
 
 // Throws Error for every status but QV_OK.
 inline void check(QVStatus status) {

@@ -2,9 +2,11 @@
 #include "client/user_map.h"
 
 #include "client/error.h"
+#include "client/excerpt.h"
 #include "client/map_text.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qvej {
 namespace {
@@ -51,11 +53,19 @@ int64_t utf8Column(const TextCodec& codec, std::string_view encoded, Spot spot) 
     return static_cast<int64_t>(codec.decoded(encoded.substr(0, before)).size()) + 1;
 }
 
-[[noreturn]] void refuse(const TextCodec& codec, std::string_view encoded, QVStatus reason,
-                         const ERRORINFO& info) {
-    const Spot spot = reason == JMAP_INCOMPLETE ? endOf(encoded) : Spot{info.line, info.col};
+// A mistake at a spot of the map's text.
+[[noreturn]] void failAt(std::string_view text, Spot spot, QVStatus status, std::string token) {
+    const std::size_t offset = offsetOf(text, spot.line, spot.column);
+    throw MapError(status, {{}, spot.line, spot.column, static_cast<int64_t>(offset)},
+                   excerptOf(text, offset), std::move(token));
+}
+
+[[noreturn]] void refuse(const TextCodec& codec, std::string_view text, std::string_view encoded,
+                         QVStatus reason, const ERRORINFO& info) {
+    Spot spot = reason == JMAP_INCOMPLETE ? endOf(encoded) : Spot{info.line, info.col};
     const std::string token(info.badstring, static_cast<std::size_t>(info.badstringLen));
-    throw MapError(reason, spot.line, utf8Column(codec, encoded, spot), codec.decoded(token));
+    spot.column = utf8Column(codec, encoded, spot);
+    failAt(text, spot, reason, codec.decoded(token));
 }
 
 QVStrSize sizeOf(const std::string& text) {
@@ -74,7 +84,7 @@ void parseUserMap(const Document& document, std::string_view text) {
         throw Error(QV_NOMEM);
     }
     if (reason != QV_OK) {
-        refuse(codec, encoded, reason, refusal.info);
+        refuse(codec, text, encoded, reason, refusal.info);
     }
 }
 
@@ -127,8 +137,7 @@ void checkConversions(const Engine& engine, const std::vector<Table>& tables,
                     status = QV_FMT_LONG;
                 }
                 if (status != QV_OK) {
-                    const Spot spot = inText().at;
-                    throw MapError(status, spot.line, spot.column, conversion.name);
+                    failAt(text, inText().at, status, conversion.name);
                 }
             };
             attempt(openInformat, column.informat, &ColumnText::informat);

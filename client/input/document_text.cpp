@@ -1,14 +1,15 @@
 // See document_text.h.
 #include "client/input/document_text.h"
 
+#include <utility>
+
 namespace qvej {
 namespace {
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 }
 
-DocumentText::DocumentText(const std::string& file, const std::string& encoding,
-                           bool replaceInvalid)
-    : bytes_(file), piece_(bytes_.next()), guess_(guessEncoding(piece_)) {
+DocumentText::DocumentText(ByteSource source, const std::string& encoding, bool replaceInvalid)
+    : bytes_(std::move(source)), piece_(bytes_.next()), guess_(guessEncoding(piece_)) {
     encoding_ = encoding == "auto" ? guess_ : encoding;
     recoder_.emplace(encoding_, piece_,
                      replaceInvalid ? Recoder::Invalid::IS_REPLACED : Recoder::Invalid::STOPS);
@@ -16,7 +17,8 @@ DocumentText::DocumentText(const std::string& file, const std::string& encoding,
     looksOther_ = guess_ != "UTF-8" && guess_ != inUse;
     if (inUse == "UTF-8" && !replaceInvalid) {
         recoder_.reset();  // the parser looks at each byte anyway
-        piece_.remove_prefix(piece_.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
+        markBytes_ = piece_.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+        piece_.remove_prefix(static_cast<std::size_t>(markBytes_));
     }
 }
 

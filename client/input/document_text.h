@@ -16,7 +16,7 @@ namespace qvej {
 class DocumentText {
    public:
     // `encoding`: a name, or "auto" to go by the first bytes.  Throws Error.
-    DocumentText(const std::string& file, const std::string& encoding, bool replaceInvalid);
+    DocumentText(ByteSource source, const std::string& encoding, bool replaceInvalid);
 
     // The next piece, empty at the end and where the text is broken.  It lives until the next call.
     // Throws Error.
@@ -29,6 +29,12 @@ class DocumentText {
     [[nodiscard]] bool recoded() const { return recoder_.has_value(); }
     // See Recoder.  Only of a text that is recoded.
     [[nodiscard]] int64_t columnOf(int64_t offset) const { return recoder_->columnOf(offset); }
+
+    // How many bytes of the unpacked document stand before byte `offset` of this text, which is in
+    // that column of the line that is read.
+    [[nodiscard]] int64_t sourceOffset(int64_t offset, int64_t column) const {
+        return recoder_ ? recoder_->inputOf(offset, column) : offset + markBytes_;
+    }
 
     // The encoding as it was named, or what it was taken for.
     [[nodiscard]] const std::string& encoding() const { return encoding_; }
@@ -47,6 +53,7 @@ class DocumentText {
     std::string encoding_;
     bool looksOther_ = false;
     std::optional<Recoder> recoder_;  // none: the text passes as it is
+    int64_t markBytes_ = 0;           // of a byte order mark that was left out
     bool begun_ = false;              // the first piece has been handed out
 };
 

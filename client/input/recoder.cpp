@@ -231,12 +231,21 @@ int64_t Recoder::placeOf(std::size_t textAt) const {
     return unit < unitCount_ ? inputBase_ + origins_[unit] : textEnd_;
 }
 
-int64_t Recoder::columnOf(int64_t offset) const {
+// Where in the input the line starts that holds the byte.
+int64_t Recoder::startOfLine(int64_t offset) const {
     const auto textAt = static_cast<std::size_t>(std::max<int64_t>(offset - textBase_, 0));
     const std::size_t line = lastLine(text_.substr(0, textAt));
-    const int64_t start = line == std::string_view::npos ? lineStart_ : placeOf(line);
+    return line == std::string_view::npos ? lineStart_ : placeOf(line);
+}
+
+int64_t Recoder::columnOf(int64_t offset) const {
+    const auto textAt = static_cast<std::size_t>(std::max<int64_t>(offset - textBase_, 0));
     const int64_t before = std::max<int64_t>(textBase_ - offset, 0);
-    return (placeOf(textAt) - start) / unitBytes_ + 1 - before;
+    return (placeOf(textAt) - startOfLine(offset)) / unitBytes_ + 1 - before;
+}
+
+int64_t Recoder::inputOf(int64_t offset, int64_t column) const {
+    return startOfLine(offset) + (column - 1) * unitBytes_;
 }
 
 }  // namespace qvej

@@ -41,6 +41,10 @@ class Recoder {
     // included, or before it with nothing but ASCII between.
     [[nodiscard]] int64_t columnOf(int64_t offset) const;
 
+    // How many bytes of the input stand before that byte, whose column is known.  It may be as far
+    // back as the line goes that the last piece begins in.
+    [[nodiscard]] int64_t inputOf(int64_t offset, int64_t column) const;
+
    private:
     struct Close {
         void operator()(UConverter* converter) const;
@@ -49,6 +53,7 @@ class Recoder {
     void decode(std::string_view& input);
     UErrorCode decodeSome(const char*& source, const char* end, bool last);
     void encode();
+    [[nodiscard]] int64_t startOfLine(int64_t offset) const;
     [[nodiscard]] int64_t placeOf(std::size_t textAt) const;  // in the input
     [[nodiscard]] std::size_t unitOf(std::size_t textAt) const;
 

@@ -6,12 +6,13 @@
 // Tested by tests/tool/golden/input.t
 #pragma once
 
-#include "raw_file.h"
+#include "byte_source.h"
 
 #include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace qvej {
@@ -36,9 +37,9 @@ class Decompressor {
 
 class Unpacker {
    public:
-    explicit Unpacker(const std::string& file) : input_(file) {}
+    explicit Unpacker(ByteSource source) : input_(std::move(source)) {}
 
-    // As of RawFile.  Data that are damaged or end too soon are an Error (QV_IO_DAMAGED).
+    // As of ByteSource.  Data that are damaged or end too soon are an Error (QV_IO_DAMAGED).
     std::string_view next();
 
     [[nodiscard]] const std::string& name() const { return input_.name(); }
@@ -46,7 +47,7 @@ class Unpacker {
    private:
     [[noreturn]] void fail(const std::string& what) const;
 
-    RawFile input_;
+    ByteSource input_;
     bool begun_ = false;
     std::unique_ptr<Decompressor> format_;  // null: the data are as they were
     std::string_view packed_;               // not yet taken

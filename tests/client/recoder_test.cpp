@@ -49,7 +49,7 @@ Recoded recode(std::string_view text, const std::string& encoding, Invalid inval
 }
 
 // The columns that a text of some lines has: per line, and per character.
-TEST(ToolRecoder, ConvertsAndKnowsColumnsHoweverTheTextIsCut) {
+TEST(Recoder, ConvertsAndKnowsColumnsHoweverTheTextIsCut) {
     const struct {
         const char* encoding;
         std::string text;
@@ -97,7 +97,7 @@ TEST(ToolRecoder, ConvertsAndKnowsColumnsHoweverTheTextIsCut) {
     }
 }
 
-TEST(ToolRecoder, StopsAtWhatIsWrongOrReplacesIt) {
+TEST(Recoder, StopsAtWhatIsWrongOrReplacesIt) {
     const struct {
         const char* encoding;
         std::string text;

@@ -1,5 +1,4 @@
 // The small parts of the tool that make text.
-#include "client/input/place.h"
 #include "tools/cli/maps/separator_watch.h"
 #include "tools/cli/options/option_values.h"
 
@@ -26,45 +25,6 @@ TEST(ToolText, SizesTakeSuffixesOf1024) {
     }
     for (const char* text : {"18446744073709551616", "", "K", "-1", "1.5G", "1KB", " 1"}) {
         EXPECT_EQ(parseSize(text), std::nullopt) << text;
-    }
-}
-
-// The excerpt for a place in a text that passed in pieces of `pieceSize` bytes, the last in use.
-std::string excerptOf(std::string_view text, qvej::Place place, std::size_t pieceSize) {
-    qvej::TextTrail trail;
-    for (; text.size() > pieceSize; text.remove_prefix(pieceSize)) {
-        trail.take(text.substr(0, pieceSize));
-        trail.passed();
-    }
-    trail.take(text);
-    return trail.excerpt(place);
-}
-
-TEST(ToolText, ExcerptsShowThePlaceHoweverTheTextCame) {
-    const std::string longLine = "[" + std::string(200, 'x') + "!" + std::string(600, 'y');
-    const struct {
-        std::string text;
-        qvej::Place place;
-        std::string excerpt;
-    } cases[] = {
-        {"{\n\"a\" 1\n}", {2, 5}, "    \"a\" 1\n        ^\n"},
-        {"{\r\n\t\"a\" 1\r\n}", {2, 6}, "     \"a\" 1\n         ^\n"},
-        {"[1,2", {1, 5}, "    [1,2\n        ^\n"},
-        {"[1,\n 2\n\n", {4, 1}, "     2\n      ^\n"},
-        {"\"日本\":x", {1, 10}, "    \"日本\":x\n           ^\n"},
-        {longLine,
-         {1, 202},
-         "    ..." + std::string(60, 'x') + "!" + std::string(23, 'y') + "...\n" +
-             std::string(67, ' ') + "^\n"},
-        {" \n\n", {3, 1}, ""},
-    };
-    for (const auto& c : cases) {
-        for (const std::size_t pieceSize : {c.text.size(), std::size_t{1}, std::size_t{3}}) {
-            SCOPED_TRACE(c.text + " " + std::to_string(pieceSize));
-            // In small pieces a place far back has passed too long ago to be known.
-            const bool known = c.text.size() < 300 || pieceSize == c.text.size();
-            EXPECT_EQ(excerptOf(c.text, c.place, pieceSize), known ? c.excerpt : "");
-        }
     }
 }
 

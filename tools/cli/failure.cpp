@@ -4,13 +4,16 @@
 namespace qvej::cli {
 
 std::string sentenceOf(const qvej::Error& error) {
-    return (error.file().empty() ? std::string() : error.file() + ": ") + error.what();
+    std::string place = error.file();
+    if (error.line() != 0) {
+        place += ":" + std::to_string(error.line()) + ":" + std::to_string(error.column());
+    }
+    return (place.empty() ? place : place + ": ") + error.what();
 }
 
 ExitCode exitCodeOf(QVStatus status) {
     const auto code = static_cast<uint32_t>(status);
     const bool ofJson = code >= static_cast<uint32_t>(QV_JSON_VALUE) && code <= 0x85FFC9FFu;
-    const bool ofFiles = code >= static_cast<uint32_t>(QV_IO_NOTFOUND) && code <= 0x80BFC8FFu;
     switch (status) {
         case QV_JSON_DEPTH:
         case QV_NOMEM:
@@ -22,7 +25,7 @@ ExitCode exitCodeOf(QVStatus status) {
         case JMAP_INCOMPLETE:
             return NOT_JSON;
         default:
-            return ofJson ? NOT_JSON : ofFiles ? FILE_TROUBLE : NO_TABLE;
+            return ofJson ? NOT_JSON : qvej::isOfFiles(status) ? FILE_TROUBLE : NO_TABLE;
     }
 }
 

@@ -24,7 +24,7 @@ int main(int argc, char** argv) {
         tell(failure.line(), failure.excerpt());
         return failure.exitCode();
     } catch (const qvej::Error& error) {
-        tell(sentenceOf(error));
+        tell(sentenceOf(error), error.excerpt());
         return exitCodeOf(error.status());
     } catch (const std::bad_alloc&) {
         tell(qvStatusText(QV_NOMEM));

@@ -1,24 +1,19 @@
 // See session.h.
 #include "tools/cli/session.h"
 
-#include "client/cache_file.h"
 #include "client/error.h"
 #include "formats/sources.h"
-#include "formats/writer.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/reports/tell.h"
-#include "tools/cli/verbs/verbs.h"
 
 #include <sys/stat.h>
-#include <utility>
+#include <unistd.h>
 
 namespace qvej::cli {
 
 namespace {
 
-constexpr std::size_t kDescriptionBytes = 20;
-
-qvej::EngineOptions engineOptions(const Options& options) {
+qvej::EngineOptions engineOptions(const ReadingOptions& options) {
     qvej::EngineOptions engine;
     engine.memoryBudget = options.memory.value_or(0);
     engine.maxDepth = options.depth;
@@ -26,19 +21,16 @@ qvej::EngineOptions engineOptions(const Options& options) {
     return engine;
 }
 
-// Is the file named as JSON Lines are, compressed or not?
-bool namedAsLines(std::string_view file) {
-    for (const std::string_view packed : {".gz", ".zst"}) {
-        file.remove_suffix(file.ends_with(packed) ? packed.size() : 0);
-    }
-    return file.ends_with(".jsonl") || file.ends_with(".ndjson");
-}
-
-// What notes call the document: the end of its path, in whole characters.
-std::string describe(const std::string& name) {
-    const std::string base = name.substr(name.rfind('/') + 1);
-    return std::string(
-        qvej::withoutUnfinished(std::string_view(base).substr(0, kDescriptionBytes)));
+qvej::DocumentOptions documentOptions(const ReadingOptions& options, const qvej::Engine& engine) {
+    qvej::DocumentOptions document;
+    document.debug = options.debug;
+    document.cacheFile = options.cache;
+    document.compress = options.compress;
+    document.ordinals = options.ordinals;
+    document.alldataName = options.alldataName;
+    document.keepFree = options.keepFree.value_or(options.memory ? (*options.memory - 1) / 2 + 1
+                                                                 : engine.availableMemory() / 8);
+    return document;
 }
 
 // The file must be new or empty: the engine takes no other, and nobody's file is deleted for it.
@@ -57,15 +49,53 @@ void checkNamedCache(const std::string& path, const Sources& sources) {
     }
 }
 
+// What to try, when the text looks like something else than was said.
+std::string hint(const qvej::DocumentReader& reader, const qvej::Error& error) {
+    if (reader.otherEncoding() != nullptr) {
+        return " (this looks like " + *reader.otherEncoding() + ")";
+    }
+    switch (error.status()) {
+        case QV_JSON_UTF8:
+            return " (--encoding NAME for text in another encoding, --invalid replace to go on)";
+        case QV_JSON_TRAILING:
+            return error.line() > 1 ? " (--lines for one value a line)" : "";
+        case QV_JSON_LINE_END:
+            return reader.linesByName()
+                       ? " (a file of this name holds one value a line; give any other as \"-\")"
+                       : "";
+        default:
+            return {};
+    }
+}
+
+// The failure that a mistake of the document leads to.
+[[noreturn]] void fail(const ReadingOptions& options, const qvej::DocumentReader& reader,
+                       const qvej::Error& error) {
+    const ExitCode code = exitCodeOf(error.status());
+    if (code == FILE_TROUBLE) {
+        throw error;
+    }
+    std::string what = error.what();
+    if (code == WRONG_USAGE) {
+        throw Failure(code, "an option does not suit the document: " + what);
+    }
+    if (error.status() == QV_NOMEM && error.line() != 0) {
+        what += ", or a path or a number is longer than 1 MiB";
+    }
+    if (error.status() == QV_JSON_DEPTH) {
+        what += " of " + std::to_string(options.depth) + " (--depth)";
+    }
+    qvej::Place place = error.place();
+    place.file = reader.name();
+    what += place.line == 0 ? "" : hint(reader, error);
+    throw qvej::Error(error.status(), what, place, error.excerpt());
+}
+
 }  // namespace
 
-Session::Session(const Options& options, const std::string& file, const std::string& map,
-                 std::vector<qvej::Watch> watches)
-    : options_(options),
-      text_(file, options.encoding, options.replaceInvalid),
-      lines_(options.lines || namedAsLines(file)),
-      engine_(engineOptions(options)),
-      watches_(std::move(watches)) {
+Session::Session(const ReadingOptions& options, const std::string& file, const std::string& map,
+                 const ReadingWishes& wishes)
+    : reader_(qvej::ByteSource::file(file), options.text), engine_(engineOptions(options)) {
     if (!map.empty()) {
         map_.emplace(engine_, map);
     }
@@ -73,11 +103,10 @@ Session::Session(const Options& options, const std::string& file, const std::str
         checkNamedCache(options.cache, sourcesOf(file, map));
     }
     try {
-        open();
-        readAll();
+        read(options, wishes);
         useMap();
     } catch (const qvej::Error& error) {
-        fail(error);
+        fail(options, reader_, error);
     }
     if (!options.debug.empty()) {
         const JMAPTotals totals = document_->totals();
@@ -88,39 +117,11 @@ Session::Session(const Options& options, const std::string& file, const std::str
     }
 }
 
-void Session::open() {
-    qvej::DocumentOptions document;
-    document.lines = lines_;
-    document.watches = watches_;
-    if (text_.recoded()) {
-        document.columnOf = [this](int64_t offset) { return text_.columnOf(offset); };
-    }
-    document.description = describe(name());
-    document.debug = options_.debug;
-    document.cacheFile = options_.cache;
-    document.compress = options_.compress;
-    document.ordinals = options_.ordinals;
-    document.alldataName = options_.alldataName;
-    document.keepFree = options_.keepFree.value_or(options_.memory ? (*options_.memory - 1) / 2 + 1
-                                                                   : engine_.availableMemory() / 8);
-    document_.emplace(engine_, document);
-    cachePath_ = options_.cache.empty() ? qvej::privateCacheDirectory() : options_.cache;
-}
-
-void Session::readAll() {
-    for (std::string_view piece = text_.next(); !piece.empty(); piece = text_.next()) {
-        trail_.take(piece);
-        if (options_.verb->run == runMap) {
-            separators_.take(piece);
-        }
-        document_->feed(piece);
-        trail_.passed();
-    }
-    if (text_.broken()) {
-        failAt(NOT_JSON, trail_.end(), columnOf(trail_.end()),
-               "the text is not valid " + text_.encoding() + hint(QV_JSON_UTF8, trail_.end()));
-    }
-    document_->finish();
+void Session::read(const ReadingOptions& options, const ReadingWishes& wishes) {
+    qvej::DocumentOptions document = documentOptions(options, engine_);
+    document.watches = wishes.watches;
+    document_.emplace(engine_, reader_.documentOptions(document));
+    reader_.read(*document_, wishes.observer);
 }
 
 void Session::useMap() {
@@ -134,73 +135,12 @@ void Session::useMap() {
     }
 }
 
-// What to try, when the text looks like something else than was said.
-std::string Session::hint(QVStatus status, qvej::Place place) const {
-    if (text_.otherEncoding() != nullptr) {
-        return " (this looks like " + *text_.otherEncoding() + ")";
-    }
-    if (status == QV_JSON_UTF8) {
-        return " (--encoding NAME for text in another encoding, --invalid replace to go on)";
-    }
-    if (status == QV_JSON_TRAILING && place.line > 1) {
-        return " (--lines for one value a line)";
-    }
-    if (status == QV_JSON_LINE_END && !options_.lines) {
-        return " (a file of this name holds one value a line; give any other as \"-\")";
-    }
-    return {};
-}
-
-// The column of a place of the UTF-8 in the text as it was.
-int64_t Session::columnOf(qvej::Place place) const {
-    const std::optional<int64_t> offset =
-        text_.recoded() ? trail_.offsetOf(place) : std::optional<int64_t>();
-    return offset ? text_.columnOf(*offset) : place.column;
-}
-
-void Session::failAt(ExitCode code, qvej::Place place, int64_t column,
-                     const std::string& what) const {
-    throw Failure(
-        code,
-        name() + ":" + std::to_string(place.line) + ":" + std::to_string(column) + ": " + what,
-        trail_.excerpt(place));
-}
-
-void Session::fail(const qvej::Error& error) const {
-    if (!error.file().empty()) {
-        throw error;
-    }
-    const QVStatus status = error.status();
-    const ExitCode code = exitCodeOf(status);
-    std::string what = error.what();
-    if (code == FILE_TROUBLE) {
-        throw Failure(code, cachePath_ + ": " + what);
-    }
-    if (status == QV_NOMEM && error.line() != 0) {
-        what += ", or a path or a number is longer than 1 MiB";
-    }
-    if (status == QV_JSON_DEPTH) {
-        what += " of " + std::to_string(options_.depth) + " (--depth)";
-    }
-    if (code == WRONG_USAGE) {
-        throw Failure(code, "an option does not suit the document: " + what);
-    }
-    const bool atEnd = status == JMAP_INCOMPLETE && error.line() == 0;
-    const qvej::Place place = atEnd ? trail_.end() : qvej::Place{error.line(), error.column()};
-    if (place.line == 0) {
-        throw Failure(code, name() + ": " + what);
-    }
-    // What stands before a document that is no object or array is white space, one unit each.
-    const bool noContainer = status == JMAP_INCOMPLETE && !atEnd;
-    failAt(code, place, noContainer ? place.column : columnOf(place), what + hint(status, place));
-}
-
 void Session::failReading(const qvej::Error& error) const {
     if (!error.file().empty()) {
         throw error;  // of an output
     }
-    const ExitCode code = exitCodeOf(error.status());
-    throw Failure(code, (code == FILE_TROUBLE ? cachePath_ : name()) + ": " + error.what());
+    const bool cache = exitCodeOf(error.status()) == FILE_TROUBLE;
+    throw qvej::Error(error.status(), error.what(), cache ? document_->cacheFile() : name());
 }
 
 }  // namespace qvej::cli

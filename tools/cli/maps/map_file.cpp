@@ -1,8 +1,7 @@
 // See map_file.h.
 #include "tools/cli/maps/map_file.h"
 
-#include "client/input/raw_file.h"
-#include "client/input/place.h"
+#include "client/input/byte_source.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/reports/remarks.h"
 
@@ -84,10 +83,10 @@ std::string engineCode(QVStatus status) {
 }
 
 std::string readWhole(const std::string& file, std::string* name) {
-    qvej::RawFile input(file);
-    *name = input.name();
+    qvej::ByteSource source = qvej::ByteSource::file(file);
+    *name = source.name();
     std::string text;
-    for (std::string_view piece = input.next(); !piece.empty(); piece = input.next()) {
+    for (std::string_view piece = source.next(); !piece.empty(); piece = source.next()) {
         text += piece;
     }
     return text.starts_with(kByteOrderMark) ? text.substr(kByteOrderMark.size()) : text;
@@ -108,13 +107,11 @@ MapFile::MapFile(qvej::Engine& engine, const std::string& file) : text_(readWhol
 }
 
 void MapFile::fail(const qvej::Engine& engine, const qvej::MapError& error) const {
-    qvej::TextTrail trail;
-    trail.take(text_);
-    const qvej::Place place = {error.line(), error.column()};
     throw Failure(NO_TABLE,
-                  name_ + ":" + std::to_string(place.line) + ":" + std::to_string(place.column) +
-                      ": " + describe(engine, error) + engineCode(error.status()),
-                  trail.excerpt(place));
+                  name_ + ":" + std::to_string(error.line()) + ":" +
+                      std::to_string(error.column()) + ": " + describe(engine, error) +
+                      engineCode(error.status()),
+                  error.excerpt());
 }
 
 }  // namespace qvej::cli

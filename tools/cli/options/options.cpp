@@ -206,7 +206,7 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
                    "0: none, 1: orders_items has ordinal_items alone")
         ->type_name("N")
         ->group(rows);
-    app.add_option("--alldata-name", o.alldataName, "name of the table ALLDATA")
+    app.add_option("--alldata-name", o.reading.alldataName, "name of the table ALLDATA")
         ->type_name("NAME")
         ->group(rows);
     app.add_flag("--retain", o.retain,
@@ -214,11 +214,11 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
         ->group(rows);
 
     const std::string reading = "Reading the document";
-    app.add_flag("--lines", o.lines,
+    app.add_flag("--lines", o.reading.text.lines,
                  "JSON Lines: a value in each line, no more and no less, or\nnothing (default: by "
                  "the name, .jsonl or .ndjson)")
         ->group(reading);
-    app.add_option("--encoding", o.encoding,
+    app.add_option("--encoding", o.reading.text.encoding,
                    "encoding of FILE, any that ICU names (default: auto, by\na byte order mark or "
                    "zero bytes, else UTF-8)")
         ->type_name("NAME")
@@ -230,7 +230,7 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_option("--depth", raw.depth, "deepest nesting allowed, 0 for any (default: 1000)")
         ->type_name("N")
         ->group(reading);
-    app.add_flag("--compress", o.compress, "keep the records compressed")->group(reading);
+    app.add_flag("--compress", o.reading.compress, "keep the records compressed")->group(reading);
     app.add_option("--memory", raw.memory, "memory to use (default: what the machine has free)")
         ->type_name("SIZE")
         ->group(reading);
@@ -239,7 +239,7 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
                    "(default: half of --memory, else an eighth of what is free)")
         ->type_name("SIZE")
         ->group(reading);
-    app.add_option("--cache", o.cache,
+    app.add_option("--cache", o.reading.cache,
                    "a new or empty file for such records; it stays\n(default: a private one in "
                    "$TMPDIR or /tmp, removed)")
         ->type_name("FILE")
@@ -266,17 +266,17 @@ void print(const std::string& text) {
 
 void translate(const CLI::App& app, const Raw& raw, Options& o) {
     o.limit = countOr(o.limit, app, "--limit", raw.limit);
-    o.ordinals = countOr(o.ordinals, app, "--ordinals", raw.ordinals);
-    o.depth = countOr(o.depth, app, "--depth", raw.depth);
+    o.reading.ordinals = countOr(o.reading.ordinals, app, "--ordinals", raw.ordinals);
+    o.reading.depth = countOr(o.reading.depth, app, "--depth", raw.depth);
     const uint64_t threads =
         countOr(std::max(1U, std::thread::hardware_concurrency()), app, "--threads", raw.threads);
     if (threads == 0) {
         usageError("--threads: must be more than 0");
     }
     o.threads = static_cast<unsigned>(std::min<uint64_t>(threads, kMostThreads));
-    o.keepFree = sizeOf(app, "--keep-free", raw.keepFree);
-    o.memory = sizeOf(app, "--memory", raw.memory);
-    o.debug = debugString(raw.debug);
+    o.reading.keepFree = sizeOf(app, "--keep-free", raw.keepFree);
+    o.reading.memory = sizeOf(app, "--memory", raw.memory);
+    o.reading.debug = debugString(raw.debug);
     o.format = findFormat(raw.format);
     if (o.format == nullptr) {
         usageError("--format: " + inQuotes(raw.format) + " is none of " + formatNames());
@@ -285,21 +285,23 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
         checkNull(raw.null, *o.format);
         o.formatOptions.null = raw.null;
     }
-    o.replaceInvalid = raw.invalid == "replace";
-    if (!o.replaceInvalid && raw.invalid != "error") {
+    o.reading.text.replaceInvalid = raw.invalid == "replace";
+    if (!o.reading.text.replaceInvalid && raw.invalid != "error") {
         usageError("--invalid: " + inQuotes(raw.invalid) + " is none of error, replace");
     }
-    if (o.memory == uint64_t{0}) {
+    if (o.reading.memory == uint64_t{0}) {
         usageError("--memory: must be more than 0");
     }
-    if (o.alldataName.size() > kLongestAlldataName) {
+    if (o.reading.alldataName.size() > kLongestAlldataName) {
         usageError("--alldata-name: at most 40 bytes");
     }
     if (o.names && o.columns) {
         usageError("--names and --columns exclude each other");
     }
-    const std::pair<const char*, const std::string&> files[] = {
-        {"--output", o.out}, {"--cache", o.cache}, {"--map", o.map}, {"--rejects", o.rejects}};
+    const std::pair<const char*, const std::string&> files[] = {{"--output", o.out},
+                                                                {"--cache", o.reading.cache},
+                                                                {"--map", o.map},
+                                                                {"--rejects", o.rejects}};
     for (const auto& [option, name] : files) {
         if (app.count(option) != 0 && name.empty()) {
             usageError(std::string(option) + ": the name is empty");

@@ -4,9 +4,9 @@
 #pragma once
 
 #include "formats/formats.h"
+#include "tools/cli/options/reading_options.h"
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,23 +29,13 @@ struct Options {
     std::string map;      // file of a user's map; empty: the automatic one
     std::string rejects;  // file for values that are rejected; empty: none
 
+    ReadingOptions reading;
     bool retain = false;
-    bool compress = false;
     bool force = false;
     bool quiet = false;
     const Format* format = nullptr;
     FormatOptions formatOptions;
-    uint64_t ordinals = UINT64_MAX;
-    uint64_t depth = 1000;
     unsigned threads = 1;  // of convert
-    std::optional<uint64_t> keepFree;
-    std::optional<uint64_t> memory;
-    std::string alldataName = "ALLDATA";
-    std::string encoding = "auto";
-    bool lines = false;           // JSON Lines
-    bool replaceInvalid = false;  // what is wrong in the encoding becomes U+FFFD
-    std::string cache;
-    std::string debug;  // as the engine wants it: ",MAP,READ,"; empty: none
 };
 
 // Throws a Failure (WRONG_USAGE).  Prints help and version on standard output.

@@ -64,10 +64,10 @@ void findPlaces(const Options& options, std::vector<Line>& lines) {
     if (watches.empty() || !staysInPlace(options.operands[0])) {
         return;
     }
-    Options again = options;
+    ReadingOptions again = options.reading;
     again.cache.clear();
     again.debug.clear();
-    const Session session(again, options.operands[0], {}, watches);
+    const Session session(again, options.operands[0], {}, {.watches = watches});
     for (std::size_t i = 0; i < wanted.size(); ++i) {
         wanted[i]->place = session.document().watched(i);
     }

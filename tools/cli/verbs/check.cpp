@@ -22,7 +22,7 @@ ExitCode checkAccount(const Options& options) {
     std::vector<qvej::PathAccount> accounts;
     std::vector<qvej::Spot> starts;
     {
-        const Session session(options);
+        const Session session(options.reading, options.operands[0], options.map);
         try {
             accounts = qvej::accountOf(session.document(), options.retain);
         } catch (const qvej::Error& error) {
@@ -39,7 +39,7 @@ ExitCode runCheck(const Options& options) {
     if (options.account) {
         return checkAccount(options);
     }
-    const Session session(options);
+    const Session session(options.reading, options.operands[0]);
     if (!options.quiet) {
         tellWellFormed(session);
     }

@@ -77,7 +77,7 @@ ExitCode convert(const Options& options, const Session& session) {
     if (!options.quiet) {
         tell(counted(tables.size(), "table") + ", " + counted(rows, "row") + " in " + options.out);
     }
-    const std::string shared = sharedNames(document, options.alldataName);
+    const std::string shared = sharedNames(document, options.reading.alldataName);
     if (!shared.empty() && !options.quiet) {
         tell(shared);
     }
@@ -107,7 +107,7 @@ void checkOutput(const Options& options) {
 
 ExitCode convertAndAccount(const Options& options, Account& account) {
     std::optional<cleanup::Output> output(options.out);  // for a signal while the document is read
-    const Session session(options);
+    const Session session(options.reading, options.operands[0], options.map);
     output.reset();
     if (session.map() != nullptr && !options.quiet) {
         tellMapOddities(session.map()->name(), session.document().tables());

@@ -7,6 +7,7 @@
 #include "tools/cli/maps/map_fit.h"
 #include "tools/cli/maps/map_model.h"
 #include "tools/cli/maps/map_output.h"
+#include "tools/cli/maps/separator_watch.h"
 #include "tools/cli/reports/remarks.h"
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"
@@ -27,11 +28,12 @@ void tellCounted(const std::string& file, std::size_t count, const std::string& 
     }
 }
 
-// What the map says of the document and --map will not find, or will refuse.
-void tellGaps(const Session& session) {
+// What the map says of the document and --map will not find, or will refuse.  `separators`: a name
+// of the document may hold the byte 0x02, which divides paths.
+void tellGaps(const Session& session, bool separators) {
     const qvej::Document& document = session.document();
     Findings findings = namesWithSlash(document);
-    if (session.separatorEscaped()) {
+    if (separators) {
         const Findings further = namesWithSeparator(document);
         findings.insert(findings.end(), further.begin(), further.end());
     }
@@ -89,12 +91,14 @@ std::string exactMap(const std::string& file, const qvej::Document& document) {
 ExitCode runMap(const Options& options) {
     const Sources sources = sourcesOf(options.operands[0], {});
     checkMapOutput(options, sources);
-    const Session session(options);
+    SeparatorWatch separators;
+    const Session session(options.reading, options.operands[0], {},
+                          {.observer = [&](std::string_view piece) { separators.take(piece); }});
     const qvej::Document& document = session.document();
     putMap(options.exact ? exactMap(session.name(), document) : document.mapText(), options,
            sources);
     try {
-        tellGaps(session);
+        tellGaps(session, separators.found());
     } catch (const qvej::Error& error) {
         session.failReading(error);
     }

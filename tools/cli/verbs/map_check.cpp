@@ -63,7 +63,7 @@ ExitCode runMapCheck(const Options& options) {
         qvej::Engine engine;
         printMap(out, MapFile(engine, options.operands[0]), engine, options.quiet);
     } else {
-        const Session session(options, options.operands[1], options.operands[0]);
+        const Session session(options.reading, options.operands[1], options.operands[0]);
         printMap(out, *session.map(), session.engine(), options.quiet);
         fits = printFit(out, session);
     }

@@ -71,7 +71,7 @@ std::string reason(const qvej::PathStatistics& statistics) {
 }  // namespace
 
 ExitCode runMapExplain(const Options& options) {
-    const Session session(options);
+    const Session session(options.reading, options.operands[0]);
     const auto [table, column] = find(session.document(), options.operands[1]);
     Writer out = standardOutput();
     const auto line = [&](const std::string& text) { out.append(qvej::shown(text) + "\n"); };

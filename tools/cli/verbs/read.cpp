@@ -27,8 +27,8 @@ const qvej::Table& findTable(const qvej::Document& document, const Options& opti
     for (const qvej::Table& other : document.tables()) {
         names.push_back(other.name);
     }
-    if (!options.alldataName.empty()) {
-        names.push_back(options.alldataName);
+    if (!options.reading.alldataName.empty()) {
+        names.push_back(options.reading.alldataName);
     }
     const std::string hint = suggestion(name, names);
     throw Failure(NO_TABLE, "no table named " + visible(name) +
@@ -67,20 +67,20 @@ ExitCode runRead(const Options& options) {
     if (!options.rejects.empty()) {
         OutputFiles::checkFile(options.rejects, options.force, sources);
     }
-    const Session session(options);
+    const Session session(options.reading, options.operands[0], options.map);
     const qvej::Document& document = session.document();
     if (session.map() != nullptr && !options.quiet) {
         tellMapOddities(session.map()->name(), document.tables());
     }
     const qvej::Table& table = findTable(document, options);
-    const std::string hiding = hiddenAlldata(document, options.alldataName);
+    const std::string hiding = hiddenAlldata(document, options.reading.alldataName);
     if (!hiding.empty() && !options.quiet &&
-        qvej::equalIgnoringCase(table.name, options.alldataName)) {
+        qvej::equalIgnoringCase(table.name, options.reading.alldataName)) {
         tell(hiding);
     }
     try {
         Rejects rejects(options.rejects, options.force, sources);
-        if (!options.debug.empty()) {
+        if (!options.reading.debug.empty()) {
             noteReading(document, table, options);
         }
         const uint64_t rows = writeRows(document, table, options, rejects);

@@ -59,7 +59,7 @@ ExitCode tellCutStrings(const Session& session) {
 }  // namespace
 
 ExitCode runRecords(const Options& options) {
-    const Session session(options);
+    const Session session(options.reading, options.operands[0]);
     try {
         Writer out = standardOutput();
         qvej::RecordCursor records(session.document());

@@ -51,7 +51,7 @@ std::vector<Row> listColumns(const qvej::Document& document) {
 }  // namespace
 
 ExitCode runTables(const Options& options) {
-    const Session session(options);
+    const Session session(options.reading, options.operands[0], options.map);
     const qvej::Document& document = session.document();
     if (session.map() != nullptr) {
         if (!options.quiet) {
@@ -66,7 +66,7 @@ ExitCode runTables(const Options& options) {
     print(out, rows);
     out.flush();
 
-    const std::string shared = sharedNames(document, options.alldataName);
+    const std::string shared = sharedNames(document, options.reading.alldataName);
     if (!shared.empty() && !options.quiet) {
         tell(shared);
     }

@@ -1,0 +1,54 @@
+// See byte_source.h.
+#include "client/input/byte_source.h"
+
+#include "client/input/raw_file.h"
+
+#include <memory>
+#include <utility>
+
+namespace qvej {
+namespace {
+
+constexpr std::size_t kPieceBytes = std::size_t{1} << 20;
+constexpr std::size_t kTellingBytes = 4;  // of a byte order mark, or of a packed file
+
+}  // namespace
+
+ByteSource ByteSource::file(const std::string& path) {
+    const auto file = std::make_shared<RawFile>(path);
+    return {[file] { return file->next(); }, file->name()};
+}
+
+ByteSource ByteSource::memory(std::string_view bytes, std::string name) {
+    return {[bytes]() mutable {
+                const std::string_view piece = bytes.substr(0, kPieceBytes);
+                bytes.remove_prefix(piece.size());
+                return piece;
+            },
+            std::move(name)};
+}
+
+ByteSource ByteSource::pulled(Pull pull, std::string name) {
+    return {std::move(pull), std::move(name)};
+}
+
+std::string_view ByteSource::next() {
+    const std::string_view piece = pull();
+    if (std::exchange(begun_, true) || piece.size() >= kTellingBytes) {
+        return piece;
+    }
+    start_ = piece;
+    while (start_.size() < kTellingBytes && !ended_) {
+        start_ += pull();
+    }
+    return start_;
+}
+
+// Nothing is asked for again after the end.
+std::string_view ByteSource::pull() {
+    const std::string_view piece = ended_ ? std::string_view() : pull_();
+    ended_ = piece.empty();
+    return piece;
+}
+
+}  // namespace qvej

@@ -1,0 +1,42 @@
+// Where the bytes of a document come from, before anything is made of them.
+//
+// Tested by tests/client/document_reader_test.cpp
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace qvej {
+
+// Gives the next bytes of a text, empty at its end.  They live until the next call.
+using Pull = std::function<std::string_view()>;
+
+class ByteSource {
+   public:
+    // A file, or standard input: "-".  Throws Error (QV_IO_OPEN).
+    static ByteSource file(const std::string& path);
+    // `bytes` must outlive the source.
+    static ByteSource memory(std::string_view bytes, std::string name = "<memory>");
+    // Pieces of any size.  What `pull` throws goes to the caller of `next`.
+    static ByteSource pulled(Pull pull, std::string name);
+
+    // The next piece, empty at the end.  The first one holds at least the bytes that tell what the
+    // text is, if there are as many.  It lives until the next call.  Throws Error (QV_IO_READ).
+    std::string_view next();
+
+    // What messages call it: the file as given, "<stdin>", or the name.
+    [[nodiscard]] const std::string& name() const { return name_; }
+
+   private:
+    ByteSource(Pull pull, std::string name) : pull_(std::move(pull)), name_(std::move(name)) {}
+    std::string_view pull();
+
+    Pull pull_;
+    std::string name_;
+    std::string start_;  // the first pieces, when they are short
+    bool begun_ = false;
+    bool ended_ = false;
+};
+
+}  // namespace qvej

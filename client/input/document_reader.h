@@ -1,0 +1,64 @@
+// A document's text, from wherever it comes, on its way into a Document.
+//
+//     qvej::DocumentReader reader(qvej::ByteSource::file("orders.json.gz"), {});
+//     qvej::Document document(engine, reader.documentOptions());
+//     reader.read(document);
+//
+// What it throws is an Error with the name of the source; a mistake in the text has its place in
+// the source and its excerpt too.
+//
+// Tested by tests/client/document_reader_test.cpp and tests/tool/golden/check.t
+#pragma once
+
+#include "../document.h"
+#include "byte_source.h"
+#include "document_text.h"
+#include "text_trail.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace qvej {
+
+struct TextOptions {
+    std::string encoding = "auto";  // any name that ICU knows; "auto": by the first bytes
+    bool replaceInvalid = false;    // what is wrong in the encoding becomes U+FFFD
+    bool lines = false;             // JSON Lines, whatever the name of the source
+};
+
+class DocumentReader {
+   public:
+    // Reads the first bytes.  Throws Error: they cannot be read, or no encoding has that name.
+    DocumentReader(ByteSource source, const TextOptions& options);
+    DocumentReader(const DocumentReader&) = delete;
+    DocumentReader& operator=(const DocumentReader&) = delete;
+
+    // `options` with what the document must know of this text.  They hold on to the reader, which
+    // must live as long as the document is read.
+    [[nodiscard]] DocumentOptions documentOptions(DocumentOptions options = {}) const;
+
+    // Feeds the whole text to the document, which was made with those options, and finishes it.
+    // `observer` sees each piece before the document does.  Throws Error.
+    void read(Document& document, const std::function<void(std::string_view)>& observer = {});
+
+    // What messages call the source.
+    [[nodiscard]] const std::string& name() const { return text_.name(); }
+
+    // JSON Lines, only because of the name of the source?
+    [[nodiscard]] bool linesByName() const { return linesByName_; }
+
+    // Another encoding than the one that was named, when the first bytes look like that; else null.
+    [[nodiscard]] const std::string* otherEncoding() const { return text_.otherEncoding(); }
+
+   private:
+    void feed(Document& document, const std::function<void(std::string_view)>& observer);
+
+    DocumentText text_;
+    bool linesByName_;
+    bool lines_;
+    TextTrail trail_;
+};
+
+}  // namespace qvej
