@@ -3,7 +3,7 @@
 // Control characters are U+0000 to U+001F, U+007F and U+0080 to U+009F: all that a terminal may act
 // on.  Bytes that are no UTF-8 become U+FFFD, one for each broken sequence.
 //
-// Tested by tests/tool/text_test.cpp
+// Tested by tests/client/excerpt_test.cpp and tests/tool/golden/tables.t
 #pragma once
 
 #include <unicode/utf8.h>
