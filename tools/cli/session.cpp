@@ -7,7 +7,6 @@
 #include "tools/cli/reports/tell.h"
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace qvej::cli {
 
