@@ -5,7 +5,8 @@
 // default.  It makes only async-signal-safe calls, on names that were laid down beforehand.  A
 // second signal ends the tool at once and names what stays.
 //
-// Tested by tests/tool/cleanup_test.cpp, interrupt_test.sh and golden/interrupt.t
+// Tested by tests/formats/cleanup_test.cpp, tests/tool/interrupt_test.sh and
+// tests/tool/golden/interrupt.t
 #pragma once
 
 #include <cstddef>

@@ -8,7 +8,7 @@
 // A directory that had to be made is filled beside its place: the files have their names there, and
 // one renaming of the directory puts all of them in place.
 //
-// Tested by tests/tool/output_files_test.cpp, tests/tool/golden/interrupt.t and
+// Tested by tests/formats/output_files_test.cpp, tests/tool/golden/interrupt.t and
 // tests/tool/golden/convert.t
 #pragma once
 

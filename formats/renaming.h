@@ -1,6 +1,6 @@
 // Giving files their names so that none is lost on the way.
 //
-// Tested by tests/tool/renaming_test.cpp
+// Tested by tests/formats/renaming_test.cpp
 #pragma once
 
 #include <string>

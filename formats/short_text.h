@@ -2,7 +2,7 @@
 //
 // Cells are short: most have fewer than 16 bytes, and neither a search nor memcpy pays for those.
 //
-// Tested by tests/tool/short_text_test.cpp
+// Tested by tests/formats/short_text_test.cpp
 #pragma once
 
 #include <cstddef>
