@@ -43,7 +43,8 @@ CellValues::CellValues(const Document& document, const Table& table, RejectHandl
     for (const Column& column : table.columns) {
         const bool numeric =
             column.type == ColumnType::ORDINAL || column.type == ColumnType::NUMERIC;
-        places_.push_back({column.length, numeric, nullptr});
+        const bool boolean = column.logicalType == LogicalType::BOOLEAN;
+        places_.push_back({column.length, numeric, boolean, nullptr});
     }
     if (!utf8_) {
         scratch_.resize(places_.size());

@@ -36,6 +36,7 @@ class CellValues : public Row {
     struct Place {
         std::size_t length;  // bytes of a character cell
         bool numeric;
+        bool boolean;          // its values are all booleans
         Converted* converted;  // null: none
     };
 

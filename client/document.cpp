@@ -20,6 +20,24 @@ std::string_view view(const char* text, QVStrSize textLen) {
                            : std::string_view(text, static_cast<std::size_t>(textLen));
 }
 
+LogicalType logicalTypeOf(const JMAPColumnInfo& info) {
+    if (info.type == JMAP_ORDINAL) {
+        return LogicalType::INTEGER;
+    }
+    switch (info.kinds & ~(1U << JMAP_KIND_NULL)) {
+        case 0:  // not known, or there is nothing but null
+            return info.type == JMAP_NUMERIC ? LogicalType::DOUBLE : LogicalType::TEXT;
+        case 1U << JMAP_KIND_BOOLEAN:
+            return LogicalType::BOOLEAN;
+        case 1U << JMAP_KIND_NUMBER:
+            return LogicalType::DOUBLE;
+        case 1U << JMAP_KIND_STRING:
+            return LogicalType::TEXT;
+        default:
+            return LogicalType::MIXED;
+    }
+}
+
 }  // namespace
 
 Document::Document(Engine& engine, const DocumentOptions& options)
@@ -200,7 +218,7 @@ Column Document::describe(JMAPColumnh handle) const {
         return codec_.decoded(view(at, length));
     };
     Column column = {text(info.name, info.nameLen), text(info.path, info.pathLen),
-                     static_cast<ColumnType>(info.type), kNumberBytes};
+                     static_cast<ColumnType>(info.type), logicalTypeOf(info), kNumberBytes};
     if (column.type == ColumnType::CHARACTER) {
         column.length = std::min(info.length, kLongestCell);
     }

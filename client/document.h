@@ -51,6 +51,16 @@ enum class ColumnType {
     CHARACTER = JMAP_CHARACTER
 };
 
+// What the values of a column are.  In a map that is given it follows from the column's type, since
+// the map may be for other documents too.
+enum class LogicalType {
+    BOOLEAN,  // true and false
+    INTEGER,  // counts, of an ordinal
+    DOUBLE,   // numbers
+    TEXT,     // texts
+    MIXED     // values of several kinds: cells are as the column's type says
+};
+
 // A FORMAT or INFORMAT of a map: a name of the catalogue or a "%" pattern.
 struct Conversion {
     std::string name;  // empty: none
@@ -62,6 +72,7 @@ struct Column {
     std::string name;
     std::string path;  // separator 0x02 (withSlashes shows it); empty: none
     ColumnType type;
+    LogicalType logicalType;  // null, which any column may have, apart
     uint64_t length;  // bytes in a row: 8, or of a character column (to 32767) the map's length or
                       // else the longest value's
 

@@ -17,7 +17,8 @@ struct Cell {
         COUNT,    // `count`
         NUMBER,   // `number`, which may be infinite but is no NaN; with a format also `text`
         DIGITS,   // a number as the document writes it: `text`, a number of JSON
-        TEXT      // `text`, UTF-8, may be empty
+        TEXT,     // `text`, UTF-8, may be empty
+        BOOLEAN   // in a column of booleans: `text`, true or false, and `count`, 1 or 0
     };
     Kind kind = MISSING;
     double number = 0;

@@ -115,9 +115,13 @@ Cell PassRow::asDouble(const PassCell& cell) const {
 }
 
 // A word, or a text that may be a number.
-Cell PassRow::numberOfText(const PassCell& cell) const {
-    const Cell number = asDouble(cell);
+Cell PassRow::numberOfText(const Place& at, const PassCell& cell) const {
     const std::string_view text = textOf(cell);
+    if (at.boolean) {
+        return text == "true" ? Cell{Cell::BOOLEAN, 0, "true", 1}
+                              : Cell{Cell::BOOLEAN, 0, "false", 0};
+    }
+    const Cell number = asDouble(cell);
     const bool digits = number.kind == Cell::NUMBER && text != "true" && text != "false";
     return digits ? Cell{Cell::DIGITS, 0, text} : number;
 }

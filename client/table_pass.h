@@ -86,7 +86,8 @@ class PassRow final : public CellValues {
     bool take(const PassItem& item);
 
     // A number in a numeric column, or a text there that is one, is DIGITS unless the column has a
-    // format or an informat.  A text lives until the next item is taken.
+    // format or an informat; a boolean is BOOLEAN where all of the column are, else 1 or 0.  A text
+    // lives until the next item is taken.
     [[nodiscard]] Cell cell(std::size_t column) const override {
         const PassCell& cell = cells_[column];
         if (cell.kind == JMAP_CELL_MISSING) {
@@ -102,7 +103,7 @@ class PassRow final : public CellValues {
         if (cell.kind == JMAP_KIND_NULL) {
             return {Cell::NUL};
         }
-        return at.numeric ? number(cell) : character(column, at, cell);
+        return at.numeric ? number(at, cell) : character(column, at, cell);
     }
 
     // Rows completed so far.
@@ -118,14 +119,14 @@ class PassRow final : public CellValues {
     static std::string_view textOf(const PassCell& cell) {
         return {cell.text, static_cast<std::size_t>(cell.textLen)};
     }
-    [[nodiscard]] Cell number(const PassCell& cell) const {
+    [[nodiscard]] Cell number(const Place& at, const PassCell& cell) const {
         return cell.kind == JMAP_KIND_NUMBER ? Cell{Cell::DIGITS, 0, textOf(cell)}
-                                             : numberOfText(cell);
+                                             : numberOfText(at, cell);
     }
     [[nodiscard]] Cell character(std::size_t column, const Place& at, const PassCell& cell) const {
         return {Cell::TEXT, 0, text(column, textOf(cell).substr(0, at.length))};
     }
-    [[nodiscard]] Cell numberOfText(const PassCell& cell) const;
+    [[nodiscard]] Cell numberOfText(const Place& at, const PassCell& cell) const;
     [[nodiscard]] Cell asDouble(const PassCell& cell) const;
     [[nodiscard]] Cell converted(const Place& at, const PassCell& cell) const;
     void convertAll();

@@ -48,6 +48,7 @@ class CsvSink final : public qvej::Sink {
             case qvej::Cell::COUNT:
                 fields_.count(cell.count, counts);
                 break;
+            case qvej::Cell::BOOLEAN:
             case qvej::Cell::DIGITS:
                 fields_.digits(cell.text);
                 break;

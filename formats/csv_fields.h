@@ -33,7 +33,7 @@ class CsvFields {
             out_.advance(copyText(begin(text.size()), text));
         }
     }
-    void digits(std::string_view digits) {  // a number as it stands
+    void digits(std::string_view digits) {  // a number or a word as it stands
         if (isNull(digits)) {
             writeQuoted(digits);
         } else {

@@ -65,6 +65,7 @@ class NdjsonSink final : public qvej::Sink {
             case qvej::Cell::COUNT:
                 out_.advance(counts.write(out_.room(kNumberChars), cell.count));
                 break;
+            case qvej::Cell::BOOLEAN:
             case qvej::Cell::DIGITS:
                 put(cell.text);
                 break;

@@ -54,7 +54,7 @@ typedef struct JMAPFormat {
     uint64_t decimals;
 } JMAPFormat;
 
-/* What stands behind `length` is of user maps only. */
+/* What stands behind `kinds` is of user maps only. */
 typedef struct JMAPColumnInfo {
     const char* name; /* null when a user map gives none */
     QVStrSize nameLen;
@@ -62,6 +62,8 @@ typedef struct JMAPColumnInfo {
     QVStrSize pathLen;
     int32_t type;     /* JMAP_ORDINAL, JMAP_NUMERIC, JMAP_CHARACTER */
     uint64_t length;  /* the map's: longest value of a character column; not yet capped */
+    uint32_t kinds;   /* automatic map: the bit 1 << JMAP_KIND_... for each kind that the values of
+                         the column are of; 0: not known */
     const char* label;
     QVStrSize labelLen; /* 0: none */
     JMAPFormat format;

@@ -24,6 +24,17 @@ void notePath(JMAP_PRIVATE* p, const QVChar* fmt, const PATHINFO& info) {
     }
 }
 
+// The kinds of the values of a path, a bit each; 0 when one was lost for want of memory.
+uint8_t kindsOf(const PATHINFO& info) {
+    unsigned kinds = 0;
+    int64_t count = 0;
+    for (const PATHKIND* kind = &info.kinds; kind != nullptr; kind = kind->next) {
+        kinds |= 1U << kind->kind;
+        count += kind->count;
+    }
+    return count == info.count ? static_cast<uint8_t>(kinds) : uint8_t{0};
+}
+
 QVStatus addColumn(JMAP_PRIVATE* p, DSINFO* ds, const PATHINFO& info, COLUMNNAMES& names) {
     auto* column = poolNew<VARINFO>(p->cpool);
     char* name = poolBytes(p->cpool, kNameMax);
@@ -42,6 +53,7 @@ QVStatus addColumn(JMAP_PRIVATE* p, DSINFO* ds, const PATHINFO& info, COLUMNNAME
     }
     column->pathLen = info.pathLen;
     column->type = info.type;
+    column->kinds = kindsOf(info);
     column->length = static_cast<uint64_t>(info.pathMaxValLen);
     append(ds->vhead, ds->vtail, column);
     ds->varcount += 1;

@@ -28,7 +28,8 @@ struct VARINFO {
     char* path;  // of the values; of an ordinal: what it counts.  Null: none (ALLDATA)
     QVStrSize pathLen;
     VARTYPE type;
-    uint64_t length;         // bytes; VAR_CHAR: longest value, not yet capped
+    uint8_t kinds;    // automatic map: the bit 1 << VALTYPE for each kind of its values, or 0
+    uint64_t length;  // bytes; VAR_CHAR: longest value, not yet capped
     bool lengthFromAutomap;  // user map: `length` came from the automatic map
     uint64_t offset;         // in the row buffer; the reader's
     uint64_t ordinalValue;   // running count; the reader's

@@ -127,6 +127,7 @@ void jmapColumnInfo(JMAPColumnh column, JMAPColumnInfo* info) {
              .pathLen = column->pathLen,
              .type = column->type,
              .length = column->length,
+             .kinds = column->kinds,
              .label = column->label,
              .labelLen = column->labelLen,
              .format = {column->format, column->formatLen, column->formatWidth, column->formatDec},

@@ -89,6 +89,58 @@ TEST(Client, ADocumentThatFinishesIsWhole) {
     EXPECT_EQ(failures.size(), 5U) << "besides: some number of tables is missing";
 }
 
+// What the column "v" of the table "root" has; "" for a document that did not finish.
+std::string kindOf(qvej::Engine& engine, const std::string& values, uint64_t failing = 0) {
+    constexpr const char* kNames[] = {"BOOLEAN", "INTEGER", "DOUBLE", "TEXT", "MIXED"};
+    std::string kind;
+    try {
+        qvej::Document document(engine);
+        qvPortableFailAllocation(engine.host(), failing, 0);
+        for (const char value : "[" + values) {
+            document.feed(value == '?' ? R"({"v":)" : std::string(1, value));
+        }
+        document.feed("]");
+        document.finish();
+        const std::vector<qvej::Column>& columns = document.tables().at(0).columns;
+        EXPECT_EQ(columns.front().logicalType, qvej::LogicalType::INTEGER);
+        kind = kNames[static_cast<std::size_t>(columns.back().logicalType)];
+    } catch (const qvej::Error&) {
+    }
+    qvPortableFailAllocation(engine.host(), 0, 0);
+    return kind;
+}
+
+TEST(Client, AColumnIsOfTheKindOfItsValues) {
+    const struct {
+        const char *values, *kind;
+    } cases[] = {
+        {"?true},?false},?null}", "BOOLEAN"},
+        {"?null}", "DOUBLE"},
+        {"?1},?null},?2.5}", "DOUBLE"},
+        {"?\"\"},?null}", "TEXT"},
+        {"?true},?1}", "MIXED"},
+        {"?1},?true}", "MIXED"},
+        {"?true},?\"true\"}", "MIXED"},
+        {"?1},?\"1\"}", "MIXED"},
+    };
+    qvej::Engine engine;
+    for (const auto& c : cases) {
+        EXPECT_EQ(kindOf(engine, c.values), c.kind) << c.values;
+    }
+}
+
+// When there is no memory to note a second kind, the first is not taken for all.
+TEST(Client, AColumnOfKindsThatWereLostIsOfNone) {
+    qvej::Engine engine;
+    std::map<std::string, int> kinds;
+    for (uint64_t failing = 1; failing < 200; ++failing) {
+        ++kinds[kindOf(engine, "?true},?1},?true}", failing)];
+    }
+    EXPECT_EQ(kinds["BOOLEAN"], 0);
+    EXPECT_GT(kinds["DOUBLE"], 0);
+    EXPECT_GT(kinds["MIXED"], 0);
+}
+
 TEST(Client, CursorsStandBesideEachOtherEndAndRewind) {
     qvej::Engine engine;
     qvej::Document document(engine);

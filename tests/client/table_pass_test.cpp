@@ -17,6 +17,7 @@ using Lines = std::vector<std::string>;
 // nothing.
 Cell asCursor(const Cell& cell, bool numeric) {
     switch (cell.kind) {
+        case Cell::BOOLEAN:
         case Cell::COUNT:
             return {Cell::NUMBER, static_cast<double>(cell.count)};
         case Cell::DIGITS:
@@ -94,8 +95,8 @@ TEST(TablePass, GivesTheCellsAndRejectsOfCursors) {
     const std::string document =
         R"([{"x":"1","n":"1,234","s":"h\u00e9\u00e9\u00e9 ","p":{}},{"p":{},"x":true},
             {"x":"bad","n":"no","s":null,"x":"bad2","x":3},{},{"s":"","n":"","x":null},
-            {"x":"last bad","n":"5"},{"p":[{},{"q":1}],"n":null,"p":"7"},{"x":"null","n":"7 8"},
-            {"x":-1e999,"s":"x  "}, {"y":1}])";
+             {"x":"last bad","n":"5"},{"p":[{},{"q":1}],"n":null,"p":"7"},{"x":"null","n":"7 8"},
+             {"x":-1e999,"s":"x  ","b":false}, {"y":1,"b":null},{"b":true,"c":true},{"c":0}])";
     qvej::Engine engine;
     for (const char* encoding : {"utf-8", "iso-8859-1"}) {
         for (const bool mapped : {false, true}) {

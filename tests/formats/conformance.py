@@ -1,11 +1,15 @@
 #!/usr/bin/env python3
-"""Every NDJSON output is read back by a parser that is not ours, and the CSV output of the same table
-must be what follows from it, byte by byte; where a document is one table, its NDJSON is the document.
+"""What is written in each format is read back by readers that are not ours.
 
-    ndjson.py QVEJMAP SOURCE      SOURCE: the project; real documents are in SOURCE/../shared/data
+Rows of random documents are what the documents say.  Every NDJSON output is read back, and the CSV
+output of the same table must be what follows from it, byte by byte; where a document is one table, its
+NDJSON is the document.
+
+    conformance.py QVEJMAP SOURCE      SOURCE: the project; real documents are in SOURCE/../shared/data
 """
 
 import csv
+import io
 import json
 import os
 import random
@@ -24,6 +28,8 @@ class Digits(str):
 
 
 def field(cell, alone):
+    if isinstance(cell, bool):
+        return "true" if cell else "false"
     if cell is None or isinstance(cell, Digits):
         return cell or "NULL"
     quoted = any(c in cell for c in ',"\r\n') or cell == "NULL" or (alone and not cell)
@@ -68,8 +74,96 @@ def flat_objects(make):
         yield "{" + ",".join(members) + "}"
 
 
+NO_VALUE = "~"  # no text of the random documents
+NUMBERS = "0 -0 7 1.10 1E5 -2.5e-3 12345678901234567890 1e400 0.1000000000000000055511151231257827".split()
+TEXTS = ["", " ", "a b", 'say "hi"', "x,y", "two\nlines", "\r", "\t\u0001\u007f", "日本 🂡", "null", "true", "1"]
+
+
+def read_csv(text):
+    """Rows by column; what a field means is not told."""
+    for row in csv.DictReader(io.StringIO(text, newline="")):
+        yield {name: None if cell == NO_VALUE else cell for name, cell in row.items()}
+
+
+def read_ndjson(text):
+    for line in text.split("\n")[:-1]:
+        yield json.loads(line, parse_int=Digits, parse_float=Digits)
+
+
+def as_texts(row):
+    """What CSV says of a row: everything is a text, and no value is as null."""
+    return {name: None if cell in (None, ABSENT) else str(cell).lower() if isinstance(cell, bool) else str(cell)
+            for name, cell in row.items()}
+
+
+def without_absent(row):
+    return {name: cell for name, cell in row.items() if cell is not ABSENT}
+
+
+ABSENT = object()
+# By format: options, reader, and what it can tell of a row.
+READERS = {
+    "csv": (["--null", NO_VALUE], read_csv, as_texts),
+    "ndjson": ([], read_ndjson, without_absent),
+}
+
+
+def shown(cell, kinds):
+    """The cell that a value comes to in a column of values of these kinds."""
+    if isinstance(cell, bool) and kinds != {"boolean"}:
+        return ("true" if cell else "false") if "text" in kinds else Digits(int(cell))
+    return str(cell) if isinstance(cell, Digits) and "text" in kinds else cell
+
+
+def random_table(make):
+    """A JSON text whose table r has these rows."""
+    values = {"boolean": lambda: make.random() < 0.5, "number": lambda: Digits(make.choice(NUMBERS)),
+              "text": lambda: make.choice(TEXTS)}
+    columns = {f"c{i}": make.sample(sorted(values), make.choice([1, 1, 2, 3])) for i in range(make.randint(1, 6))}
+    found = {name: set() for name in columns}
+    objects = []
+    for row in range(make.randint(1, 12)):
+        members = {"id": Digits(row)}
+        for name, kinds in columns.items():
+            if row and make.random() < 0.2:
+                continue  # the first row has every column, which gives their order
+            kind = make.choice([*kinds, "null"])
+            members[name] = None if kind == "null" else values[kind]()
+            found[name] |= {kind} - {"null"}
+        objects.append(members)
+    text = ",".join("{" + ",".join(f'"{name}":' + (cell if isinstance(cell, Digits) else json.dumps(cell))
+                                   for name, cell in members.items()) + "}" for members in objects)
+    rows = [{name: shown(members.get(name, ABSENT), found.get(name, {"number"})) for name in ["id", *columns]}
+            for members in objects]
+    return '{"r":[' + text + "]}", rows
+
+
+def same_kind(cells, others):
+    """Equal, and of the same types: True is not 1, and a number is no text."""
+    return [[(k, type(v), v) for k, v in row.items()] for row in cells] == \
+        [[(k, type(v), v) for k, v in row.items()] for row in others]
+
+
+def check_formats(make):
+    refused = subprocess.run([TOOL, "read", "r.json", "r", "--format", "?"], capture_output=True, text=True).stderr
+    assert f"is none of {', '.join(READERS)} (" in refused, "a format without a reader: " + refused
+    for number in range(60):
+        text, rows = random_table(make)
+        with open("r.json", "w") as file:
+            file.write(text)
+        for name, (options, read, expected) in READERS.items():
+            command = ["--format", name, "--ordinals", "0", *options]
+            out = subprocess.run([TOOL, "read", "r.json", "r", *command], capture_output=True, check=True).stdout
+            subprocess.run([TOOL, "convert", "r.json", "-q", "--force", "-o", "r", *command], check=True,
+                           stderr=subprocess.DEVNULL)
+            with open(f"r/r.{name}", "rb") as file:
+                assert file.read() == out, (number, name)
+            assert same_kind(read(out.decode()), [*map(expected, rows)]), (number, name, text, out)
+
+
 with tempfile.TemporaryDirectory(prefix="qvejmap-ndjson-") as place:
     os.chdir(place)
+    check_formats(random.Random(20240301))
     with open("nasty.json", "w") as file:
         file.write(NASTY)
     assert compare("nasty.json") > 20

@@ -4,8 +4,8 @@ $ qvejmap convert orders.json -o out; ls -A out; cat out/orders.csv
   orders_items.csv
   orders_tags.csv
   ordinal_root,ordinal_orders,id,paid\r
-  1,1,1001,1\r
-  1,2,1002,0\r
+  1,1,1001,true\r
+  1,2,1002,false\r
 ! qvejmap: 4 tables, 9 rows in out
 
 # Existing files are refused, and then nothing changes.

@@ -1,8 +1,8 @@
 # CSV: a header, lines that end with CR LF, missing is empty, whole numbers without a point.
 $ for table in orders orders_customer orders_items orders_tags; do qvejmap read orders.json $table; done
   ordinal_root,ordinal_orders,id,paid\r
-  1,1,1001,1\r
-  1,2,1002,0\r
+  1,1,1001,true\r
+  1,2,1002,false\r
   ordinal_root,ordinal_orders,ordinal_customer,name,city\r
   1,1,1,Ada Berg,Oslo\r
   1,2,2,Li Wei,\r
@@ -24,6 +24,32 @@ $ printf '{"r":[{"a":1},{"b":2},{"b":null}]}' | qvejmap read - r --ordinals 0 --
   {"a":1}
   {"b":2}
   {"b":null}
+
+# Booleans: where a column has no other values, the words; beside numbers 1 and 0; beside texts the words, as texts.
+$ printf '[{"b":true,"n":1,"t":"x","z":null},{"b":false,"n":true,"t":false},{"b":null,"n":false,"t":null},{}]' > booleans.json
+$ qvejmap read booleans.json root; qvejmap read booleans.json root --format ndjson; qvejmap read booleans.json root --null true
+  ordinal_root,b,n,t,z\r
+  1,true,1,x,\r
+  2,false,1,false,\r
+  3,,0,,\r
+  {"ordinal_root":1,"b":true,"n":1,"t":"x","z":null}
+  {"ordinal_root":2,"b":false,"n":1,"t":"false"}
+  {"ordinal_root":3,"b":null,"n":0,"t":null}
+  ordinal_root,b,n,t,z\r
+  1,"true",1,x,true\r
+  2,false,1,false,true\r
+  3,true,0,true,true\r
+
+# With a map of one's own the type decides: NUMERIC has 1 and 0, CHARACTER the words.
+$ qvejmap map booleans.json > booleans.map; qvejmap read booleans.json root --map booleans.map
+  ordinal_root,b,n,t,z\r
+  1,1,1,x,\r
+  2,0,1,false,\r
+  3,,0,,\r
+$ sed 's/"b","TYPE":"NUMERIC"/"b","TYPE":"CHARACTER"/' booleans.map | qvejmap read booleans.json root --map - --format ndjson
+  {"ordinal_root":1,"b":"true","n":1,"t":"x","z":null}
+  {"ordinal_root":2,"b":"false","n":1,"t":"false"}
+  {"ordinal_root":3,"b":null,"n":0,"t":null}
 
 # CSV has --null for that.  What looks the same is quoted.
 $ printf '[{"s":"x","n":1},{"s":null,"n":null},{"s":"","n":-0},{"s":"NULL","n":true},{"n":0}]' > null.json
@@ -83,7 +109,7 @@ $ qvejmap read one.json r --null NULL --format ndjson
 # Names in any case; ALLDATA by its exact name.
 $ qvejmap read orders.json ORDERS --limit 1
   ordinal_root,ordinal_orders,id,paid\r
-  1,1,1001,1\r
+  1,1,1001,true\r
 $ qvejmap read orders.json ALLDATA --limit 4
   P,P1,P2,P3,V,Value\r
   1,orders,,,0,\r
@@ -124,7 +150,7 @@ $ qvejmap read orders.json orders --limit 0
 # Every word may stand anywhere; a table may be named like a verb.
 $ qvejmap --limit 1 orders.json --format csv read orders
   ordinal_root,ordinal_orders,id,paid\r
-  1,1,1001,1\r
+  1,1,1001,true\r
 $ printf '{"records":{"map":1}}' | qvejmap read - records
   ordinal_root,ordinal_records,map\r
   1,1,1\r
