@@ -67,7 +67,6 @@ std::size_t formatAll(const qvej::Document& document) {
         std::unique_ptr<qvej::Sink> sink;
     };
     std::size_t bytes = 0;
-    qvej::Writer writer(std::make_unique<Discard>(bytes));
     std::vector<const qvej::Table*> tables;
     for (const qvej::Table& table : document.tables()) {
         tables.push_back(&table);
@@ -79,14 +78,19 @@ std::size_t formatAll(const qvej::Document& document) {
         const qvej::Table& table = *tables[item.table];
         std::unique_ptr<Output>& output = outputs[item.table];
         if (output == nullptr) {
-            output.reset(new Output{{document, table}, qvej::makeCsvSink(writer, {})});
-            output->sink->begin(table.columns);
+            qvej::Writer writer(std::make_unique<Discard>(bytes));
+            output.reset(new Output{{document, table},
+                                    qvej::makeCsvSink(std::move(writer), table.columns, {})});
         }
         if (output->row.take(item)) {
             output->sink->row(output->row);
         }
     }
-    writer.flush();
+    for (const std::unique_ptr<Output>& output : outputs) {
+        if (output != nullptr) {
+            output->sink->end();
+        }
+    }
     return bytes;
 }
 

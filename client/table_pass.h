@@ -5,7 +5,7 @@
 //     qvej::PassItem item;
 //     while (pass.next(item)) {
 //         if (rows[item.table]->take(item)) {
-//             sinks[item.table]->row(*rows[item.table]);
+//             ... rows[item.table]->cell(i) ...
 //         }
 //     }
 //
@@ -134,19 +134,6 @@ class PassRow final : public CellValues {
 
     std::span<const PassCell> cells_;
     std::vector<Cuttable> cuttable_;
-};
-
-// Where rows go: an output format, a table of a database.
-class Sink {
-   public:
-    Sink() = default;
-    virtual ~Sink() = default;
-    Sink(const Sink&) = delete;
-    Sink& operator=(const Sink&) = delete;
-
-    virtual void begin(const std::vector<Column>& columns) = 0;  // once, before the first row
-    virtual void row(const PassRow& row) = 0;
-    virtual void end() = 0;  // once, after the last row
 };
 
 }  // namespace qvej

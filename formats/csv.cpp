@@ -1,65 +1,65 @@
 // CSV with a header row.
 //
-// Numbers have the digits of the document.  No value and null are an empty field, or what --null
-// says; then a text that looks the same is quoted.  In a table of one column an empty field is
-// written "", since many readers pass over an empty line.  Infinity is inf and -inf.
+// Numbers have the digits of the document; a column of booleans has true and false.  No value and
+// null are an empty field, or what --null says; then a text that looks the same is quoted.  In a
+// table of one column an empty field is written "", since many readers pass over an empty line.
+// Infinity is inf and -inf.
 //
-// Tested by tests/tool/golden/read.t
+// Tested by tests/tool/golden/read.t and tests/formats/conformance.py
 #include "formats/csv_fields.h"
 #include "formats/formats.h"
+#include "formats/text_sink.h"
 
 namespace qvej {
 
 namespace {
 
-class CsvSink final : public qvej::Sink {
+class CsvSink final : public TextSink {
    public:
-    CsvSink(Writer& out, const FormatOptions& options)
-        : fields_(out, options.null), nullGiven_(options.null.has_value()) {}
-
-    void begin(const std::vector<qvej::Column>& columns) override {
-        counts_.resize(columns.size());
-        for (const qvej::Column& column : columns) {
+    CsvSink(Writer out, const std::vector<Column>& columns, const FormatOptions& options)
+        : TextSink(std::move(out)),
+          fields_(out_, options.null),
+          nullGiven_(options.null.has_value()),
+          counts_(columns.size()) {
+        for (const Column& column : columns) {
             fields_.text(column.name);
         }
         endLine();
     }
 
-    void row(const qvej::PassRow& row) override {
+    void row(const PassRow& row) override {
         for (std::size_t i = 0; i < counts_.size(); ++i) {
             write(row.cell(i), counts_[i]);
         }
         endLine();
     }
 
-    void end() override {}
-
    private:
-    void write(const qvej::Cell& cell, CountText& counts) {
+    void write(const Cell& cell, CountText& counts) {
         switch (cell.kind) {
-            case qvej::Cell::MISSING:
-            case qvej::Cell::NUL:
+            case Cell::MISSING:
+            case Cell::NUL:
                 if (alone() && !nullGiven_) {
                     fields_.quotedNothing();
                 } else {
                     fields_.null();
                 }
                 break;
-            case qvej::Cell::COUNT:
+            case Cell::COUNT:
                 fields_.count(cell.count, counts);
                 break;
-            case qvej::Cell::BOOLEAN:
-            case qvej::Cell::DIGITS:
+            case Cell::BOOLEAN:
+            case Cell::DIGITS:
                 fields_.digits(cell.text);
                 break;
-            case qvej::Cell::NUMBER:
+            case Cell::NUMBER:
                 if (cell.text.empty()) {
                     fields_.number(cell.number);
                 } else {
                     fields_.text(cell.text);
                 }
                 break;
-            case qvej::Cell::TEXT:
+            case Cell::TEXT:
                 if (cell.text.empty() && alone()) {
                     fields_.quotedNothing();
                 } else {
@@ -83,8 +83,9 @@ class CsvSink final : public qvej::Sink {
 
 }  // namespace
 
-std::unique_ptr<qvej::Sink> makeCsvSink(Writer& out, const FormatOptions& options) {
-    return std::make_unique<CsvSink>(out, options);
+std::unique_ptr<Sink> makeCsvSink(Writer out, const std::vector<Column>& columns,
+                                  const FormatOptions& options) {
+    return std::make_unique<CsvSink>(std::move(out), columns, options);
 }
 
 }  // namespace qvej

@@ -6,8 +6,9 @@ namespace qvej {
 namespace {
 
 constexpr Format kFormats[] = {
-    {"csv", "csv", makeCsvSink},
-    {"ndjson", "ndjson", makeNdjsonSink},
+    {"csv", "csv", false, "the header has it more than once", makeCsvSink},
+    {"ndjson", "ndjson", true, "objects have it more than once, and most programs keep the last",
+     makeNdjsonSink},
 };
 
 }  // namespace

@@ -1,25 +1,35 @@
-// The output formats of rows.  To add one: a file with its sink, a row in the table of formats.cpp,
-// a case in tests/tool/golden/read.t.
+// The output formats of rows.
+//
+// To add one: a file with its sink, a row in the table of formats.cpp, a case in
+// tests/tool/golden/read.t, and a reader in tests/formats/conformance.py.  A format that has all
+// tables in one file, or a database, is a Destination of its own beside TableDirectory.
 #pragma once
 
-#include "client/table_pass.h"
+#include "client/document.h"
+#include "formats/sink.h"
 #include "formats/writer.h"
 
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qvej {
 
 struct FormatOptions {
-    std::optional<std::string> null;  // of CSV: what stands for no value
+    std::optional<std::string> null;  // what stands for no value; only without a null of its own
 };
 
 struct Format {
-    std::string_view name;       // of --format
-    std::string_view extension;  // of files
-    std::unique_ptr<qvej::Sink> (*make)(Writer& out, const FormatOptions& options);
+    std::string_view name;         // of --format
+    std::string_view extension;    // of files
+    bool ownNull;                  // null differs from every text
+    std::string_view sharedNames;  // what happens when columns share a name; empty: nothing
+
+    // A sink for the rows of one table.
+    std::unique_ptr<Sink> (*make)(Writer out, const std::vector<Column>& columns,
+                                  const FormatOptions& options);
 };
 
 // The format of that name, or null.
@@ -28,7 +38,9 @@ const Format* findFormat(std::string_view name);
 // "csv, ndjson"
 std::string formatNames();
 
-std::unique_ptr<qvej::Sink> makeCsvSink(Writer& out, const FormatOptions& options);
-std::unique_ptr<qvej::Sink> makeNdjsonSink(Writer& out, const FormatOptions& options);
+std::unique_ptr<Sink> makeCsvSink(Writer out, const std::vector<Column>& columns,
+                                  const FormatOptions& options);
+std::unique_ptr<Sink> makeNdjsonSink(Writer out, const std::vector<Column>& columns,
+                                     const FormatOptions& options);
 
 }  // namespace qvej

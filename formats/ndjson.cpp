@@ -1,14 +1,16 @@
 // NDJSON: one JSON object a row, its members the columns in order.
 //
 // A column without a value is left out; null, and a value that was rejected, is null.  Numbers have
-// the digits of the document; one with a format is a string, as the format shows it; infinity, when
-// it does not come from digits, is 1e400 and -1e400 (a number of JSON that reads back as infinity).
-// Always valid UTF-8; control characters are escaped.
+// the digits of the document; a column of booleans has true and false; a number with a format is a
+// string, as the format shows it; infinity, when it does not come from digits, is 1e400 and -1e400
+// (a number of JSON that reads back as infinity). Always valid UTF-8; control characters are
+// escaped.
 //
-// Tested by tests/tool/golden/read.t and tests/tool/ndjson.py
+// Tested by tests/tool/golden/read.t and tests/formats/conformance.py
 #include "client/escape.h"
 #include "formats/formats.h"
 #include "formats/number_text.h"
+#include "formats/text_sink.h"
 
 #include <string>
 #include <vector>
@@ -19,23 +21,21 @@ namespace {
 
 constexpr InfinityWords kInfinity = {"1e400", "-1e400"};
 
-class NdjsonSink final : public qvej::Sink {
+class NdjsonSink final : public TextSink {
    public:
-    explicit NdjsonSink(Writer& out) : out_(out) {}
-
-    void begin(const std::vector<qvej::Column>& columns) override {
-        for (const qvej::Column& column : columns) {
+    NdjsonSink(Writer out, const std::vector<Column>& columns) : TextSink(std::move(out)) {
+        for (const Column& column : columns) {
             std::string head = "\"";
             qvej::appendEscaped(head, column.name, qvej::JSON_STRING);
             members_.push_back({head + "\":", {}});
         }
     }
 
-    void row(const qvej::PassRow& row) override {
+    void row(const PassRow& row) override {
         bool first = true;
         for (std::size_t i = 0; i < members_.size(); ++i) {
-            const qvej::Cell cell = row.cell(i);
-            if (cell.kind != qvej::Cell::MISSING) {
+            const Cell cell = row.cell(i);
+            if (cell.kind != Cell::MISSING) {
                 const std::string_view head = members_[i].head;
                 put(first ? "{" : ",");
                 put(head);
@@ -46,8 +46,6 @@ class NdjsonSink final : public qvej::Sink {
         put(first ? "{}\n" : "}\n");
     }
 
-    void end() override {}
-
    private:
     struct Member {
         std::string head;  // "name":
@@ -56,27 +54,27 @@ class NdjsonSink final : public qvej::Sink {
 
     void put(std::string_view text) { out_.advance(copyText(out_.room(text.size()), text)); }
 
-    void writeCell(const qvej::Cell& cell, CountText& counts) {
+    void writeCell(const Cell& cell, CountText& counts) {
         switch (cell.kind) {
-            case qvej::Cell::MISSING:
-            case qvej::Cell::NUL:
+            case Cell::MISSING:
+            case Cell::NUL:
                 put("null");
                 break;
-            case qvej::Cell::COUNT:
+            case Cell::COUNT:
                 out_.advance(counts.write(out_.room(kNumberChars), cell.count));
                 break;
-            case qvej::Cell::BOOLEAN:
-            case qvej::Cell::DIGITS:
+            case Cell::BOOLEAN:
+            case Cell::DIGITS:
                 put(cell.text);
                 break;
-            case qvej::Cell::NUMBER:
+            case Cell::NUMBER:
                 if (cell.text.empty()) {
                     out_.advance(writeNumber(out_.room(kNumberChars), cell.number, kInfinity));
                 } else {
                     writeText(cell.text);
                 }
                 break;
-            case qvej::Cell::TEXT:
+            case Cell::TEXT:
                 writeText(cell.text);
                 break;
         }
@@ -101,14 +99,14 @@ class NdjsonSink final : public qvej::Sink {
         return (b == '"') | (b == '\\') | (b >= 0x7F) | (b < 0x20);
     }
 
-    Writer& out_;
     std::vector<Member> members_;
 };
 
 }  // namespace
 
-std::unique_ptr<qvej::Sink> makeNdjsonSink(Writer& out, const FormatOptions&) {
-    return std::make_unique<NdjsonSink>(out);
+std::unique_ptr<Sink> makeNdjsonSink(Writer out, const std::vector<Column>& columns,
+                                     const FormatOptions&) {
+    return std::make_unique<NdjsonSink>(std::move(out), columns);
 }
 
 }  // namespace qvej

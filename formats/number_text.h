@@ -1,6 +1,6 @@
 // Numbers as text.
 //
-// Tested by tests/tool/golden/cells.t
+// Tested by tests/formats/number_text_test.cpp
 #pragma once
 
 #include "formats/short_text.h"
@@ -20,8 +20,8 @@ struct InfinityWords {
 constexpr std::size_t kNumberChars = 32;  // longest number
 
 // Writes the shortest text that reads back to `number` (not a NaN) at `at`, and returns its end.
-// Whole numbers below 2^63 are written plainly, without point or exponent; beyond, the shortest
-// form has an exponent.
+// Whole numbers below 2^63 are written plainly, without point or exponent; all others in the
+// shorter of the two forms.
 char* writeNumber(char* at, double number, const InfinityWords& infinity);
 
 // The counts of one column, as text.  The one of a parent row comes again and again.

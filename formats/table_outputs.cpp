@@ -7,34 +7,23 @@ namespace qvej {
 
 namespace {
 
-constexpr std::size_t kMostBuffered = std::size_t{32} << 20;  // bytes of all buffers
+constexpr std::size_t kMostHeld = std::size_t{32} << 20;  // bytes, by all sinks
 constexpr std::size_t kItemsAhead = 6;
 
 // The texts are in the records, which the other thread has looked at, not this one.
-void prefetchTexts(const qvej::PassItem& item) {
-    for (const qvej::PassCell& cell : item.cells) {
+void prefetchTexts(const PassItem& item) {
+    for (const PassCell& cell : item.cells) {
         __builtin_prefetch(cell.text);  // of a count: anything, which does no harm
     }
 }
 
 }  // namespace
 
-TableOutputs::Output::Output(TableOutputs& all, std::size_t table)
-    : writer(all.files_.writer(table)),
-      sink(all.format_.make(writer, all.formatOptions_)),
-      row(all.document_, *all.tables_[table], all.rejectsOf_(*all.tables_[table])) {
-    sink->begin(all.tables_[table]->columns);
-}
-
-TableOutputs::TableOutputs(const qvej::Document& document,
-                           const std::vector<const qvej::Table*>& tables, OutputFiles& files,
-                           const Format& format, const FormatOptions& formatOptions,
-                           RejectsOf rejectsOf)
+TableOutputs::TableOutputs(const Document& document, const std::vector<const Table*>& tables,
+                           Destination& destination, RejectsOf rejectsOf)
     : document_(document),
       tables_(tables),
-      files_(files),
-      format_(format),
-      formatOptions_(formatOptions),
+      destination_(destination),
       rejectsOf_(std::move(rejectsOf)),
       outputs_(tables.size()),
       rows_(tables.size()) {}
@@ -42,15 +31,16 @@ TableOutputs::TableOutputs(const qvej::Document& document,
 TableOutputs::Output& TableOutputs::outputOf(std::size_t table) {
     std::unique_ptr<Output>& output = outputs_[table];
     if (output == nullptr) {
-        output = std::make_unique<Output>(*this, table);
-        buffered_ += output->writer.capacity();
+        const Table& of = *tables_[table];
+        output.reset(new Output{destination_.sink(table), {document_, of, rejectsOf_(of)}, 0});
+        count(*output);
     }
     return *output;
 }
 
-void TableOutputs::take(std::span<const qvej::PassItem> items) {
+void TableOutputs::take(std::span<const PassItem> items) {
     for (std::size_t i = 0; i < items.size(); ++i) {
-        const qvej::PassItem& item = items[i];
+        const PassItem& item = items[i];
         if (i + kItemsAhead < items.size()) {
             prefetchTexts(items[i + kItemsAhead]);
         }
@@ -62,29 +52,32 @@ void TableOutputs::take(std::span<const qvej::PassItem> items) {
 }
 
 void TableOutputs::writeRow(std::size_t table, Output& output) {
-    const std::size_t before = output.writer.capacity();
     output.sink->row(output.row);
     ++rows_[table];
-    buffered_ += output.writer.capacity() - before;
-    if (buffered_ > kMostBuffered) {
-        releaseAll();
+    count(output);
+    if (held_ > kMostHeld) {
+        flushAll();
     }
 }
 
-void TableOutputs::releaseAll() {
+void TableOutputs::count(Output& output) {
+    const std::size_t held = output.sink->held();
+    held_ += held - output.held;
+    output.held = held;
+}
+
+void TableOutputs::flushAll() {
     for (const std::unique_ptr<Output>& output : outputs_) {
         if (output != nullptr) {
-            output->writer.release();
+            output->sink->flush();
+            count(*output);
         }
     }
-    buffered_ = 0;
 }
 
 void TableOutputs::end() {
     for (std::size_t table = 0; table < outputs_.size(); ++table) {
-        Output& output = outputOf(table);
-        output.sink->end();
-        output.writer.release();
+        outputOf(table).sink->end();
         outputs_[table].reset();
     }
 }

@@ -1,11 +1,10 @@
-// The rows of a pass on their way into the files of their tables.
+// The rows of a pass on their way to the sinks of their tables.
 //
-// Tested by tests/tool/golden/convert.t
+// Tested by tests/formats/table_outputs_test.cpp
 #pragma once
 
 #include "client/table_pass.h"
-#include "formats/formats.h"
-#include "formats/output_files.h"
+#include "formats/destination.h"
 
 #include <functional>
 #include <memory>
@@ -17,17 +16,16 @@ namespace qvej {
 class TableOutputs {
    public:
     // What takes the rejected values of a table.
-    using RejectsOf = std::function<qvej::RejectHandler(const qvej::Table&)>;
+    using RejectsOf = std::function<RejectHandler(const Table&)>;
 
-    // A file of `files` for each table.  All must outlive this object.
-    TableOutputs(const qvej::Document& document, const std::vector<const qvej::Table*>& tables,
-                 OutputFiles& files, const Format& format, const FormatOptions& formatOptions,
-                 RejectsOf rejectsOf);
+    // `destination` is open for these tables.  All must outlive this object.
+    TableOutputs(const Document& document, const std::vector<const Table*>& tables,
+                 Destination& destination, RejectsOf rejectsOf);
 
-    // Takes items of a pass over the tables.  Throws qvej::Error.
-    void take(std::span<const qvej::PassItem> items);
+    // Takes items of a pass over the tables.  Throws Error.
+    void take(std::span<const PassItem> items);
 
-    // Writes what is left, and what tables without rows have.
+    // Ends all sinks, those of tables without rows too.
     void end();
 
     [[nodiscard]] uint64_t rows(std::size_t table) const { return rows_[table]; }
@@ -35,25 +33,23 @@ class TableOutputs {
    private:
     // Made with the first row: of many tables most are small.
     struct Output {
-        Output(TableOutputs& all, std::size_t table);
-        Writer writer;
-        std::unique_ptr<qvej::Sink> sink;
-        qvej::PassRow row;
+        std::unique_ptr<Sink> sink;
+        PassRow row;
+        std::size_t held;  // by the sink
     };
 
     Output& outputOf(std::size_t table);
     void writeRow(std::size_t table, Output& output);
-    void releaseAll();
+    void count(Output& output);
+    void flushAll();
 
-    const qvej::Document& document_;
-    const std::vector<const qvej::Table*>& tables_;
-    OutputFiles& files_;
-    const Format& format_;
-    const FormatOptions& formatOptions_;
+    const Document& document_;
+    const std::vector<const Table*>& tables_;
+    Destination& destination_;
     RejectsOf rejectsOf_;
     std::vector<std::unique_ptr<Output>> outputs_;
     std::vector<uint64_t> rows_;
-    std::size_t buffered_ = 0;  // bytes of all buffers
+    std::size_t held_ = 0;  // bytes, by all sinks
 };
 
 }  // namespace qvej

@@ -191,6 +191,8 @@ $ printf '{"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root","VARIABLES":[%s]}]}' "$
   {"x":"1","A":"1","a":"1","A":"1","A":"1"}
   x,A,a,A,A\r
   1,1,1,1,1\r
-! qvejmap: twins.map: objects have more than one member of a name, since columns share it: t.A
+! qvejmap: twins.map: columns share a name, so objects have it more than once, and most programs keep the last: t.A
+! qvejmap: twins.map: columns share a name, so the header has it more than once: t.A
 $ qvejmap convert twins.json --map twins.map -o twins -q; qvejmap convert twins.json --map twins.map -o twins -q --format ndjson
-! qvejmap: twins.map: objects have more than one member of a name, since columns share it: t.A
+! qvejmap: twins.map: columns share a name, so the header has it more than once: t.A
+! qvejmap: twins.map: columns share a name, so objects have it more than once, and most programs keep the last: t.A

@@ -51,6 +51,14 @@ $ sed 's/"b","TYPE":"NUMERIC"/"b","TYPE":"CHARACTER"/' booleans.map | qvejmap re
   {"ordinal_root":2,"b":"false","n":1,"t":"false"}
   {"ordinal_root":3,"b":null,"n":0,"t":null}
 
+# Columns of one name, which even the automatic map can have.
+$ echo '{"a1":{"a":{"a":{"x":1}}}}' > twins.json; qvejmap read twins.json a_a; qvejmap read twins.json a_a --format ndjson -q
+  ordinal_root,ordinal_a1,ordinal_a,ordinal_a1,x\r
+  1,1,1,1,1\r
+  {"ordinal_root":1,"ordinal_a1":1,"ordinal_a":1,"ordinal_a1":1,"x":1}
+! qvejmap: twins.json: columns share a name, so the header has it more than once: a_a.ordinal_a1
+! qvejmap: twins.json: columns share a name, so objects have it more than once, and most programs keep the last: a_a.ordinal_a1
+
 # CSV has --null for that.  What looks the same is quoted.
 $ printf '[{"s":"x","n":1},{"s":null,"n":null},{"s":"","n":-0},{"s":"NULL","n":true},{"n":0}]' > null.json
 $ for null in NULL '' 0 1 '\N'; do qvejmap read null.json root --null "$null"; done

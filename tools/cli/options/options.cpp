@@ -60,7 +60,7 @@ std::optional<uint64_t> sizeOf(const CLI::App& app, const char* option, const st
 
 // It stands in the file as it is, without quotes.
 void checkNull(const std::string& text, const Format& format) {
-    if (format.name != "csv") {
+    if (format.ownNull) {
         usageError("--null: " + std::string(format.name) + " has a null of its own");
     }
     if (text.find_first_of(",\"") != std::string::npos || qvej::shown(text) != text) {

@@ -45,9 +45,9 @@ Rejects::File::File(const std::string& file, bool force, const Sources& sources)
 }
 
 Rejects::Rejects(const std::string& file, bool force, const Sources& sources,
-                 const OutputFiles* others)
+                 const Destination* tables)
     : file_(file.empty() ? nullptr : std::make_unique<File>(file, force, sources)) {
-    if (file_ != nullptr && others != nullptr && file_->output.shares(*others)) {
+    if (file_ != nullptr && tables != nullptr && tables->shares(file_->output)) {
         throw Failure(WRONG_USAGE, "--rejects: " + file + " is also the file of a table");
     }
 }
@@ -86,7 +86,7 @@ void Rejects::writeLine(const qvej::Table& table, const qvej::Row& row,
     fields.endLine();
 }
 
-void Rejects::commit(OutputFiles* tables) {
+void Rejects::commit(Destination* tables) {
     OutputFiles* const list = file_ == nullptr ? nullptr : &file_->output;
     if (list != nullptr) {
         file_->writer.flush();

@@ -6,6 +6,7 @@
 
 #include "client/row.h"
 #include "formats/csv_fields.h"
+#include "formats/destination.h"
 #include "formats/output_files.h"
 #include "tools/cli/failure.h"
 
@@ -20,15 +21,15 @@ namespace qvej::cli {
 class Rejects {
    public:
     // `file`: gets a line of CSV for each value; empty: none.  It is there after `commit` only, and
-    // must be neither one of the `sources` nor one of `others`.  Throws a Failure.
+    // must be neither one of the `sources` nor one that `tables` writes.  Throws a Failure.
     Rejects(const std::string& file, bool force, const Sources& sources,
-            const OutputFiles* others = nullptr);
+            const Destination* tables = nullptr);
 
     // What the row of a table calls.  This object and the table must outlive it.
     qvej::RejectHandler handlerFor(const qvej::Table& table);
 
-    // Gives the file its name, and `tables` theirs: all or none.  Throws a Failure.
-    void commit(OutputFiles* tables = nullptr);
+    // Gives the file its name, and commits `tables`: both or none.  Throws a Failure.
+    void commit(Destination* tables = nullptr);
 
     // Tells a line for each column on standard error.  REJECTED, or DONE when there was nothing.
     [[nodiscard]] ExitCode tellAll() const;

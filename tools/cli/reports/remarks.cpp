@@ -143,7 +143,11 @@ std::vector<const qvej::Column*> repeatedNames(const qvej::Table& table) {
     return repeated;
 }
 
-void tellSharedMembers(const std::string& map, const std::vector<const qvej::Table*>& tables) {
+void tellSharedNames(const std::string& map, const std::vector<const qvej::Table*>& tables,
+                     const Format& format) {
+    if (format.sharedNames.empty()) {
+        return;
+    }
     std::vector<std::string> names;
     for (const qvej::Table* table : tables) {
         for (const qvej::Column* column : repeatedNames(*table)) {
@@ -151,7 +155,7 @@ void tellSharedMembers(const std::string& map, const std::vector<const qvej::Tab
         }
     }
     if (!names.empty()) {
-        tell(map + ": objects have more than one member of a name, since columns share it: " +
+        tell(map + ": columns share a name, so " + std::string(format.sharedNames) + ": " +
              firstOf(names));
     }
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "client/document.h"
+#include "formats/formats.h"
 
 #include <string>
 #include <string_view>
@@ -38,9 +39,10 @@ void tellInexact(const std::string& file, const qvej::Document& document,
 // Columns of a table whose name an earlier one has, the first for each name.
 std::vector<const qvej::Column*> repeatedNames(const qvej::Table& table);
 
-// Tells on standard error where objects of NDJSON have more than one member of a name.  `map`: what
-// gave the names.
-void tellSharedMembers(const std::string& map, const std::vector<const qvej::Table*>& tables);
+// Tells on standard error which columns share a name, and what comes of it in that format.  `map`:
+// what gave the names.
+void tellSharedNames(const std::string& map, const std::vector<const qvej::Table*>& tables,
+                     const Format& format);
 
 // A table and how many rows came of it.
 struct WrittenTable {

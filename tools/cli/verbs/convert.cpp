@@ -4,10 +4,9 @@
 #include "client/error.h"
 #include "client/pass_pipe.h"
 #include "formats/cleanup.h"
-#include "formats/file_names.h"
 #include "formats/output_files.h"
+#include "formats/table_directory.h"
 #include "formats/table_outputs.h"
-#include "formats/writer.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/reports/account_report.h"
 #include "tools/cli/reports/rejects.h"
@@ -34,15 +33,6 @@ std::vector<const qvej::Table*> tablesToWrite(const qvej::Document& document, bo
     return tables;
 }
 
-std::vector<std::string> namesOf(const std::vector<const qvej::Table*>& tables) {
-    std::vector<std::string> names;
-    names.reserve(tables.size());
-    for (const qvej::Table* table : tables) {
-        names.push_back(table->name);
-    }
-    return names;
-}
-
 std::string counted(uint64_t count, const std::string& noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
@@ -57,11 +47,11 @@ ExitCode convert(const Options& options, const Session& session) {
     const qvej::Document& document = session.document();
     const std::vector<const qvej::Table*> tables = tablesToWrite(document, options.alldata);
     const Sources sources = sourcesOf(options.operands[0], options.map);
-    OutputFiles files(options.out, true,
-                      uniqueFileNames(namesOf(tables), options.format->extension), options.force,
-                      sources);
-    Rejects rejects(options.rejects, options.force, sources, &files);
-    TableOutputs outputs(document, tables, files, *options.format, options.formatOptions,
+    TableDirectory directory(options.out, *options.format, options.formatOptions, options.force,
+                             sources);
+    directory.open(tables);
+    Rejects rejects(options.rejects, options.force, sources, &directory);
+    TableOutputs outputs(document, tables, directory,
                          [&](const qvej::Table& table) { return rejects.handlerFor(table); });
     qvej::TablePass pass(document, tables, options.retain);
     qvej::runPass(pass, options.threads,
@@ -73,7 +63,7 @@ ExitCode convert(const Options& options, const Session& session) {
         written.push_back({tables[i], outputs.rows(i)});
         rows += outputs.rows(i);
     }
-    rejects.commit(&files);
+    rejects.commit(&directory);
     if (!options.quiet) {
         tell(counted(tables.size(), "table") + ", " + counted(rows, "row") + " in " + options.out);
     }
@@ -85,9 +75,7 @@ ExitCode convert(const Options& options, const Session& session) {
     if (!options.alldata && !options.account) {
         tellLost(session.name(), qvej::lostOf(document, pass, tables));
     }
-    if (options.format->name == "ndjson") {
-        tellSharedMembers(session.mapName(), tables);
-    }
+    tellSharedNames(session.mapName(), tables, *options.format);
     return rejects.tellAll();
 }
 

@@ -45,18 +45,16 @@ void noteReading(const qvej::Document& document, const qvej::Table& table, const
 // How many there were.
 uint64_t writeRows(const qvej::Document& document, const qvej::Table& table, const Options& options,
                    Rejects& rejects) {
-    Writer out = standardOutput();
-    const std::unique_ptr<qvej::Sink> sink = options.format->make(out, options.formatOptions);
+    const std::unique_ptr<Sink> sink =
+        options.format->make(standardOutput(), table.columns, options.formatOptions);
     qvej::PassRow row(document, table, rejects.handlerFor(table));
     qvej::TablePass pass(document, {&table}, options.retain);
-    sink->begin(table.columns);
     for (qvej::PassItem item; row.rows() < options.limit && pass.next(item);) {
         if (row.take(item)) {
             sink->row(row);
         }
     }
     sink->end();
-    out.flush();
     return row.rows();
 }
 
@@ -86,9 +84,7 @@ ExitCode runRead(const Options& options) {
         const uint64_t rows = writeRows(document, table, options, rejects);
         const bool all = options.limit != 0;  // else no rows say nothing
         tellLosses(session.name(), document, {{&table, all ? rows : 1}});
-        if (options.format->name == "ndjson") {
-            tellSharedMembers(session.mapName(), {&table});
-        }
+        tellSharedNames(session.mapName(), {&table}, *options.format);
         rejects.commit();
         return rejects.tellAll();
     } catch (const qvej::Error& error) {

@@ -1,0 +1,47 @@
+// Where the rows of tables go: files of a directory, standard output, later perhaps a database.
+//
+//     destination.open(tables);
+//     for each table, when its first row comes or at the end:
+//         std::unique_ptr<Sink> sink = destination.sink(i);
+//         sink->row(...); ...
+//         sink->end();
+//     destination.commit();
+//
+// The calls come from one thread at a time.
+#pragma once
+
+#include "client/document.h"
+#include "formats/sink.h"
+
+#include <memory>
+#include <vector>
+
+namespace qvej {
+
+class OutputFiles;
+
+// Takes the rows of many tables.  What it has made goes away with it unless it is committed.  All
+// throw qvej::Error.
+class Destination {
+   public:
+    Destination() = default;
+    virtual ~Destination() = default;
+    Destination(const Destination&) = delete;
+    Destination& operator=(const Destination&) = delete;
+
+    // Once, before all else: the tables, which must outlive this object.
+    virtual void open(const std::vector<const Table*>& tables) = 0;
+
+    // Does it write a file that is one of `files`?
+    [[nodiscard]] virtual bool shares(const OutputFiles& files) const = 0;
+
+    // The sink of a table, by its position in the list; once each.  This object must outlive it.
+    // Tables are many and most are small: it is asked for when there is a row, else at the end.
+    [[nodiscard]] virtual std::unique_ptr<Sink> sink(std::size_t table) = 0;
+
+    // When all sinks have ended: everything appears, and the files of `with` (null: none), or
+    // nothing.
+    virtual void commit(OutputFiles* with) = 0;
+};
+
+}  // namespace qvej

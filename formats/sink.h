@@ -1,0 +1,31 @@
+// Where the rows of one table go: a format on a stream, a table of a database.
+#pragma once
+
+#include "client/table_pass.h"
+
+#include <cstddef>
+
+namespace qvej {
+
+// All throw qvej::Error.
+class Sink {
+   public:
+    Sink() = default;
+    virtual ~Sink() = default;
+    Sink(const Sink&) = delete;
+    Sink& operator=(const Sink&) = delete;
+
+    virtual void row(const PassRow& row) = 0;
+
+    // Once, after the last row.
+    virtual void end() = 0;
+
+    // Bytes of memory for rows that have come and not gone on.  Asked for after each row, so that
+    // all sinks together stay within a limit.
+    [[nodiscard]] virtual std::size_t held() const { return 0; }
+
+    // Passes on what is held, and gives the memory back.
+    virtual void flush() {}
+};
+
+}  // namespace qvej

@@ -1,0 +1,23 @@
+// A sink that writes text.
+#pragma once
+
+#include "formats/sink.h"
+#include "formats/writer.h"
+
+#include <utility>
+
+namespace qvej {
+
+class TextSink : public Sink {
+   public:
+    void end() override { out_.release(); }
+    [[nodiscard]] std::size_t held() const override { return out_.capacity(); }
+    void flush() override { out_.release(); }
+
+   protected:
+    explicit TextSink(Writer out) : out_(std::move(out)) {}
+
+    Writer out_;
+};
+
+}  // namespace qvej
