@@ -14,6 +14,7 @@
 #include "formats/sink.h"
 
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace qvej {
@@ -40,8 +41,8 @@ class Destination {
     [[nodiscard]] virtual std::unique_ptr<Sink> sink(std::size_t table) = 0;
 
     // When all sinks have ended: everything appears, and the files of `with` (null: none), or
-    // nothing.
-    virtual void commit(OutputFiles* with) = 0;
+    // nothing.  Returns sentences about what is not as it should be beside them.
+    [[nodiscard]] virtual std::vector<std::string> commit(OutputFiles* with) = 0;
 };
 
 }  // namespace qvej

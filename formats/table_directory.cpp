@@ -33,8 +33,8 @@ std::unique_ptr<Sink> TableDirectory::sink(std::size_t table) {
     return format_.make(files_->writer(table), tables_[table]->columns, formatOptions_);
 }
 
-void TableDirectory::commit(OutputFiles* with) {
-    files_->commit(with);
+std::vector<std::string> TableDirectory::commit(OutputFiles* with) {
+    return files_->commit(with);
 }
 
 }  // namespace qvej

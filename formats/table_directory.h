@@ -22,7 +22,7 @@ class TableDirectory final : public Destination {
     void open(const std::vector<const Table*>& tables) override;
     [[nodiscard]] bool shares(const OutputFiles& files) const override;
     [[nodiscard]] std::unique_ptr<Sink> sink(std::size_t table) override;
-    void commit(OutputFiles* with) override;
+    [[nodiscard]] std::vector<std::string> commit(OutputFiles* with) override;
 
    private:
     std::string directory_;
