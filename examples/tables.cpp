@@ -8,23 +8,11 @@
 #include <qvejmap/client/cursor.h>
 #include <qvejmap/client/document.h>
 #include <qvejmap/client/error.h>
-#include <qvejmap/client/input/document_text.h>
+#include <qvejmap/client/input/document_reader.h>
 
 #include <iostream>
 
 namespace {
-
-// Feeds the document the text of a file, piece by piece.
-void read(qvej::Document& document, const std::string& file) {
-    qvej::DocumentText text(file, "auto", false);
-    for (std::string_view piece = text.next(); !piece.empty(); piece = text.next()) {
-        document.feed(piece);
-    }
-    if (text.broken()) {
-        throw qvej::Error(QV_JSON_UTF8, "the text is not valid " + text.encoding());
-    }
-    document.finish();  // a document that is not whole throws
-}
 
 void print(const qvej::Cell& cell) {
     if (cell.kind == qvej::Cell::NUMBER) {
@@ -59,17 +47,18 @@ int main(int argc, char** argv) {
     }
     try {
         qvej::Engine engine({.maxDepth = 1000});
-        qvej::Document document(engine);
-        read(document, argv[1]);
+        qvej::DocumentReader reader(qvej::ByteSource::file(argv[1]), {});
+        qvej::Document document(engine, reader.documentOptions());
+        reader.read(document);  // all of it, or an Error
         for (const qvej::Table& table : document.tables()) {
             print(document, table);
         }
     } catch (const qvej::Error& error) {
-        std::cerr << "tables: " << argv[1];
+        std::cerr << "tables: " << error.file();
         if (error.line() != 0) {
             std::cerr << ":" << error.line() << ":" << error.column();
         }
-        std::cerr << ": " << error.what() << "\n";
+        std::cerr << ": " << error.what() << "\n" << error.excerpt();
         return 1;
     }
     return 0;

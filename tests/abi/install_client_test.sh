@@ -49,7 +49,13 @@ for mistake in '[1,' '{"a":}' $'["\xff"]'; do
     printf '%s' "$mistake" | ./built/tables - && exit 1
 done 2>printed
 diff - printed <<MISTAKES
-tables: -: the document ends before a complete object or array
-tables: -:1:6: a value was expected
-tables: -:1:3: invalid UTF-8
+tables: <stdin>:1:4: the document ends before a complete object or array
+    [1,
+       ^
+tables: <stdin>:1:6: a value was expected
+    {"a":}
+         ^
+tables: <stdin>:1:3: invalid UTF-8
+    ["�"]
+      ^
 MISTAKES
