@@ -266,9 +266,9 @@ typedef struct UserJMAP_S {
      * and the list holds what has been made. */
     QVStatus (*GetUserMap)(QVEJMAPJsonContexth inh, QVMemPtr* m, QVPoolh pool, INFORMATINFO** ii);
 
-    /* `*i`: the number n of levels, the length of the longest value, then n lengths, the longest
-     * member name of each level from the outermost; all in bytes, until Term.  Each call makes a new
-     * list.  QV_NOMEM, with a null `*i`. */
+    /* `*i`: the number n of levels, the bytes of the longest value, then n numbers, the bytes of the
+     * longest member name of each level from the outermost.  Each call makes a new list, which lives
+     * until Term.  QV_NOMEM, with a null `*i`. */
     QVStatus (*GetAlldataInfo)(QVEJMAPJsonContexth inh, int32_t** i);
 
     /* 0: a table of the map has exactly this name, or it is `alldataName` of JsonInit, which every map

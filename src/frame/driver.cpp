@@ -63,10 +63,10 @@ void noteLevels(JMAP_PRIVATE* p) noexcept {
     if (p->debugLevel && p->jsonDescLen != 0) {
         myLogNote(p, U"Parsing of %.*hs ends", noteLen(p->jsonDescLen), p->jsonDesc);
     }
-    // Kept: a last block that cannot be stored is missing from every table, and the call still gives
-    // QV_OK.  jmapTotals has its bytes and the reason.
+    // Kept: a last block that cannot be stored is missing from every table, and the call still
+    // gives QV_OK.  jmapTotals has its bytes and the reason.
     p->lastBlockStatus = compressPathBuffer(p);
-    (void)destroyHandle(p->tfp);  // Kept: likewise; bytes lost here are missed when they are read
+    (void)destroyHandle(p->tfp);  // Kept: likewise; what is lost here is missed when it is read
     noteCompression(p);
     noteLevels(p);
     if (p->debugPath) {
