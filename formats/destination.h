@@ -8,6 +8,8 @@
 //     destination.commit();
 //
 // The calls come from one thread at a time.
+//
+// Tested by tests/formats/table_outputs_test.cpp
 #pragma once
 
 #include "client/document.h"

@@ -3,6 +3,8 @@
 // To add one: a file with its sink, a row in the table of formats.cpp, a case in
 // tests/tool/golden/read.t, and a reader in tests/formats/conformance.py.  A format that has all
 // tables in one file, or a database, is a Destination of its own beside TableDirectory.
+//
+// Tested by tests/formats/conformance.py and tests/tool/golden/read.t
 #pragma once
 
 #include "client/document.h"

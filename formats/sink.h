@@ -1,4 +1,6 @@
 // Where the rows of one table go: a format on a stream, a table of a database.
+//
+// Tested by tests/formats/table_outputs_test.cpp
 #pragma once
 
 #include "client/table_pass.h"

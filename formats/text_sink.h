@@ -1,4 +1,6 @@
 // A sink that writes text.
+//
+// Tested by tests/formats/conformance.py
 #pragma once
 
 #include "formats/sink.h"
