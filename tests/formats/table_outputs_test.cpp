@@ -51,7 +51,9 @@ class Holding final : public qvej::Destination {
     [[nodiscard]] std::unique_ptr<qvej::Sink> sink(std::size_t table) override {
         return std::make_unique<HoldingSink>(log_, tables_[table]->name);
     }
-    void commit(qvej::OutputFiles* /*with*/) override {}
+    [[nodiscard]] std::vector<std::string> commit(qvej::OutputFiles* /*with*/) override {
+        return {};
+    }
 
    private:
     Log& log_;
