@@ -5,6 +5,7 @@
 //         std::unique_ptr<Sink> sink = destination.sink(i);
 //         sink->row(...); ...
 //         sink->end();
+//     destination.end(rows);
 //     destination.commit();
 //
 // The calls come from one thread at a time.
@@ -15,6 +16,7 @@
 #include "client/document.h"
 #include "formats/sink.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -42,7 +44,10 @@ class Destination {
     // Tables are many and most are small: it is asked for when there is a row, else at the end.
     [[nodiscard]] virtual std::unique_ptr<Sink> sink(std::size_t table) = 0;
 
-    // When all sinks have ended: everything appears, and the files of `with` (null: none), or
+    // When all sinks have ended.  `rows`: of each table.
+    virtual void end(const std::vector<uint64_t>& rows) = 0;
+
+    // After `end`: everything appears, and the files of `with` (null: none), or
     // nothing.  Returns sentences about what is not as it should be beside them.
     [[nodiscard]] virtual std::vector<std::string> commit(OutputFiles* with) = 0;
 };

@@ -3,6 +3,7 @@
 
 #include "client/text.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <unordered_set>
 
@@ -14,6 +15,11 @@ bool isAlphanumeric(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
 
+// What a file name has of a table name as it is; "." not in the first place.
+bool isPlain(char c) {
+    return isAlphanumeric(c) || c == '_' || c == '-' || c == '.';
+}
+
 }  // namespace
 
 std::string fileStem(std::string_view tableName) {
@@ -23,7 +29,7 @@ std::string fileStem(std::string_view tableName) {
     }
     std::string stem;
     for (const char c : tableName) {
-        if (isAlphanumeric(c) || c == '_' || c == '-' || (c == '.' && !stem.empty())) {
+        if (isPlain(c) && (c != '.' || !stem.empty())) {
             stem += c;
         } else {
             const auto byte = static_cast<uint8_t>(c);
@@ -47,6 +53,12 @@ std::vector<std::string> uniqueFileNames(const std::vector<std::string>& tableNa
         names.push_back(name.append(".").append(extension));
     }
     return names;
+}
+
+bool isFileName(std::string_view name) {
+    return !name.empty() && name.front() != '.' &&
+           std::all_of(name.begin(), name.end(),
+                       [](char c) { return isPlain(c) || c == '%' || c == '~'; });
 }
 
 }  // namespace qvej

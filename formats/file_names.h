@@ -18,4 +18,7 @@ std::string fileStem(std::string_view tableName);
 std::vector<std::string> uniqueFileNames(const std::vector<std::string>& tableNames,
                                          std::string_view extension);
 
+// Can `name` be one of these?  Then it is no path.
+[[nodiscard]] bool isFileName(std::string_view name);
+
 }  // namespace qvej

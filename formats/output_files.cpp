@@ -98,6 +98,17 @@ std::string randomHex() {
     return text;
 }
 
+// Is there anything in the directory?  What a killed run left does not count.
+bool holdsFiles(const std::string& directory) {
+    std::error_code trouble;
+    for (const auto& entry : std::filesystem::directory_iterator(directory, trouble)) {
+        if (!entry.path().filename().string().starts_with(".qvejmap-")) {
+            return true;
+        }
+    }
+    return false;
+}
+
 // Is there a regular file?  False when there is nothing; throws for all else.
 bool fileExists(const std::string& path) {
     struct stat found = {};
@@ -129,11 +140,27 @@ OutputFiles::OutputFiles(std::string directory, bool makeDirectory, std::vector<
         staged_ = true;
         prefix_ = besides(directory_) + ".qvejmap-" + randomHex() + "/";
     } else {
+        if (makeDirectory) {
+            lock_.lock(directory_);
+            foundFiles_ = holdsFiles(directory_);
+        }
         refuseExisting(sources);
     }
     cleanup_.set(prefix_, staged_ ? &names_ : nullptr, directory_, 0);
     cleanup_.setCount(names_.size());
     makeDirectories(missing);
+    if (staged_) {
+        lockMadeDirectory();
+    }
+}
+
+void OutputFiles::lockMadeDirectory() {
+    try {
+        lock_.lock(directory_);
+    } catch (const qvej::Error&) {
+        removeTemporary();
+        throw;
+    }
 }
 
 OutputFiles OutputFiles::single(const std::string& path, bool force, const Sources& sources) {
@@ -157,9 +184,13 @@ void OutputFiles::checkFile(const std::string& path, bool force, const Sources& 
 
 void OutputFiles::checkDirectory(const std::string& directory) {
     const std::string path = withoutTrailingSlashes(directory);
-    if (missingDirectories(path).empty() && ::access(path.c_str(), W_OK) != 0) {
+    if (!missingDirectories(path).empty()) {
+        return;
+    }
+    if (::access(path.c_str(), W_OK) != 0) {
         throw qvej::fileError(QV_IO_OPEN, path);
     }
+    DirectoryLock().lock(path);
 }
 
 OutputFiles::~OutputFiles() {
@@ -243,6 +274,21 @@ void OutputFiles::close(std::size_t i) {
     }
 }
 
+FileState OutputFiles::closed(std::size_t i) {
+    if (descriptors_[i] == kNotMade) {
+        (void)open(i);
+    }
+    if (descriptors_[i] >= 0) {
+        open_.erase(std::find(open_.begin(), open_.end(), i));
+        close(i);
+    }
+    struct stat found = {};
+    if (::lstat(temporaryPath(i).c_str(), &found) != 0) {
+        throw qvej::fileError(QV_IO_WRITE, finalPath(i));
+    }
+    return stateOf(found);
+}
+
 // Closes what is open, and makes the files that nothing was written to.
 void OutputFiles::closeAll() {
     for (std::size_t i = 0; i < names_.size(); ++i) {
@@ -286,6 +332,7 @@ void OutputFiles::putAllInPlace() {
     if (staged_ && ::rename(prefix_.c_str(), directory_.c_str()) == 0) {
         return;
     }
+    earlier_.putAside(start(), prefix_, names_);
     while (inPlace_.size() < names_.size()) {
         inPlace_.push_back(putInPlace(inPlace_.size()));
     }
@@ -308,7 +355,7 @@ std::string OutputFiles::takeBack() {
         }
     }
     inPlace_.clear();
-    return remains;
+    return remains + earlier_.takeBack();
 }
 
 // Nothing can be taken back: what was replaced goes.
@@ -319,6 +366,7 @@ void OutputFiles::finish(std::vector<std::string>& remarks) {
                               qvej::fileError(QV_IO_WRITE, {}).what());
         }
     }
+    earlier_.finish(remarks);
     if (staged_) {
         (void)::rmdir(prefix_.c_str());
     }

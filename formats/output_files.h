@@ -13,12 +13,15 @@
 #pragma once
 
 #include "formats/cleanup.h"
+#include "formats/directory_lock.h"
+#include "formats/earlier_files.h"
 #include "formats/sources.h"
 #include "formats/writer.h"
 
 #include <cstddef>
 #include <deque>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace qvej {
@@ -27,7 +30,8 @@ class OutputFiles {
    public:
     // Files `names` in `directory`.  `makeDirectory`: it is made when it is missing.  Files that
     // exist are refused, or with `force` replaced when they are regular files and none of the
-    // `sources`.  Throws qvej::Error.
+    // `sources`.  With `makeDirectory` nobody else may write to the directory at the same time.
+    // Throws qvej::Error.
     OutputFiles(std::string directory, bool makeDirectory, std::vector<std::string> names,
                 bool force, const Sources& sources = {});
     // One file, by its path; its directory must be there.
@@ -52,6 +56,17 @@ class OutputFiles {
     // Appends to a file.  Throws qvej::Error.
     void write(std::size_t i, const char* text, std::size_t size);
 
+    // Closes a file, of which all is written.  Throws qvej::Error.
+    FileState closed(std::size_t i);
+
+    // Was there anything in the directory?
+    [[nodiscard]] bool foundFiles() const { return foundFiles_; }
+
+    // Files of an earlier run, which `commit` removes when they are as listed.
+    void removeEarlier(std::vector<ListedFile> files, const Sources& sources) {
+        earlier_.set(std::move(files), sources);
+    }
+
     // Gives all files their names, and those of `with` theirs.  Returns sentences about what is not
     // as it should be beside them.  Throws qvej::Error; nothing has changed then, or the sentence
     // says what has.
@@ -60,6 +75,7 @@ class OutputFiles {
    private:
     void refuseExisting(const Sources& sources) const;
     void makeDirectories(const std::vector<std::string>& missing);
+    void lockMadeDirectory();
     [[noreturn]] void failToMake(const std::string& directory);
     int open(std::size_t i);
     void close(std::size_t i);
@@ -72,20 +88,24 @@ class OutputFiles {
     [[nodiscard]] std::string temporaryPath(std::size_t i) const {
         return prefix_ + (staged_ ? names_[i] : std::to_string(i));
     }
-    [[nodiscard]] std::string finalPath(std::size_t i) const {
-        return (directory_ == "." ? std::string() : directory_ + "/") + names_[i];
+    [[nodiscard]] std::string start() const {
+        return directory_ == "." ? std::string() : directory_ + "/";
     }
+    [[nodiscard]] std::string finalPath(std::size_t i) const { return start() + names_[i]; }
 
     std::string directory_;
     std::vector<std::string> names_;
     cleanup::Output cleanup_;
+    DirectoryLock lock_;
     bool force_;
+    bool foundFiles_ = false;
     std::string prefix_;            // of the temporary names
     bool staged_ = false;           // it is a directory that stands in for the final one
     std::vector<int> descriptors_;  // of each file
     std::deque<std::size_t> open_;  // files that are open, the oldest first
     std::vector<std::string> madeDirectories_;  // outermost first
     std::vector<bool> inPlace_;  // files that have their name; true: and replaced another
+    EarlierFiles earlier_;
     bool committed_ = false;
 };
 

@@ -3,6 +3,7 @@
 
 #include "client/error.h"
 
+#include <algorithm>
 #include <sys/stat.h>
 
 namespace qvej {
@@ -22,11 +23,17 @@ Sources sourcesOf(const std::string& document, const std::string& map) {
     return sources;
 }
 
+const Source* sourceAt(const std::string& path, const Sources& sources) {
+    const auto found = std::find_if(sources.begin(), sources.end(), [&](const Source& source) {
+        return isSameFile(path, source.file == "-" ? "/dev/stdin" : source.file);
+    });
+    return found == sources.end() ? nullptr : &*found;
+}
+
 void refuseSource(const std::string& path, const Sources& sources) {
-    for (const Source& source : sources) {
-        if (isSameFile(path, source.file == "-" ? "/dev/stdin" : source.file)) {
-            throw qvej::Error(QV_IO_REFUSED, std::string(source.what) + ", not replaced", path);
-        }
+    const Source* const source = sourceAt(path, sources);
+    if (source != nullptr) {
+        throw qvej::Error(QV_IO_REFUSED, std::string(source->what) + ", not replaced", path);
     }
 }
 

@@ -21,6 +21,9 @@ using Sources = std::vector<Source>;
 // A document and the map in use; `map` may be empty.
 [[nodiscard]] Sources sourcesOf(const std::string& document, const std::string& map);
 
+// The source that the path leads to, whatever its name there; null: none.
+[[nodiscard]] const Source* sourceAt(const std::string& path, const Sources& sources);
+
 // Throws qvej::Error when the path leads to one of the sources, whatever its name there.
 void refuseSource(const std::string& path, const Sources& sources);
 

@@ -1,8 +1,10 @@
-// Tables as files of a directory, one each, all in one format.
+// Tables as files of a directory, one each, all in one format, and a datapackage.json that lists
+// them.
 //
 // Tested by tests/tool/golden/convert.t
 #pragma once
 
+#include "formats/data_package.h"
 #include "formats/destination.h"
 #include "formats/formats.h"
 #include "formats/output_files.h"
@@ -15,21 +17,32 @@ namespace qvej {
 class TableDirectory final : public Destination {
    public:
     // The directory is made when it is missing.  Files there are replaced with `force` only, and
-    // never one of the `sources`.
+    // never one of the `sources`; `force` also removes those that an earlier run has listed.
+    //   run  what the list says of this run
     TableDirectory(std::string directory, const Format& format, FormatOptions formatOptions,
-                   bool force, Sources sources);
+                   bool force, Sources sources, PackageRun run);
 
     void open(const std::vector<const Table*>& tables) override;
     [[nodiscard]] bool shares(const OutputFiles& files) const override;
     [[nodiscard]] std::unique_ptr<Sink> sink(std::size_t table) override;
+    void end(const std::vector<uint64_t>& rows) override;
     [[nodiscard]] std::vector<std::string> commit(OutputFiles* with) override;
 
+    // Did files that are replaced have a list of ours?  Else others of theirs may stay.  True when
+    // there were none.
+    [[nodiscard]] bool earlierKnown() const { return earlierKnown_; }
+
    private:
+    void removeEarlier();
+
     std::string directory_;
     const Format& format_;
     FormatOptions formatOptions_;
     bool force_;
     Sources sources_;
+    PackageRun run_;
+    bool earlierKnown_ = true;
+    std::vector<std::string> names_;  // of the tables' files and, last, of the list
     std::vector<const Table*> tables_;
     std::optional<OutputFiles> files_;  // once it is open
 };

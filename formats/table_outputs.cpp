@@ -80,6 +80,7 @@ void TableOutputs::end() {
         outputOf(table).sink->end();
         outputs_[table].reset();
     }
+    destination_.end(rows_);
 }
 
 }  // namespace qvej

@@ -25,7 +25,7 @@ class TableOutputs {
     // Takes items of a pass over the tables.  Throws Error.
     void take(std::span<const PassItem> items);
 
-    // Ends all sinks, those of tables without rows too.
+    // Ends all sinks, those of tables without rows too, and the destination.
     void end();
 
     [[nodiscard]] uint64_t rows(std::size_t table) const { return rows_[table]; }

@@ -10,6 +10,7 @@
 
 #include <cerrno>
 #include <set>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace jmap::test {
@@ -75,9 +76,10 @@ class Renaming : public testing::Test {
     qvej::FileCalls before_ = qvej::fileCalls;
 };
 
-// The file with "old" is `name`, or one that `said` names.
-void expectOld(const Workplace& place, const std::string& name, const std::string& said) {
-    const std::string at = place.run("cd out; grep -lx old * .q* 2> /dev/null").out;
+// The file with that text is `name`, or one that `said` names.
+void expectThere(const std::string& text, const Workplace& place, const std::string& name,
+                 const std::string& said) {
+    const std::string at = place.run("cd out; grep -lx " + text + " * .q* 2> /dev/null").out;
     ASSERT_FALSE(at.empty()) << "lost";
     const std::string file = at.substr(0, at.size() - 1);
     EXPECT_TRUE(file == name ||
@@ -93,7 +95,7 @@ TEST_F(Renaming, ExchangesOrKeepsBoth) {
             return std::string();
         },
         [&](const Workplace& place, const std::string& said) {
-            expectOld(place, said.empty() ? "a" : "b", said);
+            expectThere("old", place, said.empty() ? "a" : "b", said);
             outcomes.insert(place.run("cd out; ls; cat a b").out);
         });
     EXPECT_EQ(outcomes,
@@ -117,12 +119,15 @@ TEST_F(Renaming, GivesANewNameOrNone) {
         });
 }
 
-// Files of a folder, one of which replaces another.
+// Files of a folder, one of which replaces another, while one of an earlier run goes.
 TEST_F(Renaming, OutputFilesLoseNothing) {
     bool told = false;
     sweep(
         [](const std::string& folder) {
             qvej::OutputFiles files(folder, false, {"b", "c", "d"}, true);
+            struct stat found = {};
+            EXPECT_EQ(::stat((folder + "a").c_str(), &found), 0);
+            files.removeEarlier({{"a", qvej::stateOf(found)}}, {});
             files.write(0, "newer\n", 6);
             std::string said;
             for (const std::string& remark : files.commit()) {
@@ -132,9 +137,10 @@ TEST_F(Renaming, OutputFilesLoseNothing) {
         },
         [&](const Workplace& place, const std::string& said) {
             if (said.starts_with("failed")) {
-                expectOld(place, "b", said);
+                expectThere("old", place, "b", said);
+                expectThere("fresh", place, "a", said);
             } else {
-                EXPECT_EQ(place.run("cat out/b").out, "newer\n");
+                EXPECT_EQ(place.run("cat out/b; ls out/a").out, "newer\n");
                 EXPECT_EQ(place.run("ls out/.q*").exitCode == 0, !said.empty());
                 told = told || said.find(": Permission denied") != std::string::npos;
             }

@@ -51,6 +51,7 @@ class Holding final : public qvej::Destination {
     [[nodiscard]] std::unique_ptr<qvej::Sink> sink(std::size_t table) override {
         return std::make_unique<HoldingSink>(log_, tables_[table]->name);
     }
+    void end(const std::vector<uint64_t>& /*rows*/) override {}
     [[nodiscard]] std::vector<std::string> commit(qvej::OutputFiles* /*with*/) override {
         return {};
     }

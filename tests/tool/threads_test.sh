@@ -14,6 +14,6 @@ trap 'rm -rf "$folder"' EXIT
 "$tool" convert "$folder/orders.json" -o "$folder/one" --threads 1 -q
 for how in '' '--compress' '--memory 1' '--format ndjson'; do
     "$tool" convert "$folder/orders.json" -o "$folder/two" --threads 2 -q $how
-    [ "$how" = '--format ndjson' ] || diff -r "$folder/one" "$folder/two"
+    [ "$how" = '--format ndjson' ] || diff -r -x datapackage.json "$folder/one" "$folder/two"
     rm -r "$folder/two"
 done

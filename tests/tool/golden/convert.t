@@ -193,6 +193,6 @@ $ printf '{"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root","VARIABLES":[%s]}]}' "$
   1,1,1,1,1\r
 ! qvejmap: twins.map: columns share a name, so objects have it more than once, and most programs keep the last: t.A
 ! qvejmap: twins.map: columns share a name, so the header has it more than once: t.A
-$ qvejmap convert twins.json --map twins.map -o twins -q; qvejmap convert twins.json --map twins.map -o twins -q --format ndjson
+$ qvejmap convert twins.json --map twins.map -o twins -q; qvejmap convert twins.json --map twins.map -o twins -q --format ndjson --force
 ! qvejmap: twins.map: columns share a name, so the header has it more than once: t.A
 ! qvejmap: twins.map: columns share a name, so objects have it more than once, and most programs keep the last: t.A

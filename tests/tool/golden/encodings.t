@@ -39,7 +39,7 @@ $ cat > letters.json <<'END'
 > sh everything $file $file-tables UTF-8
 > for name; do
 >     iconv -f UTF-8 -t $name $file > text
->     sh everything text $name-$file $name && diff -r $file-tables $name-$file && echo $name
+>     sh everything text $name-$file $name && diff -r -x datapackage.json $file-tables $name-$file && echo $name
 > done
 > END
 $ sh same letters.json UTF-16 UTF-16LE UTF-16BE UTF-32 UTF-32LE UTF-32BE ISO-8859-1 windows-1252 IBM037
@@ -65,7 +65,7 @@ $ for name in UTF-8 UTF-16LE UTF-16BE UTF-32LE UTF-32BE; do
 >     { printf '\357\273\277'; cat signs.json; } > marked
 >     for file in signs.json marked; do
 >         iconv -f UTF-8 -t $name $file > text
->         sh everything text auto-$name-$file auto && diff -r signs.json-tables auto-$name-$file
+>         sh everything text auto-$name-$file auto && diff -r -x datapackage.json signs.json-tables auto-$name-$file
 >         qvejmap check text --encoding $name -q && echo $name
 >     done
 > done

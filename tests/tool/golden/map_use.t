@@ -1,5 +1,5 @@
 # The automatic map of a document gives the same tables, but for columns of booleans: in a map they are numbers.
-$ qvejmap map orders.json -o m.json; qvejmap convert orders.json -o a -q; qvejmap convert orders.json --map m.json -o b -q; diff -r a b; ls b | wc -l
+$ qvejmap map orders.json -o m.json; qvejmap convert orders.json -o a -q; qvejmap convert orders.json --map m.json -o b -q; diff -r -x datapackage.json a b; ls b | wc -l
   diff -r a/orders.csv b/orders.csv
   2,3c2,3
   < 1,1,1001,true\r

@@ -74,7 +74,8 @@ $ qvejmap --help
   General:
     --debug KEYWORDS        notes of the engine: MAP, READ, COMPRESSION, ALL,
                             ...; "-MAP" leaves one out
-    --force                 replace existing files
+    --force                 replace existing files, and remove those of an
+                            earlier convert
     -q,--quiet              no summary; what is lost is still said
     -h,--help               this page; with VERB only what that verb takes
     --version               the version

@@ -251,7 +251,9 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
            "notes of the engine: MAP, READ, COMPRESSION, ALL, ...; \"-MAP\"\nleaves one out")
         ->type_name("KEYWORDS")
         ->group(general);
-    app.add_flag("--force", o.force, "replace existing files")->group(general);
+    app.add_flag("--force", o.force,
+                 "replace existing files, and remove those of an earlier convert")
+        ->group(general);
     app.add_flag("-q,--quiet", o.quiet, "no summary; what is lost is still said")->group(general);
     app.set_help_flag("-h,--help", "this page; with VERB only what that verb takes")
         ->group(general);

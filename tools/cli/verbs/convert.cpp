@@ -43,12 +43,36 @@ struct Account {
     std::vector<qvej::Spot> starts;
 };
 
+// The options that shape what is written.
+std::vector<std::string> wordsOf(const Options& options) {
+    const ReadingOptions standard;
+    const ReadingOptions& reading = options.reading;
+    std::vector<std::string> words;
+    const auto add = [&](bool given, const std::string& word) {
+        if (given) {
+            words.push_back(word);
+        }
+    };
+    add(true, "--format=" + std::string(options.format->name));
+    add(options.formatOptions.null.has_value(),
+        "--null=" + options.formatOptions.null.value_or(""));
+    add(options.alldata, "--alldata");
+    add(reading.alldataName != standard.alldataName, "--alldata-name=" + reading.alldataName);
+    add(!options.map.empty(), "--map=" + options.map);
+    add(options.retain, "--retain");
+    add(reading.ordinals != standard.ordinals, "--ordinals=" + std::to_string(reading.ordinals));
+    add(reading.text.lines, "--lines");
+    add(reading.text.encoding != standard.text.encoding, "--encoding=" + reading.text.encoding);
+    add(reading.text.replaceInvalid, "--invalid=replace");
+    return words;
+}
+
 ExitCode convert(const Options& options, const Session& session) {
     const qvej::Document& document = session.document();
     const std::vector<const qvej::Table*> tables = tablesToWrite(document, options.alldata);
     const Sources sources = sourcesOf(options.operands[0], options.map);
     TableDirectory directory(options.out, *options.format, options.formatOptions, options.force,
-                             sources);
+                             sources, {QVEJMAP_VERSION, options.operands[0], wordsOf(options)});
     directory.open(tables);
     Rejects rejects(options.rejects, options.force, sources, &directory);
     TableOutputs outputs(document, tables, directory,
@@ -64,6 +88,10 @@ ExitCode convert(const Options& options, const Session& session) {
         rows += outputs.rows(i);
     }
     rejects.commit(&directory);
+    if (!directory.earlierKnown() && !options.quiet) {
+        tell(options.out + " had no " + kPackageFile +
+             " of qvejmap: files were replaced by name, and no others removed");
+    }
     if (!options.quiet) {
         tell(counted(tables.size(), "table") + ", " + counted(rows, "row") + " in " + options.out);
     }
