@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace qvej {
 
@@ -35,7 +36,7 @@ class ByPath {
    public:
     void offer(const std::string& path, const PathAccount& column) {
         const auto [at, isNew] = best_.try_emplace(path, column);
-        if (!isNew && column.cells > at->second.cells) {
+        if (!isNew && inPlace(column) > inPlace(at->second)) {
             at->second = column;
         }
     }
@@ -45,6 +46,15 @@ class ByPath {
         uint64_t sum = 0;
         for (const auto& [path, account] : best_) {
             sum += account.values - account.cells;
+        }
+        return sum;
+    }
+
+    [[nodiscard]] RowLosses rowLosses() const {
+        RowLosses sum;
+        for (const auto& [path, account] : best_) {
+            sum.overwritten += account.lost[static_cast<std::size_t>(Loss::OVERWRITTEN)].count;
+            sum.strayed += account.strayed.count;
         }
         return sum;
     }
@@ -62,6 +72,10 @@ class ByPath {
     }
 
    private:
+    static uint64_t inPlace(const PathAccount& column) {
+        return column.cells - column.strayed.count;
+    }
+
     std::unordered_map<std::string, PathAccount> best_;
 };
 
@@ -79,6 +93,15 @@ PathAccount columnOf(const TablePass& pass, std::size_t table, std::size_t colum
 
 bool takesValues(const Column& column) {
     return column.type != ColumnType::ORDINAL && !column.path.empty();
+}
+
+// The same with the cells, rejected values among them.
+PathAccount shownBy(const TablePass& pass, std::size_t table, std::size_t column) {
+    PathAccount account = columnOf(pass, table, column);
+    account.cells =
+        account.values - of(account, Loss::OVERWRITTEN).count - of(account, Loss::NO_ROW).count;
+    account.strayed.count = pass.column(table, column).strayed;
+    return account;
 }
 
 // Counts the cells of the rows of a pass.
@@ -114,8 +137,11 @@ class CellCount {
                 item.cells[i].kind != JMAP_KIND_NULL && row.cell(i).kind == Cell::NUL;
             if (refused) {
                 add(of(column, Loss::REJECTED), pass_.column(item.table, i).values);
-            } else {
-                ++column.cells;
+                continue;
+            }
+            ++column.cells;
+            if (item.cells[i].strayed != 0) {
+                add(column.strayed, pass_.column(item.table, i).values);
             }
         }
     }
@@ -165,6 +191,7 @@ std::vector<PathAccount> accountOf(const Document& document, bool retain) {
             PathAccount column = columnOf(pass, t, c);
             column.cells = count.column(t, c).cells;
             column.cut = count.column(t, c).cut;
+            column.strayed = count.column(t, c).strayed;
             of(column, Loss::REJECTED) =
                 count.column(t, c).lost[static_cast<std::size_t>(Loss::REJECTED)];
             byPath.offer(tables[t]->columns[c].path, column);
@@ -189,9 +216,7 @@ uint64_t lostOf(const Document& document, const TablePass& pass,
             if (!takesValues(tables[t]->columns[c])) {
                 continue;
             }
-            PathAccount column = columnOf(pass, t, c);
-            column.cells = column.values - of(column, Loss::OVERWRITTEN).count -
-                           of(column, Loss::NO_ROW).count;
+            const PathAccount column = shownBy(pass, t, c);
             shown += column.cells;
             if (!oneColumnAPath) {
                 byPath.offer(tables[t]->columns[c].path, column);
@@ -199,6 +224,33 @@ uint64_t lostOf(const Document& document, const TablePass& pass,
         }
     }
     return oneColumnAPath ? document.totals().values - shown : byPath.missing();
+}
+
+RowLosses rowLossesOf(const TablePass& pass, const std::vector<const Table*>& tables) {
+    std::unordered_set<std::string_view> lossy;  // paths; mostly there are none
+    for (std::size_t t = 0; t < tables.size(); ++t) {
+        for (std::size_t c = 0; c < tables[t]->columns.size(); ++c) {
+            const JMAPPassColumn info = pass.column(t, c);
+            if (info.strayed != 0 || (info.below != 0 && info.overwritten != 0)) {
+                lossy.insert(tables[t]->columns[c].path);
+            }
+        }
+    }
+    ByPath byPath;
+    for (std::size_t t = 0; t < tables.size() && !lossy.empty(); ++t) {
+        for (std::size_t c = 0; c < tables[t]->columns.size(); ++c) {
+            const Column& column = tables[t]->columns[c];
+            if (!takesValues(column) || lossy.find(column.path) == lossy.end()) {
+                continue;
+            }
+            PathAccount account = shownBy(pass, t, c);
+            if (pass.column(t, c).below == 0) {
+                of(account, Loss::OVERWRITTEN) = {};  // of an ancestor that had no row here, mostly
+            }
+            byPath.offer(column.path, account);
+        }
+    }
+    return byPath.rowLosses();
 }
 
 }  // namespace qvej

@@ -2,9 +2,11 @@
 //
 // A value is in a cell of a row, or it is lost in one of four ways.  Some ways are the tables' own:
 // an array of scalars directly in the outermost array begins rows that nothing completes, and of
-// two members of one name in one object the later one is seen.
+// two members of one name in one object the later one is seen.  A value in a cell may have strayed:
+// it came before the row began, so the row may belong to another parent.
 //
-// A path may feed several columns; what counts is the column that shows most of its values.
+// A path may feed several columns; what counts is the column that shows most of its values, strayed
+// ones apart.
 //
 // Tested by tests/client/account_test.cpp
 #pragma once
@@ -41,6 +43,7 @@ struct PathAccount {
     uint64_t values = 0;
     uint64_t cells = 0;  // of them in a cell
     LostValues cut;      // of these in part only
+    LostValues strayed;  // of these in a row that began after them
     std::array<LostValues, kLosses> lost;
 
     // Every value is a cell or lost.
@@ -56,5 +59,14 @@ struct PathAccount {
 //   tables  those of the pass, all of the map
 [[nodiscard]] uint64_t lostOf(const Document& document, const TablePass& pass,
                               const std::vector<const Table*>& tables);
+
+// What goes wrong in the rows, whatever a map leaves out on purpose.
+struct RowLosses {
+    uint64_t overwritten = 0;  // in columns whose path lies below the table's
+    uint64_t strayed = 0;
+};
+
+// Those of the tables of a pass, up to its last item.
+[[nodiscard]] RowLosses rowLossesOf(const TablePass& pass, const std::vector<const Table*>& tables);
 
 }  // namespace qvej

@@ -168,6 +168,7 @@ enum {
 typedef struct JMAPPassCell {
     int32_t kind;     /* JMAP_CELL_... or JMAP_KIND_...; a text of ALLDATA is a STRING, or cut */
     QVBoolean fresh;  /* set for this row, not kept from an earlier one */
+    QVBoolean strayed; /* it came before the row began: see JMAPPassColumn */
     const char* text; /* of a value: as recorded, neither padded nor cut nor converted */
     union {
         QVStrSize textLen;
@@ -211,6 +212,10 @@ typedef struct JMAPPassColumn {
     uint64_t values;           /* of its path */
     uint64_t overwritten;      /* of them replaced by a later one in the same row */
     uint64_t firstOverwritten; /* its number, from 1, among the values of the path */
+    /* Of them in a row that began after them, as an array that comes after other elements need not
+     * begin one: the row may belong to another parent. */
+    uint64_t strayed;
+    QVBoolean below;           /* the path lies below the table's; else values never stray */
 } JMAPPassColumn;
 void jmapPassColumn(JMAPPassh pass, QVStrSize table, QVStrSize column, JMAPPassColumn* info);
 

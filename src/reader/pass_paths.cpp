@@ -5,6 +5,7 @@
 
 #include "core/list.h"
 #include "core/pool.h"
+#include "row_boundary.h"
 
 #include <utility>
 
@@ -98,6 +99,12 @@ QVStatus addColumn(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32
     return QV_OK;
 }
 
+// Every path lies below an empty table path.
+bool liesBelow(const VARINFO& column, const DSINFO& ds, char sep) noexcept {
+    return rowBoundary(view(column.path, column.pathLen), view(ds.tablePath, ds.tablePathLen), sep,
+                       true, false) == BOUNDARY::INSIDE;
+}
+
 QVStatus addTablePath(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, PASSTABLE* table) {
     if (ds.tablePathLen == 0) {
         return QV_OK;  // it is never seen: no rows
@@ -117,9 +124,10 @@ QVStatus addTablePath(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, PASSTABL
 
 }  // namespace
 
-QVStatus openPaths(PASSPATHS* paths) {
+QVStatus openPaths(PASSPATHS* paths, char sep) {
     constexpr std::u32string_view kName = U"qvejmap pass tracker";
     QVHndlp host = qvGlobalHandle();
+    paths->sep = sep;
     paths->last = &paths->start;
     paths->byPath = host->createTracker(host, QV_TRACKER_HASH, 1, kName.data(),
                                         static_cast<QVStrSize>(kName.size()));
@@ -149,6 +157,9 @@ QVStatus addTable(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, bool retain,
         const bool keeps = retain || column.retain || column.type == VAR_ORDINAL;
         retained[cell] = keeps && !column.noretain;
         QV_TRY(addColumn(paths, pool, column, i, cell, table));
+        if (PASSUSE* use = table->uses[i]; use != nullptr) {
+            use->below = cell == i && liesBelow(column, ds, paths->sep);
+        }
         ++i;
     }
     return QV_OK;

@@ -22,9 +22,11 @@ struct PASSUSE {
     PASSTABLE* table;
     uint32_t cell;  // its place in the row
     bool number;    // the column is numeric and has no informat
+    bool below;     // its path lies below the table path; false for the text of an ordinal
     PASSPATH* path;
     uint64_t overwritten;       // values that a later one of the same row replaced
     uint64_t firstOverwritten;  // the first of them, counted from 1 among the values of the path
+    uint64_t strayed;           // values in complete rows that came when the table was not open
 };
 
 // A path that means something to a table.
@@ -44,6 +46,7 @@ struct PASSPATH {
 };
 
 struct PASSPATHS {
+    char sep;           // between the names of a path
     QVTrackerh byPath;  // path -> PASSPATH; owned
     uint64_t lengths;   // bit (length mod 64) of each path
     PASSPATH* last;     // found last
@@ -53,7 +56,7 @@ struct PASSPATHS {
 namespace jmap {
 
 // Begins an empty set.  QV_NOMEM.
-[[nodiscard]] QVStatus openPaths(PASSPATHS* paths);
+[[nodiscard]] QVStatus openPaths(PASSPATHS* paths, char sep);
 
 // Adds a table and its columns; the cells are there.
 //   alldata, retain  as of an open table

@@ -86,6 +86,7 @@ void clearRow(const PASSROWS& rows, PASSTABLE& table) {
         const uint32_t column = table.set[i];
         if (table.retained[column]) {
             table.cells[column].fresh = 0;
+            table.cells[column].strayed = 0;
             continue;
         }
         table.cells[column] = {};
@@ -97,6 +98,7 @@ void clearRow(const PASSROWS& rows, PASSTABLE& table) {
     table.setCount = 0;
     table.parkedCount = 0;
     table.inVariables = false;
+    table.strayed = false;
 }
 
 QVStatus overlayText(const PASSROWS& rows, PASSTABLE& table, uint32_t column, int32_t kind,

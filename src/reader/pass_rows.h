@@ -46,6 +46,8 @@ struct PASSTABLE {
     uint32_t setCount;
     uint32_t parkedCount;    // entries of `set` whose texts will not go with the block
     bool inVariables;        // the row has received a value
+    bool open;               // its table path is on the stack of seen table paths
+    bool strayed;            // the row has received a value when it was not
     bool ordinalsOnly;       // every column is an ordinal: counting makes rows
     bool touched;            // in the list of those with texts in the block
     uint64_t countedBefore;  // `ordinalsOnly`: sum of its counts when the row began

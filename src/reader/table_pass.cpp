@@ -22,7 +22,20 @@ constexpr QVStrSize kPrefetchBytes = 2048;
 
 // ---- Rows -----------------------------------------------------------------------------------
 
+// The row is shown, and so are the values in it that strayed.
+void countStrayed(const PASSTABLE& table) noexcept {
+    for (uint32_t i = 0; i < table.setCount; ++i) {
+        const uint32_t cell = table.set[i];
+        if (table.cells[cell].strayed) {
+            table.uses[cell]->strayed += 1;  // the cell of a column: texts of ordinals do not stray
+        }
+    }
+}
+
 void endRow(JMAPPass* pass, PASSTABLE* table) noexcept {
+    if (table->strayed) [[unlikely]] {
+        countStrayed(*table);
+    }
     table->nextEnded = nullptr;
     if (pass->endedHead == nullptr) {
         pass->endedHead = table;
@@ -93,6 +106,7 @@ void endRows(JMAPPass* pass, std::string_view path) {
             if (endsRow(boundary)) {
                 endRow(pass, table);
             }
+            table->open = false;
         }
     }
 }
@@ -103,6 +117,9 @@ void countMarker(JMAPPass* pass, PASSPATH* found) noexcept {
     if (found->tables != nullptr) {  // not on the stack: `endRows` has seen to that
         found->above = pass->top;
         pass->top = found;
+        for (PASSTABLE* table = found->tables; table != nullptr; table = table->samePath) {
+            table->open = true;
+        }
     }
 }
 
@@ -111,11 +128,17 @@ bool isNoNumber(const JMAPPass* pass, std::string_view text) {
     return number.status == QV_NOTNUM && number.word == nullptr;
 }
 
-// The column has a value of this row already: the one before the last of its path.
-void countOverwritten(PASSUSE* use) noexcept {
-    if (use->overwritten++ == 0) {
-        use->firstOverwritten = use->path->values - 1;
+// Before the column takes its value.  It may have one of this row already: that is overwritten.  Or
+// its table is not open, since the array that holds the value wrote no marker, elements being
+// counted already.  The next row of the table has the value then, whatever that row's parents are;
+// but columns of ancestors and of other places take their values at any time.
+[[gnu::noinline]] void countMishap(PASSUSE* use) noexcept {
+    JMAPPassCell& cell = use->table->cells[use->cell];
+    if (cell.fresh && use->overwritten++ == 0) {
+        use->firstOverwritten = use->path->values - 1;  // the one before the last of its path
     }
+    cell.strayed = use->below && !use->table->open;
+    use->table->strayed |= cell.strayed != 0;
 }
 
 // Whether the record keeps only the beginning of its value.  Each record with a value is asked
@@ -137,14 +160,14 @@ QVStatus storeValue(JMAPPass* pass, PASSPATH& found, const RECORD& record, bool 
     ++found.values;
     for (PASSUSE* use = found.uses; use != nullptr; use = use->next) {
         use->table->inVariables = true;
-        if (use->table->cells[use->cell].fresh) [[unlikely]] {
-            countOverwritten(use);
+        if (use->table->cells[use->cell].fresh || !use->table->open) [[unlikely]] {
+            countMishap(use);
         }
         const int32_t kind = cut ? int32_t{JMAP_CELL_CUT} : record.kind;
         QV_TRY(setText(pass->rows, *use->table, use->cell, kind, value));
     }
-    // Values of all other kinds are numbers, or words for one.  What the beginning of a text is says
-    // nothing of the whole.
+    // Values of all other kinds are numbers, or words for one.  What the beginning of a text is
+    // says nothing of the whole.
     if (record.kind == VAL_STRING && found.numbers && (cut || isNoNumber(pass, value))) {
         pass->notNumber = found.uses;
         pass->notNumberText = value.data();
@@ -321,7 +344,7 @@ QVStatus fillPass(JMAPPass* pass, DSINFO* const* tables) {
     if (pass->rp.pBuf == nullptr || pass->tables == nullptr) {
         return QV_NOMEM;
     }
-    QV_TRY(openPaths(&pass->paths));
+    QV_TRY(openPaths(&pass->paths, pass->rp.p->sep));
     QV_TRY(addTables(pass, tables));
     pass->textsStay = textsStay(pass);
     return QV_OK;
@@ -371,7 +394,8 @@ void passColumn(const JMAPPass* pass, QVStrSize table, QVStrSize column,
                 JMAPPassColumn* info) noexcept {
     *info = {};
     if (const PASSUSE* use = pass->tables[table].uses[column]; use != nullptr) {
-        *info = {use->path->values, use->overwritten, use->firstOverwritten};
+        *info = {use->path->values, use->overwritten, use->firstOverwritten, use->strayed,
+                 use->below};
     }
 }
 

@@ -100,11 +100,12 @@ static void checkToolLayouts(void) {
     LAYOUT(JMAPReadObserver, 24, AT(arg, 0), AT(notNumber, 8), AT(raw, 16));
     LAYOUT(JMAPRecord, 56, AT(kind, 0), AT(labelCount, 4), AT(path, 8), AT(pathLen, 16),
            AT(value, 24), AT(valueLen, 32), AT(bytes, 40), AT(bytesLen, 48));
-    LAYOUT(JMAPPassCell, 24, AT(kind, 0), AT(fresh, 4), AT(text, 8), AT(textLen, 16),
-           AT(count, 16));
+    LAYOUT(JMAPPassCell, 24, AT(kind, 0), AT(fresh, 4), AT(strayed, 5), AT(text, 8),
+           AT(textLen, 16), AT(count, 16));
     LAYOUT(JMAPPassItem, 64, AT(kind, 0), AT(table, 8), AT(cells, 16), AT(cellCount, 24),
            AT(textCount, 32), AT(column, 40), AT(text, 48), AT(textLen, 56));
-    LAYOUT(JMAPPassColumn, 24, AT(values, 0), AT(overwritten, 8), AT(firstOverwritten, 16));
+    LAYOUT(JMAPPassColumn, 40, AT(values, 0), AT(overwritten, 8), AT(firstOverwritten, 16),
+           AT(strayed, 24), AT(below, 32));
     LAYOUT(JMAPPathKind, 24, AT(count, 0), AT(line, 8), AT(column, 16));
     LAYOUT(JMAPPathInfo, 248, AT(path, 0), AT(pathLen, 8), AT(count, 16), AT(type, 24),
            AT(maxValueLen, 32), AT(longestLine, 40), AT(longestColumn, 48), AT(kinds, 56),

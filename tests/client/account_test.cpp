@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 
 namespace {
 
@@ -45,6 +46,8 @@ std::string sums(const std::vector<qvej::PathAccount>& accounts) {
     std::array<uint64_t, qvej::kLosses> lost = {};
     for (const qvej::PathAccount& account : accounts) {
         EXPECT_TRUE(account.meets()) << qvej::withSlashes(account.path);
+        EXPECT_LE(account.strayed.count, account.cells) << qvej::withSlashes(account.path);
+        EXPECT_EQ(account.strayed.count == 0, account.strayed.first == 0);
         values += account.values;
         cells += account.cells;
         for (std::size_t i = 0; i < qvej::kLosses; ++i) {
@@ -78,12 +81,189 @@ std::string account(const std::string& text) {
     for (qvej::PassItem item = {}; pass.next(item);) {
     }
     uint64_t lost = 0;
+    qvej::RowLosses inRows;
     for (const qvej::PathAccount& path : qvej::accountOf(document, false)) {
         lost += path.values - path.cells -
                 path.lost[static_cast<std::size_t>(qvej::Loss::REJECTED)].count;
+        inRows.overwritten += path.lost[static_cast<std::size_t>(qvej::Loss::OVERWRITTEN)].count;
+        inRows.strayed += path.strayed.count;
     }
     EXPECT_EQ(lost, qvej::lostOf(document, pass, tables));
+    EXPECT_EQ(inRows.overwritten, qvej::rowLossesOf(pass, tables).overwritten);
+    EXPECT_EQ(inRows.strayed, qvej::rowLossesOf(pass, tables).strayed);
     return found;
+}
+
+// The objects around each scalar, by a reading of the document alone.
+//
+// Rows are numbered by markers: an object writes one, and so does an array when it begins an array
+// or follows one, when it is empty, and, if it is a member, for a scalar while the count of
+// elements is 0, which the end of every array sets it to.
+class Ancestors : public nlohmann::json_sax<nlohmann::json> {
+   public:
+    using Objects = std::map<std::string, uint64_t>;  // path -> number of its marker
+
+    // Of value `number`, from 1, of a path.
+    [[nodiscard]] const Objects& of(const std::string& path, uint64_t number) const {
+        return scalars_.at(path).at(number - 1);
+    }
+    [[nodiscard]] uint64_t count(const std::string& path) const {
+        const auto found = scalars_.find(path);
+        return found == scalars_.end() ? 0 : found->second.size();
+    }
+
+    bool null() override { return scalar(); }
+    bool boolean(bool /*value*/) override { return scalar(); }
+    bool number_integer(int64_t /*value*/) override { return scalar(); }
+    bool number_unsigned(uint64_t /*value*/) override { return scalar(); }
+    bool number_float(double /*value*/, const std::string& /*text*/) override { return scalar(); }
+    bool string(std::string& /*value*/) override { return scalar(); }
+    bool binary(nlohmann::json::binary_t& /*value*/) override { return false; }
+    bool key(std::string& name) override {
+        key_ = name;
+        last_ = VALUE;
+        return true;
+    }
+    bool start_object(std::size_t /*elements*/) override {
+        push(false);
+        levels_.back().objects[levels_.back().path] = mark(levels_.back().path);
+        return true;
+    }
+    bool end_object() override { return pop(); }
+    bool start_array(std::size_t /*elements*/) override {
+        push(true);
+        if (last_ == ARRAY_START || last_ == ARRAY_END) {
+            mark(levels_.back().path);
+        }
+        last_ = ARRAY_START;
+        return true;
+    }
+    bool end_array() override {
+        if (last_ == ARRAY_START) {
+            mark(levels_.back().path);
+        }
+        elements_ = 0;
+        pop();
+        last_ = ARRAY_END;
+        return true;
+    }
+    bool parse_error(std::size_t /*at*/, const std::string& /*token*/,
+                     const nlohmann::json::exception& /*what*/) override {
+        return false;
+    }
+
+   private:
+    enum Last { VALUE, ARRAY_START, ARRAY_END };
+    struct Level {
+        bool array;
+        bool member;
+        std::string name;
+        std::string path;
+        Objects objects;  // that enclose what is in it
+    };
+
+    void push(bool array) {
+        Level level = {array, false, {}, "\x02root", {}};
+        if (!levels_.empty()) {
+            level.member = !levels_.back().array;
+            level.name = level.member ? key_ : "";
+            level.path = levels_.back().path + (level.member ? "\x02" + key_ : "");
+            level.objects = levels_.back().objects;
+        }
+        levels_.push_back(level);
+    }
+    bool pop() {
+        levels_.pop_back();
+        last_ = VALUE;
+        return true;
+    }
+    uint64_t mark(const std::string& path) { return ++markers_[path]; }
+
+    bool scalar() {
+        const Level& level = levels_.back();
+        std::string name = key_;
+        if (level.array) {
+            if (level.member && elements_ == 0) {
+                mark(level.path);
+            }
+            name = (level.member ? level.name : "element") + std::to_string(++elements_);
+        }
+        const std::string path = level.path + (name.empty() ? "" : "\x02" + name);
+        scalars_[path].push_back(level.objects);
+        last_ = VALUE;
+        return true;
+    }
+
+    std::vector<Level> levels_;
+    std::string key_;
+    Last last_ = VALUE;
+    uint64_t elements_ = 0;
+    std::map<std::string, uint64_t> markers_;
+    std::map<std::string, std::vector<Objects>> scalars_;
+};
+
+// Does every ordinal of the row count an object around the value, if it counts its path at all?
+bool isOfItsRow(const Ancestors::Objects& objects, const qvej::Table& table,
+                const qvej::PassItem& row) {
+    for (std::size_t i = 0; i < table.columns.size(); ++i) {
+        const auto object = objects.find(table.columns[i].path);
+        const bool ordinal = table.columns[i].type == qvej::ColumnType::ORDINAL;
+        if (ordinal && object != objects.end() && object->second != row.cells[i].count) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Requires that every value is in a row of the objects around it, or strayed.  Returns how many are
+// in a row of others.
+uint64_t valuesOfOthers(const std::string& text, bool retain) {
+    qvej::Engine engine;
+    qvej::Document document(engine);
+    document.feed(text);
+    document.finish();
+    Ancestors ancestors;
+    EXPECT_TRUE(nlohmann::json::sax_parse(text, &ancestors));
+    std::vector<const qvej::Table*> tables;
+    for (const qvej::Table& table : document.tables()) {
+        tables.push_back(&table);
+    }
+    qvej::TablePass pass(document, tables, retain);
+    uint64_t ofOthers = 0;
+    for (qvej::PassItem item = {}; pass.next(item);) {
+        const qvej::Table& table = *tables[item.table];
+        for (std::size_t i = 0; i < item.cells.size(); ++i) {
+            const qvej::PassCell& cell = item.cells[i];
+            if (cell.fresh == 0 || table.columns[i].type == qvej::ColumnType::ORDINAL) {
+                continue;
+            }
+            const std::string& path = table.columns[i].path;
+            const auto& objects = ancestors.of(path, pass.column(item.table, i).values);
+            if (!isOfItsRow(objects, table, item)) {
+                ++ofOthers;
+                EXPECT_TRUE(cell.strayed) << table.name << "." << table.columns[i].name;
+            }
+        }
+    }
+    for (const qvej::PathStatistics& path : document.pathStatistics()) {
+        const bool placeholder = path.path.ends_with(
+            "\x02"
+            "FAKE");
+        EXPECT_TRUE(placeholder || ancestors.count(path.path) == static_cast<uint64_t>(path.count))
+            << qvej::withSlashes(path.path);
+    }
+    return ofOthers;
+}
+
+TEST(Account, EveryValueIsInARowOfItsObjectsOrStrayed) {
+    uint64_t ofOthers = 0;
+    for (unsigned seed = 0; seed < 600; ++seed) {
+        const std::string text =
+            jmap::test::RandomDocument(seed, {"a", "b", "", "a1", "a\\u0002b"}).text(6);
+        SCOPED_TRACE(text);
+        ofOthers += valuesOfOthers(text, seed % 2 != 0);
+    }
+    EXPECT_GT(ofOthers, 100U);
 }
 
 TEST(Account, MeetsForRandomDocuments) {
