@@ -7,30 +7,41 @@ $ cat > doc.json <<'END'
 > END
 $ qvejmap check doc.json --account
   path\tvalues\tlost\tfirst
+  /root/element1\t1\tstrayed\tdoc.json:1:2
+  /root/element2\t1\tstrayed\tdoc.json:1:4
   /root/a\t2\toverwritten\tdoc.json:2:7
   /root\t1\tno column\tdoc.json:2:18
-  14 values = 11 in cells + 2 overwritten + 1 no column + 0 no row + 0 rejected
+  14 values = 11 in cells (2 of them strayed) + 2 overwritten + 1 no column + 0 no row + 0 rejected
 ? 1
 $ echo '[{"a":"x"}]' | qvejmap check - --account
   1 value = 1 in cells + 0 overwritten + 0 no column + 0 no row + 0 rejected
 # On standard input only the places are known where a path begins.
 $ qvejmap check - --account < doc.json
   path\tvalues\tlost\tfirst
+  /root/element1\t1\tstrayed\t<stdin>:1:2
+  /root/element2\t1\tstrayed\t<stdin>:1:4
   /root/a\t2\toverwritten\t<stdin>:2:7
   /root\t1\tno column\t<stdin>:2:18
-  14 values = 11 in cells + 2 overwritten + 1 no column + 0 no row + 0 rejected
+  14 values = 11 in cells (2 of them strayed) + 2 overwritten + 1 no column + 0 no row + 0 rejected
 ? 1
 # convert says that there are such values, or counts them too.
 $ qvejmap convert doc.json -o out
 ! qvejmap: 4 tables, 6 rows in out
-! qvejmap: doc.json: 3 values are in no cell (qvejmap check --account tells which)
+! qvejmap: doc.json: 3 values are in no cell, 2 overwritten (qvejmap check --account tells which)
+! qvejmap: doc.json: 2 values strayed into rows that may be another parent's (qvejmap check --account tells which)
+? 1
 $ qvejmap convert doc.json -o out2 -q --alldata
 ! qvejmap: doc.json: in ALLDATA labels are cut at wrong places: the document has member names that are empty or of 256 bytes and more
+! qvejmap: doc.json: 2 values are overwritten by a later one (qvejmap check --account tells which)
+! qvejmap: doc.json: 2 values strayed into rows that may be another parent's (qvejmap check --account tells which)
+? 1
 $ qvejmap convert doc.json -o out3 -q --account; diff -r -x datapackage.json out out3
   path\tvalues\tlost\tfirst
+  /root/element1\t1\tstrayed\tdoc.json:1:2
+  /root/element2\t1\tstrayed\tdoc.json:1:4
   /root/a\t2\toverwritten\tdoc.json:2:7
   /root\t1\tno column\tdoc.json:2:18
-  14 values = 11 in cells + 2 overwritten + 1 no column + 0 no row + 0 rejected
+  14 values = 11 in cells (2 of them strayed) + 2 overwritten + 1 no column + 0 no row + 0 rejected
 # With a map that a person wrote: a path without a column, values that are refused.
 $ printf '{"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root","VARIABLES":[{"NAME":"a","TYPE":"NUMERIC","PATH":"/root/a"}]}]}' > m.json
 $ echo '[{"a":1,"b":2},{"a":"x"},{"a":"y","b":3}]' > n.json; qvejmap convert n.json --map m.json -o out4 --account
@@ -91,6 +102,53 @@ $ for text in '[1,2,3]' '[1,[2],3]' '[{"a":1,"a":2,"a":3},{"a":4}]' '[{"a":1,"":
   path\tvalues\tlost\tfirst
   /root\t1\tno column\t<stdin>:1:12
   3 values = 2 in cells + 0 overwritten + 1 no column + 0 no row + 0 rejected
+? 1
+# Values that came before the row they are in, so that it may be another parent's: an array behind
+# other elements begins no row.
+$ for text in '{"o":[{"id":1,"m":["SUB",{"t":["x","y"]}]},{"id":2,"m":[{"t":["z"]}]}]}' '{"a":[1,{"b":[2,3]},{"b":[9]}]}' '["x",{"a":1}]' '[{"a":1},"x"]'; do
+>     echo "$text" | qvejmap check - --account
+> done
+  path\tvalues\tlost\tfirst
+  /root/o/m/t/t2\t1\tstrayed\t<stdin>:1:32
+  /root/o/m/t/t3\t1\tstrayed\t<stdin>:1:36
+  6 values = 6 in cells (2 of them strayed) + 0 overwritten + 0 no column + 0 no row + 0 rejected
+  path\tvalues\tlost\tfirst
+  /root/a/b/b2\t1\tstrayed\t<stdin>:1:15
+  /root/a/b/b3\t1\tstrayed\t<stdin>:1:17
+  4 values = 4 in cells (2 of them strayed) + 0 overwritten + 0 no column + 0 no row + 0 rejected
+  path\tvalues\tlost\tfirst
+  /root/element1\t1\tstrayed\t<stdin>:1:2
+  2 values = 2 in cells (1 of them strayed) + 0 overwritten + 0 no column + 0 no row + 0 rejected
+  2 values = 2 in cells + 0 overwritten + 0 no column + 0 no row + 0 rejected
+# One that is overwritten, in no row, rejected or cut as well is told once, a cut one twice.
+$ for text in '{"a":[1,{"b":[2]},{"b":{"b2":3}}]}' '{"a":[1,{"b":[2]}]}'; do echo "$text" | qvejmap check - --account; done
+> for type in NUMERIC 'CHARACTER","LENGTH":"1'; do
+>     printf '{"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root","VARIABLES":[{"NAME":"e","TYPE":"%s","PATH":"/root/element1"}]}]}' "$type" | sed 's/"1"/1/' > e.map
+>     echo '["xyz",{"a":1}]' | qvejmap check - --account --map e.map
+> done
+  path\tvalues\tlost\tfirst
+  /root/a/b/b2\t1\toverwritten\t<stdin>:1:15
+  3 values = 2 in cells + 1 overwritten + 0 no column + 0 no row + 0 rejected
+  path\tvalues\tlost\tfirst
+  /root/a/b/b2\t1\tno row\t<stdin>:1:15
+  2 values = 1 in cells + 0 overwritten + 0 no column + 1 no row + 0 rejected
+  path\tvalues\tlost\tfirst
+  /root/element1\t1\trejected\t<stdin>:1:2
+  /root/a\t1\tno column\t<stdin>:1:13
+  2 values = 0 in cells + 0 overwritten + 1 no column + 0 no row + 1 rejected
+  path\tvalues\tlost\tfirst
+  /root/element1\t1\tstrayed\t<stdin>:1:2
+  /root/element1\t1\tcut\t<stdin>:1:2
+  /root/a\t1\tno column\t<stdin>:1:13
+  2 values = 1 in cells (1 of them strayed, 1 cut) + 0 overwritten + 1 no column + 0 no row + 0 rejected
+? 1
+# A path counts by the column that has its values in their row.
+$ printf '{"DATASETS":[%s]}' "$(for path in /root/a/b /root; do printf '%s{"DSNAME":"t","TABLEPATH":"%s","VARIABLES":[{"NAME":"b2","TYPE":"NUMERIC","PATH":"/root/a/b/b2"}]}' "$comma" $path; comma=,; done)" > both.map
+> echo '{"a":[1,{"b":[2]},{"b":{"c":3}}]}' | qvejmap check - --account --map both.map
+  path\tvalues\tlost\tfirst
+  /root/a/a1\t1\tno column\t<stdin>:1:7
+  /root/a/b/c\t1\tno column\t<stdin>:1:29
+  3 values = 1 in cells + 0 overwritten + 2 no column + 0 no row + 0 rejected
 ? 1
 # A value that its cell has in part, since the column is too short or a record keeps no more of it.
 $ echo '[{"a":"x"},{"a":"xyz"},{"a":"abc"}]' > short.json; sed 's/"NUMERIC"/"CHARACTER","LENGTH":2/' m.json > short.map

@@ -128,6 +128,8 @@ $ ls -A way
 # What the tables do not show is told.
 $ printf '[12345678901234567890,{"k":9007199254740993,"m":-9007199254740993}]' | qvejmap convert - -o loss
 ! qvejmap: 1 table, 1 row in loss
+! qvejmap: <stdin>: 1 value strayed into a row that may be another parent's (qvejmap check --account tells which)
+? 1
 $ cat loss/root.csv
   ordinal_root,element1,k,m\r
   1,12345678901234567890,9007199254740993,-9007199254740993\r
@@ -141,6 +143,36 @@ $ printf '{"e":{}}' | qvejmap convert - -o none --alldata
 ! qvejmap: 2 tables, 2 rows in none
 $ printf '[]' | qvejmap convert - -o nothing --alldata
 ! qvejmap: 2 tables, 0 rows in nothing
+
+# Values that are overwritten or stray make the exit code 1; what has no row or no column does not.
+$ for text in '{"abcd":[1],"kkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkk":[10,20,30]}' '{"a":1,"a":2}' '["x",{"a":1}]' '{"a":[1,{"b":[2]}]}' '{"":1,"a":[2]}'; do
+>     echo "$text" | qvejmap convert - -o codes -q --force; echo $?
+>     echo "$text" | qvejmap convert - -o codes -q --force --alldata --alldata-name A 2> /dev/null; echo $?
+> done
+  1
+  1
+  1
+  1
+  1
+  1
+  0
+  0
+  0
+  0
+! qvejmap: <stdin>: 2 values are in no cell, 2 overwritten (qvejmap check --account tells which)
+! qvejmap: <stdin>: 1 value is in no cell, 1 overwritten (qvejmap check --account tells which)
+! qvejmap: <stdin>: 1 value strayed into a row that may be another parent's (qvejmap check --account tells which)
+! qvejmap: <stdin>: table a_b has no rows; its values are only in ALLDATA
+! qvejmap: <stdin>: 1 value is in no cell (qvejmap check --account tells which)
+! qvejmap: <stdin>: table "" has no rows; its values are only in ALLDATA
+! qvejmap: <stdin>: 1 value is in no cell (qvejmap check --account tells which)
+$ ids='{"DSNAME":"i","TABLEPATH":"/root/i","VARIABLES":[{"NAME":"n","TYPE":"NUMERIC","PATH":"/root/%s"}]}'; for path in i/n n; do
+>     printf '{"DATASETS":[%s]}' "$(printf "$ids" $path)" > n.map; echo '[{"n":1,"i":[]},{"n":2,"i":[{"n":3,"n":4}]}]' | qvejmap convert - --map n.map -o codes -q --force; echo $?
+> done
+  1
+  0
+! qvejmap: <stdin>: 3 values are in no cell, 1 overwritten (qvejmap check --account tells which)
+! qvejmap: <stdin>: 2 values are in no cell (qvejmap check --account tells which)
 
 # A full disk; here a file may have 1 KiB at most.
 $ trap '' XFSZ; ulimit -f 1; printf '{"b":1,"a":[%s]}' $(seq -s, 999) | qvejmap convert - -o full

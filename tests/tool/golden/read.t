@@ -310,3 +310,22 @@ $ printf '{"AllData":{"e":5},"x":1}' > hides.json; qvejmap read hides.json ALLDA
   ordinal_root,ordinal_AllData,e\r
   1,1,5\r
 ! qvejmap: the table AllData hides ALLDATA (--alldata-name gives that another name)
+
+# Values that other rows have, or none.
+$ echo '{"o":[{"id":1,"m":["SUB",{"t":["x","y"]}]},{"id":2,"id":3,"m":[{"t":["z"]}]}]}' > stray.json
+> for table in m_t o o_m; do qvejmap read stray.json $table; echo $?; done; qvejmap read stray.json o --limit 1
+  ordinal_root,ordinal_o,ordinal_m,ordinal_t,t2,t3,t1\r
+  1,2,3,1,x,y,z\r
+  1
+  ordinal_root,ordinal_o,id\r
+  1,1,1\r
+  1,2,3\r
+  1
+  ordinal_root,ordinal_o,ordinal_m,m1\r
+  1,1,1,SUB\r
+  1,1,2,\r
+  0
+  ordinal_root,ordinal_o,id\r
+  1,1,1\r
+! qvejmap: stray.json: table m_t: 2 values strayed into rows that may be another parent's (qvejmap check --account tells which)
+! qvejmap: stray.json: table o: 1 value is overwritten by a later one (qvejmap check --account tells which)

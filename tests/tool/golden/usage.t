@@ -85,10 +85,10 @@ $ qvejmap --help
   Options work in any position.  A file that is named like a verb is written
   ./map.
   
-  Exit codes: 0 done, 1 done but some values were rejected or cut or, with
-  --account, lost (map check, map diff: not the same), 2 wrong usage, 3 not valid
-  JSON, 4 no such table or trouble with the map, 5 trouble with a file, 6 a limit
-  was reached.
+  Exit codes: 0 done, 1 done but some values were rejected, cut, overwritten or
+  strayed or, with --account, lost (map check, map diff: not the same), 2 wrong
+  usage, 3 not valid JSON, 4 no such table or trouble with the map, 5 trouble with
+  a file, 6 a limit was reached.
 $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
   qvejmap convert: write every table to a file of its own
   

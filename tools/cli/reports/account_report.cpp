@@ -40,6 +40,7 @@ std::vector<Line> linesOf(const std::vector<qvej::PathAccount>& accounts,
         for (std::size_t loss = 0; loss < qvej::kLosses; ++loss) {
             add(nameOf(static_cast<qvej::Loss>(loss)), accounts[i].lost[loss]);
         }
+        add("strayed", accounts[i].strayed);
         add("cut", accounts[i].cut);
     }
     return lines;
@@ -73,22 +74,35 @@ void findPlaces(const Options& options, std::vector<Line>& lines) {
     }
 }
 
+// " (2 of them strayed, 1 cut)"; nothing when there are none.
+std::string partOfCells(uint64_t strayed, uint64_t cut) {
+    std::string text;
+    for (const auto& [count, way] : {std::pair{strayed, " strayed"}, std::pair{cut, " cut"}}) {
+        if (count != 0) {
+            text += (text.empty() ? " (" : ", ") + std::to_string(count) +
+                    (text.empty() ? " of them" : "") + way;
+        }
+    }
+    return text.empty() ? text : text + ")";
+}
+
 std::string sumLine(const std::vector<qvej::PathAccount>& accounts) {
     uint64_t values = 0;
     uint64_t cells = 0;
+    uint64_t strayed = 0;
     uint64_t cut = 0;
     std::array<uint64_t, qvej::kLosses> lost = {};
     for (const qvej::PathAccount& account : accounts) {
         values += account.values;
         cells += account.cells;
+        strayed += account.strayed.count;
         cut += account.cut.count;
         for (std::size_t loss = 0; loss < qvej::kLosses; ++loss) {
             lost[loss] += account.lost[loss].count;
         }
     }
     std::string line = std::to_string(values) + (values == 1 ? " value = " : " values = ") +
-                       std::to_string(cells) + " in cells" +
-                       (cut == 0 ? "" : " (" + std::to_string(cut) + " of them cut)");
+                       std::to_string(cells) + " in cells" + partOfCells(strayed, cut);
     for (std::size_t loss = 0; loss < qvej::kLosses; ++loss) {
         line += " + " + std::to_string(lost[loss]) + " ";
         line += nameOf(static_cast<qvej::Loss>(loss));
@@ -156,11 +170,27 @@ std::vector<qvej::Spot> startsOf(const qvej::Document& document,
     return found;
 }
 
-void tellLost(const std::string& file, uint64_t lost) {
-    if (lost != 0) {
-        tell(file + ": " + std::to_string(lost) + (lost == 1 ? " value is" : " values are") +
-             " in no cell (qvejmap check --account tells which)");
+ExitCode tellLost(const std::string& what, const qvej::RowLosses& losses, uint64_t inNoCell) {
+    const auto values = [](uint64_t count) {
+        return std::to_string(count) + (count == 1 ? " value" : " values");
+    };
+    const auto are = [](uint64_t count) { return count == 1 ? " is " : " are "; };
+    const std::string hint = " (qvejmap check --account tells which)";
+    const uint64_t overwritten = losses.overwritten;
+    if (inNoCell != 0) {
+        const std::string some =
+            overwritten == 0 ? "" : ", " + std::to_string(overwritten) + " overwritten";
+        tell(what + ": " + values(inNoCell) + are(inNoCell) + "in no cell" + some + hint);
+    } else if (overwritten != 0) {
+        tell(what + ": " + values(overwritten) + are(overwritten) + "overwritten by a later one" +
+             hint);
     }
+    if (losses.strayed != 0) {
+        tell(what + ": " + values(losses.strayed) +
+             (losses.strayed == 1 ? " strayed into a row" : " strayed into rows") +
+             " that may be another parent's" + hint);
+    }
+    return overwritten == 0 && losses.strayed == 0 ? DONE : REJECTED;
 }
 
 }  // namespace qvej::cli

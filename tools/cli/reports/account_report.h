@@ -25,8 +25,11 @@ ExitCode reportAccount(const Options& options, const std::vector<qvej::PathAccou
 std::vector<qvej::Spot> startsOf(const qvej::Document& document,
                                  const std::vector<qvej::PathAccount>& accounts);
 
-// One line on standard error that says how to see values that are in no cell; nothing when there
-// are none.
-void tellLost(const std::string& file, uint64_t lost);
+// A line on standard error for values that are in no cell, one for those that strayed, and how to
+// see which; nothing when there are none.  REJECTED when values were overwritten or strayed:
+// whatever else is in no cell, a map may leave out on purpose.
+//   what      file or table
+//   inNoCell  0: only overwritten values are asked for
+ExitCode tellLost(const std::string& what, const qvej::RowLosses& losses, uint64_t inNoCell = 0);
 
 }  // namespace qvej::cli

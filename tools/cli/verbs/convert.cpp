@@ -100,11 +100,13 @@ ExitCode convert(const Options& options, const Session& session) {
         tell(shared);
     }
     tellLosses(session.name(), document, written);
-    if (!options.alldata && !options.account) {
-        tellLost(session.name(), qvej::lostOf(document, pass, tables));
+    ExitCode code = DONE;
+    if (!options.account) {
+        const uint64_t lost = options.alldata ? 0 : qvej::lostOf(document, pass, tables);
+        code = tellLost(session.name(), qvej::rowLossesOf(pass, tables), lost);
     }
     tellSharedNames(session.mapName(), tables, *options.format);
-    return rejects.tellAll();
+    return std::max(code, rejects.tellAll());
 }
 
 // What need not wait for the document.

@@ -1,16 +1,20 @@
 // qvejmap read: the rows of one table on standard output.
 //
 // Tested by tests/tool/golden/read.t
+#include "client/account.h"
 #include "client/cursor.h"
 #include "client/error.h"
 #include "client/table_pass.h"
 #include "formats/writer.h"
 #include "tools/cli/failure.h"
+#include "tools/cli/reports/account_report.h"
 #include "tools/cli/reports/rejects.h"
 #include "tools/cli/reports/remarks.h"
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"
 #include "tools/cli/verbs/verbs.h"
+
+#include <algorithm>
 
 namespace qvej::cli {
 
@@ -42,9 +46,13 @@ void noteReading(const qvej::Document& document, const qvej::Table& table, const
     }
 }
 
-// How many there were.
-uint64_t writeRows(const qvej::Document& document, const qvej::Table& table, const Options& options,
-                   Rejects& rejects) {
+struct Written {
+    uint64_t rows;
+    qvej::RowLosses losses;
+};
+
+Written writeRows(const qvej::Document& document, const qvej::Table& table, const Options& options,
+                  Rejects& rejects) {
     const std::unique_ptr<Sink> sink =
         options.format->make(standardOutput(), table.columns, options.formatOptions);
     qvej::PassRow row(document, table, rejects.handlerFor(table));
@@ -55,7 +63,7 @@ uint64_t writeRows(const qvej::Document& document, const qvej::Table& table, con
         }
     }
     sink->end();
-    return row.rows();
+    return {row.rows(), qvej::rowLossesOf(pass, {&table})};
 }
 
 }  // namespace
@@ -81,12 +89,14 @@ ExitCode runRead(const Options& options) {
         if (!options.reading.debug.empty()) {
             noteReading(document, table, options);
         }
-        const uint64_t rows = writeRows(document, table, options, rejects);
+        const Written written = writeRows(document, table, options, rejects);
         const bool all = options.limit != 0;  // else no rows say nothing
-        tellLosses(session.name(), document, {{&table, all ? rows : 1}});
+        tellLosses(session.name(), document, {{&table, all ? written.rows : 1}});
+        const ExitCode code =
+            tellLost(session.name() + ": table " + visible(table.name), written.losses);
         tellSharedNames(session.mapName(), {&table}, *options.format);
         rejects.commit();
-        return rejects.tellAll();
+        return std::max(code, rejects.tellAll());
     } catch (const qvej::Error& error) {
         session.failReading(error);
     }
