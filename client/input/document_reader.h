@@ -4,8 +4,8 @@
 //     qvej::Document document(engine, reader.documentOptions());
 //     reader.read(document);
 //
-// What it throws is an Error with the name of the source; a mistake in the text has its place in
-// the source and its excerpt too.
+// What goes wrong is an Error with the name of the source or of another file; a mistake in the text
+// has its place in the source and its excerpt too.
 //
 // Tested by tests/client/document_reader_test.cpp and tests/tool/golden/check.t
 #pragma once

@@ -16,13 +16,13 @@
 #include <string_view>
 #include <vector>
 
+namespace qvej::cli {
+
 // What else is asked of a text while it is read.
 struct ReadingWishes {
     std::vector<qvej::Watch> watches = {};                // see DocumentOptions
     std::function<void(std::string_view)> observer = {};  // sees each piece of the text
 };
-
-namespace qvej::cli {
 
 class Session {
    public:

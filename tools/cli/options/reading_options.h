@@ -7,14 +7,18 @@
 #include <optional>
 #include <string>
 
+namespace qvej::cli {
+
 struct ReadingOptions {
     qvej::TextOptions text;
     uint64_t depth = 1000;  // 0: any
     bool compress = false;
     std::optional<uint64_t> memory;
     std::optional<uint64_t> keepFree;
-    std::string cache;          // file of records that leave memory; empty: one without a name
+    std::string cache;  // file of records that leave memory; empty: one without a name
     uint64_t ordinals = UINT64_MAX;
     std::string alldataName = "ALLDATA";
     std::string debug;  // as the engine wants it: ",MAP,READ,"; empty: none
 };
+
+}  // namespace qvej::cli
