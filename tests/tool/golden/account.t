@@ -60,7 +60,8 @@ $ qvejmap check n.json --map m.json --account
 ? 1
 # What a map leaves out is meant, and not told but there; what its columns do not show is.
 $ echo '[{"a":1,"b":2},{"a":2,"a":3,"b":4}]' > o.json; qvejmap convert o.json --map m.json -o out5 -q
-! qvejmap: o.json: 1 value is in no cell (qvejmap check --account tells which)
+! qvejmap: o.json: 1 value is in no cell, 1 overwritten (qvejmap check --account tells which)
+? 1
 $ echo '[{"b":2}]' > p.json; qvejmap convert p.json --map m.json -o out6 -q; qvejmap convert p.json --map m.json -o out7 -q --account
   path\tvalues\tlost\tfirst
   /root/b\t1\tno column\tp.json:1:7

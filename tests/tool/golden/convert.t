@@ -1,4 +1,5 @@
 $ qvejmap convert orders.json -o out; ls -A out; cat out/orders.csv
+  datapackage.json
   orders.csv
   orders_customer.csv
   orders_items.csv
@@ -13,11 +14,13 @@ $ echo kept > out/orders_items.csv; rm out/orders_tags.csv; qvejmap convert orde
 ! qvejmap: out/orders.csv: the file exists (--force replaces it)
 ? 5
 $ ls -A out; cat out/orders_items.csv
+  datapackage.json
   orders.csv
   orders_customer.csv
   orders_items.csv
   kept
 $ qvejmap convert orders.json -o out --force -q; ls -A out; head -1 out/orders_items.csv
+  datapackage.json
   orders.csv
   orders_customer.csv
   orders_items.csv
@@ -26,6 +29,7 @@ $ qvejmap convert orders.json -o out --force -q; ls -A out; head -1 out/orders_i
 
 $ qvejmap convert orders.json -o nd --format ndjson --alldata; ls -A nd; head -2 nd/ALLDATA.ndjson
   ALLDATA.ndjson
+  datapackage.json
   orders.ndjson
   orders_customer.ndjson
   orders_items.ndjson
@@ -36,6 +40,7 @@ $ qvejmap convert orders.json -o nd --format ndjson --alldata; ls -A nd; head -2
 
 # Missing folders are made, all of them.
 $ qvejmap convert orders.json -o a/b//c/ -q; ls -A a/b/c
+  datapackage.json
   orders.csv
   orders_customer.csv
   orders_items.csv
@@ -67,6 +72,7 @@ $ qvejmap convert names.json -o names --alldata; ls -A names
   AllData.csv
   O2.csv
   _.csv
+  datapackage.json
   o.csv
   o2~2.csv
   x_o.csv
@@ -114,6 +120,7 @@ $ names='o2 O2 o2 _ .. .h é / a~2 x&y a.b-c_d'
   _.csv
   a%7E2.csv
   a.b-c_d.csv
+  datapackage.json
   o2.csv
   o2~3.csv
   x%26y.csv
@@ -171,8 +178,7 @@ $ ids='{"DSNAME":"i","TABLEPATH":"/root/i","VARIABLES":[{"NAME":"n","TYPE":"NUME
 > done
   1
   0
-! qvejmap: <stdin>: 3 values are in no cell, 1 overwritten (qvejmap check --account tells which)
-! qvejmap: <stdin>: 2 values are in no cell (qvejmap check --account tells which)
+! qvejmap: <stdin>: 1 value is in no cell, 1 overwritten (qvejmap check --account tells which)
 
 # A full disk; here a file may have 1 KiB at most.
 $ trap '' XFSZ; ulimit -f 1; printf '{"b":1,"a":[%s]}' $(seq -s, 999) | qvejmap convert - -o full

@@ -2,7 +2,7 @@
 $ qvejmap convert orders.json -o out -q --null NA; sed -E 's/"modified":"[-0-9T:.]+Z"/"modified":TIME/' out/datapackage.json
   {"qvejmap":{"version":"1.0.0","input":"orders.json","options":["--format=csv","--null=NA"]},
   "resources":[
-  {"name":"orders","path":"orders.csv","format":"csv","rows":2,"bytes":61,"modified":TIME},
+  {"name":"orders","path":"orders.csv","format":"csv","rows":2,"bytes":68,"modified":TIME},
   {"name":"orders_customer","path":"orders_customer.csv","format":"csv","rows":2,"bytes":94,"modified":TIME},
   {"name":"orders_items","path":"orders_items.csv","format":"csv","rows":3,"bytes":120,"modified":TIME},
   {"name":"orders_tags","path":"orders_tags.csv","format":"csv","rows":2,"bytes":91,"modified":TIME}

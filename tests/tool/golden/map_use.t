@@ -1,13 +1,13 @@
 # The automatic map of a document gives the same tables, but for columns of booleans: in a map they are numbers.
 $ qvejmap map orders.json -o m.json; qvejmap convert orders.json -o a -q; qvejmap convert orders.json --map m.json -o b -q; diff -r -x datapackage.json a b; ls b | wc -l
-  diff -r a/orders.csv b/orders.csv
+  diff -r -x datapackage.json a/orders.csv b/orders.csv
   2,3c2,3
   < 1,1,1001,true\r
   < 1,2,1002,false\r
   ---
   > 1,1,1001,1\r
   > 1,2,1002,0\r
-  4
+  5
 
 # Informats, formats, lengths; values that a column cannot take, or only in part.
 $ printf '[{"d":"29/02/2024","n":"1,234.5","x":"12","c":" ab "},{"d":"30/02/2024","n":1e3,"x":true,"c":null},
@@ -61,6 +61,7 @@ $ qvejmap convert v.json --map map.json -o out --rejects bad.csv --force; ls -A 
   v.json
   
   out:
+  datapackage.json
   v.csv
 ! qvejmap: 1 table, 4 rows in out
 ! qvejmap: v.cut: 2 values cut to 3 bytes, the first in row 1: " ab "
@@ -113,6 +114,7 @@ $ qvejmap read x.json x --map x.map --format ndjson
 # The map is read first, and a table's name never acts as a path.
 $ sed 's/"DSNAME":"v"/"DSNAME":"..\/v"/' map.json > path.json; qvejmap convert v.json --map path.json -o p -q 2> err; ls -A p
   %2E.%2Fv.csv
+  datapackage.json
 $ qvejmap read nosuch.json v --map bad.csv; qvejmap read - v --map -
 ! qvejmap: nosuch.json: No such file or directory
 ! qvejmap: FILE and --map cannot both be standard input (qvejmap --help tells more)
