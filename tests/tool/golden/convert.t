@@ -174,11 +174,12 @@ $ for text in '{"abcd":[1],"kkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkk":[10,20,30]}' '{"a
 ! qvejmap: <stdin>: table "" has no rows; its values are only in ALLDATA
 ! qvejmap: <stdin>: 1 value is in no cell (qvejmap check --account tells which)
 $ ids='{"DSNAME":"i","TABLEPATH":"/root/i","VARIABLES":[{"NAME":"n","TYPE":"NUMERIC","PATH":"/root/%s"}]}'; for path in i/n n; do
->     printf '{"DATASETS":[%s]}' "$(printf "$ids" $path)" > n.map; echo '[{"n":1,"i":[]},{"n":2,"i":[{"n":3,"n":4}]}]' | qvejmap convert - --map n.map -o codes -q --force; echo $?
+>     printf '{"DATASETS":[%s]}' "$(printf "$ids" $path)" > n.map; echo '[{"n":1},{"n":2,"i":[{"n":3,"n":4}]}]' | qvejmap convert - --map n.map -o codes -q --force; echo $?
 > done
   1
   0
 ! qvejmap: <stdin>: 1 value is in no cell, 1 overwritten (qvejmap check --account tells which)
+! qvejmap: <stdin>: 1 value is in no cell (qvejmap check --account tells which)
 
 # A full disk; here a file may have 1 KiB at most.
 $ trap '' XFSZ; ulimit -f 1; printf '{"b":1,"a":[%s]}' $(seq -s, 999) | qvejmap convert - -o full
