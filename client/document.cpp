@@ -20,6 +20,14 @@ std::string_view view(const char* text, QVStrSize textLen) {
                            : std::string_view(text, static_cast<std::size_t>(textLen));
 }
 
+// A path that the engine puts together.
+template <class Handle>
+std::string pathOf(void (*write)(Handle, char*), Handle handle, QVStrSize pathLen) {
+    std::string path(static_cast<std::size_t>(pathLen), '\0');
+    write(handle, path.data());
+    return path;
+}
+
 }  // namespace
 
 Document::Document(Engine& engine, const DocumentOptions& options)
@@ -175,7 +183,7 @@ Table Document::describe(JMAPTableh handle, bool alldata) const {
     JMAPTableInfo info = {};
     jmapTableInfo(handle, &info);
     Table table = {std::string(withoutUnfinished(codec_.decoded(view(info.name, info.nameLen)))),
-                   codec_.decoded(view(info.tablePath, info.tablePathLen)),
+                   codec_.decoded(pathOf(jmapTablePath, handle, info.tablePathLen)),
                    {},
                    alldata,
                    handle};
@@ -193,7 +201,8 @@ Column Document::describe(JMAPColumnh handle) const {
     const auto text = [&](const char* at, QVStrSize length) {
         return codec_.decoded(view(at, length));
     };
-    Column column = {text(info.name, info.nameLen), text(info.path, info.pathLen),
+    Column column = {text(info.name, info.nameLen),
+                     codec_.decoded(pathOf(jmapColumnPath, handle, info.pathLen)),
                      static_cast<ColumnType>(info.type), kNumberBytes};
     if (column.type == ColumnType::CHARACTER) {
         column.length = std::min(info.length, kLongestCell);
@@ -243,9 +252,9 @@ std::string Document::mapText() const {
     return document;
 }
 
-PathStatistics Document::describe(const JMAPPathInfo& info) const {
+PathStatistics Document::describe(JMAPPathh path, const JMAPPathInfo& info) const {
     PathStatistics statistics;
-    statistics.path = codec_.decoded(view(info.path, info.pathLen));
+    statistics.path = codec_.decoded(pathOf(jmapPathText, path, info.pathLen));
     statistics.count = info.count;
     statistics.type = info.type;
     statistics.longest = info.maxValueLen;
@@ -267,7 +276,7 @@ std::vector<PathStatistics> Document::pathStatistics() const {
     while (jmapNextPath(handle_, &path) == QV_OK) {
         JMAPPathInfo info = {};
         jmapPathInfo(path, &info);
-        statistics.push_back(describe(info));
+        statistics.push_back(describe(path, info));
     }
     return statistics;
 }

@@ -180,7 +180,7 @@ class Document {
     void followStart(std::string_view text);
     [[nodiscard]] Table describe(JMAPTableh handle, bool alldata) const;
     [[nodiscard]] Column describe(JMAPColumnh handle) const;
-    [[nodiscard]] PathStatistics describe(const JMAPPathInfo& info) const;
+    [[nodiscard]] PathStatistics describe(JMAPPathh path, const JMAPPathInfo& info) const;
     [[nodiscard]] std::vector<Table> describeMap(QVMemPtr map) const;
 
     Engine& engine_;

@@ -29,8 +29,7 @@ enum { JMAP_ORDINAL = 0, JMAP_NUMERIC = 1, JMAP_CHARACTER = 2 };
 typedef struct JMAPTableInfo {
     const char* name;
     QVStrSize nameLen;
-    const char* tablePath; /* null when the table has none */
-    QVStrSize tablePathLen;
+    QVStrSize tablePathLen; /* 0 when the table has none; see jmapTablePath */
     uint64_t columnCount;
 } JMAPTableInfo;
 
@@ -46,8 +45,7 @@ typedef struct JMAPFormat {
 typedef struct JMAPColumnInfo {
     const char* name; /* null when a user map gives none */
     QVStrSize nameLen;
-    const char* path; /* null when the column has none (ALLDATA) */
-    QVStrSize pathLen;
+    QVStrSize pathLen; /* 0 when the column has none (ALLDATA); see jmapColumnPath */
     int32_t type;     /* JMAP_ORDINAL, JMAP_NUMERIC, JMAP_CHARACTER */
     uint64_t length;  /* the map's: longest value of a character column; not yet capped */
     const char* label;
@@ -71,6 +69,11 @@ QVStatus jmapNextTable(QVMemPtr map, JMAPTableh* table);
 QVStatus jmapAlldataTable(QVEJMAPJsonContexth inh, JMAPTableh* table);
 
 void jmapTableInfo(JMAPTableh table, JMAPTableInfo* info);
+
+/* Writes the path of a table, of a column: as many bytes as the info says.  The engine does not keep
+ * such texts but puts them together.  On any thread. */
+void jmapTablePath(JMAPTableh table, char* path);
+void jmapColumnPath(JMAPColumnh column, char* path);
 
 /* As jmapNextTable, for the columns of a table. */
 QVStatus jmapNextColumn(JMAPTableh table, JMAPColumnh* column);
@@ -221,8 +224,7 @@ typedef struct JMAPPathKind {
 } JMAPPathKind;
 
 typedef struct JMAPPathInfo {
-    const char* path;
-    QVStrSize pathLen;
+    QVStrSize pathLen;     /* see jmapPathText */
     int64_t count;         /* records with this path */
     int32_t type;          /* JMAP_NUMERIC, JMAP_CHARACTER, or 3 for an empty container */
     QVStrSize maxValueLen; /* longest value, at least 1 */
@@ -238,6 +240,9 @@ typedef struct JMAPPathInfo {
 QVStatus jmapNextPath(QVEJMAPJsonContexth inh, JMAPPathh* path);
 
 void jmapPathInfo(JMAPPathh path, JMAPPathInfo* info);
+
+/* Writes the path: `pathLen` bytes. */
+void jmapPathText(JMAPPathh path, char* text);
 
 /* Places of chosen values: asks a document that is scanned anew, before its first buffer, where value
  * `number` (from 1) of a path begins.  QV_NOMEM. */

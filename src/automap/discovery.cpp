@@ -45,18 +45,22 @@ QVStatus doDataset(JMAP_PRIVATE* p, MAP* m, PATHINFO* n) {
 }
 
 QVStatus doTablePath(JMAP_PRIVATE* p, DSINFO* ds) {
-    ds->tablePath = nullptr;
+    const VARINFO* last = ds->vtail;
+    ds->tableNode = nullptr;
     ds->tablePathLen = 0;
-    if (ds->vtail == nullptr) {
+    if (last == nullptr) {
         return QV_OK;
     }
-    const std::string_view path = parentOf(p, pathOf(*ds->vtail));
-    char* copy = poolCopy(p->cpool, path);
-    if (copy == nullptr) {
+    const std::string_view path = pathOf(p, *last);
+    if (path.data() == nullptr) {
         return QV_NOMEM;
     }
-    ds->tablePath = copy;
-    ds->tablePathLen = lengthOf(path);
+    ds->tablePathLen = lengthOf(parentOf(p, path));
+    ds->tableNode = last->node;
+    while (ds->tableNode->parent != nullptr &&
+           ds->tableNode->parent->node.textLen >= ds->tablePathLen) {
+        ds->tableNode = &ds->tableNode->parent->node;
+    }
     return QV_OK;
 }
 

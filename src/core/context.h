@@ -46,27 +46,32 @@ struct JMAP_PRIVATE {
     // Tree of known paths.
     PATHBRANCH pathRoot;  // the root component
     PATHBRANCH* pathAt;   // of the members on the stack
-    ARENA pathArena;      // nodes, names, heads
+    uint64_t pathNodes;   // of them: the distinct paths of the document
+    ARENA pathArena;      // nodes, names, statistics, columns of the automatic map
+    HEADSTORE heads;      // record heads of the nodes
     QVTrackerh members;   // parent and name -> PATHNODE, of nodes with many members; owned, ended
                           // after the scan
 
     // Text of the record being written; also a scratch buffer between records.
     VARSTR path;
 
+    VARSTR pathScratch;  // see pathText
+
     // Statistics of paths.
     PATHINFO* pathInfoHead;
     PATHINFO* pathInfoTail;
     bool byText;            // paths are looked up by their text as well
-    QVTrackerh hash;        // then: full path -> PATHINFO; owned, ended after the scan
-    QVTrackerh hash2;       // then: parent path -> group head; likewise
+    QVTrackerh hash;        // then: full path -> PATHBYTEXT; owned, ended after the scan
+    QVTrackerh hash2;       // then: parent path -> that of the group head; likewise
     QVTrackerh dsNameHash;  // upper-cased table name -> DSNAMELIST; likewise
 
     PATHWATCH** watches;  // places that are asked for, in lists by path; null: none
 
     // Failures without a status, and what they cost.
     uint64_t droppedTables;  // left out of the automatic map
-    uint64_t lostLookups;    // times that a tracker could not be made or did not take an entry:
-                             // paths of one text or parts of a group may stand side by side
+    uint64_t lostLookups;    // times that a tracker could not be made or did not take an entry
+                             // (paths of one text or parts of a group may stand side by side), or
+                             // that a number could not be counted as inexact
 
     // Nesting.
     LEVEL* lhead;           // top of the stack, null when it is empty

@@ -3,6 +3,7 @@
 // Tested by tests/reader/table_pass_test.cpp
 #include "pass_paths.h"
 
+#include "automap/path_parts.h"
 #include "core/list.h"
 #include "core/pool.h"
 
@@ -15,17 +16,24 @@ constexpr uint64_t lengthBit(std::string_view path) noexcept {
     return uint64_t{1} << (path.size() % 64);
 }
 
-// The entry of a path, made when it is new; null when there is no memory.
+// The entry of a path, made, with a copy of the text, when it is new; null when there is no memory.
 PASSPATH* enterPath(PASSPATHS* paths, QVPoolh pool, std::string_view path) {
+    if (path.data() == nullptr) {
+        return nullptr;  // its text could not be put together
+    }
     if (PASSPATH* known = findPath(paths, path); known != nullptr) {
         return known;
     }
     auto* entry = poolNew<PASSPATH>(pool);
-    if (entry == nullptr ||
-        paths->byPath->insert(paths->byPath, path.data(), lengthOf(path), entry) != QV_OK) {
+    char* copy = arenaBytes(&paths->texts, pool, lengthOf(path));
+    if (entry == nullptr || copy == nullptr) {
         return nullptr;
     }
-    entry->path = path.data();
+    copyShort(copy, path);
+    if (paths->byPath->insert(paths->byPath, copy, lengthOf(path), entry) != QV_OK) {
+        return nullptr;
+    }
+    entry->path = copy;
     entry->pathLen = lengthOf(path);
     paths->lengths |= lengthBit(path);
     paths->last->follower = entry;  // columns mostly come in the order of the map
@@ -35,7 +43,7 @@ PASSPATH* enterPath(PASSPATHS* paths, QVPoolh pool, std::string_view path) {
 
 QVStatus addOrdinal(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t i,
                     PASSTABLE* table) {
-    const PASSPATH* counted = enterPath(paths, pool, view(column.path, column.pathLen));
+    const PASSPATH* counted = enterPath(paths, pool, pathOf(paths->p, column));
     if (counted == nullptr) {
         return QV_NOMEM;
     }
@@ -45,7 +53,7 @@ QVStatus addOrdinal(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint3
 
 QVStatus addUse(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t i,
                 PASSTABLE* table) {
-    PASSPATH* entry = enterPath(paths, pool, view(column.path, column.pathLen));
+    PASSPATH* entry = enterPath(paths, pool, pathOf(paths->p, column));
     auto* use = poolNew<PASSUSE>(pool);
     if (entry == nullptr || use == nullptr) {
         return QV_NOMEM;
@@ -53,7 +61,7 @@ QVStatus addUse(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t 
     use->table = table;
     use->column = i;
     use->cell = column.type != VAR_ORDINAL;
-    use->number = column.type == VAR_DOUBLE && column.informatLen == 0;
+    use->number = column.type == VAR_DOUBLE && userPartOf(column).informatLen == 0;
     use->path = entry;
     table->uses[i] = use;
     entry->numbers = entry->numbers || use->number;
@@ -82,7 +90,8 @@ QVStatus addColumn(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32
     if (column.type == VAR_ORDINAL) {
         QV_TRY(addOrdinal(paths, pool, column, i, table));
     }
-    if (column.type == VAR_DOUBLE || column.type == VAR_CHAR || column.informatLen != 0) {
+    if (column.type == VAR_DOUBLE || column.type == VAR_CHAR ||
+        userPartOf(column).informatLen != 0) {
         QV_TRY(addUse(paths, pool, column, i, table));
     }
     return QV_OK;
@@ -92,7 +101,7 @@ QVStatus addTablePath(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, PASSTABL
     if (ds.tablePathLen == 0) {
         return QV_OK;  // it is never seen: no rows
     }
-    PASSPATH* entry = enterPath(paths, pool, view(ds.tablePath, ds.tablePathLen));
+    PASSPATH* entry = enterPath(paths, pool, tablePathOf(paths->p, ds));
     if (entry == nullptr) {
         return QV_NOMEM;
     }
@@ -107,9 +116,10 @@ QVStatus addTablePath(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, PASSTABL
 
 }  // namespace
 
-QVStatus openPaths(PASSPATHS* paths) {
+QVStatus openPaths(PASSPATHS* paths, JMAP_PRIVATE* p) {
     constexpr std::u32string_view kName = U"qvejmap pass tracker";
     QVHndlp host = qvGlobalHandle();
+    paths->p = p;
     paths->last = &paths->start;
     paths->byPath = host->createTracker(host, QV_TRACKER_HASH, 1, kName.data(),
                                         static_cast<QVStrSize>(kName.size()));

@@ -144,8 +144,8 @@ QVStatus storeValue(JMAPPass* pass, PASSPATH& found, const RECORD& record, bool 
             QV_TRY(setText(pass->rows, *use->table, use->column, kind, value));
         }
     }
-    // Values of all other kinds are numbers, or words for one.  What the beginning of a text is says
-    // nothing of the whole.
+    // Values of all other kinds are numbers, or words for one.  What the beginning of a text is
+    // says nothing of the whole.
     if (record.kind == VAL_STRING && found.numbers && (cut || isNoNumber(pass, value))) {
         pass->notNumber = found.uses;
         pass->notNumberText = value.data();
@@ -322,7 +322,7 @@ QVStatus fillPass(JMAPPass* pass, DSINFO* const* tables) {
     if (pass->rp.pBuf == nullptr || pass->tables == nullptr) {
         return QV_NOMEM;
     }
-    QV_TRY(openPaths(&pass->paths));
+    QV_TRY(openPaths(&pass->paths, pass->rp.p));
     QV_TRY(addTables(pass, tables));
     pass->textsStay = textsStay(pass);
     return QV_OK;
