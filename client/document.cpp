@@ -13,7 +13,11 @@
 namespace qvej {
 namespace {
 
-constexpr uint64_t kNumberBytes = 8;
+constexpr std::size_t kTablesBetweenChecks = 256;
+
+std::string cacheFileOf(const DocumentOptions& options) {
+    return options.cacheFile.empty() ? privateCacheDirectory() : options.cacheFile;
+}
 
 std::string_view view(const char* text, QVStrSize textLen) {
     return text == nullptr ? std::string_view{}
@@ -34,9 +38,14 @@ Document::Document(Engine& engine, const DocumentOptions& options)
     : engine_(engine),
       codec_(engine.host(), options.encoding),
       alldataName_(options.alldataName),
-      columnOf_(options.columnOf) {
-    std::u32string cacheName =
-        toHostCharacters(options.cacheFile.empty() ? privateCacheDirectory() : options.cacheFile);
+      columnOf_(options.columnOf),
+      guard_(options.maxPaths, options.leastMemory,
+             {[&engine] { return engine.availableMemory(); },
+              [file = cacheFileOf(options)] { return freeDiskOf(file); }}),
+      engineGuard_{&guard_, [](void* arg, const JMAPGrowth* growth) {
+                       return static_cast<ScanGuard*>(arg)->check(*growth);
+                   }} {
+    std::u32string cacheName = toHostCharacters(cacheFileOf(options));
     std::string alldataName = codec_.encoded(options.alldataName);
     std::string debug = options.debug;
 
@@ -60,6 +69,9 @@ Document::Document(Engine& engine, const DocumentOptions& options)
         operations()->JsonInit(&operations()->exth, &parms, &handle_, engine.host()->jnl);
     if (status == QV_OK && (options.lines || columnOf_)) {
         status = setRules(options.lines);
+    }
+    if (status == QV_OK) {
+        jmapGuard(handle_, &engineGuard_);
     }
     for (std::size_t i = 0; status == QV_OK && i < options.watches.size(); ++i) {
         status = watchFor(options.watches[i]);
@@ -113,6 +125,9 @@ void Document::input(std::string_view text, bool done) {
     const QVStatus status = operations()->JsonInput(handle_, const_cast<char*>(text.data()),
                                                     static_cast<QVStrSize>(text.size()),
                                                     done ? 1 : 0, &caching, engine_.host()->jnl);
+    if (guard_.failure()) {
+        failAtLimit(*guard_.failure(), status);
+    }
     if (status == QV_OK) {
         return;
     }
@@ -125,6 +140,21 @@ void Document::input(std::string_view text, bool done) {
         throw Error(info.rc, qvStatusText(info.rc), info.line, info.col);
     }
     throw Error(status);
+}
+
+// A limit of the records has the place that the scan has come to; one of the map has none.
+void Document::failAtLimit(const Error& limit, QVStatus status) const {
+    std::string sentence = limit.what();
+    if (limit.status() == QV_LIMIT_PATHS) {
+        uint64_t count = 0;
+        std::string path(static_cast<std::size_t>(jmapMostPaths(handle_, &count, nullptr)), '\0');
+        (void)jmapMostPaths(handle_, &count, path.data());
+        sentence += "; most are below " + withSlashes(codec_.decoded(path)) + " (" +
+                    withCommas(count) + ")";
+    }
+    const ERRORINFO& info = handle_->e;
+    const bool hasPlace = status == JMAP_PARSE;
+    throw Error(limit.status(), sentence, hasPlace ? info.line : 0, hasPlace ? info.col : 0);
 }
 
 // Finds the place where the document begins.
@@ -170,10 +200,13 @@ void Document::finish() {
     alldata_ = describe(table, true);
 }
 
-std::vector<Table> Document::describeMap(QVMemPtr map) const {
+std::vector<Table> Document::describeMap(QVMemPtr map) {
     std::vector<Table> tables;
     JMAPTableh table = nullptr;
     while (jmapNextTable(map, &table) == QV_OK) {
+        if (tables.size() % kTablesBetweenChecks == 0) {
+            guard_.checkMemory();
+        }
         tables.push_back(describe(table, false));
     }
     return tables;
@@ -182,43 +215,8 @@ std::vector<Table> Document::describeMap(QVMemPtr map) const {
 Table Document::describe(JMAPTableh handle, bool alldata) const {
     JMAPTableInfo info = {};
     jmapTableInfo(handle, &info);
-    Table table = {std::string(withoutUnfinished(codec_.decoded(view(info.name, info.nameLen)))),
-                   codec_.decoded(pathOf(jmapTablePath, handle, info.tablePathLen)),
-                   {},
-                   alldata,
-                   handle};
-    table.columns.reserve(info.columnCount);
-    JMAPColumnh column = nullptr;
-    while (jmapNextColumn(handle, &column) == QV_OK) {
-        table.columns.push_back(describe(column));
-    }
-    return table;
-}
-
-Column Document::describe(JMAPColumnh handle) const {
-    JMAPColumnInfo info = {};
-    jmapColumnInfo(handle, &info);
-    const auto text = [&](const char* at, QVStrSize length) {
-        return codec_.decoded(view(at, length));
-    };
-    Column column = {text(info.name, info.nameLen),
-                     codec_.decoded(pathOf(jmapColumnPath, handle, info.pathLen)),
-                     static_cast<ColumnType>(info.type), kNumberBytes};
-    if (column.type == ColumnType::CHARACTER) {
-        column.length = std::min(info.length, kLongestCell);
-    }
-    column.label = text(info.label, info.labelLen);
-    column.format = {text(info.format.name, info.format.nameLen), info.format.width,
-                     info.format.decimals};
-    column.informat = {text(info.informat.name, info.informat.nameLen), info.informat.width,
-                       info.informat.decimals};
-    column.quiet = info.informatNoError != 0;
-    column.retain = info.retain != 0;
-    column.noretain = info.noretain != 0;
-    column.currentLength = info.currentLength;
-    column.truncated = info.truncation != 0;
-    column.lengthFromDocument = info.lengthFromAutomap != 0;
-    return column;
+    return {std::string(withoutUnfinished(codec_.decoded(view(info.name, info.nameLen)))),
+            Columns(handle, codec_), alldata, handle};
 }
 
 void Document::useMap(std::string_view text) {
@@ -271,12 +269,22 @@ PathStatistics Document::describe(JMAPPathh path, const JMAPPathInfo& info) cons
 }
 
 std::vector<PathStatistics> Document::pathStatistics() const {
+    return describePaths([](const JMAPPathInfo& /*info*/) { return true; });
+}
+
+std::vector<PathStatistics> Document::inexactPaths() const {
+    return describePaths([](const JMAPPathInfo& info) { return info.inexact.count != 0; });
+}
+
+std::vector<PathStatistics> Document::describePaths(bool (*wanted)(const JMAPPathInfo&)) const {
     std::vector<PathStatistics> statistics;
     JMAPPathh path = nullptr;
     while (jmapNextPath(handle_, &path) == QV_OK) {
         JMAPPathInfo info = {};
         jmapPathInfo(path, &info);
-        statistics.push_back(describe(path, info));
+        if (wanted(info)) {
+            statistics.push_back(describe(path, info));
+        }
     }
     return statistics;
 }

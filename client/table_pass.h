@@ -143,7 +143,7 @@ class Sink {
     Sink(const Sink&) = delete;
     Sink& operator=(const Sink&) = delete;
 
-    virtual void begin(const std::vector<Column>& columns) = 0;  // once, before the first row
+    virtual void begin(const Columns& columns) = 0;  // once, before the first row
     virtual void row(const PassRow& row) = 0;
     virtual void end() = 0;  // once, after the last row
 };

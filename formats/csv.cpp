@@ -15,7 +15,7 @@ class CsvSink final : public qvej::Sink {
     CsvSink(Writer& out, const FormatOptions& options)
         : fields_(out, options.null), nullGiven_(options.null.has_value()) {}
 
-    void begin(const std::vector<qvej::Column>& columns) override {
+    void begin(const qvej::Columns& columns) override {
         counts_.resize(columns.size());
         for (const qvej::Column& column : columns) {
             fields_.text(column.name);

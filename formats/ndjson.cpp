@@ -21,7 +21,7 @@ class NdjsonSink final : public qvej::Sink {
    public:
     explicit NdjsonSink(Writer& out) : out_(out) {}
 
-    void begin(const std::vector<qvej::Column>& columns) override {
+    void begin(const qvej::Columns& columns) override {
         for (const qvej::Column& column : columns) {
             std::string head = "\"";
             appendEscaped(head, column.name, JSON_STRING);

@@ -105,6 +105,30 @@ void jmapObserve(QVEJMAPReadContexth rctx, const JMAPReadObserver* observer);
  * when it could not be made. */
 struct JSNParser* jmapParser(QVEJMAPJsonContexth inh);
 
+/* ---- Limits of a scan ---------------------------------------------------------------------- */
+
+/* What a document has come to so far. */
+typedef struct JMAPGrowth {
+    uint64_t paths;        /* distinct ones, also of objects and arrays */
+    uint64_t recordBytes;  /* of closed blocks, uncompressed */
+    uint64_t spilledBytes; /* in the cache file */
+    uint64_t tables;       /* of the automatic map, which is made after the last record */
+} JMAPGrowth;
+
+/* Is asked with each block of records that is closed and before each table of the automatic map is
+ * made.  What it answers other than QV_OK ends the scan: JsonInput then fails.  It must not throw. */
+typedef struct JMAPGuard {
+    void* arg;
+    QVStatus (*check)(void* arg, const JMAPGrowth* growth);
+} JMAPGuard;
+
+/* Before the first buffer; `guard` must live until Term. */
+void jmapGuard(QVEJMAPJsonContexth inh, const JMAPGuard* guard);
+
+/* The path below which more than half of all paths lie, the longest one: how many, and, when `path`
+ * is not null, its text.  Returns its length. */
+QVStrSize jmapMostPaths(QVEJMAPJsonContexth inh, uint64_t* count, char* path);
+
 /* ---- Records ------------------------------------------------------------------------------- */
 
 typedef struct JMAPRecordCursor* JMAPRecordCursorh; /* opaque */

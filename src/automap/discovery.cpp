@@ -10,6 +10,7 @@
 #include "names.h"
 #include "ordinals.h"
 #include "path_parts.h"
+#include "scan/record_block.h"
 #include "variables.h"
 
 namespace jmap {
@@ -21,10 +22,15 @@ QVStatus doMapping(JMAP_PRIVATE* p) {
         return QV_NOMEM;
     }
     map->mtype = AUTO_MAP;
+    uint64_t tables = 0;
     for (PATHINFO& info : each(p->pathInfoHead)) {
         // Kept: a table that fails is left out, which is counted and nothing else.  One observes a
         // map without it, and perhaps a gap in the numbers behind its name.
-        if (!info.processed && doDataset(p, map, &info) != QV_OK) {
+        if (info.processed) {
+            continue;
+        }
+        QV_TRY(askGuard(p, tables++));
+        if (doDataset(p, map, &info) != QV_OK) {
             ++p->droppedTables;
         }
     }

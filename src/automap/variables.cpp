@@ -31,7 +31,7 @@ char* keptName(JMAP_PRIVATE* p, std::string_view label, std::string_view name) {
     }
     char* const copy = arenaBytes(&p->pathArena, p->cpool, lengthOf(name));
     if (copy != nullptr) {
-        copyShort(copy, name);
+        std::memcpy(copy, name.data(), name.size());
     }
     return copy;
 }

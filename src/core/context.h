@@ -5,6 +5,7 @@
 #pragma once
 
 #include "qvejmap.h"
+#include "qvejmapx.h"
 
 #include "arena.h"
 #include "records.h"
@@ -65,6 +66,8 @@ struct JMAP_PRIVATE {
     QVTrackerh hash2;       // then: parent path -> that of the group head; likewise
     QVTrackerh dsNameHash;  // upper-cased table name -> DSNAMELIST; likewise
 
+    const JMAPGuard* guard;  // asked as the document grows; the caller's; null: none
+
     PATHWATCH** watches;  // places that are asked for, in lists by path; null: none
 
     // Failures without a status, and what they cost.
@@ -102,6 +105,7 @@ struct JMAP_PRIVATE {
     WHOLESTRING* wholeTail;
     uint64_t uncompressedPathBytes;
     uint64_t compressedPathBytes;
+    uint64_t spilledPathBytes;     // of them in the cache file
     uint64_t uncompTestPathCount;  // Kept: never used, 0
     uint64_t elementCount;         // scalar elements named since the last array end
 

@@ -161,6 +161,20 @@ void jmapObserve(QVEJMAPReadContexth rctx, const JMAPReadObserver* observer) {
     readContextOf(rctx)->observer = observer;
 }
 
+// ---- Limits of a scan ---------------------------------------------------------------------------
+
+void jmapGuard(QVEJMAPJsonContexth inh, const JMAPGuard* guard) {
+    contextOf(inh)->guard = guard;
+}
+
+QVStrSize jmapMostPaths(QVEJMAPJsonContexth inh, uint64_t* count, char* path) {
+    const PATHNODE* node = mostPathsBelow(contextOf(inh), count);
+    if (path != nullptr) {
+        writePath(node, path);
+    }
+    return node->textLen;
+}
+
 // ---- Records ------------------------------------------------------------------------------------
 
 JSNParserh jmapParser(QVEJMAPJsonContexth inh) {

@@ -11,6 +11,9 @@ ExitCode exitCodeOf(QVStatus status) {
     const bool ofFiles = code >= static_cast<uint32_t>(QV_IO_NOTFOUND) && code <= 0x80BFC8FFu;
     switch (status) {
         case QV_JSON_DEPTH:
+        case QV_LIMIT_PATHS:
+        case QV_LIMIT_DISK:
+        case QV_LIMIT_MEMORY:
         case QV_NOMEM:
             return LIMIT_REACHED;
         case QV_BADPARMS:

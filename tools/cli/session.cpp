@@ -104,6 +104,8 @@ void Session::open() {
     document.alldataName = options_.alldataName;
     document.keepFree = options_.keepFree.value_or(options_.memory ? (*options_.memory - 1) / 2 + 1
                                                                    : engine_.availableMemory() / 8);
+    document.leastMemory = options_.memory ? 0 : engine_.availableMemory() / 16;
+    document.maxPaths = options_.maxPaths;
     document_.emplace(engine_, document);
     cachePath_ = options_.cache.empty() ? qvej::privateCacheDirectory() : options_.cache;
 }
@@ -181,6 +183,16 @@ void Session::fail(const qvej::Error& error) const {
     }
     if (status == QV_JSON_DEPTH) {
         what += " of " + std::to_string(options_.depth) + " (--depth)";
+    }
+    if (status == QV_LIMIT_PATHS) {
+        what += "; --max-paths N moves this limit";
+    }
+    if (status == QV_LIMIT_MEMORY && options_.memory) {
+        what += " (--memory)";
+    }
+    if (status == QV_LIMIT_DISK) {
+        what +=
+            " in " + cachePath_ + " (--cache FILE goes elsewhere, --compress makes them smaller)";
     }
     if (code == WRONG_USAGE) {
         throw Failure(code, "an option does not suit the document: " + what);

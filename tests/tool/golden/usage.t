@@ -104,12 +104,12 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
 $ for verb in tables map read convert records check; do
 >     echo $verb: $(qvejmap $verb -h | grep -o '^  -[-a-z,]*')
 > done
-  tables: --names --columns --map --ordinals --alldata-name --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
-  map: -o,--output --exact --ordinals --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
-  read: --limit --map --rejects --null --format --ordinals --alldata-name --retain --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
-  convert: -o,--output --alldata --threads --account --map --rejects --null --format --ordinals --alldata-name --retain --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
-  records: --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -h,--help --version
-  check: --account --map --retain --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  tables: --names --columns --map --ordinals --alldata-name --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  map: -o,--output --exact --ordinals --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -h,--help --version
+  read: --limit --map --rejects --null --format --ordinals --alldata-name --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -h,--help --version
+  convert: -o,--output --alldata --threads --account --map --rejects --null --format --ordinals --alldata-name --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  records: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -h,--help --version
+  check: --account --map --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
 $ qvejmap map --help | grep -A1 'of map'
   Options of map:
     -o,--output OUT         file to write
@@ -173,8 +173,8 @@ $ qvejmap tables orders.json --ordinals 99999999999999999999
 $ qvejmap tables orders.json --depth x
 ! qvejmap: --depth: 'x' is not a whole number (qvejmap --help tells more)
 ? 2
-$ qvejmap tables orders.json --memory 0
-! qvejmap: --memory: must be more than 0 (qvejmap --help tells more)
+$ qvejmap tables orders.json --memory 31M
+! qvejmap: --memory: at least 32M are needed (qvejmap --help tells more)
 ? 2
 $ qvejmap tables orders.json --memory 3X
 ! qvejmap: --memory: '3X' is not a size such as 500000, 64K, 100M or 2G (qvejmap --help tells more)

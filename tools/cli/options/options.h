@@ -35,7 +35,8 @@ struct Options {
     FormatOptions formatOptions;
     uint64_t ordinals = UINT64_MAX;
     uint64_t depth = 1000;
-    unsigned threads = 1;  // of convert
+    uint64_t maxPaths = 10'000'000;  // 0: any number
+    unsigned threads = 1;            // of convert
     std::optional<uint64_t> keepFree;
     std::optional<uint64_t> memory;
     std::string alldataName = "ALLDATA";

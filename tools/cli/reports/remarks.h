@@ -28,7 +28,7 @@ void tellInexact(const std::string& file, const qvej::Document& document,
                  const std::vector<const qvej::Table*>& tables, bool all = false);
 
 // Columns of a table whose name an earlier one has, the first for each name.
-std::vector<const qvej::Column*> repeatedNames(const qvej::Table& table);
+std::vector<qvej::Column> repeatedNames(const qvej::Table& table);
 
 // Tells on standard error where objects of NDJSON have more than one member of a name.  `map`: what
 // gave the names.
