@@ -54,6 +54,7 @@ $ qvejmap --help
     --invalid WAY           bytes that are wrong in the encoding: error (default), or
                             replace, by U+FFFD
     --depth N               deepest nesting allowed, 0 for any (default: 1000)
+    --max-paths N           most distinct paths, 0 for any (default: 10000000)
     --compress              keep the records compressed
     --memory SIZE           memory to use (default: what the machine has free)
     --keep-free SIZE        memory to leave free; below it records go to a file
