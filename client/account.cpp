@@ -227,7 +227,7 @@ uint64_t lostOf(const Document& document, const TablePass& pass,
 }
 
 RowLosses rowLossesOf(const TablePass& pass, const std::vector<const Table*>& tables) {
-    std::unordered_set<std::string_view> lossy;  // paths; mostly there are none
+    std::unordered_set<std::string> lossy;  // paths; mostly there are none
     for (std::size_t t = 0; t < tables.size(); ++t) {
         for (std::size_t c = 0; c < tables[t]->columns.size(); ++c) {
             const JMAPPassColumn info = pass.column(t, c);

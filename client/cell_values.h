@@ -18,7 +18,7 @@ namespace qvej {
 
 class CellValues : public Row {
    public:
-    [[nodiscard]] const std::vector<Column>& columns() const override { return table_.columns; }
+    [[nodiscard]] const Columns& columns() const override { return table_.columns; }
 
    protected:
     // A column with an informat or a format.

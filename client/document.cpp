@@ -13,29 +13,19 @@
 namespace qvej {
 namespace {
 
-constexpr uint64_t kNumberBytes = 8;
+constexpr std::size_t kTablesBetweenChecks = 256;
 
 std::string_view view(const char* text, QVStrSize textLen) {
     return text == nullptr ? std::string_view{}
                            : std::string_view(text, static_cast<std::size_t>(textLen));
 }
 
-LogicalType logicalTypeOf(const JMAPColumnInfo& info) {
-    if (info.type == JMAP_ORDINAL) {
-        return LogicalType::INTEGER;
-    }
-    switch (info.kinds & ~(1U << JMAP_KIND_NULL)) {
-        case 0:  // not known, or there is nothing but null
-            return info.type == JMAP_NUMERIC ? LogicalType::DOUBLE : LogicalType::TEXT;
-        case 1U << JMAP_KIND_BOOLEAN:
-            return LogicalType::BOOLEAN;
-        case 1U << JMAP_KIND_NUMBER:
-            return LogicalType::DOUBLE;
-        case 1U << JMAP_KIND_STRING:
-            return LogicalType::TEXT;
-        default:
-            return LogicalType::MIXED;
-    }
+// A path that the engine puts together.
+template <class Handle>
+std::string pathOf(void (*write)(Handle, char*), Handle handle, QVStrSize pathLen) {
+    std::string path(static_cast<std::size_t>(pathLen), '\0');
+    write(handle, path.data());
+    return path;
 }
 
 }  // namespace
@@ -45,7 +35,13 @@ Document::Document(Engine& engine, const DocumentOptions& options)
       codec_(engine.host(), options.encoding),
       alldataName_(options.alldataName),
       cacheFile_(options.cacheFile.empty() ? privateCacheDirectory() : options.cacheFile),
-      columnOf_(options.columnOf) {
+      columnOf_(options.columnOf),
+      guard_(options.maxPaths, options.leastMemory,
+             {[&engine] { return engine.availableMemory(); },
+              [file = cacheFile_] { return freeDiskOf(file); }}),
+      engineGuard_{&guard_, [](void* arg, const JMAPGrowth* growth) {
+                       return static_cast<ScanGuard*>(arg)->check(*growth);
+                   }} {
     std::u32string cacheName = toHostCharacters(cacheFile_);
     std::string alldataName = codec_.encoded(options.alldataName);
     std::string debug = options.debug;
@@ -70,6 +66,9 @@ Document::Document(Engine& engine, const DocumentOptions& options)
         operations()->JsonInit(&operations()->exth, &parms, &handle_, engine.host()->jnl);
     if (status == QV_OK && (options.lines || columnOf_)) {
         status = setRules(options.lines);
+    }
+    if (status == QV_OK) {
+        jmapGuard(handle_, &engineGuard_);
     }
     for (std::size_t i = 0; status == QV_OK && i < options.watches.size(); ++i) {
         status = watchFor(options.watches[i]);
@@ -124,9 +123,28 @@ void Document::input(std::string_view text, bool done) {
     const QVStatus status = operations()->JsonInput(handle_, const_cast<char*>(text.data()),
                                                     static_cast<QVStrSize>(text.size()),
                                                     done ? 1 : 0, &caching, engine_.host()->jnl);
+    if (guard_.failure()) {
+        failAtLimit(*guard_.failure(), status);
+    }
     if (status != QV_OK) {
         fail(status);
     }
+}
+
+// A limit of the records has the place that the scan has come to; one of the map has none.
+void Document::failAtLimit(const Error& limit, QVStatus status) const {
+    std::string sentence = limit.what();
+    if (limit.status() == QV_LIMIT_PATHS) {
+        uint64_t count = 0;
+        std::string path(static_cast<std::size_t>(jmapMostPaths(handle_, &count, nullptr)), '\0');
+        (void)jmapMostPaths(handle_, &count, path.data());
+        sentence += "; most are below " + withSlashes(codec_.decoded(path)) + " (" +
+                    withCommas(count) + ")";
+    }
+    if (limit.status() == QV_LIMIT_DISK) {
+        sentence += " in " + cacheFile_;
+    }
+    throw Error(limit.status(), sentence, status == JMAP_PARSE ? end() : Place{});
 }
 
 // Throws what `JsonInput` failed with.
@@ -186,10 +204,13 @@ void Document::finish() {
     alldata_ = describe(table, true);
 }
 
-std::vector<Table> Document::describeMap(QVMemPtr map) const {
+std::vector<Table> Document::describeMap(QVMemPtr map) {
     std::vector<Table> tables;
     JMAPTableh table = nullptr;
     while (jmapNextTable(map, &table) == QV_OK) {
+        if (tables.size() % kTablesBetweenChecks == 0) {
+            guard_.checkMemory();
+        }
         tables.push_back(describe(table, false));
     }
     return tables;
@@ -198,42 +219,8 @@ std::vector<Table> Document::describeMap(QVMemPtr map) const {
 Table Document::describe(JMAPTableh handle, bool alldata) const {
     JMAPTableInfo info = {};
     jmapTableInfo(handle, &info);
-    Table table = {std::string(withoutUnfinished(codec_.decoded(view(info.name, info.nameLen)))),
-                   codec_.decoded(view(info.tablePath, info.tablePathLen)),
-                   {},
-                   alldata,
-                   handle};
-    table.columns.reserve(info.columnCount);
-    JMAPColumnh column = nullptr;
-    while (jmapNextColumn(handle, &column) == QV_OK) {
-        table.columns.push_back(describe(column));
-    }
-    return table;
-}
-
-Column Document::describe(JMAPColumnh handle) const {
-    JMAPColumnInfo info = {};
-    jmapColumnInfo(handle, &info);
-    const auto text = [&](const char* at, QVStrSize length) {
-        return codec_.decoded(view(at, length));
-    };
-    Column column = {text(info.name, info.nameLen), text(info.path, info.pathLen),
-                     static_cast<ColumnType>(info.type), logicalTypeOf(info), kNumberBytes};
-    if (column.type == ColumnType::CHARACTER) {
-        column.length = std::min(info.length, kLongestCell);
-    }
-    column.label = text(info.label, info.labelLen);
-    column.format = {text(info.format.name, info.format.nameLen), info.format.width,
-                     info.format.decimals};
-    column.informat = {text(info.informat.name, info.informat.nameLen), info.informat.width,
-                       info.informat.decimals};
-    column.quiet = info.informatNoError != 0;
-    column.retain = info.retain != 0;
-    column.noretain = info.noretain != 0;
-    column.currentLength = info.currentLength;
-    column.truncated = info.truncation != 0;
-    column.lengthFromDocument = info.lengthFromAutomap != 0;
-    return column;
+    return {std::string(withoutUnfinished(codec_.decoded(view(info.name, info.nameLen)))),
+            Columns(handle, codec_), alldata, handle};
 }
 
 void Document::useMap(std::string_view text) {
@@ -267,9 +254,9 @@ std::string Document::mapText() const {
     return document;
 }
 
-PathStatistics Document::describe(const JMAPPathInfo& info) const {
+PathStatistics Document::describe(JMAPPathh path, const JMAPPathInfo& info) const {
     PathStatistics statistics;
-    statistics.path = codec_.decoded(view(info.path, info.pathLen));
+    statistics.path = codec_.decoded(pathOf(jmapPathText, path, info.pathLen));
     statistics.count = info.count;
     statistics.type = info.type;
     statistics.longest = info.maxValueLen;
@@ -286,12 +273,22 @@ PathStatistics Document::describe(const JMAPPathInfo& info) const {
 }
 
 std::vector<PathStatistics> Document::pathStatistics() const {
+    return describePaths([](const JMAPPathInfo& /*info*/) { return true; });
+}
+
+std::vector<PathStatistics> Document::inexactPaths() const {
+    return describePaths([](const JMAPPathInfo& info) { return info.inexact.count != 0; });
+}
+
+std::vector<PathStatistics> Document::describePaths(bool (*wanted)(const JMAPPathInfo&)) const {
     std::vector<PathStatistics> statistics;
     JMAPPathh path = nullptr;
     while (jmapNextPath(handle_, &path) == QV_OK) {
         JMAPPathInfo info = {};
         jmapPathInfo(path, &info);
-        statistics.push_back(describe(info));
+        if (wanted(info)) {
+            statistics.push_back(describe(path, info));
+        }
     }
     return statistics;
 }

@@ -7,8 +7,10 @@
 
 #include "qvejmapx.h"
 
+#include "columns.h"
 #include "engine.h"
 #include "error.h"
+#include "scan_guard.h"
 #include "text.h"
 
 #include <cstdint>
@@ -39,62 +41,12 @@ struct DocumentOptions {
     std::string cacheFile = {};      // for records that leave memory; it stays.  Empty: a file
                                      // without a name in privateCacheDirectory()
     uint64_t keepFree = 0;           // bytes of memory below which records go to the cache file
+    uint64_t leastMemory = 0;        // and below which the document is given up
+    uint64_t maxPaths = 0;           // distinct paths, after which it is too; 0: any number
     bool compress = false;           // deflate the records
     uint64_t ordinals = UINT64_MAX;  // levels of ordinal columns
     std::string alldataName = "ALLDATA";  // at most 40 bytes
     std::vector<Watch> watches = {};
-};
-
-enum class ColumnType {
-    ORDINAL = JMAP_ORDINAL,
-    NUMERIC = JMAP_NUMERIC,
-    CHARACTER = JMAP_CHARACTER
-};
-
-// What the values of a column are.  In a map that is given it follows from the column's type, since
-// the map may be for other documents too.
-enum class LogicalType {
-    BOOLEAN,  // true and false
-    INTEGER,  // counts, of an ordinal
-    DOUBLE,   // numbers
-    TEXT,     // texts
-    MIXED     // values of several kinds: cells are as the column's type says
-};
-
-// A FORMAT or INFORMAT of a map: a name of the catalogue or a "%" pattern.
-struct Conversion {
-    std::string name;  // empty: none
-    uint64_t width = 0;
-    uint64_t decimals = 0;  // 0: none given
-};
-
-struct Column {
-    std::string name;
-    std::string path;  // separator 0x02 (withSlashes shows it); empty: none
-    ColumnType type;
-    LogicalType logicalType;  // null, which any column may have, apart
-    uint64_t length;  // bytes in a row: 8, or of a character column (to 32767) the map's length or
-                      // else the longest value's
-
-    // Of a user's map; else empty.
-    std::string label = {};
-    Conversion format = {};
-    Conversion informat = {};
-    bool quiet = false;  // values that the informat refuses are not reported
-    bool retain = false;
-    bool noretain = false;
-    uint64_t currentLength = 0;       // longest value of the path in this document; 0: not a path
-                                      // of a character column of the automatic map
-    bool truncated = false;           // `length` is less than that
-    bool lengthFromDocument = false;  // the map gave none
-};
-
-struct Table {
-    std::string name;
-    std::string path;  // as a column's
-    std::vector<Column> columns;
-    bool alldata;       // every value of the document, with the labels of its path
-    JMAPTableh handle;  // the engine's
 };
 
 // One record of the document.  The texts live until the next call on its cursor.
@@ -142,8 +94,8 @@ class Document {
     Document& operator=(const Document&) = delete;
 
     // Takes the next piece of the text; it is only read.  Throws a mistake of the text with its
-    // place; trouble with the cache file (QV_IO_...), with its name; QV_NOMEM.  After a failure
-    // only the destructor may be called.
+    // place; a limit that is reached (QV_LIMIT_...), with the place; trouble with the cache file
+    // (QV_IO_...), with its name; QV_NOMEM.  After a failure only the destructor may be called.
     void feed(std::string_view text);
 
     // Ends the text and builds the tables.  Throws as `feed`, and JMAP_INCOMPLETE when the document
@@ -175,7 +127,11 @@ class Document {
     // The automatic map as a JSON document.
     [[nodiscard]] std::string mapText() const;
 
+    // Of every path; they take far more memory than what the document itself keeps of a path.
     [[nodiscard]] std::vector<PathStatistics> pathStatistics() const;
+
+    // Of the paths with numbers that a double does not keep.
+    [[nodiscard]] std::vector<PathStatistics> inexactPaths() const;
     [[nodiscard]] JMAPTotals totals() const;
 
     // Where the value begins that the options watch for at that position; line 0: it never came.
@@ -197,10 +153,12 @@ class Document {
     void input(std::string_view text, bool done);
     [[noreturn]] void fail(QVStatus status) const;
     [[noreturn]] void fail(QVStatus status, const std::string& sentence) const;
+    [[noreturn]] void failAtLimit(const Error& limit, QVStatus status) const;
     [[nodiscard]] Table describe(JMAPTableh handle, bool alldata) const;
-    [[nodiscard]] Column describe(JMAPColumnh handle) const;
-    [[nodiscard]] PathStatistics describe(const JMAPPathInfo& info) const;
-    [[nodiscard]] std::vector<Table> describeMap(QVMemPtr map) const;
+    [[nodiscard]] std::vector<PathStatistics> describePaths(
+        bool (*wanted)(const JMAPPathInfo&)) const;
+    [[nodiscard]] PathStatistics describe(JMAPPathh path, const JMAPPathInfo& info) const;
+    [[nodiscard]] std::vector<Table> describeMap(QVMemPtr map);
 
     Engine& engine_;
     TextCodec codec_;
@@ -208,6 +166,8 @@ class Document {
     std::string cacheFile_;    // or its directory: what failures call it
     std::function<int64_t(int64_t)> columnOf_;
     QVEJMAPJsonContexth handle_ = nullptr;
+    ScanGuard guard_;
+    const JMAPGuard engineGuard_;
     std::vector<JMAPWatchh> watches_;
     std::vector<Table> automaticTables_;
     std::optional<std::vector<Table>> userTables_;

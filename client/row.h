@@ -43,7 +43,7 @@ class Row {
     Row(const Row&) = delete;
     Row& operator=(const Row&) = delete;
 
-    [[nodiscard]] virtual const std::vector<Column>& columns() const = 0;
+    [[nodiscard]] virtual const Columns& columns() const = 0;
 
     // A cell of the row, by the position of its column.  A text is no longer than its column and
     // ends with a whole character; it lives as long as the row.

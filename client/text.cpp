@@ -191,4 +191,13 @@ std::string lowerCased(std::string_view text) {
     return lower;
 }
 
+std::string withCommas(uint64_t number) {
+    std::string text = std::to_string(number);
+    for (std::size_t at = text.size(); at > 3;) {
+        at -= 3;
+        text.insert(at, 1, ',');
+    }
+    return text;
+}
+
 }  // namespace qvej

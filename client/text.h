@@ -57,4 +57,7 @@ bool equalIgnoringCase(std::string_view a, std::string_view b);
 // The text with a-z for A-Z.
 std::string lowerCased(std::string_view text);
 
+// 1234567 as "1,234,567".
+[[nodiscard]] std::string withCommas(uint64_t number);
+
 }  // namespace qvej

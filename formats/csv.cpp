@@ -16,7 +16,7 @@ namespace {
 
 class CsvSink final : public TextSink {
    public:
-    CsvSink(Writer out, const std::vector<Column>& columns, const FormatOptions& options)
+    CsvSink(Writer out, const Columns& columns, const FormatOptions& options)
         : TextSink(std::move(out)),
           fields_(out_, options.null),
           nullGiven_(options.null.has_value()),
@@ -83,7 +83,7 @@ class CsvSink final : public TextSink {
 
 }  // namespace
 
-std::unique_ptr<Sink> makeCsvSink(Writer out, const std::vector<Column>& columns,
+std::unique_ptr<Sink> makeCsvSink(Writer out, const Columns& columns,
                                   const FormatOptions& options) {
     return std::make_unique<CsvSink>(std::move(out), columns, options);
 }

@@ -2,7 +2,7 @@
 //
 // They are moved aside first, so that they can be put back until all else is done.
 //
-// Tested by tests/tool/golden/convert_again.t and tests/tool/renaming_test.cpp
+// Tested by tests/tool/golden/convert_again.t and tests/formats/renaming_test.cpp
 #pragma once
 
 #include "formats/file_state.h"

@@ -23,7 +23,7 @@ constexpr InfinityWords kInfinity = {"1e400", "-1e400"};
 
 class NdjsonSink final : public TextSink {
    public:
-    NdjsonSink(Writer out, const std::vector<Column>& columns) : TextSink(std::move(out)) {
+    NdjsonSink(Writer out, const Columns& columns) : TextSink(std::move(out)) {
         for (const Column& column : columns) {
             std::string head = "\"";
             qvej::appendEscaped(head, column.name, qvej::JSON_STRING);
@@ -104,7 +104,7 @@ class NdjsonSink final : public TextSink {
 
 }  // namespace
 
-std::unique_ptr<Sink> makeNdjsonSink(Writer out, const std::vector<Column>& columns,
+std::unique_ptr<Sink> makeNdjsonSink(Writer out, const Columns& columns,
                                      const FormatOptions&) {
     return std::make_unique<NdjsonSink>(std::move(out), columns);
 }

@@ -41,8 +41,7 @@ enum { JMAP_ORDINAL = 0, JMAP_NUMERIC = 1, JMAP_CHARACTER = 2 };
 typedef struct JMAPTableInfo {
     const char* name;
     QVStrSize nameLen;
-    const char* tablePath; /* null when the table has none */
-    QVStrSize tablePathLen;
+    QVStrSize tablePathLen; /* 0 when the table has none; see jmapTablePath */
     uint64_t columnCount;
 } JMAPTableInfo;
 
@@ -54,12 +53,11 @@ typedef struct JMAPFormat {
     uint64_t decimals;
 } JMAPFormat;
 
-/* What stands behind `kinds` is of user maps only. */
+/* What comes after `kinds` is of user maps only. */
 typedef struct JMAPColumnInfo {
     const char* name; /* null when a user map gives none */
     QVStrSize nameLen;
-    const char* path; /* null when the column has none (ALLDATA) */
-    QVStrSize pathLen;
+    QVStrSize pathLen; /* 0 when the column has none (ALLDATA); see jmapColumnPath */
     int32_t type;     /* JMAP_ORDINAL, JMAP_NUMERIC, JMAP_CHARACTER */
     uint64_t length;  /* the map's: longest value of a character column; not yet capped */
     uint32_t kinds;   /* automatic map: the bit 1 << JMAP_KIND_... for each kind that the values of
@@ -85,6 +83,11 @@ QVStatus jmapNextTable(QVMemPtr map, JMAPTableh* table);
 QVStatus jmapAlldataTable(QVEJMAPJsonContexth inh, JMAPTableh* table);
 
 void jmapTableInfo(JMAPTableh table, JMAPTableInfo* info);
+
+/* Writes the path of a table, of a column: as many bytes as the info says.  The engine does not keep
+ * such texts but puts them together.  On any thread. */
+void jmapTablePath(JMAPTableh table, char* path);
+void jmapColumnPath(JMAPColumnh column, char* path);
 
 /* As jmapNextTable, for the columns of a table. */
 QVStatus jmapNextColumn(JMAPTableh table, JMAPColumnh* column);
@@ -119,6 +122,30 @@ struct JSNParser* jmapParser(QVEJMAPJsonContexth inh);
 /* Ends what a document keeps open when its last buffer failed or never came: the cache file and hash
  * tables, which Term leaves to the host.  Only Term may follow. */
 void jmapEndInput(QVEJMAPJsonContexth inh);
+
+/* ---- Limits of a scan ---------------------------------------------------------------------- */
+
+/* What a document has come to so far. */
+typedef struct JMAPGrowth {
+    uint64_t paths;        /* distinct ones, also of objects and arrays */
+    uint64_t recordBytes;  /* of closed blocks, uncompressed */
+    uint64_t spilledBytes; /* in the cache file */
+    uint64_t tables;       /* of the automatic map, which is made after the last record */
+} JMAPGrowth;
+
+/* Is asked with each block of records that is closed and before each table of the automatic map is
+ * made.  What it answers other than QV_OK ends the scan: JsonInput then fails.  It must not throw. */
+typedef struct JMAPGuard {
+    void* arg;
+    QVStatus (*check)(void* arg, const JMAPGrowth* growth);
+} JMAPGuard;
+
+/* Before the first buffer; `guard` must live until Term. */
+void jmapGuard(QVEJMAPJsonContexth inh, const JMAPGuard* guard);
+
+/* The path below which more than half of all paths lie, the longest one: how many, and, when `path`
+ * is not null, its text.  Returns its length. */
+QVStrSize jmapMostPaths(QVEJMAPJsonContexth inh, uint64_t* count, char* path);
 
 /* ---- Records ------------------------------------------------------------------------------- */
 
@@ -247,8 +274,7 @@ typedef struct JMAPPathKind {
 } JMAPPathKind;
 
 typedef struct JMAPPathInfo {
-    const char* path;
-    QVStrSize pathLen;
+    QVStrSize pathLen;     /* see jmapPathText */
     int64_t count;         /* records with this path */
     int32_t type;          /* JMAP_NUMERIC, JMAP_CHARACTER, or 3 for an empty container */
     QVStrSize maxValueLen; /* longest value, at least 1 */
@@ -264,6 +290,9 @@ typedef struct JMAPPathInfo {
 QVStatus jmapNextPath(QVEJMAPJsonContexth inh, JMAPPathh* path);
 
 void jmapPathInfo(JMAPPathh path, JMAPPathInfo* info);
+
+/* Writes the path: `pathLen` bytes. */
+void jmapPathText(JMAPPathh path, char* text);
 
 /* Places of chosen values: asks a document that is scanned anew, before its first buffer, where value
  * `number` (from 1) of a path begins.  QV_NOMEM. */

@@ -35,7 +35,8 @@ typedef struct QVPortableOptions {
      * escaped. */
     void (*journalCallback)(void* arg, const char* note, size_t noteLen);
     void* journalArg;
-    uint64_t memoryBudget;   /* bytes that pools may use before qvmrlmem answers 0; 0: no budget */
+    uint64_t memoryBudget;   /* bytes that the process may hold before qvmrlmem answers 0: pools and
+                                all else that it has filled; 0: no budget */
     uint64_t maxDepth;       /* nesting limit of the JSON parser; 0: none */
 } QVPortableOptions;
 

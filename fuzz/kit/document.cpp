@@ -26,12 +26,13 @@ std::string columnText(JMAPColumnh column) {
     JMAPColumnInfo info;
     jmapColumnInfo(column, &info);
     return "  " + quoted(textOf(info.name, info.nameLen)) + " " +
-           (info.path == nullptr ? "no path" : quoted(textOf(info.path, info.pathLen))) + " type " +
-           number(info.type) + number(info.length) + "label " + cutText(info.label, info.labelLen) +
-           " format " + formatText(info.format) + "informat " + formatText(info.informat) +
-           number(info.informatNoError) + "retain " + number(info.retain) + number(info.noretain) +
-           "settled " + number(info.lengthFromAutomap) + number(info.truncation) +
-           number(info.currentLength) + "\n";
+           (info.pathLen == 0 ? "no path" : quoted(pathOf(jmapColumnPath, column, info.pathLen))) +
+           " type " + number(info.type) + number(info.length) + "label " +
+           cutText(info.label, info.labelLen) + " format " + formatText(info.format) + "informat " +
+           formatText(info.informat) + number(info.informatNoError) + "retain " +
+           number(info.retain) + number(info.noretain) + "settled " +
+           number(info.lengthFromAutomap) + number(info.truncation) + number(info.currentLength) +
+           "\n";
 }
 
 }  // namespace
@@ -76,8 +77,8 @@ std::string mapText(QVMemPtr map) {
         JMAPTableInfo info;
         jmapTableInfo(table, &info);
         text += cutText(info.name, info.nameLen) + " " +
-                (info.tablePath == nullptr ? "no path"
-                                           : quoted(textOf(info.tablePath, info.tablePathLen))) +
+                (info.tablePathLen == 0 ? "no path"
+                                        : quoted(pathOf(jmapTablePath, table, info.tablePathLen))) +
                 " " + number(info.columnCount) + "\n";
         JMAPColumnh column = nullptr;
         while (jmapNextColumn(table, &column) == QV_OK) {
@@ -170,7 +171,7 @@ std::string Document::statistics() const {
     while (jmapNextPath(handle, &path) == QV_OK) {
         JMAPPathInfo info;
         jmapPathInfo(path, &info);
-        text += quoted(textOf(info.path, info.pathLen)) + " " + number(info.count) +
+        text += quoted(pathOf(jmapPathText, path, info.pathLen)) + " " + number(info.count) +
                 number(info.type) + number(info.maxValueLen) + number(info.longestLine) +
                 number(info.longestColumn);
         for (const JMAPPathKind& kind : info.kinds) {

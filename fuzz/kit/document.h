@@ -56,6 +56,14 @@ std::string mapText(QVMemPtr map);
 // limit, and which JSON cannot hold.
 std::string_view wholeText(std::string_view text);
 
+// The path of a table, a column or a statistic, which `write` writes.
+template <class Handle>
+std::string pathOf(void (*write)(Handle, char*), Handle handle, QVStrSize pathLen) {
+    std::string path(static_cast<std::size_t>(pathLen), '\0');
+    write(handle, path.data());
+    return path;
+}
+
 // A text as JSON writes it, with its quotes.
 std::string quoted(std::string_view text);
 

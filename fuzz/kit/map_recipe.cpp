@@ -16,7 +16,7 @@ std::vector<std::string> pathsOf(const Document& document) {
     while (paths.size() < kMostPaths && jmapNextPath(document.handle, &path) == QV_OK) {
         JMAPPathInfo info;
         jmapPathInfo(path, &info);
-        std::string text(textOf(info.path, info.pathLen));
+        std::string text = pathOf(jmapPathText, path, info.pathLen);
         std::replace(text.begin(), text.end(), '\x02', '/');
         while (text.size() > 1 && std::ranges::find(paths, text) == paths.end()) {
             paths.push_back(text);

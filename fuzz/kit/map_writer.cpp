@@ -5,8 +5,7 @@
 namespace jmap::fuzz {
 namespace {
 
-std::string pathText(const char* path, QVStrSize pathLen) {
-    std::string text(textOf(path, pathLen));
+std::string pathText(std::string text) {
     std::replace(text.begin(), text.end(), '\x02', '/');
     return quoted(text);
 }
@@ -22,14 +21,16 @@ std::string formatText(const char* key, const char* mark, const JMAPFormat& form
            numberText(format.width) + "," + numberText(format.decimals) + "]";
 }
 
-std::string columnText(const JMAPColumnInfo& info) {
+std::string columnText(JMAPColumnh column) {
+    JMAPColumnInfo info;
+    jmapColumnInfo(column, &info);
     constexpr const char* kTypes[] = {"ORDINAL", "NUMERIC", "CHARACTER"};
     std::string text = std::string("{\"TYPE\":\"") + kTypes[info.type] + "\"";
     if (info.name != nullptr) {
         text += ",\"NAME\":" + quoted(textOf(info.name, info.nameLen));
     }
-    if (info.path != nullptr) {
-        text += ",\"PATH\":" + pathText(info.path, info.pathLen);
+    if (info.pathLen != 0) {
+        text += ",\"PATH\":" + pathText(pathOf(jmapColumnPath, column, info.pathLen));
     }
     if (info.lengthFromAutomap == 0) {
         text += ",\"LENGTH\":" + numberText(info.length);
@@ -54,13 +55,11 @@ std::string writtenMap(QVMemPtr map) {
         jmapTableInfo(table, &info);
         text += text.back() == '[' ? "{" : ",{";
         text += "\"DSNAME\":" + quoted(wholeText(textOf(info.name, info.nameLen))) +
-                ",\"TABLEPATH\":" + pathText(info.tablePath, info.tablePathLen) +
+                ",\"TABLEPATH\":" + pathText(pathOf(jmapTablePath, table, info.tablePathLen)) +
                 ",\"VARIABLES\":[";
         JMAPColumnh column = nullptr;
         while (jmapNextColumn(table, &column) == QV_OK) {
-            JMAPColumnInfo columnInfo;
-            jmapColumnInfo(column, &columnInfo);
-            text += (text.back() == '[' ? "" : ",") + columnText(columnInfo);
+            text += (text.back() == '[' ? "" : ",") + columnText(column);
         }
         text += "]}";
     }

@@ -10,6 +10,7 @@
 #include "names.h"
 #include "ordinals.h"
 #include "path_parts.h"
+#include "scan/record_block.h"
 #include "variables.h"
 
 namespace jmap {
@@ -21,10 +22,15 @@ QVStatus doMapping(JMAP_PRIVATE* p) {
         return QV_NOMEM;
     }
     map->mtype = AUTO_MAP;
+    uint64_t tables = 0;
     for (PATHINFO& info : each(p->pathInfoHead)) {
         // Kept: a table that fails is left out, which is counted and nothing else.  One observes a
         // map without it, and perhaps a gap in the numbers behind its name.
-        if (!info.processed && doDataset(p, map, &info) != QV_OK) {
+        if (info.processed) {
+            continue;
+        }
+        QV_TRY(askGuard(p, tables++));
+        if (doDataset(p, map, &info) != QV_OK) {
             ++p->droppedTables;
         }
     }
@@ -45,18 +51,22 @@ QVStatus doDataset(JMAP_PRIVATE* p, MAP* m, PATHINFO* n) {
 }
 
 QVStatus doTablePath(JMAP_PRIVATE* p, DSINFO* ds) {
-    ds->tablePath = nullptr;
+    const VARINFO* last = ds->vtail;
+    ds->tableNode = nullptr;
     ds->tablePathLen = 0;
-    if (ds->vtail == nullptr) {
+    if (last == nullptr) {
         return QV_OK;
     }
-    const std::string_view path = parentOf(p, pathOf(*ds->vtail));
-    char* copy = poolCopy(p->cpool, path);
-    if (copy == nullptr) {
+    const std::string_view path = pathOf(p, *last);
+    if (path.data() == nullptr) {
         return QV_NOMEM;
     }
-    ds->tablePath = copy;
-    ds->tablePathLen = lengthOf(path);
+    ds->tablePathLen = lengthOf(parentOf(p, path));
+    ds->tableNode = last->node;
+    while (ds->tableNode->parent != nullptr &&
+           ds->tableNode->parent->node.textLen >= ds->tablePathLen) {
+        ds->tableNode = &ds->tableNode->parent->node;
+    }
     return QV_OK;
 }
 

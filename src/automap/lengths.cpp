@@ -55,14 +55,15 @@ void noteDifferent(JMAP_PRIVATE* p, const VARINFO& column, const DSINFO& ds, uin
 
 void noteInformat(JMAP_PRIVATE* p, const VARINFO& column, const DSINFO& ds) {
     if (p->debugUserMap) {
+        const USERVARINFO& user = userPartOf(column);
         const std::string_view name = nameOf(column);
         const std::string_view table = nameOf(ds);
         myLogNote(p,
                   U" charInformatDefaultWidth data set [%.*hs] var [%.*hs] informat [%.*hs] len "
                   U"%lld",
                   noteLen(lengthOf(table)), table.data(), noteLen(lengthOf(name)), name.data(),
-                  noteLen(column.informatLen), column.informat,
-                  static_cast<long long>(column.informatLen));
+                  noteLen(user.informatLen), user.informat,
+                  static_cast<long long>(user.informatLen));
     }
 }
 
@@ -85,7 +86,11 @@ void noteInformat(JMAP_PRIVATE* p, const VARINFO& column, const DSINFO& ds) {
     AUTOCOLUMN* end = index.columns;
     for (const DSINFO& ds : each(map.dshead)) {
         for (const VARINFO& column : each(ds.vhead)) {
-            *end++ = {&column, &ds, hashOf(p->hashSeed, pathOf(column)), 0};
+            const std::string_view path = pathOf(p, column);
+            if (lengthOf(path) != column.pathLen) {
+                return false;
+            }
+            *end++ = {&column, &ds, hashOf(p->hashSeed, path), 0};
         }
     }
     // From the last column to the first, so that every bucket is in map order.
@@ -110,18 +115,18 @@ void settleLength(JMAP_PRIVATE* p, VARINFO& column, const DSINFO& ds, uint64_t a
             column.truncation = true;
         }
     }
-    column.currentLength = autoLength;
+    column.user->currentLength = autoLength;
 }
 
 // With each table in turn that has the path, by its first column of that path.
 void settleByIndex(JMAP_PRIVATE* p, VARINFO& column, const DSINFO& ds,
                    const AUTOINDEX& index) noexcept {
-    const std::string_view path = pathOf(column);
+    const std::string_view path = view(column.path, column.pathLen);
     const uint32_t hash = hashOf(p->hashSeed, path);
     const DSINFO* settled = nullptr;
     for (uint32_t at = index.buckets[hash & index.mask]; at != 0;) {
         const AUTOCOLUMN& found = index.columns[at - 1];
-        if (found.hash == hash && found.ds != settled && pathOf(*found.column) == path) {
+        if (found.hash == hash && found.ds != settled && hasPath(*found.column, path)) {
             settleLength(p, column, ds, found.column->length, *found.ds);
             settled = found.ds;
         }
@@ -131,10 +136,10 @@ void settleByIndex(JMAP_PRIVATE* p, VARINFO& column, const DSINFO& ds,
 
 // The same without an index: slow, but a length left out would cut values.
 void settleBySearch(JMAP_PRIVATE* p, VARINFO& column, const DSINFO& ds) noexcept {
-    const std::string_view path = pathOf(column);
+    const std::string_view path = view(column.path, column.pathLen);
     for (const DSINFO& autoDs : each(p->automap->dshead)) {
         for (const VARINFO& found : each(autoDs.vhead)) {
-            if (pathOf(found) == path) {
+            if (hasPath(found, path)) {
                 settleLength(p, column, ds, found.length, autoDs);
                 break;
             }
@@ -147,10 +152,10 @@ void settleBySearch(JMAP_PRIVATE* p, VARINFO& column, const DSINFO& ds) noexcept
     if (entry != nullptr) {
         entry->variable = column.name;
         entry->variableLen = column.nameLen;
-        entry->informat = column.informat;
-        entry->informatLen = column.informatLen;
-        entry->informatWidth = &column.informatWidth;
-        entry->informatNoError = column.informatNoError ? 1 : 0;
+        entry->informat = column.user->informat;
+        entry->informatLen = column.user->informatLen;
+        entry->informatWidth = &column.user->informatWidth;
+        entry->informatNoError = column.user->informatNoError ? 1 : 0;
         entry->length = &column.length;
         entry->lengthFromAutomap = column.lengthFromAutomap ? 1 : 0;
     }
@@ -188,7 +193,7 @@ QVStatus charInformatDefaultWidths(JMAP_PRIVATE* p, MAP* m, QVPoolh pool, INFORM
     INFORMATINFO** link = ii;
     for (DSINFO& ds : each(m->dshead)) {
         for (VARINFO& column : each(ds.vhead)) {
-            if (column.type != VAR_CHAR || column.informatLen <= 0) {
+            if (column.type != VAR_CHAR || userPartOf(column).informatLen <= 0) {
                 continue;
             }
             noteInformat(p, column, ds);

@@ -17,7 +17,7 @@ void noteText(JMAP_PRIVATE* p, const QVChar* fmt, std::string_view text) {
 
 void dumpColumn(JMAP_PRIVATE* p, const VARINFO& column) {
     const std::string_view name = nameOf(column);
-    const std::string_view path = shown(p, pathOf(column));
+    const std::string_view path = shown(p, pathOf(p, column));
     const int nameLen = noteLen(lengthOf(name));
     const int pathLen = noteLen(lengthOf(path));
     switch (column.type) {
@@ -67,14 +67,15 @@ void dumpColumn2(JMAP_PRIVATE* p, const VARINFO& column) {
     if (column.type == VAR_CHAR) {
         myLogNote(p, U"    maxlen   %lld", static_cast<long long>(column.length));
     }
-    noteText(p, U"    path     [%.*hs]", shown(p, pathOf(column)));
-    if (column.labelLen != 0) {
-        noteText(p, U"    label    [%.*hs]", view(column.label, column.labelLen));
+    noteText(p, U"    path     [%.*hs]", shown(p, pathOf(p, column)));
+    const USERVARINFO& user = userPartOf(column);
+    if (user.labelLen != 0) {
+        noteText(p, U"    label    [%.*hs]", view(user.label, user.labelLen));
     }
-    noteFormat(p, U"    format   [%.*hs %lld %lld]", view(column.format, column.formatLen),
-               column.formatWidth, column.formatDec);
-    noteFormat(p, U"    informat [%.*hs %lld %lld]", view(column.informat, column.informatLen),
-               column.informatWidth, column.informatDec);
+    noteFormat(p, U"    format   [%.*hs %lld %lld]", view(user.format, user.formatLen),
+               user.formatWidth, user.formatDec);
+    noteFormat(p, U"    informat [%.*hs %lld %lld]", view(user.informat, user.informatLen),
+               user.informatWidth, user.informatDec);
     if (column.retain) {
         myLogNote(p, U"    RETAIN");
     }
@@ -105,7 +106,7 @@ QVStatus dumpMap2(JMAP_PRIVATE* p, MAP* m, const char* who) {
             dumpColumn2(p, column);
         }
         myLogNote(p, U"");
-        noteText(p, U" tablePath   [%.*hs]", shown(p, view(ds.tablePath, ds.tablePathLen)));
+        noteText(p, U" tablePath   [%.*hs]", shown(p, tablePathOf(p, ds)));
         myLogNote(p, U"");
     }
     myLogNote(p, U"%hs MAP DUMP END", who);

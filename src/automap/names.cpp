@@ -143,7 +143,11 @@ QVStrSize candidateDsName(JMAP_PRIVATE* p, std::string_view path, char* out) noe
 }
 
 QVStatus uniqueDsName(JMAP_PRIVATE* p, DSINFO* ds, PATHINFO* path) {
-    ds->nameLen = candidateDsName(p, pathOf(*path), ds->name);
+    const std::string_view text = pathOf(p, *path);
+    if (text.data() == nullptr) {
+        return QV_NOMEM;
+    }
+    ds->nameLen = candidateDsName(p, text, ds->name);
     validateName(ds->name, ds->nameLen);
     char upper[kNameMax];
     upperName(upper, nameOf(*ds));

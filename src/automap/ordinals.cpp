@@ -8,6 +8,7 @@
 #include "core/status.h"
 #include "names.h"
 #include "path_parts.h"
+#include "variables.h"
 
 #include <algorithm>
 #include <cstring>
@@ -17,21 +18,20 @@ namespace {
 
 constexpr std::string_view kPrefix = "ordinal_";
 
-// Makes the ordinal that counts the first `pathLen` bytes of `path` and puts it in front.  The path
-// is not copied: deep down the copies would grow with the square of the depth.
-//   Kept: for an empty last component the record is made and left unused.
-QVStatus addOrdinal(JMAP_PRIVATE* p, DSINFO* ds, char* path, QVStrSize pathLen) {
-    auto* column = poolNew<VARINFO>(p->cpool);  // zero: VAR_ORDINAL of length 0
-    if (column == nullptr) {
-        return QV_NOMEM;
-    }
-    column->path = path;
-    column->pathLen = pathLen;
-
-    const std::string_view last = partsOf(p, view(path, pathLen)).last;
+// Makes the ordinal that counts `path`, which is the beginning of that of `node`, and puts it in
+// front.
+//   Kept: for an empty last component nothing is made.
+QVStatus addOrdinal(JMAP_PRIVATE* p, DSINFO* ds, const PATHNODE* node, std::string_view path) {
+    const std::string_view last = partsOf(p, path).last;
     if (last.empty()) {
         return QV_OK;
     }
+    VARINFO* column = newColumn(p);  // zero: VAR_ORDINAL of length 0
+    if (column == nullptr) {
+        return QV_NOMEM;
+    }
+    column->node = node;
+    column->pathLen = lengthOf(path);
     const QVStrSize lastLen = std::min(lengthOf(last), kNameMax - lengthOf(kPrefix));
     column->nameLen = lengthOf(kPrefix) + lastLen;
     column->name = poolBytes(p->cpool, column->nameLen + 1);
@@ -81,9 +81,17 @@ QVStatus makeOrdinalsUnique(JMAP_PRIVATE* p, DSINFO* ds) {
 }  // namespace
 
 QVStatus doOrdinals(JMAP_PRIVATE* p, DSINFO* ds, PATHINFO* n) {
-    std::string_view path = parentOf(p, pathOf(*n));
+    const PATHNODE* node = n->node;
+    const std::string_view whole = pathOf(p, *n);
+    if (whole.data() == nullptr) {
+        return QV_NOMEM;
+    }
+    std::string_view path = parentOf(p, whole);
     for (uint64_t left = p->ordinalCount; left > 0 && !path.empty(); --left) {
-        QV_TRY(addOrdinal(p, ds, n->path, lengthOf(path)));
+        while (node->parent != nullptr && node->parent->node.textLen >= lengthOf(path)) {
+            node = &node->parent->node;
+        }
+        QV_TRY(addOrdinal(p, ds, node, path));
         path = parentOf(p, path);
     }
     return makeOrdinalsUnique(p, ds);

@@ -6,6 +6,7 @@
 #include "core/map.h"
 #include "core/text.h"
 #include "scan/path_text.h"
+#include "scan/path_tree.h"
 
 #include <string_view>
 
@@ -31,12 +32,31 @@ struct PATHPARTS {
     return partsOf(p, path).parent;
 }
 
-[[nodiscard]] inline std::string_view pathOf(const PATHINFO& info) noexcept {
-    return view(info.path, info.pathLen);
+// Paths whose text is put together in `pathScratch`: valid until the next call with any of them.
+// Without memory a null view.
+[[nodiscard]] inline std::string_view pathOf(JMAP_PRIVATE* p, const PATHINFO& info) {
+    return pathText(p, info.node, info.node->textLen);
 }
 
-[[nodiscard]] inline std::string_view pathOf(const VARINFO& column) noexcept {
-    return view(column.path, column.pathLen);
+[[nodiscard]] inline std::string_view pathOf(JMAP_PRIVATE* p, const VARINFO& column) {
+    return column.node == nullptr ? view(column.path, column.pathLen)
+                                  : pathText(p, column.node, column.pathLen);
+}
+
+[[nodiscard]] inline std::string_view tablePathOf(JMAP_PRIVATE* p, const DSINFO& ds) {
+    return ds.tableNode == nullptr ? view(ds.tablePath, ds.tablePathLen)
+                                   : pathText(p, ds.tableNode, ds.tablePathLen);
+}
+
+[[nodiscard]] inline bool hasPath(const VARINFO& column, std::string_view path) {
+    return column.node == nullptr ? view(column.path, column.pathLen) == path
+                                  : pathIs(column.node, column.pathLen, path);
+}
+
+// What a user's map says of the column; nothing of an automatic one.
+[[nodiscard]] inline const USERVARINFO& userPartOf(const VARINFO& column) noexcept {
+    static constexpr USERVARINFO kNothing{};
+    return column.user == nullptr ? kNothing : *column.user;
 }
 
 [[nodiscard]] inline std::string_view nameOf(const VARINFO& column) noexcept {

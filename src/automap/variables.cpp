@@ -19,7 +19,7 @@ namespace {
 
 void notePath(JMAP_PRIVATE* p, const QVChar* fmt, const PATHINFO& info) {
     if (p->debugMapGen) {
-        const std::string_view path = shown(p, pathOf(info));
+        const std::string_view path = shown(p, pathOf(p, info));
         myLogNote(p, fmt, noteLen(lengthOf(path)), path.data());
     }
 }
@@ -35,23 +35,36 @@ uint8_t kindsOf(const PATHINFO& info) {
     return count == info.count ? static_cast<uint8_t>(kinds) : uint8_t{0};
 }
 
-QVStatus addColumn(JMAP_PRIVATE* p, DSINFO* ds, const PATHINFO& info, COLUMNNAMES& names) {
-    auto* column = poolNew<VARINFO>(p->cpool);
-    char* name = poolBytes(p->cpool, kNameMax);
-    if (column == nullptr || name == nullptr) {
-        return QV_NOMEM;
+// The name of a column: most are the label as it stands in the tree.
+char* keptName(JMAP_PRIVATE* p, std::string_view label, std::string_view name) {
+    if (name == label) {
+        return const_cast<char*>(label.data());  // nobody changes the name of such a column
     }
-    const std::string_view last = partsOf(p, pathOf(info)).last;
-    column->name = name;
-    column->nameLen = std::min(lengthOf(last), kNameMax);
-    std::copy_n(last.data(), column->nameLen, name);
-    QV_TRY(makeZULVariable(p, column->name, &column->nameLen, ds->vhead, names));
+    char* const copy = arenaBytes(&p->pathArena, p->cpool, lengthOf(name));
+    if (copy != nullptr) {
+        std::memcpy(copy, name.data(), name.size());
+    }
+    return copy;
+}
 
-    column->path = poolCopy(p->cpool, pathOf(info));
-    if (column->path == nullptr) {
+QVStatus addColumn(JMAP_PRIVATE* p, DSINFO* ds, const PATHINFO& info, COLUMNNAMES& names) {
+    const std::string_view last = lastComponent(info.node);
+    char name[kNameMax];
+    QVStrSize nameLen = std::min(lengthOf(last), kNameMax);
+    std::copy_n(last.data(), nameLen, name);
+    QV_TRY(makeZULVariable(p, name, &nameLen, ds->vhead, names));
+
+    VARINFO* column = newColumn(p);
+    if (column == nullptr) {
         return QV_NOMEM;
     }
-    column->pathLen = info.pathLen;
+    column->name = keptName(p, last, view(name, nameLen));
+    if (column->name == nullptr) {
+        return QV_NOMEM;
+    }
+    column->nameLen = nameLen;
+    column->node = info.node;
+    column->pathLen = info.node->textLen;
     column->type = info.type;
     column->kinds = kindsOf(info);
     column->length = static_cast<uint64_t>(info.pathMaxValLen);
@@ -62,11 +75,10 @@ QVStatus addColumn(JMAP_PRIVATE* p, DSINFO* ds, const PATHINFO& info, COLUMNNAME
 }
 
 QVStatus addColumns(JMAP_PRIVATE* p, DSINFO* ds, PATHINFO* n, COLUMNNAMES& names) {
-    const std::string_view object = parentOf(p, pathOf(*n));
     notePath(p, U"doVariables search     [%.*hs]", *n);
     for (PATHINFO& info : eachDown(n)) {
         notePath(p, U"doVariables considered [%.*hs]", info);
-        if (parentOf(p, pathOf(info)) != object) {
+        if (!sameParent(p, info.node, n->node)) {
             continue;  // only where a member name is empty or contains the separator
         }
         if (info.type == VAR_FAKEVARIABLE) {
@@ -81,6 +93,14 @@ QVStatus addColumns(JMAP_PRIVATE* p, DSINFO* ds, PATHINFO* n, COLUMNNAMES& names
 }
 
 }  // namespace
+
+VARINFO* newColumn(JMAP_PRIVATE* p) {
+    char* const mem = arenaBytes(&p->pathArena, p->cpool, sizeof(VARINFO));
+    if (mem != nullptr) {
+        std::memset(mem, 0, sizeof(VARINFO));
+    }
+    return reinterpret_cast<VARINFO*>(mem);
+}
 
 QVStatus doVariables(JMAP_PRIVATE* p, DSINFO* ds, PATHINFO* n) {
     COLUMNNAMES names = {};

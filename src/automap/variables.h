@@ -7,6 +7,9 @@
 
 namespace jmap {
 
+// An empty column of the automatic map.  Null without memory.
+[[nodiscard]] VARINFO* newColumn(JMAP_PRIVATE* p);
+
 // Appends a column for every path of the group from `n` on that lies in the same object as `n`, and
 // marks these paths processed.  Placeholders of empty containers are marked only.
 // Returns QV_OK, QV_NOMEM, or a status of making a name; columns made so far stay in the table.

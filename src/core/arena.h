@@ -17,7 +17,7 @@ namespace jmap {
 
 // `size` bytes, not cleared, aligned for pointers; null without memory.
 [[nodiscard]] inline char* arenaBytes(ARENA* arena, QVPoolh pool, QVStrSize size) noexcept {
-    constexpr QVStrSize kPieceBytes = 16384;
+    constexpr QVStrSize kPieceBytes = 16384 - 16;  // and what a pool puts in front: 16 KiB
     constexpr QVStrSize kAlignment = 8;
     const QVStrSize need = (size + kAlignment - 1) / kAlignment * kAlignment;
     if (need > arena->left) [[unlikely]] {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "qvejmap.h"
+#include "qvejmapx.h"
 
 #include "arena.h"
 #include "records.h"
@@ -60,27 +61,35 @@ struct JMAP_PRIVATE {
     // Tree of known paths [scan].
     PATHBRANCH pathRoot;  // the root component
     PATHBRANCH* pathAt;   // of the members on the stack
-    ARENA pathArena;      // nodes, names, heads
+    uint64_t pathNodes;   // of them: the distinct paths of the document
+    ARENA pathArena;      // nodes, names, statistics, columns of the automatic map
+    HEADSTORE heads;      // record heads of the nodes
     QVTrackerh members;   // parent and name -> PATHNODE, of nodes that are `indexed`; owned, ended
                           // after the scan
 
     // Text of the record being written [scan]; also a scratch buffer between records.
     VARSTR path;
 
+    VARSTR pathScratch;  // see pathText
+
     // Statistics of paths [scan].
     PATHINFO* pathInfoHead;
     PATHINFO* pathInfoTail;
     bool byText;       // paths are looked up by their text as well
-    QVTrackerh hash;   // then: full path -> PATHINFO; owned, ended after the scan
-    QVTrackerh hash2;  // then: parent path -> group head; likewise
+    QVTrackerh hash;   // then: full path -> PATHBYTEXT; owned, ended after the scan
+    QVTrackerh hash2;  // then: parent path -> that of the group head; likewise
+
+    // Is asked as the document grows [open, by jmapGuard]; the caller's; null: nothing is.
+    const JMAPGuard* guard;
 
     // Places that are asked for [open, by jmapWatch; scan fills them in].
     PATHWATCH** watches;  // in lists by path; null: none
 
     // Failures without a status, and what they cost [scan].
     uint64_t droppedTables;  // of automap: left out of the automatic map
-    uint64_t lostLookups;    // times that a tracker could not be made or did not take an entry:
-                             // paths of one text or parts of a group may stand side by side
+    uint64_t lostLookups;    // times that a tracker could not be made or did not take an entry
+                             // (paths of one text or parts of a group may stand side by side), or
+                             // that a number could not be counted as inexact
 
     // Nesting [scan].
     LEVEL* lhead;           // top of the stack, null when it is empty
@@ -113,6 +122,7 @@ struct JMAP_PRIVATE {
     WHOLESTRING* wholeTail;
     uint64_t uncompressedPathBytes;
     uint64_t compressedPathBytes;
+    uint64_t spilledPathBytes;     // of them in the cache file
     uint64_t uncompTestPathCount;  // Kept: never used, 0
     uint64_t elementCount;         // scalar elements named since the last array end
 

@@ -19,20 +19,12 @@ enum VARTYPE : int32_t {
     VAR_FAKEVARIABLE = 3  // placeholder, no column of an automatic map
 };
 
-struct VARINFO {
-    VARINFO* next;
-    char* name;
-    QVStrSize nameLen;
-    char* label;  // user map; null: none
+struct PATHNODE;  // src/core/records.h
+
+// What only a user's map says of a column.
+struct USERVARINFO {
+    char* label;  // null: none
     QVStrSize labelLen;
-    char* path;  // of the values; of an ordinal: what it counts.  Null: none (ALLDATA)
-    QVStrSize pathLen;
-    VARTYPE type;
-    uint8_t kinds;    // automatic map: the bit 1 << VALTYPE for each kind of its values, or 0
-    uint64_t length;  // bytes; VAR_CHAR: longest value, not yet capped
-    bool lengthFromAutomap;  // user map: `length` came from the automatic map
-    uint64_t offset;         // in the row buffer; the reader's
-    uint64_t ordinalValue;   // running count; the reader's
     char format[32];
     QVStrSize formatLen;
     uint64_t formatWidth;  // 0: none given
@@ -41,12 +33,31 @@ struct VARINFO {
     QVStrSize informatLen;
     uint64_t informatWidth;  // 0: none given
     uint64_t informatDec;
-    bool informatNoError;  // bad values are not to be reported
-    QVExtensionh infh;     // not used: the caller has its informats, here it is null
+    bool informatNoError;    // bad values are not to be reported
+    QVExtensionh infh;       // not used: the caller has its informats, here it is null
+    uint64_t currentLength;  // length in the automatic map
+};
+
+// A column.  Its path is that of the values; of an ordinal: what it counts.  There is one for
+// nearly every path of a document, so an automatic column has no text of its own: its path is the
+// beginning of that of `node`.
+struct VARINFO {
+    VARINFO* next;
+    char* name;
+    QVStrSize nameLen;
+    const PATHNODE* node;  // automatic map; else null
+    char* path;            // any other map.  With a null `node` too: none (ALLDATA)
+    QVStrSize pathLen;
+    uint64_t length;  // bytes; VAR_CHAR: longest value, not yet capped
+    VARTYPE type;
+    uint8_t kinds;  // automatic map: the bit 1 << VALTYPE for each kind of its values, or 0
+    bool lengthFromAutomap;  // user map: `length` came from the automatic map
     bool retain;
     bool noretain;
-    bool truncation;         // user map: `length` cuts the longest value
-    uint64_t currentLength;  // user map: length in the automatic map
+    bool truncation;        // user map: `length` cuts the longest value
+    uint64_t offset;        // in the row buffer; the reader's
+    uint64_t ordinalValue;  // running count; the reader's
+    USERVARINFO* user;      // user map; else null
 };
 
 struct DSINFO {
@@ -56,7 +67,9 @@ struct DSINFO {
     VARINFO* vhead;
     VARINFO* vtail;
     uint64_t varcount;  // columns in the list
-    char* tablePath;    // path of the object that holds the values; null: none
+    // Path of the object that holds the values, as that of a column; both null: none.
+    const PATHNODE* tableNode;
+    char* tablePath;
     QVStrSize tablePathLen;
 };
 

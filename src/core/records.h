@@ -8,6 +8,7 @@
 #include "map.h"
 
 #include <cstdint>
+#include <string_view>
 
 // Kind of an entry of the nesting stack.
 enum WHAT : int32_t { WHAT_LABEL = 1, WHAT_ARRAY = 2, WHAT_OBJECT = 3 };
@@ -33,6 +34,9 @@ enum VALTYPE : int32_t {
     VAL_BOOLEAN = 5,
     VAL_FAKEVARIABLE = 6  // placeholder for an empty object or array
 };
+
+inline constexpr char kSep = '\x02';                   // between the components of a path
+inline constexpr std::string_view kRoot = "\x02root";  // the first one, with it
 
 inline constexpr QVStrSize kMaxStringLen = 32767;  // bytes that a record keeps of a string
 
@@ -66,22 +70,34 @@ struct LEVEL {
     int levelNum;       // Kept: never used, 0
 };
 
+// What is below a label: made with its first child.
+struct PATHCHILDREN {
+    PATHBRANCH* members;    // the latest first
+    int64_t memberCount;    // of them
+    PATHNODE* elements[2];  // the first element named after the label, and the first plain one
+    PATHNODE* lastElement;  // the element that was read last
+    PATHINFO* group;        // head of the group of the children
+};
+
 // A label below the labels in front of it: one place in the tree of known paths.  Members are told
 // apart by their names, elements by their numbers.
 //
-// Elements have no children, since only scalars have a label as elements; of a million there is
-// nothing but this.
+// The tree has each name once; the text of a path is put together when it is needed.  Elements have
+// no children, since only scalars have a label as elements; of a million there is nothing but this.
 struct PATHNODE {
     PATHINFO* info;      // its statistics; null: none, or not to be found again
-    char* head;          // see makeHead; null: not worth it yet
+    char* head;          // see makeHead; null: none
     PATHNODE* follower;  // the member or element that came after it the last time
-    int64_t number;      // of an element, else 0
-    QVStrSize textLen;   // bytes of the path
+    union {
+        PATHCHILDREN* children;  // of a member; null: none yet
+        int64_t number;          // of an element
+    };
+    int32_t textLen;  // bytes of the path
+    int32_t nameLen;
     int32_t labels;      // in the path
     bool plain;          // an element named "element", not after a label
     bool marked;         // a marker has been written
     bool indexed;        // of a member: all its members are in the table `members`
-    QVStrSize nameLen;
     PATHBRANCH* parent;  // must be last: with the name behind it, it is the key of a member.  Null:
                          // the root component
 };
@@ -89,13 +105,18 @@ struct PATHNODE {
 // A node that can have children: a member, or the root component.
 struct PATHBRANCH {
     PATHBRANCH* sibling;     // the member made before it
-    PATHBRANCH* members;     // children, the latest first
-    int64_t memberCount;     // of them
-    PATHNODE* elements[2];   // the first element named after the label, and the first plain one
-    PATHNODE* lastElement;   // the element that was read last
     PATHBRANCH* lastMember;  // the child that was read last
-    PATHINFO* group;         // head of the group of its children
     PATHNODE node;           // must be last: the name stands behind it
+};
+
+// The latest record heads, in pieces that are filled one after the other.  When the last one is
+// full the first is emptied and filled again.  Zero-filled there is none.
+inline constexpr int kHeadPieces = 128;
+struct HEADSTORE {
+    char* pieces[kHeadPieces];
+    QVStrSize used[kHeadPieces];
+    int at;     // the piece that is being filled
+    bool full;  // every piece has been filled
 };
 
 // Where a value begins in the document, counted from 1; all 0: not known.
@@ -112,24 +133,31 @@ struct PATHKIND {
     PLACE first;
 };
 
-// One distinct path of the document that had a value.
-struct PATHINFO {
-    PATHINFO* next;      // next group head
-    PATHINFO* down;      // next member of the group
-    PATHINFO* downtail;  // in a group head: last member of its group
-    PATHINFO* head;      // in a member: its group head
-    char* path;          // own copy: root, separators, labels
-    QVStrSize pathLen;
-    QVStrSize parentLen;  // bytes of the parent's path
-    int64_t count;        // records with this path
-    bool processed;       // taken as a column (or placeholder) by the map builder
-    VARTYPE type;
-    QVStrSize pathMaxValLen;  // longest value, at least 1
-    PLACE longest;            // the first value of that length
-    int64_t inexact;          // numbers that a double does not keep
+// What few paths have.
+struct PATHEXTRAS {
+    int64_t inexact;  // numbers that a double does not keep
     PLACE firstInexact;
     int64_t watched;  // the count at which a place is asked for, or looked for again; 0: none
-    PATHKIND kinds;   // in order of appearance
+};
+
+// One distinct path of the document that had a value.  Its text is that of its node.
+struct PATHINFO {
+    PATHINFO* next;  // next group head
+    PATHINFO* down;  // next member of the group
+    union {
+        PATHINFO* downtail;  // of a group head: last member of its group
+        PATHINFO* head;      // of a member: its group head
+    };
+    const PATHNODE* node;
+    int64_t count;  // records with this path
+    VARTYPE type;
+    bool member;              // of a group, not its head
+    bool processed;           // taken as a column (or placeholder) by the map builder
+    bool ownParent;           // the path is its own parent: its last label is ""
+    QVStrSize pathMaxValLen;  // longest value, at least 1
+    PLACE longest;            // the first value of that length
+    PATHEXTRAS* extras;       // null: none
+    PATHKIND kinds;           // in order of appearance
 };
 
 // One closed block of the record stream.

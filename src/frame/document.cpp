@@ -22,8 +22,6 @@ namespace {
 
 constexpr std::u32string_view kPoolName = U"qvejmap context";
 constexpr std::string_view kParserDesc = "qvejmap's json parser";
-constexpr char kSep = '\x02';
-constexpr std::string_view kRoot = "\x02root";
 constexpr QVStrSize kMaxAlldataName = 40;  // capacity of DSINFO::name
 constexpr QVStrSize kMaxTempName = INT64_MAX / static_cast<QVStrSize>(sizeof(QVChar));
 constexpr int32_t kFirstDepths = 30;  // nesting levels with room from the start

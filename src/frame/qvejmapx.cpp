@@ -3,6 +3,7 @@
 // Tested by tests/frame/qvejmapx_test.cpp and tests/frame/equality_test.cpp
 #include "qvejmapx.h"
 
+#include "automap/path_parts.h"
 #include "core/context.h"
 #include "core/list.h"
 #include "core/pool.h"
@@ -71,6 +72,15 @@ bool labelsSlip(const JMAP_PRIVATE* p) noexcept {
                                        [](int32_t len) { return len > kMostInAByte; });
 }
 
+// Writes the path of a table or a column of the automatic map, or of another one.
+void putPath(const PATHNODE* node, std::string_view text, char* to) {
+    if (node != nullptr) {
+        writePath(node, lengthOf(text), to);
+    } else {
+        copyShort(to, text);
+    }
+}
+
 uint64_t countValues(const JMAP_PRIVATE* p) {
     uint64_t count = 0;
     for (PATHINFO& head : each(p->pathInfoHead)) {
@@ -111,9 +121,16 @@ QVStatus jmapAlldataTable(QVEJMAPJsonContexth inh, JMAPTableh* table) {
 void jmapTableInfo(JMAPTableh table, JMAPTableInfo* info) {
     info->name = table->name;
     info->nameLen = table->nameLen;
-    info->tablePath = table->tablePath;
     info->tablePathLen = table->tablePathLen;
     info->columnCount = table->varcount;
+}
+
+void jmapTablePath(JMAPTableh table, char* path) {
+    putPath(table->tableNode, view(table->tablePath, table->tablePathLen), path);
+}
+
+void jmapColumnPath(JMAPColumnh column, char* path) {
+    putPath(column->node, view(column->path, column->pathLen), path);
 }
 
 QVStatus jmapNextColumn(JMAPTableh table, JMAPColumnh* column) {
@@ -121,24 +138,23 @@ QVStatus jmapNextColumn(JMAPTableh table, JMAPColumnh* column) {
 }
 
 void jmapColumnInfo(JMAPColumnh column, JMAPColumnInfo* info) {
+    const USERVARINFO& user = userPartOf(*column);
     *info = {.name = column->name,
              .nameLen = column->nameLen,
-             .path = column->path,
              .pathLen = column->pathLen,
              .type = column->type,
              .length = column->length,
              .kinds = column->kinds,
-             .label = column->label,
-             .labelLen = column->labelLen,
-             .format = {column->format, column->formatLen, column->formatWidth, column->formatDec},
-             .informat = {column->informat, column->informatLen, column->informatWidth,
-                          column->informatDec},
-             .informatNoError = flag(column->informatNoError),
+             .label = user.label,
+             .labelLen = user.labelLen,
+             .format = {user.format, user.formatLen, user.formatWidth, user.formatDec},
+             .informat = {user.informat, user.informatLen, user.informatWidth, user.informatDec},
+             .informatNoError = flag(user.informatNoError),
              .retain = flag(column->retain),
              .noretain = flag(column->noretain),
              .lengthFromAutomap = flag(column->lengthFromAutomap),
              .truncation = flag(column->truncation),
-             .currentLength = column->currentLength};
+             .currentLength = user.currentLength};
 }
 
 QVStatus jmapReadTable(QVEJMAPJsonContexth inh, JMAPTableh table, QVEJMAPReadInitParms* rip,
@@ -149,6 +165,20 @@ QVStatus jmapReadTable(QVEJMAPJsonContexth inh, JMAPTableh table, QVEJMAPReadIni
 
 void jmapObserve(QVEJMAPReadContexth rctx, const JMAPReadObserver* observer) {
     readContextOf(rctx)->observer = observer;
+}
+
+// ---- Limits of a scan ---------------------------------------------------------------------------
+
+void jmapGuard(QVEJMAPJsonContexth inh, const JMAPGuard* guard) {
+    contextOf(inh)->guard = guard;
+}
+
+QVStrSize jmapMostPaths(QVEJMAPJsonContexth inh, uint64_t* count, char* path) {
+    const PATHNODE* node = mostPathsBelow(contextOf(inh), count);
+    if (path != nullptr) {
+        writePath(node, path);
+    }
+    return node->textLen;
 }
 
 // ---- Records ------------------------------------------------------------------------------------
@@ -252,7 +282,7 @@ QVStatus jmapNextPath(QVEJMAPJsonContexth inh, JMAPPathh* path) {
     PATHINFO* at = *path;
     PATHINFO* next = contextOf(inh)->pathInfoHead;
     if (at != nullptr) {
-        const PATHINFO* head = at->head != nullptr ? at->head : at;
+        const PATHINFO* head = at->member ? at->head : at;
         next = at->down != nullptr ? at->down : head->next;
     }
     if (next == nullptr) {
@@ -263,8 +293,7 @@ QVStatus jmapNextPath(QVEJMAPJsonContexth inh, JMAPPathh* path) {
 }
 
 void jmapPathInfo(JMAPPathh path, JMAPPathInfo* info) {
-    info->path = path->path;
-    info->pathLen = path->pathLen;
+    info->pathLen = path->node->textLen;
     info->count = path->count;
     info->type = path->type;
     info->maxValueLen = path->pathMaxValLen;
@@ -274,7 +303,14 @@ void jmapPathInfo(JMAPPathh path, JMAPPathInfo* info) {
     for (const PATHKIND* kind = &path->kinds; kind != nullptr; kind = kind->next) {
         info->kinds[kind->kind] = {kind->count, kind->first.line, kind->first.column};
     }
-    info->inexact = {path->inexact, path->firstInexact.line, path->firstInexact.column};
+    info->inexact = {};
+    if (const PATHEXTRAS* extras = path->extras; extras != nullptr) {
+        info->inexact = {extras->inexact, extras->firstInexact.line, extras->firstInexact.column};
+    }
+}
+
+void jmapPathText(JMAPPathh path, char* text) {
+    writePath(path->node, text);
 }
 
 QVStatus jmapWatch(QVEJMAPJsonContexth inh, const char* path, QVStrSize pathLen, int64_t number,

@@ -71,7 +71,8 @@ QVStatus availableMemory(QVHndlp handle, uint64_t* available) {
     const uint64_t budget = host.budget();
     std::optional<uint64_t> bytes = host.memoryQuery().available();
     if (budget != 0) {
-        const uint64_t left = budget - std::min(budget, host.memory().held());
+        const uint64_t held = std::max(host.memory().held(), host.memoryQuery().held());
+        const uint64_t left = budget - std::min(budget, held);
         bytes = std::min(left, bytes.value_or(left));
     }
     if (!bytes) {

@@ -6,6 +6,7 @@
 //                            too
 //   memory.max, memory.limit_in_bytes       a number, or "max"
 //   memory.current, memory.usage_in_bytes   a number
+//   /proc/self/statm         "2345 1200 900 ...": pages mapped, present, present and of files
 //   memory.stat              "inactive_file 4096" a line; the older form has totals with "total_"
 //
 // Tested by tests/host/memory_query_test.cpp
@@ -82,7 +83,8 @@ std::string_view PolledFile::read(char* buffer, std::size_t size) const noexcept
     return {buffer, length};
 }
 
-MemoryQuery::MemoryQuery(const MemoryPaths& paths) : meminfo_(paths.meminfo) {
+MemoryQuery::MemoryQuery(const MemoryPaths& paths)
+    : meminfo_(paths.meminfo), ownPages_(paths.ownPages) {
     std::array<char, kTextSize> buffer;
     std::string_view text = PolledFile(paths.ownGroups).read(buffer.data(), buffer.size());
     while (!text.empty()) {
@@ -123,6 +125,23 @@ void MemoryQuery::addGroups(const std::string& root, std::string path, bool isUn
         }
         path.resize(path.rfind('/') == std::string::npos ? 0 : path.rfind('/'));
     }
+}
+
+uint64_t MemoryQuery::held() const {
+    std::array<char, kTextSize> buffer;
+    std::string_view text = ownPages_.read(buffer.data(), buffer.size());
+    const auto nextNumber = [&text] {
+        text.remove_prefix(std::min(text.find(' '), text.size()));
+        return numberIn(text);
+    };
+    const auto present = nextNumber();
+    text.remove_prefix(std::min<std::size_t>(1, text.size()));
+    const auto ofFiles = nextNumber();
+    const long page = sysconf(_SC_PAGESIZE);
+    if (!present || !ofFiles || page < 0) {
+        return 0;
+    }
+    return (*present - std::min(*present, *ofFiles)) * static_cast<uint64_t>(page);
 }
 
 std::optional<uint64_t> MemoryQuery::available() const {

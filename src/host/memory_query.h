@@ -1,4 +1,4 @@
-// How much real memory is still available.
+// How much real memory is still available, and how much this process holds.
 //
 // The smaller of what the system has (MemAvailable) and what each control group above this process
 // leaves: its limit, less its usage, not counting file pages that it would give up at once.  Asked
@@ -21,6 +21,11 @@ struct MemoryPaths {
     std::string meminfo = "/proc/meminfo";
     std::string ownGroups = "/proc/self/cgroup";
     std::string groupRoot = "/sys/fs/cgroup";
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    std::string ownPages = {};  // most of what there is belongs to the sanitizer
+#else
+    std::string ownPages = "/proc/self/statm";
+#endif
 };
 
 // A small file of the system that is read again and again.  Stays closed when it cannot be opened.
@@ -48,6 +53,10 @@ class MemoryQuery {
     // Bytes available, or none when the system does not tell.  Safe to call from several threads.
     [[nodiscard]] std::optional<uint64_t> available() const;
 
+    // Bytes of memory that the process itself has filled, files it has mapped left out; 0 when the
+    // system does not tell.  Likewise.
+    [[nodiscard]] uint64_t held() const;
+
    private:
     // One control group with a limit, or one above it.
     struct Group {
@@ -60,6 +69,7 @@ class MemoryQuery {
     void addGroups(const std::string& root, std::string path, bool isUnified);
 
     PolledFile meminfo_;
+    PolledFile ownPages_;
     std::vector<Group> groups_;
 };
 

@@ -110,10 +110,16 @@ QVStatus newTable(JMAP_PRIVATE* p, const TOKEN& /*token*/) {
 }
 
 QVStatus newColumn(JMAP_PRIVATE* p, const TOKEN& /*token*/) {
-    auto* column = poolNew<VARINFO>(p->cpool);  // without a TYPE it stays an ordinal
-    if (column == nullptr) {
+    struct USERCOLUMN {
+        VARINFO column;  // without a TYPE it stays an ordinal
+        USERVARINFO user;
+    };
+    auto* made = poolNew<USERCOLUMN>(p->cpool);
+    if (made == nullptr) {
         return QV_NOMEM;
     }
+    VARINFO* column = &made->column;
+    column->user = &made->user;
     DSINFO& ds = lastTable(p);
     append(ds.vhead, ds.vtail, column);
     ds.varcount += 1;
@@ -193,17 +199,17 @@ QVStatus setLength(JMAP_PRIVATE* p, const TOKEN& token) {
 
 QVStatus setFormat(JMAP_PRIVATE* p, const TOKEN& token) {
     VARINFO& column = lastColumn(p);
-    column.formatWidth = 0;
-    column.formatDec = 0;
-    return setCut(p, "FORMAT", column.format, column.formatLen, token.text);
+    column.user->formatWidth = 0;
+    column.user->formatDec = 0;
+    return setCut(p, "FORMAT", column.user->format, column.user->formatLen, token.text);
 }
 
 QVStatus setFormatWidth(JMAP_PRIVATE* p, const TOKEN& token) {
-    return setNumber(p, "FORMAT width", lastColumn(p).formatWidth, token.number);
+    return setNumber(p, "FORMAT width", lastColumn(p).user->formatWidth, token.number);
 }
 
 QVStatus setFormatDec(JMAP_PRIVATE* p, const TOKEN& token) {
-    return setNumber(p, "FORMAT decimals", lastColumn(p).formatDec, token.number);
+    return setNumber(p, "FORMAT decimals", lastColumn(p).user->formatDec, token.number);
 }
 
 // Kept: a second INFORMAT without "?" leaves the flag of the first.
@@ -211,25 +217,25 @@ QVStatus setInformat(JMAP_PRIVATE* p, const TOKEN& token) {
     VARINFO& column = lastColumn(p);
     const bool quiet = token.text.starts_with('?');
     if (quiet) {
-        column.informatNoError = true;
+        column.user->informatNoError = true;
     }
-    column.informatWidth = 0;
-    column.informatDec = 0;
-    return setCut(p, "INFORMAT", column.informat, column.informatLen,
+    column.user->informatWidth = 0;
+    column.user->informatDec = 0;
+    return setCut(p, "INFORMAT", column.user->informat, column.user->informatLen,
                   behind(token.text, quiet ? 1 : 0));
 }
 
 QVStatus setInformatWidth(JMAP_PRIVATE* p, const TOKEN& token) {
-    return setNumber(p, "INFORMAT width", lastColumn(p).informatWidth, token.number);
+    return setNumber(p, "INFORMAT width", lastColumn(p).user->informatWidth, token.number);
 }
 
 QVStatus setInformatDec(JMAP_PRIVATE* p, const TOKEN& token) {
-    return setNumber(p, "INFORMAT decimals", lastColumn(p).informatDec, token.number);
+    return setNumber(p, "INFORMAT decimals", lastColumn(p).user->informatDec, token.number);
 }
 
 QVStatus setLabel(JMAP_PRIVATE* p, const TOKEN& token) {
     VARINFO& column = lastColumn(p);
-    return setCopy(p, "LABEL", column.label, column.labelLen,
+    return setCopy(p, "LABEL", column.user->label, column.user->labelLen,
                    firstOf(token.text, sizeof VARIABLEINFO::label));
 }
 

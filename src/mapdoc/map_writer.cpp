@@ -3,6 +3,7 @@
 // Tested by tests/mapdoc/map_writer_test.cpp
 #include "map_writer.h"
 
+#include "automap/path_parts.h"
 #include "core/list.h"
 #include "core/pool.h"
 #include "core/status.h"
@@ -31,10 +32,14 @@ QVStatus openMember(JSNWriterh writer, std::string_view name, int32_t kind) {
     return writer->open(writer, kind);
 }
 
-// A path with slashes; "" for none.
-QVStatus writePath(JMAP_PRIVATE* p, std::string_view name, std::string_view path) {
-    if (path.empty()) {
+// A path with slashes; "" for none.  It may be in `pathScratch`.
+QVStatus writePathMember(JMAP_PRIVATE* p, std::string_view name, std::string_view path,
+                         QVStrSize pathLen) {
+    if (pathLen == 0) {
         return writeMember(p->writer, name, "");
+    }
+    if (path.data() == nullptr) {
+        return QV_NOMEM;
     }
     const char* slashed = sepToSlashes(p, path.data(), lengthOf(path), &p->sepLongest, &p->sepbuf);
     if (slashed == nullptr) {
@@ -64,7 +69,7 @@ QVStatus writeColumn(JMAP_PRIVATE* p, const VARINFO& column) {
     QV_TRY(writer->open(writer, JSN_OPEN_OBJECT));
     QV_TRY(writeMember(writer, "NAME", view(column.name, column.nameLen)));
     QV_TRY(writeType(writer, column.type));
-    QV_TRY(writePath(p, "PATH", view(column.path, column.pathLen)));
+    QV_TRY(writePathMember(p, "PATH", pathOf(p, column), column.pathLen));
     if (column.type == VAR_CHAR) {
         QV_TRY(writeText(writer, "CURRENT_LENGTH"));
         QV_TRY(writer->dbl(writer, static_cast<double>(column.length), kIntegerDigits,
@@ -77,7 +82,7 @@ QVStatus writeTable(JMAP_PRIVATE* p, const DSINFO& ds) {
     JSNWriterh writer = p->writer;
     QV_TRY(writer->open(writer, JSN_OPEN_OBJECT));
     QV_TRY(writeMember(writer, "DSNAME", view(ds.name, ds.nameLen)));
-    QV_TRY(writePath(p, "TABLEPATH", view(ds.tablePath, ds.tablePathLen)));
+    QV_TRY(writePathMember(p, "TABLEPATH", tablePathOf(p, ds), ds.tablePathLen));
     if (ds.vhead != nullptr) {
         QV_TRY(openMember(writer, "VARIABLES", JSN_OPEN_ARRAY));
         for (const VARINFO& column : each(ds.vhead)) {

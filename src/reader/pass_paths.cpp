@@ -3,6 +3,7 @@
 // Tested by tests/reader/table_pass_test.cpp
 #include "pass_paths.h"
 
+#include "automap/path_parts.h"
 #include "core/list.h"
 #include "core/pool.h"
 #include "row_boundary.h"
@@ -16,17 +17,24 @@ constexpr uint64_t lengthBit(std::string_view path) noexcept {
     return uint64_t{1} << (path.size() % 64);
 }
 
-// The entry of a path, made when it is new; null when there is no memory.
+// The entry of a path, made, with a copy of the text, when it is new; null when there is no memory.
 PASSPATH* enterPath(PASSPATHS* paths, QVPoolh pool, std::string_view path) {
+    if (path.data() == nullptr) {
+        return nullptr;  // its text could not be put together
+    }
     if (PASSPATH* known = findPath(paths, path); known != nullptr) {
         return known;
     }
     auto* entry = poolNew<PASSPATH>(pool);
-    if (entry == nullptr ||
-        paths->byPath->insert(paths->byPath, path.data(), lengthOf(path), entry) != QV_OK) {
+    char* copy = arenaBytes(&paths->texts, pool, lengthOf(path));
+    if (entry == nullptr || copy == nullptr) {
         return nullptr;
     }
-    entry->path = path.data();
+    copyShort(copy, path);
+    if (paths->byPath->insert(paths->byPath, copy, lengthOf(path), entry) != QV_OK) {
+        return nullptr;
+    }
+    entry->path = copy;
     entry->pathLen = lengthOf(path);
     paths->lengths |= lengthBit(path);
     paths->last->follower = entry;  // columns mostly come in the order of the map
@@ -36,7 +44,7 @@ PASSPATH* enterPath(PASSPATHS* paths, QVPoolh pool, std::string_view path) {
 
 QVStatus addOrdinal(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t i,
                     PASSTABLE* table) {
-    const PASSPATH* counted = enterPath(paths, pool, view(column.path, column.pathLen));
+    const PASSPATH* counted = enterPath(paths, pool, pathOf(paths->p, column));
     if (counted == nullptr) {
         return QV_NOMEM;
     }
@@ -46,14 +54,14 @@ QVStatus addOrdinal(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint3
 
 QVStatus addUse(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t i, uint32_t cell,
                 PASSTABLE* table) {
-    PASSPATH* entry = enterPath(paths, pool, view(column.path, column.pathLen));
+    PASSPATH* entry = enterPath(paths, pool, pathOf(paths->p, column));
     auto* use = poolNew<PASSUSE>(pool);
     if (entry == nullptr || use == nullptr) {
         return QV_NOMEM;
     }
     use->table = table;
     use->cell = cell;
-    use->number = column.type == VAR_DOUBLE && column.informatLen == 0;
+    use->number = column.type == VAR_DOUBLE && userPartOf(column).informatLen == 0;
     use->path = entry;
     table->uses[i] = use;
     entry->numbers = entry->numbers || use->number;
@@ -63,7 +71,7 @@ QVStatus addUse(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t 
 
 // An ordinal that keeps the text of its path as well.
 bool hasText(const VARINFO& column) noexcept {
-    return column.type == VAR_ORDINAL && column.informatLen != 0;
+    return column.type == VAR_ORDINAL && userPartOf(column).informatLen != 0;
 }
 
 struct SIZES {
@@ -93,26 +101,30 @@ QVStatus addColumn(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32
     if (column.type == VAR_ORDINAL) {
         QV_TRY(addOrdinal(paths, pool, column, i, table));
     }
-    if (column.type == VAR_DOUBLE || column.type == VAR_CHAR || column.informatLen != 0) {
+    if (column.type == VAR_DOUBLE || column.type == VAR_CHAR ||
+        userPartOf(column).informatLen != 0) {
         QV_TRY(addUse(paths, pool, column, i, cell, table));
     }
     return QV_OK;
 }
 
-// Every path lies below an empty table path.
-bool liesBelow(const VARINFO& column, const DSINFO& ds, char sep) noexcept {
-    return rowBoundary(view(column.path, column.pathLen), view(ds.tablePath, ds.tablePathLen), sep,
-                       true, false) == BOUNDARY::INSIDE;
+// Whether a path lies below that of a table.  Every path lies below an empty one.
+bool liesBelow(const PASSPATH& path, std::string_view tablePath, char sep) noexcept {
+    return rowBoundary(view(path.path, path.pathLen), tablePath, sep, true, false) ==
+           BOUNDARY::INSIDE;
 }
 
-QVStatus addTablePath(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, PASSTABLE* table) {
+//   tablePath  gets the table's path
+QVStatus addTablePath(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, PASSTABLE* table,
+                      std::string_view* tablePath) {
     if (ds.tablePathLen == 0) {
         return QV_OK;  // it is never seen: no rows
     }
-    PASSPATH* entry = enterPath(paths, pool, view(ds.tablePath, ds.tablePathLen));
+    PASSPATH* entry = enterPath(paths, pool, tablePathOf(paths->p, ds));
     if (entry == nullptr) {
         return QV_NOMEM;
     }
+    *tablePath = view(entry->path, entry->pathLen);
     if (entry->tables == nullptr) {
         entry->tables = table;
     } else {
@@ -124,10 +136,10 @@ QVStatus addTablePath(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, PASSTABL
 
 }  // namespace
 
-QVStatus openPaths(PASSPATHS* paths, char sep) {
+QVStatus openPaths(PASSPATHS* paths, JMAP_PRIVATE* p) {
     constexpr std::u32string_view kName = U"qvejmap pass tracker";
     QVHndlp host = qvGlobalHandle();
-    paths->sep = sep;
+    paths->p = p;
     paths->last = &paths->start;
     paths->byPath = host->createTracker(host, QV_TRACKER_HASH, 1, kName.data(),
                                         static_cast<QVStrSize>(kName.size()));
@@ -149,7 +161,8 @@ QVStatus addTable(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, bool retain,
     table->columnCount = static_cast<uint32_t>(ds.varcount);
     table->cellCount = sizes.cells;
     table->ordinalsOnly = true;
-    QV_TRY(addTablePath(paths, pool, ds, table));
+    std::string_view tablePath;
+    QV_TRY(addTablePath(paths, pool, ds, table, &tablePath));
     uint32_t i = 0;
     uint32_t text = table->columnCount;
     for (const VARINFO& column : each(ds.vhead)) {
@@ -158,7 +171,7 @@ QVStatus addTable(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, bool retain,
         retained[cell] = keeps && !column.noretain;
         QV_TRY(addColumn(paths, pool, column, i, cell, table));
         if (PASSUSE* use = table->uses[i]; use != nullptr) {
-            use->below = cell == i && liesBelow(column, ds, paths->sep);
+            use->below = cell == i && liesBelow(*use->path, tablePath, paths->p->sep);
         }
         ++i;
     }

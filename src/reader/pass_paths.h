@@ -8,7 +8,7 @@
 // Tested by tests/reader/table_pass_test.cpp
 #pragma once
 
-#include "core/map.h"
+#include "core/context.h"
 #include "core/short_bytes.h"
 #include "core/text.h"
 #include "pass_rows.h"
@@ -31,7 +31,7 @@ struct PASSUSE {
 
 // A path that means something to a table.
 struct PASSPATH {
-    const char* path;  // of the map
+    const char* path;  // in `texts`
     QVStrSize pathLen;
     PASSPATH* follower;  // the path that came next the last time
     PASSPATH* other;     // the follower before that one: at the end of an array it comes again
@@ -46,17 +46,18 @@ struct PASSPATH {
 };
 
 struct PASSPATHS {
-    char sep;           // between the names of a path
+    JMAP_PRIVATE* p;    // the document
     QVTrackerh byPath;  // path -> PASSPATH; owned
-    uint64_t lengths;   // bit (length mod 64) of each path
-    PASSPATH* last;     // found last
-    PASSPATH start;     // before the first
+    ARENA texts;
+    uint64_t lengths;  // bit (length mod 64) of each path
+    PASSPATH* last;    // found last
+    PASSPATH start;    // before the first
 };
 
 namespace jmap {
 
 // Begins an empty set.  QV_NOMEM.
-[[nodiscard]] QVStatus openPaths(PASSPATHS* paths, char sep);
+[[nodiscard]] QVStatus openPaths(PASSPATHS* paths, JMAP_PRIVATE* p);
 
 // Adds a table and its columns; the cells are there.
 //   alldata, retain  as of an open table

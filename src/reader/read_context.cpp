@@ -5,6 +5,7 @@
 
 #include "automap/map_index.h"
 #include "automap/names.h"
+#include "automap/path_parts.h"
 #include "core/note.h"
 #include "core/pool.h"
 #include "core/status.h"
@@ -89,12 +90,12 @@ QVStatus openTable(QVEJMAPJsonContexth inh, DSINFO* ds, std::string_view name, b
     rp->doAlldata = doAlldata;
     keepName(rctx, name);
     keepName(rp, name);
-    if (ds->tablePath != nullptr) {
-        rp->tablePath = poolCopy(rp->rpool, view(ds->tablePath, ds->tablePathLen));
-        if (rp->tablePath == nullptr) {
-            return QV_NOMEM;
-        }
+    if (const std::string_view path = tablePathOf(p, *ds); path.data() != nullptr) {
+        rp->tablePath = poolCopy(rp->rpool, path);
         rp->tablePathLen = ds->tablePathLen;
+    }
+    if (rp->tablePath == nullptr && (ds->tableNode != nullptr || ds->tablePath != nullptr)) {
+        return QV_NOMEM;
     }
     QV_TRY(layoutRow(rctx, *ds, rip == nullptr ? 0 : rip->flags));
     dumpLayout(rctx);

@@ -4,6 +4,7 @@
 #include "row_layout.h"
 
 #include "automap/map_dump.h"
+#include "automap/path_parts.h"
 #include "column_index.h"
 #include "core/list.h"
 #include "core/note.h"
@@ -54,7 +55,23 @@ void setType(const VARINFO& from, VARIABLEINFO& info, VARINFO& column,
     info.length = static_cast<QVStrSize>(column.length);
 }
 
-QVStatus copyFormats(QVPoolh pool, const VARINFO& from, VARIABLEINFO& info) {
+// The path of a map's column.
+QVStatus copyPath(JMAP_READPRIVATE* rp, const VARINFO& from, VARINFO& column) {
+    if (from.node == nullptr) {
+        return from.path == nullptr ? QV_OK
+                                    : copyText(rp->rpool, view(from.path, from.pathLen),
+                                               column.path, column.pathLen);
+    }
+    column.path = poolBytes(rp->rpool, from.pathLen);
+    if (column.path == nullptr) {
+        return QV_NOMEM;
+    }
+    column.pathLen = from.pathLen;
+    writePath(from.node, from.pathLen, column.path);
+    return QV_OK;
+}
+
+QVStatus copyFormats(QVPoolh pool, const USERVARINFO& from, VARIABLEINFO& info) {
     if (from.informatLen != 0) {
         QV_TRY(
             copyText(pool, view(from.informat, from.informatLen), info.informat, info.informatLen));
@@ -76,17 +93,16 @@ QVStatus layoutColumn(JMAP_READPRIVATE* rp, const VARINFO& from, VARIABLEINFO& i
     const std::string_view name = view(from.name, from.nameLen);
     QV_TRY(copyText(rp->rpool, name, info.name, info.nameLen));
     QV_TRY(copyText(rp->rpool, name, column.name, column.nameLen));
-    if (from.path != nullptr) {
-        QV_TRY(copyText(rp->rpool, view(from.path, from.pathLen), column.path, column.pathLen));
-    }
-    info.labelLen = std::min(from.labelLen, static_cast<QVStrSize>(sizeof info.label));
-    if (from.label != nullptr) {
-        std::memcpy(info.label, from.label, static_cast<std::size_t>(info.labelLen));
+    QV_TRY(copyPath(rp, from, column));
+    const USERVARINFO& user = userPartOf(from);
+    info.labelLen = std::min(user.labelLen, static_cast<QVStrSize>(sizeof info.label));
+    if (user.label != nullptr) {
+        std::memcpy(info.label, user.label, static_cast<std::size_t>(info.labelLen));
     }
     setType(from, info, column, rp->ordinalsOnly);
     info.truncation = from.truncation;
-    info.currentLength = static_cast<QVStrSize>(from.currentLength);
-    QV_TRY(copyFormats(rp->rpool, from, info));
+    info.currentLength = static_cast<QVStrSize>(user.currentLength);
+    QV_TRY(copyFormats(rp->rpool, user, info));
     if (from.retain) {
         column.retain = true;
     }

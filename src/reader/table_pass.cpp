@@ -344,7 +344,7 @@ QVStatus fillPass(JMAPPass* pass, DSINFO* const* tables) {
     if (pass->rp.pBuf == nullptr || pass->tables == nullptr) {
         return QV_NOMEM;
     }
-    QV_TRY(openPaths(&pass->paths, pass->rp.p->sep));
+    QV_TRY(openPaths(&pass->paths, pass->rp.p));
     QV_TRY(addTables(pass, tables));
     pass->textsStay = textsStay(pass);
     return QV_OK;

@@ -144,12 +144,12 @@ QVStatus redeliver(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
 // Records an element whose path is known already: its name is not formed.  False when nothing has
 // been done.
 bool gotKnownElement(JMAP_PRIVATE* p, bool plain, std::string_view value, VALTYPE type) {
-    PATHBRANCH* at = p->pathAt;
+    const PATHBRANCH* at = p->pathAt;
     PATHNODE* element = expectedElement(at, plain, static_cast<int64_t>(p->elementCount) + 1);
     if (element == nullptr || !recordKnown(p, element, value, type)) {
         return false;
     }
-    at->lastElement = element;
+    at->node.children->lastElement = element;
     p->labelCurLens[p->labelCount + 1] = static_cast<int32_t>(element->nameLen);
     ++p->elementCount;
     return true;

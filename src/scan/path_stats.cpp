@@ -3,6 +3,7 @@
 // Tested by tests/scan/path_stats_test.cpp
 #include "path_stats.h"
 
+#include "core/hash.h"
 #include "core/list.h"
 #include "core/note.h"
 #include "core/pool.h"
@@ -10,6 +11,7 @@
 #include "core/text.h"
 #include "exact_number.h"
 #include "path_text.h"
+#include "path_tree.h"
 #include "path_watch.h"
 
 #include <algorithm>
@@ -42,31 +44,61 @@ QVTrackerh newTracker(JMAP_PRIVATE* p, std::u32string_view name) {
     return tracker;
 }
 
-// Kept: a failure of the host's tables is counted, but has no status.  One can see its effects in
-// the map: paths of the same text, or parts of a group, stand side by side.
-PATHINFO* find(QVTrackerh tracker, std::string_view key) {
-    if (tracker == nullptr) {
-        return nullptr;
-    }
-    return static_cast<PATHINFO*>(tracker->find(tracker, key.data(), lengthOf(key)));
+// A path, or that of its parent, in a tracker.  A key would have to hold the whole text, and many
+// deep paths would need more memory than all else; so the key is a checksum of the text, and paths
+// with one checksum are a list.
+struct PATHBYTEXT {
+    PATHBYTEXT* next;  // the next one with this checksum
+    uint64_t checksum;
+    PATHINFO* info;
+};
+
+constexpr QVStrSize kKeyBytes = sizeof PATHBYTEXT::checksum;
+
+QVStrSize parentLenOf(const PATHINFO* info) {
+    return info->ownParent ? info->node->textLen : info->node->parent->node.textLen;
 }
 
-void enter(JMAP_PRIVATE* p, QVTrackerh tracker, std::string_view key, PATHINFO* info) {
-    if (tracker != nullptr && tracker->insert(tracker, key.data(), lengthOf(key), info) != QV_OK) {
+// Kept: a failure of the host's tables is counted, but has no status.  One can see its effects in
+// the map: paths of the same text, or parts of a group, stand side by side.
+PATHBYTEXT* findText(QVTrackerh tracker, uint64_t checksum) {
+    return tracker == nullptr ? nullptr
+                              : static_cast<PATHBYTEXT*>(tracker->find(
+                                    tracker, reinterpret_cast<const char*>(&checksum), kKeyBytes));
+}
+
+// The entry of the text; `lenOf` says how many bytes of an entry's path are its text.
+template <class LenOf>
+PATHINFO* find(QVTrackerh tracker, std::string_view text, LenOf lenOf) {
+    PATHBYTEXT* entry = findText(tracker, checksumOf(text));
+    while (entry != nullptr && !pathIs(entry->info->node, lenOf(entry->info), text)) {
+        entry = entry->next;
+    }
+    return entry == nullptr ? nullptr : entry->info;
+}
+
+void enter(JMAP_PRIVATE* p, QVTrackerh tracker, std::string_view text, PATHINFO* info) {
+    if (tracker == nullptr) {
+        return;
+    }
+    char* const mem = arenaBytes(&p->pathArena, p->cpool, sizeof(PATHBYTEXT));
+    if (mem == nullptr) {
+        ++p->lostLookups;
+        return;
+    }
+    auto* entry = reinterpret_cast<PATHBYTEXT*>(mem);
+    *entry = {nullptr, checksumOf(text), info};
+    if (PATHBYTEXT* first = findText(tracker, entry->checksum); first != nullptr) {
+        entry->next = first->next;
+        first->next = entry;
+    } else if (tracker->insert(tracker, reinterpret_cast<const char*>(&entry->checksum), kKeyBytes,
+                               entry) != QV_OK) {
         ++p->lostLookups;
     }
 }
 
-std::string_view pathOf(const PATHINFO* info) {
-    return view(info->path, info->pathLen);
-}
-
-std::string_view parentOf(const PATHINFO* info) {
-    return view(info->path, info->parentLen);
-}
-
 bool headsItsGroup(const PATHINFO* info) {
-    return info->head == nullptr;
+    return !info->member;
 }
 
 // Kept: a placeholder that heads its group cannot be found, so that the next one of the same
@@ -75,12 +107,12 @@ bool canBeFound(const PATHINFO* info) {
     return info->type != VAR_FAKEVARIABLE || !headsItsGroup(info);
 }
 
-void enterByText(JMAP_PRIVATE* p, PATHINFO* info) {
+void enterByText(JMAP_PRIVATE* p, PATHINFO* info, std::string_view path) {
     if (canBeFound(info)) {
-        enter(p, p->hash, pathOf(info), info);
+        enter(p, p->hash, path, info);
     }
     if (headsItsGroup(info)) {
-        enter(p, p->hash2, parentOf(info), info);
+        enter(p, p->hash2, firstOf(path, static_cast<std::size_t>(parentLenOf(info))), info);
     }
 }
 
@@ -136,6 +168,13 @@ void countKind(JMAP_PRIVATE* p, PATHKIND* kinds, VALTYPE kind) {
     info->longest = presentPlace(p);
 }
 
+[[gnu::noinline]] void noteIfWatched(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type) {
+    if (info->extras != nullptr && info->extras->watched == info->count) {
+        const std::string_view path = pathText(p, info->node, info->node->textLen);
+        noteWatched(p, info, path, type, presentPlace(p));
+    }
+}
+
 [[gnu::noinline]] void becomeCharacter(JMAP_PRIVATE* p, PATHINFO* info) {
     info->type = VAR_CHAR;
     if (p->debugInsertPath) {
@@ -144,8 +183,14 @@ void countKind(JMAP_PRIVATE* p, PATHKIND* kinds, VALTYPE kind) {
 }
 
 [[gnu::noinline]] void countIfInexact(JMAP_PRIVATE* p, PATHINFO* info, std::string_view number) {
-    if (losesDigits(p->smh, number) && ++info->inexact == 1) {
-        info->firstInexact = presentPlace(p);
+    if (!losesDigits(p->smh, number)) {
+        return;
+    }
+    PATHEXTRAS* extras = pathExtras(p, info);
+    if (extras == nullptr) {
+        ++p->lostLookups;
+    } else if (++extras->inexact == 1) {
+        extras->firstInexact = presentPlace(p);
     }
 }
 
@@ -155,48 +200,46 @@ void lookAtNumber(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, std::string_vie
     }
 }
 
-// The entry and its text are one piece.
-PATHINFO* newPathInfo(JMAP_PRIVATE* p, std::string_view path, VALTYPE type,
-                      std::string_view value) {
-    char* mem = arenaBytes(&p->pathArena, p->cpool,
-                           static_cast<QVStrSize>(sizeof(PATHINFO)) + lengthOf(path));
+PATHINFO* newPathInfo(JMAP_PRIVATE* p, const PATHNODE* node, VALTYPE type, std::string_view value) {
+    char* mem = arenaBytes(&p->pathArena, p->cpool, sizeof(PATHINFO));
     if (mem == nullptr) {
         return nullptr;
     }
     std::memset(mem, 0, sizeof(PATHINFO));
     auto* info = reinterpret_cast<PATHINFO*>(mem);
-    info->path = mem + sizeof(PATHINFO);
-    copyShort(info->path, path);
-    info->pathLen = lengthOf(path);
-    info->parentLen = info->pathLen - p->lastNameLen;
+    info->node = node;
+    info->ownParent = p->lastNameLen == 0;
     info->count = 1;
     info->type = typeOf(type);
     info->pathMaxValLen = std::max<QVStrSize>(lengthOf(value), 1);
     info->longest = presentPlace(p);
     info->kinds = {nullptr, type, 1, info->longest};
     lookAtNumber(p, info, type, value);
-    if (p->watches != nullptr) {
-        noteWatched(p, info, type, info->longest);
-    }
     return info;
 }
 
 void joinGroup(PATHINFO* head, PATHINFO* info) {
     PATHINFO* last = head->downtail != nullptr ? head->downtail : head;
     last->down = info;
+    info->member = true;
     info->head = head;
     head->downtail = info;
 }
 
+PATHINFO* groupByText(JMAP_PRIVATE* p, const PATHINFO* info, std::string_view path) {
+    return find(p->hash2, firstOf(path, static_cast<std::size_t>(parentLenOf(info))),
+                [](const PATHINFO* head) { return parentLenOf(head); });
+}
+
 QVStatus insertNewPath(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path, VALTYPE type,
                        std::string_view value) {
-    PATHINFO* info = newPathInfo(p, path, type, value);
+    PATHINFO* info = newPathInfo(p, node, type, value);
     if (info == nullptr) {
         return QV_NOMEM;
     }
-    PATHINFO** group = &p->pathAt->group;
+    PATHINFO** group = &p->pathAt->node.children->group;
     if (*group == nullptr && p->byText) {
-        *group = find(p->hash2, parentOf(info));
+        *group = groupByText(p, info, path);
     }
     if (*group != nullptr) {
         joinGroup(*group, info);
@@ -205,7 +248,10 @@ QVStatus insertNewPath(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path, V
         *group = info;
     }
     if (p->byText) {
-        enterByText(p, info);
+        enterByText(p, info, path);
+    }
+    if (p->watches != nullptr) {
+        noteWatched(p, info, path, type, info->longest);
     }
     node->info = canBeFound(info) ? info : nullptr;
     return QV_OK;
@@ -221,7 +267,8 @@ QVStatus insertPathInfo(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path, 
                   slashed.data(), valtypeToHostString(type), noteLen(lengthOf(value)));
     }
     if (node->info == nullptr && p->byText) {
-        node->info = find(p->hash, path);
+        node->info = find(p->hash, path,
+                          [](const PATHINFO* info) -> QVStrSize { return info->node->textLen; });
     }
     if (node->info == nullptr) {
         return insertNewPath(p, node, path, type, value);
@@ -239,7 +286,13 @@ void lookUpByText(JMAP_PRIVATE* p) {
     p->hash2 = newTracker(p, U"pathinfo sub tracker");
     for (PATHINFO& head : each(p->pathInfoHead)) {
         for (PATHINFO& info : eachDown(&head)) {
-            enterByText(p, &info);
+            const QVStrSize len = info.node->textLen;
+            const std::string_view path = pathText(p, info.node, len);
+            if (lengthOf(path) != len) {
+                ++p->lostLookups;
+                continue;
+            }
+            enterByText(p, &info, path);
         }
     }
 }
@@ -249,8 +302,8 @@ void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, std::string_view 
     ++info->count;
     countKind(p, &info->kinds, type);
     lookAtNumber(p, info, type, value);
-    if (info->count == info->watched) [[unlikely]] {
-        noteWatched(p, info, type, presentPlace(p));
+    if (p->watches != nullptr) [[unlikely]] {
+        noteIfWatched(p, info, type);
     }
     if (info->type == VAR_DOUBLE && type == VAL_STRING) [[unlikely]] {
         becomeCharacter(p, info);
@@ -260,11 +313,22 @@ void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, std::string_view 
     }
 }
 
+PATHEXTRAS* pathExtras(JMAP_PRIVATE* p, PATHINFO* info) {
+    if (info->extras == nullptr) {
+        char* mem = arenaBytes(&p->pathArena, p->cpool, sizeof(PATHEXTRAS));
+        if (mem != nullptr) {
+            std::memset(mem, 0, sizeof(PATHEXTRAS));
+        }
+        info->extras = reinterpret_cast<PATHEXTRAS*>(mem);
+    }
+    return info->extras;
+}
+
 QVStatus dumpPathInfo(JMAP_PRIVATE* p) {
     myLogNote(p, U"Path info dump");
     for (PATHINFO& head : each(p->pathInfoHead)) {
         for (const PATHINFO& info : eachDown(&head)) {
-            const std::string_view path = shown(p, view(info.path, info.pathLen));
+            const std::string_view path = shown(p, pathText(p, info.node, info.node->textLen));
             myLogNote(p, U"path [%-30.*hs] count %ld processed %s", noteLen(lengthOf(path)),
                       path.data(), static_cast<long>(info.count),
                       info.processed ? U"TRUE" : U"FALSE");

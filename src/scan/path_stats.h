@@ -19,12 +19,11 @@ namespace jmap {
 
 // Records one more value for `path`: counts it, also by its kind, promotes the type, keeps the
 // longest length, counts numbers that a double does not keep, and keeps the places where a kind,
-// that length and such a number were first seen.  The path is copied into the document pool on
-// first sight only.
+// that length and such a number were first seen.
 //   node           of the path; its parent is that of the labels on the stack
 //   path           text of the record without its value, separator 0x02
 //   lastNameLen    (of the context) bytes of the last component with its separator: the rest is the
-//                  parent path
+//                  parent path.  0: the path is its own parent
 //   value          a longest value of 0 bytes is kept as 1
 // Returns QV_OK, or QV_NOMEM with the statistics unchanged.
 [[nodiscard]] QVStatus insertPathInfo(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path,
@@ -35,6 +34,9 @@ void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, std::string_view 
 
 // From now on paths are looked up by text when their nodes do not know them.
 void lookUpByText(JMAP_PRIVATE* p);
+
+// What few paths have, made when there is none yet.  Null without memory.
+[[nodiscard]] PATHEXTRAS* pathExtras(JMAP_PRIVATE* p, PATHINFO* info);
 
 // Notes every path with its count.  Always 0.
 [[nodiscard]] QVStatus dumpPathInfo(JMAP_PRIVATE* p);

@@ -7,6 +7,7 @@
 #include "nesting.h"
 #include "path_stats.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstring>
@@ -14,7 +15,7 @@
 namespace jmap {
 namespace {
 
-constexpr int64_t kFewMembers = 16;  // so many are compared one by one; a power of two
+constexpr int64_t kFewMembers = 16;  // so many are compared one by one
 
 // NOLINTNEXTLINE(bugprone-sizeof-expression): the pointer itself is in the key
 constexpr QVStrSize kParentBytes = sizeof PATHNODE::parent;
@@ -22,9 +23,27 @@ static_assert(offsetof(PATHNODE, parent) + kParentBytes == sizeof(PATHNODE));
 
 static_assert(offsetof(PATHBRANCH, node) + sizeof(PATHNODE) == sizeof(PATHBRANCH));
 
-// A child of `pathAt`, all zero in front of its node: a PATHBRANCH or only a PATHNODE.
+// A record of the tree, all zero.
+template <class T>
+T* newRecord(JMAP_PRIVATE* p) {
+    char* mem = arenaBytes(&p->pathArena, p->cpool, sizeof(T));
+    if (mem != nullptr) {
+        std::memset(mem, 0, sizeof(T));
+    }
+    return reinterpret_cast<T*>(mem);
+}
+
+// A child of `pathAt`, all zero in front of its node: a PATHBRANCH or only a PATHNODE.  No record
+// could hold a path whose length is no int32_t.
 template <class T>
 PATHNODE* newNode(JMAP_PRIVATE* p, std::string_view name) {
+    PATHNODE* at = &p->pathAt->node;
+    if (at->children == nullptr) {
+        at->children = newRecord<PATHCHILDREN>(p);
+    }
+    if (at->children == nullptr || at->textLen + 1 + lengthOf(name) > INT32_MAX) {
+        return nullptr;
+    }
     char* mem =
         arenaBytes(&p->pathArena, p->cpool, static_cast<QVStrSize>(sizeof(T)) + lengthOf(name));
     if (mem == nullptr) {
@@ -34,9 +53,10 @@ PATHNODE* newNode(JMAP_PRIVATE* p, std::string_view name) {
     copyShort(mem + sizeof(T), name);
     auto* node = reinterpret_cast<PATHNODE*>(mem + sizeof(T) - sizeof(PATHNODE));
     node->parent = p->pathAt;
-    node->nameLen = lengthOf(name);
-    node->labels = p->pathAt->node.labels + 1;
-    node->textLen = p->pathAt->node.textLen + 1 + node->nameLen;
+    node->nameLen = static_cast<int32_t>(lengthOf(name));
+    node->labels = at->labels + 1;
+    node->textLen = at->textLen + 1 + node->nameLen;
+    ++p->pathNodes;
     return node;
 }
 
@@ -61,7 +81,7 @@ bool enterMembers(JMAP_PRIVATE* p) {
     if (!hasTable(p)) {
         return false;
     }
-    PATHBRANCH* member = p->pathAt->members;
+    PATHBRANCH* member = p->pathAt->node.children->members;
     while (member != nullptr && enterMember(p, &member->node)) {
         member = member->sibling;
     }
@@ -77,17 +97,17 @@ bool isIndexed(const JMAP_PRIVATE* p) {
 // one cannot be entered, none is looked up there: the list has them all.  All are entered again
 // each time that their number has doubled, so that one failure does not make a large object slow.
 void indexMember(JMAP_PRIVATE* p, PATHNODE* node) {
-    PATHBRANCH* at = p->pathAt;
+    PATHNODE* at = &p->pathAt->node;
+    const int64_t count = at->children->memberCount;
     if (isIndexed(p)) {
-        at->node.indexed = enterMember(p, node);
-    } else if (at->memberCount > kFewMembers &&
-               std::has_single_bit(static_cast<uint64_t>(at->memberCount - 1))) {
-        at->node.indexed = enterMembers(p);
+        at->indexed = enterMember(p, node);
+    } else if (count > kFewMembers && std::has_single_bit(static_cast<uint64_t>(count - 1))) {
+        at->indexed = enterMembers(p);
     }
 }
 
-PATHNODE* findInList(const PATHBRANCH* at, std::string_view name) {
-    PATHBRANCH* member = at->members;
+PATHNODE* findInList(const PATHCHILDREN* below, std::string_view name) {
+    PATHBRANCH* member = below == nullptr ? nullptr : below->members;
     while (member != nullptr && !equalShort(nameOf(&member->node), name)) {
         member = member->sibling;
     }
@@ -98,7 +118,7 @@ PATHNODE* findMember(JMAP_PRIVATE* p, std::string_view name) {
     VARSTR* key = &p->path;  // no record is being written
     key->len = 0;
     if (!isIndexed(p) || jmapVarstrCheck(p, key, kParentBytes + lengthOf(name)) != QV_OK) {
-        return findInList(p->pathAt, name);
+        return findInList(p->pathAt->node.children, name);
     }
     put(key, std::string_view(reinterpret_cast<const char*>(&p->pathAt), kParentBytes));
     put(key, name);
@@ -110,7 +130,7 @@ PATHNODE* makeMember(JMAP_PRIVATE* p, std::string_view name) {
     if (node == nullptr) {
         return nullptr;
     }
-    PATHBRANCH* at = p->pathAt;
+    PATHCHILDREN* at = p->pathAt->node.children;
     branchOf(node)->sibling = at->members;
     at->members = branchOf(node);
     ++at->memberCount;
@@ -119,7 +139,8 @@ PATHNODE* makeMember(JMAP_PRIVATE* p, std::string_view name) {
 }
 
 bool hasElements(const PATHBRANCH* at) {
-    return at->elements[0] != nullptr || at->elements[1] != nullptr;
+    const PATHCHILDREN* below = at->node.children;
+    return below != nullptr && (below->elements[0] != nullptr || below->elements[1] != nullptr);
 }
 
 // Whether a new member might have the text of another node.
@@ -131,17 +152,18 @@ bool memberIsUnsure(const JMAP_PRIVATE* p, std::string_view name) {
 // Whether a new element might: one named after a label, and a plain one of the same container, are
 // alike only when the label begins as a plain one's name.
 bool elementIsUnsure(JMAP_PRIVATE* p, bool plain, std::string_view name) {
-    const PATHBRANCH* at = p->pathAt;
-    return (at->memberCount != 0 && findMember(p, name) != nullptr) ||
-           (at->elements[plain ? 0 : 1] != nullptr &&
-            firstOf(nameOf(&at->node), kPlainBase.size()) == kPlainBase);
+    const PATHCHILDREN* below = p->pathAt->node.children;
+    return below != nullptr &&
+           ((below->memberCount != 0 && findMember(p, name) != nullptr) ||
+            (below->elements[plain ? 0 : 1] != nullptr &&
+             firstOf(nameOf(&p->pathAt->node), kPlainBase.size()) == kPlainBase));
 }
 
 }  // namespace
 
 void startPathTree(JMAP_PRIVATE* p) {
     p->pathRoot = {};
-    p->pathRoot.node.textLen = p->rootL;
+    p->pathRoot.node.textLen = static_cast<int32_t>(p->rootL);
     p->pathAt = &p->pathRoot;
 }
 
@@ -160,59 +182,219 @@ PATHNODE* memberNode(JMAP_PRIVATE* p, std::string_view name) {
 }
 
 PATHNODE* elementNode(JMAP_PRIVATE* p, bool plain, int64_t number, std::string_view name) {
-    PATHBRANCH* at = p->pathAt;
-    PATHNODE* last = at->lastElement;
+    PATHNODE* at = &p->pathAt->node;
+    PATHNODE* last = at->children == nullptr ? nullptr : at->children->lastElement;
     const bool follows = last != nullptr && last->number == number - 1 && last->plain == plain;
     if (number != 1 && !follows) {
         return memberNode(p, name);
     }
-    PATHNODE** place = number == 1 ? &at->elements[plain ? 1 : 0] : &last->follower;
-    if (*place == nullptr) {
+    PATHNODE* element = number != 1               ? last->follower
+                        : at->children == nullptr ? nullptr
+                                                  : at->children->elements[plain ? 1 : 0];
+    if (element == nullptr) {
         if (elementIsUnsure(p, plain, name)) {
             lookUpByText(p);
         }
-        *place = newNode<PATHNODE>(p, name);
-        if (*place == nullptr) {
+        element = newNode<PATHNODE>(p, name);
+        if (element == nullptr) {
             return nullptr;
         }
-        (*place)->plain = plain;
-        (*place)->number = number;
+        element->plain = plain;
+        element->number = number;
+        (number == 1 ? at->children->elements[plain ? 1 : 0] : last->follower) = element;
     }
-    at->lastElement = *place;
-    return *place;
+    at->children->lastElement = element;
+    return element;
 }
 
-void writePath(const JMAP_PRIVATE* p, const PATHNODE* node, char* to) {
-    std::memcpy(to, p->root, static_cast<std::size_t>(p->rootL));
-    for (char* end = to + node->textLen; node->parent != nullptr; node = &node->parent->node) {
-        end -= node->nameLen;
-        copyShort(end, nameOf(node));
-        *--end = p->sep;
+// ---- Paths --------------------------------------------------------------------------------------
+
+namespace {
+
+uint64_t elementsBelow(const PATHBRANCH* at) {
+    uint64_t count = 0;
+    for (int plain = 0; at->node.children != nullptr && plain < 2; ++plain) {
+        const PATHNODE* element = at->node.children->elements[plain];
+        for (; element != nullptr; element = element->follower) {
+            ++count;
+        }
     }
+    return count;
 }
 
-[[gnu::noinline]] bool makeHead(JMAP_PRIVATE* p, PATHNODE* node) {
-    if (p->debugLevel || p->debugPath || p->debugAllData || p->debugInsertPath) {
+}  // namespace
+
+void writePath(const PATHNODE* node, QVStrSize len, char* to) {
+    for (; node->parent != nullptr; node = &node->parent->node) {
+        const QVStrSize begin = node->textLen - node->nameLen - 1;
+        if (begin < len) {
+            to[begin] = kSep;
+            copyShort(to + begin + 1,
+                      firstOf(nameOf(node), static_cast<std::size_t>(len - begin - 1)));
+        }
+    }
+    std::memcpy(to, kRoot.data(), std::min(kRoot.size(), static_cast<std::size_t>(len)));
+}
+
+std::string_view pathText(JMAP_PRIVATE* p, const PATHNODE* node, QVStrSize len) {
+    VARSTR* text = &p->pathScratch;
+    text->len = 0;
+    if (jmapVarstrCheck(p, text, len) != QV_OK) {
+        return {};
+    }
+    writePath(node, len, text->str);
+    return view(text->str, len);
+}
+
+bool pathIs(const PATHNODE* node, QVStrSize len, std::string_view path) {
+    if (lengthOf(path) != len) {
         return false;
     }
-    const QVStrSize recordLen = kRecordFixedBytes + node->labels + node->textLen;
-    char* head = arenaBytes(&p->pathArena, p->cpool, recordLen + 1 + kHeadStep);
-    if (head == nullptr) {
+    for (; node->parent != nullptr; node = &node->parent->node) {
+        const QVStrSize begin = node->textLen - node->nameLen - 1;
+        if (begin < len && (path[static_cast<std::size_t>(begin)] != kSep ||
+                            firstOf(nameOf(node), static_cast<std::size_t>(len - begin - 1)) !=
+                                firstOf(behind(path, static_cast<std::size_t>(begin + 1)),
+                                        static_cast<std::size_t>(node->nameLen)))) {
+            return false;
+        }
+    }
+    return firstOf(path, kRoot.size()) == firstOf(kRoot, path.size());
+}
+
+std::string_view lastComponent(const PATHNODE* node) {
+    const std::string_view label = node->parent == nullptr ? behind(kRoot, 1) : nameOf(node);
+    const std::size_t sep = label.rfind(kSep);
+    return sep == std::string_view::npos ? label : behind(label, sep + 1);
+}
+
+bool sameParent(JMAP_PRIVATE* p, const PATHNODE* a, const PATHNODE* b) {
+    const QVStrSize len = parentLenOf(a);
+    if (len != parentLenOf(b)) {
         return false;
     }
+    // Nodes of one parent differ in their labels only, which end behind the common length unless
+    // there are separators in them.
+    if (a->parent == b->parent && a->parent != nullptr && len == a->parent->node.textLen) {
+        return true;
+    }
+    const std::string_view parent = pathText(p, a, len);
+    return lengthOf(parent) == len && pathIs(b, len, parent);
+}
+
+const PATHNODE* mostPathsBelow(JMAP_PRIVATE* p, uint64_t* count) {
+    const PATHBRANCH* at = &p->pathRoot;
+    *count = p->pathNodes;
+    auto* before = poolNew<uint64_t>(p->cpool, p->labelMaxesSize + 1);  // seen above, by depth
+    if (before == nullptr) {
+        return &at->node;
+    }
+    // Innermost first: the first one that more than half lie below is the answer.  At the latest it
+    // is the root.
+    for (uint64_t seen = 0;;) {
+        before[at->node.labels] = seen;
+        seen += elementsBelow(at);
+        const PATHCHILDREN* below = at->node.children;
+        if (below != nullptr && below->members != nullptr) {
+            at = below->members;
+            ++seen;
+            continue;
+        }
+        while (2 * (seen - before[at->node.labels]) <= p->pathNodes && at->sibling == nullptr &&
+               at->node.parent != nullptr) {
+            at = at->node.parent;
+        }
+        const uint64_t inside = seen - before[at->node.labels];
+        if (2 * inside > p->pathNodes || at->sibling == nullptr) {
+            *count = inside;
+            break;
+        }
+        at = at->sibling;
+        ++seen;
+    }
+    (void)poolFree(p->cpool, before);  // else it goes with the pool
+    return &at->node;
+}
+
+// ---- Heads --------------------------------------------------------------------------------------
+
+namespace {
+
+// In front of each head in its piece.
+struct HEADOWNER {
+    PATHNODE* node;
+    QVStrSize size;  // bytes from this to the next
+};
+
+// Takes their heads from the nodes of a piece.
+void emptyPiece(HEADSTORE* store, int piece) {
+    char* at = store->pieces[piece];
+    for (char* const end = at + store->used[piece]; at < end;) {
+        const auto* owner = reinterpret_cast<const HEADOWNER*>(at);
+        owner->node->head = nullptr;
+        at += owner->size;
+    }
+    store->used[piece] = 0;
+}
+
+// Room for one more head in the store; null when there is none.
+char* headRoom(JMAP_PRIVATE* p, QVStrSize size) {
+    HEADSTORE* store = &p->heads;
+    if (size > kHeadPieceBytes) {
+        return nullptr;
+    }
+    int piece = store->at;
+    if (store->used[piece] + size > kHeadPieceBytes) {
+        piece = (piece + 1) % kHeadPieces;
+    }
+    if (store->pieces[piece] == nullptr) {
+        store->pieces[piece] = poolBytes(p->cpool, kHeadPieceBytes);
+        if (store->pieces[piece] == nullptr) {
+            return nullptr;
+        }
+    }
+    if (piece != store->at) {
+        store->full = store->full || piece == 0;
+        store->at = piece;
+        emptyPiece(store, piece);
+    }
+    char* const room = store->pieces[piece] + store->used[piece];
+    store->used[piece] += size;
+    return room;
+}
+
+void fillHead(const PATHNODE* node, char* head) {
+    const QVStrSize recordLen = headLenOf(node) - 1;
     std::memset(head, 0, static_cast<std::size_t>(recordLen - node->textLen));
     std::memcpy(head, &node->labels, sizeof node->labels);
     for (const PATHNODE* at = node; at->parent != nullptr; at = &at->parent->node) {
         head[sizeof at->labels + static_cast<std::size_t>(at->labels) - 1] =
             static_cast<char>(at->nameLen);  // Kept: modulo 256
     }
-    char* behindLens = head + sizeof node->labels + node->labels;
-    std::memcpy(behindLens, &node->textLen, sizeof node->textLen);
+    const QVStrSize textLen = node->textLen;
+    std::memcpy(head + sizeof node->labels + node->labels, &textLen, sizeof textLen);
     head[recordLen - node->textLen - 1] = static_cast<char>(VAL_NOVAL);
-    writePath(p, node, head + recordLen - node->textLen);
+    writePath(node, head + recordLen - node->textLen);
     head[recordLen] = ' ';
     std::memset(head + recordLen + 1, 0, static_cast<std::size_t>(kHeadStep));
-    node->head = head;
+}
+
+}  // namespace
+
+[[gnu::noinline]] bool makeHead(JMAP_PRIVATE* p, PATHNODE* node) {
+    constexpr QVStrSize kAlignment = alignof(HEADOWNER);
+    if (p->debugLevel || p->debugPath || p->debugAllData || p->debugInsertPath) {
+        return false;
+    }
+    const QVStrSize bytes = static_cast<QVStrSize>(sizeof(HEADOWNER)) + headLenOf(node) + kHeadStep;
+    const QVStrSize size = (bytes + kAlignment - 1) / kAlignment * kAlignment;
+    char* const room = headRoom(p, size);
+    if (room == nullptr) {
+        return false;
+    }
+    *reinterpret_cast<HEADOWNER*>(room) = {node, size};
+    node->head = room + sizeof(HEADOWNER);
+    fillHead(node, node->head);
     return true;
 }
 

@@ -6,7 +6,8 @@
 //
 // A node that comes back gets a head: the bytes of its marker's record and a blank, so that a
 // record is the head, patched, and the value.  Not on first use: of a million paths that occur once
-// none would be used.
+// none would be used.  Heads have a fixed room (HEADSTORE), in which later ones replace earlier
+// ones; without a head of its own a node has that of its parent, and its name behind it.
 //
 // The node of a path knows its statistics.  That two nodes have the same text is rare (a label with
 // a separator in it, a member named as an element is); from the first time that it might happen on,
@@ -28,6 +29,8 @@ namespace jmap {
 // Heads are copied by so many bytes, and readable so far.  One step does for most: a loop over
 // shorter ones cannot be foretold.
 inline constexpr QVStrSize kHeadStep = 64;
+
+inline constexpr QVStrSize kHeadPieceBytes = 65536;  // of a HEADSTORE: 8 MiB in all
 
 // What elements of an array without a member name are named after.
 inline constexpr std::string_view kPlainBase = "element";
@@ -60,9 +63,13 @@ void startPathTree(JMAP_PRIVATE* p);
 //   plain  its name is not made from the label but is "element" and the number
 [[nodiscard]] inline PATHNODE* expectedElement(const PATHBRANCH* at, bool plain,
                                                int64_t number) noexcept {
-    PATHNODE* expected = number == 1                  ? at->elements[plain ? 1 : 0]
-                         : at->lastElement == nullptr ? nullptr
-                                                      : at->lastElement->follower;
+    const PATHCHILDREN* below = at->node.children;
+    if (below == nullptr) {
+        return nullptr;
+    }
+    PATHNODE* expected = number == 1                     ? below->elements[plain ? 1 : 0]
+                         : below->lastElement == nullptr ? nullptr
+                                                         : below->lastElement->follower;
     return expected != nullptr && expected->number == number && expected->plain == plain ? expected
                                                                                          : nullptr;
 }
@@ -72,16 +79,46 @@ void startPathTree(JMAP_PRIVATE* p);
 [[nodiscard]] PATHNODE* elementNode(JMAP_PRIVATE* p, bool plain, int64_t number,
                                     std::string_view name);
 
+// ---- Paths ----
+//
+// The path of a node, or the first `len` bytes of it: a table's path and what an ordinal counts are
+// the beginning of a column's path.
+
+// Writes it to `to`.
+void writePath(const PATHNODE* node, QVStrSize len, char* to);
+inline void writePath(const PATHNODE* node, char* to) {
+    writePath(node, node->textLen, to);
+}
+
+// The text in `pathScratch`, valid until the next call; a null view without memory.
+[[nodiscard]] std::string_view pathText(JMAP_PRIVATE* p, const PATHNODE* node, QVStrSize len);
+
+// Whether it is `path`.
+[[nodiscard]] bool pathIs(const PATHNODE* node, QVStrSize len, std::string_view path);
+
+// The last component of the path: what follows its last separator.
+[[nodiscard]] std::string_view lastComponent(const PATHNODE* node);
+
+// Bytes in front of that separator.
+[[nodiscard]] inline QVStrSize parentLenOf(const PATHNODE* node) {
+    return node->textLen - lengthOf(lastComponent(node)) - 1;
+}
+
+// Whether both paths differ in their last component at most.
+[[nodiscard]] bool sameParent(JMAP_PRIVATE* p, const PATHNODE* a, const PATHNODE* b);
+
+// The label below which more than half of all paths lie, the innermost one.  `*count` of them do.
+[[nodiscard]] const PATHNODE* mostPathsBelow(JMAP_PRIVATE* p, uint64_t* count);
+
+// ---- Heads ----
+
 // Bytes of the head.
 [[nodiscard]] inline QVStrSize headLenOf(const PATHNODE* node) noexcept {
     return kRecordFixedBytes + node->labels + node->textLen + 1;
 }
 
-// Writes the path of a node: `textLen` bytes.
-void writePath(const JMAP_PRIVATE* p, const PATHNODE* node, char* to);
-
-// Gives the node its head.  False when it stays without, since there is no memory or every record
-// has notes.
+// Gives the node a head.  False when it stays without: there is no memory, it is longer than a
+// piece, or every record has notes.
 [[nodiscard]] bool makeHead(JMAP_PRIVATE* p, PATHNODE* node);
 
 }  // namespace jmap

@@ -5,6 +5,7 @@
 #include "core/list.h"
 #include "core/pool.h"
 #include "core/text.h"
+#include "path_stats.h"
 
 namespace jmap {
 namespace {
@@ -46,8 +47,8 @@ PATHWATCH* watchFor(JMAP_PRIVATE* p, std::string_view path, int64_t number) {
     return watch;
 }
 
-void noteWatched(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, PLACE place) {
-    const std::string_view path = view(info->path, info->pathLen);
+void noteWatched(JMAP_PRIVATE* p, PATHINFO* info, std::string_view path, VALTYPE type,
+                 PLACE place) {
     const int64_t values = valuesOf(info);
     int64_t next = 0;
     for (PATHWATCH& watch : each(*listOf(p, path))) {
@@ -60,7 +61,10 @@ void noteWatched(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, PLACE place) {
             next = watch.number;
         }
     }
-    info->watched = next == 0 ? 0 : info->count + (next - values);
+    PATHEXTRAS* extras = next == 0 ? info->extras : pathExtras(p, info);
+    if (extras != nullptr) {  // else the place stays unknown
+        extras->watched = next == 0 ? 0 : info->count + (next - values);
+    }
 }
 
 }  // namespace jmap

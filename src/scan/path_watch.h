@@ -26,6 +26,6 @@ namespace jmap {
 
 // Record `count` of the path has come at `place`, and is watched for or is the first: keeps its
 // place, and sets the next one that is watched for.  A placeholder is no value and only moves that.
-void noteWatched(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, PLACE place);
+void noteWatched(JMAP_PRIVATE* p, PATHINFO* info, std::string_view path, VALTYPE type, PLACE place);
 
 }  // namespace jmap

@@ -133,6 +133,7 @@ QVStatus storeBlock(JMAP_PRIVATE* p, std::string_view stored, COMPPATHS* n) {
         n->onDisk = true;
         n->checksum = checksumOf(stored);
         QV_TRY(openCacheFile(p, QVIO_OUTPUT, &p->tfp));
+        p->spilledPathBytes += stored.size();
         return p->tfp->write(p->tfp, stored.data(), lengthOf(stored));
     }
     if (!n->compressed && p->cBufi > kBlockBytes / 2) {
@@ -209,10 +210,19 @@ QVStatus closeBlock(JMAP_PRIVATE* p) {
 
 }  // namespace
 
+QVStatus askGuard(JMAP_PRIVATE* p, uint64_t tables) {
+    if (p->guard == nullptr) {
+        return QV_OK;
+    }
+    const JMAPGrowth growth = {p->pathNodes, p->uncompressedPathBytes, p->spilledPathBytes, tables};
+    return p->guard->check(p->guard->arg, &growth);
+}
+
 QVStatus compressPathBuffer(JMAP_PRIVATE* p) {
     if (p->cBufi == 0) {
         return QV_OK;
     }
+    QV_TRY(askGuard(p, 0));
     p->z = {};
     QVStatus endStatus = checkMemory(p);
     const QVStatus rc = closeBlock(p);

@@ -11,10 +11,13 @@
 
 namespace jmap {
 
+// Asks the caller's guard whether the document may grow on; QV_OK when there is none.
+[[nodiscard]] QVStatus askGuard(JMAP_PRIVATE* p, uint64_t tables);
+
 // Closes the open block: appends it to `chead`/`ctail` and empties the buffer.  An empty block is
 // none.
-// Returns QV_OK; QV_NOMEM (also when deflate does not finish); a status of zlib or of the cache
-// file.  After these the block is not linked and the buffer is as it was.
+// Returns QV_OK; QV_NOMEM (also when deflate does not finish); a status of the guard, of zlib or of
+// the cache file.  After these the block is not linked and the buffer is as it was.
 // Kept: a status of the memory query, or of ending the deflate stream, comes from a block that is
 // closed and linked all the same.
 [[nodiscard]] QVStatus compressPathBuffer(JMAP_PRIVATE* p);

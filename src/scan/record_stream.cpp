@@ -29,7 +29,7 @@ QVStatus composeText(JMAP_PRIVATE* p, std::string_view name, std::string_view va
     VARSTR* path = &p->path;
     path->len = 0;
     QV_TRY(jmapVarstrCheck(p, path, p->pathAt->node.textLen + lengthOf(name) + lengthOf(val) + 4));
-    writePath(p, &p->pathAt->node, path->str);
+    writePath(&p->pathAt->node, path->str);
     path->len = p->pathAt->node.textLen;
     p->lastNameLen = 0;
     if (!name.empty()) {
@@ -62,17 +62,57 @@ void noteRecord(JMAP_PRIVATE* p, bool named, QVStrSize valLen) {
     }
 }
 
-// Whether a record can be written with the head of `node`: there is one, and the block has room to
-// spare.
-bool headReady(JMAP_PRIVATE* p, PATHNODE* node, QVStrSize valLen) {
-    static_assert(2 * kHeadStep > kRecordRoomBytes);
-    return p->cBufi + headLenOf(node) + valLen + 2 * kHeadStep <= kBlockBytes &&
-           (node->head != nullptr || makeHead(p, node));
-}
-
 void copyHead(char* to, const char* head, QVStrSize headLen) {
     for (const char* const end = head + headLen; head < end; to += kHeadStep, head += kHeadStep) {
         std::memcpy(to, head, static_cast<std::size_t>(kHeadStep));
+    }
+}
+
+// Writes what would be the head of `node` from that of its parent.
+[[gnu::noinline]] void putHeadFromParent(const PATHNODE* node, char* to) {
+    const PATHNODE* parent = &node->parent->node;
+    const QVStrSize lensEnd = static_cast<QVStrSize>(sizeof node->labels) + parent->labels;
+    const QVStrSize textLen = node->textLen;
+    copyHead(to, parent->head, lensEnd);
+    std::memcpy(to, &node->labels, sizeof node->labels);
+    to += lensEnd;
+    *to++ = static_cast<char>(node->nameLen);  // Kept: modulo 256
+    copyHead(to, parent->head + lensEnd, headLenOf(parent) - lensEnd);
+    std::memcpy(to, &textLen, sizeof textLen);
+    to += headLenOf(parent) - lensEnd - 1;
+    *to++ = kSep;
+    copyShort(to, nameOf(node));
+    to[node->nameLen] = ' ';
+}
+
+// Once the store of heads is full, a new head takes the place of others: only what comes often gets
+// one.  A parent has many children.
+bool deservesHead(const JMAP_PRIVATE* p, const PATHNODE* node) {
+    constexpr int64_t kOften = 16;
+    return !p->heads.full || node->info == nullptr || node->info->count % kOften == 0;
+}
+
+[[gnu::noinline]] bool prepareHead(JMAP_PRIVATE* p, PATHNODE* node) {
+    if (deservesHead(p, node) && makeHead(p, node)) {
+        return true;
+    }
+    PATHBRANCH* parent = node->parent;
+    return parent != nullptr && (parent->node.head != nullptr || makeHead(p, &parent->node));
+}
+
+// Whether the head of `node` can be written: there is one, or one of its parent, and the block has
+// room to spare.
+bool headReady(JMAP_PRIVATE* p, PATHNODE* node, QVStrSize valLen) {
+    static_assert(2 * kHeadStep > kRecordRoomBytes);
+    return p->cBufi + headLenOf(node) + valLen + 2 * kHeadStep <= kBlockBytes &&
+           (node->head != nullptr || prepareHead(p, node));
+}
+
+void putHead(const PATHNODE* node, QVStrSize headLen, char* to) {
+    if (node->head != nullptr) [[likely]] {
+        copyHead(to, node->head, headLen);
+    } else {
+        putHeadFromParent(node, to);
     }
 }
 
@@ -82,7 +122,7 @@ QVStatus generateMarker(JMAP_PRIVATE* p) {
     PATHNODE* node = &p->pathAt->node;
     if (node->marked && inStep(p, node->labels + 1) && headReady(p, node, 0)) [[likely]] {
         const QVStrSize headLen = headLenOf(node);
-        copyHead(p->cBuf + p->cBufi, node->head, headLen);
+        putHead(node, headLen, p->cBuf + p->cBufi);
         p->cBufi += headLen - 1;  // without the blank
         ++p->pathCount;
         return QV_OK;
@@ -105,7 +145,7 @@ bool recordKnown(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value, VALTYP
     ++p->pathCount;
     p->valueMaxLen = std::max(p->valueMaxLen, valLen);
     countAgain(p, node->info, type, value);
-    copyHead(to, node->head, headLen);
+    putHead(node, headLen, to);
     std::memcpy(patch, &textLen, sizeof textLen);
     patch += sizeof textLen;
     std::memcpy(patch, &valLen, sizeof valLen);

@@ -90,11 +90,11 @@ static void checkLayouts(void) {
 
 static void checkToolLayouts(void) {
     CHECK(QVEJMAPX_VERSION == 1 && jmapVersion() == QVEJMAPX_VERSION);
-    LAYOUT(JMAPTableInfo, 40, AT(name, 0), AT(nameLen, 8), AT(tablePath, 16), AT(tablePathLen, 24),
-           AT(columnCount, 32));
+    LAYOUT(JMAPTableInfo, 32, AT(name, 0), AT(nameLen, 8), AT(tablePathLen, 16),
+           AT(columnCount, 24));
     LAYOUT(JMAPFormat, 32, AT(name, 0), AT(nameLen, 8), AT(width, 16), AT(decimals, 24));
-    LAYOUT(JMAPColumnInfo, 144, AT(name, 0), AT(nameLen, 8), AT(path, 16), AT(pathLen, 24),
-           AT(type, 32), AT(length, 40), AT(label, 48), AT(labelLen, 56), AT(format, 64),
+    LAYOUT(JMAPColumnInfo, 144, AT(name, 0), AT(nameLen, 8), AT(pathLen, 16), AT(type, 24),
+           AT(length, 32), AT(kinds, 40), AT(label, 48), AT(labelLen, 56), AT(format, 64),
            AT(informat, 96), AT(informatNoError, 128), AT(retain, 129), AT(noretain, 130),
            AT(lengthFromAutomap, 131), AT(truncation, 132), AT(currentLength, 136));
     LAYOUT(JMAPReadObserver, 24, AT(arg, 0), AT(notNumber, 8), AT(raw, 16));
@@ -107,9 +107,10 @@ static void checkToolLayouts(void) {
     LAYOUT(JMAPPassColumn, 40, AT(values, 0), AT(overwritten, 8), AT(firstOverwritten, 16),
            AT(strayed, 24), AT(below, 32));
     LAYOUT(JMAPPathKind, 24, AT(count, 0), AT(line, 8), AT(column, 16));
-    LAYOUT(JMAPPathInfo, 248, AT(path, 0), AT(pathLen, 8), AT(count, 16), AT(type, 24),
-           AT(maxValueLen, 32), AT(longestLine, 40), AT(longestColumn, 48), AT(kinds, 56),
-           AT(inexact, 224));
+    LAYOUT(JMAPPathInfo, 240, AT(pathLen, 0), AT(count, 8), AT(type, 16), AT(maxValueLen, 24),
+           AT(longestLine, 32), AT(longestColumn, 40), AT(kinds, 48), AT(inexact, 216));
+    LAYOUT(JMAPGrowth, 32, AT(paths, 0), AT(recordBytes, 8), AT(spilledBytes, 16), AT(tables, 24));
+    LAYOUT(JMAPGuard, 16, AT(arg, 0), AT(check, 8));
     LAYOUT(JMAPTotals, 88, AT(records, 0), AT(values, 8), AT(recordBytes, 16), AT(storedBytes, 24),
            AT(blocks, 32), AT(blocksOnDisk, 40), AT(unstoredBytes, 48), AT(unstoredStatus, 56),
            AT(droppedTables, 64), AT(lostLookups, 72), AT(labelsSlip, 80));

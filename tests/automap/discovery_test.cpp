@@ -27,7 +27,7 @@ TEST(Discovery, DropsTheTableThatFailsAndGoesOn) {
         total = n == 0 ? doc.host.requests() - before : total;
         std::string names;
         for (const DSINFO& ds : each(doc.p.automap == nullptr ? nullptr : doc.p.automap->dshead)) {
-            EXPECT_TRUE(ds.tablePath != nullptr && ds.varcount == 2);
+            EXPECT_TRUE(ds.tableNode != nullptr && ds.varcount == 2);
             names += std::string(view(ds.name, ds.nameLen)) + " ";
         }
         const bool whole = names == "t_ T_2 t_3 ";  // then it is ALLDATA that fails

@@ -1,6 +1,7 @@
 // Names of tables.
 #include "automap/names.h"
 
+#include "scan/path_tree.h"
 #include "testkit/open_document.h"
 
 namespace jmap::test {
@@ -12,10 +13,10 @@ TEST(Names, TablesOfOneNameAreNumbered) {
         HandDocument doc;
         Names names;
         for (const std::string& object : objects) {
-            std::string path = internalPath("/root/" + object + "/x");
+            doc.p.pathAt = branchOf(memberNode(&doc.p, object));
             PATHINFO info{};
-            info.path = path.data();
-            info.pathLen = lengthOf(path);
+            info.node = memberNode(&doc.p, "x");
+            doc.p.pathAt = &doc.p.pathRoot;
             DSINFO ds{};
             EXPECT_QV_OK(uniqueDsName(&doc.p, &ds, &info));
             names.emplace_back(view(ds.name, ds.nameLen));

@@ -29,7 +29,7 @@ uint64_t scalarsOf(const std::string& text) {
 uint64_t valuesInAlldata(const qvej::Document& document) {
     qvej::TablePass pass(document, {&document.alldata()});
     std::size_t flag = 0;
-    while (document.alldata().columns.at(flag).name != "V") {
+    while (document.alldata().columns[flag].name != "V") {
         ++flag;
     }
     uint64_t count = 0;

@@ -101,9 +101,9 @@ std::string kindOf(qvej::Engine& engine, const std::string& values, uint64_t fai
         }
         document.feed("]");
         document.finish();
-        const std::vector<qvej::Column>& columns = document.tables().at(0).columns;
-        EXPECT_EQ(columns.front().logicalType, qvej::LogicalType::INTEGER);
-        kind = kNames[static_cast<std::size_t>(columns.back().logicalType)];
+        const qvej::Columns& columns = document.tables().at(0).columns;
+        EXPECT_EQ(columns[0].logicalType, qvej::LogicalType::INTEGER);
+        kind = kNames[static_cast<std::size_t>(columns[columns.size() - 1].logicalType)];
     } catch (const qvej::Error&) {
     }
     qvPortableFailAllocation(engine.host(), 0, 0);

@@ -47,9 +47,13 @@ void readEverything(const Scan& scan) {
 void damage(const Scan& scan) {
     JMAP_PRIVATE* p = scan.p();
     VARINFO* column = p->automap->dshead->vtail;
-    column->labelLen = column->formatLen = column->informatLen = 1;
+    USERVARINFO user{};
+    user.label = user.format;
+    user.labelLen = user.formatLen = user.informatLen = 1;
+    column->user = &user;
     column->retain = true;
     EXPECT_QV_OK(dumpMap2(p, p->automap, "TEST"));
+    column->user = nullptr;
     column->type = VAR_FAKEVARIABLE;
     EXPECT_QV_OK(dumpMap(p));
     p->debugLevel = true;

@@ -222,7 +222,9 @@ QVStatus statistics(Stage& s) {
     for (JMAPPathh path = nullptr; s.ask([&] { return jmapNextPath(s.doc, &path); }) == QV_OK;) {
         JMAPPathInfo info = {};
         jmapPathInfo(path, &info);
-        s.out.append("\npath ").append(view(info.path, info.pathLen)) += std::to_string(info.count);
+        std::string text(static_cast<std::size_t>(info.pathLen), ' ');
+        jmapPathText(path, text.data());
+        s.out.append("\npath ").append(text) += std::to_string(info.count);
     }
     double number = 0;
     return s.ask([&] { return jmapToNumber(s.doc, "1.5", 3, &number); });

@@ -7,6 +7,13 @@
 namespace jmap::test {
 namespace {
 
+template <class Handle>
+std::string pathOf(void (*write)(Handle, char*), Handle handle, QVStrSize length) {
+    std::string path(static_cast<std::size_t>(length), '\0');
+    write(handle, path.data());
+    return path;
+}
+
 // A map of two tables, as texts: what each says of itself and of its columns.
 std::string described(QVMemPtr map) {
     std::string text;
@@ -15,7 +22,7 @@ std::string described(QVMemPtr map) {
         JMAPTableInfo t = {};
         jmapTableInfo(table, &t);
         text += view(t.name, t.nameLen);
-        text += " " + slashes(view(t.tablePath, t.tablePathLen)) + " " +
+        text += " " + slashes(pathOf(jmapTablePath, table, t.tablePathLen)) + " " +
                 std::to_string(t.columnCount) + ":";
         JMAPColumnh column = nullptr;
         while (jmapNextColumn(table, &column) == QV_OK) {
@@ -23,7 +30,7 @@ std::string described(QVMemPtr map) {
             jmapColumnInfo(column, &c);
             text += " ";
             text += view(c.name, c.nameLen);
-            text += " " + slashes(view(c.path, c.pathLen)) + " " + std::to_string(c.type) + " " +
+            text += " " + slashes(pathOf(jmapColumnPath, column, c.pathLen)) + " " + std::to_string(c.type) + " " +
                     std::to_string(c.length) + ";";
         }
         text += "\n";

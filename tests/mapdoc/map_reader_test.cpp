@@ -37,13 +37,14 @@ FOURTH 1 0  [] :0:0 :0:0
 std::string columnText(JMAPColumnh column) {
     JMAPColumnInfo info{};
     jmapColumnInfo(column, &info);
+    std::string path(static_cast<std::size_t>(info.pathLen), ' ');
+    jmapColumnPath(column, path.data());
     const auto text = [](const JMAPFormat& f) {
         return std::string(view(f.name, f.nameLen)) + ":" + std::to_string(f.width) + ":" +
                std::to_string(f.decimals) + " ";
     };
     return std::string(view(info.name, info.nameLen)) + " " + std::to_string(info.type) + " " +
-           std::to_string(static_cast<int64_t>(info.length)) + " " +
-           slashes(view(info.path, info.pathLen)) + " [" +
+           std::to_string(static_cast<int64_t>(info.length)) + " " + slashes(path) + " [" +
            std::string(view(info.label, info.labelLen)) + "] " + text(info.format) +
            text(info.informat) + (info.informatNoError != 0 ? "?" : "") +
            (info.retain != 0 ? "R" : "") + (info.noretain != 0 ? "N" : "");

@@ -14,10 +14,10 @@ TEST(RowLayout, PutsColumnsBackToBackAndCutsWhatIsTooLong) {
     VARINFO& c = hand.column("c", VAR_CHAR, "/root/t/c", 5);
     HandMap::informat(c);
     std::string label(300, 'L');  // more than there is room for
-    c.label = label.data();
-    c.labelLen = lengthOf(label);
-    c.truncation = c.informatNoError = true;
-    c.currentLength = 9;
+    c.user->label = label.data();
+    c.user->labelLen = lengthOf(label);
+    c.truncation = c.user->informatNoError = true;
+    c.user->currentLength = 9;
     hand.column("d", VAR_DOUBLE, nullptr, 77);
     hand.column("long", VAR_CHAR, "/root/l", 32768);
     hand.column("f", VAR_FAKEVARIABLE, nullptr, 1);

@@ -15,9 +15,11 @@ std::string statsLines(QVEJMAPJsonContexth doc) {
         head = nextGroup ? path : head;
         JMAPPathInfo info{};
         jmapPathInfo(path, &info);
+        std::string text(static_cast<std::size_t>(info.pathLen), ' ');
+        jmapPathText(path, text.data());
         out += out.empty() ? "" : nextGroup ? "\n" : " ";
-        out += slashes(view(info.path, info.pathLen)) + ":" + "ODCF"[info.type] +
-               std::to_string(info.count) + ":" + std::to_string(info.maxValueLen);
+        out += slashes(text) + ":" + "ODCF"[info.type] + std::to_string(info.count) + ":" +
+               std::to_string(info.maxValueLen);
     }
     return out + "\n";
 }

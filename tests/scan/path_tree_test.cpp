@@ -39,10 +39,10 @@ TEST(PathTree, ChangesNoRecordAndNoMap) {
 
 TEST(PathTree, MakesAHeadOnlyForWhatComesBack) {
     const Scan scan(R"([{"a":{"b":1}},{"a":{"b":2,"c":[3]}}])");
-    const PATHBRANCH* a = scan.p()->pathRoot.members;
-    const PATHBRANCH* c = a->members;
+    const PATHBRANCH* a = scan.p()->pathRoot.node.children->members;
+    const PATHBRANCH* c = a->node.children->members;
     EXPECT_TRUE(a->node.head != nullptr && c->sibling->node.head != nullptr);
-    EXPECT_TRUE(c->node.head == nullptr && c->elements[0]->head == nullptr);
+    EXPECT_TRUE(c->node.head == nullptr && c->node.children->elements[0]->head == nullptr);
     EXPECT_EQ(scan.p()->hash, nullptr) << "nothing is looked up by text";
 }
 
@@ -59,7 +59,7 @@ TEST(PathTree, KnowsEachOfManyMembersWithAndWithoutTheirHash) {
         }
         ASSERT_QV_OK(doc.document.feed(json, false));
         EXPECT_EQ(hash, doc.p.members != nullptr);
-        EXPECT_EQ(100, doc.p.pathRoot.memberCount);
+        EXPECT_EQ(100, doc.p.pathRoot.node.children->memberCount);
     }
 }
 

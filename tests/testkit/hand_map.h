@@ -21,6 +21,7 @@ class HandMap {
     // A column of the table made last.
     VARINFO& column(std::string_view name, VARTYPE type, const char* path, uint64_t length = 8) {
         VARINFO& made = columns_.emplace_back();
+        made.user = &users_.emplace_back();
         made.name = keep(std::string(name), made.nameLen);
         made.type = type;
         made.length = length;
@@ -33,13 +34,13 @@ class HandMap {
     }
     // Gives a column the informat INF4.1 and the format FMT10.2.
     static void informat(VARINFO& column) {
-        column.informatLen =
-            static_cast<QVStrSize>(std::string_view("INF").copy(column.informat, 32));
-        column.informatWidth = 4;
-        column.informatDec = 1;
-        column.formatLen = static_cast<QVStrSize>(std::string_view("FMT").copy(column.format, 32));
-        column.formatWidth = 10;
-        column.formatDec = 2;
+        USERVARINFO& user = *column.user;
+        user.informatLen = static_cast<QVStrSize>(std::string_view("INF").copy(user.informat, 32));
+        user.informatWidth = 4;
+        user.informatDec = 1;
+        user.formatLen = static_cast<QVStrSize>(std::string_view("FMT").copy(user.format, 32));
+        user.formatWidth = 10;
+        user.formatDec = 2;
     }
 
     MAP map{};
@@ -51,6 +52,7 @@ class HandMap {
     }
     std::deque<DSINFO> tables_;
     std::deque<VARINFO> columns_;
+    std::deque<USERVARINFO> users_;
     std::deque<std::string> texts_;
 };
 

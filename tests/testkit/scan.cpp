@@ -27,7 +27,9 @@ std::string text(const char* at, QVStrSize len) {
 std::string tableText(const DSINFO& ds) {
     constexpr const char* kKinds[] = {":O", ":D", ":C", ":F"};
     std::string line = text(ds.name, ds.nameLen) + " ";
-    line += ds.tablePath == nullptr ? "-" : slashes(view(ds.tablePath, ds.tablePathLen));
+    std::string path(static_cast<std::size_t>(ds.tablePathLen), ' ');
+    jmapTablePath(const_cast<DSINFO*>(&ds), path.data());
+    line += ds.tableNode == nullptr && ds.tablePath == nullptr ? "-" : slashes(path);
     const char* between = " (";
     for (const VARINFO& column : each(ds.vhead)) {
         line += between + text(column.name, column.nameLen) + kKinds[column.type];

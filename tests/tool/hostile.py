@@ -48,6 +48,18 @@ names = size(50_000, 5_000_000)
 columns = size(10_000, 1_000_000)
 digits = size(100_000, 1_000_000)
 
+depth = size(200, 990)
+width = size(2_000, 100_000)
+
+
+def below(text):
+    return b"".join(b'{"n%03d%s":' % (i, b"x" * 16) for i in range(depth)) + text + b"}" * depth
+
+
+def products(count, one):
+    return b",".join(one % i if b"%" in one else one for i in range(count))
+
+
 # Texts are made one at a time, in a process of their own: the peak memory of a child begins with
 # that of its parent.
 # name, text, arguments (IN: the file), exit code, message, MB at most
@@ -69,6 +81,14 @@ DOCUMENTS = [
     ("distinct names", lambda: b"{" + b",".join(b'"k%d":1' % i for i in range(names)) + b"}", "check IN", 0, "", 64 + names // 600),
     ("distinct names in an address space of 2 GB", lambda: b"{" + b",".join(b'"k%d":1' % i for i in range(names)) + b"}",
      "check IN", 6 if LONG else 0, "IN.*memory could not be obtained" if LONG else "", 2048),
+    ("deep, then many numbers", lambda: below(b"[" + products(width, b"1") + b"]"), "tables IN --memory 512M", 0, "", 512),
+    ("deep, then many names", lambda: below(b"{" + products(width, b'"k%d":1') + b"}"), "tables IN --memory 512M", 0, "", 512),
+    ("deep, then many objects", lambda: below(b"{" + products(width, b'"t%d":{"x":1}') + b"}"), "check IN --memory 32M",
+     6, r"IN: .*more memory is needed than may be used.* \(--memory\)", 100),
+    ("deep, then more than --max-paths", lambda: below(b"[" + products(width, b"1") + b"]"), "check IN --max-paths 1000",
+     6, r"IN:1:\d+: more than 1,000 distinct paths; most are below /root/n000", 200),
+    ("an array of many numbers", lambda: b"[" + products(size(100_000, 1_000_000), b"1") + b"]", "tables IN", 0, "",
+     64 + size(50, 450)),
     ("a number of many digits", lambda: b'{"a":' + b"7" * digits + b"}", "tables IN", 0, "IN:1:6: .*does not keep", 60),
     ("a number of many digits, written", lambda: b'{"a":' + b"7" * digits + b"}", "convert IN -o OUT", 0, "", 60),
     ("a number of 2 MB", lambda: b'{"a":1,\n"b":' + b"7" * 2_000_000 + b"}", "convert IN -o OUT", 6, "IN:2:.*" + TOO_LONG, 60),

@@ -16,6 +16,9 @@ ExitCode exitCodeOf(QVStatus status) {
     const bool ofJson = code >= static_cast<uint32_t>(QV_JSON_VALUE) && code <= 0x85FFC9FFu;
     switch (status) {
         case QV_JSON_DEPTH:
+        case QV_LIMIT_PATHS:
+        case QV_LIMIT_DISK:
+        case QV_LIMIT_MEMORY:
         case QV_NOMEM:
             return LIMIT_REACHED;
         case QV_BADPARMS:

@@ -29,6 +29,8 @@ qvej::DocumentOptions documentOptions(const ReadingOptions& options, const qvej:
     document.alldataName = options.alldataName;
     document.keepFree = options.keepFree.value_or(options.memory ? (*options.memory - 1) / 2 + 1
                                                                  : engine.availableMemory() / 8);
+    document.leastMemory = options.memory ? 0 : engine.availableMemory() / 16;
+    document.maxPaths = options.maxPaths;
     return document;
 }
 
@@ -83,6 +85,15 @@ std::string hint(const qvej::DocumentReader& reader, const qvej::Error& error) {
     }
     if (error.status() == QV_JSON_DEPTH) {
         what += " of " + std::to_string(options.depth) + " (--depth)";
+    }
+    if (error.status() == QV_LIMIT_PATHS) {
+        what += "; --max-paths N moves this limit";
+    }
+    if (error.status() == QV_LIMIT_MEMORY && options.memory) {
+        what += " (--memory)";
+    }
+    if (error.status() == QV_LIMIT_DISK) {
+        what += " (--cache FILE goes elsewhere, --compress makes them smaller)";
     }
     qvej::Place place = error.place();
     place.file = reader.name();

@@ -4,7 +4,7 @@ $ exec 2> /dev/null
 > mkfifo pipe
 > for how in '' --compress; do
 >     for verb in 'read - a' 'read - ALLDATA --format ndjson' 'records -' 'convert - -o out'; do
->         rm -f kept; qvejmap $verb --memory 1 --cache kept $how < pipe > rows 2> said &
+>         rm -f kept; qvejmap $verb --keep-free 9999G --cache kept $how < pipe > rows 2> said &
 >         exec 3> pipe
 >         { printf '{"a":[1'; seq 200000 | sed 's/.*/,{"id":&,"text":"the text of &"}/'; } >&3
 >         until test -s kept; do :; done

@@ -7,7 +7,7 @@ $ rows=$(printf '{"v":%d},' $(seq 20))
 # While it writes: no file stays, nor a folder that it made.
 $ exec 2> /dev/null
 > for signal in TERM INT HUP; do
->     test $signal = HUP && how= || how='--memory 1'
+>     test $signal = HUP && how= || how='--keep-free 9999G'
 >     env --default-signal qvejmap convert many.json -o a/b $how 2> said &
 >     until [ "$(ls -A a/.qvejmap* | wc -l)" -gt 5 ]; do :; done
 >     kill -$signal $!; wait $!; kill -l $?; cat said; ls -d a; ls -A tmp
@@ -40,7 +40,7 @@ $ exec 2> /dev/null
 # While records go to disk: the cache file has no name, so nothing stays, whatever the signal.
 $ exec 2> /dev/null
 > for signal in TERM KILL; do
->     mkfifo pipe; qvejmap check - --memory 1 < pipe &
+>     mkfifo pipe; qvejmap check - --keep-free 9999G < pipe &
 >     exec 3> pipe
 >     { printf '{"a":[1'; yes ',"some text of a longer array of texts"' | head -n 100000; } >&3
 >     ls -A tmp; ls -l /proc/$!/fd | grep -c '(deleted)'

@@ -63,6 +63,7 @@ $ qvejmap --help
     --invalid WAY           bytes that are wrong in the encoding: error
                             (default), or replace, by U+FFFD
     --depth N               deepest nesting allowed, 0 for any (default: 1000)
+    --max-paths N           most distinct paths, 0 for any (default: 10000000)
     --compress              keep the records compressed
     --memory SIZE           memory to use (default: what the machine has free)
     --keep-free SIZE        memory to leave free; below it records go to a file
@@ -122,16 +123,16 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
 $ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert records check; do
 >     echo $verb: $(qvejmap help $verb | grep -o '^  -[-a-z,]*')
 > done
-  tables: --names --columns --map --ordinals --alldata-name --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
-  map: -o,--output --exact --ordinals --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
-  map check: --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  tables: --names --columns --map --ordinals --alldata-name --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  map: -o,--output --exact --ordinals --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  map check: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
   map diff: -q,--quiet -h,--help --version
   map merge: -o,--output --force -q,--quiet -h,--help --version
-  map explain: --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
-  read: --limit --map --rejects --format --null --ordinals --alldata-name --retain --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
-  convert: -o,--output --alldata --threads --account --map --rejects --format --null --ordinals --alldata-name --retain --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
-  records: --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
-  check: --account --map --retain --lines --encoding --invalid --depth --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  map explain: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  read: --limit --map --rejects --format --null --ordinals --alldata-name --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  convert: -o,--output --alldata --threads --account --map --rejects --format --null --ordinals --alldata-name --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  records: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  check: --account --map --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
 
 # help VERB is what VERB --help is, and no page is wider than 80 columns.
 $ for verb in '' tables map 'map check' 'map diff' 'map merge' 'map explain' read convert records check; do
@@ -244,8 +245,8 @@ $ qvejmap tables orders.json --ordinals 99999999999999999999
 $ qvejmap tables orders.json --depth x
 ! qvejmap: --depth: 'x' is not a whole number (qvejmap --help tells more)
 ? 2
-$ qvejmap tables orders.json --memory 0
-! qvejmap: --memory: must be more than 0 (qvejmap --help tells more)
+$ qvejmap tables orders.json --memory 31M
+! qvejmap: --memory: at least 32M are needed (qvejmap --help tells more)
 ? 2
 $ qvejmap tables orders.json --memory 3X
 ! qvejmap: --memory: '3X' is not a size such as 500000, 64K, 100M or 2G (qvejmap --help tells more)

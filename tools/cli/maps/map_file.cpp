@@ -94,16 +94,15 @@ std::string readWhole(const std::string& file, std::string* name) {
 
 }  // namespace
 
-MapFile::MapFile(qvej::Engine& engine, const std::string& file) : text_(readWhole(file, &name_)) {
-    qvej::Document nothing(engine);
-    nothing.feed("[]");
-    nothing.finish();
+MapFile::MapFile(qvej::Engine& engine, const std::string& file)
+    : text_(readWhole(file, &name_)), document_(std::make_unique<qvej::Document>(engine)) {
+    document_->feed("[]");
+    document_->finish();
     try {
-        nothing.useMap(text_);
+        document_->useMap(text_);
     } catch (const qvej::MapError& error) {
         fail(engine, error);
     }
-    tables_ = nothing.tables();
 }
 
 void MapFile::fail(const qvej::Engine& engine, const qvej::MapError& error) const {

@@ -7,6 +7,7 @@
 #include "client/engine.h"
 #include "client/error.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,7 +23,7 @@ class MapFile {
     [[nodiscard]] const std::string& text() const { return text_; }
 
     // Its tables as they are without a document: a character column without LENGTH has length 0.
-    [[nodiscard]] const std::vector<qvej::Table>& tables() const { return tables_; }
+    [[nodiscard]] const std::vector<qvej::Table>& tables() const { return document_->tables(); }
 
     // The failure that a mistake in the text leads to: its place, the line, what would be right.
     [[noreturn]] void fail(const qvej::Engine& engine, const qvej::MapError& error) const;
@@ -30,7 +31,7 @@ class MapFile {
    private:
     std::string name_;
     std::string text_;
-    std::vector<qvej::Table> tables_;
+    std::unique_ptr<qvej::Document> document_;  // an empty one: the tables are its
 };
 
 }  // namespace qvej::cli

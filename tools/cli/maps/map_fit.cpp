@@ -54,8 +54,8 @@ Findings neverOccurring(const qvej::Document& document) {
     const KnownPaths known = knownPaths(document);
     Findings findings;
     for (const qvej::Table& table : document.tables()) {
-        if (!known.containers.contains(table.path)) {
-            findings.push_back("table " + visible(table.name) + inBrackets(table.path));
+        if (!known.containers.contains(table.path())) {
+            findings.push_back("table " + visible(table.name) + inBrackets(table.path()));
         }
         for (const qvej::Column& column : table.columns) {
             const bool ordinal = column.type == qvej::ColumnType::ORDINAL;
@@ -68,7 +68,7 @@ Findings neverOccurring(const qvej::Document& document) {
 }
 
 Findings leftOut(const qvej::Document& document) {
-    std::unordered_set<std::string_view> taken;
+    std::unordered_set<std::string> taken;
     for (const qvej::Table& table : document.tables()) {
         for (const qvej::Column& column : table.columns) {
             if (column.type != qvej::ColumnType::ORDINAL) {
@@ -95,7 +95,7 @@ Findings doubtfulNames(const std::vector<qvej::Table>& tables,
         const qvej::Table& table = tables[i];
         const std::string& name = texts.empty() ? table.name : texts[i].name;
         if (name.empty()) {
-            findings.push_back("empty name: the table at" + inBrackets(table.path));
+            findings.push_back("empty name: the table at" + inBrackets(table.path()));
         }
         if (name.size() > kLongestName) {
             findings.push_back("long name: table " + table.name + " was cut to " +
@@ -105,9 +105,9 @@ Findings doubtfulNames(const std::vector<qvej::Table>& tables,
             findings.push_back("shared name: table " + visible(table.name) +
                                ": read opens the first of that name");
         }
-        for (const qvej::Column* column : repeatedNames(table)) {
-            findings.push_back("shared name: " + columnName(table, *column) +
-                               inBrackets(column->path) +
+        for (const qvej::Column& column : repeatedNames(table)) {
+            findings.push_back("shared name: " + columnName(table, column) +
+                               inBrackets(column.path) +
                                ": an earlier column has it, NDJSON objects have both members");
         }
         for (const qvej::Column& column : table.columns) {

@@ -95,7 +95,7 @@ MapModel mapModel(qvej::Engine& engine, std::string_view text,
     MapModel model;
     for (std::size_t t = 0; t < texts.size(); ++t) {
         const qvej::Table& table = tables.at(t);
-        model.push_back({texts[t].name, qvej::withSlashes(table.path), {}});
+        model.push_back({texts[t].name, qvej::withSlashes(table.path()), {}});
         for (std::size_t c = 0; c < table.columns.size(); ++c) {
             model.back().columns.push_back(modelOf(table.columns[c], texts[t].columns.at(c)));
         }

@@ -34,6 +34,7 @@ constexpr Owner kOwners[] = {
     {"--encoding", kReaders},
     {"--invalid", kReaders},
     {"--depth", kReaders},
+    {"--max-paths", kReaders},
     {"--compress", kReaders},
     {"--memory", kReaders},
     {"--keep-free", kReaders},

@@ -26,12 +26,13 @@ namespace {
 
 constexpr std::size_t kLongestAlldataName = 40;  // bytes
 constexpr uint64_t kMostThreads = 1024;
+constexpr uint64_t kLeastMemory = 32 << 20;  // of --memory
 
 // The options as they are written, before they mean anything.
 struct Raw {
     std::vector<std::string> words;
-    std::string threads, limit, format = "csv", null, invalid = "error", ordinals, depth, keepFree,
-                                memory, debug;
+    std::string threads, limit, format = "csv", null, invalid = "error", ordinals, depth, maxPaths,
+                                keepFree, memory, debug;
 };
 
 uint64_t countOr(uint64_t otherwise, const CLI::App& app, const char* option,
@@ -230,6 +231,10 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_option("--depth", raw.depth, "deepest nesting allowed, 0 for any (default: 1000)")
         ->type_name("N")
         ->group(reading);
+    app.add_option("--max-paths", raw.maxPaths,
+                   "most distinct paths, 0 for any (default: 10000000)")
+        ->type_name("N")
+        ->group(reading);
     app.add_flag("--compress", o.reading.compress, "keep the records compressed")->group(reading);
     app.add_option("--memory", raw.memory, "memory to use (default: what the machine has free)")
         ->type_name("SIZE")
@@ -270,6 +275,7 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     o.limit = countOr(o.limit, app, "--limit", raw.limit);
     o.reading.ordinals = countOr(o.reading.ordinals, app, "--ordinals", raw.ordinals);
     o.reading.depth = countOr(o.reading.depth, app, "--depth", raw.depth);
+    o.reading.maxPaths = countOr(o.reading.maxPaths, app, "--max-paths", raw.maxPaths);
     const uint64_t threads =
         countOr(std::max(1U, std::thread::hardware_concurrency()), app, "--threads", raw.threads);
     if (threads == 0) {
@@ -291,8 +297,8 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     if (!o.reading.text.replaceInvalid && raw.invalid != "error") {
         usageError("--invalid: " + inQuotes(raw.invalid) + " is none of error, replace");
     }
-    if (o.reading.memory == uint64_t{0}) {
-        usageError("--memory: must be more than 0");
+    if (o.reading.memory && *o.reading.memory < kLeastMemory) {
+        usageError("--memory: at least 32M are needed");
     }
     if (o.reading.alldataName.size() > kLongestAlldataName) {
         usageError("--alldata-name: at most 40 bytes");

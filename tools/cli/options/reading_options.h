@@ -11,7 +11,8 @@ namespace qvej::cli {
 
 struct ReadingOptions {
     qvej::TextOptions text;
-    uint64_t depth = 1000;  // 0: any
+    uint64_t depth = 1000;           // 0: any
+    uint64_t maxPaths = 10'000'000;  // 0: any number
     bool compress = false;
     std::optional<uint64_t> memory;
     std::optional<uint64_t> keepFree;

@@ -103,10 +103,11 @@ void tellInexact(const std::string& file, const qvej::Document& document,
                  const std::vector<const qvej::Table*>& tables, Inexact which) {
     const bool all = which == Inexact::ALL;
     std::unordered_map<std::string, qvej::PathStatistics> inexact;
-    for (qvej::PathStatistics& path : document.pathStatistics()) {
-        if (path.inexact != 0) {
-            inexact.emplace(path.path, path);
-        }
+    for (qvej::PathStatistics& path : document.inexactPaths()) {
+        inexact.emplace(path.path, path);
+    }
+    if (inexact.empty()) {
+        return;
     }
     std::size_t told = 0;
     for (const qvej::Table* table : tables) {
@@ -132,12 +133,12 @@ void tellInexact(const std::string& file, const qvej::Document& document,
     }
 }
 
-std::vector<const qvej::Column*> repeatedNames(const qvej::Table& table) {
-    std::unordered_map<std::string_view, std::size_t> counts;
-    std::vector<const qvej::Column*> repeated;
+std::vector<qvej::Column> repeatedNames(const qvej::Table& table) {
+    std::unordered_map<std::string, std::size_t> counts;
+    std::vector<qvej::Column> repeated;
     for (const qvej::Column& column : table.columns) {
         if (++counts[column.name] == 2) {
-            repeated.push_back(&column);
+            repeated.push_back(column);
         }
     }
     return repeated;
@@ -150,8 +151,8 @@ void tellSharedNames(const std::string& map, const std::vector<const qvej::Table
     }
     std::vector<std::string> names;
     for (const qvej::Table* table : tables) {
-        for (const qvej::Column* column : repeatedNames(*table)) {
-            names.push_back(visible(table->name) + "." + column->name);
+        for (const qvej::Column& column : repeatedNames(*table)) {
+            names.push_back(visible(table->name) + "." + column.name);
         }
     }
     if (!names.empty()) {

@@ -37,7 +37,7 @@ void tellInexact(const std::string& file, const qvej::Document& document,
                  const std::vector<const qvej::Table*>& tables, Inexact which);
 
 // Columns of a table whose name an earlier one has, the first for each name.
-std::vector<const qvej::Column*> repeatedNames(const qvej::Table& table);
+std::vector<qvej::Column> repeatedNames(const qvej::Table& table);
 
 // Tells on standard error which columns share a name, and what comes of it in that format.  `map`:
 // what gave the names.

@@ -50,17 +50,15 @@ void tellGaps(const Session& session, bool separators) {
     if (!nameless.empty()) {
         tellCounted(session.name(), nameless.size(), "table without a name, which --map refuses",
                     "tables without a name, which --map refuses",
-                    visible(qvej::withSlashes(nameless.front()->path)));
+                    visible(qvej::withSlashes(nameless.front()->path())));
     }
 }
 
 // The map with every column CHARACTER whose numbers a double does not keep.
 std::string exactMap(const std::string& file, const qvej::Document& document) {
     std::unordered_map<std::string, uint64_t> longest;  // of the paths of such columns
-    for (const qvej::PathStatistics& path : document.pathStatistics()) {
-        if (path.inexact != 0) {
-            longest.emplace(path.path, path.longest);
-        }
+    for (const qvej::PathStatistics& path : document.inexactPaths()) {
+        longest.emplace(path.path, path.longest);
     }
     qvej::Engine engine;
     std::vector<std::string> tooLong;

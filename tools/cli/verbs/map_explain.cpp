@@ -8,7 +8,7 @@
 #include "tools/cli/session.h"
 #include "tools/cli/verbs/verbs.h"
 
-#include <algorithm>
+#include <optional>
 
 namespace qvej::cli {
 
@@ -16,14 +16,16 @@ namespace {
 
 struct Found {
     const qvej::Table* table = nullptr;
-    const qvej::Column* column = nullptr;
+    qvej::Column column;
 };
 
-const qvej::Column* findColumn(const qvej::Table& table, std::string_view name) {
-    const auto found = std::find_if(table.columns.begin(), table.columns.end(), [&](const auto& c) {
-        return qvej::equalIgnoringCase(c.name, name);
-    });
-    return found == table.columns.end() ? nullptr : &*found;
+std::optional<qvej::Column> findColumn(const qvej::Table& table, std::string_view name) {
+    for (const qvej::Column& column : table.columns) {
+        if (qvej::equalIgnoringCase(column.name, name)) {
+            return column;
+        }
+    }
+    return {};
 }
 
 // Divides "TABLE.COLUMN" where it makes sense: both names may hold dots.
@@ -32,9 +34,9 @@ Found find(const qvej::Document& document, const std::string& wanted) {
          dot = wanted.find('.', dot + 1)) {
         for (const qvej::Table& table : document.tables()) {
             if (qvej::equalIgnoringCase(table.name, wanted.substr(0, dot))) {
-                const qvej::Column* column = findColumn(table, wanted.substr(dot + 1));
-                if (column != nullptr) {
-                    return {&table, column};
+                const auto column = findColumn(table, wanted.substr(dot + 1));
+                if (column) {
+                    return {&table, *column};
                 }
             }
         }
@@ -75,15 +77,15 @@ ExitCode runMapExplain(const Options& options) {
     const auto [table, column] = find(session.document(), options.operands[1]);
     Writer out = standardOutput();
     const auto line = [&](const std::string& text) { out.append(qvej::shown(text) + "\n"); };
-    line(visible(table->name) + "." + column->name + ": " + qvej::withSlashes(column->path));
-    if (column->type == qvej::ColumnType::ORDINAL) {
+    line(visible(table->name) + "." + column.name + ": " + qvej::withSlashes(column.path));
+    if (column.type == qvej::ColumnType::ORDINAL) {
         line("ORDINAL: counts the objects and arrays at its path, from 1 in the whole document");
         out.flush();
         return DONE;
     }
     std::vector<Row> rows = {{"kind", "values", "first"}};
     for (const qvej::PathStatistics& statistics : session.document().pathStatistics()) {
-        if (statistics.path != column->path) {
+        if (statistics.path != column.path) {
             continue;
         }
         line(reason(statistics));

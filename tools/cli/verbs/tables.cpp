@@ -30,7 +30,7 @@ std::vector<Row> listTables(const qvej::Document& document, bool namesOnly) {
         rows.push_back({qvej::escaped(table.name)});
         if (!namesOnly) {
             rows.back().push_back(std::to_string(table.columns.size()));
-            rows.back().push_back(shownPath(table.path));
+            rows.back().push_back(shownPath(table.path()));
         }
     }
     return rows;

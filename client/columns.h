@@ -1,0 +1,118 @@
+// Tables and their columns.
+//
+// A document has nearly as many columns as paths, so no list of descriptions is kept: a column is
+// described when it is asked for.
+//
+// Tested by tests/client/client_test.cpp
+#pragma once
+
+#include "qvejmapx.h"
+
+#include "text.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace qvej {
+
+enum class ColumnType {
+    ORDINAL = JMAP_ORDINAL,
+    NUMERIC = JMAP_NUMERIC,
+    CHARACTER = JMAP_CHARACTER
+};
+
+// What the values of a column are.  In a map that is given it follows from the column's type, since
+// the map may be for other documents too.
+enum class LogicalType {
+    BOOLEAN,  // true and false
+    INTEGER,  // counts, of an ordinal
+    DOUBLE,   // numbers
+    TEXT,     // texts
+    MIXED     // values of several kinds: cells are as the column's type says
+};
+
+// A FORMAT or INFORMAT of a map: a name of the catalogue or a "%" pattern.
+struct Conversion {
+    std::string name;  // empty: none
+    uint64_t width = 0;
+    uint64_t decimals = 0;  // 0: none given
+};
+
+struct Column {
+    std::string name;
+    std::string path;  // separator 0x02 (withSlashes shows it); empty: none
+    ColumnType type;
+    LogicalType logicalType;  // null, which any column may have, apart
+    uint64_t length;  // bytes in a row: 8, or of a character column (to 32767) the map's length or
+                      // else the longest value's
+
+    // Of a user's map; else empty.
+    std::string label = {};
+    Conversion format = {};
+    Conversion informat = {};
+    bool quiet = false;  // values that the informat refuses are not reported
+    bool retain = false;
+    bool noretain = false;
+    uint64_t currentLength = 0;       // longest value of the path in this document; 0: not a path
+                                      // of a character column of the automatic map
+    bool truncated = false;           // `length` is less than that
+    bool lengthFromDocument = false;  // the map gave none
+};
+
+// The columns of a table, made one by one:
+//
+//     for (const qvej::Column& column : table.columns) ...
+//
+// A column lives as long as whoever asked for it likes; the list, as long as the document.
+class Columns {
+   public:
+    class Iterator {
+       public:
+        using iterator_category = std::input_iterator_tag;
+        using value_type = Column;
+        using difference_type = std::ptrdiff_t;
+        using pointer = void;
+        using reference = Column;
+
+        Iterator(const Columns& columns, std::size_t at) : columns_(&columns), at_(at) {}
+        Column operator*() const { return (*columns_)[at_]; }
+        Iterator& operator++() {
+            ++at_;
+            return *this;
+        }
+        Iterator operator++(int) { return {*columns_, at_++}; }
+        bool operator==(const Iterator& other) const { return at_ == other.at_; }
+
+       private:
+        const Columns* columns_;
+        std::size_t at_;
+    };
+
+    // Those of a table of the engine.  `codec` must outlive the list.
+    Columns(JMAPTableh table, const TextCodec& codec);
+
+    [[nodiscard]] std::size_t size() const { return handles_.size(); }
+    [[nodiscard]] bool empty() const { return handles_.empty(); }
+    [[nodiscard]] Column operator[](std::size_t i) const;
+    [[nodiscard]] Iterator begin() const { return {*this, 0}; }
+    [[nodiscard]] Iterator end() const { return {*this, size()}; }
+    [[nodiscard]] const TextCodec& codec() const { return *codec_; }
+
+   private:
+    const TextCodec* codec_;
+    std::vector<JMAPColumnh> handles_;
+};
+
+struct Table {
+    std::string name;
+    Columns columns;
+    bool alldata;       // every value of the document, with the labels of its path
+    JMAPTableh handle;  // the engine's
+
+    [[nodiscard]] std::string path() const;  // as a column's
+};
+
+}  // namespace qvej

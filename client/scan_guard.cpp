@@ -1,0 +1,90 @@
+// See scan_guard.h.
+#include "client/scan_guard.h"
+
+#include "client/text.h"
+
+#include <sys/statvfs.h>
+#include <utility>
+
+namespace qvej {
+namespace {
+
+// Tables are many and small, and asking for the memory takes some reads of files.
+constexpr uint64_t kTablesBetween = 256;
+
+constexpr uint64_t kReservedPart = 16;  // of the disk: what other programs keep
+
+}  // namespace
+
+std::optional<uint64_t> freeDiskOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    const std::string directory = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    struct statvfs found = {};
+    if (::statvfs(directory.c_str(), &found) != 0) {
+        return std::nullopt;
+    }
+    return static_cast<uint64_t>(found.f_bavail) * found.f_frsize;
+}
+
+ScanGuard::ScanGuard(uint64_t maxPaths, uint64_t leastMemory, Surroundings surroundings)
+    : maxPaths_(maxPaths), leastMemory_(leastMemory), surroundings_(std::move(surroundings)) {}
+
+QVStatus ScanGuard::check(const JMAPGrowth& growth) noexcept {
+    try {
+        return look(growth);
+    } catch (const Error& error) {
+        return error.status();
+    } catch (...) {
+        return QV_NOMEM;
+    }
+}
+
+QVStatus ScanGuard::look(const JMAPGrowth& growth) {
+    if (maxPaths_ != 0 && growth.paths > maxPaths_) {
+        return fail(QV_LIMIT_PATHS, "more than " + withCommas(maxPaths_) + " distinct paths");
+    }
+    if (growth.tables % kTablesBetween != 0) {
+        return QV_OK;
+    }
+    if (growth.spilledBytes != 0 && lookAtDisk(growth.spilledBytes) != QV_OK) {
+        return failure_->status();
+    }
+    return lookAtMemory(growth.tables != 0 ? withCommas(growth.tables) + " tables of the map so far"
+                                           : withCommas(growth.paths) + " distinct paths so far");
+}
+
+void ScanGuard::checkMemory() {
+    if (lookAtMemory("tables and columns") != QV_OK) {
+        throw Error(*failure_);
+    }
+}
+
+QVStatus ScanGuard::lookAtMemory(const std::string& what) {
+    const uint64_t available = surroundings_.availableMemory();
+    if (available >= leastMemory_ && available != 0) {
+        return QV_OK;
+    }
+    return fail(QV_LIMIT_MEMORY,
+                "more memory is needed than may be used, beside the records: " + what);
+}
+
+QVStatus ScanGuard::lookAtDisk(uint64_t spilled) {
+    const std::optional<uint64_t> free = surroundings_.freeDisk();
+    if (!free) {
+        return QV_OK;  // the file itself tells when the disk is full
+    }
+    if (!leastDisk_) {
+        leastDisk_ = (*free + spilled) / kReservedPart;
+    }
+    return *free >= *leastDisk_
+               ? QV_OK
+               : fail(QV_LIMIT_DISK, "the records would fill the disk: " + withCommas(spilled) +
+                                         " bytes so far, " + withCommas(*free) + " bytes free");
+}
+
+QVStatus ScanGuard::fail(QVStatus status, const std::string& sentence) {
+    failure_.emplace(status, sentence);
+    return status;
+}
+
+}  // namespace qvej

@@ -1,0 +1,57 @@
+// Ends a scan before the machine suffers: too many distinct paths, records that would fill the
+// disk, memory that records in a file no longer spare.
+//
+// The engine asks with every block of records, 1 MiB, and every table of the map.  A document of a
+// few kilobytes can grow to any size: what counts is what it has become.
+//
+// Tested by tests/client/scan_guard_test.cpp
+#pragma once
+
+#include "qvejmapx.h"
+
+#include "error.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace qvej {
+
+// What the guard looks at outside of the document.
+struct Surroundings {
+    std::function<uint64_t()> availableMemory;
+    std::function<std::optional<uint64_t>()> freeDisk;  // where the cache file is; none: not known
+};
+
+// Bytes free on the file system of a file, or of a directory whose name ends in "/".
+[[nodiscard]] std::optional<uint64_t> freeDiskOf(const std::string& path);
+
+class ScanGuard {
+   public:
+    // `leastMemory`: with less memory available the scan ends.  `maxPaths` 0: any number.
+    ScanGuard(uint64_t maxPaths, uint64_t leastMemory, Surroundings surroundings);
+
+    // QV_OK, or why the scan must end; `failure` has the sentence then.
+    [[nodiscard]] QVStatus check(const JMAPGrowth& growth) noexcept;
+
+    // Memory alone, for what is held beyond the engine.  Throws the failure.
+    void checkMemory();
+
+    [[nodiscard]] const std::optional<Error>& failure() const { return failure_; }
+
+   private:
+    QVStatus look(const JMAPGrowth& growth);
+    QVStatus lookAtMemory(const std::string& what);
+    QVStatus lookAtDisk(uint64_t spilled);
+    QVStatus fail(QVStatus status, const std::string& sentence);
+
+    uint64_t maxPaths_;
+    uint64_t leastMemory_;
+    Surroundings surroundings_;
+    std::optional<uint64_t> leastDisk_;  // set when the first block has gone there
+    uint64_t checks_ = 0;
+    std::optional<Error> failure_;
+};
+
+}  // namespace qvej

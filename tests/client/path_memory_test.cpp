@@ -1,0 +1,71 @@
+// What a document keeps of each distinct path: its records are in a file, so that all memory is for
+// the paths, from the scan to the map.
+#include "qvportable.h"
+
+#include "client/document.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr uint64_t kMostBytes = 300;         // of a path, without its name
+constexpr uint64_t kNameBytes = 16;          // of a name in the documents below, as it is stored
+constexpr uint64_t kMostBesides = 12 << 20;  // blocks, record heads, pieces that are free again
+
+uint64_t bytesInUse(const qvej::Engine& engine) {
+    QVPortableCounts counts = {};
+    qvPortableCounts(engine.host(), &counts);
+    return counts.bytesInUse;
+}
+
+std::string array(int count) {
+    std::string text = "[1";
+    for (int i = 1; i < count; ++i) {
+        text += ",1";
+    }
+    return text + "]";
+}
+
+std::string object(int count) {
+    std::string text = "{";
+    for (int i = 0; i < count; ++i) {
+        text += (i == 0 ? "\"member" : ",\"member") + std::to_string(i) + "\":1";
+    }
+    return text + "}";
+}
+
+// `text` below 100 names of 100 bytes.
+std::string deep(std::string text) {
+    for (int i = 0; i < 100; ++i) {
+        text = "{\"" + std::string(100, 'n') + "\":" + text + "}";
+    }
+    return text;
+}
+
+TEST(PathMemory, IsBoundedForEachPathHoweverLong) {
+    const struct {
+        const char* name;
+        std::string text;
+        uint64_t paths;
+    } cases[] = {
+        {"elements", array(500'000), 500'000},
+        {"members", object(300'000), 300'000},
+        {"deep elements", deep(array(5'000)), 5'000},
+        {"deep elements again and again", deep("[" + array(2'000) + "," + array(2'000) + "]"),
+         2'000},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        qvej::Engine engine;
+        const uint64_t before = bytesInUse(engine);
+        qvej::DocumentOptions options;
+        options.keepFree = UINT64_MAX;
+        qvej::Document document(engine, options);
+        document.feed(c.text);
+        document.finish();
+        EXPECT_LT(bytesInUse(engine) - before, c.paths * (kMostBytes + kNameBytes) + kMostBesides);
+        EXPECT_GT(document.automaticTables().front().columns.size(), c.paths);
+    }
+}
+
+}  // namespace
