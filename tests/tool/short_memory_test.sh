@@ -22,7 +22,7 @@ for kib in $(seq 30000 $step 110000); do
     status=0
     (ulimit -v "$kib" && exec "$tool" convert orders.json -o out -q) 2> said || status=$?
     case $status in
-        0) diff -r reference out && done=$((done + 1)) ;;
+        0) diff -r -x datapackage.json reference out && done=$((done + 1)) ;;
         6) grep -q 'memory could not be obtained\|memory ran out' said && [ ! -e out ] ;;
         127) grep -q 'shared librar' said ;;  # not even loaded
         134) [ $tried = 0 ] ;;                # nor have the libraries started
