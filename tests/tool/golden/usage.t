@@ -212,6 +212,11 @@ $ cp orders.json map; qvejmap tables ./map --names | head -1
 $ qvejmap convert orders.json
 ! qvejmap: convert: -o DIR is missing (qvejmap --help tells more)
 ? 2
+$ qvejmap tables ''; qvejmap map diff orders.json ''; qvejmap read orders.json ''
+! qvejmap: tables: the name of FILE is empty (qvejmap --help tells more)
+! qvejmap: map diff: the name of B is empty (qvejmap --help tells more)
+! qvejmap: no table named "" (qvejmap tables lists them)
+? 4
 $ qvejmap convert orders.json -o ''
 ! qvejmap: --output: the name is empty (qvejmap --help tells more)
 ? 2
