@@ -21,12 +21,13 @@ struct JMAP_S {
     QVJSONh jsonh;
     QVZLIBh zlibh;
     QVFMTh fmth;
-    QVStringServiceh smh;  // Kept: reserved, null
+    QVStringServiceh smh;  // reserved, null
 };
 static_assert(offsetof(JMAP_S, ujmap) == 0 && offsetof(UserJMAP_S, exth) == 0);
 
-// Each group of fields names the phase that owns it, in brackets: only that phase writes the
-// fields, unless one says otherwise; all later ones read them.  Open gives all their first values.
+// Each group of fields names in brackets the phase that owns it.  Only that phase writes the
+// fields, unless a field says otherwise.  Later phases read them.  Open sets all fields to their
+// first values.
 //
 //     open     JsonInit                         src/frame/document.cpp, options.cpp
 //     scan     JsonInput                        src/scan, src/frame/driver.cpp
@@ -35,12 +36,13 @@ static_assert(offsetof(JMAP_S, ujmap) == 0 && offsetof(UserJMAP_S, exth) == 0);
 //              GetAutoMapBuf
 //     read     Read, a pass, a record cursor    src/reader
 //
-// Term ends what is owned.  Scratch is anybody's, between two calls of its routines.
+// Term ends what is "owned".  Any phase may use scratch; its contents do not survive the next call
+// of a routine that uses it.
 //
 // NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): the fields stand by owner
 struct JMAP_PRIVATE {
-    // Parser callbacks [open; map replaces them]; must be first, the parser hands its address back
-    // to them.
+    // Parser callbacks [open; map replaces them]; must be first: a callback gets their address and
+    // casts it to the context.
     JSNParseCB parseCB;
 
     // Host services [open].
@@ -60,12 +62,12 @@ struct JMAP_PRIVATE {
 
     // Tree of known paths [scan].
     PATHBRANCH pathRoot;  // the root component
-    PATHBRANCH* pathAt;   // of the members on the stack
-    uint64_t pathNodes;   // of them: the distinct paths of the document
+    PATHBRANCH* pathAt;   // the node of the labels on the nesting stack
+    uint64_t pathNodes;   // nodes in the tree: the distinct paths of the document
     ARENA pathArena;      // nodes, names, statistics, columns of the automatic map
     HEADSTORE heads;      // record heads of the nodes
-    QVTrackerh members;   // parent and name -> PATHNODE, of nodes that are `indexed`; owned, ended
-                          // after the scan
+    QVTrackerh members;   // parent and name -> PATHNODE, for parents that are `indexed`; owned,
+                          // ended after the scan
 
     // Text of the record being written [scan]; also a scratch buffer between records.
     VARSTR path;
@@ -75,21 +77,21 @@ struct JMAP_PRIVATE {
     // Statistics of paths [scan].
     PATHINFO* pathInfoHead;
     PATHINFO* pathInfoTail;
-    bool byText;       // paths are looked up by their text as well
-    QVTrackerh hash;   // then: full path -> PATHBYTEXT; owned, ended after the scan
-    QVTrackerh hash2;  // then: parent path -> that of the group head; likewise
+    bool byText;       // paths are looked up by text as well; else the next two are null
+    QVTrackerh hash;   // checksum of a path -> PATHBYTEXT; owned, ended after the scan
+    QVTrackerh hash2;  // checksum of a parent path -> PATHBYTEXT of the group head; likewise
 
-    // Is asked as the document grows [open, by jmapGuard]; the caller's; null: nothing is.
+    // Says whether the document may grow on [open, by jmapGuard]; the caller's; null: it may.
     const JMAPGuard* guard;
 
-    // Places that are asked for [open, by jmapWatch; scan fills them in].
+    // Values whose place the caller wants [open, by jmapWatch; scan fills in the places].
     PATHWATCH** watches;  // in lists by path; null: none
 
     // Failures without a status, and what they cost [scan].
     uint64_t droppedTables;  // of automap: left out of the automatic map
-    uint64_t lostLookups;    // times that a tracker could not be made or did not take an entry
-                             // (paths of one text or parts of a group may stand side by side), or
-                             // that a number could not be counted as inexact
+    uint64_t lostLookups;    // times that a tracker could not be made or an entry not be inserted
+                             // (a path or a group may then be there twice), or that a number could
+                             // not be counted as inexact
 
     // Nesting [scan].
     LEVEL* lhead;           // top of the stack, null when it is empty
@@ -123,7 +125,7 @@ struct JMAP_PRIVATE {
     uint64_t uncompressedPathBytes;
     uint64_t compressedPathBytes;
     uint64_t spilledPathBytes;     // of them in the cache file
-    uint64_t uncompTestPathCount;  // Kept: never used, 0
+    uint64_t uncompTestPathCount;  // reserved, 0
     uint64_t elementCount;         // scalar elements named since the last array end
 
     // Automatic map [automap].
@@ -163,7 +165,7 @@ struct JMAP_PRIVATE {
 
     // User-map parse [map].
     int32_t vstate;
-    QVStatus vrc;  // the engine's own reason for a failed parse, 0 when none; of scan as well
+    QVStatus vrc;  // the engine's own reason for a failed parse, 0 when none; scan sets it too
     char badstring[32];
     QVStrSize badstringLen;
     char novardsname[32];
@@ -191,7 +193,7 @@ struct JMAP_PRIVATE {
     QVStrSize alldataNameLen;
 
     // Separators [open].
-    bool munge;    // Kept: never used, false
+    bool munge;    // reserved, false
     char sep;      // 0x02
     char root[6];  // the root component, 5 bytes
     QVStrSize rootL;
@@ -212,7 +214,7 @@ static_assert(offsetof(JMAP_PRIVATE, parseCB) == 0);
 
 namespace jmap {
 
-// The context behind a callback's argument.
+// The context that a callback's argument is the first member of.
 [[nodiscard]] inline JMAP_PRIVATE* contextOf(JSNParseCB* cb) noexcept {
     return reinterpret_cast<JMAP_PRIVATE*>(cb);  // the table is its first member
 }

@@ -1,4 +1,4 @@
-// A hash of a text, for tables inside the engine, and a checksum of many bytes.
+// A hash of a text, for hash tables inside the engine, and a checksum of many bytes.
 //
 // Tested by tests/core/helpers_test.cpp, tests/automap/column_names_test.cpp and
 // tests/automap/map_index_test.cpp
@@ -22,14 +22,14 @@ namespace jmap {
     return static_cast<uint64_t>(product) ^ static_cast<uint64_t>(product >> 64);
 }
 
-// Odd, half of their bits set.
+// Each is odd and has half of its bits set.
 inline constexpr uint64_t kHashFirst = 0xA0761D6478BD642F;
 inline constexpr uint64_t kHashSecond = 0xE7037ED1A0B428DB;
 
 // A hash that folds 16 bytes a step into a product, as wyhash does (Wang Yi,
-// github.com/wangyi-fudan/ wyhash).  Names come from documents, so the hash depends on a seed that
-// a document's author does not know (see newHashSeed): without it, chosen names would all fall into
-// one place of a table. No order of results may come from it, since it differs from run to run.
+// github.com/wangyi-fudan/wyhash).  The hash depends on a seed that the author of a document does
+// not know (see newHashSeed): else chosen names would all fall into one bucket of a table.  The
+// hash differs from run to run, so no order of results may depend on it.
 [[nodiscard]] inline uint32_t hashOf(uint64_t seed, std::string_view text) noexcept {
     const char* at = text.data();
     std::size_t left = text.size();
@@ -52,7 +52,7 @@ inline constexpr uint64_t kHashSecond = 0xE7037ED1A0B428DB;
         const auto byte = [at](std::size_t i) { return uint64_t{static_cast<uint8_t>(at[i])}; };
         low = byte(0) << 16 | byte(left / 2) << 8 | byte(left - 1);
     }
-    // The length comes last: before, a byte of the text could undo it.
+    // The length is mixed in last; earlier, a byte of the text could cancel it.
     const uint64_t hash =
         foldedProduct(foldedProduct(low ^ first, high ^ state), kHashSecond ^ text.size());
     return static_cast<uint32_t>(hash ^ hash >> 32);
@@ -60,10 +60,10 @@ inline constexpr uint64_t kHashSecond = 0xE7037ED1A0B428DB;
 
 // A seed for the tables of one document.
 //   of  some memory of the document
-// The engine may import nothing that gives random bits, and a host has no such service.  But the
-// system places the stack, the memory of the pools and the code at random addresses, anew for each
-// process, each with its own random bits; together they are more than anybody can try out in a
-// document.  Where the system does not do so, chosen names can make a map slow, never wrong.
+// The engine may import no source of random bits, and a host has no such service.  But the system
+// places the stack, the memory of the pools and the code of each process at random addresses.
+// Together they have more random bits than a document can try out.  On a system that does not do so
+// chosen names can make a map slow, but never wrong.
 [[nodiscard]] inline uint64_t newHashSeed(const void* of) noexcept {
     static constexpr char kHere = 0;
     const auto address = [](const void* memory) { return reinterpret_cast<uintptr_t>(memory); };
@@ -72,9 +72,9 @@ inline constexpr uint64_t kHashSecond = 0xE7037ED1A0B428DB;
                          address(&kHere) ^ kHashSecond);
 }
 
-// Tells whether bytes are still what they were: a disk, or another program, may have changed them.
-// It does not withstand somebody who computes.  A change within one word is noticed for certain.
-// Four words at a time, so that none waits for the one before.
+// A checksum, to find out whether a disk or another program has changed the bytes.  A change within
+// one word always changes the sum.  It gives no protection against forgery: other bytes with the
+// same sum are easy to compute.  It takes four words a step, which do not depend on each other.
 [[nodiscard]] inline uint64_t checksumOf(std::string_view bytes) noexcept {
     constexpr uint64_t kFirst = 0x9E3779B185EBCA87u, kSecond = 0xC2B2AE3D27D4EB4Fu;
     constexpr std::size_t kLanes = 4, kWord = sizeof(uint64_t);

@@ -1,8 +1,8 @@
-// The map model: which tables a document yields, which columns they have, where their values come
-// from.  Automatic and user maps have the same shape.
+// A map: which tables a document has, which columns they have, and which paths fill the columns.
+// Automatic and user maps have the same form.
 //
-// All records live in the document pool, are created zero-filled and are never freed singly.  Names
-// and paths are counted and not terminated.  Paths are in internal form, separator 0x02.
+// All records live in the document pool.  They are created zero-filled and never freed one by one.
+// Names and paths are counted and not terminated.  Paths are in internal form, separator 0x02.
 #pragma once
 
 #include "qvehost.h"
@@ -34,19 +34,19 @@ struct USERVARINFO {
     uint64_t informatWidth;  // 0: none given
     uint64_t informatDec;
     bool informatNoError;    // bad values are not to be reported
-    QVExtensionh infh;       // not used: the caller has its informats, here it is null
+    QVExtensionh infh;       // reserved, null: informats belong to the caller
     uint64_t currentLength;  // length in the automatic map
 };
 
-// A column.  Its path is that of the values; of an ordinal: what it counts.  There is one for
-// nearly every path of a document, so an automatic column has no text of its own: its path is the
-// beginning of that of `node`.
+// A column.  Its path is that of its values; an ordinal has the path that it counts.  Nearly every
+// path of a document has a column, so keep this small.  An automatic column does not store its
+// path: it is the first `pathLen` bytes of the path of `node`.
 struct VARINFO {
     VARINFO* next;
     char* name;
     QVStrSize nameLen;
     const PATHNODE* node;  // automatic map; else null
-    char* path;            // any other map.  With a null `node` too: none (ALLDATA)
+    char* path;            // of any other map.  Both null: the column has none (ALLDATA)
     QVStrSize pathLen;
     uint64_t length;  // bytes; VAR_CHAR: longest value, not yet capped
     VARTYPE type;
@@ -67,26 +67,26 @@ struct DSINFO {
     VARINFO* vhead;
     VARINFO* vtail;
     uint64_t varcount;  // columns in the list
-    // Path of the object that holds the values, as that of a column; both null: none.
+    // Path of the object that makes a row, stored as that of a column.  Both null: none.
     const PATHNODE* tableNode;
     char* tablePath;
     QVStrSize tablePathLen;
 };
 
-// One table in an index.  Tables are told by their position plus 1; 0: none.
+// One table in an index.  A reference to a table is its position plus 1; 0: none.
 struct MAPSLOT {
     DSINFO* ds;
     uint32_t hash;  // of its name in upper case
     uint32_t next;  // table of the same bucket, in map order
 };
 
-// The tables of a map by position and by name.  Zero-filled it is empty.
+// Index of the tables of a map by position and by name.  Zero-filled it is empty.
 struct MAPINDEX {
     MAPSLOT* slots;     // [size] by position
-    uint32_t* buckets;  // [size] the first table whose name's hash ends in this number
+    uint32_t* buckets;  // [size] by the low bits of the hash of a name: the first such table
     uint64_t size;      // a power of two
     uint64_t count;     // tables in it: the first ones of the map
-    uint64_t linked;    // of them, those in a bucket: a mere listing needs no names
+    uint64_t linked;    // of them, those in a bucket; access by position needs no buckets
 };
 
 struct MAP {

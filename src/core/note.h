@@ -7,8 +7,8 @@
 
 namespace jmap {
 
-// Writes one note and flushes the journal.  The format is terminated; its conversions are those of
-// QVJnl.  Lengths given for "%.*hs" are int: use noteLen().  Without a journal nothing happens.
+// Writes one note and flushes the journal; does nothing without a journal.  `fmt` is terminated,
+// its conversions are those of QVJnl.  A length for "%.*hs" must be an int: use noteLen().
 void myLogNote(JMAP_PRIVATE* p, const QVChar* fmt, ...);
 
 // A length as the precision of a conversion.

@@ -13,10 +13,10 @@ struct JMAP_READPRIVATE {
     QVStrSize varCount;
     char dsname[32];
     QVStrSize dsnameLen;
-    VARINFO* varinfo;     // [varCount] own copies of the map's columns
+    VARINFO* varinfo;     // [varCount] copies of the map's columns, each with its path as a text
     COMPPATHS* curr;      // block being read; null: start from the first
     char* pBuf;           // [kBlockBytes] room for its records
-    const char* records;  // its records: in pBuf, or where the document keeps them
+    const char* records;  // its records: in pBuf, or in the document if uncompressed there
     QVStrSize pBufi;      // read position in `records`
     QVStrSize pBufLen;    // valid bytes in `records`
     bool inVariables;     // the row has received a value

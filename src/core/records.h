@@ -40,7 +40,8 @@ inline constexpr std::string_view kRoot = "\x02root";  // the first one, with it
 
 inline constexpr QVStrSize kMaxStringLen = 32767;  // bytes that a record keeps of a string
 
-// A string of just so many bytes that is whole.  All others of that length in the records are cut.
+// A string of exactly kMaxStringLen bytes that is whole.  All others of that length in the records
+// are cut.
 struct WHOLESTRING {
     WHOLESTRING* next;
     uint64_t number;  // from 1, among the strings of that length in the records
@@ -61,33 +62,34 @@ struct PATHWATCH;
 // One entry of the nesting stack.  Entries above the top stay linked for the next push.
 struct LEVEL {
     LEVEL* next;  // entry below, null at the bottom
-    LEVEL* prev;  // entry above, perhaps an unused one; null when none has been there yet
+    LEVEL* prev;  // entry above, which may be unused; null when there has never been one
     WHAT what;
     const char* name;   // label text, borrowed; null for containers
     QVStrSize nameLen;  // bytes, 0 for containers
     PATHNODE* node;     // of a label; null for containers and for elements
-    int refcount;       // Kept: never used, 0
-    int levelNum;       // Kept: never used, 0
+    int refcount;       // reserved, 0
+    int levelNum;       // reserved, 0
 };
 
-// What is below a label: made with its first child.
+// The children of a label; made with the first one.
 struct PATHCHILDREN {
-    PATHBRANCH* members;    // the latest first
-    int64_t memberCount;    // of them
+    PATHBRANCH* members;    // list, the newest first
+    int64_t memberCount;    // its length
     PATHNODE* elements[2];  // the first element named after the label, and the first plain one
     PATHNODE* lastElement;  // the element that was read last
     PATHINFO* group;        // head of the group of the children
 };
 
-// A label below the labels in front of it: one place in the tree of known paths.  Members are told
-// apart by their names, elements by their numbers.
+// A node of the tree of known paths: the last label of a path.  Members are identified by name,
+// elements by number.
 //
-// The tree has each name once; the text of a path is put together when it is needed.  Elements have
-// no children, since only scalars have a label as elements; of a million there is nothing but this.
+// A node stores its own name only; the text of a path is built from the chain of parents when it is
+// needed.  Elements have no children, since only a scalar is an element with a label.  An array may
+// have millions of them, and each takes one PATHNODE, so keep it small.
 struct PATHNODE {
     PATHINFO* info;      // its statistics; null: none, or not to be found again
     char* head;          // see makeHead; null: none
-    PATHNODE* follower;  // the member or element that came after it the last time
+    PATHNODE* follower;  // the member or element that came next the last time
     union {
         PATHCHILDREN* children;  // of a member; null: none yet
         int64_t number;          // of an element
@@ -95,22 +97,22 @@ struct PATHNODE {
     int32_t textLen;  // bytes of the path
     int32_t nameLen;
     int32_t labels;      // in the path
-    bool plain;          // an element named "element", not after a label
+    bool plain;          // an element named "element", as its array has no member name
     bool marked;         // a marker has been written
     bool indexed;        // of a member: all its members are in the table `members`
-    PATHBRANCH* parent;  // must be last: with the name behind it, it is the key of a member.  Null:
-                         // the root component
+    PATHBRANCH* parent;  // null: the root component.  Must be last: it and the name, which follows
+                         // it in memory, are the key of a member
 };
 
 // A node that can have children: a member, or the root component.
 struct PATHBRANCH {
     PATHBRANCH* sibling;     // the member made before it
     PATHBRANCH* lastMember;  // the child that was read last
-    PATHNODE node;           // must be last: the name stands behind it
+    PATHNODE node;           // must be last: the name follows it
 };
 
-// The latest record heads, in pieces that are filled one after the other.  When the last one is
-// full the first is emptied and filled again.  Zero-filled there is none.
+// The fixed store of record heads (see makeHead): a ring of pieces.  When all are full, the oldest
+// piece is emptied and filled again.  Zero-filled it is empty.
 inline constexpr int kHeadPieces = 128;
 struct HEADSTORE {
     char* pieces[kHeadPieces];
@@ -133,14 +135,14 @@ struct PATHKIND {
     PLACE first;
 };
 
-// What few paths have.
+// Statistics that few paths need, kept apart so that PATHINFO stays small.
 struct PATHEXTRAS {
     int64_t inexact;  // numbers that a double does not keep
     PLACE firstInexact;
-    int64_t watched;  // the count at which a place is asked for, or looked for again; 0: none
+    int64_t watched;  // the count at which noteWatched is called next; 0: never
 };
 
-// One distinct path of the document that had a value.  Its text is that of its node.
+// One distinct path of the document that had a value.  It stores no text: see pathText.
 struct PATHINFO {
     PATHINFO* next;  // next group head
     PATHINFO* down;  // next member of the group

@@ -1,5 +1,5 @@
-// Copying and comparing texts that are mostly short, without a call.  Nothing outside the texts is
-// read or written.
+// Copies and compares texts that are mostly short, without a function call.  Nothing outside the
+// texts is read or written.
 //
 // Tested by tests/core/helpers_test.cpp
 #pragma once
@@ -28,7 +28,7 @@ struct SIXTEEN {
     uint64_t low, high;
 };
 
-// The first and the last bytes of a text overlap, so that its length need not be divided up.
+// Copies the first bytes and the last bytes, which may overlap: two moves cover many lengths.
 inline void copyShort(char* to, std::string_view text) noexcept {
     const char* from = text.data();
     const std::size_t n = text.size();

@@ -26,13 +26,13 @@ namespace jmap {
     return static_cast<QVStrSize>(text.size());
 }
 
-// The first `count` bytes of a text, and what follows them; a shorter text ends where it ends.
-// (std::string_view::substr throws in principle, and the engine imports nothing that does.)
+// The first `count` bytes of a text, and the rest after them.  Of a shorter text: all, and nothing.
+// (std::string_view::substr is not used: it may throw, and the engine imports nothing that throws.)
 [[nodiscard]] constexpr std::string_view firstOf(std::string_view text,
                                                  std::size_t count) noexcept {
     return {text.data(), std::min(count, text.size())};
 }
-[[nodiscard]] constexpr std::string_view behind(std::string_view text, std::size_t count) noexcept {
+[[nodiscard]] constexpr std::string_view after(std::string_view text, std::size_t count) noexcept {
     const std::size_t skipped = std::min(count, text.size());
     return {text.data() + skipped, text.size() - skipped};
 }

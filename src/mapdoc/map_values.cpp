@@ -1,4 +1,4 @@
-// What the transitions of a user map's parse do: make tables and columns, store their properties.
+// The actions of the transitions: they make tables and columns and store their properties.
 //
 // Tested by tests/mapdoc/map_reader_test.cpp
 #include "map_values.h"
@@ -16,7 +16,7 @@
 namespace jmap {
 namespace {
 
-constexpr std::size_t kMaxDsNameLen = 32;  // DSINFO::name has room for a suffix behind it
+constexpr std::size_t kMaxDsNameLen = 32;  // DSINFO::name also has room for a suffix
 
 DSINFO& lastTable(JMAP_PRIVATE* p) noexcept {
     return *p->usermap->dstail;
@@ -32,8 +32,8 @@ void noteText(JMAP_PRIVATE* p, const char* what, std::string_view text) {
     }
 }
 
-// Kept: a negative number is stored as the unsigned one of its bits; a length is then capped like
-// any that is too large when its table is opened.
+// Kept: a negative number is stored as the unsigned number with its bits.  A negative length is
+// thus a large one, which ReadInit caps.
 QVStatus setNumber(JMAP_PRIVATE* p, const char* what, uint64_t& to, int64_t number) {
     to = static_cast<uint64_t>(number);
     if (p->debugValidateMap) [[unlikely]] {
@@ -65,7 +65,7 @@ QVStatus setCopy(JMAP_PRIVATE* p, const char* what, char*& to, QVStrSize& toLen,
     if (!text.empty()) {
         std::memcpy(copy, text.data(), text.size());
     }
-    (void)poolFree(p->cpool, to);  // the text is replaced whatever the pool says
+    (void)poolFree(p->cpool, to);  // replaced even if this fails
     to = copy;
     toLen = lengthOf(text);
     noteText(p, what, text);
@@ -98,8 +98,8 @@ QVStatus newUserMap(JMAP_PRIVATE* p, const TOKEN& /*token*/) {
     return QV_OK;
 }
 
-// Kept: here, and only here, missing memory has a status of its own, which callers have come to
-// know; MapInput shows it in ERRORINFO.
+// Kept: only here missing memory has the status JMAP_MAP_NOMEM; MapInput gives it in ERRORINFO, and
+// callers know it.
 QVStatus newTable(JMAP_PRIVATE* p, const TOKEN& /*token*/) {
     auto* ds = poolNew<DSINFO>(p->cpool);
     if (ds == nullptr) {
@@ -222,7 +222,7 @@ QVStatus setInformat(JMAP_PRIVATE* p, const TOKEN& token) {
     column.user->informatWidth = 0;
     column.user->informatDec = 0;
     return setCut(p, "INFORMAT", column.user->informat, column.user->informatLen,
-                  behind(token.text, quiet ? 1 : 0));
+                  after(token.text, quiet ? 1 : 0));
 }
 
 QVStatus setInformatWidth(JMAP_PRIVATE* p, const TOKEN& token) {

@@ -21,7 +21,7 @@
 namespace jmap {
 namespace {
 
-constexpr QVStrSize kElementSlack = 30;  // bytes for the number behind an element's base name
+constexpr QVStrSize kElementSlack = 30;  // bytes for the number after an element's base name
 constexpr QVStrSize kMaxDigits = 20;     // of a 64-bit number, sign included
 
 void noteEvent(JMAP_PRIVATE* p, const QVChar* event) {
@@ -51,7 +51,7 @@ QVStatus placeholder(JMAP_PRIVATE* p) {
                            : generatePathVariableString(p, node, kName, "VAR", VAL_FAKEVARIABLE);
 }
 
-// Takes the container `what` off the stack, and the member name whose value it was.
+// Pops the container `what`, and the member name whose value it is.
 QVStatus endContainer(JMAP_PRIVATE* p, WHAT what) {
     if (peekLevel(p) == nullptr || peekLevel(p)->what != what) {
         return JMAP_PARSE;
@@ -71,16 +71,16 @@ QVStatus gotMember(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
     return recordValue(p, label->node, value, type);
 }
 
-// Room for an element's name.
-// Kept: the buffer grows by the base name's length alone, so that a base name just below its size
+// Grows the buffer for an element's name.
+// Kept: it grows only when the base name alone does not fit.  A base name just below its size
 // leaves no room for all digits of the number, and elements then share a name.
-// Kept: `elementBuf` stays null.  It is for a name in host characters, but the digits are ASCII in
-// every document encoding and the name is formed in bytes; one allocation less can be seen.
+// Kept: `elementBuf`, a buffer for the name in host characters, stays null.  The digits are ASCII
+// in every document encoding, so the name is formed in bytes.  One can observe one allocation less.
 QVStatus elementRoom(JMAP_PRIVATE* p, QVStrSize baseLen) {
     if (baseLen < p->elementBufLen) [[likely]] {
         return QV_OK;
     }
-    (void)poolFree(p->cpool, p->celementBuf);  // the buffer is replaced whatever the pool says
+    (void)poolFree(p->cpool, p->celementBuf);  // replaced even if this fails
     p->elementBufLen = 0;
     p->celementBuf = poolBytes(p->cpool, baseLen + kElementSlack);
     if (p->celementBuf == nullptr) {
@@ -106,7 +106,8 @@ ELEMENTNAME formElementName(JMAP_PRIVATE* p, std::string_view base, uint64_t num
     return {view(p->celementBuf, lengthOf(base) + digitsLen), digitsLen == end - digits};
 }
 
-// A record will keep as much of a string as it can, which is all of it or, if `cut`, its beginning.
+// Counts a string of kMaxStringLen bytes in the records.  `cut`: the string of the document is
+// longer.
 QVStatus countLongString(JMAP_PRIVATE* p, bool cut) {
     ++p->longStrings;
     if (cut) {
@@ -122,14 +123,14 @@ QVStatus countLongString(JMAP_PRIVATE* p, bool cut) {
     return QV_OK;
 }
 
-// Delivers an element's value again, now that its name is on the stack.
+// Handles an element's value as a member's, now that its name is on the stack.
 QVStatus redeliver(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
     JSNParseCB* cb = &p->parseCB;
     switch (type) {
         case VAL_NUMBER:
             return fnumber(cb, value.data(), lengthOf(value), JSN_REAL);
         case VAL_STRING:
-            noteEvent(p, U"fstring");  // which has counted it
+            noteEvent(p, U"fstring");  // fstring has counted the value already
             return gotValue(p, value.data(), lengthOf(value), type);
         case VAL_NULL:
             return fnull(cb);
@@ -141,8 +142,8 @@ QVStatus redeliver(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
     }
 }
 
-// Records an element whose path is known already: its name is not formed.  False when nothing has
-// been done.
+// Records an element whose path is known, without forming its name.  False when it does not apply;
+// nothing has been done then.
 bool gotKnownElement(JMAP_PRIVATE* p, bool plain, std::string_view value, VALTYPE type) {
     const PATHBRANCH* at = p->pathAt;
     PATHNODE* element = expectedElement(at, plain, static_cast<int64_t>(p->elementCount) + 1);
@@ -176,8 +177,8 @@ bool gotKnownElement(JMAP_PRIVATE* p, bool plain, std::string_view value, VALTYP
     return redeliver(p, value, type);
 }
 
-// Kept: the number is one for the whole document and is reset by every array end, so numbering
-// starts again, and a marker is written again, behind an array inside an array.
+// Kept: the document has one counter, and every array end resets it.  After an array inside an
+// array the numbers start again at 1, and a marker is written again.
 QVStatus gotElement(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
     const LEVEL* below = peekLevel(p)->next;
     const bool plain = below == nullptr || below->what != WHAT_LABEL;

@@ -1,8 +1,8 @@
 // What the JSON parser reports, turned into records.
 //
-// The eight handlers keep the nesting stack and hand a record to the stream for every value, and
-// for the container boundaries from which rows are told apart.  Scalar elements of arrays get
-// names: the array's member name ("element" without one) and a running number.
+// The eight handlers keep the nesting stack.  They write a record for every value, and a marker for
+// each container boundary that can begin a row.  Scalar elements of arrays get names: the array's
+// member name ("element" without one) and a running number.
 //
 // Tested by tests/scan/events_test.cpp
 #pragma once
@@ -15,7 +15,7 @@ namespace jmap {
 void installScanCallbacks(JSNParseCB* cb);
 
 // Each handler returns QV_OK; QV_NOMEM; JMAP_PARSE for an end that does not fit its start; a status
-// of the record stream.  After a failure stack and stream stay as they stand.
+// of the record stream.  A failure does not restore the stack and the stream.
 [[nodiscard]] QVStatus farrayStart(JSNParseCB* cb);
 [[nodiscard]] QVStatus farrayEnd(JSNParseCB* cb);
 [[nodiscard]] QVStatus fobjectStart(JSNParseCB* cb);

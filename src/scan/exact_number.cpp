@@ -1,12 +1,11 @@
 // See exact_number.h.
 //
-// A number is digits * 10^scale, the nearest double to it is bits * 2^exponent.  The double's
-// shortest text is the number if and only if
-//   - no decimal of fewer digits rounds to the double.  The decimals that do are an interval with
-//     the number in it, so the next shorter ones below and above the number say it for all;
-//   - of the decimals of as many digits that round to it, none is nearer to the double.  Of two
-//   that
-//     are equally near, the even one is taken.
+// A number is digits * 10^scale, the nearest double to it is bits * 2^exponent.  The shortest text
+// of the double is the number if and only if
+//   - no decimal of fewer digits rounds to the double.  The decimals that round to it are an
+//     interval around the number, so it is enough to test the nearest shorter decimal on each side;
+//   - no decimal of as many digits is nearer to the double.  Of two that are equally near, the even
+//     one is the text.
 // All these are comparisons of whole numbers.
 #include "exact_number.h"
 
@@ -22,28 +21,27 @@ namespace {
 
 constexpr uint64_t kTenTo15 = 1'000'000'000'000'000;
 constexpr uint64_t kTenTo17 = 100 * kTenTo15;
-constexpr int64_t kLowestPlace = -324;      // a number whose first digit stands lower becomes 0
-constexpr int64_t kHighestPlace = 308;      // one whose first digit stands higher becomes infinite
-constexpr int64_t kLowestSafePlace = -308;  // above it all doubles have their 53 bits
+constexpr int64_t kLowestPlace = -324;      // a number whose first digit is below it becomes 0
+constexpr int64_t kHighestPlace = 308;      // one whose first digit is above it: infinite
+constexpr int64_t kLowestSafePlace = -308;  // above it all doubles have 53 bits
 constexpr int kFractionBits = 52;
 constexpr uint64_t kHiddenBit = uint64_t{1} << kFractionBits;
 constexpr int64_t kExponentBias = 1075;  // of the lowest bit
 
-// ---- The number
-// -----------------------------------------------------------------------------------
+// ---- The number ---------------------------------------------------------------------------------
 
 // The magnitude of a number: digits * 10^scale.
 struct DECIMAL {
     uint64_t digits;  // the last one is not 0; 0: the number is 0
     int64_t scale;
-    bool many;  // they are more than `digits` holds, which has no meaning then
+    bool many;  // there are more digits than 64 bits hold; `digits` has no meaning then
 };
 
 bool isDigit(char c) noexcept {
     return c >= '0' && c <= '9';
 }
 
-// The value of eight digits; false when they are something else.
+// The value of eight digits; false when they are not all digits.
 bool takeEight(const char* at, uint64_t& value) noexcept {
     uint64_t word = loadBytes<uint64_t>(at);
     if (std::endian::native != std::endian::little ||
@@ -65,7 +63,7 @@ const char* takeDigits(const char* at, const char* end, uint64_t& value) noexcep
     return at;
 }
 
-// The common form: no exponent, and not more digits than 64 bits hold.  False when it is another.
+// Reads the common form: no exponent, and no more digits than 64 bits hold.  False for other forms.
 bool takeShort(std::string_view text, DECIMAL& number) noexcept {
     constexpr std::size_t kLongest = 20;  // 19 digits and a point
     if (text.size() > kLongest) {
@@ -90,7 +88,7 @@ bool takeShort(std::string_view text, DECIMAL& number) noexcept {
     return at == end;
 }
 
-// The exponent after its 'e', within bounds that no length of a text makes up for.
+// The exponent after its 'e'.  It is clamped, to bounds that no number of digits can outweigh.
 int64_t exponentOf(std::string_view text) noexcept {
     constexpr int64_t kBound = int64_t{1} << 58;
     int64_t exponent = 0;
@@ -102,7 +100,7 @@ int64_t exponentOf(std::string_view text) noexcept {
     return text.starts_with('-') ? -exponent : exponent;
 }
 
-// Any form.
+// Reads any form.
 DECIMAL takeAny(std::string_view text) noexcept {
     constexpr int64_t kWordDigits = 19;  // so many fit into 64 bits
     DECIMAL number = {0, 0, false};
@@ -151,8 +149,7 @@ int64_t placeOf(const DECIMAL& number) noexcept {
     return place;
 }
 
-// ---- In 64 bits
-// -----------------------------------------------------------------------------------
+// ---- In 64 bits ---------------------------------------------------------------------------------
 
 // Powers of ten that a double holds exactly, and the powers of five in them.
 struct TENS {
@@ -172,13 +169,13 @@ enum VERDICT { KEPT, LOST, UNSURE };
 
 // For 16 or 17 digits and a scale from -22 to 0.
 //
-// All is multiplied by the same power of two and by 5^-scale, so that it becomes whole.  Then two
-// neighbouring doubles differ by `ulp`, which is 5^-scale times at most 2^4, and the last digit
-// counts `unit`, which is at most 2^53 * 5^22 / 10^15 < 2^55.  The number and the double are larger
-// than 64 bits, but only their difference is needed, a few `ulp`: it is right modulo 2^64.
+// Everything is multiplied by the same power of two and by 5^-scale and becomes a whole number.
+// Then two neighbouring doubles differ by `ulp`, which is 5^-scale times at most 2^4.  One in the
+// last digit is `unit`, which is at most 2^53 * 5^22 / 10^15 < 2^55.  The number and the double do
+// not fit in 64 bits, but their difference, a few `ulp`, is right modulo 2^64.
 VERDICT judge(const DECIMAL& number) noexcept {
     const int64_t q = -number.scale;
-    // Two roundings: perhaps not the nearest double, but at most the second next to it.
+    // This rounds twice, so it may miss the nearest double, by at most two steps.
     const double near = static_cast<double>(number.digits) / kTens.ten[q];
     const auto image = std::bit_cast<uint64_t>(near);
     uint64_t bits = (image & (kHiddenBit - 1)) | kHiddenBit;
@@ -194,7 +191,8 @@ VERDICT judge(const DECIMAL& number) noexcept {
         bits += static_cast<uint64_t>(towards);
         above -= towards * ulp;
     }
-    // Halfway between two doubles, or a power of two, whose neighbours are not equally near.
+    // Left to the slow path: halfway between two doubles, or at a power of two, where the
+    // neighbours are not equally near.
     if (2 * std::abs(above) >= ulp || bits <= kHiddenBit || bits >= 2 * kHiddenBit) {
         return UNSURE;
     }
@@ -207,8 +205,7 @@ VERDICT judge(const DECIMAL& number) noexcept {
     return shorter | !nearest ? LOST : KEPT;
 }
 
-// ---- With as many bits as it takes
-// ------------------------------------------------------------------
+// ---- With as many bits as needed ----------------------------------------------------------------
 
 // A whole number below 2^1024.  The largest in use is about 2^850: a double's 53 bits and two more,
 // times 5^340.
@@ -279,7 +276,7 @@ bool losesSlowly(const DECIMAL& number, double nearest) noexcept {
     const BINARY to = binaryOf(nearest);
     const uint64_t digits = number.digits;
     const uint64_t below = digits - digits % 10;
-    // Of one digit there is nothing shorter.
+    // A single digit has no shorter decimal.
     if (digits >= 10 &&
         (roundsTo(to, below, number.scale) || roundsTo(to, below + 10, number.scale))) {
         return true;

@@ -1,9 +1,9 @@
-// Whether a number of the document survives in a double.
+// Whether a double keeps a number of the document.
 //
-// The test is exact: the shortest text that reads back to the nearest double, as a decimal value,
-// is the number.  So 0.1 is kept, and 9007199254740993 is not; nor is what is too large or becomes
-// 0.  The double 2^60 is shortest as 1152921504606847000, so 1152921504606846976 is not kept
-// either: whoever prints the double gets other digits.
+// It does when the shortest text that reads back to the nearest double has the same decimal value
+// as the number.  So 0.1 is kept, and 9007199254740993 is not.  A number that becomes infinite or 0
+// is not kept either.  Nor is 1152921504606846976, although it is a double exactly, 2^60: a program
+// that prints this double prints 1152921504606847000.
 //
 // Tested by tests/scan/exact_number_test.cpp
 #pragma once
@@ -17,18 +17,18 @@
 
 namespace jmap {
 
-// So many significant digits are always kept, in numbers from 10^-307 to 10^308.  Such a decimal is
-// at least 10^-15 of itself away from the next one of 15 digits, and the decimals that a double is
-// nearest to lie within 2^-52 of it, which is less: so no other decimal of 15 digits or fewer has
-// the same double.
+// A double keeps every number of up to 15 digits from 10^-307 to 10^308.  Two such decimals differ
+// by at least 10^-15 of their value.  All decimals that round to one double lie within 2^-52 of its
+// value, which is less.  So no two decimals of 15 digits or fewer have the same double.
 inline constexpr int kAlwaysKeptDigits = 15;
 
 // Whether a number of JSON grammar is not kept.
-//   smh  reads what is far from 1, and needs many digits; null: all that is kept
+//   smh  converts numbers that need the slow path; null: such numbers count as kept
 [[nodiscard]] bool losesDigits(QVStringServiceh smh, std::string_view number) noexcept;
 
-// Whether that needs a look at every digit.  Of the characters of a number only 'e' and 'E' have
-// bit 6, and, a sign in front apart, only '.' and those lack bit 4.
+// Whether losesDigits() may be true; a cheap test for the many numbers that are short.  Of the
+// characters of a number only 'e' and 'E' have bit 6.  Without a leading sign only these two and
+// '.' lack bit 4.
 [[nodiscard]] inline bool mayLoseDigits(std::string_view number) noexcept {
     constexpr uint64_t kExponentBits = 0x4040404040404040;
     constexpr uint64_t kDigitBits = 0x1010101010101010;

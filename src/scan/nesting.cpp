@@ -29,8 +29,8 @@ void noteLabelArrays(JMAP_PRIVATE* p, QVStrSize nameLen) {
     }
 }
 
-// Gives one array of label lengths room for `size` depths and a spare entry.  The spare one stays
-// 0: the length byte of "FAKE" below the deepest label is taken from it.
+// Grows an array of label lengths to `size` depths and a spare entry, which stays 0: the length
+// byte of "FAKE" below the deepest label is taken from it.
 QVStatus growLabelArray(JMAP_PRIVATE* p, int32_t** lens, int32_t size) {
     const QVStrSize bytes =
         (static_cast<QVStrSize>(size) + 1) * static_cast<QVStrSize>(sizeof(int32_t));
@@ -71,7 +71,7 @@ LEVEL* makeEntryAbove(JMAP_PRIVATE* p) {
     return l;
 }
 
-// Takes a label into the lengths by depth.
+// Counts a label, and enters its length in the lengths by depth.
 QVStatus countLabel(JMAP_PRIVATE* p, QVStrSize nameLen) {
     ++p->labelCount;
     if (p->labelCount == p->labelMaxesSize) [[unlikely]] {
@@ -139,7 +139,7 @@ QVStatus newLabel(JMAP_PRIVATE* p, std::string_view name) {
         p->debugAllData) [[unlikely]] {
         return newLabelSlowly(p, name);
     }
-    // It has been counted before; only the length at its depth may be another's.
+    // The label has been counted before; only the current length of its depth may have changed.
     ++p->labelCount;
     p->labelCurLens[p->labelCount] = static_cast<int32_t>(node->nameLen);
     return pushMember(p, l, node);

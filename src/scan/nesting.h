@@ -1,8 +1,8 @@
 // The nesting stack: the containers and member names around the value being scanned.
 //
-// The labels on the stack, read from the bottom, are the path of the value; `pathAt` is their node
-// in the tree of known paths. Beside the stack the context keeps for each depth of label the
-// current and the longest length.
+// The labels on the stack, from the bottom up, are the path of the value.  `pathAt` is their node
+// in the tree of known paths.  The context also keeps the current and the longest length of a label
+// at each depth.
 //
 // Tested by tests/scan/nesting_test.cpp
 #pragma once
@@ -26,7 +26,8 @@ namespace jmap {
 // The same for an element, whose node is known.
 [[nodiscard]] QVStatus newElementLabel(JMAP_PRIVATE* p, PATHNODE* node);
 
-// Takes the top entry off, null when the stack is empty.  It is good until the next push.
+// Pops and returns the top entry; null when the stack is empty.  The entry is valid until the next
+// push.
 LEVEL* popLevel(JMAP_PRIVATE* p);
 
 // The top entry, null when the stack is empty.
@@ -34,9 +35,9 @@ LEVEL* popLevel(JMAP_PRIVATE* p);
     return p->lhead;
 }
 
-// Whether a label that comes next, or was popped last, has index `labels` - 1, as it should.
-// Kept: a member name "" is counted when it is pushed but not when it is popped, so that from then
-// on every record of the document counts a label too many, and lengths are kept one depth too deep.
+// Whether `labelCount` is right: the next label, or the one popped last, has index `labels` - 1.
+// Kept: a member name "" is counted when it is pushed, but not when it is popped.  From then on
+// every record of the document has a label too many, and lengths are kept one depth too deep.
 [[nodiscard]] inline bool inStep(const JMAP_PRIVATE* p, int32_t labels) noexcept {
     return p->labelCount + 2 == labels;
 }

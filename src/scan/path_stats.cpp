@@ -44,9 +44,8 @@ QVTrackerh newTracker(JMAP_PRIVATE* p, std::u32string_view name) {
     return tracker;
 }
 
-// A path, or that of its parent, in a tracker.  A key would have to hold the whole text, and many
-// deep paths would need more memory than all else; so the key is a checksum of the text, and paths
-// with one checksum are a list.
+// A path, or the path of a parent, in a tracker.  The key is a checksum of the text, since the
+// texts of many deep paths would need more memory than all else.  Paths of one checksum are a list.
 struct PATHBYTEXT {
     PATHBYTEXT* next;  // the next one with this checksum
     uint64_t checksum;
@@ -59,15 +58,15 @@ QVStrSize parentLenOf(const PATHINFO* info) {
     return info->ownParent ? info->node->textLen : info->node->parent->node.textLen;
 }
 
-// Kept: a failure of the host's tables is counted, but has no status.  One can see its effects in
-// the map: paths of the same text, or parts of a group, stand side by side.
+// Kept: a failure of a tracker is counted, but gives no status.  The map shows it: a path, or a
+// group, is there twice.
 PATHBYTEXT* findText(QVTrackerh tracker, uint64_t checksum) {
     return tracker == nullptr ? nullptr
                               : static_cast<PATHBYTEXT*>(tracker->find(
                                     tracker, reinterpret_cast<const char*>(&checksum), kKeyBytes));
 }
 
-// The entry of the text; `lenOf` says how many bytes of an entry's path are its text.
+// The entry of a text.  `lenOf` gives the bytes of an entry's path that are compared.
 template <class LenOf>
 PATHINFO* find(QVTrackerh tracker, std::string_view text, LenOf lenOf) {
     PATHBYTEXT* entry = findText(tracker, checksumOf(text));
@@ -101,8 +100,8 @@ bool headsItsGroup(const PATHINFO* info) {
     return !info->member;
 }
 
-// Kept: a placeholder that heads its group cannot be found, so that the next one of the same
-// container becomes a second entry, in the group; from the third on that one counts.
+// Kept: a placeholder that is the head of its group cannot be found.  The next one of the same
+// container makes a second entry, in the group, and all later ones are counted there.
 bool canBeFound(const PATHINFO* info) {
     return info->type != VAR_FAKEVARIABLE || !headsItsGroup(info);
 }
@@ -136,8 +135,8 @@ PLACE presentPlace(JMAP_PRIVATE* p) {
                : PLACE{parser->line(parser), parser->eventColumn(parser)};
 }
 
-// Kept: a kind that there is no memory for stays out of the statistics; nothing in the map depends
-// on it.
+// Kept: without memory the kind is left out, with no status.  The counts by kind then do not add up
+// to the count of the path; the map is the same.
 void addKind(JMAP_PRIVATE* p, PATHKIND* last, VALTYPE kind) {
     last->next = poolNew<PATHKIND>(p->cpool);
     if (last->next != nullptr) {

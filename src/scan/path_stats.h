@@ -1,12 +1,11 @@
 // Statistics of paths: what the automatic map is made from.
 //
-// Every distinct path that had a value has one PATHINFO, with how often it occurred, whether a
-// string was among its values, and its longest value.  Paths are grouped by their parent path: the
-// first path of a parent heads the group and stands in the list `pathInfoHead`, the others hang
-// behind it through `down`.
+// Every distinct path that had a value has one PATHINFO: how often it occurred, its type and its
+// longest value.  Paths are grouped by their parent path.  The first path of a parent is the head
+// of the group and is in the list `pathInfoHead`; the others follow it through `down`.
 //
-// A path is found through its node in the tree of known paths.  Only when two nodes might have the
-// same text, two host tables find a path (`hash`) and the head of a group (`hash2`) by text.
+// A path is found through its node in the tree of known paths.  When two nodes might have the same
+// text, a path (`hash`) and the head of a group (`hash2`) are also looked up by their text.
 //
 // Tested by tests/scan/path_stats_test.cpp
 #pragma once
@@ -17,14 +16,14 @@
 
 namespace jmap {
 
-// Records one more value for `path`: counts it, also by its kind, promotes the type, keeps the
-// longest length, counts numbers that a double does not keep, and keeps the places where a kind,
-// that length and such a number were first seen.
+// Records one more value of `path`: counts it, in all and by kind, adapts the type, and keeps the
+// longest length.  Counts numbers that a double does not keep.  Keeps the place of the first value
+// of each kind, of the longest length, and that a double does not keep.
 //   node           of the path; its parent is that of the labels on the stack
 //   path           text of the record without its value, separator 0x02
-//   lastNameLen    (of the context) bytes of the last component with its separator: the rest is the
+//   lastNameLen    (of the context) bytes of the last component with its separator; the rest is the
 //                  parent path.  0: the path is its own parent
-//   value          a longest value of 0 bytes is kept as 1
+//   value          an empty value has length 1
 // Returns QV_OK, or QV_NOMEM with the statistics unchanged.
 [[nodiscard]] QVStatus insertPathInfo(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path,
                                       VALTYPE type, std::string_view value);
@@ -35,7 +34,7 @@ void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, std::string_view 
 // From now on paths are looked up by text when their nodes do not know them.
 void lookUpByText(JMAP_PRIVATE* p);
 
-// What few paths have, made when there is none yet.  Null without memory.
+// The extras of a path, allocated on first use.  Null without memory.
 [[nodiscard]] PATHEXTRAS* pathExtras(JMAP_PRIVATE* p, PATHINFO* info);
 
 // Notes every path with its count.  Always 0.

@@ -1,4 +1,4 @@
-// Path text: 0x02 inside, "/" for people.
+// Path text: with 0x02 inside the engine, with "/" for the user.
 //
 // Tested by tests/scan/path_text_test.cpp
 #include "path_text.h"

@@ -1,7 +1,7 @@
-// Path text: 0x02 inside, "/" for people.
+// Path text: with 0x02 inside the engine, with "/" for the user.
 //
 // Inside the engine the components of a path are separated by the byte `sep` (0x02), so that member
-// names may contain "/".  A user sees and writes "/".
+// names may contain "/".  The user sees and writes "/".
 //
 // Tested by tests/scan/path_text_test.cpp
 #pragma once

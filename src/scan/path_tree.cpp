@@ -1,4 +1,4 @@
-// The tree of known paths: what the scan has learnt about the document's shape.
+// The tree of known paths: one node for each distinct path of the document so far.
 //
 // Tested by tests/scan/path_tree_test.cpp
 #include "path_tree.h"
@@ -15,7 +15,7 @@
 namespace jmap {
 namespace {
 
-constexpr int64_t kFewMembers = 16;  // so many are compared one by one
+constexpr int64_t kFewMembers = 16;  // up to so many are compared one by one
 
 // NOLINTNEXTLINE(bugprone-sizeof-expression): the pointer itself is in the key
 constexpr QVStrSize kParentBytes = sizeof PATHNODE::parent;
@@ -33,8 +33,8 @@ T* newRecord(JMAP_PRIVATE* p) {
     return reinterpret_cast<T*>(mem);
 }
 
-// A child of `pathAt`, all zero in front of its node: a PATHBRANCH or only a PATHNODE.  No record
-// could hold a path whose length is no int32_t.
+// A child of `pathAt`: a PATHBRANCH, or a PATHNODE alone.  What precedes the node is zero.  Null
+// also for a path longer than an int32_t says, which no record could hold.
 template <class T>
 PATHNODE* newNode(JMAP_PRIVATE* p, std::string_view name) {
     PATHNODE* at = &p->pathAt->node;
@@ -60,7 +60,7 @@ PATHNODE* newNode(JMAP_PRIVATE* p, std::string_view name) {
     return node;
 }
 
-// Makes the table when there is none; false without memory.
+// Makes the table `members` when there is none; false without memory.
 bool hasTable(JMAP_PRIVATE* p) {
     if (p->members == nullptr) {
         constexpr std::u32string_view kName = U"path tree tracker";
@@ -88,14 +88,15 @@ bool enterMembers(JMAP_PRIVATE* p) {
     return member == nullptr;
 }
 
-// Whether the table has all members of `pathAt`.  It ends with the parse.
+// Whether the table has all members of `pathAt`.
 bool isIndexed(const JMAP_PRIVATE* p) {
     return p->pathAt->node.indexed && p->members != nullptr;
 }
 
-// `node` is a new member of `pathAt`.  The members enter the table when they have become many.  If
-// one cannot be entered, none is looked up there: the list has them all.  All are entered again
-// each time that their number has doubled, so that one failure does not make a large object slow.
+// Enters a new member of `pathAt` into the table.  The first few members are not entered; all are
+// when there are many.  When one cannot be entered, the table is not used for this object: the list
+// has all members.  All are entered again each time their number has doubled, so that one failure
+// does not make a large object slow.
 void indexMember(JMAP_PRIVATE* p, PATHNODE* node) {
     PATHNODE* at = &p->pathAt->node;
     const int64_t count = at->children->memberCount;
@@ -149,8 +150,8 @@ bool memberIsUnsure(const JMAP_PRIVATE* p, std::string_view name) {
     return name.find(p->sep) != std::string_view::npos || (likeAnElement && hasElements(p->pathAt));
 }
 
-// Whether a new element might: one named after a label, and a plain one of the same container, are
-// alike only when the label begins as a plain one's name.
+// Whether a new element might have the text of another node.  An element named after a label and a
+// plain one of the same container can have one name only when the label begins with "element".
 bool elementIsUnsure(JMAP_PRIVATE* p, bool plain, std::string_view name) {
     const PATHCHILDREN* below = p->pathAt->node.children;
     return below != nullptr &&
@@ -254,7 +255,7 @@ bool pathIs(const PATHNODE* node, QVStrSize len, std::string_view path) {
         const QVStrSize begin = node->textLen - node->nameLen - 1;
         if (begin < len && (path[static_cast<std::size_t>(begin)] != kSep ||
                             firstOf(nameOf(node), static_cast<std::size_t>(len - begin - 1)) !=
-                                firstOf(behind(path, static_cast<std::size_t>(begin + 1)),
+                                firstOf(after(path, static_cast<std::size_t>(begin + 1)),
                                         static_cast<std::size_t>(node->nameLen)))) {
             return false;
         }
@@ -263,9 +264,9 @@ bool pathIs(const PATHNODE* node, QVStrSize len, std::string_view path) {
 }
 
 std::string_view lastComponent(const PATHNODE* node) {
-    const std::string_view label = node->parent == nullptr ? behind(kRoot, 1) : nameOf(node);
+    const std::string_view label = node->parent == nullptr ? after(kRoot, 1) : nameOf(node);
     const std::size_t sep = label.rfind(kSep);
-    return sep == std::string_view::npos ? label : behind(label, sep + 1);
+    return sep == std::string_view::npos ? label : after(label, sep + 1);
 }
 
 bool sameParent(JMAP_PRIVATE* p, const PATHNODE* a, const PATHNODE* b) {
@@ -273,8 +274,8 @@ bool sameParent(JMAP_PRIVATE* p, const PATHNODE* a, const PATHNODE* b) {
     if (len != parentLenOf(b)) {
         return false;
     }
-    // Nodes of one parent differ in their labels only, which end behind the common length unless
-    // there are separators in them.
+    // Nodes of one parent differ in their last labels only, which come after the common length
+    // unless there are separators in them.
     if (a->parent == b->parent && a->parent != nullptr && len == a->parent->node.textLen) {
         return true;
     }
@@ -285,12 +286,12 @@ bool sameParent(JMAP_PRIVATE* p, const PATHNODE* a, const PATHNODE* b) {
 const PATHNODE* mostPathsBelow(JMAP_PRIVATE* p, uint64_t* count) {
     const PATHBRANCH* at = &p->pathRoot;
     *count = p->pathNodes;
-    auto* before = poolNew<uint64_t>(p->cpool, p->labelMaxesSize + 1);  // seen above, by depth
+    auto* before = poolNew<uint64_t>(p->cpool, p->labelMaxesSize + 1);  // paths seen, by depth
     if (before == nullptr) {
         return &at->node;
     }
-    // Innermost first: the first one that more than half lie below is the answer.  At the latest it
-    // is the root.
+    // Innermost first: the first label with more than half below it is the answer.  The root is the
+    // last one tried, and always has them.
     for (uint64_t seen = 0;;) {
         before[at->node.labels] = seen;
         seen += elementsBelow(at);
@@ -312,7 +313,7 @@ const PATHNODE* mostPathsBelow(JMAP_PRIVATE* p, uint64_t* count) {
         at = at->sibling;
         ++seen;
     }
-    (void)poolFree(p->cpool, before);  // else it goes with the pool
+    (void)poolFree(p->cpool, before);  // on failure it is freed with the pool
     return &at->node;
 }
 
@@ -320,13 +321,13 @@ const PATHNODE* mostPathsBelow(JMAP_PRIVATE* p, uint64_t* count) {
 
 namespace {
 
-// In front of each head in its piece.
+// Precedes each head in its piece.
 struct HEADOWNER {
     PATHNODE* node;
     QVStrSize size;  // bytes from this to the next
 };
 
-// Takes their heads from the nodes of a piece.
+// Empties a piece: the nodes whose heads are in it have none from now on.
 void emptyPiece(HEADSTORE* store, int piece) {
     char* at = store->pieces[piece];
     for (char* const end = at + store->used[piece]; at < end;) {

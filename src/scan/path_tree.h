@@ -1,17 +1,18 @@
-// The tree of known paths: what the scan has learnt about the document's shape.
+// The tree of known paths: one node for each distinct path of the document so far.
 //
-// `pathAt` is the node of the labels on the stack.  Documents repeat themselves, so each node
-// remembers which child came after which; a guess that holds costs one comparison.  A node with
-// many members is looked up by hash.
+// `pathAt` is the node of the labels on the nesting stack.  Documents repeat themselves, so each
+// node remembers which child came next the last time.  When the same one comes again, finding it
+// costs one comparison.  The members of a node with many members are looked up by hash.
 //
-// A node that comes back gets a head: the bytes of its marker's record and a blank, so that a
-// record is the head, patched, and the value.  Not on first use: of a million paths that occur once
-// none would be used.  Heads have a fixed room (HEADSTORE), in which later ones replace earlier
-// ones; without a head of its own a node has that of its parent, and its name behind it.
+// A node that occurs again gets a head: the bytes of its marker's record and a blank.  A record is
+// then a copy of the head, with a few fields patched, and the value.  The first occurrence makes no
+// head, since a document may have millions of paths that occur once.  Heads have a fixed store
+// (HEADSTORE), in which new heads replace the oldest.  A node without a head takes that of its
+// parent and adds its own name.
 //
-// The node of a path knows its statistics.  That two nodes have the same text is rare (a label with
-// a separator in it, a member named as an element is); from the first time that it might happen on,
-// paths are looked up by text as well.
+// A node points to the statistics of its path.  Two nodes rarely have the same text: it needs a
+// label with a separator in it, or a member that is named as an element is.  From the first time
+// that this may have happened paths are also looked up by text.
 //
 // Tested by tests/scan/path_tree_test.cpp
 #pragma once
@@ -26,13 +27,13 @@
 
 namespace jmap {
 
-// Heads are copied by so many bytes, and readable so far.  One step does for most: a loop over
-// shorter ones cannot be foretold.
+// Heads are copied in steps of this many bytes, and padded so that the last step may read past
+// their end.  Most heads take one step, so the branch of the loop is predicted well.
 inline constexpr QVStrSize kHeadStep = 64;
 
-inline constexpr QVStrSize kHeadPieceBytes = 65536;  // of a HEADSTORE: 8 MiB in all
+inline constexpr QVStrSize kHeadPieceBytes = 65536;  // one piece of a HEADSTORE, 8 MiB in all
 
-// What elements of an array without a member name are named after.
+// The base name of the elements of an array without a member name.
 inline constexpr std::string_view kPlainBase = "element";
 
 [[nodiscard]] inline std::string_view nameOf(const PATHNODE* node) noexcept {
@@ -45,10 +46,10 @@ inline constexpr std::string_view kPlainBase = "element";
                                          offsetof(PATHBRANCH, node));
 }
 
-// Empties the tree and stands at its root.
+// Begins an empty tree, with `pathAt` at its root.
 void startPathTree(JMAP_PRIVATE* p);
 
-// The member of `at` with that name if it is the one that is expected next, else null.
+// The member of `at` that is expected next, if it has that name; else null.
 [[nodiscard]] inline PATHNODE* expectedMember(const PATHBRANCH* at,
                                               std::string_view name) noexcept {
     PATHNODE* expected = at->lastMember == nullptr ? nullptr : at->lastMember->node.follower;
@@ -58,9 +59,9 @@ void startPathTree(JMAP_PRIVATE* p);
 // The member of `pathAt` with that name, made when there is none.  Null without memory.
 [[nodiscard]] PATHNODE* memberNode(JMAP_PRIVATE* p, std::string_view name);
 
-// Element `number` of `at`, when it is known and comes after the last one or is the first; else
+// Element `number` of `at`, when it is known and is the first one or follows the last one; else
 // null.
-//   plain  its name is not made from the label but is "element" and the number
+//   plain  it is named "element" and the number, not after a label
 [[nodiscard]] inline PATHNODE* expectedElement(const PATHBRANCH* at, bool plain,
                                                int64_t number) noexcept {
     const PATHCHILDREN* below = at->node.children;
@@ -74,32 +75,32 @@ void startPathTree(JMAP_PRIVATE* p);
                                                                                          : nullptr;
 }
 
-// The same, made when there is none.  An element that neither is the first nor comes after the last
-// one is found as a member of its name.  Null without memory.
+// The same, made when there is none.  An element that is neither the first nor follows the last one
+// is treated as a member of that name.  Null without memory.
 [[nodiscard]] PATHNODE* elementNode(JMAP_PRIVATE* p, bool plain, int64_t number,
                                     std::string_view name);
 
 // ---- Paths ----
 //
-// The path of a node, or the first `len` bytes of it: a table's path and what an ordinal counts are
-// the beginning of a column's path.
+// No node stores its path.  These routines build the path of `node`, or its first `len` bytes: the
+// path of a table, or of an ordinal, is the beginning of the path of a column.
 
-// Writes it to `to`.
+// Writes the path to `to`.
 void writePath(const PATHNODE* node, QVStrSize len, char* to);
 inline void writePath(const PATHNODE* node, char* to) {
     writePath(node, node->textLen, to);
 }
 
-// The text in `pathScratch`, valid until the next call; a null view without memory.
+// The path in `pathScratch`, valid until the next call; a null view without memory.
 [[nodiscard]] std::string_view pathText(JMAP_PRIVATE* p, const PATHNODE* node, QVStrSize len);
 
-// Whether it is `path`.
+// Whether the path is `path`.
 [[nodiscard]] bool pathIs(const PATHNODE* node, QVStrSize len, std::string_view path);
 
 // The last component of the path: what follows its last separator.
 [[nodiscard]] std::string_view lastComponent(const PATHNODE* node);
 
-// Bytes in front of that separator.
+// Bytes before that separator.
 [[nodiscard]] inline QVStrSize parentLenOf(const PATHNODE* node) {
     return node->textLen - lengthOf(lastComponent(node)) - 1;
 }
@@ -107,7 +108,7 @@ inline void writePath(const PATHNODE* node, char* to) {
 // Whether both paths differ in their last component at most.
 [[nodiscard]] bool sameParent(JMAP_PRIVATE* p, const PATHNODE* a, const PATHNODE* b);
 
-// The label below which more than half of all paths lie, the innermost one.  `*count` of them do.
+// The innermost label that has more than half of all paths below it.  `*count`: how many.
 [[nodiscard]] const PATHNODE* mostPathsBelow(JMAP_PRIVATE* p, uint64_t* count);
 
 // ---- Heads ----
@@ -117,8 +118,8 @@ inline void writePath(const PATHNODE* node, char* to) {
     return kRecordFixedBytes + node->labels + node->textLen + 1;
 }
 
-// Gives the node a head.  False when it stays without: there is no memory, it is longer than a
-// piece, or every record has notes.
+// Gives the node a head.  False when it gets none: there is no memory, the head is longer than a
+// piece, or debug switches ask for notes on every record.
 [[nodiscard]] bool makeHead(JMAP_PRIVATE* p, PATHNODE* node);
 
 }  // namespace jmap

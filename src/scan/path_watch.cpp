@@ -16,7 +16,7 @@ PATHWATCH** listOf(const JMAP_PRIVATE* p, std::string_view path) {
     return p->watches + hashOf(p->hashSeed, path) % kLists;
 }
 
-// Of the records that have come, without placeholders.
+// The number of records of a path so far, without placeholders.
 int64_t valuesOf(const PATHINFO* info) {
     int64_t count = 0;
     for (const PATHKIND* kind = &info->kinds; kind != nullptr; kind = kind->next) {

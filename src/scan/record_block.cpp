@@ -1,5 +1,4 @@
-// Blocks of the record stream: closed, perhaps deflated, kept in memory or in the cache file, and
-// loaded back one at a time.
+// Blocks of the record stream.
 //
 // Tested by tests/scan/record_block_test.cpp
 #include "record_block.h"
@@ -25,13 +24,14 @@ constexpr int kMethodDeflated = 8;
 constexpr int kRawWindowBits = -15;
 constexpr int kMemLevel = 8;
 constexpr int kStrategyDefault = 0;
-constexpr double kOutputSlack = 1.3;  // output buffer over the bound, so that it seldom grows
+constexpr double kOutputSlack = 1.3;  // times the bound: the output buffer seldom grows
 
 constexpr std::u32string_view kFileModule = U"qvioe";
 constexpr std::string_view kFileDesc = "json cache file";
 
-// Asks for the memory still free and decides whether this block and all later ones are spilled.
-// Kept: a query that fails decides nothing; its status becomes that of an uncompressed block.
+// Asks how much memory is free, and decides whether this block and all later ones are spilled.
+// Kept: when the query fails, blocks stay where they went before.  An uncompressed block then
+// returns the status of the query, although it is stored.
 QVStatus checkMemory(JMAP_PRIVATE* p) {
     QVHndlp host = qvGlobalHandle();
     uint64_t available = UINT64_MAX;
@@ -117,7 +117,7 @@ QVStatus openCacheFile(JMAP_PRIVATE* p, int32_t mode, QVIOFileh* file) {
     return QV_OK;
 }
 
-// Makes the open block the stored one, and a new one the open block.
+// Stores the open block as it is, without a copy, and allocates a new open block.
 QVStatus handOver(JMAP_PRIVATE* p, COMPPATHS* n) {
     char* open = poolBytes(p->cpool, kBlockBytes);
     if (open == nullptr) {
@@ -149,7 +149,7 @@ QVStatus readBlock(JMAP_READPRIVATE* rp, COMPPATHS* n) {
     char* buf = nullptr;
     QVStrSize bufLen = 0;
     QV_TRY(rp->rfp->read(rp->rfp, &buf, &bufLen));
-    // Anything but the block would be taken for records: never.
+    // Other bytes would be read as records, so check.
     if (bufLen != n->bufLen) {
         return QV_IO_SHORT;
     }
@@ -164,13 +164,13 @@ QVStatus inflateBlock(JMAP_READPRIVATE* rp, const COMPPATHS* n, char* outbuf) {
     QVZLIBh zlib = rp->p->zlibh;
     QVZStream* z = &rp->z;
     *z = {};
-    (void)zlib->inflateInit2(z, kRawWindowBits);  // inflate fails when this did
+    (void)zlib->inflateInit2(z, kRawWindowBits);  // if this fails, inflate fails
     z->next_in = reinterpret_cast<const uint8_t*>(n->buf);
     z->avail_in = static_cast<uint32_t>(n->bufLen);
     z->next_out = reinterpret_cast<uint8_t*>(outbuf);
     z->avail_out = static_cast<uint32_t>(kBlockBytes);
     if (zlib->inflate(z, QVZ_FINISH) != QVZ_STREAM_END) {
-        (void)zlib->inflateEnd(z);  // the failure stands, whatever it says
+        (void)zlib->inflateEnd(z);  // the first failure is returned
         myLogNote(rp->p, U"rc not Z_STREAM_END in uncompressPathBuffer");
         return QV_NOMEM;
     }
@@ -182,13 +182,13 @@ QVStatus inflateBlock(JMAP_READPRIVATE* rp, const COMPPATHS* n, char* outbuf) {
     return zlib->inflateEnd(z);
 }
 
-// Turns the open block into a closed one.
+// Closes the open block.
 QVStatus closeBlock(JMAP_PRIVATE* p) {
     std::string_view stored = view(p->cBuf, p->cBufi);
     if (p->compress) {
         QV_TRY(deflateBlock(p, &stored));
     }
-    // Kept: counted before the block is kept, so the totals include a block that is then lost.
+    // Kept: counted before the block is stored, so the totals include a block that is then lost.
     p->uncompressedPathBytes += static_cast<uint64_t>(p->cBufi);
     p->compressedPathBytes += stored.size();
     if (p->debugCompression) {
@@ -234,7 +234,7 @@ QVStatus compressPathBuffer(JMAP_PRIVATE* p) {
 
 QVStatus uncompressPathBuffer(JMAP_READPRIVATE* rp, COMPPATHS* n, char* outbuf) {
     if (n->onDisk) {
-        // After a failure nobody knows which block the file would give next.
+        // After a failure the position in the file is unknown, so no further block is read.
         if (rp->rfpStatus == QV_OK) {
             rp->rfpStatus = readBlock(rp, n);
         }

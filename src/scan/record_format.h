@@ -1,4 +1,4 @@
-// The bytes of a record: the one description that writer, reader and tools share.
+// The bytes of a record.  Writer, reader and tools share this one description.
 //
 // Records lie back to back in a block, without alignment or padding, integers in machine order.
 //

@@ -1,7 +1,7 @@
-// The record stream: every value and container marker of the document as one compact record.
+// The record stream: one compact record for every value and every container marker.
 //
-// A record of a path that is known and has a head is the head, patched, and the value.  Every other
-// one is put together in `path` first.
+// A record of a known path is a copy of its head (or of the parent's head and the name), patched,
+// and the value.  All other records are built in `path` first.
 //
 // Tested by tests/scan/record_stream_test.cpp
 #include "record_stream.h"
@@ -68,7 +68,7 @@ void copyHead(char* to, const char* head, QVStrSize headLen) {
     }
 }
 
-// Writes what would be the head of `node` from that of its parent.
+// Writes the head that `node` would have, from the head of its parent.
 [[gnu::noinline]] void putHeadFromParent(const PATHNODE* node, char* to) {
     const PATHNODE* parent = &node->parent->node;
     const QVStrSize lensEnd = static_cast<QVStrSize>(sizeof node->labels) + parent->labels;
@@ -85,8 +85,8 @@ void copyHead(char* to, const char* head, QVStrSize headLen) {
     to[node->nameLen] = ' ';
 }
 
-// Once the store of heads is full, a new head takes the place of others: only what comes often gets
-// one.  A parent has many children.
+// Whether to make a head.  When the store is full, a new head replaces others, so only a path that
+// occurs often gets one; the head of its parent serves many children.
 bool deservesHead(const JMAP_PRIVATE* p, const PATHNODE* node) {
     constexpr int64_t kOften = 16;
     return !p->heads.full || node->info == nullptr || node->info->count % kOften == 0;
@@ -100,8 +100,8 @@ bool deservesHead(const JMAP_PRIVATE* p, const PATHNODE* node) {
     return parent != nullptr && (parent->node.head != nullptr || makeHead(p, &parent->node));
 }
 
-// Whether the head of `node` can be written: there is one, or one of its parent, and the block has
-// room to spare.
+// Whether a record can be written by head: the node or its parent has one, and the block has room
+// to spare.
 bool headReady(JMAP_PRIVATE* p, PATHNODE* node, QVStrSize valLen) {
     static_assert(2 * kHeadStep > kRecordRoomBytes);
     return p->cBufi + headLenOf(node) + valLen + 2 * kHeadStep <= kBlockBytes &&
@@ -158,7 +158,7 @@ QVStatus recordValue(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value, VA
     if (recordKnown(p, node, value, type)) [[likely]] {
         return QV_OK;
     }
-    // A label "" leaves no trace in the text: its values are those of the path in front of it.
+    // A label "" does not show in the text: its values count for the path before it.
     PATHNODE* place = node->nameLen != 0 ? node : &node->parent->node;
     return generatePathVariableString(p, place, nameOf(node), value, type);
 }
@@ -172,8 +172,8 @@ QVStatus generatePathVariableString(JMAP_PRIVATE* p, PATHNODE* node, std::string
         noteRecord(p, !name.empty(), valLen);
     }
     ++p->pathCount;
-    // The name counts as a label, with the length that its depth still has in `labelCurLens`.
-    // Kept: for "FAKE" that is the length of the label last seen at that depth, or 0.
+    // The name counts as a label, with the length that `labelCurLens` has for its depth.
+    // Kept: for "FAKE" this is the length of the label last seen at that depth, or 0.
     p->labelCount += name.empty() ? 0 : 1;
     const QVStatus rc =
         processPathVariableString(p, node, view(p->path.str, p->path.len), valLen, type);
@@ -185,7 +185,7 @@ QVStatus processPathVariableString(JMAP_PRIVATE* p, PATHNODE* node, std::string_
                                    QVStrSize valLen, VALTYPE type) {
     const QVStrSize need = lengthOf(path) + p->labelCount + kRecordRoomBytes;
     if (need >= kBlockBytes) [[unlikely]] {
-        return QV_NOMEM;  // no block could hold it: a very long name or number
+        return QV_NOMEM;  // no block can hold it: a very long name or number
     }
     if (need + p->cBufi >= kBlockBytes) [[unlikely]] {
         QV_TRY(compressPathBuffer(p));
@@ -196,7 +196,7 @@ QVStatus processPathVariableString(JMAP_PRIVATE* p, PATHNODE* node, std::string_
         return QV_OK;
     }
     const std::size_t pathLen = path.size() - static_cast<std::size_t>(valLen) - 1;
-    return insertPathInfo(p, node, firstOf(path, pathLen), type, behind(path, pathLen + 1));
+    return insertPathInfo(p, node, firstOf(path, pathLen), type, after(path, pathLen + 1));
 }
 
 }  // namespace jmap

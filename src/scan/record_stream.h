@@ -1,4 +1,4 @@
-// The record stream: every value and container marker of the document as one compact record.
+// The record stream: one compact record for every value and every container marker.
 //
 // The bytes of a record are described in record_format.h.
 //
@@ -26,8 +26,8 @@ namespace jmap {
 [[nodiscard]] QVStatus recordValue(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value,
                                    VALTYPE type);
 
-// Does the same for a path that has had a value.  False when nothing has been done, since there is
-// more to it.
+// The same, faster, for a path that has had a value.  False when it does not apply; nothing has
+// been done then.
 [[nodiscard]] bool recordKnown(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value,
                                VALTYPE type);
 

@@ -113,7 +113,7 @@ TEST(Checksum, IsAnotherForAnyBitThatChangesAndForAnyLength) {
 }
 
 static_assert(firstOf("abc", 2) == "ab" && firstOf("abc", 4) == "abc");
-static_assert(behind("abc", 2) == "c" && behind("abc", 4).empty());
+static_assert(after("abc", 2) == "c" && after("abc", 4).empty());
 
 }  // namespace
 }  // namespace jmap::test
