@@ -57,7 +57,7 @@ QVStatus doAlldataDsinfo(JMAP_PRIVATE* p, MAP* m) {
     ds->nameLen = std::min(lengthOf(name), static_cast<QVStrSize>(sizeof ds->name));
     std::copy_n(name.data(), ds->nameLen, ds->name);
 
-    // Kept: the lengths of the numeric columns mean nothing.
+    // Kept: P has length 0 and V that of the longest value, as notes show.  Neither means anything.
     const auto valueLength = static_cast<uint64_t>(p->valueMaxLen);
     QV_TRY(addColumn(p, "P", VAR_DOUBLE, 0));
     QV_TRY(addLabelColumns(p));

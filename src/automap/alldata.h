@@ -1,4 +1,5 @@
-// The ALLDATA table: a row for every value of the document, its path spread over label columns.
+// The ALLDATA table: a row for every value of the document, with a column for each label of its
+// path.
 //
 //     P       number of labels                 numeric
 //     P1 ...  the labels, outermost first      character, one for each level of the deepest path
@@ -12,9 +13,9 @@
 
 namespace jmap {
 
-// Lays the table out from the label statistics and stores it in `alldataDs`, in no map; `m` is not
-// used.
-//   Kept: `alldataDs` is set at once, so after a failure it points to a table with fewer columns.
+// Makes the table from the label statistics and stores it in `alldataDs`.  It is in no map; `m` is
+// not used.
+//   Kept: `alldataDs` is set first, so after a failure it points to a table with fewer columns.
 // Returns QV_OK, QV_NOMEM, or a status of the host's formatting or transcoding.
 [[nodiscard]] QVStatus doAlldataDsinfo(JMAP_PRIVATE* p, MAP* m);
 

@@ -19,7 +19,7 @@ namespace {
 
 constexpr int32_t kFirstSuffix = 2;
 
-// The place of a name: that of the column which has it, in any case, or the empty one for it.
+// The slot of a name: that of the column that has it, in any case, or the empty one to put it in.
 COLUMNSLOT& slotOf(const JMAP_PRIVATE* p, const COLUMNNAMES& names,
                    std::string_view name) noexcept {
     char upper[kNameMax];
@@ -53,7 +53,7 @@ bool isTaken(const JMAP_PRIVATE* p, VARINFO* inl, const COLUMNNAMES& names,
 
 void indexColumn(const JMAP_PRIVATE* p, const VARINFO& column, COLUMNNAMES& names) noexcept {
     if (column.nameLen > kNameMax) {
-        return;  // an ordinal with a suffix: longer than any name that is looked for
+        return;  // an ordinal with a suffix: longer than any name that is looked up
     }
     COLUMNSLOT& slot = slotOf(p, names, nameOf(column));
     if (slot.column == nullptr) {
@@ -62,7 +62,7 @@ void indexColumn(const JMAP_PRIVATE* p, const VARINFO& column, COLUMNNAMES& name
     }
 }
 
-// Makes room for that many names; false, with the set as it was, when it cannot be.
+// Grows the set to `wanted` names.  False without memory: the set is as it was.
 [[nodiscard]] bool grow(JMAP_PRIVATE* p, COLUMNNAMES& names, uint64_t wanted) noexcept {
     const COLUMNNAMES old = names;
     names.size = std::bit_ceil(3 * wanted);
@@ -81,7 +81,7 @@ void indexColumn(const JMAP_PRIVATE* p, const VARINFO& column, COLUMNNAMES& name
         }
         names.slots[at & (names.size - 1)] = old.slots[i];
     }
-    (void)poolFree(p->cpool, old.slots);  // otherwise it goes with the pool
+    (void)poolFree(p->cpool, old.slots);  // on failure it is freed with the pool
     return true;
 }
 
@@ -95,7 +95,7 @@ QVStatus makeZULVariable(JMAP_PRIVATE* p, char* s, QVStrSize* insLen, VARINFO* i
     if (!isTaken(p, inl, names, view(s, baseLen))) {
         return QV_OK;
     }
-    // Names are never given back, so numbers once found taken need not be looked at again.
+    // Names are never removed, so a number that is taken once need not be tried again.
     COLUMNSLOT* const base = names.slots != nullptr ? &slotOf(p, names, view(s, baseLen)) : nullptr;
     int32_t suffix = base != nullptr && base->nextSuffix != 0 ? base->nextSuffix : kFirstSuffix;
     do {
@@ -133,7 +133,7 @@ void indexLastColumn(JMAP_PRIVATE* p, DSINFO* ds, COLUMNNAMES& names) noexcept {
 }
 
 void endColumnNames(JMAP_PRIVATE* p, COLUMNNAMES& names) noexcept {
-    (void)poolFree(p->cpool, names.slots);  // otherwise it goes with the pool
+    (void)poolFree(p->cpool, names.slots);  // on failure it is freed with the pool
     names = {};
 }
 

@@ -24,8 +24,8 @@ QVStatus doMapping(JMAP_PRIVATE* p) {
     map->mtype = AUTO_MAP;
     uint64_t tables = 0;
     for (PATHINFO& info : each(p->pathInfoHead)) {
-        // Kept: a table that fails is left out, which is counted and nothing else.  One observes a
-        // map without it, and perhaps a gap in the numbers behind its name.
+        // Kept: a table that fails is left out and counted, with no status.  One can observe a map
+        // without it, and perhaps a gap in the numbers of tables of its name.
         if (info.processed) {
             continue;
         }

@@ -8,11 +8,12 @@
 
 namespace jmap {
 
-// Builds the automatic map, once, when the scan has ended.  `automap` is set at once and filled
-// table by table.
-//   Returns QV_NOMEM when the map itself cannot be had (`automap` stays null), else the status of
-//   the ALLDATA step.  Kept: a table that fails in any step is left out silently and the walk goes
-//   on; its name stays counted and its paths may stay taken.
+// Builds the automatic map, once, after the scan.  `automap` is set first and filled table by
+// table.
+//   Returns QV_NOMEM when the map itself cannot be allocated (`automap` stays null), the status of
+//   a guard that ends the scan, else the status of the ALLDATA step.
+//   Kept: a table that fails in any step is left out, and only `droppedTables` tells.  Its name
+//   stays counted, and its paths may stay taken.
 [[nodiscard]] QVStatus doMapping(JMAP_PRIVATE* p);
 
 // Builds the table that starts at the path `n` and appends it to `m`.  Returns the status of the
@@ -20,8 +21,8 @@ namespace jmap {
 [[nodiscard]] QVStatus doDataset(JMAP_PRIVATE* p, MAP* m, PATHINFO* n);
 
 // Sets the table path of a table whose columns are in place: the parent of its last column's path.
-//   Kept: a table of ordinals only takes its last ordinal's parent, so its table path is the parent
-//   of the object it counts.
+//   Kept: a table that has only ordinals gets the parent of its last ordinal's path, so its table
+//   path is the parent of the object that the ordinal counts.
 // Returns QV_OK or QV_NOMEM.
 [[nodiscard]] QVStatus doTablePath(JMAP_PRIVATE* p, DSINFO* ds);
 

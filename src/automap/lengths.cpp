@@ -1,4 +1,4 @@
-// Completing a user map from the automatic map of the same document.
+// Completes a user map from the automatic map of the same document.
 //
 // Tested by tests/automap/lengths_test.cpp
 #include "lengths.h"
@@ -14,9 +14,9 @@
 namespace jmap {
 namespace {
 
-constexpr uint64_t kMostColumns = uint64_t{1} << 31;  // columns are told in 32 bits
+constexpr uint64_t kMostColumns = uint64_t{1} << 31;  // references have 32 bits
 
-// A column of the automatic map.  Columns are told by their rank in the map plus 1; 0: none.
+// A column of the automatic map.  A reference to one is its position in the map plus 1; 0: none.
 struct AUTOCOLUMN {
     const VARINFO* column;
     const DSINFO* ds;
@@ -24,10 +24,10 @@ struct AUTOCOLUMN {
     uint32_t next;  // column of the same bucket, in map order
 };
 
-// The columns of the automatic map by their path.
+// Index of the columns of the automatic map by path.
 struct AUTOINDEX {
     AUTOCOLUMN* columns;
-    uint32_t* buckets;  // [mask + 1] the first column whose path's hash ends in this number
+    uint32_t* buckets;  // [mask + 1] by the low bits of the hash of a path: the first column
     uint32_t mask;
 };
 
@@ -102,7 +102,7 @@ void noteInformat(JMAP_PRIVATE* p, const VARINFO& column, const DSINFO& ds) {
     return true;
 }
 
-// Settles the length of a user's column with that of an automatic one of the same path.
+// Sets the length of a user's column from an automatic column of the same path.
 void settleLength(JMAP_PRIVATE* p, VARINFO& column, const DSINFO& ds, uint64_t autoLength,
                   const DSINFO& autoDs) noexcept {
     if (column.length == 0) {
@@ -118,7 +118,7 @@ void settleLength(JMAP_PRIVATE* p, VARINFO& column, const DSINFO& ds, uint64_t a
     column.user->currentLength = autoLength;
 }
 
-// With each table in turn that has the path, by its first column of that path.
+// Does so for each table that has the path, with its first column of that path.
 void settleByIndex(JMAP_PRIVATE* p, VARINFO& column, const DSINFO& ds,
                    const AUTOINDEX& index) noexcept {
     const std::string_view path = view(column.path, column.pathLen);
@@ -134,7 +134,8 @@ void settleByIndex(JMAP_PRIVATE* p, VARINFO& column, const DSINFO& ds,
     }
 }
 
-// The same without an index: slow, but a length left out would cut values.
+// The same without an index, when there is no memory for one.  Slow, but without a length values
+// would be cut.
 void settleBySearch(JMAP_PRIVATE* p, VARINFO& column, const DSINFO& ds) noexcept {
     const std::string_view path = view(column.path, column.pathLen);
     for (const DSINFO& autoDs : each(p->automap->dshead)) {
@@ -164,9 +165,9 @@ void settleBySearch(JMAP_PRIVATE* p, VARINFO& column, const DSINFO& ds) noexcept
 
 }  // namespace
 
-// Kept: a path that several automatic tables have is settled with each of them in turn, so that the
-// last one's length is the current length, and a length taken from the first may be marked as
-// cutting by another.
+// Kept: when several automatic tables have the path, each of them is compared in turn.  The current
+// length is then that of the last one.  A length taken from the first may be marked as cutting,
+// because another one is longer.
 void getAutomapLengths(JMAP_PRIVATE* p) {
     if (p->usermap == nullptr || p->automap == nullptr) {
         return;
@@ -185,7 +186,7 @@ void getAutomapLengths(JMAP_PRIVATE* p) {
             }
         }
     }
-    (void)poolFree(p->cpool, index.columns);  // otherwise they go with the pool
+    (void)poolFree(p->cpool, index.columns);  // on failure they are freed with the pool
     (void)poolFree(p->cpool, index.buckets);
 }
 

@@ -1,4 +1,4 @@
-// Completing a user map from the automatic map of the same document.
+// Completes a user map from the automatic map of the same document.
 //
 // Tested by tests/automap/lengths_test.cpp
 #pragma once
@@ -8,8 +8,8 @@
 namespace jmap {
 
 // Compares the character columns of the user map with the columns of the same path in the automatic
-// map: takes over lengths that were not given, marks lengths that cut.  Without either map nothing
-// happens.
+// map.  Copies the lengths that the user did not give, and marks the lengths that cut values.
+// Without either map nothing happens.
 void getAutomapLengths(JMAP_PRIVATE* p);
 
 // Lists the character columns of a map that have an informat, in map order, so that the caller can

@@ -41,7 +41,7 @@ void dumpColumn(JMAP_PRIVATE* p, const VARINFO& column) {
 }
 
 // The kind line of the long dump.
-//   Kept: a placeholder shows as an ordinal.
+//   Kept: a placeholder is shown as an ordinal.
 const QVChar* kindLine(VARTYPE type) noexcept {
     switch (type) {
         case VAR_CHAR:
@@ -99,7 +99,7 @@ QVStatus dumpMap2(JMAP_PRIVATE* p, MAP* m, const char* who) {
     myLogNote(p, U"%hs MAP DUMP", who);
     for (const DSINFO& ds : each(m->dshead)) {
         const std::string_view name = nameOf(ds);
-        // Kept: a table without columns has the singular.
+        // Kept: a table without columns is noted with "variable" in the singular.
         myLogNote(p, U" dataset     [%.*hs] %ld variable%hs", noteLen(lengthOf(name)), name.data(),
                   static_cast<long>(ds.varcount), ds.varcount >= 2 ? "s" : "");
         for (const VARINFO& column : each(ds.vhead)) {

@@ -15,7 +15,7 @@ namespace jmap {
 namespace {
 
 constexpr uint64_t kFirstSize = 64;
-constexpr uint64_t kMostSize = uint64_t{1} << 31;  // positions are told in 32 bits
+constexpr uint64_t kMostSize = uint64_t{1} << 31;  // positions have 32 bits
 
 // The tables that are not indexed.
 [[nodiscard]] auto restOf(const MAP& map) noexcept {
@@ -23,7 +23,7 @@ constexpr uint64_t kMostSize = uint64_t{1} << 31;  // positions are told in 32 b
     return each(index.count == 0 ? map.dshead : index.slots[index.count - 1].ds->next);
 }
 
-// The same for names that differ in case only.
+// A hash of a name that does not depend on case.
 [[nodiscard]] uint32_t hashInAnyCase(const JMAP_PRIVATE* p, std::string_view name) noexcept {
     char upper[sizeof(DSINFO::name)];
     upperName(upper, name);
@@ -48,7 +48,7 @@ void link(const MAPINDEX& index, uint64_t position) noexcept {
     *end = static_cast<uint32_t>(position + 1);
 }
 
-// Makes room for twice as many tables; false, and nothing changes, when that cannot be.
+// Doubles the room for tables.  False without memory: nothing has changed.
 [[nodiscard]] bool grow(JMAP_PRIVATE* p, MAPINDEX& index) noexcept {
     const uint64_t size = std::max(kFirstSize, 2 * index.size);
     if (size > kMostSize) {
@@ -57,7 +57,7 @@ void link(const MAPINDEX& index, uint64_t position) noexcept {
     auto* slots = poolNew<MAPSLOT>(p->cpool, static_cast<QVStrSize>(size));
     auto* buckets = poolNew<uint32_t>(p->cpool, static_cast<QVStrSize>(size));
     if (slots == nullptr || buckets == nullptr) {
-        (void)poolFree(p->cpool, slots);  // otherwise they go with the pool, here and below
+        (void)poolFree(p->cpool, slots);  // on failure they are freed with the pool
         (void)poolFree(p->cpool, buckets);
         return false;
     }
@@ -83,7 +83,7 @@ void link(const MAPINDEX& index, uint64_t position) noexcept {
     return true;
 }
 
-// Brings the index up to date, as far as memory goes, when many tables are not in it.
+// Adds the missing tables when there are many, as far as there is memory.
 void update(JMAP_PRIVATE* p, MAP& map) noexcept {
     if (isRestShort(map)) {
         return;

@@ -27,8 +27,8 @@ bool isDigit(char c) noexcept {
 }
 
 // Shortens the two parts of a joined name until, with the underscore, they fill kJoinedMax bytes.
-//   Kept: when the longer part is longer than the excess it alone pays all of it, even if it ends
-//   shorter than the other: 28 and 28 bytes become 1 and 28.
+//   Kept: when the longer part is longer than the excess, it alone is cut, even if it becomes the
+//   shorter one: 28 and 28 bytes become 1 and 28.
 void fitParts(QVStrSize& aLen, QVStrSize& bLen) noexcept {
     QVStrSize excess = aLen + bLen - (kJoinedMax - 1);
     if (excess <= 0) {
@@ -77,8 +77,8 @@ QVStatus addDsName(JMAP_PRIVATE* p, std::string_view name, std::string_view unam
     return p->dsNameHash->insert(p->dsNameHash, entry->uname, entry->nameLen, entry);
 }
 
-// Puts a running number behind the name.  A number of more than two digits takes its further digits
-// from the end of the name.
+// Appends a running number to the name.  The third digit and further ones replace the last bytes of
+// the name.
 QVStatus addSuffix(JMAP_PRIVATE* p, DSINFO* ds, int32_t number) {
     char digits[kNumberMax];
     QVStrSize digitCount = 0;

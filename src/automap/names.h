@@ -32,8 +32,8 @@ void upperName(char* out, std::string_view name) noexcept;
 [[nodiscard]] QVStrSize candidateDsName(JMAP_PRIVATE* p, std::string_view path, char* out) noexcept;
 
 // Names a table after its path, with a running number when the name, in any case, was asked for
-// before.  The number is part of the document's state and never goes back.
-//   Kept: a numbered name is not remembered itself, so it can equal a later table's own name.
+// before.  Numbers only count up, also when a table fails.
+//   Kept: the name with its number is not remembered, so a later table's own name can equal it.
 // Returns QV_OK, QV_NOMEM, or a status of the host's tracker, formatting or transcoding.
 [[nodiscard]] QVStatus uniqueDsName(JMAP_PRIVATE* p, DSINFO* ds, PATHINFO* path);
 

@@ -18,9 +18,8 @@ namespace {
 
 constexpr std::string_view kPrefix = "ordinal_";
 
-// Makes the ordinal that counts `path`, which is the beginning of that of `node`, and puts it in
-// front.
-//   Kept: for an empty last component nothing is made.
+// Makes the ordinal that counts `path`, the beginning of the path of `node`, and puts it first.
+//   Kept: for an empty last component no ordinal is made.
 QVStatus addOrdinal(JMAP_PRIVATE* p, DSINFO* ds, const PATHNODE* node, std::string_view path) {
     const std::string_view last = partsOf(p, path).last;
     if (last.empty()) {
@@ -63,9 +62,9 @@ QVStatus appendCharacter(JMAP_PRIVATE* p, VARINFO& column, char c) {
     return QV_OK;
 }
 
-// Tells equal names apart: each later one of a pair gets one more character.
-//   Kept: the characters count up through the code table, "1" to "9" and then ":", and over all
-//   pairs of the table; case counts; a name can get more than one.
+// Makes equal names differ: the later one of each pair gets one more character.
+//   Kept: each pair of the table takes the next character of the code table: "1" to "9", then ":".
+//   Case counts.  A name can get more than one character.
 QVStatus makeOrdinalsUnique(JMAP_PRIVATE* p, DSINFO* ds) {
     uint8_t next = '1';
     for (const VARINFO& column : each(ds->vhead)) {

@@ -32,8 +32,8 @@ struct PATHPARTS {
     return partsOf(p, path).parent;
 }
 
-// Paths whose text is put together in `pathScratch`: valid until the next call with any of them.
-// Without memory a null view.
+// These build the text of a path in `pathScratch`: it is valid until the next call of any of them.
+// A null view without memory.
 [[nodiscard]] inline std::string_view pathOf(JMAP_PRIVATE* p, const PATHINFO& info) {
     return pathText(p, info.node, info.node->textLen);
 }

@@ -24,7 +24,7 @@ void notePath(JMAP_PRIVATE* p, const QVChar* fmt, const PATHINFO& info) {
     }
 }
 
-// The kinds of the values of a path, a bit each; 0 when one was lost for want of memory.
+// The kinds of the values of a path, one bit each; 0 when one was lost without memory.
 uint8_t kindsOf(const PATHINFO& info) {
     unsigned kinds = 0;
     int64_t count = 0;
@@ -35,10 +35,10 @@ uint8_t kindsOf(const PATHINFO& info) {
     return count == info.count ? static_cast<uint8_t>(kinds) : uint8_t{0};
 }
 
-// The name of a column: most are the label as it stands in the tree.
+// The name of a column.  Most names are a label in the tree, which then need not be copied.
 char* keptName(JMAP_PRIVATE* p, std::string_view label, std::string_view name) {
     if (name == label) {
-        return const_cast<char*>(label.data());  // nobody changes the name of such a column
+        return const_cast<char*>(label.data());  // names of automatic columns are never written
     }
     char* const copy = arenaBytes(&p->pathArena, p->cpool, lengthOf(name));
     if (copy != nullptr) {

@@ -10,8 +10,8 @@ namespace jmap {
 // An empty column of the automatic map.  Null without memory.
 [[nodiscard]] VARINFO* newColumn(JMAP_PRIVATE* p);
 
-// Appends a column for every path of the group from `n` on that lies in the same object as `n`, and
-// marks these paths processed.  Placeholders of empty containers are marked only.
+// Appends a column for `n` and for every later path of the group in the same object, and marks
+// these paths processed.  A placeholder of an empty container is marked, but gets no column.
 // Returns QV_OK, QV_NOMEM, or a status of making a name; columns made so far stay in the table.
 [[nodiscard]] QVStatus doVariables(JMAP_PRIVATE* p, DSINFO* ds, PATHINFO* n);
 

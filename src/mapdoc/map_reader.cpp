@@ -42,7 +42,7 @@ void changeState(JMAP_PRIVATE* p, VSTATE next) {
     }
 }
 
-// The answer to an event that the state does not expect.
+// The status of an event that the state does not expect.
 QVStatus vproblem(JMAP_PRIVATE* p) {
     noteEvent(p, U"IN VPROBLEM");
     if (p->vstate < S_BEGIN || p->vstate > S_END) {
@@ -58,7 +58,7 @@ QVStatus vproblem(JMAP_PRIVATE* p) {
     return row.key == kAnyOf4 ? text.size() == kAnyOf4.size() : text == row.key;
 }
 
-// One step.  The state changes before the action, so that a rejected value has left its state.
+// One step.  The state changes before the action runs, so also when the action rejects the value.
 QVStatus step(JMAP_PRIVATE* p, EVENT event, const TOKEN& token = {}) {
     for (const TRANSITION& row : kTransitions) {
         if (row.state == p->vstate && row.event == event && fits(row, token.text)) {
@@ -71,7 +71,8 @@ QVStatus step(JMAP_PRIVATE* p, EVENT event, const TOKEN& token = {}) {
 
 // ---- The callbacks of the parser ----------------------------------------------------------------
 
-// An event without a token, of length 0: an error stands at the byte before the parser's column.
+// An event without a token (length 0): the place of a mistake is the byte before the parser's
+// column.
 JMAP_PRIVATE* plainEvent(JSNParseCB* cb, const QVChar* note) {
     JMAP_PRIVATE* p = contextOf(cb);
     p->lineminus = 0;
@@ -131,8 +132,8 @@ QVStatus vboolean(JSNParseCB* cb, QVBoolean /*myboo*/) {
     return vproblem(plainEvent(cb, U"---fboolean"));
 }
 
-// Kept: a fraction or an exponent is an integer expected, whatever the state; and a number beyond
-// 64 bits fails before the state is looked at, with the status of the conversion and no code.
+// Kept: a number with a fraction or an exponent gives "integer expected" in every state.  A number
+// beyond 64 bits fails in every state, with the status of the conversion and no code.
 QVStatus vnumber(JSNParseCB* cb, const char* str, QVStrSize length, int32_t flags) {
     JMAP_PRIVATE* p = contextOf(cb);
     const std::string_view text = view(str, length);
@@ -180,7 +181,7 @@ constexpr JSNParseCB kMapCallbacks = {
 
 // ---- Begin and end ------------------------------------------------------------------------------
 
-// The document is called by the new description from now on.
+// Messages use the new description of the document from now on.
 void takeDescription(JMAP_PRIVATE* p, const QVEJMAPMapInitParms* parms) noexcept {
     if (parms == nullptr || parms->descLen <= 0) {
         return;
@@ -195,8 +196,10 @@ void noteParsing(JMAP_PRIVATE* p, const QVChar* fmt) {
     }
 }
 
-// Kept: a parser that cannot be made stays null; the first MapInput then gives QV_NOMEM.
-// Kept: an earlier parser is not ended; the caller calls MapTerm between two maps.
+// Kept: without memory the parser stays null and MapInit succeeds; the first MapInput then gives
+// QV_NOMEM.
+// Kept: an earlier parser is not ended.  Without MapTerm between two maps it lives until the host
+// stops.
 void newParser(JMAP_PRIVATE* p, QVJnlh jnl) {
     const JSNParserParms parms = {
         .textCei = p->inCei,
@@ -227,8 +230,8 @@ void newParser(JMAP_PRIVATE* p, QVJnlh jnl) {
     return QV_OK;
 }
 
-// Kept: `vrc` is that of the last map that had one, so that a map with a mistake in its JSON, read
-// after a map that was rejected, gets the code of that one.
+// Kept: `vrc` is not reset between maps.  When a map is rejected, a later map with a mistake in its
+// JSON gets the code of the rejected one.
 [[nodiscard]] QVStatus report(JMAP_PRIVATE* p, QVStatus rc, ERRORINFO* e) {
     e->line = p->mapParser->line(p->mapParser);
     e->col = p->mapParser->column(p->mapParser);
@@ -243,10 +246,10 @@ void newParser(JMAP_PRIVATE* p, QVJnlh jnl) {
 
 }  // namespace
 
-// Kept: of an earlier map only the state is reset.  What that map left behind, `vrc`, the tables
-// without columns and their number, `ordNoretain`, the last token, is told with this one too.
-// Kept: the callbacks are the map's from now on, also for the document's own parser, and are not
-// restored by MapTerm.  The document has been read by then.
+// Kept: of an earlier map only the state is reset.  `vrc`, the tables without columns and their
+// number, `ordNoretain` and the last token stay, and are in the ERRORINFO of this map too.
+// Kept: the callbacks of the document's own parser are replaced too, and MapTerm does not restore
+// them.  The document can take no more text.
 QVStatus MapInit(QVEJMAPJsonContexth inh, QVEJMAPMapInitParms* parms, QVEJMAPMapContexth* inctx,
                  QVJnlh jnl) {
     JMAP_PRIVATE* p = contextOf(inh);
@@ -265,9 +268,10 @@ QVStatus MapInit(QVEJMAPJsonContexth inh, QVEJMAPMapInitParms* parms, QVEJMAPMap
     return QV_OK;
 }
 
-// Kept: the final state is not tested; the parser vouches for a whole document.
-// Kept: a parser that asks for more input (QV_NEEDMORE) before the last buffer has failed.  The
-// bundled one never does.
+// Kept: the final state is not tested.  With a parser that gives QV_NEEDMORE for the last buffer an
+// unfinished map passes.
+// Kept: QV_NEEDMORE before the last buffer is a failure here, but not in JsonInput.  The bundled
+// parser never gives it.
 QVStatus MapInput(QVEJMAPMapContexth inh, QVMemPtr inbuf, QVStrSize inlen, QVBoolean done,
                   QVJnlh /*jnl*/) {
     auto* p = static_cast<JMAP_PRIVATE*>(inh->p);
@@ -291,7 +295,7 @@ QVStatus MapTerm(QVEJMAPJsonContexth inh, QVEJMAPMapContexth* mctx, QVJnlh /*jnl
     JMAP_PRIVATE* p = contextOf(inh);
     const QVStatus rc = destroyHandle(p->mapParser);
     if (mctx != nullptr) {
-        (void)poolFree(p->cpool, *mctx);  // the parser's status is the answer
+        (void)poolFree(p->cpool, *mctx);  // the parser's status is returned
         *mctx = nullptr;
     }
     return rc;

@@ -1,7 +1,7 @@
 // A user's map, read from its JSON document.
 //
-// The document has the form that map_writer.h describes, and may have more: keys in any case, and
-// in a column
+// The document has the form that map_writer.h describes.  Keys may be in any case, and a column may
+// also have
 //
 //   LENGTH   = integer
 //   FORMAT   = [string [,integer [,integer]]]      name, width, decimals
@@ -9,7 +9,7 @@
 //   LABEL    = string
 //   OPTIONS  = [ ("RETAIN" | "NORETAIN")* ]
 //
-// The parse is a machine of states (map_states.h) that works on the document's context, so it must
+// The parse is a state machine (map_states.h).  It uses the context of the document, so it must
 // begin after the document's last buffer.
 //
 // Tested by tests/mapdoc/map_reader_test.cpp

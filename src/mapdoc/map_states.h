@@ -1,4 +1,4 @@
-// The states of a parse of a user map, and the transitions between them as data.
+// The states of the parse of a user map, and a table of the transitions.
 //
 //   S_BEGIN ─{► S_WANT_DATASETS ─key► S_WANT_DATASETS_OPEN ─[► S_IN_DATASETS ─]► S_WANT_END
 //                                                                  {▼  ▲}          }▼
@@ -17,7 +17,7 @@
 
 namespace jmap {
 
-// X(state, what an event that the state does not expect is answered with)
+// X(state, status of an event that the state does not expect)
 #define JMAP_VSTATE_LIST(X)                      \
     X(S_BEGIN, JMAP_MAP_OBJECT)                  \
     X(S_WANT_DATASETS, JMAP_MAP_DATASETS)        \
@@ -68,10 +68,10 @@ inline constexpr VSTATEINFO kStates[] = {  // by VSTATE
 #undef JMAP_VSTATE
 };
 
-// Events that a state may expect; null, boolean and a number that is no integer are never expected.
+// Events that a state may expect.  None expects null, a boolean or a number that is no integer.
 enum class EVENT : uint8_t { ARRAY_START, ARRAY_END, OBJECT_START, OBJECT_END, INTEGER, STRING };
 
-// Keys of a transition that are no keys.
+// Special values of `key` in a transition.
 inline constexpr std::string_view kAnyText;
 inline constexpr std::string_view kAnyOf4 = "????";  // any text of this length
 
@@ -83,7 +83,7 @@ struct TRANSITION {
     ACTION action;  // null: none
 };
 
-// The first row that fits is taken.
+// The first matching row is taken.
 inline constexpr TRANSITION kTransitions[] = {
     {S_BEGIN, EVENT::OBJECT_START, {}, S_WANT_DATASETS, nullptr},
     {S_WANT_DATASETS, EVENT::STRING, "DATASETS", S_WANT_DATASETS_OPEN, nullptr},
@@ -106,15 +106,15 @@ inline constexpr TRANSITION kTransitions[] = {
     {S_IN_A_VARIABLE, EVENT::STRING, "NAME", S_WANT_NAMESTR, nullptr},
     {S_IN_A_VARIABLE, EVENT::STRING, "TYPE", S_WANT_TYPESTR, nullptr},
     {S_IN_A_VARIABLE, EVENT::STRING, "PATH", S_WANT_PATHSTR, nullptr},
-    // Kept: an unknown key of four bytes is passed over, and a text that follows it is then taken
-    // for a key: {"NOTE":"NAME", ...} waits for a name, {"NOTE":"x"} is an unknown key.
+    // Kept: an unknown key of four bytes is skipped, and a string after it is then read as a key:
+    // {"NOTE":"NAME", ...} expects a name next, {"NOTE":"x"} is an unknown key.
     {S_IN_A_VARIABLE, EVENT::STRING, kAnyOf4, S_IN_A_VARIABLE, nullptr},
     {S_IN_A_VARIABLE, EVENT::STRING, "LENGTH", S_WANT_LENGTHNUM, nullptr},
     {S_IN_A_VARIABLE, EVENT::STRING, "CURRENT_LENGTH", S_WANT_CURRENTLENGTHNUM, nullptr},
     {S_IN_A_VARIABLE, EVENT::STRING, "FORMAT", S_WANT_FORMAT_OPEN, nullptr},
     {S_IN_A_VARIABLE, EVENT::STRING, "INFORMAT", S_WANT_INFORMAT_OPEN, nullptr},
     {S_IN_A_VARIABLE, EVENT::STRING, "LABEL", S_WANT_LABELSTR, nullptr},
-    // Kept: the misspelt key is a synonym; maps that have it would otherwise be rejected.
+    // Kept: the misspelt key is a synonym, since there are maps that have it.
     {S_IN_A_VARIABLE, EVENT::STRING, "LABLE", S_WANT_LABELSTR, nullptr},
     {S_IN_A_VARIABLE, EVENT::STRING, "OPTIONS", S_WANT_OPTIONS_OPEN, nullptr},
     {S_IN_A_VARIABLE, EVENT::STRING, kAnyText, S_IN_A_VARIABLE, unknownKey},
@@ -123,7 +123,7 @@ inline constexpr TRANSITION kTransitions[] = {
     {S_WANT_TYPESTR, EVENT::STRING, kAnyText, S_IN_A_VARIABLE, setType},
     {S_WANT_PATHSTR, EVENT::STRING, kAnyText, S_IN_A_VARIABLE, setPath},
     {S_WANT_LENGTHNUM, EVENT::INTEGER, {}, S_IN_A_VARIABLE, setLength},
-    // The length of some document, written for the reader of the map.
+    // Information for people only.
     {S_WANT_CURRENTLENGTHNUM, EVENT::INTEGER, {}, S_IN_A_VARIABLE, nullptr},
 
     {S_WANT_FORMAT_OPEN, EVENT::ARRAY_START, {}, S_WANT_FORMAT0, nullptr},

@@ -1,7 +1,7 @@
-// What the transitions of a user map's parse do: make tables and columns, store their properties.
+// The actions of the transitions: they make tables and columns and store their properties.
 //
-// Everything goes to the table made last, and to its column made last.  Each action returns QV_OK;
-// QV_NOMEM; or a code of its own, which it has put into `vrc`.
+// An action works on the table made last, and on its column made last.  It returns QV_OK, QV_NOMEM,
+// or a JMAP_MAP_ code, which it has stored in `vrc`.
 //
 // Tested by tests/mapdoc/map_reader_test.cpp
 #pragma once
@@ -12,7 +12,7 @@
 
 namespace jmap {
 
-// What an event brings with it.
+// The value of an event.
 struct TOKEN {
     std::string_view text{};  // of a string
     int64_t number = 0;       // of an integer
@@ -20,7 +20,7 @@ struct TOKEN {
 
 using ACTION = QVStatus (*)(JMAP_PRIVATE* p, const TOKEN& token);
 
-// Ends the parse with a code of the map reader's own.
+// Ends the parse with a JMAP_MAP_ code.
 [[nodiscard]] QVStatus reject(JMAP_PRIVATE* p, QVStatus code);
 
 // A string that is no key of the state: rejected with the state's code.
@@ -28,7 +28,7 @@ using ACTION = QVStatus (*)(JMAP_PRIVATE* p, const TOKEN& token);
 
 // Beginnings and ends.
 [[nodiscard]] QVStatus newUserMap(JMAP_PRIVATE* p, const TOKEN& token);
-[[nodiscard]] QVStatus newTable(JMAP_PRIVATE* p, const TOKEN& token);  // Kept: JMAP_MAP_NOMEM
+[[nodiscard]] QVStatus newTable(JMAP_PRIVATE* p, const TOKEN& token);  // JMAP_MAP_NOMEM
 [[nodiscard]] QVStatus newColumn(JMAP_PRIVATE* p, const TOKEN& token);
 [[nodiscard]] QVStatus endColumn(JMAP_PRIVATE* p, const TOKEN& token);
 [[nodiscard]] QVStatus endTable(JMAP_PRIVATE* p, const TOKEN& token);

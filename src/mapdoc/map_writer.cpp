@@ -13,7 +13,7 @@
 namespace jmap {
 namespace {
 
-// What the writer's number operation is told: as many digits as are needed, none after the point.
+// The `digits` of the writer's number operation: as many as are needed.
 constexpr int32_t kIntegerDigits = 10;
 constexpr int32_t kIntegerDecimals = 0;
 
@@ -48,8 +48,8 @@ QVStatus writePathMember(JMAP_PRIVATE* p, std::string_view name, std::string_vie
     return writeMember(p->writer, name, {slashed, path.size()});
 }
 
-// Kept: for any other type nothing follows the key, so that the next text takes the value's place.
-// No column of an automatic map has one.
+// Of any other type the key gets no value, and the next text would become it.  No column of an
+// automatic map has another type.
 QVStatus writeType(JSNWriterh writer, VARTYPE type) {
     QV_TRY(writeText(writer, "TYPE"));
     switch (type) {
@@ -120,7 +120,8 @@ JSNWriterh newWriter(JMAP_PRIVATE* p, QVJnlh jnl) {
 
 }  // namespace
 
-// Kept: an earlier writer is not ended; the caller frees it between two calls.
+// Kept: an earlier writer is not ended.  Without GetAutoMapBufFree between two calls it lives until
+// the host stops.
 QVStatus GetAutoMapBuf(QVEJMAPJsonContexth inh, char** buf, QVStrSize* bufLen, QVJnlh jnl) {
     JMAP_PRIVATE* p = contextOf(inh);
     p->writer = newWriter(p, jnl);

@@ -17,8 +17,8 @@ namespace jmap {
 
 // Operations of the public table.
 
-// The document in the writer's own buffer, which lives until GetAutoMapBufFree.  Returns the first
-// failing status of the writer, which then still has to be freed, or QV_NOMEM.
+// The document, in the writer's own buffer, which lives until GetAutoMapBufFree.  Returns QV_NOMEM
+// or the first failing status of the writer; call GetAutoMapBufFree then too.
 QVStatus GetAutoMapBuf(QVEJMAPJsonContexth inh, char** buf, QVStrSize* bufLen, QVJnlh jnl);
 
 // Ends the writer and its buffer.  QV_OK when there is none, else the writer's status.
