@@ -77,7 +77,7 @@ QVStatus MemberExist(QVEJMAPJsonContexth inh, QVMemPtr m, int16_t nameLen, char*
     if (findTable(p, static_cast<MAP*>(m), wanted, sameName) != nullptr) {
         return kMemberExists;
     }
-    // Beside the map, and there whenever it was named.
+    // ALLDATA is in no map, but always exists.
     const bool isAlldata = sameName(p, wanted, view(p->alldataName, p->alldataNameLen));
     return isAlldata ? kMemberExists : kNoMember;
 }

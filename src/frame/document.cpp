@@ -27,7 +27,7 @@ constexpr QVStrSize kMaxTempName = INT64_MAX / static_cast<QVStrSize>(sizeof(QVC
 constexpr int32_t kFirstDepths = 30;  // nesting levels with room from the start
 constexpr double kGiB = 1024.0 * 1024.0 * 1024.0;
 
-// A text that is there, or none.
+// Whether the text is valid: a pointer with a length, or none.
 [[nodiscard]] constexpr bool isText(const void* text, QVStrSize textLen) noexcept {
     return textLen == 0 || (textLen > 0 && text != nullptr);
 }
@@ -40,7 +40,7 @@ constexpr double kGiB = 1024.0 * 1024.0 * 1024.0;
            parms->alldataNameLen <= kMaxAlldataName;
 }
 
-// The handle with an empty context behind it, or null.
+// A handle with an empty context, or null.
 [[nodiscard]] QVEJMAPJsonContexth newContext(QVExtensionh inh, QVPoolh pool) noexcept {
     auto* ctx = poolNew<QVEJMAPJsonContext>(pool);
     if (ctx == nullptr) {
@@ -51,8 +51,8 @@ constexpr double kGiB = 1024.0 * 1024.0 * 1024.0;
     return ctx->p == nullptr ? nullptr : ctx;
 }
 
-// The instance's modules and the character services of the document's encoding.  The transcoder and
-// the string service may stay null.  Returns the status of the string service.
+// Sets the modules of the instance, and makes the transcoder and the string service of the
+// document's encoding.  Both may stay null.  Returns the status of the string service.
 [[nodiscard]] QVStatus takeServices(JMAP_PRIVATE* p, JMAP_S* jmap) noexcept {
     QVNLSh nls = jmap->nls;
     p->tosess = nls->newTranscoder(nls, U_L_UCS4_CE, p->inCei, jmap->jnl);
@@ -108,8 +108,8 @@ void noteBeginning(JMAP_PRIVATE* p) noexcept {
     }
 }
 
-// The parser, wired to the scan.  Kept: a parser that cannot be made stays null; the first
-// JsonInput then gives QV_NOMEM.
+// Makes the parser, with the callbacks of the scan.  Kept: without memory it stays null and
+// JsonInit succeeds; the first JsonInput then gives QV_NOMEM.
 void newParser(JMAP_PRIVATE* p) noexcept {
     installScanCallbacks(&p->parseCB);
     const JSNParserParms parms = {
@@ -127,7 +127,7 @@ void newParser(JMAP_PRIVATE* p) noexcept {
     p->parser = p->jsonh->createParser(p->jsonh, &parms);
 }
 
-// The block buffer, the label statistics and the ALLDATA name.
+// Allocates the block buffer and the label statistics, and copies the ALLDATA name.
 [[nodiscard]] QVStatus newBuffers(JMAP_PRIVATE* p, const QVEJMAPJsonInitParms& parms) noexcept {
     p->cBuf = poolBytes(p->cpool, kBlockBytes);
     if (p->cBuf == nullptr) {
@@ -157,8 +157,8 @@ void newParser(JMAP_PRIVATE* p) noexcept {
 
 }  // namespace
 
-// Kept: a failure after the pool was made leaves the pool, the parser and the services alive, and
-// `*inctx` as it was; the host frees them when it stops.
+// Kept: a failure after the pool was made leaves `*inctx` as it was, and does not end the pool, the
+// parser and the services.  They live until the host stops.
 QVStatus JsonInit(QVExtensionh inh, QVEJMAPJsonInitParms* parms, QVEJMAPJsonContexth* inctx,
                   QVJnlh jnl) {
     if (!valid(parms)) {
@@ -179,8 +179,8 @@ QVStatus JsonInit(QVExtensionh inh, QVEJMAPJsonInitParms* parms, QVEJMAPJsonCont
     p->compress = parms->compress != 0;
     p->inCei = parms->inCEI;
     auto* jmap = reinterpret_cast<JMAP_S*>(inh);  // the instance begins with its QVExtension
-    // Kept: a missing string service is reported at the very end, with a context that can be
-    // scanned; its keywords are not looked up.
+    // Kept: the status of a missing string service is returned at the end, with a context that can
+    // be scanned.  Debug keywords have no effect then.
     const QVStatus rc = takeServices(p, jmap);
     takeDescription(p, *parms);
     p->flags = parms->flags;
@@ -199,11 +199,11 @@ QVStatus JsonInit(QVExtensionh inh, QVEJMAPJsonInitParms* parms, QVEJMAPJsonCont
     return rc;
 }
 
-// Kept: the parser of a user map and the map writer are not ended here, they have operations of
-// their own.
+// Kept: the parser of a user map and the map writer are not ended here.  Without MapTerm and
+// GetAutoMapBufFree they live until the host stops.
 QVStatus Term(QVEJMAPJsonContexth inh, QVJnlh /*jnl*/) {
     JMAP_PRIVATE* p = contextOf(inh);
-    (void)destroyHandle(p->parser);  // the status of the pool is the answer
+    (void)destroyHandle(p->parser);  // only the status of the pool is returned
     (void)destroyHandle(p->qvioeh);
     (void)destroyHandle(p->tosess);
     (void)destroyHandle(p->smh);

@@ -1,4 +1,4 @@
-// Opening and ending a document.
+// Opens and ends a document.
 //
 // Tested by tests/frame/document_test.cpp
 #pragma once

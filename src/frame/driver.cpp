@@ -1,8 +1,8 @@
-// Feeding a document to the parser and finishing it.
+// Feeds a document to the parser and finishes it.
 //
-// What an answer of the parser leads to:
+// What JsonInput does after each status of the parser:
 //
-//     answer          not the last buffer          the last buffer
+//     status          not the last buffer          the last buffer
 //     QV_OK           hashes released, QV_OK       document finished, QV_OK
 //     QV_NEEDMORE     QV_OK                        document finished, QV_OK
 //     QV_EOF          QV_OK                        hashes released, JMAP_INCOMPLETE
@@ -63,10 +63,10 @@ void noteLevels(JMAP_PRIVATE* p) noexcept {
     if (p->debugLevel && p->jsonDescLen != 0) {
         myLogNote(p, U"Parsing of %.*hs ends", noteLen(p->jsonDescLen), p->jsonDesc);
     }
-    // Kept: a last block that cannot be stored is missing from every table, and the call still
-    // gives QV_OK.  jmapTotals has its bytes and the reason.
+    // Kept: when the last block cannot be stored, the call still gives QV_OK, and every table lacks
+    // its values.  jmapTotals has its bytes and the reason.
     p->lastBlockStatus = compressPathBuffer(p);
-    (void)destroyHandle(p->tfp);  // Kept: likewise; what is lost here is missed when it is read
+    (void)destroyHandle(p->tfp);  // Kept: likewise; Read finds out what was lost here
     noteCompression(p);
     noteLevels(p);
     if (p->debugPath) {
@@ -81,7 +81,7 @@ void noteLevels(JMAP_PRIVATE* p) noexcept {
 }
 
 void releaseHashes(JMAP_PRIVATE* p) noexcept {
-    (void)destroyHandle(p->hash);  // the parse is over, whatever they say
+    (void)destroyHandle(p->hash);  // the parse is over, so a failure has no effect
     (void)destroyHandle(p->hash2);
     (void)destroyHandle(p->members);
     (void)destroyHandle(p->dsNameHash);
@@ -112,7 +112,7 @@ QVStatus JsonInput(QVEJMAPJsonContexth inh, QVMemPtr inbuf, QVStrSize inlen, QVB
         return QV_OK;
     }
     if (done != 0 && (rc == QV_OK || rc == QV_NEEDMORE)) {
-        // Kept: a failure here leaves the hashes alive.
+        // Kept: on failure the trackers are not ended.  They live until the host stops.
         QV_TRY(finish(p, caching));
         rc = QV_OK;
     }
@@ -132,7 +132,7 @@ QVStatus JsonInput(QVEJMAPJsonContexth inh, QVMemPtr inbuf, QVStrSize inlen, QVB
 
 void endInput(JMAP_PRIVATE* p) noexcept {
     releaseHashes(p);
-    (void)destroyHandle(p->tfp);  // its records are not wanted any more
+    (void)destroyHandle(p->tfp);  // its records are not needed any more
 }
 
 }  // namespace jmap

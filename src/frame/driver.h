@@ -1,4 +1,4 @@
-// Feeding a document to the parser and finishing it.
+// Feeds a document to the parser and finishes it.
 //
 // Tested by tests/frame/driver_test.cpp
 #pragma once
@@ -13,7 +13,7 @@ namespace jmap {
 QVStatus JsonInput(QVEJMAPJsonContexth inh, QVMemPtr inbuf, QVStrSize inlen, QVBoolean done,
                    QVBoolean* caching, QVJnlh jnl);
 
-// Ends what a scan keeps open that failed or was not finished; see jmapEndInput.
+// Ends what a failed or unfinished scan keeps open; see jmapEndInput.
 void endInput(JMAP_PRIVATE* p) noexcept;
 
 }  // namespace jmap

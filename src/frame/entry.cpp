@@ -43,7 +43,7 @@ QVStatus qvejmapgv(QVExtensionh /*ext*/, size_t* a, size_t* b, size_t* c) {
 
 QVStatus qvejmaprd(QVExtensionh ext) {
     auto* jmap = reinterpret_cast<JMAP_S*>(ext);  // the instance begins with its QVExtension
-    (void)destroyHandle(jmap->jsonh);             // nobody could act on a failure here
+    (void)destroyHandle(jmap->jsonh);             // the caller gets QV_OK in any case
     (void)destroyHandle(jmap->zlibh);
     (void)destroyHandle(jmap->fmth);
     QVPoolh pool = jmap->pool;
@@ -53,8 +53,8 @@ QVStatus qvejmaprd(QVExtensionh ext) {
 
 }  // namespace jmap
 
-// Kept: a module that cannot be loaded leaves the pool and the modules before it alive; the host
-// frees them when it stops.  Only a failed allocation of the instance cleans up.
+// Kept: when a module cannot be loaded, the pool and the modules loaded before it are not ended.
+// They live until the host stops.  Only a failed allocation of the instance cleans up.
 extern "C" __attribute__((visibility("default"))) QVExtensionh qvejmap(QVHndlp hndl, QVJnlh jnl) {
     using namespace jmap;
     if (qvGlobalHandle() == nullptr) {
@@ -66,7 +66,7 @@ extern "C" __attribute__((visibility("default"))) QVExtensionh qvejmap(QVHndlp h
     }
     auto* instance = poolNew<JMAP_S>(pool);
     if (instance == nullptr) {
-        (void)destroyHandle(pool);  // the answer is null either way
+        (void)destroyHandle(pool);  // null is returned in any case
         return nullptr;
     }
     instance->jnl = jnl != nullptr ? jnl : hndl->jnl;

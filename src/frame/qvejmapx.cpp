@@ -1,4 +1,4 @@
-// The routines of qvejmapx.h: the few that do work of their own, and the way to the others.
+// The routines of qvejmapx.h.  Most only call other parts of the engine.
 //
 // Tested by tests/frame/qvejmapx_test.cpp and tests/frame/equality_test.cpp
 #include "qvejmapx.h"
@@ -24,9 +24,9 @@
 #include <bit>
 #include <string_view>
 
-// A cursor loads blocks as an open table does, so its state is that of one: `p`, `rpool`, `z`,
-// `rfp`, `curr` (null: before the first block), `records`, `pBuf`, `pBufi` and `pBufLen` are used.
-// It lives in `rpool`.
+// A cursor loads blocks as an open table does, so it has the same state.  It uses `p`, `rpool`,
+// `z`, `rfp`, `curr` (null: before the first block), `records`, `pBuf`, `pBufi` and `pBufLen`, and
+// lives in `rpool`.
 struct JMAPRecordCursor {
     JMAP_READPRIVATE rp;
     QVStatus status;  // what ended the cursor; QV_OK: nothing yet
@@ -37,7 +37,7 @@ namespace {
 
 constexpr std::u32string_view kCursorPoolName = U"qvejmap record cursor";
 
-// Steps from `*node` (null: from nowhere) to its successor.
+// Moves `*node` to the next node, from null to the first.
 template <class T>
 [[nodiscard]] QVStatus step(T* head, T** node) noexcept {
     T* successor = *node == nullptr ? head : (*node)->next;
@@ -64,7 +64,7 @@ template <class T>
     return QV_OK;
 }
 
-// Whether the length byte of a label in the records is not its length, or its depth not its own.
+// Whether the records have labels with a wrong length byte, or at a wrong depth.
 bool labelsSlip(const JMAP_PRIVATE* p) noexcept {
     constexpr int32_t kMostInAByte = 255;
     const int32_t* const longest = p->labelMaxes;
@@ -72,7 +72,7 @@ bool labelsSlip(const JMAP_PRIVATE* p) noexcept {
                                        [](int32_t len) { return len > kMostInAByte; });
 }
 
-// Writes the path of a table or a column of the automatic map, or of another one.
+// Writes the path of a table or a column: that of a node in the automatic map, else a text.
 void putPath(const PATHNODE* node, std::string_view text, char* to) {
     if (node != nullptr) {
         writePath(node, lengthOf(text), to);
@@ -199,7 +199,7 @@ QVStatus jmapRecordsOpen(QVEJMAPJsonContexth inh, JMAPRecordCursorh* cursor) {
     auto* opened = poolNew<JMAPRecordCursor>(pool);
     char* block = opened == nullptr ? nullptr : poolBytes(pool, kBlockBytes);
     if (block == nullptr) {
-        (void)destroyHandle(pool);  // nothing is in use yet
+        (void)destroyHandle(pool);  // nothing is in it yet
         return QV_NOMEM;
     }
     opened->rp.p = contextOf(inh);

@@ -1,7 +1,7 @@
 // The columns of an open table by their path.
 //
-// Most records of a stream belong to other tables.  A set of path lengths turns nearly all of them
-// away; a hash table finds the columns of the rest, however many columns the table has.
+// Most records of the stream belong to other tables.  A set of path lengths rejects nearly all of
+// them.  A hash table finds the columns of the others in constant time.
 //
 // Tested by tests/reader/row_loop_test.cpp
 #pragma once
@@ -29,12 +29,13 @@ namespace jmap {
 // Indexes the columns that have a path.  Null when there is no memory.
 [[nodiscard]] COLUMNINDEX* newColumnIndex(QVPoolh pool, const VARINFO* columns, QVStrSize count);
 
-// False: no column has a path of that length.
+// Whether a column may have a path of that length.
 [[nodiscard]] inline bool mayHoldLength(const COLUMNINDEX& index, std::size_t pathLen) noexcept {
     return (index.lengths >> (pathLen % 64) & 1) != 0;
 }
 
-// The bucket of a path: from its length and its last 16 bytes, where paths of one table differ.
+// The bucket of a path.  Only its length and its last 16 bytes are hashed: there the paths of one
+// table differ.
 [[nodiscard]] inline uint32_t bucketOf(const COLUMNINDEX& index, std::string_view path) noexcept {
     constexpr uint64_t kOdd = 0x9E3779B97F4A7C15u;
     uint64_t last = 0;
@@ -69,7 +70,7 @@ namespace jmap {
     return columnFrom(rp, rp.index->first[bucketOf(*rp.index, path)], path);
 }
 
-// The next one behind `column`, in column order.
+// The next such column after `column`, in column order.
 [[nodiscard]] inline uint32_t nextColumn(const JMAP_READPRIVATE& rp, uint32_t column,
                                          std::string_view path) noexcept {
     return columnFrom(rp, rp.index->next[column], path);

@@ -55,7 +55,7 @@ const QVChar* boundaryNote(BOUNDARY boundary) noexcept {
     return nullptr;
 }
 
-// With one path in the note it is the table path, which is then the record's as well.
+// A note with one path shows the table path; the record has the same.
 void noteBoundary(const JMAP_READPRIVATE& rp, BOUNDARY boundary, std::string_view path) {
     const QVChar* fmt = boundaryNote(boundary);
     if (fmt == nullptr) {
@@ -73,7 +73,7 @@ void countOrdinal(JMAP_READPRIVATE* rp, VARINFO& column, std::string_view path) 
     column.ordinalValue += 1;
     storeDouble(*rp, column, static_cast<double>(column.ordinalValue));
     if (rp->ordinalsOnly) {
-        rp->inVariables = true;  // such a table has nothing else to make a row of
+        rp->inVariables = true;  // in such a table counting makes a row
     }
     JMAP_PRIVATE* p = rp->p;
     if (p->debugRead) {
@@ -86,7 +86,7 @@ void countOrdinal(JMAP_READPRIVATE* rp, VARINFO& column, std::string_view path) 
     }
 }
 
-// A value on its way into the columns of its path.
+// State of storing one value into the columns of its path.
 struct STORE {
     QVEJMAPReadContexth rctx;
     JMAP_READPRIVATE* rp;
@@ -118,9 +118,9 @@ void noteWord(const STORE& store, const VARINFO& column, const WORD& word) {
 QVStatus keepRaw(const STORE& store, VARIABLEINFO& info) {
     const QVStrSize valueLen = lengthOf(store.value);
     if (info.rawdataAlloc < valueLen) {
-        (void)poolFree(store.rp->rpool, info.rawdata);  // the new piece decides
+        (void)poolFree(store.rp->rpool, info.rawdata);  // replaced even if this fails
         info.rawdataAlloc = 0;
-        info.rawdataLen = 0;  // nor is there a text of before
+        info.rawdataLen = 0;  // the earlier text is gone too
         info.rawdata = poolBytes(store.rp->rpool, 2 * valueLen);
         if (info.rawdata == nullptr) {
             return QV_NOMEM;
@@ -132,7 +132,7 @@ QVStatus keepRaw(const STORE& store, VARIABLEINFO& info) {
     return QV_OK;
 }
 
-// Keeps the text for the caller, who has the informat.
+// Keeps the text for the caller, which applies the informat.
 QVStatus storeRaw(const STORE& store, uint32_t i) {
     const QVStatus rc = keepRaw(store, store.rctx->varinfo[i]);
     const JMAPReadObserver* observer = store.rp->observer;
@@ -144,7 +144,7 @@ QVStatus storeRaw(const STORE& store, uint32_t i) {
     return QV_OK;
 }
 
-// Kept: a column flagged as bad holds 0, which the conversion gave.
+// Kept: a column flagged as bad holds 0, as the conversion gave it, and not the missing value.
 void flagBad(const STORE& store, uint32_t i) {
     store.rctx->varinfo[i].badNumData = true;
     const JMAPReadObserver* observer = store.rp->observer;
@@ -153,7 +153,7 @@ void flagBad(const STORE& store, uint32_t i) {
     }
 }
 
-// Returns QV_OK unless the call is to end; the conversion's own status goes into `store`.
+// Returns QV_OK unless the call must end.  The status of the conversion goes into `store`.
 QVStatus storeNumber(STORE& store, uint32_t i) {
     JMAP_READPRIVATE* rp = store.rp;
     const VARINFO& column = rp->varinfo[i];

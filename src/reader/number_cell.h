@@ -14,11 +14,11 @@
 
 namespace jmap {
 
-// A text that a numeric column takes although it is no number.
+// A text that is no number, but has a value in a numeric column.
 struct WORD {
     std::string_view text;
     uint64_t bits;
-    const QVChar* note;  // of the value's consumption
+    const QVChar* note;  // written when the value is stored
 };
 inline constexpr WORD kWords[] = {
     {"true", std::bit_cast<uint64_t>(1.0), U"consumePathVar [%.*hs] [%.*hs] set to 1 (true)"},

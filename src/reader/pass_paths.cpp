@@ -17,10 +17,10 @@ constexpr uint64_t lengthBit(std::string_view path) noexcept {
     return uint64_t{1} << (path.size() % 64);
 }
 
-// The entry of a path, made, with a copy of the text, when it is new; null when there is no memory.
+// The entry of a path.  A new path gets an entry, with a copy of its text.  Null without memory.
 PASSPATH* enterPath(PASSPATHS* paths, QVPoolh pool, std::string_view path) {
     if (path.data() == nullptr) {
-        return nullptr;  // its text could not be put together
+        return nullptr;  // there was no memory for its text
     }
     if (PASSPATH* known = findPath(paths, path); known != nullptr) {
         return known;
@@ -69,7 +69,7 @@ QVStatus addUse(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t 
     return QV_OK;
 }
 
-// An ordinal that keeps the text of its path as well.
+// Whether the column is an ordinal that also keeps the text of its path.
 bool hasText(const VARINFO& column) noexcept {
     return column.type == VAR_ORDINAL && userPartOf(column).informatLen != 0;
 }
@@ -88,8 +88,8 @@ SIZES sizesOf(const DSINFO& ds) noexcept {
     return sizes;
 }
 
-// What a column takes from its path into the cell.  A value takes a column with an informat for one
-// of its own, whatever its type is.
+// Makes the cell take values or counts of the column's path.  A column with an informat takes
+// values, whatever its type is.
 QVStatus addColumn(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t i, uint32_t cell,
                    PASSTABLE* table) {
     if (column.type == VAR_DOUBLE || column.type == VAR_CHAR) {

@@ -1,9 +1,8 @@
 // What each path means to the tables of a pass.
 //
-// A record is looked up once for all tables.  Records repeat, so the guess is that the path comes
-// next that came next the last time; that fails where members are missing or new, and then a hash
-// table finds the path.  Ordinals are counted by path, not by table: all tables read the same
-// records.
+// A record is looked up once for all tables.  Records repeat, so the path that came next the last
+// time is tried first.  When it is another one (a member is missing or new), a hash table finds it.
+// Ordinals are counted by path, not by table, since all tables read the same records.
 //
 // Tested by tests/reader/table_pass_test.cpp
 #pragma once
@@ -34,7 +33,7 @@ struct PASSPATH {
     const char* path;  // in `texts`
     QVStrSize pathLen;
     PASSPATH* follower;  // the path that came next the last time
-    PASSPATH* other;     // the follower before that one: at the end of an array it comes again
+    PASSPATH* other;     // the follower before that one; it comes again at the end of an array
     PASSUSE* uses;       // columns that take its values
     PASSUSE* usesTail;
     PASSTABLE* tables;  // tables whose table path it is, through `samePath`
@@ -59,16 +58,16 @@ namespace jmap {
 // Begins an empty set.  QV_NOMEM.
 [[nodiscard]] QVStatus openPaths(PASSPATHS* paths, JMAP_PRIVATE* p);
 
-// Adds a table and its columns; the cells are there.
+// Adds a table and its columns.  Its cells have been allocated.
 //   alldata, retain  as of an open table
 // Returns QV_OK or QV_NOMEM.
 [[nodiscard]] QVStatus addTable(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, bool retain,
                                 PASSTABLE* table);
 
-// The path when it is a guess that failed, or null.
+// Finds the path by hash, when it is not the expected one.  Null: it means nothing to any table.
 [[nodiscard]] PASSPATH* searchPath(PASSPATHS* paths, std::string_view path);
 
-// What the path of a record means; null: nothing to any table.
+// Finds what the path of a record means.  Null: nothing to any table.
 [[nodiscard]] inline PASSPATH* findPath(PASSPATHS* paths, std::string_view path) {
     PASSPATH* const guess = paths->last->follower;
     if (guess != nullptr && equalShort(view(guess->path, guess->pathLen), path)) {

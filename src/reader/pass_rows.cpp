@@ -10,10 +10,10 @@
 namespace jmap {
 namespace {
 
-// A cell with memory of its own has some, even for an empty text.
+// The least memory of a cell that has its own, even for an empty text.
 constexpr QVStrSize kLeastHeld = 16;
 
-// The own memory of a cell, with room for `size` bytes; what it held is lost when it must grow.
+// Gives a cell memory of its own for `size` bytes.  When it must grow its text is lost.
 QVStatus makeRoom(const PASSROWS& rows, PASSTABLE& table, uint32_t column, QVStrSize size) {
     if (table.held == nullptr) {
         table.held = poolNew<HELDTEXT>(rows.pool, table.cellCount);
@@ -25,7 +25,7 @@ QVStatus makeRoom(const PASSROWS& rows, PASSTABLE& table, uint32_t column, QVStr
     if (held.alloc >= std::max(size, kLeastHeld)) {
         return QV_OK;
     }
-    (void)poolFree(rows.pool, held.text);  // the new piece decides
+    (void)poolFree(rows.pool, held.text);  // replaced even if this fails
     held = {};
     char* const text = poolBytes(rows.pool, std::max(size, kLeastHeld));
     if (text == nullptr) {
@@ -54,7 +54,7 @@ QVStatus holdText(const PASSROWS& rows, PASSTABLE& table, uint32_t column) {
 }
 
 QVStatus keepText(PASSROWS& rows, PASSTABLE& table, uint32_t column) {
-    // A cell that was parked once stays so: its place in the list has been passed.
+    // A cell that has memory copies at once: parkRows may have passed its place in the list.
     if (table.retained[column] || hasRoom(table, column)) {
         return holdText(rows, table, column);
     }
@@ -91,7 +91,7 @@ void clearRow(const PASSROWS& rows, PASSTABLE& table) {
         }
         table.cells[column] = {};
         if (hasRoom(table, column)) {
-            (void)poolFree(rows.pool, table.held[column].text);  // nothing hangs on it
+            (void)poolFree(rows.pool, table.held[column].text);  // a failure has no effect
             table.held[column] = {};
         }
     }

@@ -1,9 +1,10 @@
 // The rows that a pass is making, one for each of its tables.
 //
-// A cell is a view of the value in its record.  Only what a row sets is written down and cleared,
-// so a row costs what it holds, however wide its table.  Some texts get memory of their own,
-// "held": blocks that are loaded go again, and a value that outlives its block is copied then; a
-// column that keeps its values copies at once, since its cell is in no list when the block goes.
+// A cell is a view of the value in its record.  Only cells that a row sets are listed and cleared,
+// so the cost of a row does not depend on the width of its table.  Some texts get memory of their
+// own, "held".  A buffer with a loaded block is overwritten by the next block, so values that are
+// needed after that are copied first.  A retained column copies its value at once, since its cell
+// is in no list when the block is overwritten.
 //
 // Tested by tests/reader/table_pass_test.cpp
 #pragma once
@@ -31,25 +32,25 @@ struct PASSORDINAL {
     const PASSPATH* path;
 };
 
-// A table of a pass and its row.  The cells of its columns come first; after them each ordinal with
-// an informat has another one for the text, since its own shows the count.
+// A table of a pass and its row.  The cells of its columns come first.  After them each ordinal
+// with an informat has another cell for the text, since its own shows the count.
 struct PASSTABLE {
     JMAPPassCell* cells;    // [cellCount]
     uint32_t* set;          // [cellCount] fresh cells, in order of arrival
-    HELDTEXT* held;         // [cellCount], or null before the first
+    HELDTEXT* held;         // [cellCount]; null: no cell has any yet
     const bool* retained;   // [cellCount] those that keep their value
-    PASSUSE** uses;         // [columnCount] what takes their values; null: nothing does
+    PASSUSE** uses;         // [columnCount] the use of its path; null: it takes no values
     PASSORDINAL* ordinals;  // [ordinalCount]
     uint32_t columnCount;
     uint32_t cellCount;
     uint32_t ordinalCount;
     uint32_t setCount;
-    uint32_t parkedCount;    // entries of `set` whose texts will not go with the block
+    uint32_t parkedCount;    // first entries of `set`, whose texts are not in the current block
     bool inVariables;        // the row has received a value
     bool open;               // its table path is on the stack of seen table paths
-    bool strayed;            // the row has received a value when it was not
+    bool strayed;            // the row has received a value while `open` was false
     bool ordinalsOnly;       // every column is an ordinal: counting makes rows
-    bool touched;            // in the list of those with texts in the block
+    bool touched;            // in the list of tables with texts in the block
     uint64_t countedBefore;  // `ordinalsOnly`: sum of its counts when the row began
     PASSTABLE* samePath;     // the next table with the same table path
     PASSTABLE* nextEnded;    // in the queue of complete rows
@@ -59,19 +60,19 @@ struct PASSTABLE {
 // What the rows of a pass share.
 struct PASSROWS {
     QVPoolh pool;        // owns all
-    bool blockGoes;      // the records at hand will be overwritten by the next block
-    PASSTABLE* touched;  // tables with texts in such a block
+    bool blockGoes;      // the next block will overwrite the current one
+    PASSTABLE* touched;  // then: tables with texts in the current block
 };
 
 namespace jmap {
 
-// Copies the text of a cell into memory of its own, if it is not there.  QV_NOMEM.
+// Copies the text of a cell into memory of its own, unless it is there already.  QV_NOMEM.
 [[nodiscard]] QVStatus holdText(const PASSROWS& rows, PASSTABLE& table, uint32_t column);
 
-// Sees to it that a text in a block that goes is not lost.  QV_NOMEM.
+// Makes sure that the text survives the block: copies it, or lists its table.  QV_NOMEM.
 [[nodiscard]] QVStatus keepText(PASSROWS& rows, PASSTABLE& table, uint32_t column);
 
-// Copies what open rows hold of the block, which goes now.  QV_NOMEM.
+// Copies the texts that open rows have in the block, before it is overwritten.  QV_NOMEM.
 [[nodiscard]] QVStatus parkRows(PASSROWS& rows);
 
 // Begins the table's next row: empties every cell that is not retained.
@@ -103,7 +104,7 @@ inline void setCountCell(PASSTABLE& table, uint32_t column, uint64_t count) noex
 }
 
 // The same for a cell of ALLDATA that keeps its value.
-//   Kept: what the cell held behind the end of a shorter text stays, as in the row buffer of Read.
+//   Kept: a shorter text leaves the bytes after it in the cell, as in the row buffer of Read.
 [[nodiscard]] QVStatus overlayText(const PASSROWS& rows, PASSTABLE& table, uint32_t column,
                                    int32_t kind, std::string_view text);
 

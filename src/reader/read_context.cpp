@@ -30,7 +30,7 @@ bool sameInAnyCase(JMAP_PRIVATE* /*p*/, std::string_view a, std::string_view b) 
     return std::memcmp(upperA, upperB, a.size()) == 0;
 }
 
-// Keeps the table name, cut, in one of the structures.
+// Stores the table name, cut, in one of the structures.
 template <class Context>
 void keepName(Context* context, std::string_view name) noexcept {
     context->dsnameLen = std::min(lengthOf(name), static_cast<QVStrSize>(sizeof context->dsname));
@@ -71,7 +71,7 @@ QVStatus ReadInit(QVEJMAPJsonContexth inh, QVMemPtr inmap, char* dsname, QVStrSi
     if (ds != nullptr) {
         return openTable(inh, ds, name, false, rip, inrctx);
     }
-    // Kept: without a configured name the empty one opens ALLDATA, and its own name does not.
+    // Kept: when JsonInit got no name, the empty name opens ALLDATA, and "ALLDATA" does not.
     if (name != view(p->alldataName, p->alldataNameLen) || p->alldataDs == nullptr) {
         return JMAP_NOTABLE;
     }
@@ -103,8 +103,8 @@ QVStatus openTable(QVEJMAPJsonContexth inh, DSINFO* ds, std::string_view name, b
     return QV_OK;
 }
 
-// Kept: the state of the row and its buffer, and `pBufLen`, are not touched; Read starts each row
-// and each block from scratch, and retained columns go on with the value they hold.
+// Kept: the row buffer and the state of the row are not reset.  Retained columns therefore begin
+// with the values of the last row.  Read itself resets all else.
 QVStatus ReadReset(QVEJMAPReadContexth inrctx) {
     JMAP_READPRIVATE* rp = readContextOf(inrctx);
     if (rp->p->debugReadReset) {
@@ -128,7 +128,7 @@ QVStatus ReadTerm(QVEJMAPReadContexth rctx) {
     }
     (void)destroyHandle(rp->rfp);  // read only: nothing can be lost
     QVPoolh pool = rp->rpool;      // the pool holds `rp` itself
-    (void)destroyHandle(pool);     // Kept: always QV_OK
+    (void)destroyHandle(pool);     // Kept: ReadTerm gives QV_OK whatever this returns
     return QV_OK;
 }
 

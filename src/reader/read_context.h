@@ -13,8 +13,8 @@ namespace jmap {
 
 // Operations of the public table.
 
-// Opens the table of `inmap` (null: a map without tables) that has the name, in any case; failing
-// that ALLDATA, by its exact name.  JMAP_NOTABLE when there is none, QV_NOMEM.
+// Opens the table of `inmap` (null: a map without tables) that has the name in any case.  When
+// there is none, opens ALLDATA if it has exactly this name.  Else JMAP_NOTABLE.  QV_NOMEM.
 QVStatus ReadInit(QVEJMAPJsonContexth inh, QVMemPtr inmap, char* dsname, QVStrSize dsnameLen,
                   QVEJMAPReadInitParms* rip, QVEJMAPReadContexth* inrctx);
 
@@ -25,11 +25,11 @@ QVStatus ReadReset(QVEJMAPReadContexth inrctx);
 QVStatus ReadTerm(QVEJMAPReadContexth rctx);
 
 // Opens a table that is already found.
-//   name       what the read context is called: cut to 32 bytes
+//   name       name of the read context, cut to 32 bytes
 //   doAlldata  `ds` is the ALLDATA table
 //   rip        null: no flags
-// Returns QV_OK with `*out` set, or QV_NOMEM.  Kept: on failure the read pool, once made, is left
-// to the host.
+// Returns QV_OK with `*out` set, or QV_NOMEM.  Kept: on failure the read pool is not ended; it
+// lives until the host stops.
 [[nodiscard]] QVStatus openTable(QVEJMAPJsonContexth inh, DSINFO* ds, std::string_view name,
                                  bool doAlldata, const QVEJMAPReadInitParms* rip,
                                  QVEJMAPReadContexth* out);

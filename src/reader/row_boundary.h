@@ -1,8 +1,8 @@
-// Where one row of a table ends and the next begins, told from paths alone.
+// Where one row of a table ends and the next begins.  Only paths decide.
 //
-// A table's rows come from the objects at its table path.  The first record at the table path opens
-// the row, records below it belong to the row, and the next one at the table path, or any record
-// beside it, ends the row:
+// The rows of a table come from the objects at its table path.  The first record at the table path
+// begins the row.  Records below it belong to the row.  The next record at the table path, or one
+// outside of it, ends the row:
 //
 //     path against table path     not seen yet   seen
 //     other length or text        BEFORE         -
@@ -26,7 +26,7 @@ enum class BOUNDARY {
     BEFORE,       // the row has not begun
     FIRST,        // the table path: the row begins
     INSIDE,       // below the table path
-    AGAIN_EMPTY,  // Kept: an occurrence without any value and the next one share a row
+    AGAIN_EMPTY,  // Kept: an object without values makes no row when the next one follows
     AGAIN,        // the next row begins
     SHORTER,      // above the table path
     OUTSIDE       // beside the table path
@@ -57,7 +57,7 @@ enum class BOUNDARY {
     return inVariables ? BOUNDARY::AGAIN : BOUNDARY::AGAIN_EMPTY;
 }
 
-// Whether the record is the first behind the row; it then begins the next one.
+// Whether the record ends the row.  It is then the first record after it.
 [[nodiscard]] constexpr bool endsRow(BOUNDARY boundary) noexcept {
     return boundary == BOUNDARY::AGAIN || boundary == BOUNDARY::SHORTER ||
            boundary == BOUNDARY::OUTSIDE;

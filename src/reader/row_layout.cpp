@@ -30,7 +30,7 @@ QVStatus copyText(QVPoolh pool, std::string_view text, char*& to, QVStrSize& toL
     return QV_OK;
 }
 
-// Type and length, but for the cap.
+// Sets type and length, not yet capped.
 void setType(const VARINFO& from, VARIABLEINFO& info, VARINFO& column,
              bool& ordinalsOnly) noexcept {
     column.type = from.type;
@@ -48,14 +48,14 @@ void setType(const VARINFO& from, VARIABLEINFO& info, VARINFO& column,
             ordinalsOnly = false;
             break;
         case VAR_FAKEVARIABLE:
-            break;  // shows as a character column of the map's length
+            break;  // appears as a character column of the map's length
     }
     column.length =
         info.vartype == VARTYPE_NUMERIC ? kNumberBytes : std::min(from.length, kMaxCharLen);
     info.length = static_cast<QVStrSize>(column.length);
 }
 
-// The path of a map's column.
+// Copies the path of a map's column as a text.
 QVStatus copyPath(JMAP_READPRIVATE* rp, const VARINFO& from, VARINFO& column) {
     if (from.node == nullptr) {
         return from.path == nullptr ? QV_OK
@@ -106,8 +106,8 @@ QVStatus layoutColumn(JMAP_READPRIVATE* rp, const VARINFO& from, VARIABLEINFO& i
     if (from.retain) {
         column.retain = true;
     }
-    // Kept: NORETAIN comes last and wins over everything, also over an ordinal's own.  An ordinal
-    // is then no longer marked as retained, but its cell is never cleared between rows anyway.
+    // Kept: NORETAIN wins over the RETAIN flag of ReadInit and over that of an ordinal.  Notes show
+    // the ordinal as not retained, although its cell is never cleared between rows.
     if (from.noretain) {
         column.retain = false;
     }

@@ -15,7 +15,8 @@ namespace jmap {
 inline constexpr uint64_t kMaxCharLen = 32767;  // bytes of a character column
 inline constexpr QVStrSize kNumberBytes = 8;    // bytes of a numeric column
 
-// Makes the columns of both structures from those of `ds`, the row buffer, and the column index.
+// Makes the columns of both structures from those of `ds`, then the row buffer and the column
+// index.
 //   flags  of QVEJMAPReadInitParms
 // Returns QV_OK or QV_NOMEM.
 [[nodiscard]] QVStatus layoutRow(QVEJMAPReadContexth rctx, const DSINFO& ds, uint64_t flags);

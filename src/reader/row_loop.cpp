@@ -18,8 +18,8 @@
 namespace jmap {
 namespace {
 
-// How far ahead of the record at hand memory is asked for.  Each record tells where the next one
-// is, so the processor cannot see by itself what is needed soon.
+// Memory this far after the current record is prefetched.  The place of a record depends on the
+// length of the one before it, so the processor does not prefetch by itself.
 constexpr QVStrSize kPrefetchBytes = 2048;
 
 // A note that shows the table's name.
@@ -30,7 +30,7 @@ void noteTable(const JMAP_READPRIVATE& rp, const QVChar* fmt) {
 }
 
 // Clears every column, once in the life of a read context.
-//   Kept: not again by ReadReset, so retained columns begin the next pass with their last values.
+//   Kept: ReadReset does not clear them again, so retained columns begin with their last values.
 void clearOnce(JMAP_READPRIVATE* rp) noexcept {
     if (rp->obsbufCleared) {
         return;
@@ -64,7 +64,7 @@ void startRow(QVEJMAPReadContexth rctx, JMAP_READPRIVATE* rp) noexcept {
     rp->inVariables = false;
 }
 
-// Makes the record's labels those of the document context.
+// Copies the label lengths of the record to the document context.
 void storeLabels(JMAP_PRIVATE* p, const RECORD& record) noexcept {
     p->labelCount = record.labelCount;
     std::copy_n(record.labelLens, record.labelCount, p->labelCurLens);
@@ -88,8 +88,8 @@ void noteRecord(JMAP_PRIVATE* p, const RECORD& record) {
     }
 }
 
-// Offers a record of an ordinary table to its consumer.  The consumers' statuses are not examined:
-// bad numbers are flagged in their column.
+// Gives a record of an ordinary table to its consumer.  The status is ignored: bad numbers are
+// flagged in their column.
 void consume(QVEJMAPReadContexth rctx, JMAP_READPRIVATE* rp, const RECORD& record, bool* done) {
     JMAP_PRIVATE* p = rp->p;
     const std::string_view name = view(rp->dsname, rp->dsnameLen);
@@ -114,9 +114,9 @@ void consume(QVEJMAPReadContexth rctx, JMAP_READPRIVATE* rp, const RECORD& recor
                          record.kind);
 }
 
-// Replays the records of the block until one closes the row; whether one did.
-//   The labels of a record are stored in the document only where something reads them: for ALLDATA,
-//   for notes, and for the last record of the call.
+// Replays the records of the block until one ends the row.  Returns whether one did.
+//   The labels of a record are stored in the document only where they are read: for ALLDATA, for
+//   notes, and for the last record of the call.
 bool replayBlock(QVEJMAPReadContexth rctx, JMAP_READPRIVATE* rp) {
     JMAP_PRIVATE* p = rp->p;
     const bool noted = p->debugRead || p->debugAllData;
@@ -157,7 +157,7 @@ bool replayBlock(QVEJMAPReadContexth rctx, JMAP_READPRIVATE* rp) {
     return done;
 }
 
-// The stream is used up: the last row may be pending.
+// At the end of the stream: the last row may be pending.
 QVStatus endOfStream(JMAP_READPRIVATE* rp) {
     rp->curr = nullptr;
     rp->atEOF = true;
@@ -180,8 +180,8 @@ QVStatus loadBlock(JMAP_READPRIVATE* rp, COMPPATHS* block) {
         QV_TRY(uncompressPathBuffer(rp, block, rp->pBuf));
         rp->records = rp->pBuf;
         if (block->compressed) {
-            // Fewer bytes than were stored (a file read out of step) are only noted; what the
-            // buffer held before is no record.
+            // Fewer bytes than expected (a file read out of step) are noted only.  What the buffer
+            // held before is not read as records.
             loaded = std::min<uint64_t>(loaded, rp->z.total_out);
         }
     } else {

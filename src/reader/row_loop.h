@@ -11,13 +11,13 @@ namespace jmap {
 // the row.
 //   QV_OK    a row is in the row buffer
 //   QV_EOF   no more rows, until ReadReset
-//   other    a block could not be loaded; a further call goes on behind it
+//   other    a block could not be loaded; the next call goes on after it
 QVStatus Read(QVEJMAPReadContexth rctx);
 
-// Makes `block` the current one and loads it: `records`, `pBufi` and `pBufLen` are set.  Records
-// that lie in memory as they are stay there: copying them would cost as much as replaying them.
-//   Kept: after a failure it stays the current one, with no records, so that the next call goes on
-//   behind it.
+// Makes `block` the current one and loads it: sets `records`, `pBufi` and `pBufLen`.  A block that
+// is in memory and not compressed is not copied: that would cost as much as replaying it.
+//   Kept: after a failure the block stays the current one, with no records.  The next call goes on
+//   after it, and its values are missing.
 [[nodiscard]] QVStatus loadBlock(JMAP_READPRIVATE* rp, COMPPATHS* block);
 
 }  // namespace jmap

@@ -17,17 +17,17 @@
 namespace jmap {
 namespace {
 
-// How far ahead of the record at hand memory is asked for, as in Read.
+// Memory this far after the current record is prefetched, as in Read.
 constexpr QVStrSize kPrefetchBytes = 2048;
 
 // ---- Rows -----------------------------------------------------------------------------------
 
-// The row is shown, and so are the values in it that strayed.
+// Counts the strayed values of a complete row.
 void countStrayed(const PASSTABLE& table) noexcept {
     for (uint32_t i = 0; i < table.setCount; ++i) {
         const uint32_t cell = table.set[i];
         if (table.cells[cell].strayed) {
-            table.uses[cell]->strayed += 1;  // the cell of a column: texts of ordinals do not stray
+            table.uses[cell]->strayed += 1;  // a column's cell; the text of an ordinal never strays
         }
     }
 }
@@ -53,8 +53,7 @@ uint64_t countedBy(const PASSTABLE& table) noexcept {
     return sum;
 }
 
-// Whether the row has received a value.  A table of ordinals has nothing else to make a row of than
-// their counting.
+// Whether the row has received a value.  In a table of ordinals counting makes a row.
 bool inVariables(const PASSTABLE& table) noexcept {
     return table.inVariables || (table.ordinalsOnly && countedBy(table) != table.countedBefore);
 }
@@ -92,8 +91,8 @@ JMAPPassItem itemOf(const JMAPPass* pass, int32_t kind, PASSTABLE* table) noexce
 
 // ---- Records --------------------------------------------------------------------------------
 
-// Finds the rows that a marker ends, and takes the table paths that it does not lie below off the
-// stack; if it is one of them it comes back with `countMarker`.
+// Ends the rows that a marker ends, and pops the table paths that it does not lie below.  Its own
+// path is popped too; `countMarker` pushes it again.
 void endRows(JMAPPass* pass, std::string_view path) {
     for (; pass->top != nullptr; pass->top = pass->top->above) {
         const std::string_view tablePath = view(pass->top->path, pass->top->pathLen);
@@ -101,7 +100,7 @@ void endRows(JMAPPass* pass, std::string_view path) {
             const BOUNDARY boundary =
                 rowBoundary(path, tablePath, pass->rp.p->sep, true, inVariables(*table));
             if (boundary == BOUNDARY::INSIDE) {
-                return;  // so it is for all tables of the path, and for those above it
+                return;  // likewise for all tables of this path and of those further down
             }
             if (endsRow(boundary)) {
                 endRow(pass, table);
@@ -111,10 +110,10 @@ void endRows(JMAPPass* pass, std::string_view path) {
     }
 }
 
-// What a marker means to the rows that go on or begin with it.
+// Counts a marker in the rows that go on or begin with it.
 void countMarker(JMAPPass* pass, PASSPATH* found) noexcept {
     found->count += 1;
-    if (found->tables != nullptr) {  // not on the stack: `endRows` has seen to that
+    if (found->tables != nullptr) {  // it is not on the stack: `endRows` has popped it
         found->above = pass->top;
         pass->top = found;
         for (PASSTABLE* table = found->tables; table != nullptr; table = table->samePath) {
@@ -128,10 +127,10 @@ bool isNoNumber(const JMAPPass* pass, std::string_view text) {
     return number.status == QV_NOTNUM && number.word == nullptr;
 }
 
-// Before the column takes its value.  It may have one of this row already: that is overwritten.  Or
-// its table is not open, since the array that holds the value wrote no marker, elements being
-// counted already.  The next row of the table has the value then, whatever that row's parents are;
-// but columns of ancestors and of other places take their values at any time.
+// Called before a column takes a value.  When the cell has a value of this row, that one is
+// overwritten.  When the table is not open, the value strays: its array wrote no marker, since
+// elements had been counted before, and the next row of the table gets the value, whatever its
+// parents are.  Columns of ancestors and of other places may take values at any time.
 [[gnu::noinline]] void countMishap(PASSUSE* use) noexcept {
     JMAPPassCell& cell = use->table->cells[use->cell];
     if (cell.fresh && use->overwritten++ == 0) {
@@ -141,8 +140,8 @@ bool isNoNumber(const JMAPPass* pass, std::string_view text) {
     use->table->strayed |= cell.strayed != 0;
 }
 
-// Whether the record keeps only the beginning of its value.  Each record with a value is asked
-// once, in order.
+// Whether the record keeps only the beginning of its value.  Call it once for each record with a
+// value, in order.
 bool isCut(JMAPPass* pass, const RECORD& record) {
     if (record.valLen != kMaxStringLen || record.kind != VAL_STRING) [[likely]] {
         return false;
@@ -166,8 +165,8 @@ QVStatus storeValue(JMAPPass* pass, PASSPATH& found, const RECORD& record, bool 
         const int32_t kind = cut ? int32_t{JMAP_CELL_CUT} : record.kind;
         QV_TRY(setText(pass->rows, *use->table, use->cell, kind, value));
     }
-    // Values of all other kinds are numbers, or words for one.  What the beginning of a text is
-    // says nothing of the whole.
+    // Values of all other kinds are numbers, or words for one.  A text that is cut never counts as
+    // a number, even if its beginning is one.
     if (record.kind == VAL_STRING && found.numbers && (cut || isNoNumber(pass, value))) {
         pass->notNumber = found.uses;
         pass->notNumberText = value.data();
@@ -214,7 +213,7 @@ QVStatus makeAlldataRows(JMAPPass* pass, const RECORD& record, bool cut = false)
     return QV_OK;
 }
 
-// Takes a value; the record has been passed then.
+// Handles a value.
 QVStatus takeValue(JMAPPass* pass, const RECORD& record) {
     if (record.kind == VAL_FAKEVARIABLE) {
         return QV_OK;
@@ -227,8 +226,8 @@ QVStatus takeValue(JMAPPass* pass, const RECORD& record) {
     return pass->alldata == nullptr ? QV_OK : makeAlldataRows(pass, record, cut);
 }
 
-// Takes a marker: first the rows before it end, and when they have been handed out, it counts for
-// those behind it.  `*passed` says that this is done.
+// Handles a marker, in two calls if it ends rows: first it ends them, and when they have been
+// handed out it counts in the rows after it.  `*passed`: the marker is done.
 QVStatus takeMarker(JMAPPass* pass, const RECORD& record, bool* passed) {
     const std::string_view path = pathOf(record);
     if (!pass->asked) {
@@ -265,7 +264,7 @@ QVStatus replayBlock(JMAPPass* pass) {
     return QV_OK;
 }
 
-// The records are used up: rows may be pending.
+// At the end of the records: rows may be pending.
 QVStatus endStream(JMAPPass* pass) {
     for (; pass->top != nullptr; pass->top = pass->top->above) {
         for (PASSTABLE* table = pass->top->tables; table != nullptr; table = table->samePath) {
@@ -277,7 +276,7 @@ QVStatus endStream(JMAPPass* pass) {
     return pass->endedHead == nullptr ? QV_EOF : QV_OK;
 }
 
-// Goes on until there is something to hand out, or at least to the next block.
+// Replays records until there is something to hand out, or the next block is loaded.
 QVStatus replay(JMAPPass* pass) {
     JMAP_READPRIVATE& rp = pass->rp;
     if (rp.pBufi < rp.pBufLen) {
@@ -295,7 +294,7 @@ QVStatus replay(JMAPPass* pass) {
 
 // ---- Items ----------------------------------------------------------------------------------
 
-// Whether there was something.
+// Hands out one item.  False when there is none.
 bool handOut(JMAPPass* pass, JMAPPassItem* item) {
     while (pass->notNumber != nullptr) {
         const PASSUSE* use = std::exchange(pass->notNumber, pass->notNumber->next);
@@ -360,7 +359,7 @@ QVStatus openPass(JMAP_PRIVATE* p, DSINFO* const* tables, QVStrSize tableCount, 
     }
     auto* pass = poolNew<JMAPPass>(pool);
     if (pass == nullptr) {
-        (void)destroyHandle(pool);  // nothing is in use yet
+        (void)destroyHandle(pool);  // nothing is in it yet
         return QV_NOMEM;
     }
     pass->rp.p = p;
@@ -371,7 +370,7 @@ QVStatus openPass(JMAP_PRIVATE* p, DSINFO* const* tables, QVStrSize tableCount, 
     pass->whole = p->wholeHead;
     const QVStatus rc = fillPass(pass, tables);
     if (rc != QV_OK) {
-        (void)closePass(pass);  // the failure stands
+        (void)closePass(pass);  // the first failure is returned
         return rc;
     }
     *out = pass;

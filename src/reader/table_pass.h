@@ -1,13 +1,12 @@
 // The rows of many tables in one walk over the record stream.
 //
-// Values go only to the columns of their path.  Markers concern only the tables on the current
-// path: a table's row can end only when its table path has been seen in the row, and from then on
-// every marker that does not end the row is the table path or lies below it.  So the table paths
-// that are seen are those on the way from the root to the last marker, each a beginning of the
-// next: a stack. A marker ends rows from the top of the stack downwards, until it meets a table
-// path that it lies below, or its own.  All tables of one path are seen at the same time, because
-// whether a row that its own table path meets ends or goes on, the table path has been seen after
-// it.
+// A value goes only to the columns of its path.  A marker concerns only the tables on the current
+// path: a row can end only when its table path has been seen in it, and from then on every marker
+// that does not end the row is the table path or lies below it.  So the seen table paths lie on the
+// way from the root to the last marker.  Each is a prefix of the next: they are a stack.  A marker
+// ends rows from the top of the stack down, until it meets its own path or one that it lies below.
+// All tables of one path are seen at the same time: after a marker at their path it has been seen,
+// whether the row ended or not.
 //
 // Tested by tests/reader/table_pass_test.cpp
 #pragma once
@@ -30,13 +29,13 @@ struct JMAPPass {
     bool retain;           // the flag
     bool textsStay;        // see jmapPassTextsStay
     PASSPATH* top;         // of the stack of seen table paths
-    PASSTABLE* endedHead;  // complete rows that have not been handed out
+    PASSTABLE* endedHead;  // queue of complete rows for the caller
     PASSTABLE* endedTail;
     PASSTABLE* handed;         // the caller has its row
-    bool asked;                // the marker at hand has ended its rows
+    bool asked;                // the current marker has ended its rows
     uint64_t longStrings;      // strings of kMaxStringLen bytes so far
     const WHOLESTRING* whole;  // the next of them that is not cut
-    const PASSUSE* notNumber;  // columns that may have got `notNumberText`, not yet told
+    const PASSUSE* notNumber;  // columns that may have got `notNumberText`; not reported yet
     const char* notNumberText;
     QVStrSize notNumberLen;
 };
@@ -54,7 +53,7 @@ namespace jmap {
 void passColumn(const JMAPPass* pass, QVStrSize table, QVStrSize column,
                 JMAPPassColumn* info) noexcept;
 
-// Ends the pass, which is gone then.  A status of closing the cache file.
+// Ends the pass and frees it.  Returns the status of closing the cache file.
 QVStatus closePass(JMAPPass* pass);
 
 }  // namespace jmap
