@@ -10,8 +10,8 @@
  *               "const char*" bytes of the document's encoding with their number.
  *   Failure.    A routine that returns an object returns null when it cannot; all others return a
  *               status, and set their out-parameters only when it is QV_OK.
- *   Callbacks.  No service that the engine uses inside a parser callback answers QV_EOF or
- *               QV_NEEDMORE, since the parser passes a callback's status on as its own.
+ *   Callbacks.  No service that the engine uses inside a parser callback gives QV_EOF or
+ *               QV_NEEDMORE, since the parser returns a callback's status as its own.
  *
  * Tested by tests/abi/layout_test.c (layout) and tests/host/ (the portable host's tables)
  */
@@ -172,11 +172,11 @@ struct QVStringService {
     QVBoolean (*equal)(QVStringServiceh s, const char* a, QVStrSize aLen, const char* b, QVStrSize bLen,
                        uint32_t flags);
     /* A JSON integer over the whole text; else QV_NOTNUM.  Beyond 64 bits: QV_NOTNUM.  `*used` is
-     * the number of bytes converted.  Kept: `*value` is 0 on failure. */
+     * the number of bytes converted.  Unlike other out-parameters `*value` is set on failure: 0. */
     QVStatus (*toInteger)(QVStringServiceh s, const char* text, QVStrSize textLen, int64_t* value,
                           QVStrSize* used);
     /* A JSON number over the whole text, correctly rounded; else QV_NOTNUM.  Too large a magnitude
-     * gives infinity and QV_OK, too small a one 0.  Kept: `*value` is 0.0 on failure. */
+     * gives infinity and QV_OK, too small a one 0.  `*value` is set on failure: 0.0. */
     QVStatus (*toDouble)(QVStringServiceh s, const char* text, QVStrSize textLen, double* value,
                          QVStrSize* used);
 };
@@ -200,10 +200,10 @@ typedef uint8_t JSNChar; /* one byte of text */
 #define JSN_INTEGER 3    /* flags of `number`: neither fraction nor exponent */
 #define JSN_REAL 0       /* flags of `number`: fraction or exponent */
 
-/* The events of a parse.  Each callback gets the pointer to this table back, so that a record that
- * begins with the table reaches itself.  A status other than QV_OK stops the parse and becomes its
- * result.  Texts are not terminated, live until the callback returns, and must not be changed; a
- * string of length 0 has a non-null pointer. */
+/* The events of a parse.  Each callback gets the pointer to this table.  A caller that keeps the
+ * table as the first member of a record thus gets its record.  A status other than QV_OK stops the
+ * parse and becomes its result.  Texts are not terminated, live until the callback returns, and
+ * must not be changed; a string of length 0 has a non-null pointer. */
 typedef struct JSNParseCB JSNParseCB;
 struct JSNParseCB {
     QVStatus (*arrayStart)(JSNParseCB* cb);
@@ -245,15 +245,15 @@ typedef struct JSNWriterParms {
     QVStrSize descLen;
 } JSNWriterParms;
 
-/* What a parser is to know of a text that is not simply one document in bytes. */
+/* Rules for a text that is not one document whose columns are counted in bytes. */
 typedef struct JSNTextRules {
     /* The text is JSON Lines: any number of values, each in a line of its own, and lines of white
      * space.  The events are those of one array that holds the values; its end comes with the last
      * buffer, until then `parse` gives QV_EOF. */
     QVBoolean lines;
-    /* What `eventColumn` tells for a token that begins at byte `offset` (from 0) of the text, when
-     * its columns are not to be counted in bytes; null: they are.  Called within `parse`, while the
-     * buffer with that byte is parsed. */
+    /* The result of `eventColumn` for a token that begins at byte `offset` (from 0) of the text;
+     * null: columns are counted in bytes.  Called within `parse`, while the buffer with that byte
+     * is parsed. */
     int64_t (*columnOf)(void* arg, int64_t offset);
     void* arg;
 } JSNTextRules;
@@ -268,12 +268,12 @@ struct JSNParser {
     int64_t (*line)(JSNParserh parser);   /* from 1 */
     int64_t (*column)(JSNParserh parser); /* from 1, in bytes: of the next unread byte, or of the
                                              offending one */
-    /* Within a callback, and after one that failed: where the token begins that it is called for,
-     * in the line that `line` tells (a token has no line end).  May be null. */
+    /* Within a callback, and after one that failed: the column where its token begins, in the line
+     * that `line` gives (a token has no line end).  May be null. */
     int64_t (*eventColumn)(JSNParserh parser);
     /* Before the first buffer.  The rules are copied.  May be null. */
     void (*setRules)(JSNParserh parser, const JSNTextRules* rules);
-    int64_t (*offset)(JSNParserh parser);      /* bytes before what `column` tells; may be null */
+    int64_t (*offset)(JSNParserh parser);      /* bytes before the place of `column`; may be null */
     int64_t (*eventOffset)(JSNParserh parser); /* the same of `eventColumn`; may be null */
 };
 
@@ -300,7 +300,7 @@ struct QVJSON {
 
 /* ---- Module "qvezlib" ---------------------------------------------------------------------- */
 
-/* The stream record of zlib 1.x, field by field (the module proves it). */
+/* The stream record of zlib 1.x, field by field; the module checks that. */
 typedef struct QVZStream {
     const uint8_t* next_in;
     uint32_t avail_in;
@@ -336,9 +336,9 @@ struct QVZLIB {
 /* ---- Module "qvefmt" ----------------------------------------------------------------------- */
 
 /* Informats turn the texts of a column into its values, formats turn numbers into texts.  The
- * engine keeps the handle and carries names, widths and decimals; whoever shows a table applies
- * them.  Opened once for a column, applied to each of its values.  All texts are UTF-8.  The
- * catalogue is in docs/FORMATS.md. */
+ * engine keeps the handle and passes on names, widths and decimals; the program that shows a table
+ * applies them.  Each is opened once for a column and applied to each of its values.  All texts are
+ * UTF-8.  The catalogue is in docs/FORMATS.md. */
 
 typedef struct QVInformat* QVInformath;
 typedef struct QVFormat* QVFormath;
@@ -381,7 +381,7 @@ struct QVFMT {
     /* Likewise.  All formats are for numeric columns. */
     QVStatus (*openFormat)(QVFMTh fmt, QVBoolean numeric, const char* name, QVStrSize nameLen,
                            uint64_t width, uint64_t decimals, QVFormath* format);
-    /* The entries of the catalogue from 0 on.  QV_EOF behind the last. */
+    /* The entries of the catalogue from 0 on.  QV_EOF after the last. */
     QVStatus (*informatAt)(QVFMTh fmt, QVStrSize index, QVFMTEntry* entry);
     QVStatus (*formatAt)(QVFMTh fmt, QVStrSize index, QVFMTEntry* entry);
 };
@@ -412,7 +412,7 @@ struct QVIOFile {
     QVGeneric generic; /* destroy: closes; gives QV_IO_CLOSE when bytes may be lost */
     QVStatus (*write)(QVIOFileh file, const void* block, QVStrSize blockLen); /* one block, whole */
     /* The next block, whole.  `*block` stays valid until the next call on the file.  QV_IO_SHORT
-     * when there is none: never QV_EOF, which would pass for the end of a table. */
+     * when there is none; never QV_EOF, which would be taken for the end of a table. */
     QVStatus (*read)(QVIOFileh file, char** block, QVStrSize* blockLen);
 };
 

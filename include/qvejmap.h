@@ -42,12 +42,12 @@
  * examples/rows.c is the whole of it.
  *
  * WHO FREES WHAT
- *   Maps, names, columns, row buffers and the map document belong to the engine.  A document and all
- *   that came of it live until Term, a read context until ReadTerm, the map document until
+ *   Maps, names, columns, row buffers and the map document belong to the engine.  A document and
+ *   its maps live until Term, a read context until ReadTerm, the map document until
  *   GetAutoMapBufFree (call it before Term and between two GetAutoMapBuf).  The caller's buffers are
  *   borrowed for the call and never written, except `debugString`, which is upper-cased in place.
- *   A call that fails may leave pools of the host alive, and Term leaves tables, a parse of a map and a
- *   map document that were not ended; they are freed when the host stops.
+ *   A call that fails may leave pools alive.  Term does not end open tables, a parse of a map and a
+ *   map document.  What is left is freed when the host stops.
  *
  * THREADS
  *   The engine starts none and locks nothing.  One thread at a time uses a document, and no two Read
@@ -201,9 +201,9 @@ typedef struct UserJMAP_S {
     QVStatus (*JsonInput)(QVEJMAPJsonContexth inh, QVMemPtr inbuf, QVStrSize inlen, QVBoolean done,
                           QVBoolean* caching, QVJnlh jnl);
 
-    /* The automatic map as a JSON document; one without tables before the last buffer.  QV_NOMEM, or
-     * the status of the host's writer.  The writer then stays, and so does that of an earlier call, so
-     * GetAutoMapBufFree follows each call, a failed one too. */
+    /* The automatic map as a JSON document; before the last buffer it has no tables.  QV_NOMEM, or
+     * the status of the host's writer.  Call GetAutoMapBufFree after each call, also after a failed
+     * one: a further call does not end the writer of the one before. */
     QVStatus (*GetAutoMapBuf)(QVEJMAPJsonContexth inh, char** buf, QVStrSize* bufLen, QVJnlh jnl);
 
     /* The status of ending the writer; QV_OK when there is none. */
@@ -218,9 +218,9 @@ typedef struct UserJMAP_S {
      *   QV_OK     a row is in obsbuf
      *   QV_EOF    there are no more, until ReadReset
      *   QV_NOMEM  no memory, or a compressed block that does not inflate
-     *   other     of opening or reading the cache file, such as QV_IO_SHORT and QV_IO_CHANGED
-     * After the last two there is no row.  Stop then: the next call may go on after the block that
-     * could not be loaded, and miss the values in it. */
+     *   other     a status of opening or reading the cache file, such as QV_IO_SHORT, QV_IO_CHANGED
+     * After QV_NOMEM and other there is no row.  Stop then: the next call may go on after the block
+     * that could not be loaded, without the values in it. */
     QVStatus (*Read)(QVEJMAPReadContexth rctx);
 
     /* From the first row again, and the end of the read context.  Both always QV_OK. */
@@ -271,8 +271,8 @@ typedef struct UserJMAP_S {
      * until Term.  QV_NOMEM, with a null `*i`. */
     QVStatus (*GetAlldataInfo)(QVEJMAPJsonContexth inh, int32_t** i);
 
-    /* 0: a table of the map has exactly this name, or it is `alldataName` of JsonInit, which every map
-     * has.  1: none has; this 1 is the answer no, not one of the codes in qvstatus.h. */
+    /* 0: a table of the map has exactly this name, or it is the `alldataName` of JsonInit.
+     * 1: there is no such table.  This 1 means no; it is none of the codes in qvstatus.h. */
     QVStatus (*MemberExist)(QVEJMAPJsonContexth inh, QVMemPtr m, int16_t nameLen, char* name);
 
     /* Ends the document, and gives the status of ending its pool. */

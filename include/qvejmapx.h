@@ -1,13 +1,13 @@
-/* What tools need beyond the operation table: tables and columns by position, the records of the
- * stream, the rows of many tables in one walk, the statistics of paths.
+/* What tools need in addition to the operation table: tables and columns by position, the records
+ * of the stream, the rows of many tables in one pass, the statistics of paths.
  *
  * These routines work on the same handles as qvejmap.h and follow its rules.  They are part of the
  * static engine library (link jmap_engine and register the entry point with
  * qvPortableRegister(host, "qvejmap", qvejmap)); the loadable module does not export them.
  *
- * Everything handed out points into the document and lives until Term, except a record's texts,
- * which live until the next call on its cursor, and the items of a pass.  Paths use the byte 0x02 as
- * separator.
+ * All pointers lead into the document and are valid until Term.  Exceptions are the texts of a
+ * record, valid until the next call on its cursor, and the items of a pass.  The separator in paths
+ * is the byte 0x02.
  *
  * WHAT MAY CHANGE
  *   The operation table of qvejmap.h stays as it is.  This header grows with the tools: a new
@@ -53,7 +53,7 @@ typedef struct JMAPFormat {
     uint64_t decimals;
 } JMAPFormat;
 
-/* What comes after `kinds` is of user maps only. */
+/* The fields after `kinds` are set for user maps only. */
 typedef struct JMAPColumnInfo {
     const char* name; /* null when a user map gives none */
     QVStrSize nameLen;
@@ -84,8 +84,8 @@ QVStatus jmapAlldataTable(QVEJMAPJsonContexth inh, JMAPTableh* table);
 
 void jmapTableInfo(JMAPTableh table, JMAPTableInfo* info);
 
-/* Writes the path of a table, of a column: as many bytes as the info says.  The engine does not keep
- * such texts but puts them together.  On any thread. */
+/* Write the path of a table or a column: as many bytes as the info says.  The engine does not store
+ * these texts but builds them.  On any thread. */
 void jmapTablePath(JMAPTableh table, char* path);
 void jmapColumnPath(JMAPColumnh column, char* path);
 
@@ -94,7 +94,7 @@ QVStatus jmapNextColumn(JMAPTableh table, JMAPColumnh* column);
 
 void jmapColumnInfo(JMAPColumnh column, JMAPColumnInfo* info);
 
-/* ReadInit for a table that is already found, whatever its name.  QV_NOMEM. */
+/* ReadInit for a table by its handle; several tables may have one name.  QV_NOMEM. */
 QVStatus jmapReadTable(QVEJMAPJsonContexth inh, JMAPTableh table, QVEJMAPReadInitParms* rip,
                        QVEJMAPReadContexth* inrctx);
 
@@ -115,17 +115,17 @@ void jmapObserve(QVEJMAPReadContexth rctx, const JMAPReadObserver* observer);
 
 /* ---- Text of a document -------------------------------------------------------------------- */
 
-/* The parser of a document, so that it can be told rules for the text before the first buffer; null
- * when it could not be made. */
+/* The parser of a document, to set rules for the text before the first buffer; null when it could
+ * not be made. */
 struct JSNParser* jmapParser(QVEJMAPJsonContexth inh);
 
-/* Ends what a document keeps open when its last buffer failed or never came: the cache file and hash
- * tables, which Term leaves to the host.  Only Term may follow. */
+/* Call this before Term when the last buffer failed or never came.  It ends the cache file and the
+ * hash tables, which else live until the host stops.  Only Term may follow. */
 void jmapEndInput(QVEJMAPJsonContexth inh);
 
 /* ---- Limits of a scan ---------------------------------------------------------------------- */
 
-/* What a document has come to so far. */
+/* The size of a document so far. */
 typedef struct JMAPGrowth {
     uint64_t paths;        /* distinct ones, also of objects and arrays */
     uint64_t recordBytes;  /* of closed blocks, uncompressed */
@@ -133,8 +133,9 @@ typedef struct JMAPGrowth {
     uint64_t tables;       /* of the automatic map, which is made after the last record */
 } JMAPGrowth;
 
-/* Is asked with each block of records that is closed and before each table of the automatic map is
- * made.  What it answers other than QV_OK ends the scan: JsonInput then fails.  It must not throw. */
+/* Limits a scan.  `check` is called for each block of records that is closed, and before each table
+ * of the automatic map is made.  Any status but QV_OK ends the scan: JsonInput then fails.  It must
+ * not throw. */
 typedef struct JMAPGuard {
     void* arg;
     QVStatus (*check)(void* arg, const JMAPGrowth* growth);
@@ -143,8 +144,8 @@ typedef struct JMAPGuard {
 /* Before the first buffer; `guard` must live until Term. */
 void jmapGuard(QVEJMAPJsonContexth inh, const JMAPGuard* guard);
 
-/* The path below which more than half of all paths lie, the longest one: how many, and, when `path`
- * is not null, its text.  Returns its length. */
+/* The longest path that has more than half of all paths below it.  `*count`: how many.  Writes its
+ * text to `path`, if that is not null, and returns its length. */
 QVStrSize jmapMostPaths(QVEJMAPJsonContexth inh, uint64_t* count, char* path);
 
 /* ---- Records ------------------------------------------------------------------------------- */
@@ -175,13 +176,13 @@ typedef struct JMAPRecord {
  * Any number may be open; they follow the rule of Read: one call at a time for each document. */
 QVStatus jmapRecordsOpen(QVEJMAPJsonContexth inh, JMAPRecordCursorh* cursor);
 
-/* The next record; QV_EOF after the last.  Else the cursor is over, and further calls give the same:
- * a status of loading a block. */
+/* The next record; QV_EOF after the last.  Any other status comes from loading a block; further
+ * calls give the same one. */
 QVStatus jmapRecordsNext(JMAPRecordCursorh cursor, JMAPRecord* record);
 
 QVStatus jmapRecordsClose(JMAPRecordCursorh cursor);
 
-/* ---- Rows of many tables in one walk ------------------------------------------------------- */
+/* ---- Rows of many tables in one pass ------------------------------------------------------- */
 
 typedef struct JMAPPass* JMAPPassh; /* opaque */
 
@@ -194,7 +195,7 @@ enum {
 
 typedef struct JMAPPassCell {
     int32_t kind;     /* JMAP_CELL_... or JMAP_KIND_...; a text of ALLDATA is a STRING, or cut */
-    QVBoolean fresh;  /* set for this row, not kept from an earlier one */
+    QVBoolean fresh;  /* set in this row, not kept from an earlier one */
     QVBoolean strayed; /* it came before the row began: see JMAPPassColumn */
     const char* text; /* of a value: as recorded, neither padded nor cut nor converted */
     union {
@@ -228,19 +229,19 @@ typedef struct JMAPPassItem {
 QVStatus jmapPassOpen(QVEJMAPJsonContexth inh, const JMAPTableh* tables, QVStrSize tableCount,
                       uint64_t flags, JMAPPassh* pass);
 
-/* The next item; it lives until the next call.  QV_EOF after the last.  Else the pass is over, and
- * further calls give the same: QV_NOMEM, a status of loading a block. */
+/* The next item, valid until the next call.  QV_EOF after the last.  Any other status is QV_NOMEM
+ * or comes from loading a block; further calls give the same one. */
 QVStatus jmapPassNext(JMAPPassh pass, JMAPPassItem* item);
 
 QVStatus jmapPassClose(JMAPPassh pass);
 
-/* What has come for a column so far; all 0: nothing takes values for it. */
+/* Counts of a column so far; all 0: it takes no values. */
 typedef struct JMAPPassColumn {
     uint64_t values;           /* of its path */
     uint64_t overwritten;      /* of them replaced by a later one in the same row */
     uint64_t firstOverwritten; /* its number, from 1, among the values of the path */
-    /* Of them in a row that began after them, as an array that comes after other elements need not
-     * begin one: the row may belong to another parent. */
+    /* Of them in a row that began after them: an array that comes after other elements does not
+     * always begin a row.  The row may belong to another parent. */
     uint64_t strayed;
     QVBoolean below;           /* the path lies below the table's; else values never stray */
 } JMAPPassColumn;
@@ -250,8 +251,8 @@ void jmapPassColumn(JMAPPassh pass, QVStrSize table, QVStrSize column, JMAPPassC
  * fresh are in no row. */
 void jmapPassLeft(JMAPPassh pass, QVStrSize table, const JMAPPassCell** cells, QVStrSize* cellCount);
 
-/* Whether the texts that cells (not the cells) point to live until Term, because the records lie in
- * memory as they are. */
+/* Whether the texts of cells (not the cells) are valid until Term, because the records are in
+ * memory and not compressed. */
 QVBoolean jmapPassTextsStay(JMAPPassh pass);
 
 /* The number that a NUMERIC column has for a text: that of a JSON number, or of the words true (1),
@@ -294,8 +295,8 @@ void jmapPathInfo(JMAPPathh path, JMAPPathInfo* info);
 /* Writes the path: `pathLen` bytes. */
 void jmapPathText(JMAPPathh path, char* text);
 
-/* Places of chosen values: asks a document that is scanned anew, before its first buffer, where value
- * `number` (from 1) of a path begins.  QV_NOMEM. */
+/* Asks for the place of value `number` (from 1) of a path.  Call it before the first buffer of a
+ * document, which is usually scanned a second time for this.  QV_NOMEM. */
 typedef struct PATHWATCH* JMAPWatchh; /* opaque */
 QVStatus jmapWatch(QVEJMAPJsonContexth inh, const char* path, QVStrSize pathLen, int64_t number,
                    JMAPWatchh* watch);
@@ -312,10 +313,10 @@ typedef struct JMAPTotals {
     uint64_t storedBytes;  /* as kept: compressed when asked for */
     uint64_t blocks;
     uint64_t blocksOnDisk;
-    /* What the end of a document lost without a status, for want of memory or of room in the cache
-     * file: 0, or the tables must not be taken for the document's. */
+    /* What the end of a scan lost without a status, when memory or the cache file was full.  Unless
+     * all are 0, the tables are not those of the document. */
     uint64_t unstoredBytes; /* of records in the last block */
-    QVStatus unstoredStatus; /* why; of use with such bytes only */
+    QVStatus unstoredStatus; /* why; meaningless when there are no such bytes */
     uint64_t droppedTables; /* that are missing in the automatic map */
     uint64_t lostLookups;   /* failures of hash tables: tables and columns may be there twice */
     /* Member names of 256 bytes or more, or empty ones: in ALLDATA labels are cut at wrong places. */

@@ -11,7 +11,7 @@
  *     qvPortableStop(host);
  *
  * The host touches neither locale, signals, exit hooks nor standard output.  One host is the global
- * one at a time: starting makes it so, stopping brings the one before back.  Start and stop are not
+ * one at a time: a start makes it so, its stop restores the one before.  Start and stop are not
  * to be called while another thread uses a host; all else follows qvejmap.h.
  *
  * Tested by tests/host/kernel_test.cpp
@@ -35,8 +35,8 @@ typedef struct QVPortableOptions {
      * escaped. */
     void (*journalCallback)(void* arg, const char* note, size_t noteLen);
     void* journalArg;
-    uint64_t memoryBudget;   /* bytes that the process may hold before qvmrlmem answers 0: pools and
-                                all else that it has filled; 0: no budget */
+    uint64_t memoryBudget;   /* bytes that the process may hold, in pools and elsewhere, before
+                                qvmrlmem gives 0; 0: no budget */
     uint64_t maxDepth;       /* nesting limit of the JSON parser; 0: none */
 } QVPortableOptions;
 
@@ -56,7 +56,7 @@ QV_EXPORT QVStatus qvPortableRegister(QVHndlp host, const char* name, QVEntry en
  * brings a host of its own, and for tests that stand between the engine and the host. */
 QV_EXPORT QVHndlp qvPortableInstall(QVHndlp host);
 
-/* Changes the memory budget while the host runs. */
+/* Changes the memory budget of a running host. */
 QV_EXPORT void qvPortableSetBudget(QVHndlp host, uint64_t bytes);
 
 /* What the pools of a host hold and did. */

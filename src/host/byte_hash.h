@@ -1,8 +1,8 @@
 // A hash of byte strings.
 //
 // Words of the text are multiplied into 128 bits and both halves folded together, 16 bytes a step.
-// Keys come from documents, so each table draws a seed of its own: which keys collide cannot be
-// known beforehand.
+// Keys come from documents, so each table draws a random seed: the author of a document cannot
+// choose keys that collide.
 //
 // Tested by tests/host/tracker_test.cpp
 #pragma once

@@ -1,4 +1,4 @@
-// What the memory of a host's pools and trackers amounts to, and the failures that a test plans.
+// Counts the memory of a host's pools and trackers, and makes allocations fail when a test asks.
 //
 // All threads of a host share one account, so it is touched only when memory comes from or goes
 // back to the system, not for each piece.

@@ -164,7 +164,7 @@ std::optional<uint64_t> MemoryQuery::available() const {
         }
         uint64_t left = *limit - std::min(*limit, *usage);
         if (!least || left < *least) {
-            // The statistics are dear to read, and matter only here.
+            // The statistics are slow to read, and are needed only here.
             const auto inactive = fieldIn(textOf(group.stat), group.inactiveKey);
             left = *limit - std::min(*limit, *usage - std::min(*usage, inactive.value_or(0)));
             least = std::min(left, least.value_or(left));

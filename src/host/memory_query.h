@@ -16,7 +16,7 @@
 
 namespace qvhost {
 
-// Where the system tells; a test has files of its own.
+// The files of the system that are read; a test has its own.
 struct MemoryPaths {
     std::string meminfo = "/proc/meminfo";
     std::string ownGroups = "/proc/self/cgroup";
@@ -50,11 +50,11 @@ class MemoryQuery {
    public:
     explicit MemoryQuery(const MemoryPaths& paths = {});
 
-    // Bytes available, or none when the system does not tell.  Safe to call from several threads.
+    // Bytes available, or none when the system gives no figure.  Safe to call from several threads.
     [[nodiscard]] std::optional<uint64_t> available() const;
 
     // Bytes of memory that the process itself has filled, files it has mapped left out; 0 when the
-    // system does not tell.  Likewise.
+    // system gives no figure.  Safe to call from several threads.
     [[nodiscard]] uint64_t held() const;
 
    private:

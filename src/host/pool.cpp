@@ -9,11 +9,11 @@
 // never joined.  A region is only address space at first: what counts as held is what has been cut
 // from it.  A region after a pool's first has its pages made present 2 MiB at a time: most of the
 // cost of a fresh piece is the first touch of its pages, and one call for many costs two thirds of
-// a fault for each.  The first region is left to faults, so that a pool for a small document stays
-// small.  Pages of 2 MiB would be dearer where it matters: under a hypervisor that takes free
-// memory back they are what it takes first, and 800 MB of them took 0.15 s or 2.4 s, where this
-// takes 0.27.  What is cut for the first time from a fresh region is zero; a region that another
-// pool has left (region_cache.h) is cleared where that is asked for.
+// a fault for each.  The pages of the first region are made by faults, so that a pool for a small
+// document stays small.  Huge pages of 2 MiB are not used: under a hypervisor that takes back free
+// memory, it takes them first, and 800 MB of them took 0.15 s or 2.4 s, where this takes 0.27.  A
+// fresh region is zero; one that another pool has left (region_cache.h) is cleared where the caller
+// asks for zeros.
 //
 // Tested by tests/host/pool_test.cpp
 #include "host/pool.h"
@@ -42,7 +42,7 @@ constexpr std::size_t kLastRegion = 256 * kMiB;
 constexpr std::size_t kFirstGrain = 64 * kKiB;  // the first region is counted in these
 constexpr std::size_t kGrain = 2 * kMiB;        // the others are counted and made present in these
 
-// Makes pages present before they are touched.  A wish: without it each is made by a fault.
+// Makes pages present before they are touched.  If this fails, each page is made by a fault.
 void makePresent([[maybe_unused]] std::byte* begin, [[maybe_unused]] std::size_t size) {
 #ifdef MADV_POPULATE_WRITE
     madvise(begin, size, MADV_POPULATE_WRITE);

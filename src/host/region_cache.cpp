@@ -1,4 +1,4 @@
-// Mappings that ended pools leave to later ones.
+// A cache of mappings, from ended pools to later ones.
 //
 // Tested by tests/host/pool_test.cpp
 #include "host/region_cache.h"
@@ -13,7 +13,7 @@ namespace qvhost {
 namespace {
 
 #ifdef QV_ASAN
-constexpr std::size_t kMostKept = 0;  // what is touched after a pool's end shall be found
+constexpr std::size_t kMostKept = 0;  // so that the sanitizer finds use after a pool's end
 #else
 constexpr std::size_t kMostKept = std::size_t{1} << 31;  // bytes
 #endif

@@ -1,9 +1,8 @@
-// Mappings that ended pools leave to later ones.
+// A cache of mappings, from ended pools to later ones.
 //
 // Most of the cost of fresh memory is the first touch of its pages.  A program that reads one
-// document after the other pays it once: the regions of an ended pool are kept, marked as free to
-// take for the system when it runs short (MADV_FREE), and handed to the next pool with whatever
-// they hold.
+// document after the other pays it once: the regions of an ended pool are kept and given to the
+// next pool, with their contents.  Meanwhile the system may take their pages (MADV_FREE).
 //
 // Any thread may use it.
 //
@@ -18,7 +17,7 @@ namespace qvhost {
 class RegionCache {
    public:
     struct Mapping {
-        std::byte* begin;  // null: none could be had
+        std::byte* begin;  // null: there was no memory
         std::size_t size;
         bool isZero;  // fresh from the system
     };
@@ -31,8 +30,8 @@ class RegionCache {
     // A mapping of `wanted` bytes or more, or one of at least `least` when that is all there is.
     Mapping get(std::size_t wanted, std::size_t least);
     // Takes a mapping over, without any part of it hidden from the address sanitizer.
-    //   used  bytes at its begin that may have been written since it was had: only they are marked,
-    //         or else every end of a small pool would cost as much as its region is large
+    //   used  bytes at its begin that may have been written: only they are marked, so that the end
+    //         of a small pool is cheap however large its region is
     void put(std::byte* begin, std::size_t size, std::size_t used);
 
    private:

@@ -1,4 +1,4 @@
-// The rim between the C tables and the C++ that serves them.
+// The boundary between the C tables and the C++ that implements them.
 //
 // A table's slot is called by code that knows no exceptions.  `Rim<&routine>::call` is the routine
 // with every exception turned into a result: QV_NOMEM or QV_INTERNAL where it returns a status,
@@ -47,7 +47,7 @@ struct Rim<Routine> {
     static void call(Args... args) noexcept {
         try {
             Routine(args...);
-        } catch (...) {  // the caller has no way to hear of it
+        } catch (...) {  // there is no result to report it by
         }
     }
 };

@@ -111,8 +111,8 @@ QVStatus BlockFile::claim() {
     if (!isOurs(info)) {
         return QV_IO_REFUSED;
     }
-    // Two that write one empty file would mix their blocks.  Where the file system has no locks,
-    // the caller's choice of names is all there is.
+    // Two writers of one empty file would mix their blocks.  Where the file system has no locks,
+    // only the caller's choice of names prevents that.
     if (calls_.flock(fd_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
         return QV_IO_REFUSED;
     }
@@ -121,7 +121,7 @@ QVStatus BlockFile::claim() {
 }
 
 BlockFile::~BlockFile() {
-    (void)calls_.close(fd_);  // no one needs the bytes any more
+    (void)calls_.close(fd_);  // the bytes are not needed any more
 }
 
 QVStatus BlockFile::append(std::span<const char> block) {

@@ -12,8 +12,8 @@
 // of its own, so that a place is never anything but the place in the text.  Within a value a line
 // feed is not passed over as white space, and so turns up where a token is expected.
 //
-// Position.  Line ends are counted where white space is passed over, the only place where a raw
-// line feed may stand; so there is no second pass over the bytes.
+// Position.  Line feeds are counted while white space is skipped, since they occur nowhere else.
+// So the bytes are read only once.
 //
 // Tested by tests/json/
 #pragma once

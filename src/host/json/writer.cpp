@@ -82,9 +82,10 @@ QVStatus Writer::openFrame(int32_t kind) {
     return QV_OK;
 }
 
-// Kept: an object may be closed after a name, which then stands without colon and value.  That is
-// the one way to a document that is not JSON: the map writer gives a column of a type without a
-// word no value, so its next name becomes the value and the column's last string a name on its own.
+// Kept: an object may be closed after a name, which then has no colon and no value.  This is the
+// only way to write a document that is not JSON.  The map writer needs it: it gives a column of an
+// unknown type no value, so the next name becomes the value, and the last string a name without
+// one.
 QVStatus Writer::closeFrame() {
     if (frames_.size() == 1) {
         return QV_UNSUPPORTED;

@@ -1,8 +1,8 @@
 // The encodings that a document may have: UTF-8, and the single-byte code pages of ICU whose bytes
 // 0 to 7F are ASCII, so that all of JSON's own characters are the bytes that they are in UTF-8.
 //
-// Encodings get their ids as they are asked for, for the whole process; a code page is read from
-// ICU once and then kept for good.  All routines may be called from any thread.
+// An encoding gets its id when it is first asked for; ids hold for the whole process.  A code page
+// is read from ICU once and never freed.  All routines may be called from any thread.
 //
 // Tested by tests/host/nls_test.cpp
 #pragma once

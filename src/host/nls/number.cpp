@@ -109,7 +109,7 @@ std::optional<double> exactShortcut(const Parts& parts) noexcept {
 }
 
 // A number of any length in a form of bounded length that rounds to the same double.  768 digits
-// settle every case but for "is there anything after them", which one more digit says.
+// and one that says whether any other digit but 0 follows decide every case.
 class ShortForm {
    public:
     explicit ShortForm(const Parts& parts) noexcept

@@ -1,7 +1,8 @@
 // Texts to numbers, by the syntax of JSON.
 //
-//     number  = [ "-" ] ( "0" | digit1-9 *digit ) [ "." 1*digit ] [ ( "e" | "E" ) [ "+" | "-" ]
-//     1*digit ] integer = the same without fraction and exponent
+//     number   = [ "-" ] ( "0" | digit1-9 *digit ) [ "." 1*digit ] [ exponent ]
+//     exponent = ( "e" | "E" ) [ "+" | "-" ] 1*digit
+//     integer  = a number without fraction and exponent
 //
 // The whole text must be one number: no blanks, no "+", no leading zeros, no bare point.  All bytes
 // of a number are ASCII, so one conversion serves every document encoding.

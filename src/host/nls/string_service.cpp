@@ -32,7 +32,7 @@ QVBoolean isEqual(QVStringServiceh, const char* a, QVStrSize aLen, const char* b
     return view(a, aLen) == view(b, bLen) ? 1 : 0;
 }
 
-// Kept: a text that is no number stores 0, which is what a numeric column then shows.
+// Kept: a text that is no number stores 0 although the call fails; a numeric column then shows 0.
 template <class T>
 QVStatus store(std::optional<T> number, QVStrSize textLen, T* value, QVStrSize* used) noexcept {
     *value = number.value_or(T{0});
