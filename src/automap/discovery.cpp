@@ -24,12 +24,12 @@ QVStatus doMapping(JMAP_PRIVATE* p) {
     map->mtype = AUTO_MAP;
     uint64_t tables = 0;
     for (PATHINFO& info : each(p->pathInfoHead)) {
-        // Kept: a table that fails is left out and counted, with no status.  One can observe a map
-        // without it, and perhaps a gap in the numbers of tables of its name.
         if (info.processed) {
             continue;
         }
         QV_TRY(askGuard(p, tables++));
+        // Kept: a table that fails is left out and counted, with no status.  One can observe a map
+        // without it, and perhaps a gap in the numbers of tables of its name.
         if (doDataset(p, map, &info) != QV_OK) {
             ++p->droppedTables;
         }

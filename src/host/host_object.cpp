@@ -63,7 +63,7 @@ void Registry::endAll() noexcept {
             object = &newest_->object();
             unlink(*newest_);
         }
-        (void)object->destroy(object);  // there is no caller left to tell of a failure
+        (void)object->destroy(object);  // no caller is left to report a failure to
     }
 }
 

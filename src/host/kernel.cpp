@@ -124,7 +124,7 @@ Host::~Host() {
     objects_.endAll();
     if (nls != nullptr) {
         (void)nls->exth.generic.destroy(
-            &nls->exth.generic);  // there is no caller left to tell of a failure
+            &nls->exth.generic);  // no caller is left to report a failure to
     }
 }
 

@@ -106,7 +106,7 @@ MemoryQuery::MemoryQuery(const MemoryPaths& paths)
 }
 
 // Adds the group at `path` and those above it, as far as they have a limit to read.  Inside a
-// container the path may lie outside of what is mounted; then the root speaks for it.
+// container the path may lie outside of what is mounted; then the root is used.
 void MemoryQuery::addGroups(const std::string& root, std::string path, bool isUnified) {
     for (;;) {
         while (path.ends_with('/')) {

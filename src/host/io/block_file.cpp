@@ -133,7 +133,7 @@ QVStatus BlockFile::append(std::span<const char> block) {
         if (count <= 0) {
             const QVStatus status = count < 0 && isFull(errno) ? QV_IO_FULL : QV_IO_WRITE;
             blocks_.pop_back();
-            (void)calls_.ftruncate(fd_, size_);  // the status tells of the failure that counts
+            (void)calls_.ftruncate(fd_, size_);  // the status is that of the first failure
             return status;
         }
         end += count;

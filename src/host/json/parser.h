@@ -1,7 +1,7 @@
 // The JSON push parser: takes a document in buffers of any size and calls the events of JSNParseCB.
 //
 // The work is divided in two.  The loop (parser_loop.cpp) recognises tokens that are well formed
-// and whole in the buffer, and hands them over from where they stand.  Every other token, one that
+// and whole in the buffer, and passes them on without a copy.  Every other token, one that
 // crosses the end of the buffer, has escapes or is wrong, goes to a collector: a small machine that
 // takes the token byte by byte into memory of the parser, can stop at any byte, and knows each
 // mistake.  So mistakes are described in one place, whichever way the document is cut.
@@ -47,7 +47,7 @@ class Parser : public JSNParser {
    private:
     // What comes next.
     enum class State : uint8_t {
-        BEGIN,           // the first byte: a byte order mark is told apart here
+        BEGIN,           // the first byte: a byte order mark is detected here
         BOM,             // after the first bytes of what may be one
         DOCUMENT,        // the value of the document
         VALUE,           // after ':'
@@ -149,7 +149,7 @@ class Parser : public JSNParser {
 
     const uint8_t* buf_ = nullptr;  // the present buffer, during a call
     int64_t bufOffset_ = 0;         // its place in the document
-    int64_t offset_ = 0;            // the position to tell
+    int64_t offset_ = 0;            // the position that `column` gives
     int64_t line_ = 1;
     int64_t lineStart_ = 0;  // offset of its first byte
 

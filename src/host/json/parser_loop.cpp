@@ -181,7 +181,7 @@ void Parser::loop(const uint8_t* p, const uint8_t* end) {
                      p + 1);
 }
 
-// What stands in no container.
+// A value in no container.
 [[gnu::noinline]] const uint8_t* Parser::outside(const uint8_t* p, const uint8_t* end) {
     switch (state_) {
         case State::BEGIN:

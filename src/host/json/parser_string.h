@@ -1,5 +1,5 @@
-// The text of a string that cannot be handed over as it stands in the buffer: it has escapes, or it
-// crosses the end of the buffer.
+// The text of a string that cannot be passed on from the buffer without a copy: it has escapes, or
+// it crosses the end of the buffer.
 //
 // Tested by tests/json/parser_test.cpp
 #pragma once

@@ -1,8 +1,8 @@
 // Where the text of strings stops, found for a stretch of a buffer at a time.
 //
 // Most strings are short, so a vector load for each would make every token wait for the one before
-// it.  Here all stops of a stretch are found ahead, one bit a byte; the next stop after a byte is
-// then one load, one shift and one bit count away, wherever the byte stands.
+// it.  Here all stops of a stretch are found ahead, one bit for each byte.  To find the next stop
+// after a byte then takes one load, one shift and one bit count.
 //
 // Tested by tests/json/parser_test.cpp
 #pragma once
@@ -17,10 +17,10 @@
 
 namespace qvhost {
 
-// What one look at the stops tells: those among the bytes from a place on, 57 of them at least.
+// The stops among the next bytes from a place on, at least 57 bytes.
 class NearStops {
    public:
-    // Bit i of `stops` tells of from[i].
+    // Bit i of `stops` is for from[i].
     NearStops(const uint8_t* from, uint64_t stops) : from_(from), stops_(stops) {}
 
     // The first stop from `p` on, null when it is not near.  `p` is not before the place.
@@ -65,7 +65,7 @@ class TextWindow {
 
    private:
     static constexpr std::size_t kBytes = 1024;
-    static constexpr std::ptrdiff_t kSeen = 57;  // bytes that one look tells of, at least
+    static constexpr std::ptrdiff_t kSeen = 57;  // bytes that a NearStops covers, at least
 
     // The stops among the next kSeen bytes or more: bit i tells of p[i].  Taken from the byte of
     // stops_ that holds bit 0, which is why the order of its bytes matters.

@@ -20,8 +20,8 @@ namespace {
 // Something open, or (the outermost) the document itself.
 struct Frame {
     char closer;           // '}', ']', or 0 for the document, which holds one value
-    bool filled = false;   // something stands in it
-    bool pending = false;  // of an object: a name stands there without its value
+    bool filled = false;   // it has a value
+    bool pending = false;  // of an object: its last name has no value yet
 };
 
 class Writer : public JSNWriter {
@@ -37,7 +37,7 @@ class Writer : public JSNWriter {
    private:
     // May a value come next?
     [[nodiscard]] bool takesValue() const noexcept;
-    // Writes what stands between the value to come and what is there.
+    // Writes the separator before the next value.
     void beginValue();
 
     std::string text_;

@@ -141,7 +141,7 @@ const Entry* findById(QVCEI id) {
     return findEntry([id](const Entry& entry) { return entry.id == id; });
 }
 
-// Two threads may bring the same page; the second finds the first one's.
+// Two threads may make the same page; the second one then uses that of the first.
 QVCEI addEntry(std::unique_ptr<Entry> made) {
     const std::lock_guard lock(entriesMutex);
     for (const Entry* entry = entries; entry != nullptr; entry = entry->next) {
