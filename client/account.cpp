@@ -112,7 +112,7 @@ class CellCount {
         : pass_(pass) {
         for (std::size_t t = 0; t < tables.size(); ++t) {
             rows_.push_back(std::make_unique<PassRow>(
-                document, *tables[t], [this, t](const qvej::Row& /*row*/, const Rejected& value) {
+                document, *tables[t], [this, t](const Row& /*row*/, const Rejected& value) {
                     if (value.cut) {
                         add(columns_[t][value.column].cut, pass_.column(t, value.column).values);
                     }
@@ -245,7 +245,8 @@ RowLosses rowLossesOf(const TablePass& pass, const std::vector<const Table*>& ta
             }
             PathAccount account = shownBy(pass, t, c);
             if (pass.column(t, c).below == 0) {
-                of(account, Loss::OVERWRITTEN) = {};  // of an ancestor that had no row here, mostly
+                // Mostly values of an ancestor, which has no row of its own in this table.
+                of(account, Loss::OVERWRITTEN) = {};
             }
             byPath.offer(column.path, account);
         }

@@ -46,7 +46,7 @@ struct PathAccount {
     LostValues strayed;  // of these in a row that began after them
     std::array<LostValues, kLosses> lost;
 
-    // Every value is a cell or lost.
+    // Is every value in a cell or lost?
     [[nodiscard]] bool meets() const;
 };
 
@@ -54,13 +54,13 @@ struct PathAccount {
 // TablePass and PassRow.
 [[nodiscard]] std::vector<PathAccount> accountOf(const Document& document, bool retain);
 
-// Values that a pass which has ended did not bring into a row, rejected ones apart.  With a user's
-// map also those apart that it has no column for: whoever wrote it left them out.
+// Values that are in no row when the pass has ended.  Rejected values do not count, nor, with a
+// user's map, values without a column: the map leaves them out on purpose.
 //   tables  those of the pass, all of the map
 [[nodiscard]] uint64_t lostOf(const Document& document, const TablePass& pass,
                               const std::vector<const Table*>& tables);
 
-// What goes wrong in the rows, whatever a map leaves out on purpose.
+// Values that the rows lose or may show in the wrong row.  What a map leaves out does not count.
 struct RowLosses {
     uint64_t overwritten = 0;  // in columns whose path lies below the table's
     uint64_t strayed = 0;

@@ -1,8 +1,8 @@
-// Where records go that leave memory, when nobody names a file.
+// The file for records that leave memory, when the user names none.
 //
-// Most documents never need a file, and one that does must leave nothing behind, whatever ends the
-// program, and let nobody else look into it.  So the file has no name: the host makes it, when the
-// first block leaves memory, in the directory that it is given here.
+// Most documents never need it.  It must not stay when the program ends, however it ends, and no
+// other user may read it.  So it has no name: the host makes it, when the first block leaves
+// memory, in the directory that is given here.
 //
 // Tested by tests/tool/golden/spill.t and tests/tool/golden/interrupt.t
 #pragma once

@@ -20,8 +20,8 @@ constexpr std::string_view kRounded = "rounded to what a double keeps";
 constexpr std::size_t kLongestText = 32767;  // bytes that a record keeps
 constexpr std::size_t kMostPending = 10000;  // values of one row, so that memory is bounded
 
-// Adds `places` to the exponent of a number's text.  One that no integer holds stays: it says
-// enough.
+// Adds `places` to the exponent of a number's text.  An exponent that no integer holds stays: the
+// number is infinite or 0 in any case.
 void movePoint(std::string& number, int64_t places) {
     const std::size_t end = std::min(number.find_first_of("eE"), number.size());
     const char* const begin = number.data() + std::min(end + 1, number.size());
@@ -73,7 +73,7 @@ void CellValues::openConversions() {
     }
 }
 
-// The row is told of when it is complete: only then it has all its ordinals.
+// The value is reported when its row is complete: only then the row has all its ordinals.
 void CellValues::notNumber(std::size_t column, std::string_view text) {
     pending_.push_back({column, std::string(text)});
     if (pending_.size() == kMostPending) {
@@ -84,7 +84,7 @@ void CellValues::notNumber(std::size_t column, std::string_view text) {
 void CellValues::reportPending(uint64_t row) {
     std::string decoded;
     for (const Pending& pending : pending_) {
-        // Of a cut text there is no other sign than its length; a number so long is none in a text.
+        // Only the length shows that a text was cut.  No text of that length is taken for a number.
         reject({pending.column, row, document_.codec().decode(pending.text, decoded),
                 pending.text.size() < kLongestText ? kNotNumber : kTooLong, false});
     }
@@ -94,7 +94,7 @@ void CellValues::reportPending(uint64_t row) {
 void CellValues::wasCut(std::size_t column, std::string_view text) {
     const std::string reason = "cut to " + std::to_string(places_[column].length) + " bytes";
     const std::string whole = document_.codec().decoded(text);
-    // Perhaps only its beginning has been recorded.
+    // The record may hold only its beginning.
     reject({column, rows_, utf8_ ? withoutUnfinished(whole) : whole, reason, true});
 }
 
@@ -131,13 +131,13 @@ void CellValues::convertNumber(Converted& converted, std::string_view text) {
                : status == QV_FMT_RANGE ? "out of range"
                                         : qvStatusText(status));
     }
-    // The numbers of JSON are told with the document's.
+    // Numbers of JSON that lose digits are reported with the document.
     if (status == QV_OK && converted.kind == JMAP_KIND_STRING) {
         tellRounded(converted, text);
     }
 }
 
-// Unless the map asks for silence.
+// Reports a value, unless the map has "?" before the informat.
 void CellValues::refuse(const Converted& converted, std::string_view text,
                         std::string_view reason) {
     if (!table_.columns[converted.column].quiet) {
@@ -145,7 +145,7 @@ void CellValues::refuse(const Converted& converted, std::string_view text,
     }
 }
 
-// Of the informats only those for numbers take texts with so many digits.
+// Reports digits that a double loses.  Only the informats for numbers take so many digits.
 void CellValues::tellRounded(const Converted& converted, std::string_view text) {
     constexpr std::size_t kAlwaysKept = 15;
     const Column& column = table_.columns[converted.column];

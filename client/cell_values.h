@@ -1,5 +1,5 @@
-// What the values of a table become in its cells: texts, informats and formats, values that are
-// rejected.  What Cursor and PassRow share.
+// Makes cells of the values of a table: texts, informats and formats, rejected values.  Cursor and
+// PassRow share it.
 //
 // Tested by tests/client/client_test.cpp
 #pragma once
@@ -45,10 +45,10 @@ class CellValues : public Row {
 
     [[nodiscard]] const Place& place(std::size_t column) const { return places_[column]; }
 
-    // A text (as the document has it) came that is no number, for the row that is being made.
+    // A text came that is no number, for the row in the making.  It is in the document's encoding.
     void notNumber(std::size_t column, std::string_view text);
 
-    // The row is complete: counts it and reports what came that is no number.
+    // The row is complete: counts it and reports the texts that are no numbers.
     void endRow() {
         ++rows_;
         if (!pending_.empty()) {
@@ -56,15 +56,16 @@ class CellValues : public Row {
         }
     }
 
-    // A text of the row (as the document has it) is longer than its column, or than a record keeps.
+    // A text of the row, in the document's encoding, is longer than its column, or than a record
+    // keeps.
     void wasCut(std::size_t column, std::string_view text);
 
-    // Rows end without being complete: forgets what came for the last one.
+    // The last row will not be complete: forgets what came for it.
     void forgetNotNumbers() { pending_.clear(); }
 
-    // Brings the value of a column with an informat from its raw text, which is empty when there is
-    // none.  A text that is not fresh is one that the column keeps: so does its value.  Of a text
-    // that is cut nobody knows the number.
+    // Sets the value of a column with an informat from its raw text, which is empty when there is
+    // none.  A text that did not come in this row is one that the column keeps: the value stays,
+    // too.  A text that is cut gives no number, since its end is not known.
     void convert(Converted& converted, std::string_view raw);
 
     // The columns that `convert` is for, in order.

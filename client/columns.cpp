@@ -8,11 +8,6 @@ namespace {
 
 constexpr uint64_t kNumberBytes = 8;
 
-std::string_view view(const char* text, QVStrSize textLen) {
-    return text == nullptr ? std::string_view{}
-                           : std::string_view(text, static_cast<std::size_t>(textLen));
-}
-
 LogicalType logicalTypeOf(const JMAPColumnInfo& info) {
     if (info.type == JMAP_ORDINAL) {
         return LogicalType::INTEGER;
@@ -29,14 +24,6 @@ LogicalType logicalTypeOf(const JMAPColumnInfo& info) {
         default:
             return LogicalType::MIXED;
     }
-}
-
-// A path that the engine puts together.
-template <class Handle>
-std::string pathOf(void (*write)(Handle, char*), Handle handle, QVStrSize pathLen) {
-    std::string path(static_cast<std::size_t>(pathLen), '\0');
-    write(handle, path.data());
-    return path;
 }
 
 }  // namespace

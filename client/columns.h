@@ -24,8 +24,8 @@ enum class ColumnType {
     CHARACTER = JMAP_CHARACTER
 };
 
-// What the values of a column are.  In a map that is given it follows from the column's type, since
-// the map may be for other documents too.
+// What the values of a column are.  With a user's map it follows from the column's type, since the
+// map may be for other documents too.
 enum class LogicalType {
     BOOLEAN,  // true and false
     INTEGER,  // counts, of an ordinal
@@ -45,7 +45,7 @@ struct Column {
     std::string name;
     std::string path;  // separator 0x02 (withSlashes shows it); empty: none
     ColumnType type;
-    LogicalType logicalType;  // null, which any column may have, apart
+    LogicalType logicalType;  // null does not count: any column may have it
     uint64_t length;  // bytes in a row: 8, or of a character column (to 32767) the map's length or
                       // else the longest value's
 
@@ -66,7 +66,7 @@ struct Column {
 //
 //     for (const qvej::Column& column : table.columns) ...
 //
-// A column lives as long as whoever asked for it likes; the list, as long as the document.
+// A Column is a copy, which belongs to the caller.  The list lives as long as the document.
 class Columns {
    public:
     class Iterator {

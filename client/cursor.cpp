@@ -78,7 +78,7 @@ void Cursor::takeNotNumber(std::size_t column, std::string_view text) noexcept {
         const uint64_t missing = QVEJMAP_MISSING_BITS;
         std::memcpy(handle_->obsbuf + offsets_[column], &missing, sizeof missing);
         VARIABLEINFO& info = handle_->varinfo[column];
-        info.badNumData = 0;  // the value is told of here
+        info.badNumData = 0;  // the value is reported here
         info.badNumMsgOutput = 1;
         notNumber(column, text);
     } catch (...) {

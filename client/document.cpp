@@ -15,19 +15,6 @@ namespace {
 
 constexpr std::size_t kTablesBetweenChecks = 256;
 
-std::string_view view(const char* text, QVStrSize textLen) {
-    return text == nullptr ? std::string_view{}
-                           : std::string_view(text, static_cast<std::size_t>(textLen));
-}
-
-// A path that the engine puts together.
-template <class Handle>
-std::string pathOf(void (*write)(Handle, char*), Handle handle, QVStrSize pathLen) {
-    std::string path(static_cast<std::size_t>(pathLen), '\0');
-    write(handle, path.data());
-    return path;
-}
-
 }  // namespace
 
 Document::Document(Engine& engine, const DocumentOptions& options)
@@ -114,7 +101,7 @@ Spot Document::watched(std::size_t watch) const {
 
 Document::~Document() {
     jmapEndInput(handle_);
-    (void)operations()->Term(handle_, engine_.host()->jnl);  // nobody to report to
+    (void)operations()->Term(handle_, engine_.host()->jnl);  // a destructor cannot report it
 }
 
 void Document::input(std::string_view text, bool done) {

@@ -46,7 +46,7 @@ Engine::Engine(EngineOptions options) : options_(std::move(options)) {
 }
 
 Engine::~Engine() {
-    // Destructors have nobody to report to, and the host frees what is left.
+    // A destructor cannot report a failure; the host frees what is left.
     formats_.reset();
     (void)operations_->exth.generic.destroy(&operations_->exth.generic);
     (void)qvPortableStop(host_);

@@ -1,7 +1,7 @@
 // How the C++ face reports a failure: one exception class.
 //
 // Every routine of client/ that can fail throws qvej::Error (or std::bad_alloc).  Front doors that
-// must not let exceptions pass (a database, another language) catch them at their own rim.
+// must not let exceptions pass (a database, another language) catch them at their own boundary.
 #pragma once
 
 #include "qvstatus.h"

@@ -40,7 +40,7 @@ constexpr std::array<uint8_t, 256> byteClasses() {
 }
 inline constexpr std::array<uint8_t, 256> kByteClass = byteClasses();
 
-// The character at `at`, which moves behind it; negative for a broken sequence.
+// The character at `at`, which moves past it; negative for a broken sequence.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wconversion"  // inside the macro
 inline int32_t nextCharacter(const char* text, int64_t& at, int64_t size) {

@@ -10,8 +10,8 @@
 
 namespace qvej {
 
-// Bytes of `text` before a place that is told as it is in Place, the column in bytes.  At most all
-// of them.
+// Bytes of `text` before a line and a column, from 1 as in Place, the column in bytes.  At most the
+// size of `text`.
 std::size_t offsetOf(std::string_view text, int64_t line, int64_t column);
 
 // The two lines for the place after `at` bytes of `text` (UTF-8).  `cut`: something stood before

@@ -16,7 +16,7 @@ struct HandleEnd {
         } else {
             generic = &object->generic;
         }
-        (void)generic->destroy(generic);  // nobody to report to
+        (void)generic->destroy(generic);  // a destructor cannot report it
     }
 };
 

@@ -1,8 +1,8 @@
 // See pass_pipe.h.
 //
 // Items are copied into batches, cells and all; the texts of the cells only when they do not live
-// as long as the document.  A few batches go round: full ones to the taking thread, empty ones
-// back.
+// as long as the document.  There are a few batches: full ones go to the taking thread, empty ones
+// come back.
 #include "client/pass_pipe.h"
 
 #include <condition_variable>
@@ -157,7 +157,7 @@ std::thread startQuietly(const Routine& routine) {
     try {
         thread = std::thread(routine);
     } catch (const std::system_error&) {
-        // The system has none to give: what is returned cannot be joined.
+        // The system has no thread to give: the result is not joinable.
     }
     (void)::pthread_sigmask(SIG_SETMASK, &before, nullptr);
     return thread;

@@ -11,7 +11,7 @@
 namespace qvej {
 
 // Calls `take` for the items of the pass, some at a time, in order.  With more than one thread,
-// `take` runs beside the pass, on one other thread; signals are left to the calling one.  What
+// `take` runs on a second thread while the pass goes on; signals go to the calling one.  What
 // either throws ends both and is thrown here.
 void runPass(TablePass& pass, unsigned threads,
              const std::function<void(std::span<const PassItem>)>& take);

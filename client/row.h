@@ -1,12 +1,12 @@
-// One row of a table, as those see it who write rows down.
+// One row of a table, as formats and reports see it.
 #pragma once
 
 #include "document.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string_view>
-#include <vector>
 
 namespace qvej {
 
@@ -50,8 +50,8 @@ class Row {
     [[nodiscard]] virtual Cell cell(std::size_t column) const = 0;
 };
 
-// Takes each value that is rejected, except where the map asks for silence.  The text lives until
-// it returns; of the row, `cell` has the ordinals by then.
+// Takes each value that is rejected, except where the map has "?" before the informat.  The text
+// lives until it returns.  The ordinals of the row can be read by then.
 using RejectHandler = std::function<void(const Row&, const Rejected&)>;
 
 }  // namespace qvej

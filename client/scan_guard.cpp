@@ -9,7 +9,7 @@
 namespace qvej {
 namespace {
 
-// Tables are many and small, and asking for the memory takes some reads of files.
+// Tables are many and small, and the available memory is read from files: not for each table.
 constexpr uint64_t kTablesBetween = 256;
 
 constexpr uint64_t kReservedPart = 16;  // of the disk: what other programs keep
@@ -71,7 +71,7 @@ QVStatus ScanGuard::lookAtMemory(const std::string& what) {
 QVStatus ScanGuard::lookAtDisk(uint64_t spilled) {
     const std::optional<uint64_t> free = surroundings_.freeDisk();
     if (!free) {
-        return QV_OK;  // the file itself tells when the disk is full
+        return QV_OK;  // a write fails when the disk is full
     }
     if (!leastDisk_) {
         leastDisk_ = (*free + spilled) / kReservedPart;

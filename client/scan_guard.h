@@ -1,8 +1,8 @@
 // Ends a scan before the machine suffers: too many distinct paths, records that would fill the
-// disk, memory that records in a file no longer spare.
+// disk, too little memory although the records are in a file.
 //
 // The engine asks with every block of records, 1 MiB, and every table of the map.  A document of a
-// few kilobytes can grow to any size: what counts is what it has become.
+// few kilobytes can grow to any size, so what is measured is what has been made of it.
 //
 // Tested by tests/client/scan_guard_test.cpp
 #pragma once

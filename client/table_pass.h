@@ -24,7 +24,6 @@
 
 #include <cstdint>
 #include <span>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -59,8 +58,8 @@ class TablePass {
     // QV_IO_..., QV_NOMEM; the pass is over then, a further call throws the same.
     bool next(PassItem& item);
 
-    // Whether the texts that cells point to (not the cells) live as long as the document: its
-    // records lie in memory as they are.
+    // Whether the texts that cells point to (not the cells) live as long as the document: all its
+    // records are in memory, uncompressed.
     [[nodiscard]] bool textsStay() const { return textsStay_; }
 
     // What has come for a column so far; see qvejmapx.h.

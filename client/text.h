@@ -15,6 +15,20 @@ namespace qvej {
 
 inline constexpr uint64_t kLongestCell = 32767;  // bytes of a character column
 
+// A counted text of the engine; null is empty.
+[[nodiscard]] inline std::string_view view(const char* text, QVStrSize textLen) {
+    return text == nullptr ? std::string_view{}
+                           : std::string_view(text, static_cast<std::size_t>(textLen));
+}
+
+// The path of a table, a column or a statistic, which `write` puts together.
+template <class Handle>
+[[nodiscard]] std::string pathOf(void (*write)(Handle, char*), Handle handle, QVStrSize pathLen) {
+    std::string path(static_cast<std::size_t>(pathLen), '\0');
+    write(handle, path.data());
+    return path;
+}
+
 // Converts between the encoding of a document and UTF-8.  UTF-8 passes untouched; any other
 // encoding of a document has one byte a character, so a table of 256 texts is all it takes.
 class TextCodec {

@@ -103,7 +103,7 @@ QVMemPtr completeUserMap(const Document& document) {
         QVInformath opened = nullptr;
         if (formats->openInformat(formats, 0, entry->informat, entry->informatLen,
                                   *entry->informatWidth, 0, &opened) != QV_OK) {
-            continue;  // checkConversions will tell
+            continue;  // checkConversions reports it
         }
         const Handle<QVInformat> informat(opened);
         if (*entry->informatWidth == 0) {

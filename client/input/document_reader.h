@@ -15,7 +15,6 @@
 #include "document_text.h"
 #include "text_trail.h"
 
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>

@@ -25,7 +25,7 @@ class DocumentText {
     // The text ends where something stands that is wrong in its encoding.
     [[nodiscard]] bool broken() const { return recoder_ && recoder_->broken(); }
 
-    // Its columns are not those that its bytes are counted to here.
+    // The text is converted, so that columns cannot be counted in its bytes.
     [[nodiscard]] bool recoded() const { return recoder_.has_value(); }
     // See Recoder.  Only of a text that is recoded.
     [[nodiscard]] int64_t columnOf(int64_t offset) const { return recoder_->columnOf(offset); }

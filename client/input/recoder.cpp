@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 
 namespace qvej {
 namespace {
@@ -42,7 +41,7 @@ std::size_t lastLine(std::string_view text) {
                : static_cast<std::size_t>(static_cast<const char*>(feed) - text.data()) + 1;
 }
 
-// Unlike ICU's own substitution, which gives some encodings U+001A.
+// Gives U+FFFD.  ICU's own substitution gives U+001A in some encodings.
 void replaceInvalid(const void* /*context*/, UConverterToUnicodeArgs* args, const char* /*bytes*/,
                     int32_t /*length*/, UConverterCallbackReason reason, UErrorCode* status) {
     if (reason <= UCNV_IRREGULAR) {
@@ -153,8 +152,8 @@ void Recoder::decode(std::string_view& input) {
         half_ = 0;
     }
     UErrorCode status = U_ZERO_ERROR;
-    // The rest of a character that began in the piece before.  Converters do not agree on what they
-    // note for it and behind it.
+    // The rest of a character that began in the piece before.  Converters differ in the origins
+    // that they note for it and for what follows.
     const int32_t held = ucnv_toUCountPending(converter_.get(), &status);
     while (source != end && U_SUCCESS(status) &&
            ucnv_toUCountPending(converter_.get(), &status) > 0) {
@@ -181,7 +180,7 @@ void Recoder::decode(std::string_view& input) {
     if (broken_) {
         char invalid[32];
         int8_t length = sizeof invalid;
-        UErrorCode ignored = U_ZERO_ERROR;  // then the place is the one behind the mistake
+        UErrorCode ignored = U_ZERO_ERROR;  // then the place is the one after the mistake
         ucnv_getInvalidChars(converter_.get(), invalid, &length, &ignored);
         textEnd_ = inputEnd_ - (U_FAILURE(ignored) ? 0 : length);
     }

@@ -22,18 +22,18 @@ class Recoder {
    public:
     enum class Invalid { STOPS, IS_REPLACED };  // by U+FFFD
 
-    // An encoding by any name that ICU knows; that of UTF-16 or UTF-32 without the order of their
-    // bytes asks `start`, the first bytes of the text.  Throws Error: unknown encoding.
+    // `encoding`: any name that ICU knows.  For UTF-16 and UTF-32 without a byte order, `start`,
+    // the first bytes of the text, tells it.  Throws Error: unknown encoding.
     Recoder(const std::string& encoding, std::string_view start, Invalid invalid);
 
     // ICU's own name of the encoding, and for Unicode that of guessEncoding.
     [[nodiscard]] std::string encoding() const;
 
-    // Converts the first bytes of `input` and moves it behind them.  An empty `input` ends the
+    // Converts the first bytes of `input` and moves it past them.  An empty `input` ends the
     // text.  The result lives until the next call; a byte order mark is not in it.
     std::string_view convert(std::string_view& input);
 
-    // Behind what was converted stands something that is wrong in the encoding.
+    // The bytes after what was converted are wrong in the encoding.
     [[nodiscard]] bool broken() const { return broken_; }
 
     // The column, in units of the encoding (bytes, but 16 or 32 bits in UTF-16 and UTF-32), of what
@@ -67,8 +67,8 @@ class Recoder {
 
     // The last piece: UTF-16, where in the input each unit of it came from, and UTF-8.
     std::vector<char16_t> units_;
-    std::vector<int32_t> origins_;  // behind inputBase_
-    std::size_t first_ = 0;         // 1 behind a byte order mark
+    std::vector<int32_t> origins_;  // from inputBase_
+    std::size_t first_ = 0;         // 1 after a byte order mark
     std::size_t unitCount_ = 0;
     std::vector<char> bytes_;
     std::string_view text_;  // in bytes_

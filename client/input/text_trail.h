@@ -1,4 +1,4 @@
-// The last of a text that passes by in pieces, so that a mistake in it can be shown.
+// Keeps the last bytes of a text that comes in pieces, to show a mistake in it.
 //
 // Tested by tests/client/excerpt_test.cpp
 #pragma once

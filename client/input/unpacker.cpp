@@ -54,7 +54,7 @@ class Gzip : public Decompressor {
     static constexpr int kWindowBits = 15 + 16;  // any window; a header of gzip
 
     z_stream stream_ = {};
-    bool atEnd_ = false;  // behind a member
+    bool atEnd_ = false;  // after a member
 };
 
 class Zstandard : public Decompressor {
@@ -76,9 +76,9 @@ class Zstandard : public Decompressor {
         ZSTD_outBuffer to = {out, room, 0};
         const std::size_t left = ::ZSTD_decompressStream(context_, &to, &from);
         if (::ZSTD_getErrorCode(left) == ZSTD_error_frameParameter_windowTooLarge) {
-            throw qvej::Error(QV_NOMEM,
-                              "the Zstandard data need a window of more than 128 MiB "
-                              "(zstd -dc --long=31 FILE | qvejmap VERB - reads them)");
+            throw Error(QV_NOMEM,
+                        "the Zstandard data need a window of more than 128 MiB "
+                        "(zstd -dc --long=31 FILE | qvejmap VERB - reads them)");
         }
         if (::ZSTD_isError(left) != 0) {
             throw std::runtime_error(::ZSTD_getErrorName(left));
@@ -92,14 +92,14 @@ class Zstandard : public Decompressor {
 
    private:
     ZSTD_DCtx* context_;
-    bool atEnd_ = false;  // behind a frame
+    bool atEnd_ = false;  // after a frame
 };
 
 // Null: not compressed.
 std::unique_ptr<Decompressor> decompressorFor(std::string_view start) {
     constexpr std::string_view kGzip = "\x1F\x8B";
     constexpr std::string_view kZstandard = "\x28\xB5\x2F\xFD";
-    constexpr std::string_view kZstandardSkipped = "\x2A\x4D\x18";  // behind 0x50 to 0x5F
+    constexpr std::string_view kZstandardSkipped = "\x2A\x4D\x18";  // after 0x50 to 0x5F
     if (start.starts_with(kGzip)) {
         return std::make_unique<Gzip>();
     }
@@ -132,8 +132,8 @@ std::string_view Unpacker::next() {
         std::size_t more = 0;
         try {
             more = format_->decompress(packed_, buffer_.data() + size, buffer_.size() - size);
-        } catch (const qvej::Error& error) {
-            throw qvej::Error(error.status(), error.what(), name());
+        } catch (const Error& error) {
+            throw Error(error.status(), error.what(), name());
         } catch (const std::runtime_error& error) {
             fail("are damaged: " + std::string(error.what()));
         }

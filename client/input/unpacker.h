@@ -1,6 +1,6 @@
 // The bytes of a document that may be compressed.
 //
-// gzip (any number of members) and Zstandard (any number of frames) are told by their first bytes,
+// gzip (any number of members) and Zstandard (any number of frames) are known by their first bytes,
 // whatever the file is called.  All else passes untouched.
 //
 // Tested by tests/tool/golden/input.t
