@@ -144,7 +144,7 @@ void onSignal(int signal) {
 
 void copyPath(char* to, std::size_t size, const std::string& path) {
     if (path.size() >= size) {
-        throw qvej::Error(QV_IO_OPEN, "the path is too long", path);
+        throw Error(QV_IO_OPEN, "the path is too long", path);
     }
     std::memcpy(to, path.c_str(), path.size() + 1);
 }

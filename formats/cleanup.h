@@ -1,4 +1,4 @@
-// What must not stay behind when a signal ends the tool: unfinished output.
+// Removes unfinished output when a signal ends the tool.
 //
 // The handler runs on the main thread: the others block all signals.  It stops threads that make
 // files, removes what is named here, says so in one line, and lets the signal do what it does by

@@ -19,7 +19,7 @@ void CsvFields::number(double number) {
 
 void CsvFields::writeWithCare(std::string_view text) {
     safe_.clear();
-    qvej::appendEscaped(safe_, text, terminal_ ? qvej::CONTROLS : 0u);
+    appendEscaped(safe_, text, terminal_ ? CONTROLS : 0u);
     if (isNull(safe_) || safe_.find_first_of(kQuoted) != std::string::npos) {
         writeQuoted(safe_);
     } else {

@@ -65,7 +65,7 @@ class CsvFields {
     }
     [[nodiscard]] bool isNull(std::string_view text) const { return nullGiven_ && text == null_; }
 
-    // Room for a field, behind its separator.
+    // Room for a field, after its separator.
     char* begin(std::size_t size) {
         char* const at = out_.room(size + 1);
         *at = ',';

@@ -22,8 +22,8 @@ void putString(Writer& out, std::string_view text) {
     out.put('"');
 }
 
-// The standard takes lower case letters, digits and "._-".  File names differ without their case
-// too, and "." is doubled, so names differ as well.
+// The standard allows lower case letters, digits and "._-" in a name.  File names differ in lower
+// case, too, and "." is doubled, so that the names of resources differ as well.
 std::string resourceName(std::string_view file) {
     std::string name;
     for (const char c : lowerCased(file.substr(0, file.rfind('.')))) {
@@ -76,7 +76,7 @@ class ResourceReader {
     }
 
    private:
-    // What somebody added without size or time is not a file that we wrote.
+    // A resource without size or time was added by others: it is no file of ours.
     void endResource() {
         if (name_ && bytes_ && modified_) {
             files_.push_back({std::move(*name_), {*bytes_, std::move(*modified_)}});

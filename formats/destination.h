@@ -1,4 +1,4 @@
-// Where the rows of tables go: files of a directory, standard output, later perhaps a database.
+// Where the rows of many tables go, as the files of a directory.
 //
 //     destination.open(tables);
 //     for each table, when its first row comes or at the end:
@@ -47,8 +47,8 @@ class Destination {
     // When all sinks have ended.  `rows`: of each table.
     virtual void end(const std::vector<uint64_t>& rows) = 0;
 
-    // After `end`: everything appears, and the files of `with` (null: none), or
-    // nothing.  Returns sentences about what is not as it should be beside them.
+    // After `end`: everything appears, with the files of `with` (null: none), or nothing.  Returns
+    // sentences about what else went wrong.
     [[nodiscard]] virtual std::vector<std::string> commit(OutputFiles* with) = 0;
 };
 

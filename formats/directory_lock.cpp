@@ -38,8 +38,8 @@ void DirectoryLock::lock(const std::string& directory) {
         }
         if (::flock(descriptor_, LOCK_EX | LOCK_NB) != 0) {
             if (errno == EWOULDBLOCK) {
-                throw qvej::Error(QV_IO_REFUSED, "another qvejmap is writing to this directory",
-                                  directory);
+                throw Error(QV_IO_REFUSED, "another qvejmap is writing to this directory",
+                            directory);
             }
             return;
         }

@@ -16,7 +16,7 @@ namespace qvej {
 
 class EarlierFiles {
    public:
-    // `sources` stay, whoever made them.
+    // `sources` stay, even when an earlier run wrote them.
     void set(std::vector<ListedFile> files, const Sources& sources);
 
     // Moves what is still as listed from `directory` to names that begin with `prefix`; files of

@@ -47,7 +47,7 @@ std::vector<std::string> uniqueFileNames(const std::vector<std::string>& tableNa
     for (const std::string& tableName : tableNames) {
         const std::string stem = fileStem(tableName);
         std::string name = stem;
-        for (int n = 2; !taken.insert(qvej::lowerCased(name)).second; ++n) {
+        for (int n = 2; !taken.insert(lowerCased(name)).second; ++n) {
             name = stem + "~" + std::to_string(n);
         }
         names.push_back(name.append(".").append(extension));

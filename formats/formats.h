@@ -2,7 +2,7 @@
 //
 // To add one: a file with its sink, a row in the table of formats.cpp, a case in
 // tests/tool/golden/read.t, and a reader in tests/formats/conformance.py.  A format that has all
-// tables in one file, or a database, is a Destination of its own beside TableDirectory.
+// tables in one file needs a Destination of its own, as TableDirectory is one.
 //
 // Tested by tests/formats/conformance.py and tests/tool/golden/read.t
 #pragma once
@@ -15,7 +15,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace qvej {
 

@@ -26,7 +26,7 @@ class NdjsonSink final : public TextSink {
     NdjsonSink(Writer out, const Columns& columns) : TextSink(std::move(out)) {
         for (const Column& column : columns) {
             std::string head = "\"";
-            qvej::appendEscaped(head, column.name, qvej::JSON_STRING);
+            appendEscaped(head, column.name, JSON_STRING);
             members_.push_back({head + "\":", {}});
         }
     }
@@ -83,7 +83,7 @@ class NdjsonSink final : public TextSink {
     void writeText(std::string_view text) {
         if (anyByte(text, needsCare)) {
             put("\"");
-            qvej::appendEscaped(out_, text, qvej::JSON_STRING);
+            appendEscaped(out_, text, JSON_STRING);
             put("\"");
             return;
         }

@@ -24,7 +24,7 @@ constexpr std::size_t kNumberChars = 32;  // longest number
 // shorter of the two forms.
 char* writeNumber(char* at, double number, const InfinityWords& infinity);
 
-// The counts of one column, as text.  The one of a parent row comes again and again.
+// The counts of one column, as text.  Many rows in turn have the count of one parent row.
 class CountText {
    public:
     // Writes the count at `at`, with room for kNumberChars, and returns its end.

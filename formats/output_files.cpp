@@ -55,12 +55,12 @@ std::vector<std::string> missingDirectories(const std::string& directory) {
     for (std::string path = directory; !path.empty(); path = parentOf(path)) {
         if (::stat(path.c_str(), &found) == 0) {
             if (!S_ISDIR(found.st_mode)) {
-                throw qvej::Error(QV_IO_REFUSED, "not a directory", path);
+                throw Error(QV_IO_REFUSED, "not a directory", path);
             }
             break;
         }
         if (errno != ENOENT && errno != ENOTDIR) {
-            throw qvej::fileError(QV_IO_OPEN, path);
+            throw fileError(QV_IO_OPEN, path);
         }
         missing.push_back(path);
     }
@@ -84,7 +84,7 @@ std::string besides(const std::string& directory) {
     return directory.substr(0, directory.rfind('/') + 1);
 }
 
-// 128 random bits: nobody else knows the name, so nothing is there and nobody is in the way.
+// 128 random bits: no other program can foresee the name, so that nothing has it.
 std::string randomHex() {
     static constexpr char kDigits[] = "0123456789abcdef";
     std::random_device random;  // the system's own source on this platform
@@ -116,10 +116,10 @@ bool fileExists(const std::string& path) {
         if (errno == ENOENT) {
             return false;
         }
-        throw qvej::fileError(QV_IO_OPEN, path);
+        throw fileError(QV_IO_OPEN, path);
     }
     if (!S_ISREG(found.st_mode)) {
-        throw qvej::Error(QV_IO_REFUSED, "not a regular file, not replaced", path);
+        throw Error(QV_IO_REFUSED, "not a regular file, not replaced", path);
     }
     return true;
 }
@@ -157,7 +157,7 @@ OutputFiles::OutputFiles(std::string directory, bool makeDirectory, std::vector<
 void OutputFiles::lockMadeDirectory() {
     try {
         lock_.lock(directory_);
-    } catch (const qvej::Error&) {
+    } catch (const Error&) {
         removeTemporary();
         throw;
     }
@@ -167,8 +167,7 @@ OutputFiles OutputFiles::single(const std::string& path, bool force, const Sourc
     const std::size_t slash = path.rfind('/');
     const std::string directory = directoryOf(path);
     if (::access((directory + "/.").c_str(), W_OK) != 0) {
-        throw qvej::fileError(QV_IO_OPEN,
-                              slash == std::string::npos || slash == 0 ? path : directory);
+        throw fileError(QV_IO_OPEN, slash == std::string::npos || slash == 0 ? path : directory);
     }
     return {directory, false, {path.substr(slash + 1)}, force, sources};
 }
@@ -188,7 +187,7 @@ void OutputFiles::checkDirectory(const std::string& directory) {
         return;
     }
     if (::access(path.c_str(), W_OK) != 0) {
-        throw qvej::fileError(QV_IO_OPEN, path);
+        throw fileError(QV_IO_OPEN, path);
     }
     DirectoryLock().lock(path);
 }
@@ -207,7 +206,7 @@ void OutputFiles::refuseExisting(const Sources& sources) const {
         }
         refuseSource(path, sources);
         if (!force_) {
-            throw qvej::Error(QV_IO_REFUSED, "the file exists (--force replaces it)", path);
+            throw Error(QV_IO_REFUSED, "the file exists (--force replaces it)", path);
         }
     }
 }
@@ -229,7 +228,7 @@ void OutputFiles::makeDirectories(const std::vector<std::string>& missing) {
 }
 
 void OutputFiles::failToMake(const std::string& directory) {
-    const qvej::Error failure = qvej::fileError(QV_IO_OPEN, directory);
+    const Error failure = fileError(QV_IO_OPEN, directory);
     removeTemporary();
     throw failure;
 }
@@ -248,7 +247,7 @@ Writer OutputFiles::writer(std::size_t i) {
 
 void OutputFiles::write(std::size_t i, const char* text, std::size_t size) {
     if (!writeAll(descriptors_[i] < 0 ? open(i) : descriptors_[i], text, size)) {
-        throw qvej::fileError(QV_IO_WRITE, finalPath(i));
+        throw fileError(QV_IO_WRITE, finalPath(i));
     }
 }
 
@@ -262,7 +261,7 @@ int OutputFiles::open(std::size_t i) {
     const int how = descriptors_[i] == kNotMade ? O_CREAT | O_EXCL : O_APPEND;
     const int descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOFOLLOW | how, 0666);
     if (descriptor < 0) {
-        throw qvej::fileError(QV_IO_OPEN, directory_);
+        throw fileError(QV_IO_OPEN, directory_);
     }
     open_.push_back(i);
     return descriptors_[i] = descriptor;
@@ -270,7 +269,7 @@ int OutputFiles::open(std::size_t i) {
 
 void OutputFiles::close(std::size_t i) {
     if (::close(std::exchange(descriptors_[i], kClosed)) != 0) {
-        throw qvej::fileError(QV_IO_WRITE, finalPath(i));
+        throw fileError(QV_IO_WRITE, finalPath(i));
     }
 }
 
@@ -284,7 +283,7 @@ FileState OutputFiles::closed(std::size_t i) {
     }
     struct stat found = {};
     if (::lstat(temporaryPath(i).c_str(), &found) != 0) {
-        throw qvej::fileError(QV_IO_WRITE, finalPath(i));
+        throw fileError(QV_IO_WRITE, finalPath(i));
     }
     return stateOf(found);
 }
@@ -313,11 +312,11 @@ std::vector<std::string> OutputFiles::commit(OutputFiles* with) {
             with->putAllInPlace();
         }
         putAllInPlace();
-    } catch (const qvej::Error& failure) {
+    } catch (const Error& failure) {
         std::string sentence = failure.what() + takeBack();
         sentence += with == nullptr ? std::string() : with->takeBack();
         cleanup_.setState(cleanup::Output::UNTOUCHED);
-        throw qvej::Error(failure.status(), sentence, failure.file());
+        throw Error(failure.status(), sentence, failure.file());
     }
     std::vector<std::string> remarks;
     finish(remarks);
@@ -363,7 +362,7 @@ void OutputFiles::finish(std::vector<std::string>& remarks) {
     for (std::size_t i = 0; i < inPlace_.size(); ++i) {
         if (inPlace_[i] && fileCalls.unlink(temporaryPath(i).c_str()) != 0) {
             remarks.push_back("what was " + finalPath(i) + " is now " + temporaryPath(i) + ": " +
-                              qvej::fileError(QV_IO_WRITE, {}).what());
+                              fileError(QV_IO_WRITE, {}).what());
         }
     }
     earlier_.finish(remarks);
@@ -397,7 +396,7 @@ void OutputFiles::removeTemporary() {
         (void)::rmdir(prefix_.c_str());
     }
     for (; !madeDirectories_.empty(); madeDirectories_.pop_back()) {
-        (void)::rmdir(madeDirectories_.back().c_str());  // not ours alone when it is not empty
+        (void)::rmdir(madeDirectories_.back().c_str());  // fails when it has files of others
     }
 }
 

@@ -5,8 +5,8 @@
 // until then, and when the object ends without it, nothing under a final name has changed and the
 // temporary files go away, also when a signal ends the program.
 //
-// A directory that had to be made is filled beside its place: the files have their names there, and
-// one renaming of the directory puts all of them in place.
+// A directory that had to be made is filled under a temporary name, next to its place.  The files
+// have their names in it, and one renaming of the directory puts all of them in place.
 //
 // Tested by tests/formats/output_files_test.cpp, tests/tool/golden/interrupt.t and
 // tests/tool/golden/convert.t
@@ -30,7 +30,7 @@ class OutputFiles {
    public:
     // Files `names` in `directory`.  `makeDirectory`: it is made when it is missing.  Files that
     // exist are refused, or with `force` replaced when they are regular files and none of the
-    // `sources`.  With `makeDirectory` nobody else may write to the directory at the same time.
+    // `sources`.  With `makeDirectory` no other run may write to the directory at the same time.
     // Throws qvej::Error.
     OutputFiles(std::string directory, bool makeDirectory, std::vector<std::string> names,
                 bool force, const Sources& sources = {});
@@ -67,9 +67,8 @@ class OutputFiles {
         earlier_.set(std::move(files), sources);
     }
 
-    // Gives all files their names, and those of `with` theirs.  Returns sentences about what is not
-    // as it should be beside them.  Throws qvej::Error; nothing has changed then, or the sentence
-    // says what has.
+    // Gives all files their names, and those of `with` theirs.  Returns sentences about what else
+    // went wrong.  Throws qvej::Error; nothing has changed then, or the sentence says what has.
     [[nodiscard]] std::vector<std::string> commit(OutputFiles* with = nullptr);
 
    private:

@@ -33,11 +33,10 @@ bool flagUnknown() {
 }
 
 // The failure that errno tells, with what could not be undone; empty: nothing.
-qvej::Error failureOf(const std::string& file, const qvej::Error& failure,
-                      const std::string& remains) {
+Error failureOf(const std::string& file, const Error& failure, const std::string& remains) {
     return remains.empty()
                ? failure
-               : qvej::Error(failure.status(), std::string(failure.what()) + "; " + remains, file);
+               : Error(failure.status(), std::string(failure.what()) + "; " + remains, file);
 }
 
 }  // namespace
@@ -50,10 +49,10 @@ void renameToNew(const std::string& from, const std::string& to) {
     }
     // A link never replaces either.
     if (!flagUnknown() || fileCalls.link(from.c_str(), to.c_str()) != 0) {
-        throw qvej::fileError(QV_IO_WRITE, to);
+        throw fileError(QV_IO_WRITE, to);
     }
     if (!unlink(from)) {
-        const qvej::Error failure = qvej::fileError(QV_IO_WRITE, to);
+        const Error failure = fileError(QV_IO_WRITE, to);
         throw failureOf(to, failure, unlink(to) ? "" : "the new file is there already");
     }
 }
@@ -64,13 +63,13 @@ void exchangeNames(const std::string& a, const std::string& b) {
     }
     const std::string aside = a + "-aside";
     if (!flagUnknown() || !rename(b, aside)) {
-        throw qvej::fileError(QV_IO_WRITE, b);
+        throw fileError(QV_IO_WRITE, b);
     }
     const bool placed = rename(a, b);
     if (placed && rename(aside, a)) {
         return;
     }
-    const qvej::Error failure = qvej::fileError(QV_IO_WRITE, b);
+    const Error failure = fileError(QV_IO_WRITE, b);
     const bool undone = (!placed || rename(b, a)) && rename(aside, b);
     throw failureOf(b, failure, undone ? "" : "the file that was there is now " + aside);
 }

@@ -12,7 +12,7 @@
 
 namespace qvej {
 
-inline constexpr std::size_t kCopySlack = 32;  // bytes behind a text that copyText may write over
+inline constexpr std::size_t kCopySlack = 32;  // bytes after a text that copyText may write over
 
 namespace short_text {
 

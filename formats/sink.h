@@ -1,4 +1,4 @@
-// Where the rows of one table go: a format on a stream, a table of a database.
+// Takes the rows of one table and writes them down, in some format.
 //
 // Tested by tests/formats/table_outputs_test.cpp
 #pragma once

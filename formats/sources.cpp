@@ -33,7 +33,7 @@ const Source* sourceAt(const std::string& path, const Sources& sources) {
 void refuseSource(const std::string& path, const Sources& sources) {
     const Source* const source = sourceAt(path, sources);
     if (source != nullptr) {
-        throw qvej::Error(QV_IO_REFUSED, std::string(source->what) + ", not replaced", path);
+        throw Error(QV_IO_REFUSED, std::string(source->what) + ", not replaced", path);
     }
 }
 

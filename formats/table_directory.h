@@ -28,8 +28,8 @@ class TableDirectory final : public Destination {
     void end(const std::vector<uint64_t>& rows) override;
     [[nodiscard]] std::vector<std::string> commit(OutputFiles* with) override;
 
-    // Did files that are replaced have a list of ours?  Else others of theirs may stay.  True when
-    // there were none.
+    // False when the directory had files and no list of ours: then files of the earlier run that
+    // are not replaced stay.
     [[nodiscard]] bool earlierKnown() const { return earlierKnown_; }
 
    private:

@@ -10,10 +10,10 @@ namespace {
 constexpr std::size_t kMostHeld = std::size_t{32} << 20;  // bytes, by all sinks
 constexpr std::size_t kItemsAhead = 6;
 
-// The texts are in the records, which the other thread has looked at, not this one.
+// The texts are in the records, which the other thread has read: this one's cache lacks them.
 void prefetchTexts(const PassItem& item) {
     for (const PassCell& cell : item.cells) {
-        __builtin_prefetch(cell.text);  // of a count: anything, which does no harm
+        __builtin_prefetch(cell.text);  // of a count any address, which does no harm
     }
 }
 

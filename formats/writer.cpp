@@ -17,7 +17,7 @@ class StandardOutput final : public Target {
    public:
     void write(const char* text, std::size_t size) override {
         if (!writeAll(STDOUT_FILENO, text, size)) {
-            throw qvej::fileError(QV_IO_WRITE, "<stdout>");
+            throw fileError(QV_IO_WRITE, "<stdout>");
         }
     }
     [[nodiscard]] bool terminal() const override { return ::isatty(STDOUT_FILENO) == 1; }

@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstring>
 #include <memory>
-#include <string>
 #include <string_view>
 
 namespace qvej {
