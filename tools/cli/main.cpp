@@ -5,7 +5,6 @@
 // Tested by tests/tool/
 #include "client/error.h"
 #include "formats/cleanup.h"
-#include "formats/writer.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/options/options.h"
 #include "tools/cli/reports/tell.h"

@@ -34,7 +34,7 @@ qvej::DocumentOptions documentOptions(const ReadingOptions& options, const qvej:
     return document;
 }
 
-// The file must be new or empty: the engine takes no other, and nobody's file is deleted for it.
+// The file must be new or empty: the engine takes no other, and a file of the user is not deleted.
 void checkNamedCache(const std::string& path, const Sources& sources) {
     struct stat found = {};
     if (::lstat(path.c_str(), &found) != 0) {

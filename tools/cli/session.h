@@ -1,5 +1,5 @@
-// From FILE to a finished document: starts the engine as the options say, reads the text, and adds
-// to what goes wrong which options would help.
+// From FILE to a finished document: starts the engine as the options say and reads the text.  A
+// failure names the options that would help.
 #pragma once
 
 #include "client/document.h"

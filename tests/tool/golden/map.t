@@ -79,7 +79,7 @@ $ mkdir maps; ln m maps/a.csv; qvejmap convert small.json --map m -o maps --forc
 ! qvejmap: maps/a.csv: the map itself, not replaced
 ! qvejmap: m: the map itself, not replaced
 ? 5
-$ qvejmap map check m small.json --cache m --force; qvejmap map merge m m2 -o m2 --force; cmp m s1; cmp m2 s1; ls -d new
+$ qvejmap map check m small.json --cache m; qvejmap map merge m m2 -o m2 --force; cmp m s1; cmp m2 s1; ls -d new
 ! qvejmap: m: the map itself, not replaced
 ! qvejmap: m2: one of the maps to merge, not replaced
 ! ls: cannot access 'new': No such file or directory

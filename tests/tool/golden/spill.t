@@ -1,4 +1,4 @@
-# Records that leave memory: that they do, that the output is the same, that nothing stays behind.
+# Records that leave memory: that they do, that the output is the same, that nothing stays.
 $ { printf '{"orders":['
 >   seq 12000 | sed 's/.*/{"id":&,"text":"some words of order &","n":{"x":[1,2]}},/'
 >   printf '{"id":0}]}'
@@ -20,8 +20,8 @@ $ for verb in 'read large.json orders' 'read large.json n_x' 'read large.json AL
 >     done
 > done; ls -A tmp
 
-# A broken document.  The second mistake is in the same piece of input as a spill: nobody was told
-# of the file yet.
+# A broken document.  The second mistake is in the same piece of input as a spill: no
+# caller was told of the file yet.
 $ { head -c -1 large.json; printf ,; } | qvejmap check - --keep-free 9999G 2>&1 | head -1; ls -A tmp
   qvejmap: <stdin>:12001:11: the document ends before a complete object or array
 $ { head -n 9000 large.json; printf ]]; } > early.json; qvejmap check early.json --keep-free 9999G; ls -A tmp
@@ -38,16 +38,16 @@ $ qvejmap check large.json --keep-free 9999G --cache packed --compress -q; find 
 $ qvejmap check large.json --keep-free 9999G --cache kept
 ! qvejmap: kept: the file is not empty (--cache takes a new or an empty one)
 ? 5
-$ echo mine > kept; qvejmap check large.json --keep-free 9999G --cache kept --force; cat kept
+$ echo mine > kept; qvejmap convert large.json -o new --keep-free 9999G --cache kept --force; cat kept
   mine
 ! qvejmap: kept: the file is not empty (--cache takes a new or an empty one)
-$ ln -s large.json link; qvejmap check large.json --keep-free 9999G --cache link --force
+$ ln -s large.json link; qvejmap check large.json --keep-free 9999G --cache link
 ! qvejmap: link: not a regular file, not replaced
 ? 5
 $ qvejmap check large.json --keep-free 9999G --cache tmp
 ! qvejmap: tmp: not a regular file, not replaced
 ? 5
-$ qvejmap check large.json --keep-free 9999G --cache large.json --force; wc -l < large.json
+$ qvejmap check large.json --keep-free 9999G --cache large.json; wc -l < large.json
   12000
 ! qvejmap: large.json: the document itself, not replaced
 $ : > empty; qvejmap check large.json --keep-free 9999G --cache empty

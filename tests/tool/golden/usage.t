@@ -123,16 +123,16 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
 $ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert records check; do
 >     echo $verb: $(qvejmap help $verb | grep -o '^  -[-a-z,]*')
 > done
-  tables: --names --columns --map --ordinals --alldata-name --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  tables: --names --columns --map --ordinals --alldata-name --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug -q,--quiet -h,--help --version
   map: -o,--output --exact --ordinals --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
-  map check: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  map check: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug -q,--quiet -h,--help --version
   map diff: -q,--quiet -h,--help --version
   map merge: -o,--output --force -q,--quiet -h,--help --version
-  map explain: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  map explain: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug -q,--quiet -h,--help --version
   read: --limit --map --rejects --format --null --ordinals --alldata-name --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
   convert: -o,--output --alldata --threads --account --map --rejects --format --null --ordinals --alldata-name --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
-  records: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
-  check: --account --map --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
+  records: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug -q,--quiet -h,--help --version
+  check: --account --map --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug -q,--quiet -h,--help --version
 
 # help VERB is what VERB --help is, and no page is wider than 80 columns.
 $ for verb in '' tables map 'map check' 'map diff' 'map merge' 'map explain' read convert records check; do

@@ -29,7 +29,7 @@ constexpr Owner kOwners[] = {
     {"--retain", "read, convert, check"},
     {"--ordinals", "tables, map, read, convert"},
     {"--alldata-name", "tables, read, convert"},
-    {"--force", "tables, map, map check, map merge, map explain, read, convert, records, check"},
+    {"--force", "map, map merge, read, convert"},
     {"--lines", kReaders},
     {"--encoding", kReaders},
     {"--invalid", kReaders},

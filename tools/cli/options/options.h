@@ -16,7 +16,7 @@ struct Verb;
 
 struct Options {
     const Verb* verb = nullptr;         // null: help or version was asked for, and printed
-    std::vector<std::string> operands;  // the words behind the verb, as many as it takes
+    std::vector<std::string> operands;  // the words after the verb, as many as it takes
 
     std::string out;              // of map and convert; empty: not given
     uint64_t limit = UINT64_MAX;  // of read

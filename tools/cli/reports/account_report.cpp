@@ -8,7 +8,6 @@
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"
 
-#include <algorithm>
 #include <array>
 #include <string_view>
 #include <sys/stat.h>
@@ -110,7 +109,7 @@ std::string sumLine(const std::vector<qvej::PathAccount>& accounts) {
     return line;
 }
 
-// A sum that does not meet is a mistake of this program, and must not pass for an account.
+// Sums that do not agree are a mistake of this program, and must not be shown as an account.
 void checkSums(const std::vector<qvej::PathAccount>& accounts) {
     for (const qvej::PathAccount& account : accounts) {
         if (!account.meets()) {

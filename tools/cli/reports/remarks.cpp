@@ -1,7 +1,6 @@
 // See remarks.h.
 #include "tools/cli/reports/remarks.h"
 
-#include "formats/writer.h"
 #include "tools/cli/reports/tell.h"
 
 #include <algorithm>

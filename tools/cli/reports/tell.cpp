@@ -11,7 +11,7 @@ namespace qvej::cli {
 void tell(std::string_view line, std::string_view excerpt) {
     std::string text = "qvejmap: " + qvej::shown(line) + "\n";
     text += excerpt;
-    (void)writeAll(STDERR_FILENO, text.data(), text.size());  // there is nowhere else to complain
+    (void)writeAll(STDERR_FILENO, text.data(), text.size());  // there is no other place to tell it
 }
 
 void tellEach(const std::vector<std::string>& lines) {

@@ -3,7 +3,6 @@
 // Tested by tests/tool/golden/map.t
 #include "client/engine.h"
 #include "client/error.h"
-#include "formats/writer.h"
 #include "tools/cli/maps/map_fit.h"
 #include "tools/cli/maps/map_model.h"
 #include "tools/cli/maps/map_output.h"

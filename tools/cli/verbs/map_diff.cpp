@@ -13,8 +13,6 @@
 #include "tools/cli/reports/remarks.h"
 #include "tools/cli/verbs/verbs.h"
 
-#include <algorithm>
-
 namespace qvej::cli {
 
 namespace {

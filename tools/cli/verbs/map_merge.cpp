@@ -30,8 +30,8 @@ template <class Item>
 struct Group {
     const Item* first = nullptr;  // the first map's; null: it has none
     std::vector<const Item*> others;
-    PairKey key;            // of those that the first map has not,
-    std::size_t count = 0;  // and the how-manieth of that key in each map
+    PairKey key;            // of those that the first map has not
+    std::size_t count = 0;  // which of those with that key it is, in each map
 
     [[nodiscard]] const Item& any() const { return first != nullptr ? *first : *others.front(); }
 };
@@ -190,7 +190,8 @@ class ColumnNames {
 
    private:
     static constexpr int kFirst = 2;
-    std::unordered_map<std::string, int> next_;  // names that are taken; number to try behind each
+    std::unordered_map<std::string, int>
+        next_;  // names that are taken; the next number to try for each
 };
 
 // Makes the names of those columns unique that the first map has not, and tells which change.
