@@ -286,7 +286,9 @@ bool sameParent(JMAP_PRIVATE* p, const PATHNODE* a, const PATHNODE* b) {
 const PATHNODE* mostPathsBelow(JMAP_PRIVATE* p, uint64_t* count) {
     const PATHBRANCH* at = &p->pathRoot;
     *count = p->pathNodes;
-    auto* before = poolNew<uint64_t>(p->cpool, p->labelMaxesSize + 1);  // paths seen, by depth
+    // Paths seen, by depth.  A node may be one deeper than there is room for labels: when that room
+    // could not grow.
+    auto* before = poolNew<uint64_t>(p->cpool, p->labelMaxesSize + 2);
     if (before == nullptr) {
         return &at->node;
     }
