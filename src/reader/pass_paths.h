@@ -64,7 +64,7 @@ namespace jmap {
 [[nodiscard]] QVStatus addTable(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, bool retain,
                                 PASSTABLE* table);
 
-// Finds the path by hash, when it is not the expected one.  Null: it means nothing to any table.
+// Finds the path when it is not the expected one.  Null: it means nothing to any table.
 [[nodiscard]] PASSPATH* searchPath(PASSPATHS* paths, std::string_view path);
 
 // Finds what the path of a record means.  Null: nothing to any table.

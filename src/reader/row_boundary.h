@@ -1,4 +1,4 @@
-// Where one row of a table ends and the next begins.  Only paths decide.
+// Where a row of a table ends and the next begins.  Paths decide, and whether the row has values.
 //
 // The rows of a table come from the objects at its table path.  The first record at the table path
 // begins the row.  Records below it belong to the row.  The next record at the table path, or one
