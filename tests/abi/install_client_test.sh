@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# A stranger's program in C++: installs the build into an empty folder, compiles examples/tables.cpp
+# A user's program in C++: installs the build into an empty folder, compiles examples/tables.cpp
 # and each installed header there with the CMake package alone, and compares what the program prints.
 #   install_client_test.sh BUILD_DIRECTORY SOURCE_DIRECTORY
 set -euo pipefail
@@ -15,7 +15,7 @@ echo '#error not this one' | tee client/document.h client/engine.h >error.h
 [ "$(wc -l <headers.cpp)" -gt 10 ]
 cat >CMakeLists.txt <<'CMAKE'
 cmake_minimum_required(VERSION 3.25)
-project(stranger LANGUAGES C CXX)
+project(user LANGUAGES C CXX)
 find_package(qvejmap 1.0 REQUIRED COMPONENTS client)
 add_executable(tables tables.cpp headers.cpp)
 target_include_directories(tables PRIVATE .)

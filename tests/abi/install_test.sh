@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# A stranger's program: installs the build into an empty folder, compiles examples/rows.c there with
+# A user's program: installs the build into an empty folder, compiles examples/rows.c there with
 # pkg-config alone, and compares what it prints.
 #   install_test.sh BUILD_DIRECTORY SOURCE_DIRECTORY
 set -euo pipefail

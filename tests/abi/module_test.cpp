@@ -2,7 +2,6 @@
 #include "frame/entry.h"
 #include "testkit/testkit.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <set>

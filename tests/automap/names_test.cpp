@@ -8,7 +8,7 @@ namespace jmap::test {
 namespace {
 
 TEST(Names, TablesOfOneNameAreNumbered) {
-    // The tables of objects behind each other, with a name of their own around each.
+    // The tables of objects one after the other, each below a name of its own.
     const auto tableNames = [](const Names& objects) {
         HandDocument doc;
         Names names;

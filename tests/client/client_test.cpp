@@ -30,7 +30,7 @@ TEST(Client, AnEngineIsOfTheVersionOfItsHeaders) {
     }
 }
 
-// The cells of the row behind "|", "~" for missing.
+// The cells of the row, each after "|", "~" for missing.
 std::string rowOf(const qvej::Cursor& cursor) {
     std::string text;
     for (std::size_t i = 0; i < cursor.columns().size(); ++i) {

@@ -36,7 +36,7 @@ TEST(OutputFiles, ReplacesEveryFileOrNone) {
     }
 }
 
-// A directory that was missing appears at once, or with what somebody else put into it meanwhile.
+// A directory that was missing appears at once, or with what another program put into it meanwhile.
 TEST(OutputFiles, AppearWithTheirDirectory) {
     for (const std::string meanwhile : {"", "other", "b"}) {
         SCOPED_TRACE(meanwhile);

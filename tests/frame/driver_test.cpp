@@ -52,7 +52,7 @@ TEST(JsonInput, TreatsEachAnswerOfTheParserAtEachPlace) {
 
 TEST(JsonInput, AFailureWhileFinishingKeepsItsOddEffects) {
     for (const bool always : {false, true}) {
-        SCOPED_TRACE(always ? "no map: the trackers are never ended" : "no block: nobody is told");
+        SCOPED_TRACE(always ? "no map: the trackers are never ended" : "no block: no status tells");
         LoadedHost host;
         {
             Document document(host);

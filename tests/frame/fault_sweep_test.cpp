@@ -137,7 +137,7 @@ class Sweep {
         if (played.told) {
             EXPECT_FALSE(kind.harmless);
         } else if (played.failed == SIZE_MAX) {
-            EXPECT_TRUE(played.out == expected_) << "something is missing, and nobody was told";
+            EXPECT_TRUE(played.out == expected_) << "something is missing, and nothing tells of it";
         } else {
             EXPECT_EQ(played.failed, at)
                 << "a later operation fails: " << operations()[played.failed].name;
@@ -245,7 +245,7 @@ TEST(FaultSweep, OfEachTrackerInAScan) {
                 JMAPTotals totals = {};
                 jmapTotals(scan.doc(), &totals);
                 if (totals.lostLookups + totals.droppedTables == 0) {
-                    ASSERT_EQ(scan.map(), expected.map()) << "and nobody was told";
+                    ASSERT_EQ(scan.map(), expected.map()) << "and nothing tells of it";
                 }
                 ASSERT_EQ(scan.blocks(), expected.blocks());
             }

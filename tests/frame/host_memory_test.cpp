@@ -1,4 +1,4 @@
-// Each operation with each of the host's own requests for memory (`new`) failing: those behind a
+// Each operation with each of the host's own requests for memory (`new`) failing: those of a
 // parser, a writer, a transcoder, a pool, a loaded module.
 //
 // A program of its own, since it replaces the operators for all of it.
@@ -92,7 +92,7 @@ TEST(HostMemory, MayFailAnywhere) {
                 EXPECT_TRUE(clean.out.starts_with(played.out));
                 const bool whole = played.failed == SIZE_MAX;
                 EXPECT_TRUE(!whole || played.out == clean.out)
-                    << "something is missing, and nobody was told";
+                    << "something is missing, and nothing tells of it";
                 EXPECT_TRUE(whole || played.told || played.status == QV_NOMEM ||
                             played.status == JMAP_PARSE)
                     << qvStatusName(played.status);

@@ -1,4 +1,4 @@
-// Failures of memory: what each leaves behind.
+// Failures of memory: what each leaves.
 #include "testkit/open_document.h"
 
 namespace jmap::test {

@@ -97,7 +97,7 @@ struct Played {
 };
 
 // Plays the operations up to the first that fails or tells of a loss, and ends what is open.
-// `around` is called before and behind each.
+// `around` is called before and after each.
 Played play(
     Stage& stage, const std::function<void(size_t at, bool begins)>& around = [](size_t, bool) {});
 

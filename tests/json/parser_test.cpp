@@ -239,7 +239,8 @@ TEST(Parser, TakesLinesAsTheElementsOfOneArray) {
               parseEveryWay("1", {.failAt = 1, .failStatus = QV_TRUNCATED, .lines = true}));
 }
 
-// Who converts a text says in which columns its tokens begin, and is asked while he has the buffer.
+// A caller that converts a text tells in which columns its tokens begin.  It is asked while it has
+// the buffer.
 TEST(Parser, AsksForColumnsByOffset) {
     constexpr std::string_view kText = "[12,\n \"a\\n\",[true]]";
     struct Buffer {

@@ -40,7 +40,7 @@ TEST(Reference, AgreesOnAllSmallTexts) {
                "\"]");
 }
 
-// Each first byte that is special with bytes at and beside every bound after it.
+// Each first byte that is special with bytes at and next to every bound after it.
 TEST(Reference, AgreesOnUtf8) {
     for (const char* first : {"\xC0", "\xC1", "\xC2", "\xDF", "\xE0", "\xE1", "\xEC", "\xED",
                               "\xEE", "\xEF", "\xF0", "\xF1", "\xF3", "\xF4", "\xF5", "\xFF"}) {

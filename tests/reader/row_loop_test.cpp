@@ -63,10 +63,10 @@ TEST(RowLoop, ABlockThatDoesNotLoadIsReportedAndPassed) {
         std::string before = table.rows();
         EXPECT_TRUE(before.ends_with("status QV_NOMEM\n") && table.rp()->curr == bad);
         before.resize(before.size() - std::strlen("status QV_NOMEM\n"));
-        const std::string behind = table.rows();
+        const std::string after = table.rows();
         EXPECT_EQ(before.empty(), bad == first);
-        EXPECT_TRUE(!behind.empty() && before.size() + behind.size() < whole.size());
-        EXPECT_TRUE(whole.starts_with(before) && whole.ends_with(behind));
+        EXPECT_TRUE(!after.empty() && before.size() + after.size() < whole.size());
+        EXPECT_TRUE(whole.starts_with(before) && whole.ends_with(after));
         bad->buf = kept;
     }
     // Of a block that gives fewer bytes than it should, only those are replayed.

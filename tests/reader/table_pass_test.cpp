@@ -122,7 +122,7 @@ TEST(TablePass, TellsValuesThatCameBeforeTheirRow) {
         {"and not the row of an earlier one", R"({"a":[{"b":[9]},1,{"b":[2,3]},{"b":[7]}]})",
          "a_b 1|1|1|9|~|~\na 1|2|1\na_b 1|4|2|7|*2|*3\n"},
         {"before the first object", R"(["x",{"a":1}])", "root 1|*x|1\n"},
-        {"behind an object", R"([{"a":1},"x",{"a":2}])", "root 1|1|x\nroot 2|2|~\n"},
+        {"after an object", R"([{"a":1},"x",{"a":2}])", "root 1|1|x\nroot 2|2|~\n"},
         {"one row only", R"(["x",{},{"element1":"y"}])", "root 1|*x\nroot 2|y\n"},
         {"in no row", R"({"a":[1,{"b":[2]}]})", "a 1|1|1\n"},
         {"overwritten in the row", R"({"a":[1,{"b":[2]},{"b":{"b2":3,"c":4}}]})",

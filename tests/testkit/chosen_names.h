@@ -1,4 +1,4 @@
-// Names that somebody has chosen so that a hash without a seed puts them all into one place.
+// Names that are chosen so that a hash without a seed puts them all into one place.
 #pragma once
 
 #include <cstdint>

@@ -31,8 +31,8 @@ inline std::string internalPath(std::string_view path) {
 class LoadedHost : public FakeHost {
    public:
     LoadedHost() : instance_((engine(), leftovers().size())) { calls.clear(); }
-    // What is alive beside the engine and its modules, oldest first: the kinds of objects, of pools
-    // and trackers the names as well.
+    // What is alive besides the engine and its modules, oldest first: the kinds of objects, of
+    // pools and trackers the names as well.
     std::string left() {
         Names rest = leftovers();
         rest.erase(rest.begin(), rest.begin() + instance_);

@@ -7,8 +7,8 @@
 //     # a remark
 //     $ lines of the shell
 //     > that go together
-//       the exact standard output, each line behind two blanks; TAB, CR and other control
-//       characters as \t, \r, \u001b, a backslash as \\; "\c" behind a last line that has no end
+//       the exact standard output, each line after two blanks; TAB, CR and other control
+//       characters as \t, \r, \u001b, a backslash as \\; "\c" after a last line that has no end
 //     ! a line of standard error
 //     ? exit code, when it is not 0
 //

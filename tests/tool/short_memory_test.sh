@@ -1,6 +1,6 @@
 #!/bin/sh
 # The tool in an address space that is too small: it does its work, or says that memory is short and
-# leaves nothing behind.
+# leaves no file.
 #   short_memory_test.sh QVEJMAP
 set -eu
 tool=$1

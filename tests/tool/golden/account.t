@@ -104,7 +104,7 @@ $ for text in '[1,2,3]' '[1,[2],3]' '[{"a":1,"a":2,"a":3},{"a":4}]' '[{"a":1,"":
   /root\t1\tno column\t<stdin>:1:12
   3 values = 2 in cells + 0 overwritten + 1 no column + 0 no row + 0 rejected
 ? 1
-# Values that came before the row they are in, so that it may be another parent's: an array behind
+# Values that came before the row they are in, so that it may be another parent's: an array after
 # other elements begins no row.
 $ for text in '{"o":[{"id":1,"m":["SUB",{"t":["x","y"]}]},{"id":2,"m":[{"t":["z"]}]}]}' '{"a":[1,{"b":[2,3]},{"b":[9]}]}' '["x",{"a":1}]' '[{"a":1},"x"]'; do
 >     echo "$text" | qvejmap check - --account
@@ -162,7 +162,7 @@ $ echo '[{"a":"x"},{"a":"xyz"},{"a":"abc"}]' > short.json; sed 's/"NUMERIC"/"CHA
   /root/k\t1\tcut\tk.json:1:6
   1 value = 1 in cells (1 of them cut) + 0 overwritten + 0 no column + 0 no row + 0 rejected
 ? 1
-# Of a text that is cut nobody knows the number, whoever reads it.
+# A text that is cut gives no number, with an informat and without.
 $ python3 -c 'print("[{\"a\":\"2.5%se10\"},{\"a\":\"%s\"},{\"a\":\"3\"}]" % ("0" * 32764, "1" * 40000))' > long.json
 > for add in '' ',"INFORMAT":["number"]' ',"FORMAT":["fixed"]'; do
 >     sed "s/\"NUMERIC\"/&$add/" m.json > long.map; qvejmap read long.json t --map long.map; qvejmap check long.json --account --map long.map

@@ -33,7 +33,7 @@ $ sh shape '{"a":{"b":1},"e":{}}' --ordinals 0; sh shape '{"e":{}}' --ordinals 1
   [e] /root [ordinal_e:O]
 
 # Ordinals: the nameless level has none, but is counted; names are made for columns; equal ones get
-# one more character, counted over the table; behind 9 comes ":".
+# one more character, counted over the table; after 9 comes ":".
 $ sh shape '{"":{"x":1}}'; sh shape '{"":{"x":1}}' --ordinals 1
   [] /root/ [ordinal_root:O,x:N]
   [] /root/ [x:N]

@@ -123,7 +123,7 @@ $ printf '{"日本語":tru}' | qvejmap check -
 !                  ^
 ? 3
 
-# A mistake far behind the start, in whole pieces of input and across them.
+# A mistake far after the start, in whole pieces of input and across them.
 $ { printf '['; seq -s , 300000; printf ']]'; } | qvejmap check -
 ! qvejmap: <stdin>:2:2: only white space may follow the document (--lines for one value a line)
 !     ]]

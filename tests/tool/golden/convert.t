@@ -125,7 +125,7 @@ $ names='o2 O2 o2 _ .. .h é / a~2 x&y a.b-c_d'
   o2~3.csv
   x%26y.csv
 
-# What is in the way and is no file stays, even with --force.
+# A directory of a file's name stays, even with --force.
 $ mkdir -p way/orders_tags.csv; qvejmap convert orders.json -o way --force
 ! qvejmap: way/orders_tags.csv: not a regular file, not replaced
 ? 5

@@ -23,8 +23,8 @@ $ for file in out/*.csv; do TZ=UTC stat -c '%n %.9Y' $file; done > times
   out/orders_items.csv True
   out/orders_tags.csv True
 
-# Another format, other tables: what the first run made goes, but for what a person changed since, and
-# what nobody of ours made stays.
+# Another format, other tables: what the first run made goes, but for what a person changed since.
+# What qvejmap did not make stays.
 $ echo more >> out/orders_tags.csv; touch -d 2001-02-03 out/orders_customer.csv; rm out/orders_items.csv
 > echo mine > out/notes.csv; qvejmap convert orders.json -o out --force --format ndjson; ls out
   datapackage.json

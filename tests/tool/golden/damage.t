@@ -1,4 +1,4 @@
-# Somebody else changes the cache file while the document is read: no verb makes rows of it, and none
+# Another program changes the cache file while the document is read: no verb makes rows of it, and none
 # keeps output.
 $ exec 2> /dev/null
 > mkfifo pipe

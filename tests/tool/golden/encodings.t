@@ -145,7 +145,7 @@ $ for name in UTF-8 UTF-16 UTF-32LE GB18030; do
   longest\t1 byte\t<stdin>:2:1
   NUMBER\t1\t<stdin>:1:51
   longest\t1 byte\t<stdin>:1:51
-# The end, and a place behind which the text went on for long.
+# The end, and a place after which the text goes on for long.
 $ printf '[1,\n"é日"' | iconv -t UTF-16 | qvejmap check -
 ! qvejmap: <stdin>:2:5: the document ends before a complete object or array
 !     "é日"

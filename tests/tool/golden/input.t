@@ -111,7 +111,7 @@ $ qvejmap map orders.json > orders.map; gzip -c orders.map > orders.map.gz
 > qvejmap map check orders.map packed
   orders.map: well formed, tables: 4, columns: 20
 
-# Several members or frames one behind the other, also empty ones, those to be skipped, and those
+# Several members or frames one after the other, also empty ones, those to be skipped, and those
 # that end with a piece.
 $ { head -c 100 orders.json | gzip; : | gzip; tail -c +101 orders.json | gzip; } | qvejmap tables - --names
   orders

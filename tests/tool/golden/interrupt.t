@@ -1,4 +1,4 @@
-# A signal at any time leaves nothing behind, and is told.  What the shell itself says of it goes away.
+# A signal at any time leaves no file, and is told.  What the shell itself says of it goes away.
 
 # So many tables over so many records that writing them takes long.
 $ rows=$(printf '{"v":%d},' $(seq 20))

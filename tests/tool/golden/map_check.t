@@ -1,4 +1,4 @@
-# A well-formed map, alone and beside its document.
+# A well-formed map, alone and with its document.
 $ qvejmap map orders.json -o m.json; qvejmap map check m.json; qvejmap map check m.json orders.json
   m.json: well formed, tables: 4, columns: 20
   m.json: well formed, tables: 4, columns: 20
