@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Times whole commands: `qvejmap convert` with all that it writes, beside what else does the job.
+"""Times whole commands: `qvejmap convert` with all that it writes, and DuckDB on the same document.
 
     bench/commands.py BUILD DATA [--quick] [orders] [files] [memory]
 

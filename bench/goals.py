@@ -4,7 +4,7 @@
     bench/goals.py PROGRAMS [--quick]
 
 PROGRAMS is the directory of the built benchmarks; the documents are those of bench/documents.h.
-Ratios are of medians of one run.  Beside each goal that is missed stands a "!".
+Ratios are of medians of one run.  A goal that is missed is marked with "!".
 """
 import json
 import os

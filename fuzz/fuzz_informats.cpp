@@ -11,7 +11,6 @@
 #include "kit/input.h"
 #include "kit/require.h"
 
-#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstring>

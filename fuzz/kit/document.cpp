@@ -2,7 +2,6 @@
 
 #include "kit/require.h"
 
-#include <algorithm>
 #include <iterator>
 
 namespace jmap::fuzz {

@@ -93,7 +93,7 @@ std::string bufferOf(QVEJMAPJsonContexth doc, const JMAPColumnInfo& column,
     return {reinterpret_cast<const char*>(&number), sizeof number};
 }
 
-// The raw text of each column, behind a "|".
+// The raw text of each column, after a "|".
 std::string rawTexts(const JMAPPassItem& item, const std::vector<JMAPColumnInfo>& columns) {
     std::string raws;
     const JMAPPassCell* text = item.cells + item.cellCount;
