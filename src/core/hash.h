@@ -30,7 +30,7 @@ inline constexpr uint64_t kHashSecond = 0xE7037ED1A0B428DB;
 // github.com/wangyi-fudan/wyhash).  The hash depends on a seed that the author of a document does
 // not know (see newHashSeed): else chosen names would all fall into one bucket of a table.  The
 // hash differs from run to run, so no order of results may depend on it.
-[[nodiscard]] inline uint32_t hashOf(uint64_t seed, std::string_view text) noexcept {
+[[nodiscard]] inline uint64_t wideHashOf(uint64_t seed, std::string_view text) noexcept {
     const char* at = text.data();
     std::size_t left = text.size();
     // Both factors depend on the seed, so that no text can make one of them 0.
@@ -53,8 +53,12 @@ inline constexpr uint64_t kHashSecond = 0xE7037ED1A0B428DB;
         low = byte(0) << 16 | byte(left / 2) << 8 | byte(left - 1);
     }
     // The length is mixed in last; earlier, a byte of the text could cancel it.
-    const uint64_t hash =
-        foldedProduct(foldedProduct(low ^ first, high ^ state), kHashSecond ^ text.size());
+    return foldedProduct(foldedProduct(low ^ first, high ^ state), kHashSecond ^ text.size());
+}
+
+// The same in 32 bits.
+[[nodiscard]] inline uint32_t hashOf(uint64_t seed, std::string_view text) noexcept {
+    const uint64_t hash = wideHashOf(seed, text);
     return static_cast<uint32_t>(hash ^ hash >> 32);
 }
 

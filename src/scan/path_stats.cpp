@@ -44,15 +44,15 @@ QVTrackerh newTracker(JMAP_PRIVATE* p, std::u32string_view name) {
     return tracker;
 }
 
-// A path, or the path of a parent, in a tracker.  The key is a checksum of the text, since the
-// texts of many deep paths would need more memory than all else.  Paths of one checksum are a list.
+// A path, or the path of a parent, in a tracker.  The key is a hash of the text, since the
+// texts of many deep paths would need more memory than all else.  Paths of one hash are a list.
 struct PATHBYTEXT {
-    PATHBYTEXT* next;  // the next one with this checksum
-    uint64_t checksum;
+    PATHBYTEXT* next;  // the next one with this hash
+    uint64_t hash;
     PATHINFO* info;
 };
 
-constexpr QVStrSize kKeyBytes = sizeof PATHBYTEXT::checksum;
+constexpr QVStrSize kKeyBytes = sizeof PATHBYTEXT::hash;
 
 QVStrSize parentLenOf(const PATHINFO* info) {
     return info->ownParent ? info->node->textLen : info->node->parent->node.textLen;
@@ -60,16 +60,16 @@ QVStrSize parentLenOf(const PATHINFO* info) {
 
 // Kept: a failure of a tracker is counted, but gives no status.  The map shows it: a path, or a
 // group, is there twice.
-PATHBYTEXT* findText(QVTrackerh tracker, uint64_t checksum) {
+PATHBYTEXT* findText(QVTrackerh tracker, uint64_t hash) {
     return tracker == nullptr ? nullptr
                               : static_cast<PATHBYTEXT*>(tracker->find(
-                                    tracker, reinterpret_cast<const char*>(&checksum), kKeyBytes));
+                                    tracker, reinterpret_cast<const char*>(&hash), kKeyBytes));
 }
 
 // The entry of a text.  `lenOf` gives the bytes of an entry's path that are compared.
 template <class LenOf>
-PATHINFO* find(QVTrackerh tracker, std::string_view text, LenOf lenOf) {
-    PATHBYTEXT* entry = findText(tracker, checksumOf(text));
+PATHINFO* find(const JMAP_PRIVATE* p, QVTrackerh tracker, std::string_view text, LenOf lenOf) {
+    PATHBYTEXT* entry = findText(tracker, wideHashOf(p->hashSeed, text));
     while (entry != nullptr && !pathIs(entry->info->node, lenOf(entry->info), text)) {
         entry = entry->next;
     }
@@ -86,11 +86,11 @@ void enter(JMAP_PRIVATE* p, QVTrackerh tracker, std::string_view text, PATHINFO*
         return;
     }
     auto* entry = reinterpret_cast<PATHBYTEXT*>(mem);
-    *entry = {nullptr, checksumOf(text), info};
-    if (PATHBYTEXT* first = findText(tracker, entry->checksum); first != nullptr) {
+    *entry = {nullptr, wideHashOf(p->hashSeed, text), info};
+    if (PATHBYTEXT* first = findText(tracker, entry->hash); first != nullptr) {
         entry->next = first->next;
         first->next = entry;
-    } else if (tracker->insert(tracker, reinterpret_cast<const char*>(&entry->checksum), kKeyBytes,
+    } else if (tracker->insert(tracker, reinterpret_cast<const char*>(&entry->hash), kKeyBytes,
                                entry) != QV_OK) {
         ++p->lostLookups;
     }
@@ -226,7 +226,7 @@ void joinGroup(PATHINFO* head, PATHINFO* info) {
 }
 
 PATHINFO* groupByText(JMAP_PRIVATE* p, const PATHINFO* info, std::string_view path) {
-    return find(p->hash2, firstOf(path, static_cast<std::size_t>(parentLenOf(info))),
+    return find(p, p->hash2, firstOf(path, static_cast<std::size_t>(parentLenOf(info))),
                 [](const PATHINFO* head) { return parentLenOf(head); });
 }
 
@@ -266,7 +266,7 @@ QVStatus insertPathInfo(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path, 
                   slashed.data(), valtypeToHostString(type), noteLen(lengthOf(value)));
     }
     if (node->info == nullptr && p->byText) {
-        node->info = find(p->hash, path,
+        node->info = find(p, p->hash, path,
                           [](const PATHINFO* info) -> QVStrSize { return info->node->textLen; });
     }
     if (node->info == nullptr) {

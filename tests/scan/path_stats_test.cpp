@@ -1,7 +1,10 @@
 // Statistics of paths: types, counts, groups.
 #include "scan/path_stats.h"
 
+#include "testkit/chosen_names.h"
 #include "testkit/open_document.h"
+
+#include <set>
 
 namespace jmap::test {
 namespace {
@@ -87,6 +90,34 @@ TEST(PathStats, GoesOnWithoutATracker) {
         EXPECT_EQ(kWithout[failing], statsLines(&doc.doc));
         EXPECT_EQ(failing == 0 ? 0 : 1, doc.p.lostLookups);
     }
+}
+
+// Insertions into trackers by a document with these members, when paths are found by text.
+uint64_t insertionsOf(const std::vector<std::string>& names) {
+    HandDocument doc;
+    lookUpByText(&doc.p);
+    const uint64_t before = doc.host.trackerRequests();
+    std::string json;
+    for (const std::string& name : names) {
+        json += (json.empty() ? "{\"" : ",\"") + name + "\":1";
+    }
+    EXPECT_QV_OK(doc.document.feed(json + "}", false));
+    return doc.host.trackerRequests() - before;
+}
+
+// Each path is a key of its own, also where names were chosen so that one checksum is that of all:
+// else a look-up would go through all of them.
+TEST(PathStats, FindsChosenNamesByTextAsAnyOthers) {
+    constexpr std::size_t kNames = 200;
+    const std::vector<std::string> chosen = namesOfOneChecksum("\2root\2", kNames);
+    std::vector<std::string> others;
+    std::set<uint64_t> sums;
+    for (const std::string& name : chosen) {
+        others.push_back("N" + std::to_string(others.size()));
+        sums.insert(checksumOf("\2root\2" + name));
+    }
+    ASSERT_EQ(sums.size(), 1U);
+    EXPECT_EQ(insertionsOf(chosen), insertionsOf(others));
 }
 
 }  // namespace
