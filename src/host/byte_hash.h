@@ -25,7 +25,7 @@ class ByteHash {
         std::size_t left = text.size();
         // Both factors depend on the seed, so that no text can force one of them to 0.
         const uint64_t first = seed_ ^ kFirst;
-        uint64_t state = seed_ ^ left;
+        uint64_t state = seed_;
         for (; left > 16; at += 16, left -= 16) {
             state = fold(word(at) ^ first, word(at + 8) ^ state);
         }
@@ -42,7 +42,8 @@ class ByteHash {
             low = uint64_t{byte(at[0])} << 16 | uint64_t{byte(at[left / 2])} << 8 |
                   byte(at[left - 1]);
         }
-        return fold(fold(low ^ first, high ^ state), kSecond);
+        // The length comes last: before, a byte of the text could undo it.
+        return fold(fold(low ^ first, high ^ state), kSecond ^ text.size());
     }
 
    private:

@@ -1,4 +1,7 @@
+#include "host/byte_hash.h"
 #include "tests/host/host_fixture.h"
+
+#include <set>
 
 namespace qvhost::test {
 namespace {
@@ -24,6 +27,20 @@ TEST(Tracker, FindsByRawBytesAndLength) {
     EXPECT_GT(host.counts().bytesInUse, keys.size() * 24);
     EXPECT_QV_OK(destroy(tracker));
     EXPECT_EQ(host.counts().bytesInUse, 0U);
+}
+
+TEST(ByteHash, TellsShortTextsOfDifferentLengthsApart) {
+    const ByteHash hash(0x0123456789ABCDEF);  // fixed, so that nothing here is left to chance
+    std::set<std::size_t> hashes;
+    for (std::size_t n = 0; n <= 40; ++n) {
+        std::string text(n, '\0');
+        EXPECT_TRUE(hashes.insert(hash(text)).second) << n;
+        for (std::size_t bit = 0; bit < n * 8; ++bit) {
+            text[bit / 8] = static_cast<char>(1 << bit % 8);
+            EXPECT_TRUE(hashes.insert(hash(text)).second) << n << " " << bit;
+            text[bit / 8] = 0;
+        }
+    }
 }
 
 }  // namespace
