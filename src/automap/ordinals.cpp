@@ -3,6 +3,7 @@
 // Tested by tests/automap/discovery_test.cpp
 #include "ordinals.h"
 
+#include "core/hash.h"
 #include "core/list.h"
 #include "core/pool.h"
 #include "core/status.h"
@@ -11,6 +12,7 @@
 #include "variables.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace jmap {
@@ -62,10 +64,80 @@ QVStatus appendCharacter(JMAP_PRIVATE* p, VARINFO& column, char c) {
     return QV_OK;
 }
 
-// Makes equal names differ: the later one of each pair gets one more character.
-//   Kept: each pair of the table takes the next character of the code table: "1" to "9", then ":".
-//   Case counts.  A name can get more than one character.
-QVStatus makeOrdinalsUnique(JMAP_PRIVATE* p, DSINFO* ds) {
+// Few names are compared with each other; more are looked up.
+constexpr uint64_t kFewNames = 32;
+
+struct NAMEENTRY {
+    VARINFO* column;
+    uint32_t hash;  // of its name
+    uint32_t next;  // number of the next column in the list, 0: none
+};
+
+// The ordinals of a table by their names.  Columns are told by their number, from 1, and each list
+// is in the order of the columns.
+struct NAMELISTS {
+    NAMEENTRY* entries;  // [0] is not used
+    uint32_t* heads;
+    uint32_t mask;
+};
+
+void putInList(const JMAP_PRIVATE* p, const NAMELISTS& names, uint32_t number) noexcept {
+    NAMEENTRY& entry = names.entries[number];
+    entry.hash = hashOf(p->hashSeed, nameOf(*entry.column));
+    uint32_t* link = names.heads + (entry.hash & names.mask);
+    while (*link != 0 && *link < number) {
+        link = &names.entries[*link].next;
+    }
+    entry.next = *link;
+    *link = number;
+}
+
+// Gives one more character to each later column with the name of this one.
+QVStatus renameLater(JMAP_PRIVATE* p, const NAMELISTS& names, uint32_t number, uint8_t* next) {
+    const NAMEENTRY& entry = names.entries[number];
+    for (uint32_t* link = &names.entries[number].next; *link != 0;) {
+        const uint32_t laterNumber = *link;
+        NAMEENTRY& later = names.entries[laterNumber];
+        if (later.hash != entry.hash || nameOf(*later.column) != nameOf(*entry.column)) {
+            link = &later.next;
+            continue;
+        }
+        *link = later.next;
+        QV_TRY(appendCharacter(p, *later.column, static_cast<char>((*next)++)));
+        putInList(p, names, laterNumber);
+    }
+    return QV_OK;
+}
+
+QVStatus renameByLists(JMAP_PRIVATE* p, const DSINFO* ds, const NAMELISTS& names) {
+    auto count = static_cast<uint32_t>(ds->varcount);
+    uint32_t number = 0;
+    for (VARINFO& column : each(ds->vhead)) {
+        names.entries[++number].column = &column;
+    }
+    for (number = count; number > 0; --number) {  // so that each is put in front
+        putInList(p, names, number);
+    }
+    uint8_t next = '1';
+    for (number = 1; number <= count; ++number) {
+        QV_TRY(renameLater(p, names, number, &next));
+    }
+    return QV_OK;
+}
+
+QVStatus renameManyOrdinals(JMAP_PRIVATE* p, const DSINFO* ds) {
+    const uint64_t heads = std::bit_ceil(ds->varcount);
+    const NAMELISTS names = {poolNew<NAMEENTRY>(p->cpool, static_cast<QVStrSize>(ds->varcount + 1)),
+                             poolNew<uint32_t>(p->cpool, static_cast<QVStrSize>(heads)),
+                             static_cast<uint32_t>(heads - 1)};
+    const QVStatus rc =
+        names.entries == nullptr || names.heads == nullptr ? QV_NOMEM : renameByLists(p, ds, names);
+    (void)poolFree(p->cpool, names.heads);  // nothing hangs on them
+    (void)poolFree(p->cpool, names.entries);
+    return rc;
+}
+
+QVStatus renameFewOrdinals(JMAP_PRIVATE* p, const DSINFO* ds) {
     uint8_t next = '1';
     for (const VARINFO& column : each(ds->vhead)) {
         for (VARINFO& later : each(column.next)) {
@@ -75,6 +147,13 @@ QVStatus makeOrdinalsUnique(JMAP_PRIVATE* p, DSINFO* ds) {
         }
     }
     return QV_OK;
+}
+
+// Tells equal names apart: each later one of a pair gets one more character.
+//   Kept: the characters count up through the code table, "1" to "9" and then ":", and over all
+//   pairs of the table; case counts; a name can get more than one.
+QVStatus makeOrdinalsUnique(JMAP_PRIVATE* p, const DSINFO* ds) {
+    return ds->varcount <= kFewNames ? renameFewOrdinals(p, ds) : renameManyOrdinals(p, ds);
 }
 
 }  // namespace
