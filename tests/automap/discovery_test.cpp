@@ -1,6 +1,7 @@
 // From documents to maps: tables, their ordinal and value columns, ALLDATA.
 #include "automap/discovery.h"
 
+#include "automap/path_parts.h"
 #include "testkit/open_document.h"
 
 #include <algorithm>
@@ -38,6 +39,49 @@ TEST(Discovery, DropsTheTableThatFailsAndGoesOn) {
     }
     EXPECT_EQ(seen, (std::set<std::string>{"", "T_ t_2 ", "T_2 t_3 ", "t_ t_2 ", "t_ T_2 ",
                                            "t_ t_3 ", "t_ T_2 t_3 "}));
+}
+
+// Ordinals of one table from the list of its members' names, outermost first.
+std::vector<std::string> ordinalsOf(const std::vector<std::string>& members) {
+    HandDocument doc;
+    doc.p.ordinalCount = UINT64_MAX;
+    std::string json = "1";
+    for (auto member = members.rbegin(); member != members.rend(); ++member) {
+        json = "{\"" + *member + "\":" + json + "}";
+    }
+    EXPECT_QV_OK(doc.document.feed(json, false));
+    EXPECT_QV_OK(doMapping(&doc.p));
+    std::vector<std::string> names;
+    for (const VARINFO& column : each(doc.p.automap->dshead->vhead)) {
+        names.emplace_back(nameOf(column));
+    }
+    return names;
+}
+
+// Many ordinals are renamed by look-ups, few by comparing all pairs, which is what it must come to.
+TEST(Discovery, RenamesManyEqualOrdinalsAsByPairs) {
+    for (const std::size_t depth : {20, 31, 32, 33, 200, 700}) {
+        SCOPED_TRACE(depth);
+        std::vector<std::string> members;
+        std::vector<std::string> expected = {"ordinal_root"};
+        for (std::size_t i = 0; i < depth; ++i) {  // some become what others are
+            members.push_back(i % 7 == 3   ? "a"
+                              : i % 5 == 1 ? "A"
+                                           : "a" + std::to_string(i * i % 23));
+            expected.push_back("ordinal_" + members.back());
+        }
+        members.push_back("value");
+        uint8_t next = '1';
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            for (std::size_t j = i + 1; j < expected.size(); ++j) {
+                if (expected[j] == expected[i]) {
+                    expected[j] += static_cast<char>(next++);
+                }
+            }
+        }
+        expected.emplace_back("value");
+        EXPECT_EQ(ordinalsOf(members), expected);
+    }
 }
 
 }  // namespace
