@@ -14,6 +14,7 @@ namespace qvej {
 namespace {
 
 constexpr std::size_t kTablesBetweenChecks = 256;
+constexpr std::size_t kPathsBetweenChecks = 4096;
 
 }  // namespace
 
@@ -196,7 +197,7 @@ std::vector<Table> Document::describeMap(QVMemPtr map) {
     JMAPTableh table = nullptr;
     while (jmapNextTable(map, &table) == QV_OK) {
         if (tables.size() % kTablesBetweenChecks == 0) {
-            guard_.checkMemory();
+            guard_.checkMemory("tables and columns");
         }
         tables.push_back(describe(table, false));
     }
@@ -214,6 +215,13 @@ void Document::useMap(std::string_view text) {
     parseUserMap(*this, text);
     userTables_ = describeMap(completeUserMap(*this));
     checkConversions(engine_, *userTables_, text);
+}
+
+void Document::checkMemory(const std::string& what) const {
+    if (guard_.failure()) {
+        throw Error(*guard_.failure());
+    }
+    guard_.checkMemory(what);
 }
 
 const Table* Document::find(std::string_view name) const {
@@ -274,6 +282,9 @@ std::vector<PathStatistics> Document::describePaths(bool (*wanted)(const JMAPPat
         JMAPPathInfo info = {};
         jmapPathInfo(path, &info);
         if (wanted(info)) {
+            if (statistics.size() % kPathsBetweenChecks == 0) {
+                checkMemory("paths");
+            }
             statistics.push_back(describe(path, info));
         }
     }

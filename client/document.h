@@ -141,6 +141,9 @@ class Document {
 
     // ---- for cursors ----
 
+    // Throws QV_LIMIT_MEMORY when less memory is available than `leastMemory`, or when it was so
+    // before.  `what` says in the sentence what has come so far.
+    void checkMemory(const std::string& what) const;
     [[nodiscard]] const TextCodec& codec() const { return codec_; }
     [[nodiscard]] const Engine& engine() const { return engine_; }
     [[nodiscard]] UserJMAP_S* operations() const { return engine_.operations(); }
@@ -165,7 +168,7 @@ class Document {
     std::string cacheFile_;    // or its directory: what failures call it
     std::function<int64_t(int64_t)> columnOf_;
     QVEJMAPJsonContexth handle_ = nullptr;
-    ScanGuard guard_;
+    mutable ScanGuard guard_;
     const JMAPGuard engineGuard_;
     std::vector<JMAPWatchh> watches_;
     std::vector<Table> automaticTables_;

@@ -9,9 +9,6 @@
 namespace qvej {
 namespace {
 
-// Tables are many and small, and the available memory is read from files: not for each table.
-constexpr uint64_t kTablesBetween = 256;
-
 constexpr uint64_t kReservedPart = 16;  // of the disk: what other programs keep
 
 }  // namespace
@@ -43,18 +40,15 @@ QVStatus ScanGuard::look(const JMAPGrowth& growth) {
     if (maxPaths_ != 0 && growth.paths > maxPaths_) {
         return fail(QV_LIMIT_PATHS, "more than " + withCommas(maxPaths_) + " distinct paths");
     }
-    if (growth.tables % kTablesBetween != 0) {
-        return QV_OK;
-    }
     if (growth.spilledBytes != 0 && lookAtDisk(growth.spilledBytes) != QV_OK) {
         return failure_->status();
     }
-    return lookAtMemory(growth.tables != 0 ? withCommas(growth.tables) + " tables of the map so far"
+    return lookAtMemory(growth.tables != 0 ? withCommas(growth.tables) + " tables so far"
                                            : withCommas(growth.paths) + " distinct paths so far");
 }
 
-void ScanGuard::checkMemory() {
-    if (lookAtMemory("tables and columns") != QV_OK) {
+void ScanGuard::checkMemory(const std::string& what) {
+    if (lookAtMemory(what) != QV_OK) {
         throw Error(*failure_);
     }
 }

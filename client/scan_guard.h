@@ -1,8 +1,9 @@
 // Ends a scan before the machine suffers: too many distinct paths, records that would fill the
 // disk, too little memory although the records are in a file.
 //
-// The engine asks with every block of records, 1 MiB, and every table of the map.  A document of a
-// few kilobytes can grow to any size, so what is measured is what has been made of it.
+// The engine asks with every block of records, 1 MiB, and every few thousand columns of the map or
+// of a pass.  A document of a few kilobytes can grow to any size: what counts is what it has
+// become.
 //
 // Tested by tests/client/scan_guard_test.cpp
 #pragma once
@@ -35,8 +36,8 @@ class ScanGuard {
     // QV_OK, or why the scan must end; `failure` has the sentence then.
     [[nodiscard]] QVStatus check(const JMAPGrowth& growth) noexcept;
 
-    // Memory alone, for what is held beyond the engine.  Throws the failure.
-    void checkMemory();
+    // Memory alone, for `what` is held beyond the engine.  Throws the failure.
+    void checkMemory(const std::string& what);
 
     [[nodiscard]] const std::optional<Error>& failure() const { return failure_; }
 

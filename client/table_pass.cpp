@@ -7,16 +7,27 @@
 #include <utility>
 
 namespace qvej {
+namespace {
 
-TablePass::TablePass(const Document& document, const std::vector<const Table*>& tables,
-                     bool retain) {
+// Cells handed out between two looks at the memory: some milliseconds.
+constexpr std::size_t kCellsBetweenChecks = 262144;
+
+}  // namespace
+
+TablePass::TablePass(const Document& document, const std::vector<const Table*>& tables, bool retain)
+    : document_(document) {
     std::vector<JMAPTableh> handles;
     handles.reserve(tables.size());
     for (const Table* table : tables) {
         handles.push_back(table->handle);
     }
-    check(jmapPassOpen(document.handle(), handles.data(), static_cast<QVStrSize>(handles.size()),
-                       retain ? uint64_t{QVEJMAP_RETAIN} : 0, &handle_));
+    const QVStatus status =
+        jmapPassOpen(document.handle(), handles.data(), static_cast<QVStrSize>(handles.size()),
+                     retain ? uint64_t{QVEJMAP_RETAIN} : 0, &handle_);
+    if (status == QV_LIMIT_MEMORY) {
+        document.checkMemory("tables");  // throws what the guard said
+    }
+    check(status);
     textsStay_ = jmapPassTextsStay(handle_) != 0;
 }
 
@@ -36,6 +47,11 @@ bool TablePass::next(PassItem& item) {
     item.cells = {raw.cells, static_cast<std::size_t>(raw.cellCount)};
     item.column = static_cast<std::size_t>(raw.column);
     item.text = {raw.text, static_cast<std::size_t>(raw.textLen)};
+    unchecked_ += item.cells.size() + 1;
+    if (unchecked_ >= kCellsBetweenChecks) {
+        unchecked_ = 0;
+        document_.checkMemory("rows of tables");
+    }
     return true;
 }
 

@@ -47,7 +47,7 @@ struct PassItem {
 class TablePass {
    public:
     // Opens tables of the document, perhaps ALLDATA among them.  Both must outlive the pass.
-    // `retain`: columns keep their values until new ones come. Throws QV_NOMEM.
+    // `retain`: columns keep their values until new ones come. Throws QV_NOMEM, QV_LIMIT_MEMORY.
     TablePass(const Document& document, const std::vector<const Table*>& tables,
               bool retain = false);
     ~TablePass();
@@ -55,7 +55,8 @@ class TablePass {
     TablePass& operator=(const TablePass&) = delete;
 
     // The next item.  Cells and texts live until the next call.  False after the last.  Throws
-    // QV_IO_..., QV_NOMEM; the pass is over then, a further call throws the same.
+    // QV_IO_..., QV_NOMEM; the pass is over then, a further call throws the same.  Throws
+    // QV_LIMIT_MEMORY as the scan does, for what the caller holds counts as well.
     bool next(PassItem& item);
 
     // Whether the texts that cells point to (not the cells) live as long as the document: all its
@@ -69,6 +70,8 @@ class TablePass {
     [[nodiscard]] std::span<const PassCell> left(std::size_t table) const;
 
    private:
+    const Document& document_;
+    std::size_t unchecked_ = 0;  // cells since the last look at the memory
     JMAPPassh handle_ = nullptr;
     bool textsStay_ = false;
 };

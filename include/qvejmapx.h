@@ -130,12 +130,13 @@ typedef struct JMAPGrowth {
     uint64_t paths;        /* distinct ones, also of objects and arrays */
     uint64_t recordBytes;  /* of closed blocks, uncompressed */
     uint64_t spilledBytes; /* in the cache file */
-    uint64_t tables;       /* of the automatic map, which is made after the last record */
+    uint64_t tables;       /* of the automatic map, which is made after the last record, or a pass */
 } JMAPGrowth;
 
-/* Limits a scan.  `check` is called for each block of records that is closed, and before each table
- * of the automatic map is made.  Any status but QV_OK ends the scan: JsonInput then fails.  It must
- * not throw. */
+/* Limits a scan and what follows it.  `check` is called for each block of records that is closed,
+ * before the first table of the automatic map and after each some thousand of its columns, and
+ * likewise for the tables that a pass opens, for which `spilledBytes` is 0.  Any status but QV_OK
+ * ends the scan, or the opening: JsonInput or jmapPassOpen then fails.  It must not throw. */
 typedef struct JMAPGuard {
     void* arg;
     QVStatus (*check)(void* arg, const JMAPGrowth* growth);

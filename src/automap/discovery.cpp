@@ -14,6 +14,13 @@
 #include "variables.h"
 
 namespace jmap {
+namespace {
+
+// Columns of the map between two questions to the guard, about a megabyte; a table is as one more.
+// Tables alone say little: each can have as many ordinals as its path is deep.
+constexpr uint64_t kColumnsBetween = 4096;
+
+}  // namespace
 
 QVStatus doMapping(JMAP_PRIVATE* p) {
     auto* map = poolNew<MAP>(p->cpool);
@@ -23,16 +30,23 @@ QVStatus doMapping(JMAP_PRIVATE* p) {
     }
     map->mtype = AUTO_MAP;
     uint64_t tables = 0;
+    uint64_t columns = kColumnsBetween;  // since the guard was asked
     for (PATHINFO& info : each(p->pathInfoHead)) {
         if (info.processed) {
             continue;
         }
-        QV_TRY(askGuard(p, tables++));
+        if (columns >= kColumnsBetween) {
+            QV_TRY(askGuard(p, tables));
+            columns = 0;
+        }
+        ++tables;
         // Kept: a table that fails is left out and counted, with no status.  One can observe a map
         // without it, and perhaps a gap in the numbers of tables of its name.
         if (doDataset(p, map, &info) != QV_OK) {
             ++p->droppedTables;
+            continue;
         }
+        columns += map->dstail->varcount + 1;
     }
     return doAlldataDsinfo(p, map);
 }

@@ -9,6 +9,7 @@
 #include "number_cell.h"
 #include "row_boundary.h"
 #include "row_loop.h"
+#include "scan/record_block.h"
 #include "scan/record_format.h"
 
 #include <algorithm>
@@ -19,6 +20,9 @@ namespace {
 
 // Memory this far after the current record is prefetched, as in Read.
 constexpr QVStrSize kPrefetchBytes = 2048;
+
+// Columns that are opened between two questions to the guard; a table is as one more.
+constexpr uint64_t kColumnsBetween = 4096;
 
 // ---- Rows -----------------------------------------------------------------------------------
 
@@ -317,7 +321,13 @@ bool handOut(JMAPPass* pass, JMAPPassItem* item) {
 }
 
 QVStatus addTables(JMAPPass* pass, DSINFO* const* tables) {
+    uint64_t columns = 0;  // since the guard was asked
     for (QVStrSize i = 0; i < pass->tableCount; ++i) {
+        columns += tables[i]->varcount + 1;
+        if (columns >= kColumnsBetween) {
+            QV_TRY(askGuardOfMemory(pass->rp.p, static_cast<uint64_t>(i)));
+            columns = 0;
+        }
         PASSTABLE* table = pass->tables + i;
         QV_TRY(addTable(&pass->paths, pass->rp.rpool, *tables[i], pass->retain, table));
         if (tables[i] == pass->rp.p->alldataDs) {

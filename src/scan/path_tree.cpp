@@ -96,8 +96,8 @@ bool isIndexed(const JMAP_PRIVATE* p) {
 // Enters a new member of `pathAt` into the table.  The first few members are not entered; all are
 // when there are many.  When one cannot be entered, the table is not used for this object: the list
 // has all members.  All are entered again each time their number has doubled, so that one failure
-// does not make a large object slow.
-void indexMember(JMAP_PRIVATE* p, PATHNODE* node) {
+// does not make a large object slow.  False for an object too large for its list.
+[[nodiscard]] bool indexMember(JMAP_PRIVATE* p, PATHNODE* node) {
     PATHNODE* at = &p->pathAt->node;
     const int64_t count = at->children->memberCount;
     if (isIndexed(p)) {
@@ -105,6 +105,7 @@ void indexMember(JMAP_PRIVATE* p, PATHNODE* node) {
     } else if (count > kFewMembers && std::has_single_bit(static_cast<uint64_t>(count - 1))) {
         at->indexed = enterMembers(p);
     }
+    return at->indexed || count <= kMostListed;
 }
 
 PATHNODE* findInList(const PATHCHILDREN* below, std::string_view name) {
@@ -135,8 +136,7 @@ PATHNODE* makeMember(JMAP_PRIVATE* p, std::string_view name) {
     branchOf(node)->sibling = at->members;
     at->members = branchOf(node);
     ++at->memberCount;
-    indexMember(p, node);
-    return node;
+    return indexMember(p, node) ? node : nullptr;
 }
 
 bool hasElements(const PATHBRANCH* at) {

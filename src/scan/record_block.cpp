@@ -208,14 +208,18 @@ QVStatus closeBlock(JMAP_PRIVATE* p) {
     return QV_OK;
 }
 
+QVStatus ask(const JMAP_PRIVATE* p, const JMAPGrowth& growth) {
+    return p->guard == nullptr ? QV_OK : p->guard->check(p->guard->arg, &growth);
+}
+
 }  // namespace
 
 QVStatus askGuard(JMAP_PRIVATE* p, uint64_t tables) {
-    if (p->guard == nullptr) {
-        return QV_OK;
-    }
-    const JMAPGrowth growth = {p->pathNodes, p->uncompressedPathBytes, p->spilledPathBytes, tables};
-    return p->guard->check(p->guard->arg, &growth);
+    return ask(p, {p->pathNodes, p->uncompressedPathBytes, p->spilledPathBytes, tables});
+}
+
+QVStatus askGuardOfMemory(JMAP_PRIVATE* p, uint64_t tables) {
+    return ask(p, {p->pathNodes, p->uncompressedPathBytes, 0, tables});
 }
 
 QVStatus compressPathBuffer(JMAP_PRIVATE* p) {
