@@ -16,6 +16,8 @@ namespace jmap {
 namespace {
 
 constexpr int64_t kFewMembers = 16;  // up to so many are compared one by one
+// Up to so many still are without memory for the table; a larger object would take too long.
+constexpr int64_t kMostListed = 4096;
 
 // NOLINTNEXTLINE(bugprone-sizeof-expression): the pointer itself is in the key
 constexpr QVStrSize kParentBytes = sizeof PATHNODE::parent;
