@@ -108,10 +108,10 @@ QVStatus addColumn(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32
     return QV_OK;
 }
 
-// Whether a path lies below that of a table.  A table without a path has no rows, so nothing does.
+// Whether a path lies below that of a table.  Every path lies below an empty one.
 bool liesBelow(const PASSPATH& path, std::string_view tablePath, char sep) noexcept {
-    return !tablePath.empty() && rowBoundary(view(path.path, path.pathLen), tablePath, sep, true,
-                                             false) == BOUNDARY::INSIDE;
+    return rowBoundary(view(path.path, path.pathLen), tablePath, sep, true, false) ==
+           BOUNDARY::INSIDE;
 }
 
 //   tablePath  gets the table's path

@@ -329,13 +329,3 @@ $ echo '{"o":[{"id":1,"m":["SUB",{"t":["x","y"]}]},{"id":2,"id":3,"m":[{"t":["z"
   1,1,1\r
 ! qvejmap: stray.json: table m_t: 2 values strayed into rows that may be another parent's (qvejmap check --account tells which)
 ! qvejmap: stray.json: table o: 1 value is overwritten by a later one (qvejmap check --account tells which)
-# A table that has no rows, because its path never occurs or is empty, overwrites nothing.
-$ echo '{"a":[{"n":1},{"n":2}],"k":5}' > u.json
-> for path in '' /root/zzz; do
->     printf '{"DATASETS":[{"DSNAME":"t","TABLEPATH":"%s","VARIABLES":[{"NAME":"n","TYPE":"NUMERIC","PATH":"/root/a/n"}]}]}' $path > u.map
->     qvejmap read u.json t --map u.map --format ndjson; echo $?
-> done
-  0
-  0
-! qvejmap: u.json: table t has no rows
-! qvejmap: u.json: table t has no rows
