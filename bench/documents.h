@@ -1,7 +1,7 @@
 // The documents that the benchmarks run on.
 //
-//   orders, events   $JMAP_BENCH_DIR/orders.json, events.json (scripts/bench makes them, 200 MB each)
-//   twitter, canada  $JMAP_DATA_DIR/twitter.json, canada.json
+//   orders, events   $JMAP_BENCH_DIR/orders.json, events.json (scripts/bench makes them, 200 MB
+//   each) twitter, canada  $JMAP_DATA_DIR/twitter.json, canada.json
 //
 // A document that is not there is left out, with a line on standard error.
 #pragma once
@@ -20,7 +20,8 @@ struct Document {
     std::string text;
 };
 
-inline bool loadDocument(const char* folderVariable, const char* name, std::vector<Document>& into) {
+inline bool loadDocument(const char* folderVariable, const char* name,
+                         std::vector<Document>& into) {
     const char* folder = std::getenv(folderVariable);
     const std::string path = std::string(folder == nullptr ? "." : folder) + "/" + name + ".json";
     std::ifstream in(path, std::ios::binary);

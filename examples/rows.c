@@ -8,14 +8,15 @@
  * When memory runs out with the last buffer, records or tables may be missing without a status; the
  * module does not tell.  jmapTotals of qvejmapx.h does, and so does the C++ face.
  */
-#include <errno.h>
-#include <inttypes.h>
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
-
 #include "qvejmap.h"
 #include "qvportable.h"
+
+#include <errno.h>
+#include <inttypes.h>
+#include <string.h>
+
+#include <stdio.h>
+#include <stdlib.h>
 
 static int fail(const char* what, QVStatus status) {
     fprintf(stderr, "rows: %s: %s\n", what, qvStatusText(status));
@@ -51,7 +52,8 @@ static QVStatus printTable(UserJMAP_S* engine, QVEJMAPJsonContexth doc, QVMemPtr
     }
     printf("%.*s\n", (int)nameLen, name);
     for (QVStrSize i = 0; i < table->varCount; ++i) {
-        printf("%s%.*s", i == 0 ? "  " : " | ", (int)table->varinfo[i].nameLen, table->varinfo[i].name);
+        printf("%s%.*s", i == 0 ? "  " : " | ", (int)table->varinfo[i].nameLen,
+               table->varinfo[i].name);
     }
     printf("\n");
     while ((status = engine->Read(table)) == QV_OK) {
@@ -98,7 +100,8 @@ static QVStatus feed(UserJMAP_S* engine, QVEJMAPJsonContexth doc, FILE* file) {
             return QV_IO_READ; /* what has come so far must not pass for the document */
         }
         const QVBoolean done = got == 0;
-        const QVStatus status = engine->JsonInput(doc, buffer, (QVStrSize)got, done, &caching, NULL);
+        const QVStatus status =
+            engine->JsonInput(doc, buffer, (QVStrSize)got, done, &caching, NULL);
         if (status != QV_OK || done) {
             return status;
         }

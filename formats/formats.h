@@ -29,8 +29,7 @@ struct Format {
     std::string_view sharedNames;  // what happens when columns share a name; empty: nothing
 
     // A sink for the rows of one table.
-    std::unique_ptr<Sink> (*make)(Writer out, const Columns& columns,
-                                  const FormatOptions& options);
+    std::unique_ptr<Sink> (*make)(Writer out, const Columns& columns, const FormatOptions& options);
 };
 
 // The format of that name, or null.
@@ -39,8 +38,7 @@ const Format* findFormat(std::string_view name);
 // "csv, ndjson"
 std::string formatNames();
 
-std::unique_ptr<Sink> makeCsvSink(Writer out, const Columns& columns,
-                                  const FormatOptions& options);
+std::unique_ptr<Sink> makeCsvSink(Writer out, const Columns& columns, const FormatOptions& options);
 std::unique_ptr<Sink> makeNdjsonSink(Writer out, const Columns& columns,
                                      const FormatOptions& options);
 

@@ -104,8 +104,7 @@ class NdjsonSink final : public TextSink {
 
 }  // namespace
 
-std::unique_ptr<Sink> makeNdjsonSink(Writer out, const Columns& columns,
-                                     const FormatOptions&) {
+std::unique_ptr<Sink> makeNdjsonSink(Writer out, const Columns& columns, const FormatOptions&) {
     return std::make_unique<NdjsonSink>(std::move(out), columns);
 }
 

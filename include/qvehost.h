@@ -4,24 +4,23 @@
  * function that the engine imports.  To put the engine on another host, implement the tables below.
  *
  * CONVENTIONS
- *   Objects.    Every object begins with a QVGeneric and is ended by h->generic.destroy(&h->generic).
- *               An object is used by one thread at a time; the host handle by any.
- *   Strings.    Counted, never terminated.  "const QVChar*" are 4-byte characters with their number,
- *               "const char*" bytes of the document's encoding with their number.
- *   Failure.    A routine that returns an object returns null when it cannot; all others return a
- *               status, and set their out-parameters only when it is QV_OK.
- *   Callbacks.  No service that the engine uses inside a parser callback gives QV_EOF or
- *               QV_NEEDMORE, since the parser returns a callback's status as its own.
+ *   Objects.    Every object begins with a QVGeneric and is ended by
+ * h->generic.destroy(&h->generic). An object is used by one thread at a time; the host handle by
+ * any. Strings.    Counted, never terminated.  "const QVChar*" are 4-byte characters with their
+ * number, "const char*" bytes of the document's encoding with their number. Failure.    A routine
+ * that returns an object returns null when it cannot; all others return a status, and set their
+ * out-parameters only when it is QV_OK. Callbacks.  No service that the engine uses inside a parser
+ * callback gives QV_EOF or QV_NEEDMORE, since the parser returns a callback's status as its own.
  *
  * Tested by tests/abi/layout_test.c (layout) and tests/host/ (the portable host's tables)
  */
 #ifndef QVEHOST_H
 #define QVEHOST_H
 
-#include <stdarg.h>
-
 #include "qvstatus.h"
 #include "qvtypes.h"
+
+#include <stdarg.h>
 
 #ifdef __cplusplus
 extern "C" {
@@ -58,12 +57,14 @@ struct QVGeneric {
  * returned.  Callers end an extension through `generic.destroy`, which calls `realDestroy`. */
 typedef struct QVExtension {
     QVGeneric generic;
-    QVStatus (*getReqVersion)(QVExtensionh ext, size_t* a, size_t* b, size_t* c); /* host interface needed */
-    QVStatus (*getVersion)(QVExtensionh ext, size_t* a, size_t* b, size_t* c);    /* of the module */
-    QVHndlp hndl;                                 /* host that loaded it */
-    QVStatus (*realDestroy)(QVExtensionh ext);    /* the module's own release */
-    QVMemPtr (*findFunction)(QVExtensionh ext, const char* name, QVStrSize nameLen); /* may be null */
-    QVMemPtr handle;                              /* the loader's record of it */
+    QVStatus (*getReqVersion)(QVExtensionh ext, size_t* a, size_t* b,
+                              size_t* c); /* host interface needed */
+    QVStatus (*getVersion)(QVExtensionh ext, size_t* a, size_t* b, size_t* c); /* of the module */
+    QVHndlp hndl;                              /* host that loaded it */
+    QVStatus (*realDestroy)(QVExtensionh ext); /* the module's own release */
+    QVMemPtr (*findFunction)(QVExtensionh ext, const char* name,
+                             QVStrSize nameLen); /* may be null */
+    QVMemPtr handle;                             /* the loader's record of it */
 } QVExtension;
 
 /* Entry point of a module, exported under the module's own name.  Returns the instance, or null. */
@@ -91,13 +92,15 @@ struct QVHndl {
     QVNLSh nls; /* national-language service */
 
     /* A new, empty pool, or null.  The name is for messages and is copied. */
-    QVPoolh (*createPool)(QVHndlp host, const QVPoolParms* parms, const QVChar* name, QVStrSize nameLen);
+    QVPoolh (*createPool)(QVHndlp host, const QVPoolParms* parms, const QVChar* name,
+                          QVStrSize nameLen);
     /* Loads a module by name: a built-in one, else a shared object of that name in the module path.
-     * Each call makes an instance of its own.  Null when there is none or its entry point refuses. */
+     * Each call makes an instance of its own.  Null when there is none or its entry point refuses.
+     */
     QVExtensionh (*loadExtension)(QVHndlp host, const QVChar* name, QVStrSize nameLen, QVJnlh jnl);
     /* A new tracker, or null.  `resourceTypes` is the number of kinds of value it will hold. */
-    QVTrackerh (*createTracker)(QVHndlp host, int32_t kind, int32_t resourceTypes, const QVChar* name,
-                                QVStrSize nameLen);
+    QVTrackerh (*createTracker)(QVHndlp host, int32_t kind, int32_t resourceTypes,
+                                const QVChar* name, QVStrSize nameLen);
     /* Bytes of real memory that are still available. */
     QVStatus (*qvmrlmem)(QVHndlp host, uint64_t* available);
 };
@@ -151,15 +154,16 @@ struct QVNLS {
     /* Formats as a journal does.  At most `outSize` - 1 characters and a terminator are written;
      * `*outLen` is their number without the terminator.  A longer result: QV_TRUNCATED, with what
      * fits written and counted. */
-    QVStatus (*format)(QVNLSh nls, QVChar* out, QVStrSize outSize, QVStrSize* outLen, const QVChar* fmt, ...);
+    QVStatus (*format)(QVNLSh nls, QVChar* out, QVStrSize outSize, QVStrSize* outLen,
+                       const QVChar* fmt, ...);
 };
 
 struct QVTranscoder {
     QVGeneric generic;
     /* Converts `in` whole.  `inLen` and `outSize` are in bytes on the 8-bit side and in characters
      * on the 4-byte side.  QV_UNMAPPABLE or QV_TRUNCATED when it cannot. */
-    QVStatus (*convert)(QVTranscoderh t, const void* in, QVStrSize inLen, void* out, QVStrSize outSize,
-                        QVStrSize* outLen);
+    QVStatus (*convert)(QVTranscoderh t, const void* in, QVStrSize inLen, void* out,
+                        QVStrSize outSize, QVStrSize* outLen);
 };
 
 /* Operations on texts of one encoding. */
@@ -169,8 +173,8 @@ struct QVStringService {
     QVStrSize (*index)(QVStringServiceh s, const char* text, QVStrSize textLen, const char* needle,
                        QVStrSize needleLen, uint32_t flags);
     /* Flags 0: the same bytes. */
-    QVBoolean (*equal)(QVStringServiceh s, const char* a, QVStrSize aLen, const char* b, QVStrSize bLen,
-                       uint32_t flags);
+    QVBoolean (*equal)(QVStringServiceh s, const char* a, QVStrSize aLen, const char* b,
+                       QVStrSize bLen, uint32_t flags);
     /* A JSON integer over the whole text; else QV_NOTNUM.  Beyond 64 bits: QV_NOTNUM.  `*used` is
      * the number of bytes converted.  Unlike other out-parameters `*value` is set on failure: 0. */
     QVStatus (*toInteger)(QVStringServiceh s, const char* text, QVStrSize textLen, int64_t* value,
@@ -188,7 +192,8 @@ struct QVStringService {
 struct QVTracker {
     QVGeneric generic;
     QVMemPtr (*find)(QVTrackerh t, const char* key, QVStrSize keyLen); /* null: not there */
-    QVStatus (*insert)(QVTrackerh t, const char* key, QVStrSize keyLen, QVMemPtr value); /* replaces */
+    QVStatus (*insert)(QVTrackerh t, const char* key, QVStrSize keyLen,
+                       QVMemPtr value); /* replaces */
 };
 
 /* ---- Module "qvejson" ---------------------------------------------------------------------- */
@@ -220,27 +225,27 @@ struct JSNParseCB {
 #define JSN_WRITER_FLAGS 0x10000 /* compact output in one growing buffer */
 
 typedef struct JSNParserParms {
-    QVCEI textCei;          /* encoding of the text */
-    QVCEI callbackCei;      /* encoding of the tokens; the same */
-    uint64_t flags;         /* JSN_PARSER_FLAGS */
-    QVPoolh pool;           /* null: the parser keeps its own memory */
-    QVJnlh jnl;             /* for messages, may be null */
-    JSNParseCB* callbacks;  /* borrowed until the parser is destroyed, read at each event */
-    QVMemPtr stream;        /* null: text comes by `parse` only */
-    QVStrSize tippingSize;  /* 0 */
-    const char* desc;       /* for messages, copied */
+    QVCEI textCei;         /* encoding of the text */
+    QVCEI callbackCei;     /* encoding of the tokens; the same */
+    uint64_t flags;        /* JSN_PARSER_FLAGS */
+    QVPoolh pool;          /* null: the parser keeps its own memory */
+    QVJnlh jnl;            /* for messages, may be null */
+    JSNParseCB* callbacks; /* borrowed until the parser is destroyed, read at each event */
+    QVMemPtr stream;       /* null: text comes by `parse` only */
+    QVStrSize tippingSize; /* 0 */
+    const char* desc;      /* for messages, copied */
     QVStrSize descLen;
 } JSNParserParms;
 
 typedef struct JSNWriterParms {
-    QVCEI inCei;            /* encoding of the texts given */
-    QVCEI outCei;           /* encoding of the document; the same */
-    uint64_t flags;         /* JSN_WRITER_FLAGS */
-    QVPoolh pool;           /* null: the writer keeps its own memory */
+    QVCEI inCei;    /* encoding of the texts given */
+    QVCEI outCei;   /* encoding of the document; the same */
+    uint64_t flags; /* JSN_WRITER_FLAGS */
+    QVPoolh pool;   /* null: the writer keeps its own memory */
     QVJnlh jnl;
-    QVStrSize textSize;     /* 0 */
-    QVStrSize tippingSize;  /* 0 */
-    QVMemPtr stream;        /* null: the document stays in the buffer */
+    QVStrSize textSize;    /* 0 */
+    QVStrSize tippingSize; /* 0 */
+    QVMemPtr stream;       /* null: the document stays in the buffer */
     const char* desc;
     QVStrSize descLen;
 } JSNWriterParms;
@@ -324,7 +329,8 @@ typedef struct QVZStream {
 /* zlib's own functions with zlib's own results. */
 struct QVZLIB {
     QVExtension exth;
-    int (*deflateInit2)(QVZStream* z, int level, int method, int windowBits, int memLevel, int strategy);
+    int (*deflateInit2)(QVZStream* z, int level, int method, int windowBits, int memLevel,
+                        int strategy);
     unsigned long (*deflateBound)(QVZStream* z, unsigned long sourceLen);
     int (*deflate)(QVZStream* z, int flush);
     int (*deflateEnd)(QVZStream* z);
@@ -388,23 +394,23 @@ struct QVFMT {
 
 /* ---- Module "qvioe" ------------------------------------------------------------------------ */
 
-enum { QVIO_OUTPUT = 1, QVIO_INPUT = 2 };            /* mode */
-enum { QVIO_RECFM_BINARY = 1 };                      /* record format */
-enum { QVIO_ACCESS_SEQUENTIAL = 1 };                 /* access */
-enum { QVIO_MODIFIER_DEFAULT = 0 };                  /* record modifier */
+enum { QVIO_OUTPUT = 1, QVIO_INPUT = 2 }; /* mode */
+enum { QVIO_RECFM_BINARY = 1 };           /* record format */
+enum { QVIO_ACCESS_SEQUENTIAL = 1 };      /* access */
+enum { QVIO_MODIFIER_DEFAULT = 0 };       /* record modifier */
 
 typedef struct QVIOOpenParms {
-    QVChar device[8];       /* U"DISK    " */
-    const QVChar* name;     /* path of the file */
+    QVChar device[8];   /* U"DISK    " */
+    const QVChar* name; /* path of the file */
     QVStrSize nameLen;
-    const char* desc;       /* for messages */
+    const char* desc; /* for messages */
     QVStrSize descLen;
     int32_t mode;
     int32_t recfm;
     int32_t access;
     int32_t modifier;
-    QVStrSize dataL;        /* buffer size in bytes: the longest block */
-    uint64_t flags;         /* 0 */
+    QVStrSize dataL; /* buffer size in bytes: the longest block */
+    uint64_t flags;  /* 0 */
 } QVIOOpenParms;
 
 /* A file of blocks, back to back and nothing between them. */
@@ -420,9 +426,9 @@ struct QVIOE {
     QVExtension exth;
     /* Output: makes the file, or takes an existing one only if it is regular, empty, of this user
      * and has one link; never through a symbolic link; mode 0600.  A name that ends with "/" is a
-     * directory, in which the file has no name and ends with the program.  Input: a file that this instance
-     * wrote under that name, even when the name has been removed since; its block lengths are
-     * known only to the instance. */
+     * directory, in which the file has no name and ends with the program.  Input: a file that this
+     * instance wrote under that name, even when the name has been removed since; its block lengths
+     * are known only to the instance. */
     QVStatus (*open)(QVIOEh io, const QVIOOpenParms* parms, QVJnlh jnl, QVIOFileh* file);
 };
 

@@ -1,7 +1,8 @@
 /* The engine `qvejmap`: a JSON document as rectangular tables.  START HERE.
  *
  * The engine is a module.  A host (qvehost.h; the bundled one is started by qvportable.h) loads it
- * by the name "qvejmap" and gets its operation table, UserJMAP_S.  All work goes through that table.
+ * by the name "qvejmap" and gets its operation table, UserJMAP_S.  All work goes through that
+ * table.
  *
  * ORDER OF CALLS
  *     JsonInit                          one document
@@ -44,14 +45,14 @@
  * WHO FREES WHAT
  *   Maps, names, columns, row buffers and the map document belong to the engine.  A document and
  *   its maps live until Term, a read context until ReadTerm, the map document until
- *   GetAutoMapBufFree (call it before Term and between two GetAutoMapBuf).  The caller's buffers are
- *   borrowed for the call and never written, except `debugString`, which is upper-cased in place.
+ *   GetAutoMapBufFree (call it before Term and between two GetAutoMapBuf).  The caller's buffers
+ * are borrowed for the call and never written, except `debugString`, which is upper-cased in place.
  *   A call that fails may leave pools alive.  Term does not end open tables, a parse of a map and a
  *   map document.  What is left is freed when the host stops.
  *
  * THREADS
- *   The engine starts none and locks nothing.  One thread at a time uses a document, and no two Read
- *   calls on tables of one document may run at once.  Different documents are independent.
+ *   The engine starts none and locks nothing.  One thread at a time uses a document, and no two
+ * Read calls on tables of one document may run at once.  Different documents are independent.
  *
  * STATUSES are listed in qvstatus.h.
  *
@@ -66,18 +67,18 @@
 extern "C" {
 #endif
 
-/* Why and where a parse failed.  The last four are of a user map that was parsed, and count those of
- * the document's earlier maps as well. */
+/* Why and where a parse failed.  The last four are of a user map that was parsed, and count those
+ * of the document's earlier maps as well. */
 typedef struct ERRORINFO {
-    QVStatus rc;               /* status from the parser */
-    int64_t line;              /* from 1 */
-    int64_t col;               /* from 1, in bytes */
-    char badstring[32];        /* last string or number seen, cut; of a user map only */
+    QVStatus rc;        /* status from the parser */
+    int64_t line;       /* from 1 */
+    int64_t col;        /* from 1, in bytes */
+    char badstring[32]; /* last string or number seen, cut; of a user map only */
     QVStrSize badstringLen;
-    char novardsname[32];      /* last table of a user map that had no variables */
+    char novardsname[32]; /* last table of a user map that had no variables */
     QVStrSize novardsnameLen;
-    uint64_t novarCount;       /* how many of them there were */
-    QVBoolean ordNoretain;     /* an ordinal column of a user map carries NORETAIN */
+    uint64_t novarCount;   /* how many of them there were */
+    QVBoolean ordNoretain; /* an ordinal column of a user map carries NORETAIN */
 } ERRORINFO;
 
 /* A document.  `p` is the engine's own. */
@@ -85,31 +86,31 @@ typedef struct QVEJMAPJsonContext {
     QVExtensionh exth;
     QVMemPtr p;
     ERRORINFO e; /* filled when a parse fails */
-} *QVEJMAPJsonContexth;
+} * QVEJMAPJsonContexth;
 
 /* A parse of a user map.  `p` is the engine's own. */
 typedef struct QVEJMAPMapContext {
     QVExtensionh exth;
     QVMemPtr p;
     ERRORINFO e; /* filled by the last MapInput */
-} *QVEJMAPMapContexth;
+} * QVEJMAPMapContexth;
 
 typedef struct QVEJMAPJsonInitParms {
-    QVCEI inCEI;                /* encoding of the document, > 0 */
-    char* debugString;          /* keywords such as ",MAP,READ,"; upper-cased in place */
-    QVStrSize debugStringLen;   /* 0: none */
-    char desc[20];              /* what messages call the document */
-    QVStrSize descLen;          /* 0: none; more than 20 counts as 20 */
-    uint64_t flags;             /* no effect */
-    QVChar* tempName;           /* path of the cache file for spilled blocks */
-    QVStrSize tempNameLen;      /* in characters */
-    uint64_t rlmemSize;         /* memory known to the caller, in bytes; only reported */
-    int32_t rlmemLeavePercent;  /* no effect */
-    uint64_t memLeave;          /* bytes that must stay free; below it blocks go to the cache file */
-    QVBoolean compress;         /* deflate the record blocks */
-    uint64_t ordinalCount;      /* levels of ordinal columns in the automatic map, 0: none */
-    char* alldataName;          /* name of the ALLDATA table */
-    QVStrSize alldataNameLen;   /* 0 to 40; 0: "ALLDATA", and no name opens it but the empty one */
+    QVCEI inCEI;               /* encoding of the document, > 0 */
+    char* debugString;         /* keywords such as ",MAP,READ,"; upper-cased in place */
+    QVStrSize debugStringLen;  /* 0: none */
+    char desc[20];             /* what messages call the document */
+    QVStrSize descLen;         /* 0: none; more than 20 counts as 20 */
+    uint64_t flags;            /* no effect */
+    QVChar* tempName;          /* path of the cache file for spilled blocks */
+    QVStrSize tempNameLen;     /* in characters */
+    uint64_t rlmemSize;        /* memory known to the caller, in bytes; only reported */
+    int32_t rlmemLeavePercent; /* no effect */
+    uint64_t memLeave;         /* bytes that must stay free; below it blocks go to the cache file */
+    QVBoolean compress;        /* deflate the record blocks */
+    uint64_t ordinalCount;     /* levels of ordinal columns in the automatic map, 0: none */
+    char* alldataName;         /* name of the ALLDATA table */
+    QVStrSize alldataNameLen;  /* 0 to 40; 0: "ALLDATA", and no name opens it but the empty one */
 } QVEJMAPJsonInitParms;
 
 typedef struct QVEJMAPMapInitParms {
@@ -137,24 +138,24 @@ typedef struct VARIABLEINFO {
     char label[256];
     QVStrSize labelLen;
     VARIABLETYPE vartype;
-    QVStrSize length;         /* bytes in the row buffer: 8, or up to 32767 */
-    QVStrSize offset;         /* in the row buffer, unaligned */
-    char* informat;           /* null: none */
+    QVStrSize length; /* bytes in the row buffer: 8, or up to 32767 */
+    QVStrSize offset; /* in the row buffer, unaligned */
+    char* informat;   /* null: none */
     QVStrSize informatLen;
     QVStrSize informatWidth;
     QVStrSize informatDec;
     QVBoolean informatNoError;
-    char* rawdata;            /* value text of an informatted column */
+    char* rawdata; /* value text of an informatted column */
     QVStrSize rawdataLen;
     QVStrSize rawdataAlloc;
     QVBoolean informatBad;
-    char* format;             /* null: none */
+    char* format; /* null: none */
     QVStrSize formatLen;
     QVStrSize formatWidth;
     QVStrSize formatDec;
-    QVBoolean truncation;     /* the map says that values will be cut */
+    QVBoolean truncation; /* the map says that values will be cut */
     QVStrSize currentLength;
-    QVBoolean badNumData;     /* a value was not a number; set by Read, cleared by the caller */
+    QVBoolean badNumData; /* a value was not a number; set by Read, cleared by the caller */
     QVBoolean badNumMsgOutput;
 } VARIABLEINFO;
 
@@ -162,20 +163,20 @@ typedef struct VARIABLEINFO {
  * bytes, blank-padded and not terminated. */
 typedef struct qvejmapReadContext {
     QVExtensionh exth;
-    char* obsbuf;             /* the row after each Read that gives QV_OK */
+    char* obsbuf; /* the row after each Read that gives QV_OK */
     QVStrSize obsbufLen;
     QVStrSize varCount;
-    VARIABLEINFO* varinfo;    /* [varCount], in map order */
-    QVMemPtr p;               /* the engine's own */
-    char dsname[32];          /* name as given, cut */
+    VARIABLEINFO* varinfo; /* [varCount], in map order */
+    QVMemPtr p;            /* the engine's own */
+    char dsname[32];       /* name as given, cut */
     QVStrSize dsnameLen;
-} *QVEJMAPReadContexth;
+} * QVEJMAPReadContexth;
 
-/* A character column of a user map that has an informat.  The pointers lead into the map.  The caller
- * may write a default width or length through them, before it opens the table. */
+/* A character column of a user map that has an informat.  The pointers lead into the map.  The
+ * caller may write a default width or length through them, before it opens the table. */
 typedef struct INFORMATINFO {
-    struct INFORMATINFO* next;   /* null: the last one */
-    char* variable;              /* name of the column */
+    struct INFORMATINFO* next; /* null: the last one */
+    char* variable;            /* name of the column */
     QVStrSize variableLen;
     char* informat;
     QVStrSize informatLen;
@@ -227,28 +228,27 @@ typedef struct UserJMAP_S {
     QVStatus (*ReadReset)(QVEJMAPReadContexth inrctx);
     QVStatus (*ReadTerm)(QVEJMAPReadContexth rctx);
 
-    /* Name of the table `index` (from 0).  `*dsnameLen`: capacity in, bytes copied out.  QV_EOF past
-     * the last table. */
+    /* Name of the table `index` (from 0).  `*dsnameLen`: capacity in, bytes copied out.  QV_EOF
+     * past the last table. */
     QVStatus (*GetDsName)(QVEJMAPJsonContexth inh, QVMemPtr m, uint64_t index, char* dsname,
                           int16_t* dsnameLen);
 
     /* Begins to parse a user map, after the last buffer of the document: from now on the document
      * takes no more text.  One parse at a time: MapTerm comes before the next MapInit.  `parms` may
      * be null.  QV_NOMEM, with `*inctx` as it was. */
-    QVStatus (*MapInit)(QVEJMAPJsonContexth inh, QVEJMAPMapInitParms* parms, QVEJMAPMapContexth* inctx,
-                        QVJnlh jnl);
+    QVStatus (*MapInit)(QVEJMAPJsonContexth inh, QVEJMAPMapInitParms* parms,
+                        QVEJMAPMapContexth* inctx, QVJnlh jnl);
 
     /* Takes the next buffer of the map; `done` with the last.  The buffer is only read.
-     *   QV_OK           goes on; with `done` the map is there, and ERRORINFO tells of tables without
-     *                   variables and of ordinals with NORETAIN.
-     *   JMAP_MAP_...    a mistake in the map: ERRORINFO has its place (of null, true and false the
-     *                   last byte; of a text with escapes a place in it) and the last number or text.
-     *   JMAP_PARSE      a mistake in its JSON, or, by `rc` of ERRORINFO: QV_NOTNUM, an integer outside
-     *                   of 64 bits; QV_NOMEM, JMAP_MAP_NOMEM, no memory.  Once a map of the document
-     *                   had a mistake, the code of that one is given instead, for this map too.
-     *   JMAP_INCOMPLETE the map ends too soon; ERRORINFO as it was.
-     *   QV_NOMEM        MapInit could not make the parser.
-     * After a failure the tables made so far are the document's user map. */
+     *   QV_OK           goes on; with `done` the map is there, and ERRORINFO tells of tables
+     * without variables and of ordinals with NORETAIN. JMAP_MAP_...    a mistake in the map:
+     * ERRORINFO has its place (of null, true and false the last byte; of a text with escapes a
+     * place in it) and the last number or text. JMAP_PARSE      a mistake in its JSON, or, by `rc`
+     * of ERRORINFO: QV_NOTNUM, an integer outside of 64 bits; QV_NOMEM, JMAP_MAP_NOMEM, no memory.
+     * Once a map of the document had a mistake, the code of that one is given instead, for this map
+     * too. JMAP_INCOMPLETE the map ends too soon; ERRORINFO as it was. QV_NOMEM        MapInit
+     * could not make the parser. After a failure the tables made so far are the document's user
+     * map. */
     QVStatus (*MapInput)(QVEJMAPMapContexth inh, QVMemPtr inbuf, QVStrSize inlen, QVBoolean done,
                          QVJnlh jnl);
 
@@ -261,14 +261,14 @@ typedef struct UserJMAP_S {
 
     /* The user map parsed last, its lengths completed from the automatic map, and a list of its
      * character columns with an informat: `*ii` is the first one and stays as it was when there is
-     * none.  The list is in `pool`, which is the caller's; without an `ii` it is not made, and `pool`
-     * may be null.  Without a user map `*m` is null and nothing else happens.  QV_NOMEM: `*m` is set
-     * and the list holds what has been made. */
+     * none.  The list is in `pool`, which is the caller's; without an `ii` it is not made, and
+     * `pool` may be null.  Without a user map `*m` is null and nothing else happens.  QV_NOMEM:
+     * `*m` is set and the list holds what has been made. */
     QVStatus (*GetUserMap)(QVEJMAPJsonContexth inh, QVMemPtr* m, QVPoolh pool, INFORMATINFO** ii);
 
-    /* `*i`: the number n of levels, the bytes of the longest value, then n numbers, the bytes of the
-     * longest member name of each level from the outermost.  Each call makes a new list, which lives
-     * until Term.  QV_NOMEM, with a null `*i`. */
+    /* `*i`: the number n of levels, the bytes of the longest value, then n numbers, the bytes of
+     * the longest member name of each level from the outermost.  Each call makes a new list, which
+     * lives until Term.  QV_NOMEM, with a null `*i`. */
     QVStatus (*GetAlldataInfo)(QVEJMAPJsonContexth inh, int32_t** i);
 
     /* 0: a table of the map has exactly this name, or it is the `alldataName` of JsonInit.

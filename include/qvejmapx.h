@@ -11,8 +11,8 @@
  *
  * WHAT MAY CHANGE
  *   The operation table of qvejmap.h stays as it is.  This header grows with the tools: a new
- *   release may change its records, constants and routines, and QVEJMAPX_VERSION rises when it does.
- *   Routines that are only added do not change it.  A program is compiled and linked with one
+ *   release may change its records, constants and routines, and QVEJMAPX_VERSION rises when it
+ * does. Routines that are only added do not change it.  A program is compiled and linked with one
  *   release; it compares the macro with jmapVersion() before the first call.
  *
  * Tested by tests/frame/qvejmapx_test.cpp and tests/frame/equality_test.cpp
@@ -58,10 +58,10 @@ typedef struct JMAPColumnInfo {
     const char* name; /* null when a user map gives none */
     QVStrSize nameLen;
     QVStrSize pathLen; /* 0 when the column has none (ALLDATA); see jmapColumnPath */
-    int32_t type;     /* JMAP_ORDINAL, JMAP_NUMERIC, JMAP_CHARACTER */
-    uint64_t length;  /* the map's: longest value of a character column; not yet capped */
-    uint32_t kinds;   /* automatic map: the bit 1 << JMAP_KIND_... for each kind that the values of
-                         the column are of; 0: not known */
+    int32_t type;      /* JMAP_ORDINAL, JMAP_NUMERIC, JMAP_CHARACTER */
+    uint64_t length;   /* the map's: longest value of a character column; not yet capped */
+    uint32_t kinds;    /* automatic map: the bit 1 << JMAP_KIND_... for each kind that the values of
+                          the column are of; 0: not known */
     const char* label;
     QVStrSize labelLen; /* 0: none */
     JMAPFormat format;
@@ -98,8 +98,8 @@ void jmapColumnInfo(JMAPColumnh column, JMAPColumnInfo* info);
 QVStatus jmapReadTable(QVEJMAPJsonContexth inh, JMAPTableh table, QVEJMAPReadInitParms* rip,
                        QVEJMAPReadContexth* inrctx);
 
-/* What Read does not put into the row buffer.  The routines are called from within Read and must not
- * throw; texts live until they return. */
+/* What Read does not put into the row buffer.  The routines are called from within Read and must
+ * not throw; texts live until they return. */
 typedef struct JMAPReadObserver {
     void* arg;
     /* `column` (its index) is NUMERIC, has no informat, and got this text, which is no number.  The
@@ -130,7 +130,7 @@ typedef struct JMAPGrowth {
     uint64_t paths;        /* distinct ones, also of objects and arrays */
     uint64_t recordBytes;  /* of closed blocks, uncompressed */
     uint64_t spilledBytes; /* in the cache file */
-    uint64_t tables;       /* of the automatic map, which is made after the last record, or a pass */
+    uint64_t tables; /* of the automatic map, which is made after the last record, or a pass */
 } JMAPGrowth;
 
 /* Limits a scan and what follows it.  `check` is called for each block of records that is closed,
@@ -163,17 +163,17 @@ enum {
 };
 
 typedef struct JMAPRecord {
-    int32_t kind;         /* JMAP_KIND_... */
-    int32_t labelCount;   /* names in the path, the root apart */
+    int32_t kind;       /* JMAP_KIND_... */
+    int32_t labelCount; /* names in the path, the root apart */
     const char* path;
     QVStrSize pathLen;
-    const char* value;    /* null for JMAP_KIND_NOVAL */
+    const char* value; /* null for JMAP_KIND_NOVAL */
     QVStrSize valueLen;
-    const char* bytes;    /* the whole record as stored (docs/FORMATS.md) */
+    const char* bytes; /* the whole record as stored (docs/FORMATS.md) */
     QVStrSize bytesLen;
 } JMAPRecord;
 
-/* Opens a cursor before the first record of a document whose last buffer has been passed.  QV_NOMEM.
+/* Opens a cursor before the first record of a document whose last buffer has been passed. QV_NOMEM.
  * Any number may be open; they follow the rule of Read: one call at a time for each document. */
 QVStatus jmapRecordsOpen(QVEJMAPJsonContexth inh, JMAPRecordCursorh* cursor);
 
@@ -195,10 +195,10 @@ enum {
 };
 
 typedef struct JMAPPassCell {
-    int32_t kind;     /* JMAP_CELL_... or JMAP_KIND_...; a text of ALLDATA is a STRING, or cut */
-    QVBoolean fresh;  /* set in this row, not kept from an earlier one */
+    int32_t kind;      /* JMAP_CELL_... or JMAP_KIND_...; a text of ALLDATA is a STRING, or cut */
+    QVBoolean fresh;   /* set in this row, not kept from an earlier one */
     QVBoolean strayed; /* it came before the row began: see JMAPPassColumn */
-    const char* text; /* of a value: as recorded, neither padded nor cut nor converted */
+    const char* text;  /* of a value: as recorded, neither padded nor cut nor converted */
     union {
         QVStrSize textLen;
         uint64_t count;
@@ -218,15 +218,15 @@ typedef struct JMAPPassItem {
     /* After these, one for each ORDINAL column with an informat, in order: the text that Read keeps
      * as its `rawdata`.  The column's own cell has the count. */
     QVStrSize textCount;
-    QVStrSize column;          /* of a JMAP_PASS_NOT_NUMBER, as the rest; its cell has the text too */
+    QVStrSize column; /* of a JMAP_PASS_NOT_NUMBER, as the rest; its cell has the text too */
     const char* text;
     QVStrSize textLen;
 } JMAPPassItem;
 
 /* Opens a pass before the first record of a document whose last buffer has been passed, for tables
  * of its maps and perhaps ALLDATA.  `flags` are those of QVEJMAPReadInitParms.  QV_NOMEM.
- * Each table gives the rows that Read gives, in the same order.  Needs memory for the columns of all
- * the tables and for the rows that are being made, and one file at the most. */
+ * Each table gives the rows that Read gives, in the same order.  Needs memory for the columns of
+ * all the tables and for the rows that are being made, and one file at the most. */
 QVStatus jmapPassOpen(QVEJMAPJsonContexth inh, const JMAPTableh* tables, QVStrSize tableCount,
                       uint64_t flags, JMAPPassh* pass);
 
@@ -244,13 +244,14 @@ typedef struct JMAPPassColumn {
     /* Of them in a row that began after them: an array that comes after other elements does not
      * always begin a row.  The row may belong to another parent. */
     uint64_t strayed;
-    QVBoolean below;           /* the path lies below the table's; else values never stray */
+    QVBoolean below; /* the path lies below the table's; else values never stray */
 } JMAPPassColumn;
 void jmapPassColumn(JMAPPassh pass, QVStrSize table, QVStrSize column, JMAPPassColumn* info);
 
 /* After QV_EOF: the cells of the row that a table had begun and never completed; those that are
  * fresh are in no row. */
-void jmapPassLeft(JMAPPassh pass, QVStrSize table, const JMAPPassCell** cells, QVStrSize* cellCount);
+void jmapPassLeft(JMAPPassh pass, QVStrSize table, const JMAPPassCell** cells,
+                  QVStrSize* cellCount);
 
 /* Whether the texts of cells (not the cells) are valid until Term, because the records are in
  * memory and not compressed. */
@@ -270,8 +271,8 @@ typedef struct PATHINFO* JMAPPathh; /* opaque */
 
 /* Values of one kind at a path. */
 typedef struct JMAPPathKind {
-    int64_t count;  /* 0: there are none */
-    int64_t line;   /* where the first begins, as ERRORINFO counts; 0: not known */
+    int64_t count; /* 0: there are none */
+    int64_t line;  /* where the first begins, as ERRORINFO counts; 0: not known */
     int64_t column;
 } JMAPPathKind;
 
@@ -283,8 +284,8 @@ typedef struct JMAPPathInfo {
     int64_t longestLine;   /* where the first of that length begins */
     int64_t longestColumn;
     JMAPPathKind kinds[7]; /* by JMAP_KIND_... */
-    JMAPPathKind inexact;  /* numbers that a double does not keep: the shortest text that reads back to
-                              the nearest double is another number, or it is infinite, or 0 */
+    JMAPPathKind inexact;  /* numbers that a double does not keep: the shortest text that reads back
+                              to  the nearest double is another number, or it is infinite, or 0 */
 } JMAPPathInfo;
 
 /* As jmapNextTable, over every distinct path that had a value: groups of one parent together, in
@@ -309,18 +310,19 @@ void jmapWatched(JMAPWatchh watch, int64_t* line, int64_t* column);
 
 typedef struct JMAPTotals {
     uint64_t records;
-    uint64_t values; /* of them scalars of the document: neither markers nor placeholders */
-    uint64_t recordBytes;  /* uncompressed */
-    uint64_t storedBytes;  /* as kept: compressed when asked for */
+    uint64_t values;      /* of them scalars of the document: neither markers nor placeholders */
+    uint64_t recordBytes; /* uncompressed */
+    uint64_t storedBytes; /* as kept: compressed when asked for */
     uint64_t blocks;
     uint64_t blocksOnDisk;
     /* What the end of a scan lost without a status, when memory or the cache file was full.  Unless
      * all are 0, the tables are not those of the document. */
-    uint64_t unstoredBytes; /* of records in the last block */
+    uint64_t unstoredBytes;  /* of records in the last block */
     QVStatus unstoredStatus; /* why; meaningless when there are no such bytes */
-    uint64_t droppedTables; /* that are missing in the automatic map */
-    uint64_t lostLookups;   /* failures of hash tables: tables and columns may be there twice */
-    /* Member names of 256 bytes or more, or empty ones: in ALLDATA labels are cut at wrong places. */
+    uint64_t droppedTables;  /* that are missing in the automatic map */
+    uint64_t lostLookups;    /* failures of hash tables: tables and columns may be there twice */
+    /* Member names of 256 bytes or more, or empty ones: in ALLDATA labels are cut at wrong places.
+     */
     QVBoolean labelsSlip;
 } JMAPTotals;
 void jmapTotals(QVEJMAPJsonContexth inh, JMAPTotals* totals);

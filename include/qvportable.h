@@ -30,14 +30,14 @@ typedef struct QVPortableOptions {
     const char* modulePath;  /* directories with modules, ":" between them; null: none */
     const char* journalFile; /* file that notes are appended to, a line each; null: see below */
     /* Takes each note, without line end; used when set.  Its text is UTF-8, but what it shows of a
-     * document stays in the document's encoding, control characters included.  With neither it nor a
-     * file, notes go to standard error.  Lines there and in the file have control characters
+     * document stays in the document's encoding, control characters included.  With neither it nor
+     * a file, notes go to standard error.  Lines there and in the file have control characters
      * escaped. */
     void (*journalCallback)(void* arg, const char* note, size_t noteLen);
     void* journalArg;
-    uint64_t memoryBudget;   /* bytes that the process may hold, in pools and elsewhere, before
-                                qvmrlmem gives 0; 0: no budget */
-    uint64_t maxDepth;       /* nesting limit of the JSON parser; 0: none */
+    uint64_t memoryBudget; /* bytes that the process may hold, in pools and elsewhere, before
+                              qvmrlmem gives 0; 0: no budget */
+    uint64_t maxDepth;     /* nesting limit of the JSON parser; 0: none */
 } QVPortableOptions;
 
 /* Starts a host and makes it the global one.  QV_BADPARMS for a wrong structSize, QV_IO_OPEN for a
@@ -62,21 +62,22 @@ QV_EXPORT void qvPortableSetBudget(QVHndlp host, uint64_t bytes);
 /* What the pools of a host hold and did. */
 typedef struct QVPortableCounts {
     uint64_t poolsAlive;
-    uint64_t bytesInUse;  /* memory held from the system for pools and trackers */
+    uint64_t bytesInUse; /* memory held from the system for pools and trackers */
     uint64_t bytesPeak;
     uint64_t allocations; /* successful calls of allocate and reallocate, ever */
 } QVPortableCounts;
 QV_EXPORT void qvPortableCounts(QVHndlp host, QVPortableCounts* counts);
 
-/* From now on the n-th (1 is the next) pool allocation, reallocation, pool or tracker creation fails,
- * once or, with `always`, from then on.  0 ends it. */
+/* From now on the n-th (1 is the next) pool allocation, reallocation, pool or tracker creation
+ * fails, once or, with `always`, from then on.  0 ends it. */
 QV_EXPORT void qvPortableFailAllocation(QVHndlp host, uint64_t n, QVBoolean always);
 
 /* Calls `visit` for every object that is still alive, oldest first: its kind ("pool", "module",
  * "tracker", "file", "parser", "writer", "transcoder", "strings") and its name, cut to 63 bytes.
  * `visit` must neither make nor end objects. */
-QV_EXPORT void qvPortableLeftovers(QVHndlp host, void (*visit)(void* arg, const char* kind, const char* name),
-                         void* arg);
+QV_EXPORT void qvPortableLeftovers(QVHndlp host,
+                                   void (*visit)(void* arg, const char* kind, const char* name),
+                                   void* arg);
 
 #ifdef __cplusplus
 }

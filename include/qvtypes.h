@@ -21,11 +21,11 @@
 #define QV_EXPORT
 #endif
 
-typedef int32_t QVStatus;   /* 0 is success; the codes are listed in qvstatus.h */
-typedef int64_t QVStrSize;  /* a length in bytes (or 4-byte characters), never negative in use */
-typedef void* QVMemPtr;     /* untyped memory, or an object the caller does not look into */
-typedef uint8_t QVBoolean;  /* 0 is false, everything else is true */
-typedef char32_t QVChar;    /* a host character: one Unicode code point */
-typedef int32_t QVCEI;      /* id of a character encoding, greater than 0 */
+typedef int32_t QVStatus;  /* 0 is success; the codes are listed in qvstatus.h */
+typedef int64_t QVStrSize; /* a length in bytes (or 4-byte characters), never negative in use */
+typedef void* QVMemPtr;    /* untyped memory, or an object the caller does not look into */
+typedef uint8_t QVBoolean; /* 0 is false, everything else is true */
+typedef char32_t QVChar;   /* a host character: one Unicode code point */
+typedef int32_t QVCEI;     /* id of a character encoding, greater than 0 */
 
 #endif

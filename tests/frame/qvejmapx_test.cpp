@@ -30,8 +30,8 @@ std::string described(QVMemPtr map) {
             jmapColumnInfo(column, &c);
             text += " ";
             text += view(c.name, c.nameLen);
-            text += " " + slashes(pathOf(jmapColumnPath, column, c.pathLen)) + " " + std::to_string(c.type) + " " +
-                    std::to_string(c.length) + ";";
+            text += " " + slashes(pathOf(jmapColumnPath, column, c.pathLen)) + " " +
+                    std::to_string(c.type) + " " + std::to_string(c.length) + ";";
         }
         text += "\n";
     }

@@ -109,9 +109,9 @@ class LoggedParser {
     QVStatus status_ = QV_OK;
 };
 
-// The document in buffers, the first of `first` bytes, the later ones of `size`, up to the first that
-// is shorter, or a mistake.  Each is a copy that ends where its memory ends: a sanitizer sees every
-// byte read past the end.
+// The document in buffers, the first of `first` bytes, the later ones of `size`, up to the first
+// that is shorter, or a mistake.  Each is a copy that ends where its memory ends: a sanitizer sees
+// every byte read past the end.
 inline std::string parseParts(std::string_view text, std::size_t first, std::size_t size,
                               const ParseOptions& options) {
     LoggedParser parser(options);

@@ -120,7 +120,8 @@ void placeWords(const std::vector<std::string>& words, Options& options) {
                    suggestion(name + " " + rest[0], verbNames(name + " ")));
     }
     for (std::size_t i = 0; i < rest.size(); ++i) {
-        if (rest[i].empty() && !operandName(verb, i).starts_with("TABLE")) {  // of a table it may be
+        if (rest[i].empty() &&
+            !operandName(verb, i).starts_with("TABLE")) {  // of a table it may be
             usageError(name + ": the name of " + operandName(verb, i) + " is empty");
         }
     }
