@@ -106,6 +106,9 @@ TEST(ScanGuard, EndsADocumentWithThePlaceAndTheWidestPath) {
 
 // What is held beyond the document ends a pass over its tables, when it opens and as it goes on.
 TEST(ScanGuard, EndsAPass) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "most pages of the process are the sanitizer's";
+#endif
     std::string text = R"({"wide":{)";
     for (int i = 0; i < 5000; ++i) {
         text += "\"n" + std::to_string(i) + "\":1,";
