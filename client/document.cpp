@@ -197,7 +197,7 @@ std::vector<Table> Document::describeMap(QVMemPtr map) {
     JMAPTableh table = nullptr;
     while (jmapNextTable(map, &table) == QV_OK) {
         if (tables.size() % kTablesBetweenChecks == 0) {
-            guard_.checkMemory("tables and columns");
+            guard_.checkMemory("the tables of the map");
         }
         tables.push_back(describe(table, false));
     }
@@ -283,7 +283,7 @@ std::vector<PathStatistics> Document::describePaths(bool (*wanted)(const JMAPPat
         jmapPathInfo(path, &info);
         if (wanted(info)) {
             if (statistics.size() % kPathsBetweenChecks == 0) {
-                checkMemory("paths");
+                checkMemory("the statistics of paths");
             }
             statistics.push_back(describe(path, info));
         }

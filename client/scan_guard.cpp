@@ -59,7 +59,7 @@ QVStatus ScanGuard::lookAtMemory(const std::string& what) {
         return QV_OK;
     }
     return fail(QV_LIMIT_MEMORY,
-                "more memory is needed than may be used, beside the records: " + what);
+                "more memory is needed than may be used, even without the records, for " + what);
 }
 
 QVStatus ScanGuard::lookAtDisk(uint64_t spilled) {

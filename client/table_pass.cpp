@@ -25,7 +25,7 @@ TablePass::TablePass(const Document& document, const std::vector<const Table*>& 
         jmapPassOpen(document.handle(), handles.data(), static_cast<QVStrSize>(handles.size()),
                      retain ? uint64_t{QVEJMAP_RETAIN} : 0, &handle_);
     if (status == QV_LIMIT_MEMORY) {
-        document.checkMemory("tables");  // throws what the guard said
+        document.checkMemory("the tables of a pass");  // throws what the guard said
     }
     check(status);
     textsStay_ = jmapPassTextsStay(handle_) != 0;
@@ -50,7 +50,7 @@ bool TablePass::next(PassItem& item) {
     unchecked_ += item.cells.size() + 1;
     if (unchecked_ >= kCellsBetweenChecks) {
         unchecked_ = 0;
-        document_.checkMemory("rows of tables");
+        document_.checkMemory("the rows of a pass");
     }
     return true;
 }

@@ -37,7 +37,7 @@ TEST(ScanGuard, EndsAtEachLimitAndNamesIt) {
          kMost,
          {1000, 1, 0, 0},
          QV_LIMIT_MEMORY,
-         "more memory is needed than may be used, beside the records: 1,000 distinct paths so far"},
+         "more memory is needed than may be used, even without the records, for 1,000 distinct paths so far"},
         {"too little memory for the map",
          0,
          9,
@@ -45,7 +45,7 @@ TEST(ScanGuard, EndsAtEachLimitAndNamesIt) {
          kMost,
          {9, 1, 0, 512},
          QV_LIMIT_MEMORY,
-         "more memory is needed than may be used, beside the records: 512 tables so far"},
+         "more memory is needed than may be used, even without the records, for 512 tables so far"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);

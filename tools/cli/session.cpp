@@ -69,6 +69,22 @@ std::string hint(const qvej::DocumentReader& reader, const qvej::Error& error) {
     }
 }
 
+// What a limit is, or which option moves it; "" for other mistakes.
+std::string aboutLimit(const ReadingOptions& options, QVStatus status) {
+    switch (status) {
+        case QV_JSON_DEPTH:
+            return " of " + std::to_string(options.depth) + " (--depth)";
+        case QV_LIMIT_PATHS:
+            return "; --max-paths N moves this limit";
+        case QV_LIMIT_MEMORY:
+            return options.memory ? " (--memory)" : "";
+        case QV_LIMIT_DISK:
+            return " (--cache FILE goes elsewhere, --compress makes them smaller)";
+        default:
+            return {};
+    }
+}
+
 // The failure that a mistake of the document leads to.
 [[noreturn]] void fail(const ReadingOptions& options, const qvej::DocumentReader& reader,
                        const qvej::Error& error) {
@@ -83,18 +99,7 @@ std::string hint(const qvej::DocumentReader& reader, const qvej::Error& error) {
     if (error.status() == QV_NOMEM && error.line() != 0) {
         what += ", or a path or a number is longer than 1 MiB";
     }
-    if (error.status() == QV_JSON_DEPTH) {
-        what += " of " + std::to_string(options.depth) + " (--depth)";
-    }
-    if (error.status() == QV_LIMIT_PATHS) {
-        what += "; --max-paths N moves this limit";
-    }
-    if (error.status() == QV_LIMIT_MEMORY && options.memory) {
-        what += " (--memory)";
-    }
-    if (error.status() == QV_LIMIT_DISK) {
-        what += " (--cache FILE goes elsewhere, --compress makes them smaller)";
-    }
+    what += aboutLimit(options, error.status());
     qvej::Place place = error.place();
     place.file = reader.name();
     what += place.line == 0 ? "" : hint(reader, error);
@@ -105,20 +110,22 @@ std::string hint(const qvej::DocumentReader& reader, const qvej::Error& error) {
 
 Session::Session(const ReadingOptions& options, const std::string& file, const std::string& map,
                  const ReadingWishes& wishes)
-    : reader_(qvej::ByteSource::file(file), options.text), engine_(engineOptions(options)) {
+    : options_(options),
+      reader_(qvej::ByteSource::file(file), options_.text),
+      engine_(engineOptions(options_)) {
     if (!map.empty()) {
         map_.emplace(engine_, map);
     }
-    if (!options.cache.empty()) {
-        checkNamedCache(options.cache, sourcesOf(file, map));
+    if (!options_.cache.empty()) {
+        checkNamedCache(options_.cache, sourcesOf(file, map));
     }
     try {
-        read(options, wishes);
+        read(wishes);
         useMap();
     } catch (const qvej::Error& error) {
-        fail(options, reader_, error);
+        fail(options_, reader_, error);
     }
-    if (!options.debug.empty()) {
+    if (!options_.debug.empty()) {
         const JMAPTotals totals = document_->totals();
         tellPlain("totals: records " + std::to_string(totals.records) + ", bytes " +
                   std::to_string(totals.recordBytes) + ", stored bytes " +
@@ -127,8 +134,8 @@ Session::Session(const ReadingOptions& options, const std::string& file, const s
     }
 }
 
-void Session::read(const ReadingOptions& options, const ReadingWishes& wishes) {
-    qvej::DocumentOptions document = documentOptions(options, engine_);
+void Session::read(const ReadingWishes& wishes) {
+    qvej::DocumentOptions document = documentOptions(options_, engine_);
     document.watches = wishes.watches;
     document_.emplace(engine_, reader_.documentOptions(document));
     reader_.read(*document_, wishes.observer);
@@ -150,7 +157,8 @@ void Session::failReading(const qvej::Error& error) const {
         throw error;  // of an output
     }
     const bool cache = exitCodeOf(error.status()) == FILE_TROUBLE;
-    throw qvej::Error(error.status(), error.what(), cache ? document_->cacheFile() : name());
+    throw qvej::Error(error.status(), error.what() + aboutLimit(options_, error.status()),
+                      cache ? document_->cacheFile() : name());
 }
 
 }  // namespace qvej::cli

@@ -49,9 +49,10 @@ class Session {
     [[noreturn]] void failReading(const qvej::Error& error) const;
 
    private:
-    void read(const ReadingOptions& options, const ReadingWishes& wishes);
+    void read(const ReadingWishes& wishes);
     void useMap();
 
+    ReadingOptions options_;
     qvej::DocumentReader reader_;
     qvej::Engine engine_;
     std::optional<MapFile> map_;
