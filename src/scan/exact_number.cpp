@@ -202,7 +202,7 @@ VERDICT judge(const DECIMAL& number) noexcept {
     const int64_t shorterAbove = shorterBelow + 10 * unit;
     const bool shorter = (-2 * shorterBelow < reach) | (2 * shorterAbove < reach);
     const bool nearest = 2 * std::abs(above) < unit + (lastDigit % 2 == 0 ? 1 : 0);
-    return shorter | !nearest ? LOST : KEPT;
+    return (shorter | !nearest) ? LOST : KEPT;
 }
 
 // ---- With as many bits as needed ----------------------------------------------------------------
