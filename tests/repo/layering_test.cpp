@@ -35,7 +35,8 @@ const Layer kLayers[] = {
     {"src/host/", R"re(src/host/.*|include/qv(ehost|types|status|portable)\.h|<.*>)re"},
     {"client/input/",
      R"re(client/(input/.*|(document|error|escape|excerpt|text)\.h)|include/.*|<.*>)re"},
-    {"client/", "client/[^/]*|include/.*|<.*>"},
+    {"client/shape/", R"re(client/(shape/.*|(error|escape|handle|text)\.h)|include/.*|<.*>)re"},
+    {"client/", R"re(client/([^/]*|shape/shape\.h|shape/reshaper\.h)|include/.*|<.*>)re"},
     {"formats/", "(formats|client)/.*|include/.*|<.*>"},
     {"tools/", "(tools|formats|client)/.*|include/.*|<.*>"},
 };
