@@ -5,6 +5,7 @@
 
 #include "client/cache_file.h"
 #include "client/error.h"
+#include "client/shape/reshaper.h"
 #include "client/user_map.h"
 
 #include <algorithm>
@@ -52,6 +53,9 @@ Document::Document(Engine& engine, const DocumentOptions& options)
 
     QVStatus status =
         operations()->JsonInit(&operations()->exth, &parms, &handle_, engine.host()->jnl);
+    if (status == QV_OK && !options.shape.empty()) {
+        status = setShape(options.shape);
+    }
     if (status == QV_OK && (options.lines || columnOf_)) {
         status = setRules(options.lines);
     }
@@ -66,6 +70,23 @@ Document::Document(Engine& engine, const DocumentOptions& options)
             (void)operations()->Term(handle_, nullptr);  // the first failure is the one to report
         }
         fail(status, qvStatusText(status));
+    }
+}
+
+// Puts the rules of a shape between the parser and the engine.
+QVStatus Document::setShape(const Shape& shape) {
+    JSNParserParms parms = {};
+    parms.textCei = parms.callbackCei = codec_.isUtf8() ? U_UTF8_CE : 0;
+    parms.flags = JSN_PARSER_FLAGS;
+    parms.jnl = engine_.host()->jnl;
+    parms.callbacks = jmapCallbacks(handle_);
+    try {
+        auto* reshaper = new Reshaper(engine_.host(), parms, shape);
+        jmapSetParser(handle_, reshaper->parser());
+        reshaper_ = reshaper;
+        return QV_OK;
+    } catch (const Error& error) {
+        return error.status();
     }
 }
 

@@ -11,6 +11,7 @@
 #include "engine.h"
 #include "error.h"
 #include "scan_guard.h"
+#include "shape/shape.h"
 #include "text.h"
 
 #include <cstdint>
@@ -21,6 +22,8 @@
 #include <vector>
 
 namespace qvej {
+
+class Reshaper;
 
 // A value whose place is asked for.
 struct Watch {
@@ -46,6 +49,7 @@ struct DocumentOptions {
     uint64_t ordinals = UINT64_MAX;  // levels of ordinal columns
     std::string alldataName = "ALLDATA";  // at most 40 bytes
     std::vector<Watch> watches = {};
+    Shape shape = {};  // rules for the document's events; the text must be UTF-8
 };
 
 // One record of the document.  The texts live until the next call on its cursor.
@@ -133,6 +137,9 @@ class Document {
     [[nodiscard]] std::vector<PathStatistics> inexactPaths() const;
     [[nodiscard]] JMAPTotals totals() const;
 
+    // What the rules of the options' shape did; null: it has none.
+    [[nodiscard]] const Reshaper* reshaper() const { return reshaper_; }
+
     // Where the value begins that the options watch for at that position; line 0: it never came.
     [[nodiscard]] Spot watched(std::size_t watch) const;
 
@@ -150,6 +157,7 @@ class Document {
     [[nodiscard]] QVEJMAPJsonContexth handle() const { return handle_; }
 
    private:
+    QVStatus setShape(const Shape& shape);
     QVStatus setRules(bool lines);
     QVStatus watchFor(const Watch& watch);
     void input(std::string_view text, bool done);
@@ -168,6 +176,7 @@ class Document {
     std::string cacheFile_;    // or its directory: what failures call it
     std::function<int64_t(int64_t)> columnOf_;
     QVEJMAPJsonContexth handle_ = nullptr;
+    const Reshaper* reshaper_ = nullptr;  // the engine's
     mutable ScanGuard guard_;
     const JMAPGuard engineGuard_;
     std::vector<JMAPWatchh> watches_;

@@ -119,6 +119,14 @@ void jmapObserve(QVEJMAPReadContexth rctx, const JMAPReadObserver* observer);
  * not be made. */
 struct JSNParser* jmapParser(QVEJMAPJsonContexth inh);
 
+/* The callbacks of a document's scan, for a parser of the caller's; they live as long as the
+ * document. */
+struct JSNParseCB* jmapCallbacks(QVEJMAPJsonContexth inh);
+
+/* Before the first buffer: a parser with those callbacks takes the place of the document's, which
+ * is ended.  The document owns it from now on. */
+void jmapSetParser(QVEJMAPJsonContexth inh, struct JSNParser* parser);
+
 /* Call this before Term when the last buffer failed or never came.  It ends the cache file and the
  * hash tables, which else live until the host stops.  Only Term may follow. */
 void jmapEndInput(QVEJMAPJsonContexth inh);

@@ -187,6 +187,18 @@ JSNParserh jmapParser(QVEJMAPJsonContexth inh) {
     return contextOf(inh)->parser;
 }
 
+JSNParseCB* jmapCallbacks(QVEJMAPJsonContexth inh) {
+    return &contextOf(inh)->parseCB;
+}
+
+void jmapSetParser(QVEJMAPJsonContexth inh, JSNParserh parser) {
+    JMAP_PRIVATE* p = contextOf(inh);
+    if (p->parser != nullptr) {
+        (void)p->parser->generic.destroy(&p->parser->generic);  // it has parsed nothing
+    }
+    p->parser = parser;
+}
+
 void jmapEndInput(QVEJMAPJsonContexth inh) {
     endInput(contextOf(inh));
 }

@@ -4,6 +4,7 @@
 #include "client/error.h"
 #include "formats/sources.h"
 #include "tools/cli/failure.h"
+#include "tools/cli/reports/shape_report.h"
 #include "tools/cli/reports/tell.h"
 
 #include <sys/stat.h>
@@ -119,12 +120,14 @@ Session::Session(const ReadingOptions& options, const std::string& file, const s
     if (!options_.cache.empty()) {
         checkNamedCache(options_.cache, sourcesOf(file, map));
     }
+    const Shape shape = shapeOf(options_.shape);
     try {
-        read(wishes);
+        read(shape, wishes);
         useMap();
     } catch (const qvej::Error& error) {
         fail(options_, reader_, error);
     }
+    tellUnmatched(name(), shape, *document_);
     if (!options_.debug.empty()) {
         const JMAPTotals totals = document_->totals();
         tellPlain("totals: records " + std::to_string(totals.records) + ", bytes " +
@@ -134,9 +137,10 @@ Session::Session(const ReadingOptions& options, const std::string& file, const s
     }
 }
 
-void Session::read(const ReadingWishes& wishes) {
+void Session::read(const Shape& shape, const ReadingWishes& wishes) {
     qvej::DocumentOptions document = documentOptions(options_, engine_);
     document.watches = wishes.watches;
+    document.shape = shape;
     document_.emplace(engine_, reader_.documentOptions(document));
     reader_.read(*document_, wishes.observer);
 }

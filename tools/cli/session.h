@@ -49,7 +49,7 @@ class Session {
     [[noreturn]] void failReading(const qvej::Error& error) const;
 
    private:
-    void read(const ReadingWishes& wishes);
+    void read(const Shape& shape, const ReadingWishes& wishes);
     void useMap();
 
     ReadingOptions options_;

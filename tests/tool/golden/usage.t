@@ -72,6 +72,19 @@ $ qvejmap --help
     --cache FILE            a new or empty file for such records; it stays
                             (default: a private one in $TMPDIR or /tmp, removed)
   
+  Shape of the document (docs/FORMATS.md says what each rule means):
+    --shape FILE            a file of rules, one a line; may be repeated
+    --rows RULE             PATH [as KEY] [except NAME...]: the members there, or
+                            the elements, become rows
+    --inline PATH           the members of the object there become members of the
+                            one around it
+    --as-text PATH          the object or array there becomes its JSON as a
+                            string
+    --drop PATH             leave out what is there
+    --only PATH             leave out all but what is there
+    --keep PATH             undo earlier rules for what is there
+    --drop-empty            leave out members that are empty objects or arrays
+  
   General:
     --debug KEYWORDS        notes of the engine: MAP, READ, COMPRESSION, ALL,
                             ...; "-MAP" leaves one out
@@ -123,16 +136,16 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
 $ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert records check; do
 >     echo $verb: $(qvejmap help $verb | grep -o '^  -[-a-z,]*')
 > done
-  tables: --names --columns --map --ordinals --alldata-name --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug -q,--quiet -h,--help --version
-  map: -o,--output --exact --ordinals --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
-  map check: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug -q,--quiet -h,--help --version
+  tables: --names --columns --map --ordinals --alldata-name --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
+  map: -o,--output --exact --ordinals --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
+  map check: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
   map diff: -q,--quiet -h,--help --version
   map merge: -o,--output --force -q,--quiet -h,--help --version
-  map explain: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug -q,--quiet -h,--help --version
-  read: --limit --map --rejects --format --null --ordinals --alldata-name --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
-  convert: -o,--output --alldata --threads --account --map --rejects --format --null --ordinals --alldata-name --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug --force -q,--quiet -h,--help --version
-  records: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug -q,--quiet -h,--help --version
-  check: --account --map --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --debug -q,--quiet -h,--help --version
+  map explain: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
+  read: --limit --map --rejects --format --null --ordinals --alldata-name --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
+  convert: -o,--output --alldata --threads --account --map --rejects --format --null --ordinals --alldata-name --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
+  records: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
+  check: --account --map --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
 
 # help VERB is what VERB --help is, and no page is wider than 80 columns.
 $ for verb in '' tables map 'map check' 'map diff' 'map merge' 'map explain' read convert records check; do

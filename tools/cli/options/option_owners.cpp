@@ -39,6 +39,14 @@ constexpr Owner kOwners[] = {
     {"--memory", kReaders},
     {"--keep-free", kReaders},
     {"--cache", kReaders},
+    {"--shape", kReaders},
+    {"--rows", kReaders},
+    {"--inline", kReaders},
+    {"--as-text", kReaders},
+    {"--drop", kReaders},
+    {"--only", kReaders},
+    {"--keep", kReaders},
+    {"--drop-empty", kReaders},
     {"--debug", kReaders},
 };
 

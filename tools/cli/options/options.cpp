@@ -260,6 +260,8 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
         ->type_name("FILE")
         ->group(reading);
 
+    declareShapeOptions(app);
+
     const std::string general = "General";
     app.add_option(
            "--debug", raw.debug,
@@ -294,6 +296,7 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     o.threads = static_cast<unsigned>(std::min<uint64_t>(threads, kMostThreads));
     o.reading.keepFree = sizeOf(app, "--keep-free", raw.keepFree);
     o.reading.memory = sizeOf(app, "--memory", raw.memory);
+    o.reading.shape = readShapeOptions(app);
     o.reading.debug = debugString(raw.debug);
     o.format = findFormat(raw.format);
     if (o.format == nullptr) {

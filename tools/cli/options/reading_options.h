@@ -2,6 +2,7 @@
 #pragma once
 
 #include "client/input/document_reader.h"
+#include "tools/cli/options/shape_options.h"
 
 #include <cstdint>
 #include <optional>
@@ -11,6 +12,7 @@ namespace qvej::cli {
 
 struct ReadingOptions {
     qvej::TextOptions text;
+    ShapeOptions shape;
     uint64_t depth = 1000;           // 0: any
     uint64_t maxPaths = 10'000'000;  // 0: any number
     bool compress = false;

@@ -1,0 +1,553 @@
+// See reshaper.h.
+#include "client/shape/reshaper.h"
+
+#include "client/error.h"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+namespace qvej {
+namespace {
+
+// The status of an event; the engine's ends the parse.
+template <class Routine>
+QVStatus guarded(Routine routine) noexcept {
+    try {
+        routine();
+        return QV_OK;
+    } catch (const Error& error) {
+        return error.status();
+    } catch (const std::bad_alloc&) {
+        return QV_NOMEM;
+    }
+}
+
+const JSNChar* bytesOf(std::string_view text) {
+    return reinterpret_cast<const JSNChar*>(text.data());
+}
+
+// The rules' patterns.  What lies below an `only` path is to be known too.
+std::vector<PathPattern> patternsOf(const Shape& shape) {
+    std::vector<PathPattern> patterns;
+    for (const ShapeRule& rule : shape.rules()) {
+        if (rule.kind != ShapeRule::EMPTY_DROP) {
+            std::vector<PathPattern::Piece> pieces = rule.path.pieces();
+            if (rule.kind == ShapeRule::ONLY) {
+                pieces.push_back({PathPattern::Piece::ANY_PATH});
+            }
+            patterns.emplace_back(std::move(pieces));
+        }
+    }
+    return patterns;
+}
+
+}  // namespace
+
+// ---- Both tables --------------------------------------------------------------------------------
+
+Reshaper::Reshaper(QVHndlp host, const JSNParserParms& parms, const Shape& shape)
+    : JSNParser{},
+      JSNParseCB{},
+      shape_(shape),
+      matcher_(patternsOf(shape)),
+      matched_(shape.rules().size()),
+      engine_(parms.callbacks),
+      json_(reinterpret_cast<QVJSONh>(host->loadExtension(host, U"qvejson", 7, host->jnl))) {
+    if (parms.textCei != U_UTF8_CE) {
+        throw Error(QV_UNSUPPORTED, "a shape takes a text in UTF-8");
+    }
+    for (uint32_t i = 0; i < shape_.rules().size(); ++i) {
+        if (shape_.rules()[i].kind == ShapeRule::EMPTY_DROP) {
+            dropsEmpty_ = true;
+            matched_[i] = true;
+        } else {
+            ruleOf_.push_back(i);
+        }
+    }
+    rootPlan_ = makePlan(matcher_.root(), true);
+    JSNParserParms own = parms;
+    own.callbacks = this;
+    parser_.reset(json_ ? json_->createParser(json_.get(), &own) : nullptr);
+    if (!parser_) {
+        throw Error(QV_NOMEM);
+    }
+
+    generic.destroy = &destroyReshaper;
+    JSNParser::parse = &parseText;
+    JSNParser::line = [](JSNParserh self) { return of(self).eventPlaceOr(&EventPlace::line); };
+    JSNParser::column = [](JSNParserh self) {
+        const JSNParserh parser = of(self).parser_.get();
+        return parser->column(parser);
+    };
+    JSNParser::eventColumn = [](JSNParserh self) {
+        return of(self).eventPlaceOr(&EventPlace::column);
+    };
+    JSNParser::setRules = [](JSNParserh self, const JSNTextRules* rules) {
+        const JSNParserh parser = of(self).parser_.get();
+        parser->setRules(parser, rules);
+    };
+    JSNParser::offset = [](JSNParserh self) {
+        const JSNParserh parser = of(self).parser_.get();
+        return parser->offset(parser);
+    };
+    JSNParser::eventOffset = [](JSNParserh self) {
+        return of(self).eventPlaceOr(&EventPlace::offset);
+    };
+
+    JSNParseCB::arrayStart = &containerStart<true>;
+    JSNParseCB::arrayEnd = &containerEnd<true>;
+    JSNParseCB::objectStart = &containerStart<false>;
+    JSNParseCB::objectEnd = &containerEnd<false>;
+    JSNParseCB::nullx = &nullValue;
+    JSNParseCB::booleanVal = &booleanValue;
+    JSNParseCB::number = &numberValue;
+    JSNParseCB::string = &stringEvent;
+}
+
+QVStatus Reshaper::parseText(JSNParserh self, const void* buf, QVStrSize bufLen, QVBoolean done) {
+    const JSNParserh parser = of(self).parser_.get();
+    return parser->parse(parser, buf, bufLen, done);
+}
+
+QVStatus Reshaper::destroyReshaper(QVGeneric* self) {
+    delete &of(reinterpret_cast<JSNParserh>(self));  // the table begins with it
+    return QV_OK;
+}
+
+Reshaper::EventPlace Reshaper::eventPlace() const {
+    const JSNParserh parser = parser_.get();
+    return {parser->line(parser), parser->eventColumn(parser), parser->eventOffset(parser)};
+}
+
+int64_t Reshaper::eventPlaceOr(int64_t EventPlace::*part) const {
+    const JSNParserh parser = parser_.get();
+    if (place_ != nullptr) {
+        return place_->*part;
+    }
+    return part == &EventPlace::line     ? parser->line(parser)
+           : part == &EventPlace::column ? parser->eventColumn(parser)
+                                         : parser->eventOffset(parser);
+}
+
+// ---- Events of the parser -----------------------------------------------------------------------
+
+template <bool kArray>
+QVStatus Reshaper::containerStart(JSNParseCB* cb) {
+    Reshaper& r = of(cb);
+    switch (r.state_) {
+        case State::PASSING:
+            ++r.depth_;
+            return kArray ? r.engine_->arrayStart(r.engine_) : r.engine_->objectStart(r.engine_);
+        case State::SKIPPING:
+            ++r.depth_;
+            return QV_OK;
+        case State::WRITING:
+            ++r.depth_;
+            return guarded([&] { r.text_.open(kArray); });
+        default:
+            return guarded([&] { r.open(kArray); });
+    }
+}
+
+template <bool kArray>
+QVStatus Reshaper::containerEnd(JSNParseCB* cb) {
+    Reshaper& r = of(cb);
+    if (r.state_ != State::SHAPING) {
+        --r.depth_;
+    }
+    const State state = r.state_;
+    if (r.depth_ == 0) {
+        r.state_ = State::SHAPING;
+    }
+    switch (state) {
+        case State::PASSING:
+            return r.depth_ == 0 ? guarded([&] { r.close(); })
+                   : kArray      ? r.engine_->arrayEnd(r.engine_)
+                                 : r.engine_->objectEnd(r.engine_);
+        case State::SKIPPING:
+            return QV_OK;
+        case State::WRITING:
+            return guarded([&] {
+                r.text_.close(kArray);
+                if (r.depth_ == 0) {
+                    ++r.counts_.texts;
+                    r.put(r.roleOfNext(), [&] { r.emitString(r.text_.view(), r.textPlace_); });
+                }
+            });
+        default:
+            return guarded([&] { r.close(); });
+    }
+}
+
+// A scalar: `emit` gives it to the engine, `write` to the text in the making.
+template <class Emit, class Write>
+QVStatus Reshaper::value(Emit emit, Write write) {
+    ++counts_.values;
+    switch (state_) {
+        case State::PASSING:
+            return emit();
+        case State::SKIPPING:
+            ++counts_.leftOut;
+            return QV_OK;
+        case State::WRITING:
+            ++counts_.inTexts;
+            return guarded(write);
+        default:
+            break;
+    }
+    if (nameSent_) {
+        nameSent_ = false;
+        return emit();
+    }
+    return guarded([&] {
+        const Role role = roleOfNext();
+        if (leavesOut(role, false)) {
+            ++counts_.leftOut;
+        } else {
+            put(role, [&] { check(emit()); });
+        }
+    });
+}
+
+QVStatus Reshaper::nullValue(JSNParseCB* cb) {
+    Reshaper& r = of(cb);
+    return r.value([&] { return r.engine_->nullx(r.engine_); }, [&] { r.text_.word("null"); });
+}
+
+QVStatus Reshaper::booleanValue(JSNParseCB* cb, QVBoolean value) {
+    Reshaper& r = of(cb);
+    return r.value([&] { return r.engine_->booleanVal(r.engine_, value); },
+                   [&] { r.text_.word(value != 0 ? "true" : "false"); });
+}
+
+QVStatus Reshaper::numberValue(JSNParseCB* cb, const char* text, QVStrSize textLen, int32_t flags) {
+    Reshaper& r = of(cb);
+    return r.value([&] { return r.engine_->number(r.engine_, text, textLen, flags); },
+                   [&] {
+                       r.text_.word({text, static_cast<std::size_t>(textLen)});
+                   });
+}
+
+QVStatus Reshaper::stringEvent(JSNParseCB* cb, const JSNChar* text, QVStrSize textLen,
+                               int32_t flags) {
+    Reshaper& r = of(cb);
+    const std::string_view string(reinterpret_cast<const char*>(text),
+                                  static_cast<std::size_t>(textLen));
+    if (flags != JSN_MEMBERNAME) {
+        return r.value([&] { return r.engine_->string(r.engine_, text, textLen, flags); },
+                       [&] { r.text_.string(string); });
+    }
+    switch (r.state_) {
+        case State::PASSING:
+            return r.engine_->string(r.engine_, text, textLen, flags);
+        case State::SKIPPING:
+            return QV_OK;
+        case State::WRITING:
+            return guarded([&] { r.text_.name(string); });
+        default:
+            return guarded([&] { r.takeName(string); });
+    }
+}
+
+// ---- Rules --------------------------------------------------------------------------------------
+
+const Reshaper::Plan& Reshaper::planOf(const PathMatcher::Node* node) {
+    if (node->number >= plans_.size()) {
+        plans_.resize(node->number + 1);
+    }
+    std::unique_ptr<Plan>& plan = plans_[node->number];
+    if (plan == nullptr) {
+        plan = std::make_unique<Plan>(makePlan(node, false));
+    }
+    return *plan;
+}
+
+// The last of the rules that match holds.  To the root only `rows` means something.
+Reshaper::Plan Reshaper::makePlan(const PathMatcher::Node* node, bool root) {
+    const auto kindOf = [&](uint32_t pattern) { return shape_.rules()[ruleOf_[pattern]].kind; };
+    const auto isOnly = [&](uint32_t pattern) { return kindOf(pattern) == ShapeRule::ONLY; };
+    Plan plan;
+    plan.at = node;
+    plan.inside = std::any_of(node->matched.begin(), node->matched.end(), isOnly) ||
+                  std::none_of(shape_.rules().begin(), shape_.rules().end(),
+                               [](const auto& rule) { return rule.kind == ShapeRule::ONLY; });
+    plan.above = std::any_of(node->below.begin(), node->below.end(), isOnly);
+    for (const uint32_t pattern : node->matched) {
+        if (root && kindOf(pattern) != ShapeRule::ROWS) {
+            continue;
+        }
+        matched_[ruleOf_[pattern]] = true;
+        if (!isOnly(pattern)) {
+            plan.rule = &shape_.rules()[ruleOf_[pattern]];
+        }
+    }
+    if (plan.rule != nullptr && plan.rule->kind == ShapeRule::KEEP) {
+        plan.rule = nullptr;
+    }
+    plan.plain = plan.rule == nullptr && plan.inside;
+    plan.quiet = plan.inside && std::all_of(node->below.begin(), node->below.end(), isOnly);
+    return plan;
+}
+
+void Reshaper::takeName(std::string_view name) {
+    const Frame& object = frames_.back();
+    next_ = &planOf(matcher_.child(object.plan->at, name));
+    nameSent_ = object.form == Form::OBJECT && next_->plain && !dropsEmpty_;
+    if (nameSent_) {
+        emitName(name);
+        return;
+    }
+    name_ = name;
+    if (object.form == Form::ENTRIES || object.form == Form::MIXED) {
+        namePlace_ = eventPlace();
+    }
+}
+
+Reshaper::Role Reshaper::roleOfNext() const {
+    if (frames_.empty()) {
+        return Role::ROOT;
+    }
+    const Frame& around = frames_.back();
+    switch (around.form) {
+        case Form::ARRAY:
+        case Form::ROWS:
+            return Role::ELEMENT;
+        case Form::ENTRIES:
+            return Role::ENTRY;
+        case Form::MIXED: {
+            const std::vector<std::string>& except = around.plan->rule->except;
+            return std::find(except.begin(), except.end(), name_) != except.end() ? Role::MEMBER
+                                                                                  : Role::ENTRY;
+        }
+        default:
+            return Role::MEMBER;
+    }
+}
+
+const Reshaper::Plan& Reshaper::planOfNext(Role role) const {
+    return role == Role::ROOT ? rootPlan_ : role == Role::ELEMENT ? *frames_.back().plan : *next_;
+}
+
+bool Reshaper::leavesOut(Role role, bool container) const {
+    const Plan& plan = planOfNext(role);
+    if (role == Role::ROOT) {
+        return false;
+    }
+    if (role != Role::ELEMENT && plan.rule != nullptr && plan.rule->kind == ShapeRule::DROP) {
+        return true;
+    }
+    return !plan.inside && !(plan.above && container);
+}
+
+Reshaper::Form Reshaper::formOf(Role role, bool array) const {
+    if (role == Role::ELEMENT) {  // it has no rule of its own
+        return !array ? Form::OBJECT : frames_.back().form == Form::ROWS ? Form::ROWS : Form::ARRAY;
+    }
+    const ShapeRule* rule = planOfNext(role).rule;
+    const bool rows = rule != nullptr && rule->kind == ShapeRule::ROWS;
+    if (array) {
+        return rows ? Form::ROWS : Form::ARRAY;
+    }
+    if (rows) {
+        return rule->except.empty() ? Form::ENTRIES : Form::MIXED;
+    }
+    return rule != nullptr && rule->kind == ShapeRule::INLINE && role == Role::MEMBER
+               ? Form::INLINED
+               : Form::OBJECT;
+}
+
+void Reshaper::open(bool array) {
+    const Role role = roleOfNext();
+    if (leavesOut(role, true)) {
+        state_ = State::SKIPPING;
+        depth_ = 1;
+        return;
+    }
+    const Plan& plan = planOfNext(role);
+    if (role != Role::ELEMENT && plan.rule != nullptr && plan.rule->kind == ShapeRule::TEXT) {
+        state_ = State::WRITING;
+        depth_ = 1;
+        textPlace_ = eventPlace();
+        text_.clear();
+        text_.open(array);
+        return;
+    }
+    Frame frame = {&plan, formOf(role, array), false, false, 0, 0};
+    frame.wrapped = openAs(role, frame.form);
+    frame.around = static_cast<uint32_t>(prefixes_.size());
+    frame.prefix = frame.around;
+    if (frame.form == Form::INLINED) {
+        frame.prefix = frames_.back().prefix;
+        prefixes_.append(name_).append(1, '_');
+    }
+    frames_.push_back(frame);
+    const bool stays = frame.form == Form::OBJECT || frame.form == Form::ARRAY;
+    if (stays && plan.quiet && !dropsEmpty_) {
+        state_ = State::PASSING;
+        depth_ = 1;
+    }
+}
+
+// Opens a container of that form.  Returns whether an object was made around it, which ends with
+// it.
+bool Reshaper::openAs(Role role, Form form) {
+    const bool array = form != Form::OBJECT && form != Form::MIXED;  // what the engine sees
+    switch (role) {
+        case Role::ROOT:
+            emitOpen(array);
+            return false;
+        case Role::ELEMENT:
+            if (form == Form::ROWS) {
+                emitOpen(false);
+                emitMemberOpen(Shape::kValue, true);
+                return true;
+            }
+            emitOpen(array);
+            return false;
+        case Role::MEMBER:
+            if (nameSent_) {
+                nameSent_ = false;
+                emitOpen(array);
+            } else {
+                beginMember();
+                if (form != Form::INLINED) {
+                    emitMemberOpen(memberName(), array);
+                }
+            }
+            return false;
+        default:
+            beginEntry();
+            if (array) {
+                emitMemberOpen(Shape::kValue, true);
+            }
+            return array;
+    }
+}
+
+void Reshaper::close() {
+    Frame frame = frames_.back();
+    frames_.pop_back();
+    endRun(frame);
+    if (frame.form != Form::INLINED) {
+        emitClose(frame.form != Form::OBJECT && frame.form != Form::MIXED);
+    }
+    if (frame.wrapped) {
+        emitClose(false);
+    }
+    prefixes_.resize(frame.around);
+}
+
+// Puts a scalar, or what takes its place, where it belongs.
+template <class Emit>
+void Reshaper::put(Role role, Emit emit) {
+    switch (role) {
+        case Role::ROOT:
+            emit();
+            break;
+        case Role::ELEMENT:
+            if (frames_.back().form == Form::ROWS) {
+                emitOpen(false);
+                emitName(Shape::kValue);
+                emit();
+                emitClose(false);
+            } else {
+                content();
+                emit();
+            }
+            break;
+        case Role::MEMBER:
+            beginMember();
+            emitName(memberName());
+            emit();
+            break;
+        case Role::ENTRY:
+            beginEntry();
+            emitName(Shape::kValue);
+            emit();
+            emitClose(false);
+            break;
+    }
+}
+
+// The name of the member that comes, with what `inline` puts before it.
+std::string_view Reshaper::memberName() {
+    made_.assign(prefixes_, frames_.back().prefix).append(name_);
+    return made_;
+}
+
+void Reshaper::beginMember() {
+    endRun(frames_.back());
+}
+
+// Begins the object of an entry: {KEY: name, ...
+void Reshaper::beginEntry() {
+    Frame& object = frames_.back();
+    if (object.form == Form::MIXED && !object.inRun) {
+        emitName(Shape::kRows);
+        emitOpen(true);
+        object.inRun = true;
+    }
+    emitOpen(false);
+    emitName(object.plan->rule->key);
+    emitString(name_, namePlace_);
+    ++counts_.names;
+}
+
+void Reshaper::endRun(Frame& frame) {
+    if (frame.inRun) {
+        frame.inRun = false;
+        emitClose(true);
+    }
+}
+
+// ---- Events for the engine ----------------------------------------------------------------------
+
+// Something comes that is no empty container: what waits for it begins now.
+void Reshaper::content() {
+    for (const Waiting& member : waiting_) {
+        check(engine_->string(engine_, bytesOf(member.name),
+                              static_cast<QVStrSize>(member.name.size()), JSN_MEMBERNAME));
+        check(member.array ? engine_->arrayStart(engine_) : engine_->objectStart(engine_));
+    }
+    waiting_.clear();
+}
+
+void Reshaper::emitName(std::string_view name) {
+    content();
+    check(engine_->string(engine_, bytesOf(name), static_cast<QVStrSize>(name.size()),
+                          JSN_MEMBERNAME));
+}
+
+void Reshaper::emitString(std::string_view text, const EventPlace& place) {
+    place_ = &place;
+    const QVStatus status =
+        engine_->string(engine_, bytesOf(text), static_cast<QVStrSize>(text.size()), JSN_VALUE);
+    place_ = nullptr;
+    check(status);
+}
+
+void Reshaper::emitOpen(bool array) {
+    content();
+    check(array ? engine_->arrayStart(engine_) : engine_->objectStart(engine_));
+}
+
+void Reshaper::emitMemberOpen(std::string_view name, bool array) {
+    if (dropsEmpty_) {
+        waiting_.push_back({std::string(name), array});
+    } else {
+        emitName(name);
+        emitOpen(array);
+    }
+}
+
+void Reshaper::emitClose(bool array) {
+    if (!waiting_.empty()) {  // the innermost container: nothing was in it
+        waiting_.pop_back();
+        ++counts_.emptyLeftOut;
+        return;
+    }
+    check(array ? engine_->arrayEnd(engine_) : engine_->objectEnd(engine_));
+}
+
+}  // namespace qvej
