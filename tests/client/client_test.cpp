@@ -5,6 +5,7 @@
 #include "client/error.h"
 #include "client/table_pass.h"
 #include "core/context.h"
+#include "tests/client/read_document.h"
 
 #include <gtest/gtest.h>
 
@@ -16,6 +17,7 @@
 
 namespace {
 
+using jmap::test::ReadDocument;
 using qvej::Cell;
 
 TEST(Client, AnEngineIsOfTheVersionOfItsHeaders) {
@@ -142,12 +144,9 @@ TEST(Client, AColumnOfKindsThatWereLostIsOfNone) {
 }
 
 TEST(Client, CursorsStandBesideEachOtherEndAndRewind) {
-    qvej::Engine engine;
-    qvej::Document document(engine);
-    document.feed(R"({"a":[{"x":7},{"x":null}],"b":[{"y":"v "},{"y":4}]})");
-    document.finish();
-    qvej::Cursor a(document, document.tables()[0]);
-    qvej::Cursor b(document, document.tables()[1]);
+    const ReadDocument read(R"({"a":[{"x":7},{"x":null}],"b":[{"y":"v "},{"y":4}]})");
+    qvej::Cursor a(read.document, *read.tables()[0]);
+    qvej::Cursor b(read.document, *read.tables()[1]);
     ASSERT_TRUE(a.next() && b.next() && a.next());
     EXPECT_EQ(rowOf(a), "|1|2|~");
     EXPECT_EQ(rowOf(b), "|1|1|v");
@@ -250,10 +249,8 @@ TEST(Client, NothingGoesOnAfterABlockThatCannotBeLoaded) {
         text +=
             R"(,{"name":"some text that makes records long","number":)" + std::to_string(i) + "}";
     }
-    qvej::Engine engine;
-    qvej::Document document(engine, {.compress = true});
-    document.feed(text + "]");
-    document.finish();
+    const ReadDocument read(text + "]", {.compress = true});
+    const qvej::Document& document = read.document;
     const FailingInflate inflate(document);
     const uint64_t blocks = document.totals().blocks;
     ASSERT_GT(blocks, 3U);

@@ -1,8 +1,9 @@
 // Texts in any encoding on their way to UTF-8, and the columns they had.
 #include "client/input/recoder.h"
 
+#include "tests/client/in_encoding.h"
+
 #include <gtest/gtest.h>
-#include <unicode/ucnv.h>
 
 #include <string>
 #include <vector>
@@ -10,18 +11,8 @@
 namespace {
 
 using namespace std::string_literals;
+using jmap::test::inEncoding;
 using Invalid = qvej::Recoder::Invalid;
-
-std::string inEncoding(const std::string& utf8, const std::string& encoding) {
-    std::string text(utf8.size() * 8 + 16, '\0');
-    UErrorCode status = U_ZERO_ERROR;
-    const auto room = static_cast<int32_t>(text.size());
-    const int32_t size = ucnv_convert(encoding.c_str(), "UTF-8", text.data(), room, utf8.data(),
-                                      static_cast<int32_t>(utf8.size()), &status);
-    EXPECT_TRUE(U_SUCCESS(status)) << encoding;
-    text.resize(static_cast<std::size_t>(size));
-    return text;
-}
 
 struct Recoded {
     std::string text;
