@@ -157,38 +157,5 @@ TEST(TablePass, ColumnsOfOtherPlacesTakeTheirValuesAtAnyTime) {
     EXPECT_EQ("o x\nt 2|z|*x|~\n", rowsOfPass(scan, &hand.map));
 }
 
-TEST(TablePass, AFailureEndsIt) {
-    const Scan scan(RandomDocument(0, kNames, 30'000).text(80), {.compress = true});
-    COMPPATHS* const last = scan.p()->ctail;
-    ASSERT_NE(scan.p()->chead, last);
-    DSINFO* const table = scan.p()->alldataDs;
-    std::string garbage(static_cast<size_t>(last->bufLen), '\xFF');
-    const auto run = [&](uint64_t failing) {
-        scan.host().failAllocation(failing);
-        JMAPPassh pass = nullptr;
-        JMAPPassItem item = {};
-        QVStatus rc = jmapPassOpen(scan.doc(), &table, 1, QVEJMAP_RETAIN, &pass);
-        while (rc == QV_OK) {
-            rc = jmapPassNext(pass, &item);
-        }
-        scan.host().failAllocation(0);
-        if (pass != nullptr) {
-            EXPECT_QV(rc, jmapPassNext(pass, &item)) << "also later";
-            EXPECT_QV_OK(jmapPassClose(pass));
-        }
-        return rc;
-    };
-    const uint64_t before = scan.host().requests();
-    EXPECT_QV(QV_EOF, run(0));
-    const uint64_t requests = scan.host().requests() - before;
-    for (uint64_t n = 1; n <= requests; ++n) {
-        EXPECT_QV(QV_NOMEM, run(n)) << n;
-    }
-    char* const kept = std::exchange(last->buf, garbage.data());
-    EXPECT_QV(QV_NOMEM, run(0));
-    last->buf = kept;
-    EXPECT_EQ(joined(scan.host().leftovers()).find("qvejmap pass"), std::string::npos);
-}
-
 }  // namespace
 }  // namespace jmap::test
