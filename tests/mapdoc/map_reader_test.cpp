@@ -152,13 +152,6 @@ TEST(MapReader, CarriesResultsOfOneMapIntoTheNext) {
     EXPECT_EQ(view(first->dshead->name, first->dshead->nameLen), "t");
 }
 
-TEST(MapReader, OnlyReadsTheCallersBuffer) {
-    const std::string map = R"({"datasets":[{"dsname":"t","tablepath":"/root"}]})";
-    const std::string copy(map.data(), map.size());
-    EXPECT_QV_OK(Scan("{}").readMap(map));
-    EXPECT_EQ(copy, map);
-}
-
 TEST(MapReader, TreatsEachAnswerOfTheParser) {
     static QVStatus answer;
     const Scan scan("{}", {.debug = ",LEVEL,"});
