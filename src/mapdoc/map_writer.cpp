@@ -1,6 +1,6 @@
 // The automatic map as a JSON document.
 //
-// Tested by tests/mapdoc/map_writer_test.cpp and tests/tool/golden/map.t
+// Tested by tests/mapdoc/map_writer_test.cpp
 #include "map_writer.h"
 
 #include "automap/path_parts.h"

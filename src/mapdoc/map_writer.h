@@ -8,7 +8,7 @@
 //
 // CURRENT_LENGTH is there for character columns only.  The document is compact: no blanks.
 //
-// Tested by tests/mapdoc/map_writer_test.cpp and tests/tool/golden/map.t
+// Tested by tests/mapdoc/map_writer_test.cpp
 #pragma once
 
 #include "core/context.h"

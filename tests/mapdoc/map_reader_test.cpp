@@ -64,6 +64,9 @@ TEST(MapReader, TakesEveryPropertyInAnySplit) {
             columns += columnText(&column) + "\n";
         }
         EXPECT_EQ(columns, kFullMapColumns);
+        JMAPTableInfo table{};
+        jmapTableInfo(scan.p()->usermap->dshead, &table);
+        EXPECT_EQ(table.columnCount, 5);
         const std::vector<std::string>& notes = scan.host().notes;
         EXPECT_EQ(notes.front(), "USER MAP DUMP");
         EXPECT_EQ(notes[1], " dataset     [A table name of more than thirty] 5 variables");
