@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <set>
@@ -45,26 +46,37 @@ std::string rowOf(const qvej::Cursor& cursor) {
     return text;
 }
 
-// Tables, columns and counts of a document, or why there are none.
-std::string shapeOf(qvej::Engine& engine, const std::string& text, uint64_t failing) {
-    std::string shape;
+// What `look` sees of a document that is fed in pieces of `size` bytes, the `failing`-th request
+// for memory failing, or why it did not finish.
+template <class Look>
+std::string seen(qvej::Engine& engine, std::string_view text, std::size_t size, uint64_t failing,
+                 const Look& look) {
+    std::string found;
     try {
         qvej::Document document(engine);
         qvPortableFailAllocation(engine.host(), failing, 0);
-        document.feed(text);
-        document.finish();
-        qvPortableFailAllocation(engine.host(), 0, 0);
-        for (const qvej::Table& table : document.tables()) {
-            shape += table.name + ":";
-            for (const qvej::Column& column : table.columns) {
-                shape += " " + column.name;
-            }
-            shape += "\n";
+        for (; !text.empty(); text.remove_prefix(std::min(size, text.size()))) {
+            document.feed(text.substr(0, size));
         }
+        document.finish();
+        found = look(document);
     } catch (const qvej::Error& error) {
-        shape = error.what();
+        found = error.what();
     }
     qvPortableFailAllocation(engine.host(), 0, 0);
+    return found;
+}
+
+// Tables and columns.
+std::string shapeOf(const qvej::Document& document) {
+    std::string shape;
+    for (const qvej::Table& table : document.tables()) {
+        shape += table.name + ":";
+        for (const qvej::Column& column : table.columns) {
+            shape += " " + column.name;
+        }
+        shape += "\n";
+    }
     return shape;
 }
 
@@ -76,11 +88,11 @@ TEST(Client, ADocumentThatFinishesIsWhole) {
     }
     text += R"(},"rows":[{"c1":1,"rows":{"v":true}},{"c2":"x"}]})";
     qvej::Engine engine;
-    const std::string whole = shapeOf(engine, text, 0);
+    const std::string whole = seen(engine, text, text.size(), 0, shapeOf);
     std::map<std::string, int> failures;
     uint64_t failing = 1;
     for (int wholeInTurn = 0; wholeInTurn < 40; ++failing) {  // none is left to fail
-        const std::string shape = shapeOf(engine, text, failing);
+        const std::string shape = seen(engine, text, text.size(), failing, shapeOf);
         wholeInTurn = shape == whole ? wholeInTurn + 1 : 0;
         failures[shape] += 1;
     }
@@ -91,43 +103,30 @@ TEST(Client, ADocumentThatFinishesIsWhole) {
     EXPECT_EQ(failures.size(), 5U) << "besides: some number of tables is missing";
 }
 
-// What the column "v" of the table "root" has; "" for a document that did not finish.
-std::string kindOf(qvej::Engine& engine, const std::string& values, uint64_t failing = 0) {
+// Which values the last column of the first table has, after its ordinals.
+std::string kindOf(const qvej::Document& document) {
     constexpr const char* kNames[] = {"BOOLEAN", "INTEGER", "DOUBLE", "TEXT", "MIXED"};
-    std::string kind;
-    try {
-        qvej::Document document(engine);
-        qvPortableFailAllocation(engine.host(), failing, 0);
-        for (const char value : "[" + values) {
-            document.feed(value == '?' ? R"({"v":)" : std::string(1, value));
-        }
-        document.feed("]");
-        document.finish();
-        const qvej::Columns& columns = document.tables().at(0).columns;
-        EXPECT_EQ(columns[0].logicalType, qvej::LogicalType::INTEGER);
-        kind = kNames[static_cast<std::size_t>(columns[columns.size() - 1].logicalType)];
-    } catch (const qvej::Error&) {
-    }
-    qvPortableFailAllocation(engine.host(), 0, 0);
-    return kind;
+    const qvej::Columns& columns = document.tables().at(0).columns;
+    EXPECT_EQ(columns[0].logicalType, qvej::LogicalType::INTEGER);
+    return kNames[static_cast<std::size_t>(columns[columns.size() - 1].logicalType)];
 }
 
 TEST(Client, AColumnIsOfTheKindOfItsValues) {
     const struct {
-        const char *values, *kind;
+        const char *text, *kind;
     } cases[] = {
-        {"?true},?false},?null}", "BOOLEAN"},
-        {"?null}", "DOUBLE"},
-        {"?1},?null},?2.5}", "DOUBLE"},
-        {"?\"\"},?null}", "TEXT"},
-        {"?true},?1}", "MIXED"},
-        {"?1},?true}", "MIXED"},
-        {"?true},?\"true\"}", "MIXED"},
-        {"?1},?\"1\"}", "MIXED"},
+        {R"([{"v":true},{"v":false},{"v":null}])", "BOOLEAN"},
+        {R"([{"v":null}])", "DOUBLE"},
+        {R"([{"v":1},{"v":null},{"v":2.5}])", "DOUBLE"},
+        {R"([{"v":""},{"v":null}])", "TEXT"},
+        {R"([{"v":true},{"v":1}])", "MIXED"},
+        {R"([{"v":1},{"v":true}])", "MIXED"},
+        {R"([{"v":true},{"v":"true"}])", "MIXED"},
+        {R"([{"v":1},{"v":"1"}])", "MIXED"},
     };
     qvej::Engine engine;
     for (const auto& c : cases) {
-        EXPECT_EQ(kindOf(engine, c.values), c.kind) << c.values;
+        EXPECT_EQ(seen(engine, c.text, 1, 0, kindOf), c.kind) << c.text;
     }
 }
 
@@ -136,7 +135,7 @@ TEST(Client, AColumnOfKindsThatWereLostIsOfNone) {
     qvej::Engine engine;
     std::map<std::string, int> kinds;
     for (uint64_t failing = 1; failing < 200; ++failing) {
-        ++kinds[kindOf(engine, "?true},?1},?true}", failing)];
+        ++kinds[seen(engine, R"([{"v":true},{"v":1},{"v":true}])", 1, failing, kindOf)];
     }
     EXPECT_EQ(kinds["BOOLEAN"], 0);
     EXPECT_GT(kinds["DOUBLE"], 0);
