@@ -5,6 +5,7 @@
 #include "client/error.h"
 #include "client/table_pass.h"
 #include "core/context.h"
+#include "core/list.h"
 #include "tests/client/read_document.h"
 
 #include <gtest/gtest.h>
@@ -206,7 +207,8 @@ struct Walk {
     uint64_t steps = 0;
     std::vector<QVStatus> failures;
 
-    explicit Walk(const std::function<bool()>& next) {
+    explicit Walk(
+        const std::function<bool()>& next, const std::function<void()>& onFailure = [] {}) {
         while (failures.size() < 3) {
             try {
                 if (!next()) {
@@ -215,32 +217,13 @@ struct Walk {
                 ++steps;
             } catch (const qvej::Error& error) {
                 failures.push_back(error.status());
+                onFailure();
             }
         }
     }
 };
 
-// The n-th inflating from now on fails, once; 0: none.
-class FailingInflate {
-   public:
-    explicit FailingInflate(const qvej::Document& document)
-        : zlib_(jmap::contextOf(document.handle())->zlibh) {
-        whole = std::exchange(zlib_->inflate, [](QVZStream* z, int flush) {
-            return --failing == 0 ? -1 : whole(z, flush);
-        });
-    }
-    ~FailingInflate() { zlib_->inflate = whole; }
-    FailingInflate(const FailingInflate&) = delete;
-    FailingInflate& operator=(const FailingInflate&) = delete;
-
-    static inline uint64_t failing = 0;
-
-   private:
-    static inline decltype(QVZLIB::inflate) whole = nullptr;
-    QVZLIBh zlib_;
-};
-
-// Whichever of the blocks does not inflate, what follows it does not come as if nothing were
+// Whichever of the blocks does not inflate, once, what follows it does not come as if nothing were
 // missing.
 TEST(Client, NothingGoesOnAfterABlockThatCannotBeLoaded) {
     std::string text = "[{}";
@@ -250,23 +233,20 @@ TEST(Client, NothingGoesOnAfterABlockThatCannotBeLoaded) {
     }
     const ReadDocument read(text + "]", {.compress = true});
     const qvej::Document& document = read.document;
-    const FailingInflate inflate(document);
-    const uint64_t blocks = document.totals().blocks;
-    ASSERT_GT(blocks, 3U);
-    const qvej::Table& table = document.tables()[0];
-    const std::vector<QVStatus> thrice(3, QV_NOMEM);
-    for (uint64_t n = 0; n <= blocks; ++n) {
-        SCOPED_TRACE(n);
+    ASSERT_GT(document.totals().blocks, 3U);
+    const qvej::Table& table = *read.tables()[0];
+    std::string garbage(1 << 20, '\xFF');
+    for (COMPPATHS& block : jmap::each(jmap::contextOf(document.handle())->chead)) {
         qvej::Cursor cursor(document, table);
         qvej::RecordCursor records(document);
         qvej::TablePass pass(document, {&table});
         qvej::Record record = {};
         qvej::PassItem item = {};
         const auto walk = [&](const std::function<bool()>& next, uint64_t whole) {
-            FailingInflate::failing = n;
-            const Walk steps(next);
-            EXPECT_EQ(steps.failures, n == 0 ? std::vector<QVStatus>() : thrice);
-            EXPECT_TRUE(n == 0 ? steps.steps == whole : steps.steps < whole);
+            char* const kept = std::exchange(block.buf, garbage.data());
+            const Walk walked(next, [&] { block.buf = kept; });
+            EXPECT_EQ(walked.failures, std::vector<QVStatus>(3, QV_NOMEM));
+            EXPECT_LT(walked.steps, whole);
         };
         walk([&] { return cursor.next(); }, 40'000);
         walk([&] { return records.next(record); }, document.totals().records);
