@@ -225,6 +225,7 @@ uint64_t valuesOfOthers(const std::string& text, bool retain) {
         const qvej::Table& table = *tables[item.table];
         for (std::size_t i = 0; i < item.cells.size(); ++i) {
             const qvej::PassCell& cell = item.cells[i];
+            EXPECT_TRUE(cell.fresh != 0 || cell.strayed == 0) << "of an earlier row";
             if (cell.fresh == 0 || table.columns[i].type == qvej::ColumnType::ORDINAL) {
                 continue;
             }
