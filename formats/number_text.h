@@ -1,6 +1,6 @@
 // Numbers as text.
 //
-// Tested by tests/formats/number_text_test.cpp
+// Tested by tests/formats/number_text_test.cpp and tests/tool/golden/formats.t
 #pragma once
 
 #include "formats/short_text.h"

@@ -11,7 +11,6 @@
 #include "kit/input.h"
 #include "kit/require.h"
 
-#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <memory>
@@ -195,16 +194,6 @@ void checkWayBack(const Choice& choice, double value) {
 
 // ---- The two sides ------------------------------------------------------------------------------
 
-// A JSON number is read with the nearest double, whatever the informat does beyond that.
-void checkNearest(std::string_view text, double value) {
-    double nearest = 0;
-    const char* const end = text.data() + text.size();
-    const auto [at, error] = std::from_chars(text.data(), end, nearest);
-    if (at == end && error == std::errc()) {
-        require(nearest == value, "the nearest double");
-    }
-}
-
 std::string readText(QVInformat* informat, std::string_view text) {
     const char* out = nullptr;
     QVStrSize outLen = 0;
@@ -234,9 +223,6 @@ void checkInformat(Input& input) {
         return;
     }
     require(inRange(choice.name, *value), "a value in the range of the informat");
-    if (choice.name == "number" && choice.width == 0 && choice.decimals == 0) {
-        checkNearest(text, *value);
-    }
     checkWayBack(choice, *value);
 }
 

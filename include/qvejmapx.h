@@ -15,7 +15,7 @@
  * does. Routines that are only added do not change it.  A program is compiled and linked with one
  *   release; it compares the macro with jmapVersion() before the first call.
  *
- * Tested by tests/frame/qvejmapx_test.cpp and tests/frame/equality_test.cpp
+ * Tested by tests/frame/equality_test.cpp and tests/frame/fault_sweep_test.cpp
  */
 #ifndef QVEJMAPX_H
 #define QVEJMAPX_H

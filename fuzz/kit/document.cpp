@@ -16,24 +16,6 @@ std::string cutText(const char* text, QVStrSize textLen) {
     return quoted(wholeText(textOf(text, textLen)));
 }
 
-std::string formatText(const JMAPFormat& format) {
-    return cutText(format.name, format.nameLen) + " " + number(format.width) +
-           number(format.decimals);
-}
-
-std::string columnText(JMAPColumnh column) {
-    JMAPColumnInfo info;
-    jmapColumnInfo(column, &info);
-    return "  " + quoted(textOf(info.name, info.nameLen)) + " " +
-           (info.pathLen == 0 ? "no path" : quoted(pathOf(jmapColumnPath, column, info.pathLen))) +
-           " type " + number(info.type) + number(info.length) + "label " +
-           cutText(info.label, info.labelLen) + " format " + formatText(info.format) + "informat " +
-           formatText(info.informat) + number(info.informatNoError) + "retain " +
-           number(info.retain) + number(info.noretain) + "settled " +
-           number(info.lengthFromAutomap) + number(info.truncation) + number(info.currentLength) +
-           "\n";
-}
-
 }  // namespace
 
 std::string_view wholeText(std::string_view text) {
@@ -67,24 +49,6 @@ std::string errorText(QVStatus status, const ERRORINFO& e) {
            number(e.line) + number(e.col) + cutText(e.badstring, e.badstringLen) + " " +
            cutText(e.novardsname, e.novardsnameLen) + " " + number(e.novarCount) +
            number(e.ordNoretain) + "\n";
-}
-
-std::string mapText(QVMemPtr map) {
-    std::string text;
-    JMAPTableh table = nullptr;
-    while (jmapNextTable(map, &table) == QV_OK) {
-        JMAPTableInfo info;
-        jmapTableInfo(table, &info);
-        text += cutText(info.name, info.nameLen) + " " +
-                (info.tablePathLen == 0 ? "no path"
-                                        : quoted(pathOf(jmapTablePath, table, info.tablePathLen))) +
-                " " + number(info.columnCount) + "\n";
-        JMAPColumnh column = nullptr;
-        while (jmapNextColumn(table, &column) == QV_OK) {
-            text += columnText(column);
-        }
-    }
-    return text;
 }
 
 Document::Document(std::string_view json, const ScanWay& way)

@@ -49,9 +49,6 @@ class Document {
 // Status, place, token, and what else the last buffer of a map tells, in a line.
 std::string errorText(QVStatus status, const ERRORINFO& e);
 
-// Every table and column with all that is known of them, a line each.  Texts are quoted as in JSON.
-std::string mapText(QVMemPtr map);
-
 // The text without the first bytes of a character at its end, which a text has that was cut at a
 // limit, and which JSON cannot hold.
 std::string_view wholeText(std::string_view text);

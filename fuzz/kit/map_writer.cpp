@@ -66,4 +66,18 @@ std::string writtenMap(QVMemPtr map) {
     return text + "]}";
 }
 
+std::string mapText(QVMemPtr map) {
+    std::string text = writtenMap(map);
+    for (JMAPTableh table = nullptr; jmapNextTable(map, &table) == QV_OK;) {
+        for (JMAPColumnh column = nullptr; jmapNextColumn(table, &column) == QV_OK;) {
+            JMAPColumnInfo info;
+            jmapColumnInfo(column, &info);
+            text += "\n" + std::to_string(info.length) + " " + std::to_string(info.currentLength) +
+                    (info.lengthFromAutomap != 0 ? " settled" : "") +
+                    (info.truncation != 0 ? " cut" : "");
+        }
+    }
+    return text;
+}
+
 }  // namespace jmap::fuzz

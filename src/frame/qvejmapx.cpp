@@ -1,6 +1,6 @@
 // The routines of qvejmapx.h.  Most only call other parts of the engine.
 //
-// Tested by tests/frame/qvejmapx_test.cpp and tests/frame/equality_test.cpp
+// Tested by tests/frame/equality_test.cpp and tests/frame/fault_sweep_test.cpp
 #include "qvejmapx.h"
 
 #include "automap/path_parts.h"

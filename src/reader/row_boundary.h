@@ -13,7 +13,7 @@
 //     the same                    FIRST          AGAIN          ends the row
 //     the same, row still empty   FIRST          AGAIN_EMPTY
 //
-// Tested by tests/reader/row_loop_test.cpp
+// Tested by tests/reader/row_loop_test.cpp and tests/tool/golden/map_use.t
 #pragma once
 
 #include "core/text.h"

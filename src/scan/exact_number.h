@@ -5,7 +5,7 @@
 // is not kept either.  Nor is 1152921504606846976, although it is a double exactly, 2^60: a program
 // that prints this double prints 1152921504606847000.
 //
-// Tested by tests/scan/exact_number_test.cpp
+// Tested by tests/scan/exact_number_test.cpp and tests/tool/golden/tables.t
 #pragma once
 
 #include "qvehost.h"

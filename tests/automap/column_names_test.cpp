@@ -28,18 +28,27 @@ Names columnNames(const Names& members) {
     return namesOf(Scan(json + "}", {.ordinals = 0}).p()->automap->dshead->vhead);
 }
 
-// The names that they get when the list of columns is looked through each time.
-Names namedByList(const Names& members) {
-    HandDocument doc;
-    DSINFO ds{};
-    for (const std::string& member : members) {
+// A table whose columns are made one by one.
+struct HandTable {
+    void add(const std::string& member, const COLUMNNAMES& index) {
         auto* column = poolNew<VARINFO>(doc.p.cpool);
         column->name = poolBytes(doc.p.cpool, kNameMax);
         column->nameLen = static_cast<QVStrSize>(member.copy(column->name, kNameMax));
-        EXPECT_QV_OK(makeZULVariable(&doc.p, column->name, &column->nameLen, ds.vhead, {}));
+        EXPECT_QV_OK(makeZULVariable(&doc.p, column->name, &column->nameLen, ds.vhead, index));
         append(ds.vhead, ds.vtail, column);
+        ++ds.varcount;
     }
-    return namesOf(ds.vhead);
+    HandDocument doc;
+    DSINFO ds{};
+};
+
+// The names that they get when the list of columns is looked through each time.
+Names namedByList(const Names& members) {
+    HandTable table;
+    for (const std::string& member : members) {
+        table.add(member, {});
+    }
+    return namesOf(table.ds.vhead);
 }
 
 // A long table has an index, which must change no name.
@@ -60,17 +69,11 @@ TEST(ColumnNames, OfALongTableAreThoseOfTheList) {
 
 // Names that collide under a known hash must not make the index a list.
 TEST(ColumnNames, ThatWereChosenAreFoundNearTheirPlaces) {
-    HandDocument doc;
-    DSINFO ds{};
+    HandTable table;
     COLUMNNAMES names{};
     for (const std::string& member : chosenNames(1000)) {
-        auto* column = poolNew<VARINFO>(doc.p.cpool);
-        column->name = poolBytes(doc.p.cpool, kNameMax);
-        column->nameLen = static_cast<QVStrSize>(member.copy(column->name, kNameMax));
-        ASSERT_QV_OK(makeZULVariable(&doc.p, column->name, &column->nameLen, ds.vhead, names));
-        append(ds.vhead, ds.vtail, column);
-        ++ds.varcount;
-        indexLastColumn(&doc.p, &ds, names);
+        table.add(member, names);
+        indexLastColumn(&table.doc.p, &table.ds, names);
     }
     uint64_t steps = 0;  // from the place of each hash to that of its name
     for (uint64_t i = 0; i < names.size; ++i) {
@@ -78,7 +81,7 @@ TEST(ColumnNames, ThatWereChosenAreFoundNearTheirPlaces) {
     }
     EXPECT_EQ(names.count, 1000U);
     EXPECT_LT(steps, 5 * names.count);  // one half each is to be expected
-    endColumnNames(&doc.p, names);
+    endColumnNames(&table.doc.p, names);
 }
 
 }  // namespace

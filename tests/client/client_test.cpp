@@ -5,9 +5,12 @@
 #include "client/error.h"
 #include "client/table_pass.h"
 #include "core/context.h"
+#include "core/list.h"
+#include "tests/client/read_document.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <set>
@@ -16,6 +19,7 @@
 
 namespace {
 
+using jmap::test::ReadDocument;
 using qvej::Cell;
 
 TEST(Client, AnEngineIsOfTheVersionOfItsHeaders) {
@@ -43,26 +47,37 @@ std::string rowOf(const qvej::Cursor& cursor) {
     return text;
 }
 
-// Tables, columns and counts of a document, or why there are none.
-std::string shapeOf(qvej::Engine& engine, const std::string& text, uint64_t failing) {
-    std::string shape;
+// What `look` sees of a document that is fed in pieces of `size` bytes, the `failing`-th request
+// for memory failing, or why it did not finish.
+template <class Look>
+std::string seen(qvej::Engine& engine, std::string_view text, std::size_t size, uint64_t failing,
+                 const Look& look) {
+    std::string found;
     try {
         qvej::Document document(engine);
         qvPortableFailAllocation(engine.host(), failing, 0);
-        document.feed(text);
-        document.finish();
-        qvPortableFailAllocation(engine.host(), 0, 0);
-        for (const qvej::Table& table : document.tables()) {
-            shape += table.name + ":";
-            for (const qvej::Column& column : table.columns) {
-                shape += " " + column.name;
-            }
-            shape += "\n";
+        for (; !text.empty(); text.remove_prefix(std::min(size, text.size()))) {
+            document.feed(text.substr(0, size));
         }
+        document.finish();
+        found = look(document);
     } catch (const qvej::Error& error) {
-        shape = error.what();
+        found = error.what();
     }
     qvPortableFailAllocation(engine.host(), 0, 0);
+    return found;
+}
+
+// Tables and columns.
+std::string shapeOf(const qvej::Document& document) {
+    std::string shape;
+    for (const qvej::Table& table : document.tables()) {
+        shape += table.name + ":";
+        for (const qvej::Column& column : table.columns) {
+            shape += " " + column.name;
+        }
+        shape += "\n";
+    }
     return shape;
 }
 
@@ -74,11 +89,11 @@ TEST(Client, ADocumentThatFinishesIsWhole) {
     }
     text += R"(},"rows":[{"c1":1,"rows":{"v":true}},{"c2":"x"}]})";
     qvej::Engine engine;
-    const std::string whole = shapeOf(engine, text, 0);
+    const std::string whole = seen(engine, text, text.size(), 0, shapeOf);
     std::map<std::string, int> failures;
     uint64_t failing = 1;
     for (int wholeInTurn = 0; wholeInTurn < 40; ++failing) {  // none is left to fail
-        const std::string shape = shapeOf(engine, text, failing);
+        const std::string shape = seen(engine, text, text.size(), failing, shapeOf);
         wholeInTurn = shape == whole ? wholeInTurn + 1 : 0;
         failures[shape] += 1;
     }
@@ -89,43 +104,30 @@ TEST(Client, ADocumentThatFinishesIsWhole) {
     EXPECT_EQ(failures.size(), 5U) << "besides: some number of tables is missing";
 }
 
-// What the column "v" of the table "root" has; "" for a document that did not finish.
-std::string kindOf(qvej::Engine& engine, const std::string& values, uint64_t failing = 0) {
+// Which values the last column of the first table has, after its ordinals.
+std::string kindOf(const qvej::Document& document) {
     constexpr const char* kNames[] = {"BOOLEAN", "INTEGER", "DOUBLE", "TEXT", "MIXED"};
-    std::string kind;
-    try {
-        qvej::Document document(engine);
-        qvPortableFailAllocation(engine.host(), failing, 0);
-        for (const char value : "[" + values) {
-            document.feed(value == '?' ? R"({"v":)" : std::string(1, value));
-        }
-        document.feed("]");
-        document.finish();
-        const qvej::Columns& columns = document.tables().at(0).columns;
-        EXPECT_EQ(columns[0].logicalType, qvej::LogicalType::INTEGER);
-        kind = kNames[static_cast<std::size_t>(columns[columns.size() - 1].logicalType)];
-    } catch (const qvej::Error&) {
-    }
-    qvPortableFailAllocation(engine.host(), 0, 0);
-    return kind;
+    const qvej::Columns& columns = document.tables().at(0).columns;
+    EXPECT_EQ(columns[0].logicalType, qvej::LogicalType::INTEGER);
+    return kNames[static_cast<std::size_t>(columns[columns.size() - 1].logicalType)];
 }
 
 TEST(Client, AColumnIsOfTheKindOfItsValues) {
     const struct {
-        const char *values, *kind;
+        const char *text, *kind;
     } cases[] = {
-        {"?true},?false},?null}", "BOOLEAN"},
-        {"?null}", "DOUBLE"},
-        {"?1},?null},?2.5}", "DOUBLE"},
-        {"?\"\"},?null}", "TEXT"},
-        {"?true},?1}", "MIXED"},
-        {"?1},?true}", "MIXED"},
-        {"?true},?\"true\"}", "MIXED"},
-        {"?1},?\"1\"}", "MIXED"},
+        {R"([{"v":true},{"v":false},{"v":null}])", "BOOLEAN"},
+        {R"([{"v":null}])", "DOUBLE"},
+        {R"([{"v":1},{"v":null},{"v":2.5}])", "DOUBLE"},
+        {R"([{"v":""},{"v":null}])", "TEXT"},
+        {R"([{"v":true},{"v":1}])", "MIXED"},
+        {R"([{"v":1},{"v":true}])", "MIXED"},
+        {R"([{"v":true},{"v":"true"}])", "MIXED"},
+        {R"([{"v":1},{"v":"1"}])", "MIXED"},
     };
     qvej::Engine engine;
     for (const auto& c : cases) {
-        EXPECT_EQ(kindOf(engine, c.values), c.kind) << c.values;
+        EXPECT_EQ(seen(engine, c.text, 1, 0, kindOf), c.kind) << c.text;
     }
 }
 
@@ -134,7 +136,7 @@ TEST(Client, AColumnOfKindsThatWereLostIsOfNone) {
     qvej::Engine engine;
     std::map<std::string, int> kinds;
     for (uint64_t failing = 1; failing < 200; ++failing) {
-        ++kinds[kindOf(engine, "?true},?1},?true}", failing)];
+        ++kinds[seen(engine, R"([{"v":true},{"v":1},{"v":true}])", 1, failing, kindOf)];
     }
     EXPECT_EQ(kinds["BOOLEAN"], 0);
     EXPECT_GT(kinds["DOUBLE"], 0);
@@ -142,12 +144,9 @@ TEST(Client, AColumnOfKindsThatWereLostIsOfNone) {
 }
 
 TEST(Client, CursorsStandBesideEachOtherEndAndRewind) {
-    qvej::Engine engine;
-    qvej::Document document(engine);
-    document.feed(R"({"a":[{"x":7},{"x":null}],"b":[{"y":"v "},{"y":4}]})");
-    document.finish();
-    qvej::Cursor a(document, document.tables()[0]);
-    qvej::Cursor b(document, document.tables()[1]);
+    const ReadDocument read(R"({"a":[{"x":7},{"x":null}],"b":[{"y":"v "},{"y":4}]})");
+    qvej::Cursor a(read.document, *read.tables()[0]);
+    qvej::Cursor b(read.document, *read.tables()[1]);
     ASSERT_TRUE(a.next() && b.next() && a.next());
     EXPECT_EQ(rowOf(a), "|1|2|~");
     EXPECT_EQ(rowOf(b), "|1|1|v");
@@ -208,7 +207,8 @@ struct Walk {
     uint64_t steps = 0;
     std::vector<QVStatus> failures;
 
-    explicit Walk(const std::function<bool()>& next) {
+    explicit Walk(
+        const std::function<bool()>& next, const std::function<void()>& onFailure = [] {}) {
         while (failures.size() < 3) {
             try {
                 if (!next()) {
@@ -217,32 +217,13 @@ struct Walk {
                 ++steps;
             } catch (const qvej::Error& error) {
                 failures.push_back(error.status());
+                onFailure();
             }
         }
     }
 };
 
-// The n-th inflating from now on fails, once; 0: none.
-class FailingInflate {
-   public:
-    explicit FailingInflate(const qvej::Document& document)
-        : zlib_(jmap::contextOf(document.handle())->zlibh) {
-        whole = std::exchange(zlib_->inflate, [](QVZStream* z, int flush) {
-            return --failing == 0 ? -1 : whole(z, flush);
-        });
-    }
-    ~FailingInflate() { zlib_->inflate = whole; }
-    FailingInflate(const FailingInflate&) = delete;
-    FailingInflate& operator=(const FailingInflate&) = delete;
-
-    static inline uint64_t failing = 0;
-
-   private:
-    static inline decltype(QVZLIB::inflate) whole = nullptr;
-    QVZLIBh zlib_;
-};
-
-// Whichever of the blocks does not inflate, what follows it does not come as if nothing were
+// Whichever of the blocks does not inflate, once, what follows it does not come as if nothing were
 // missing.
 TEST(Client, NothingGoesOnAfterABlockThatCannotBeLoaded) {
     std::string text = "[{}";
@@ -250,27 +231,22 @@ TEST(Client, NothingGoesOnAfterABlockThatCannotBeLoaded) {
         text +=
             R"(,{"name":"some text that makes records long","number":)" + std::to_string(i) + "}";
     }
-    qvej::Engine engine;
-    qvej::Document document(engine, {.compress = true});
-    document.feed(text + "]");
-    document.finish();
-    const FailingInflate inflate(document);
-    const uint64_t blocks = document.totals().blocks;
-    ASSERT_GT(blocks, 3U);
-    const qvej::Table& table = document.tables()[0];
-    const std::vector<QVStatus> thrice(3, QV_NOMEM);
-    for (uint64_t n = 0; n <= blocks; ++n) {
-        SCOPED_TRACE(n);
+    const ReadDocument read(text + "]", {.compress = true});
+    const qvej::Document& document = read.document;
+    ASSERT_GT(document.totals().blocks, 3U);
+    const qvej::Table& table = *read.tables()[0];
+    std::string garbage(1 << 20, '\xFF');
+    for (COMPPATHS& block : jmap::each(jmap::contextOf(document.handle())->chead)) {
         qvej::Cursor cursor(document, table);
         qvej::RecordCursor records(document);
         qvej::TablePass pass(document, {&table});
         qvej::Record record = {};
         qvej::PassItem item = {};
         const auto walk = [&](const std::function<bool()>& next, uint64_t whole) {
-            FailingInflate::failing = n;
-            const Walk steps(next);
-            EXPECT_EQ(steps.failures, n == 0 ? std::vector<QVStatus>() : thrice);
-            EXPECT_TRUE(n == 0 ? steps.steps == whole : steps.steps < whole);
+            char* const kept = std::exchange(block.buf, garbage.data());
+            const Walk walked(next, [&] { block.buf = kept; });
+            EXPECT_EQ(walked.failures, std::vector<QVStatus>(3, QV_NOMEM));
+            EXPECT_LT(walked.steps, whole);
         };
         walk([&] { return cursor.next(); }, 40'000);
         walk([&] { return records.next(record); }, document.totals().records);

@@ -61,9 +61,7 @@ TEST(PathMemory, IsBoundedForEachPathHoweverLong) {
         SCOPED_TRACE(c.name);
         qvej::Engine engine;
         const uint64_t before = bytesInUse(engine);
-        qvej::DocumentOptions options;
-        options.keepFree = UINT64_MAX;
-        qvej::Document document(engine, options);
+        qvej::Document document(engine, {.keepFree = UINT64_MAX});
         document.feed(c.text);
         document.finish();
         EXPECT_LT(bytesInUse(engine) - before, c.paths * (kMostBytes + kNameBytes) + kMostBesides);

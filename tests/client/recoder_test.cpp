@@ -1,8 +1,9 @@
 // Texts in any encoding on their way to UTF-8, and the columns they had.
 #include "client/input/recoder.h"
 
+#include "tests/client/in_encoding.h"
+
 #include <gtest/gtest.h>
-#include <unicode/ucnv.h>
 
 #include <string>
 #include <vector>
@@ -10,28 +11,19 @@
 namespace {
 
 using namespace std::string_literals;
+using jmap::test::inEncoding;
 using Invalid = qvej::Recoder::Invalid;
-
-std::string inEncoding(const std::string& utf8, const std::string& encoding) {
-    std::string text(utf8.size() * 8 + 16, '\0');
-    UErrorCode status = U_ZERO_ERROR;
-    const auto room = static_cast<int32_t>(text.size());
-    const int32_t size = ucnv_convert(encoding.c_str(), "UTF-8", text.data(), room, utf8.data(),
-                                      static_cast<int32_t>(utf8.size()), &status);
-    EXPECT_TRUE(U_SUCCESS(status)) << encoding;
-    text.resize(static_cast<std::size_t>(size));
-    return text;
-}
 
 struct Recoded {
     std::string text;
+    std::vector<int64_t> columns;  // of each character
     bool broken = false;
     int64_t endColumn = 0;
 };
 
 // The text converted in pieces of `size` bytes.
 Recoded recode(std::string_view text, const std::string& encoding, Invalid invalid,
-               std::size_t size = std::string::npos) {
+               std::size_t size) {
     qvej::Recoder recoder(encoding, text.substr(0, 4), invalid);
     Recoded result;
     for (bool ended = false; !ended && !recoder.broken();) {
@@ -39,7 +31,13 @@ Recoded recode(std::string_view text, const std::string& encoding, Invalid inval
         text.remove_prefix(piece.size());
         ended = piece.empty();
         do {
-            result.text += recoder.convert(piece);
+            for (const char byte : recoder.convert(piece)) {
+                if ((static_cast<uint8_t>(byte) & 0xC0) != 0x80) {
+                    const auto at = static_cast<int64_t>(result.text.size());
+                    result.columns.push_back(recoder.columnOf(at));
+                }
+                result.text += byte;
+            }
         } while (!piece.empty() && !recoder.broken());
     }
     result.broken = recoder.broken();
@@ -75,23 +73,10 @@ TEST(Recoder, ConvertsAndKnowsColumnsHoweverTheTextIsCut) {
         const std::string text = inEncoding(c.text, c.encoding);
         for (std::size_t size = 1; size <= text.size(); ++size) {
             SCOPED_TRACE(size);
-            qvej::Recoder recoder(c.encoding, text.substr(0, 4), Invalid::STOPS);
-            std::string all;
-            std::vector<int64_t> columns;
-            for (std::size_t at = 0; at <= text.size(); at += size) {
-                std::string_view piece = std::string_view(text).substr(at, size);
-                const auto base = static_cast<int64_t>(all.size());
-                const std::string_view converted = recoder.convert(piece);
-                EXPECT_TRUE(piece.empty());
-                all += converted;
-                for (std::size_t i = 0; i < converted.size(); ++i) {
-                    if ((static_cast<uint8_t>(converted[i]) & 0xC0) != 0x80) {
-                        columns.push_back(recoder.columnOf(base + static_cast<int64_t>(i)));
-                    }
-                }
-            }
-            EXPECT_EQ(all, plain);
-            EXPECT_EQ(columns, c.columns);
+            const Recoded recoded = recode(text, c.encoding, Invalid::STOPS, size);
+            EXPECT_FALSE(recoded.broken);
+            EXPECT_EQ(recoded.text, plain);
+            EXPECT_EQ(recoded.columns, c.columns);
         }
     }
 }

@@ -3,6 +3,7 @@
 
 #include "client/cursor.h"
 #include "client/text.h"
+#include "tests/client/read_document.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +11,7 @@
 
 namespace {
 
+using jmap::test::ReadDocument;
 using qvej::Cell;
 using Lines = std::vector<std::string>;
 
@@ -61,14 +63,14 @@ Lines byCursor(const qvej::Document& document, const qvej::Table& table, bool re
     return lines;
 }
 
-std::vector<Lines> byPass(const qvej::Document& document,
-                          const std::vector<const qvej::Table*>& tables, bool retain) {
+std::vector<Lines> byPass(const ReadDocument& read, bool retain) {
+    const std::vector<const qvej::Table*> tables = read.tables();
     std::vector<Lines> lines(tables.size());
     std::vector<std::unique_ptr<qvej::PassRow>> rows;
     for (std::size_t i = 0; i < tables.size(); ++i) {
-        rows.push_back(std::make_unique<qvej::PassRow>(document, *tables[i], into(lines[i])));
+        rows.push_back(std::make_unique<qvej::PassRow>(read.document, *tables[i], into(lines[i])));
     }
-    qvej::TablePass pass(document, tables, retain);
+    qvej::TablePass pass(read.document, tables, retain);
     EXPECT_TRUE(pass.textsStay());
     for (qvej::PassItem item; pass.next(item);) {
         if (rows[item.table]->take(item)) {
@@ -97,24 +99,19 @@ TEST(TablePass, GivesTheCellsAndRejectsOfCursors) {
             {"x":"bad","n":"no","s":null,"x":"bad2","x":3},{},{"s":"","n":"","x":null},
              {"x":"last bad","n":"5"},{"p":[{},{"q":1}],"n":null,"p":"7"},{"x":"null","n":"7 8"},
              {"x":-1e999,"s":"x  ","b":false}, {"y":1,"b":null},{"b":true,"c":true},{"c":0}])";
-    qvej::Engine engine;
+    const qvej::Engine names;
     for (const char* encoding : {"utf-8", "iso-8859-1"}) {
         for (const bool mapped : {false, true}) {
-            qvej::Document read(engine, {.encoding = engine.encodingId(encoding)});
-            read.feed(document);
-            read.finish();
+            ReadDocument read(document, {.encoding = names.encodingId(encoding)});
             if (mapped) {
-                read.useMap(map);
-            }
-            std::vector<const qvej::Table*> tables;
-            for (const qvej::Table& table : read.tables()) {
-                tables.push_back(&table);
+                read.document.useMap(map);
             }
             for (const bool retain : {false, true}) {
-                const std::vector<Lines> lines = byPass(read, tables, retain);
-                for (std::size_t i = 0; i < tables.size(); ++i) {
-                    SCOPED_TRACE(encoding + tables[i]->name);
-                    EXPECT_EQ(lines[i], byCursor(read, *tables[i], retain));
+                const std::vector<Lines> lines = byPass(read, retain);
+                for (std::size_t i = 0; i < lines.size(); ++i) {
+                    const qvej::Table& table = *read.tables()[i];
+                    SCOPED_TRACE(encoding + table.name);
+                    EXPECT_EQ(lines[i], byCursor(read.document, table, retain));
                     EXPECT_GT(lines[i].size(), 1U);
                 }
             }

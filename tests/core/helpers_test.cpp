@@ -4,7 +4,6 @@
 #include "core/pool.h"
 #include "core/short_bytes.h"
 #include "core/text.h"
-#include "testkit/chosen_names.h"
 #include "testkit/open_document.h"
 
 #include <set>
@@ -75,15 +74,6 @@ TEST(Hash, DependsOnEachBitOnTheLengthAndOnTheSeed) {
     for (uint64_t bit = 0; bit < 64; ++bit) {
         EXPECT_TRUE(hashes.insert(hashOf(kSeed ^ uint64_t{1} << bit, "name")).second) << bit;
     }
-}
-
-TEST(Hash, SpreadsNamesThatWereChosen) {
-    constexpr std::size_t kNames = 1000;
-    std::set<uint32_t> ends;
-    for (const std::string& name : chosenNames(kNames)) {
-        ends.insert(hashOf(0x0123456789ABCDEF, name) % 2048);
-    }
-    EXPECT_GT(ends.size(), 700U);  // 2048 * (1 - exp(-1000 / 2048)) = 791 are to be expected
 }
 
 TEST(Hash, HasASeedOfItsOwnInEachDocument) {

@@ -45,12 +45,22 @@ TEST(ToolCleanup, ASignalRemovesWhatIsNamed) {
 struct Case {
     const char* name;
     void (*act)();
-    const char* said;
     bool stays;
 };
 
 void touch(const char* file) {
     (void)::close(::open(file, O_CREAT | O_WRONLY, 0666));
+}
+
+// A signal while signals are held back, and one more after each pause of so many milliseconds.
+void signalAndTouch(std::initializer_list<int> pauses) {
+    const cleanup::Hold hold;
+    (void)::raise(SIGTERM);
+    touch("p-0");
+    for (const int pause : pauses) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(pause));
+        (void)::raise(SIGTERM);
+    }
 }
 
 constexpr Case kCases[] = {
@@ -70,31 +80,10 @@ constexpr Case kCases[] = {
          }
          (void)::raise(SIGTERM);
      },
-     "interrupted: out is as it was", false},
-    {"while it is held back",
-     [] {
-         const cleanup::Hold hold;
-         (void)::raise(SIGTERM);
-         touch("p-0");
-     },
-     "interrupted: out is as it was", false},
-    {"again at once",  // as timeout(1) does
-     [] {
-         const cleanup::Hold hold;
-         (void)::raise(SIGTERM);
-         touch("p-0");
-         (void)::raise(SIGTERM);
-     },
-     "interrupted: out is as it was", false},
-    {"again, later",
-     [] {
-         const cleanup::Hold hold;
-         (void)::raise(SIGTERM);
-         touch("p-0");
-         std::this_thread::sleep_for(std::chrono::milliseconds(250));
-         (void)::raise(SIGTERM);
-     },
-     "interrupted twice: p-. may still be there", true},
+     false},
+    {"while it is held back", [] { signalAndTouch({}); }, false},
+    {"again at once", [] { signalAndTouch({0}); }, false},  // as timeout(1) does
+    {"again, later", [] { signalAndTouch({250}); }, true},
 };
 
 TEST(ToolCleanup, ASignalStopsWhatMakesFiles) {
@@ -110,7 +99,9 @@ TEST(ToolCleanup, ASignalStopsWhatMakesFiles) {
                 output.setCount(1000);
                 c.act();
             },
-            testing::KilledBySignal(SIGTERM), c.said);
+            testing::KilledBySignal(SIGTERM),
+            c.stays ? "interrupted twice: p-. may still be there"
+                    : "interrupted: out is as it was");
         EXPECT_EQ(place.run("ls p-*").exitCode == 0, c.stays);
     }
 }

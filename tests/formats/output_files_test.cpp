@@ -13,29 +13,6 @@ namespace {
 
 using qvej::OutputFiles;
 
-TEST(OutputFiles, ReplacesEveryFileOrNone) {
-    for (const bool inTheWay : {false, true}) {
-        SCOPED_TRACE(inTheWay);
-        const Workplace place;
-        (void)place.run("mkdir out; echo old > out/a; echo old > out/b");
-        {
-            OutputFiles files(place.path() + "/out", false, {"a", "new", "b"}, true);
-            OutputFiles list = OutputFiles::single(place.path() + "/list", true);
-            for (std::size_t i = 0; i < 3; ++i) {
-                files.write(i, "fresh\n", 6);
-            }
-            if (inTheWay) {
-                (void)place.run("rm out/b; mkdir out/b");
-                EXPECT_THROW((void)files.commit(&list), qvej::Error);
-            } else {
-                EXPECT_EQ(files.commit(&list).size(), 0u);
-            }
-        }
-        EXPECT_EQ(place.run("cat list; ls list; cd out; ls -A; cat a").out,
-                  inTheWay ? "a\nb\nold\n" : "list\na\nb\nnew\nfresh\n");
-    }
-}
-
 // A directory that was missing appears at once, or with what another program put into it meanwhile.
 TEST(OutputFiles, AppearWithTheirDirectory) {
     for (const std::string meanwhile : {"", "other", "b"}) {

@@ -119,7 +119,7 @@ TEST_F(Renaming, GivesANewNameOrNone) {
         });
 }
 
-// Files of a folder, one of which replaces another, while one of an earlier run goes.
+// Files of a folder and a list beside it: one of them replaces another, one of an earlier run goes.
 TEST_F(Renaming, OutputFilesLoseNothing) {
     bool told = false;
     sweep(
@@ -129,8 +129,9 @@ TEST_F(Renaming, OutputFilesLoseNothing) {
             EXPECT_EQ(::stat((folder + "a").c_str(), &found), 0);
             files.removeEarlier({{"a", qvej::stateOf(found)}}, {});
             files.write(0, "newer\n", 6);
+            qvej::OutputFiles list = qvej::OutputFiles::single(folder + "../list", true);
             std::string said;
-            for (const std::string& remark : files.commit()) {
+            for (const std::string& remark : files.commit(&list)) {
                 said += remark;
             }
             return said;
@@ -139,9 +140,12 @@ TEST_F(Renaming, OutputFilesLoseNothing) {
             if (said.starts_with("failed")) {
                 expectThere("old", place, "b", said);
                 expectThere("fresh", place, "a", said);
+                EXPECT_TRUE(said.find("new") != std::string::npos ||
+                            place.run("ls list").exitCode != 0)
+                    << said;
             } else {
-                EXPECT_EQ(place.run("cat out/b; ls out/a").out, "newer\n");
-                EXPECT_EQ(place.run("ls out/.q*").exitCode == 0, !said.empty());
+                EXPECT_EQ(place.run("cat out/b list; ls out/a").out, "newer\n");
+                EXPECT_EQ(place.run("ls -A . out | grep '^[.]q'").exitCode == 0, !said.empty());
                 told = told || said.find(": Permission denied") != std::string::npos;
             }
         });

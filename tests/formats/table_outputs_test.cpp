@@ -1,7 +1,7 @@
 // What a destination is asked for, and when.
 #include "formats/table_outputs.h"
 
-#include "client/engine.h"
+#include "tests/client/read_document.h"
 
 #include <gtest/gtest.h>
 
@@ -62,18 +62,10 @@ class Holding final : public qvej::Destination {
 };
 
 TEST(TableOutputs, ASinkIsMadeWithItsFirstRowAndFlushedWhenAllHoldTooMuch) {
-    qvej::Engine engine;
-    qvej::Document document(engine);
-    document.feed(
+    const jmap::test::ReadDocument read(
         R"({"":1,"x":[{"b":{"v":1}},{"a":{"v":1}},{"b":{"v":2}},{"a":{"v":2}},{"a":{"v":3}}]})");
-    document.finish();
-    std::vector<const qvej::Table*> tables;
-    std::string names;
-    for (const qvej::Table& table : document.tables()) {
-        tables.push_back(&table);
-        names += table.name + " ";
-    }
-    ASSERT_EQ(names, " x_b x_a ");
+    const qvej::Document& document = read.document;
+    const std::vector<const qvej::Table*> tables = read.tables();
     Log log;
     Holding destination(log);
     destination.open(tables);

@@ -325,23 +325,12 @@ Played play(Stage& stage, const std::function<void(size_t at, bool begins)>& aro
 }
 
 void Tally::add(const std::string& fault, const Played& played) {
-    Outcomes& outcomes = outcomes_[fault];
-    ++(played.status != QV_OK ? outcomes.failed : played.told ? outcomes.told : outcomes.whole);
-}
-
-uint64_t Tally::count(const std::string& fault) const {
-    const auto found = outcomes_.find(fault);
-    return found == outcomes_.end()
-               ? 0
-               : found->second.failed + found->second.told + found->second.whole;
+    ++outcomes_[fault][played.status != QV_OK ? 0 : played.told ? 1 : 2];
 }
 
 void Tally::print() const {
-    if (!isLong()) {
-        return;
-    }
-    for (const auto& [fault, o] : outcomes_) {
-        std::cout << fault << ": " << o.failed << " failed, " << o.told << " told, " << o.whole
+    for (const auto& [fault, o] : isLong() ? outcomes_ : std::map<std::string, Outcomes>()) {
+        std::cout << fault << ": " << o[0] << " failed, " << o[1] << " told, " << o[2]
                   << " whole\n";
     }
 }

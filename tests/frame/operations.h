@@ -9,6 +9,7 @@
 #include "core/readctx.h"
 #include "core/text.h"
 
+#include <array>
 #include <cstdlib>
 #include <functional>
 #include <map>
@@ -105,16 +106,13 @@ Played play(
 class Tally {
    public:
     void add(const std::string& fault, const Played& played);
-    [[nodiscard]] uint64_t count(const std::string& fault) const;
+    [[nodiscard]] bool has(const std::string& fault) const { return outcomes_.contains(fault); }
     // A line for each, of a long run.
     void print() const;
 
    private:
-    struct Outcomes {
-        uint64_t failed = 0;  // the operation did
-        uint64_t told = 0;    // it did not, but the totals tell of a loss
-        uint64_t whole = 0;   // nothing is missing
-    };
+    // The operation failed; it did not, but the totals tell of a loss; nothing is missing.
+    using Outcomes = std::array<uint64_t, 3>;
     std::map<std::string, Outcomes> outcomes_;
 };
 

@@ -66,13 +66,9 @@ TEST_F(Fmt, FormatsShowWhatTheyAreNotForAsItIs) {
         const char* shown;
         QVStatus status;
     } cases[] = {{"fixed", 6, 2, std::nan(""), "      ", QV_OK},
-                 {"hex", 3, 0, 1.5, "1.5", QV_FMT_VALUE},
                  {"hex", 0, 0, 1e17, "100000000000000000", QV_FMT_RANGE},
                  {"date", 0, 0, 0.5, "0.5", QV_FMT_VALUE},
-                 {"date", 0, 0, 2932897, "2932897", QV_FMT_RANGE},
-                 {"date", 0, 0, -719529, "-719529", QV_FMT_RANGE},
                  {"datetime", 0, 0, 253402300800, "253402300800", QV_FMT_RANGE},
-                 {"time", 0, 1, 86399.9999999, "86399.9999999", QV_FMT_RANGE},
                  {"time", 0, 1, -1, "-1", QV_FMT_RANGE},
                  {"%d. März", 10, 0, 0.5, "       0.5", QV_FMT_VALUE},
                  {"%F", 0, 0, HUGE_VAL, "inf", QV_FMT_RANGE}};

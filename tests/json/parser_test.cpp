@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -95,10 +96,36 @@ constexpr Document kDocuments[] = {
     {"half a byte order mark at the end", "\xEF\xBB", "QV_EOF 1:3 "},
 };
 
+// One value a line: the elements of one array.
+constexpr Document kLines[] = {
+    {"nothing", "", "QV_OK 1:1 [ ] "},
+    {"blank lines", " \n\r\n\t", "QV_OK 3:2 [ ] "},
+    {"values of every kind", "{\"a\": [1]}\n12\n[ ]\n\"x\"\nnull\n-1",
+     R"(QV_OK 6:3 [ { name "a" [ int 1 ] } int 12 [ ] "x" null int -1 ] )"},
+    {"blank lines and white space around", "\n 1 \r\n\n\n\t[2]\t\n\n",
+     "QV_OK 7:1 [ int 1 [ int 2 ] ] "},
+    {"two values in a line", "[1]\n[2] [3]", "QV_JSON_LINE_REST 2:5 [ [ int 1 ] [ int 2 ] "},
+    {"comma after a value", "1,\n2", "QV_JSON_LINE_REST 1:2 [ int 1 "},
+    {"bracket after a value", "{}]", "QV_JSON_LINE_REST 1:3 [ { } "},
+    {"bracket alone", "1\n]", "QV_JSON_VALUE 2:1 [ int 1 "},
+    {"member over the line end", "{\"a\":\n1}", "QV_JSON_LINE_END 1:6 [ { name \"a\" "},
+    {"name over it", "{\"a\"\n:1}", "QV_JSON_LINE_END 1:5 [ { name \"a\" "},
+    {"object over it", "{ \n", "QV_JSON_LINE_END 1:3 [ { "},
+    {"array over it", "1\n[2\n,3]", "QV_JSON_LINE_END 2:3 [ int 1 [ int 2 "},
+    {"element over it", "[1,\r\n2]", "QV_JSON_LINE_END 1:5 [ [ int 1 "},
+    {"string over it", "[\"x\n\"]", "QV_JSON_CONTROL 1:4 [ [ "},
+    {"text ends in a value", "1\n[2", "QV_EOF 2:3 [ int 1 [ "},
+    {"text ends in a word", "nul", "QV_EOF 1:4 [ "},
+    {"byte order mark", "\xEF\xBB\xBF{}", "QV_JSON_BOM 1:1 [ "},
+    {"byte order mark in a later line", "1\n\xEF\xBB\xBF{}", "QV_JSON_BOM 2:1 [ int 1 "},
+};
+
 TEST(Parser, TellsTheEventsOrTheMistakeAndItsPlaceHoweverTheDocumentIsCut) {
-    for (const Document& c : kDocuments) {
-        SCOPED_TRACE(c.name);
-        EXPECT_EQ(c.result, parseEveryWay(c.text));
+    for (const bool lines : {false, true}) {
+        for (const Document& c : lines ? std::span<const Document>(kLines) : kDocuments) {
+            SCOPED_TRACE(c.name);
+            EXPECT_EQ(c.result, parseEveryWay(c.text, {.lines = lines}));
+        }
     }
 }
 
@@ -162,34 +189,67 @@ TEST(Parser, EveryKernelKnowsTheBytesThatStopText) {
     }
 }
 
-// A failing callback ends the parse after its token, whichever event it is.
-TEST(Parser, PassesTheStatusOfACallbackOn) {
-    constexpr std::string_view kText = "{\"a\":[1,2.5,\"x\\n\",true,null],\n\"b\":{}} ";
-    uint64_t event = 0;
-    for (const std::string place : {"1:2", "1:5", "1:7", "1:8", "1:12", "1:18", "1:23", "1:28",
-                                    "1:29", "2:4", "2:6", "2:7", "2:8"}) {
-        const std::string told =
-            parseEveryWay(kText, {.failAt = ++event, .failStatus = QV_TRUNCATED});
-        EXPECT_EQ(0U, told.find("QV_TRUNCATED " + place + " ")) << told;
+// A failing callback ends the parse after its token, whichever event it is; until then the parser
+// tells where that one began.
+TEST(Parser, PassesTheStatusOfACallbackOnAndTellsWhereItsEventBegan) {
+    constexpr std::string_view kText = "{\"a\\n\":\n [-1, 12.5,\"\\u0041\",\"x\"\n,true,null,{}]}";
+    const std::vector<std::string> begins =
+        split("1:1|1:2|2:2|2:3|2:7|2:12|2:21|3:2|3:7|3:12|3:13|3:14|3:15");
+    const std::vector<std::string> ends =
+        split("1:2|1:7|2:3|2:5|2:11|2:20|2:24|3:6|3:11|3:13|3:14|3:15|3:16");
+    constexpr int64_t kLineBegins[] = {0, 8, 32};
+    std::string places;
+    for (uint64_t n = 1; n <= begins.size(); ++n) {
+        SCOPED_TRACE(n);
+        const ParseOptions options = {.failAt = n, .failStatus = QV_TRUNCATED};
+        const std::string told = parseEveryWay(kText, options);
+        EXPECT_EQ(0U, told.find("QV_TRUNCATED " + ends[n - 1] + " ")) << told;
+        places += begins[n - 1] + " ";
+        for (std::size_t size = 1; size <= kText.size(); ++size) {
+            LoggedParser parser(options);
+            for (std::size_t at = 0; parser.feed(std::string(kText.substr(at, size))) == QV_EOF;) {
+                at += size;
+            }
+            const JSNParserh table = parser.log.parser;
+            EXPECT_EQ(parser.log.places, places) << size;
+            EXPECT_EQ(std::to_string(table->line(table)) + ":" +
+                          std::to_string(table->eventColumn(table)),
+                      begins[n - 1])
+                << size;
+            const int64_t before = kLineBegins[table->line(table) - 1] - 1;
+            EXPECT_EQ(table->eventOffset(table), before + table->eventColumn(table)) << size;
+            EXPECT_EQ(table->offset(table), before + table->column(table)) << size;
+        }
     }
     // Also when its status is that of an open document, the parse is over.
     LoggedParser over({.failAt = 2, .failStatus = QV_EOF});
     EXPECT_EQ(QV_EOF, over.feed("[1,"));
     EXPECT_EQ(QV_EOF, over.feed("2]", true));
     EXPECT_EQ("QV_EOF 1:3 [ int 1 ", over.result());
+    // So does the start of the array around lines.
+    for (const char* text : {"", "1"}) {
+        EXPECT_EQ("QV_TRUNCATED 1:1 [ ",
+                  parseEveryWay(text, {.failAt = 1, .failStatus = QV_TRUNCATED, .lines = true}));
+    }
 }
 
 // The answer to each buffer ("." ends the document), and what the parser tells at the end.
 TEST(Parser, AnswersBufferByBuffer) {
-    const std::pair<std::vector<std::string_view>, std::string> cases[] = {
+    const struct {
+        std::vector<std::string_view> buffers;
+        std::string expected;
+        bool lines = false;
+    } cases[] = {
         {{"", "{", "}", "", " \n\t", "."}, "QV_EOF QV_EOF QV_OK QV_OK QV_OK QV_OK QV_OK 2:2 { } "},
         {{"{}", "\n 1"}, "QV_OK QV_JSON_TRAILING QV_JSON_TRAILING 2:2 { } "},
         {{"12", "34", ".", "."}, "QV_EOF QV_EOF QV_OK QV_OK QV_OK 1:5 int 1234 "},
         {{{nullptr, 3}, {nullptr, 0}, "[]"}, "QV_BADPARMS QV_EOF QV_OK QV_OK 1:3 [ ] "},
         {{"[,", "[]", "."}, "QV_JSON_VALUE QV_JSON_VALUE QV_JSON_VALUE QV_JSON_VALUE 1:2 [ "},
+        // Until the text ends, more lines may follow; when it has ended, none.
+        {{"1\n", "2", ".", "3"}, "QV_EOF QV_EOF QV_OK QV_OK QV_OK 2:2 [ int 1 int 2 ] ", true},
     };
-    for (const auto& [buffers, expected] : cases) {
-        LoggedParser parser;
+    for (const auto& [buffers, expected, lines] : cases) {
+        LoggedParser parser({.lines = lines});
         std::string answers;
         for (const std::string_view buffer : buffers) {
             const bool done = buffer.data() != nullptr && buffer == ".";
@@ -197,46 +257,6 @@ TEST(Parser, AnswersBufferByBuffer) {
         }
         EXPECT_EQ(expected, answers + parser.result());
     }
-}
-
-TEST(Parser, TakesLinesAsTheElementsOfOneArray) {
-    constexpr Document kLines[] = {
-        {"nothing", "", "QV_OK 1:1 [ ] "},
-        {"blank lines", " \n\r\n\t", "QV_OK 3:2 [ ] "},
-        {"values of every kind", "{\"a\": [1]}\n12\n[ ]\n\"x\"\nnull\n-1",
-         R"(QV_OK 6:3 [ { name "a" [ int 1 ] } int 12 [ ] "x" null int -1 ] )"},
-        {"blank lines and white space around", "\n 1 \r\n\n\n\t[2]\t\n\n",
-         "QV_OK 7:1 [ int 1 [ int 2 ] ] "},
-        {"two values in a line", "[1]\n[2] [3]", "QV_JSON_LINE_REST 2:5 [ [ int 1 ] [ int 2 ] "},
-        {"comma after a value", "1,\n2", "QV_JSON_LINE_REST 1:2 [ int 1 "},
-        {"bracket after a value", "{}]", "QV_JSON_LINE_REST 1:3 [ { } "},
-        {"bracket alone", "1\n]", "QV_JSON_VALUE 2:1 [ int 1 "},
-        {"member over the line end", "{\"a\":\n1}", "QV_JSON_LINE_END 1:6 [ { name \"a\" "},
-        {"name over it", "{\"a\"\n:1}", "QV_JSON_LINE_END 1:5 [ { name \"a\" "},
-        {"object over it", "{ \n", "QV_JSON_LINE_END 1:3 [ { "},
-        {"array over it", "1\n[2\n,3]", "QV_JSON_LINE_END 2:3 [ int 1 [ int 2 "},
-        {"element over it", "[1,\r\n2]", "QV_JSON_LINE_END 1:5 [ [ int 1 "},
-        {"string over it", "[\"x\n\"]", "QV_JSON_CONTROL 1:4 [ [ "},
-        {"text ends in a value", "1\n[2", "QV_EOF 2:3 [ int 1 [ "},
-        {"text ends in a word", "nul", "QV_EOF 1:4 [ "},
-        {"byte order mark", "\xEF\xBB\xBF{}", "QV_JSON_BOM 1:1 [ "},
-        {"byte order mark in a later line", "1\n\xEF\xBB\xBF{}", "QV_JSON_BOM 2:1 [ int 1 "},
-    };
-    for (const Document& d : kLines) {
-        SCOPED_TRACE(d.name);
-        EXPECT_EQ(d.result, parseEveryWay(d.text, {.lines = true}));
-    }
-    // Until the text ends, more lines may follow; when it has ended, none.
-    LoggedParser parser({.lines = true});
-    EXPECT_EQ(QV_EOF, parser.feed("1\n"));
-    EXPECT_EQ(QV_OK, parser.feed("2", true));
-    EXPECT_EQ(QV_OK, parser.feed("3", true));
-    EXPECT_EQ("QV_OK 2:2 [ int 1 int 2 ] ", parser.result());
-    // As a callback ends a parse anywhere, so in the array around.
-    EXPECT_EQ("QV_TRUNCATED 1:1 [ ",
-              parseEveryWay("", {.failAt = 1, .failStatus = QV_TRUNCATED, .lines = true}));
-    EXPECT_EQ("QV_TRUNCATED 1:1 [ ",
-              parseEveryWay("1", {.failAt = 1, .failStatus = QV_TRUNCATED, .lines = true}));
 }
 
 // A caller that converts a text tells in which columns its tokens begin.  It is asked while it has
@@ -302,37 +322,6 @@ TEST(Parser, TakesNestingNumbersAndStringsWithoutALimit) {
                         .ends_with(" { name \"" + words + "\" [ real 1e" + digits + " \"<09>" +
                                    words + "\" ] } "))
             << size;
-    }
-}
-
-TEST(Parser, TellsWhereEachEventBegins) {
-    constexpr std::string_view kText = "{\"a\\n\":\n [-1, 12.5,\"\\u0041\",\"x\"\n,true,null,{}]}";
-    for (std::size_t size = 1; size <= kText.size(); ++size) {
-        LoggedParser parser;
-        for (std::size_t at = 0; at < kText.size(); at += size) {
-            (void)parser.feed(std::string(kText.substr(at, size)), at + size >= kText.size());
-        }
-        EXPECT_EQ(parser.log.places, "1:1 1:2 2:2 2:3 2:7 2:12 2:21 3:2 3:7 3:12 3:13 3:14 3:15 ")
-            << size;
-    }
-}
-
-TEST(Parser, TellsWhereAnEventBeganWhoseCallbackFailed) {
-    for (const std::string_view text :
-         {"\n[1,\n  \"a\\tb\"]", "\n[1,\n  -12.5]", "\n[1,\n  true]"}) {
-        for (std::size_t size = 1; size <= text.size(); ++size) {
-            LoggedParser parser({.failAt = 3, .failStatus = QV_NOMEM});
-            QVStatus status = QV_EOF;
-            for (std::size_t at = 0; at < text.size() && status == QV_EOF; at += size) {
-                status = parser.feed(std::string(text.substr(at, size)));
-            }
-            const JSNParserh table = parser.log.parser;
-            EXPECT_EQ(status, QV_NOMEM) << text;
-            EXPECT_EQ(table->line(table), 3) << text << size;
-            EXPECT_EQ(table->eventColumn(table), 3) << text << size;
-            EXPECT_EQ(table->eventOffset(table), 7) << text << size;
-            EXPECT_EQ(table->offset(table), 4 + table->column(table)) << text << size;
-        }
     }
 }
 

@@ -64,6 +64,9 @@ TEST(MapReader, TakesEveryPropertyInAnySplit) {
             columns += columnText(&column) + "\n";
         }
         EXPECT_EQ(columns, kFullMapColumns);
+        JMAPTableInfo table{};
+        jmapTableInfo(scan.p()->usermap->dshead, &table);
+        EXPECT_EQ(table.columnCount, 5);
         const std::vector<std::string>& notes = scan.host().notes;
         EXPECT_EQ(notes.front(), "USER MAP DUMP");
         EXPECT_EQ(notes[1], " dataset     [A table name of more than thirty] 5 variables");
@@ -150,13 +153,6 @@ TEST(MapReader, CarriesResultsOfOneMapIntoTheNext) {
     ASSERT_QV_OK(scan.readMap(table, 0, &e));
     EXPECT_TRUE(e.novarCount == 2 && e.novardsnameLen == 1 && e.ordNoretain == 0);
     EXPECT_EQ(view(first->dshead->name, first->dshead->nameLen), "t");
-}
-
-TEST(MapReader, OnlyReadsTheCallersBuffer) {
-    const std::string map = R"({"datasets":[{"dsname":"t","tablepath":"/root"}]})";
-    const std::string copy(map.data(), map.size());
-    EXPECT_QV_OK(Scan("{}").readMap(map));
-    EXPECT_EQ(copy, map);
 }
 
 TEST(MapReader, TreatsEachAnswerOfTheParser) {

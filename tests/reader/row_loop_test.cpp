@@ -6,17 +6,6 @@
 namespace jmap::test {
 namespace {
 
-TEST(RowLoop, AnObjectBesideTheTablePathBeginsTheNextRow) {
-    HandMap hand;
-    hand.table("t", "/root/a");
-    for (const char* path : {"/root/a/x", "/root/b/x", "/root/c", "/root/ab/x"}) {
-        hand.column("x", VAR_DOUBLE, path);
-    }
-    const Scan scan(
-        R"([{"a":{"x":1},"b":{"x":2}},{"a":{"x":3},"c":4},{"a":{"x":5},"ab":{"x":6}},{"a":{"x":7}}])");
-    EXPECT_EQ(OpenTable(scan, &hand.map, "t").rows(), "1|~|~|~\n3|2|4|~\n5|~|~|~\n7|~|~|6\n");
-}
-
 TEST(RowLoop, RetainedColumnsKeepTheirValueAlsoOverAReset) {
     const Scan scan(R"([{"b":"x"},{"a":1,"b":"y"},{"c":"2001"},{"b":"z"}])");
     HandMap hand;

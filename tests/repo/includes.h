@@ -21,6 +21,18 @@ inline std::string target(const std::filesystem::path& root, const std::filesyst
     return include;
 }
 
+// What is below the folders of the product, in a tree that may lack some.
+inline std::vector<std::filesystem::path> productFiles(const std::filesystem::path& root) {
+    std::vector<std::filesystem::path> files;
+    for (const char* top : {"include", "src", "client", "formats", "tools"}) {
+        if (std::filesystem::exists(root / top)) {
+            files.insert(files.end(), std::filesystem::recursive_directory_iterator(root / top),
+                         {});
+        }
+    }
+    return files;
+}
+
 // The includes of a file as written, those of the library in "<>".
 inline std::vector<std::string> includesOf(const std::filesystem::path& file) {
     static const std::regex kInclude(R"re(^\s*#\s*include\s*(?:"([^"]+)"|(<[^>]+>)))re");

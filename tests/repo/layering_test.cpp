@@ -51,14 +51,12 @@ std::string allowedIn(const std::string& name) {
 // One line for each include that breaks a rule, sorted.
 std::vector<std::string> violations(const fs::path& root) {
     std::vector<std::string> found;
-    for (const char* top : {"include", "src", "client", "formats", "tools"}) {
-        for (const auto& entry : fs::recursive_directory_iterator(root / top)) {
-            const std::string name = fs::relative(entry, root).generic_string();
-            const std::regex allowed(allowedIn(name));
-            for (const std::string& include : includesOf(entry.path())) {
-                if (!std::regex_match(target(root, entry, include), allowed)) {
-                    found.push_back(name + " includes " + include);
-                }
+    for (const fs::path& file : productFiles(root)) {
+        const std::string name = fs::relative(file, root).generic_string();
+        const std::regex allowed(allowedIn(name));
+        for (const std::string& include : includesOf(file)) {
+            if (!std::regex_match(target(root, file, include), allowed)) {
+                found.push_back(name + " includes " + include);
             }
         }
     }

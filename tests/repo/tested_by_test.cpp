@@ -47,18 +47,13 @@ class Tree {
     // One line for each claim that is not true, sorted.
     std::vector<std::string> falseClaims() {
         std::vector<std::string> found;
-        for (const char* top : {"include", "src", "client", "formats", "tools"}) {
-            if (!fs::exists(root_ / top)) {
-                continue;
-            }
-            for (const auto& entry : fs::recursive_directory_iterator(root_ / top)) {
-                const std::string unit = fs::relative(entry, root_).generic_string();
-                for (const std::string& test : testsNamed(entry)) {
-                    if (!fs::exists(root_ / test)) {
-                        found.push_back(unit + ": there is no " + test);
-                    } else if (!uses(test, unit)) {
-                        found.push_back(unit + ": is not used by " + test);
-                    }
+        for (const fs::path& file : productFiles(root_)) {
+            const std::string unit = fs::relative(file, root_).generic_string();
+            for (const std::string& test : testsNamed(file)) {
+                if (!fs::exists(root_ / test)) {
+                    found.push_back(unit + ": there is no " + test);
+                } else if (!uses(test, unit)) {
+                    found.push_back(unit + ": is not used by " + test);
                 }
             }
         }

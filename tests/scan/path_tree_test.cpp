@@ -46,22 +46,5 @@ TEST(PathTree, MakesAHeadOnlyForWhatComesBack) {
     EXPECT_EQ(scan.p()->hash, nullptr) << "nothing is looked up by text";
 }
 
-TEST(PathTree, KnowsEachOfManyMembersWithAndWithoutTheirHash) {
-    for (const bool hash : {true, false}) {
-        HandDocument doc;
-        std::string json = "{";
-        for (int i = 0; i < 200; ++i) {
-            json += (i == 0 ? "\"m" : ",\"m") + std::to_string(i < 100 ? i : 199 - i) + "\":0";
-        }
-        if (!hash) {
-            doc.host.handle()->createTracker = [](QVHndlp, int32_t, int32_t, const QVChar*,
-                                                  QVStrSize) { return QVTrackerh{}; };
-        }
-        ASSERT_QV_OK(doc.document.feed(json, false));
-        EXPECT_EQ(hash, doc.p.members != nullptr);
-        EXPECT_EQ(100, doc.p.pathRoot.node.children->memberCount);
-    }
-}
-
 }  // namespace
 }  // namespace jmap::test

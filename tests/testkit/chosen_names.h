@@ -1,11 +1,7 @@
 // Names that are chosen so that a hash without a seed puts them all into one place.
 #pragma once
 
-#include "core/hash.h"
-
-#include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,38 +24,6 @@ inline std::vector<std::string> chosenNames(std::size_t count) {
         std::string name = "N" + std::to_string(i);
         if ((fnv(name) & kEnd) == 0) {
             names.push_back(std::move(name));
-        }
-    }
-    return names;
-}
-
-// Distinct names of printable characters whose texts after `before`, at most 32 bytes, have one
-// `checksumOf`: it takes every fourth word into the same sum, so one word can undo another.
-inline std::vector<std::string> namesOfOneChecksum(std::string_view before, std::size_t count) {
-    constexpr std::size_t kTurn = 32;
-    constexpr uint64_t kFirst = 0x9E3779B185EBCA87u, kSecond = 0xC2B2AE3D27D4EB4Fu;
-    uint64_t inverse = kSecond;  // of kSecond modulo 2^64, by Newton's steps
-    for (int i = 0; i < 6; ++i) {
-        inverse *= 2 - kSecond * inverse;
-    }
-    const auto printable = [](char c) { return c >= ' ' && c <= '}' && c != '"' && c != '\\'; };
-    std::string text(before);
-    text.resize(3 * kTurn, '-');
-    std::vector<std::string> names;
-    const auto wordAt = [&text](std::size_t at) { return loadBytes<uint64_t>(&text[at]); };
-    const uint64_t begun = std::rotl(kFirst + wordAt(0) * kSecond, 31) * kFirst;
-    const auto afterSecond = [&] {
-        return std::rotl(begun + wordAt(kTurn) * kSecond, 31) * kFirst;
-    };
-    const uint64_t wanted = afterSecond() + wordAt(2 * kTurn) * kSecond;
-    for (uint64_t i = 0; names.size() < count; ++i) {
-        for (std::size_t digit = 0; digit < 8; ++digit) {
-            text[kTurn + digit] = static_cast<char>('0' + (i >> 4 * digit & 15));
-        }
-        const uint64_t undoing = (wanted - afterSecond()) * inverse;
-        std::memcpy(&text[2 * kTurn], &undoing, sizeof undoing);
-        if (std::all_of(&text[2 * kTurn], &text[2 * kTurn] + sizeof undoing, printable)) {
-            names.push_back(text.substr(before.size()));
         }
     }
     return names;

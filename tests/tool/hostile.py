@@ -60,6 +60,26 @@ def products(count, one):
     return b",".join(one % i if b"%" in one else one for i in range(count))
 
 
+def long_names():
+    return b"".join(b'{"%s%d":' % (b"n" * 1000, i) for i in range(levels))
+
+
+def distinct_names():
+    return b"{" + products(names, b'"k%d":1') + b"}"
+
+
+def many_numbers():
+    return below(b"[" + products(width, b"1") + b"]")
+
+
+def note(**more):
+    return lambda: table(column("note", "CHARACTER", **more))
+
+
+def named(name):
+    return lambda: table(column(), name=name)
+
+
 # Texts are made one at a time, in a process of their own: the peak memory of a child begins with
 # that of its parent.
 # name, text, arguments (IN: the file), exit code, message, MB at most
@@ -69,23 +89,19 @@ DOCUMENTS = [
     ("nested brackets, closed, no limit", lambda: b"[" * brackets + b"]" * brackets, "check IN --depth 0", 0, "", 1200),
     ("nested objects", lambda: b'{"a":' * levels, "check IN", 6, "IN:1:5001: .*" + DEEP, 60),
     ("nested objects and arrays", lambda: b'{"a":[' * levels, "check IN", 6, "IN:1:3001: .*" + DEEP, 60),
-    ("nested objects, long names", lambda: b"".join(b'{"%s%d":' % (b"n" * 1000, i) for i in range(levels)),
-     "check IN", 6, r"IN:1:1006891: .*" + DEEP, 1600),
-    ("nested objects, long names, --memory 64M", lambda: b"".join(b'{"%s%d":' % (b"n" * 1000, i) for i in range(levels)),
-     "check IN --memory 64M", 6, r"IN:1:1006891: .*" + DEEP, 1000),
-    ("nested objects, long names, no limit", lambda: b"".join(b'{"%s%d":' % (b"n" * 1000, i) for i in range(levels)),
-     "check IN --depth 0", 6, r"IN:1:\d+: .*" + TOO_LONG, 2000),
+    ("nested objects, long names", long_names, "check IN", 6, r"IN:1:1006891: .*" + DEEP, 1600),
+    ("nested objects, long names, --memory 64M", long_names, "check IN --memory 64M", 6, r"IN:1:1006891: .*" + DEEP, 1000),
+    ("nested objects, long names, no limit", long_names, "check IN --depth 0", 6, r"IN:1:\d+: .*" + TOO_LONG, 2000),
     ("a name of 2 MB", lambda: b'{"' + b"n" * 2_000_000 + b'":1}', "check IN", 6, "IN:1:2000006: .*" + TOO_LONG, 60),
     ("a path of 2 MB", lambda: (b'{"' + b"n" * 500_000 + b'":') * 4 + b"1", "check IN", 6, "IN:1:.*" + TOO_LONG, 60),
     ("a string of 20 MB", lambda: b'{"a":"' + b"s" * 20_000_000 + b'"}', "check IN", 0, "", 100),
-    ("distinct names", lambda: b"{" + b",".join(b'"k%d":1' % i for i in range(names)) + b"}", "check IN", 0, "", 64 + names // 600),
-    ("distinct names in an address space of 2 GB", lambda: b"{" + b",".join(b'"k%d":1' % i for i in range(names)) + b"}",
-     "check IN", 0, "", 2048),
-    ("deep, then many numbers", lambda: below(b"[" + products(width, b"1") + b"]"), "tables IN --memory 512M", 0, "", 512),
+    ("distinct names", distinct_names, "check IN", 0, "", 64 + names // 600),
+    ("distinct names in an address space of 2 GB", distinct_names, "check IN", 0, "", 2048),
+    ("deep, then many numbers", many_numbers, "tables IN --memory 512M", 0, "", 512),
     ("deep, then many names", lambda: below(b"{" + products(width, b'"k%d":1') + b"}"), "tables IN --memory 512M", 0, "", 512),
     ("deep, then many objects", lambda: below(b"{" + products(width, b'"t%d":{"x":1}') + b"}"), "check IN --memory 32M",
      6, r"IN:.*more memory is needed than may be used.* \(--memory\)", 100),
-    ("deep, then more than --max-paths", lambda: below(b"[" + products(width, b"1") + b"]"), "check IN --max-paths 1000",
+    ("deep, then more than --max-paths", many_numbers, "check IN --max-paths 1000",
      6, r"IN:1:\d+: more than 1,000 distinct paths; most are below /root/n000", 200),
     ("an array of many numbers", lambda: b"[" + products(size(100_000, 1_000_000), b"1") + b"]", "tables IN", 0, "",
      64 + size(50, 450)),
@@ -101,18 +117,13 @@ DOCUMENTS = [
 MAPS = [
     ("a map with many columns", lambda: table(*(column("c%d" % i) for i in range(columns))), 0, "has no rows", 60 + columns // 400),
     ("the same column many times", lambda: table(*(column() for _ in range(size(5_000, 50_000)))), 0, "", 600),
-    ("length -1", lambda: table(column("note", "CHARACTER", LENGTH=-1)), 0, "", 60),
-    ("length -2^63", lambda: table(column("note", "CHARACTER", LENGTH=-(2**63))), 0, "", 60),
-    ("length 2^63-1", lambda: table(column("note", "CHARACTER", LENGTH=2**63 - 1)), 0, "", 60),
-    ("length 2^63", lambda: table(column("note", "CHARACTER", LENGTH=2**63)), 4, r"IN:1:\d+: .*integer", 60),
-    ("informat width 2^63-1", lambda: table(column("note", "CHARACTER", INFORMAT=["upper", 2**63 - 1])), 0, "", 60),
-    ("informat width -1", lambda: table(column("note", "CHARACTER", INFORMAT=["upper", -1])), None, "", 60),
+    *((f"length {n}", note(LENGTH=n), 0, "", 60) for n in (-1, -(2**63), 2**63 - 1)),
+    ("length 2^63", note(LENGTH=2**63), 4, r"IN:1:\d+: .*integer", 60),
+    ("informat width 2^63-1", note(INFORMAT=["upper", 2**63 - 1]), 0, "", 60),
+    ("informat width -1", note(INFORMAT=["upper", -1]), None, "", 60),
     ("format width 2^63-1", lambda: table(column(FORMAT=["fixed", 2**63 - 1, 2**63 - 1])), None, "", 60),
     ("1000 columns of 2^63-1 bytes", lambda: table(*(column("note", "CHARACTER", LENGTH=2**63 - 1) for _ in range(1000))), None, "", 400),
-    ("table ../../x", lambda: table(column(), name="../../x"), 0, "", 60),
-    ("table /tmp/x", lambda: table(column(), name="/tmp/qvejmap-hostile-x"), 0, "", 60),
-    ("table ..", lambda: table(column(), name=".."), 0, "", 60),
-    ("table .", lambda: table(column(), name="."), 0, "", 60),
+    *(("table " + name, named(name), 0, "", 60) for name in ("../../x", "/tmp/qvejmap-hostile-x", "..", ".")),
     ("table with NUL", lambda: table(column("id\0x"), name="a\0b"), 0, "", 60),
     ("table with escapes", lambda: table(column("\x1b[31m\n"), name="a\x1b[31m\n/b"), 0, "", 60),
     ("table name of 2 MB", lambda: table(column("n" * 2_000_000), name="d" * 2_000_000), 0, "", 200),

@@ -143,6 +143,55 @@ $ for text in '{"a":[1,{"b":[2]},{"b":{"b2":3}}]}' '{"a":[1,{"b":[2]}]}'; do ech
   /root/a\t1\tno column\t<stdin>:1:13
   2 values = 1 in cells (1 of them strayed, 1 cut) + 0 overwritten + 1 no column + 0 no row + 0 rejected
 ? 1
+# A value that an earlier row got, or that a later one overwrites, did not stray; others of its array did.
+$ for text in '{"a":[{"b":[9]},1,{"b":[2,3]},{"b":[7]}]}' '[{"a":1},"x",{"a":2}]' '["x",{},{"element1":"y"}]' '{"a":[1,{"b":[2]},{"b":{"b2":3,"c":4}}]}' '[1,{"b":[2]},3,{"c":4,"b":[5,6,[7]]},{"b":[8]}]' '[{"c":0},1,{"b":[2,[3],4]}]'; do
+>     echo "$text" | qvejmap check - --account
+> done
+  path\tvalues\tlost\tfirst
+  /root/a/b/b2\t1\tstrayed\t<stdin>:1:25
+  /root/a/b/b3\t1\tstrayed\t<stdin>:1:27
+  5 values = 5 in cells (2 of them strayed) + 0 overwritten + 0 no column + 0 no row + 0 rejected
+  3 values = 3 in cells + 0 overwritten + 0 no column + 0 no row + 0 rejected
+  path\tvalues\tlost\tfirst
+  /root/element1\t1\tstrayed\t<stdin>:1:2
+  2 values = 2 in cells (1 of them strayed) + 0 overwritten + 0 no column + 0 no row + 0 rejected
+  path\tvalues\tlost\tfirst
+  /root/a/b/b2\t1\toverwritten\t<stdin>:1:15
+  4 values = 3 in cells + 1 overwritten + 0 no column + 0 no row + 0 rejected
+  path\tvalues\tlost\tfirst
+  /root/element1\t1\toverwritten\t<stdin>:1:2
+  /root/b/b2\t1\toverwritten\t<stdin>:1:10
+  /root/b/b2\t1\tstrayed\t
+  /root/b/b3\t1\tstrayed\t<stdin>:1:30
+  /root/b/element4\t1\tstrayed\t<stdin>:1:33
+  8 values = 6 in cells (3 of them strayed) + 2 overwritten + 0 no column + 0 no row + 0 rejected
+  path\tvalues\tlost\tfirst
+  /root/b/b2\t1\tstrayed\t<stdin>:1:18
+  /root/b/element3\t1\tstrayed\t<stdin>:1:21
+  5 values = 5 in cells (2 of them strayed) + 0 overwritten + 0 no column + 0 no row + 0 rejected
+? 1
+# A value that is kept for the next row did not stray into that one too.
+$ echo '["x",{"a":1},{"a":2}]' | qvejmap check - --account --retain
+  path\tvalues\tlost\tfirst
+  /root/element1\t1\tstrayed\t<stdin>:1:2
+  3 values = 3 in cells (1 of them strayed) + 0 overwritten + 0 no column + 0 no row + 0 rejected
+? 1
+# Columns of ancestors and of other places take their values at any time.
+$ table='{"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root/o%s","VARIABLES":[%s]}]}'; column='{"NAME":"c","TYPE":"CHARACTER","PATH":"/root/o/%s"}'
+> printf "$table" /m/t "$(printf "$column,$column,$column" id m/t/t1 m/t/t2)" > below.map; printf "$table" '' "$(printf "$column" m/t/t2)" > above.map
+> echo '{"o":[{"id":1,"m":["S",{"t":["x"]}]},{"id":2,"m":[{"t":["z"]}]}]}' > places.json
+> for map in below above; do qvejmap check places.json --map $map.map --account; done
+  path\tvalues\tlost\tfirst
+  /root/o/id\t1\toverwritten\tplaces.json:1:13
+  /root/o/m/m1\t1\tno column\tplaces.json:1:20
+  /root/o/m/t/t2\t1\tstrayed\tplaces.json:1:30
+  5 values = 3 in cells (1 of them strayed) + 1 overwritten + 1 no column + 0 no row + 0 rejected
+  path\tvalues\tlost\tfirst
+  /root/o/id\t2\tno column\tplaces.json:1:13
+  /root/o/m/m1\t1\tno column\tplaces.json:1:20
+  /root/o/m/t/t1\t1\tno column\tplaces.json:1:57
+  5 values = 1 in cells + 0 overwritten + 4 no column + 0 no row + 0 rejected
+? 1
 # A path counts by the column that has its values in their row.
 $ printf '{"DATASETS":[%s]}' "$(for path in /root/a/b /root; do printf '%s{"DSNAME":"t","TABLEPATH":"%s","VARIABLES":[{"NAME":"b2","TYPE":"NUMERIC","PATH":"/root/a/b/b2"}]}' "$comma" $path; comma=,; done)" > both.map
 > echo '{"a":[1,{"b":[2]},{"b":{"c":3}}]}' | qvejmap check - --account --map both.map

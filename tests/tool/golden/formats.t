@@ -27,6 +27,20 @@ $ sh informat NumBer ' \t12.5 \n|+.5|-007.|1e999||  |.|1 2|1e|inf|1,000|--1'
   "1,000",\r
   --1,\r
 ! qvejmap: t.out: 8 values rejected, the first in row 5: "" is not a number
+# Whole numbers are written plainly as long as that is short.
+$ sh informat number '0|-0|100000|9223372036854774784|18446744073709551616|1e19|-9223372036854774784|0.1|-1.7976931348623157e308|5e-324|-1e999'
+  0,0\r
+  -0,-0\r
+  100000,100000\r
+  9223372036854774784,9223372036854774784\r
+  18446744073709551616,18446744073709551616\r
+  1e19,1e+19\r
+  -9223372036854774784,-9223372036854774784\r
+  0.1,0.1\r
+  -1.7976931348623157e308,-1.7976931348623157e+308\r
+  5e-324,5e-324\r
+  -1e999,-inf\r
+! qvejmap: t.out: 3 values rounded to what a double keeps, the first in row 4: "9223372036854774784"
 $ sh informat number '0012345|12.5|1e3|5|9007199254740993|-' 0,2
   0012345,123.45\r
   12.5,12.5\r

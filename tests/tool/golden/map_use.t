@@ -190,3 +190,13 @@ $ for column in a/s a/s,4 a/s,6 a/s,5 b/t a/x a/n; do
   T\tc\tCHARACTER\t0\t/root/a/x
   T\tc\tCHARACTER\t1\t/root/a/n
   getAutomapLengths: variable [c] in dataset [a] length set to 1
+
+# An object beside the path of the table begins the next row, also one whose name begins alike.
+$ columns=$(for path in a/x b/x c ab/x; do printf '%s{"NAME":"%s","TYPE":"NUMERIC","PATH":"/root/%s"}' "$comma" $path $path; comma=,; done)
+> printf '{"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root/a","VARIABLES":[%s]}]}' "$columns" > beside.map
+> echo '[{"a":{"x":1},"b":{"x":2}},{"a":{"x":3},"c":4},{"a":{"x":5},"ab":{"x":6}},{"a":{"x":7}}]' | qvejmap read - t --map beside.map
+  a/x,b/x,c,ab/x\r
+  1,,,\r
+  3,2,4,\r
+  5,,,\r
+  7,,,6\r
