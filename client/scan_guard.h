@@ -51,7 +51,6 @@ class ScanGuard {
     uint64_t leastMemory_;
     Surroundings surroundings_;
     std::optional<uint64_t> leastDisk_;  // set when the first block has gone there
-    uint64_t checks_ = 0;
     std::optional<Error> failure_;
 };
 

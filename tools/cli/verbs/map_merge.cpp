@@ -190,8 +190,8 @@ class ColumnNames {
 
    private:
     static constexpr int kFirst = 2;
-    std::unordered_map<std::string, int>
-        next_;  // names that are taken; the next number to try for each
+    // Names that are taken, and the next number to try for each.
+    std::unordered_map<std::string, int> next_;
 };
 
 // Makes the names of those columns unique that the first map has not, and tells which change.
