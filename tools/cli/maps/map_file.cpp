@@ -3,7 +3,7 @@
 
 #include "client/input/byte_source.h"
 #include "tools/cli/failure.h"
-#include "tools/cli/reports/remarks.h"
+#include "tools/cli/suggestion.h"
 
 #include <set>
 

@@ -9,7 +9,7 @@
 #include "tools/cli/options/help.h"
 #include "tools/cli/options/option_owners.h"
 #include "tools/cli/options/option_values.h"
-#include "tools/cli/reports/remarks.h"
+#include "tools/cli/suggestion.h"
 #include "tools/cli/verbs/verbs.h"
 
 #include <CLI/App.hpp>

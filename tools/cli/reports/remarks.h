@@ -72,7 +72,4 @@ void tellMapOddities(const std::string& map, const std::vector<qvej::Table>& tab
 // Tells the last, for those who do not read the rows: they tell each value that is cut.
 void tellCuts(const std::string& map, const std::vector<qvej::Table>& tables);
 
-// "; did you mean A, B?" with the names that look most like `name`; empty: none does.
-std::string suggestion(std::string_view name, const std::vector<std::string>& names);
-
 }  // namespace qvej::cli

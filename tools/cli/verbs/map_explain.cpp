@@ -6,6 +6,7 @@
 #include "tools/cli/reports/listing.h"
 #include "tools/cli/reports/remarks.h"
 #include "tools/cli/session.h"
+#include "tools/cli/suggestion.h"
 #include "tools/cli/verbs/verbs.h"
 
 #include <optional>

@@ -12,6 +12,7 @@
 #include "tools/cli/reports/remarks.h"
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"
+#include "tools/cli/suggestion.h"
 #include "tools/cli/verbs/verbs.h"
 
 #include <algorithm>
