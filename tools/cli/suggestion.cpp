@@ -31,10 +31,10 @@ std::size_t editDistance(std::string_view a, std::string_view b) {
 }  // namespace
 
 std::string suggestion(std::string_view name, const std::vector<std::string>& names) {
-    const std::string wanted = qvej::lowerCased(name);
+    const std::string wanted = lowerCased(name);
     std::vector<std::pair<std::size_t, std::string>> close;
     for (const std::string& candidate : names) {
-        const std::string lower = qvej::lowerCased(candidate);
+        const std::string lower = lowerCased(candidate);
         const std::size_t distance = editDistance(wanted, lower);
         const bool contained = wanted.size() >= 3 && lower.find(wanted) != std::string::npos;
         if (distance <= std::max<std::size_t>(1, wanted.size() / 3) || contained) {

@@ -40,7 +40,7 @@ void putMap(const std::string& map, const Options& options, const Sources& sourc
     Writer out = standardOutput();
     if (out.terminal()) {
         // Inside JSON strings an escape means the same.
-        qvej::appendEscaped(out, map, qvej::CONTROLS);
+        appendEscaped(out, map, CONTROLS);
     } else {
         out.append(map);
     }

@@ -68,7 +68,7 @@ void checkNull(const std::string& text, const Format& format) {
     if (format.ownNull) {
         usageError("--null: " + std::string(format.name) + " has a null of its own");
     }
-    if (text.find_first_of(",\"") != std::string::npos || qvej::shown(text) != text) {
+    if (text.find_first_of(",\"") != std::string::npos || shown(text) != text) {
         usageError("--null: " + inQuotes(text) +
                    " has a comma, a quote or a character that cannot be shown");
     }
