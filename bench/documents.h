@@ -1,7 +1,7 @@
 // The documents that the benchmarks run on.
 //
-//   orders, events   $JMAP_BENCH_DIR/orders.json, events.json (scripts/bench makes them, 200 MB
-//   each) twitter, canada  $JMAP_DATA_DIR/twitter.json, canada.json
+//   orders, events   $JMAP_BENCH_DIR/orders.json, events.json, of 200 MB; scripts/bench makes them
+//   twitter, canada  $JMAP_DATA_DIR/twitter.json, canada.json
 //
 // A document that is not there is left out, with a line on standard error.
 #pragma once

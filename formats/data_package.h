@@ -1,7 +1,7 @@
 // datapackage.json: what a directory holds, as a Data Package of Frictionless, for other tools and
 // for the next run, which may remove what it lists.
 //
-//     {"qvejmap":{"version":"1.0.0","input":"orders.json","options":["--format","csv"]},
+//     {"qvejmap":{"version":"1.0.0","input":"orders.json","options":["--format=csv"]},
 //     "resources":[
 //     {"name":"orders","path":"orders.csv","format":"csv","rows":2,"bytes":77,
 //     "modified":"2024-02-29T13:05:00.123456789Z"},

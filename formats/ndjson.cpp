@@ -3,8 +3,9 @@
 // A column without a value is left out; null, and a value that was rejected, is null.  Numbers have
 // the digits of the document; a column of booleans has true and false; a number with a format is a
 // string, as the format shows it; infinity, when it does not come from digits, is 1e400 and -1e400
-// (a number of JSON that reads back as infinity). Always valid UTF-8; control characters are
-// escaped.
+// (a number of JSON that reads back as infinity).
+//
+// It is always valid UTF-8; control characters are escaped.
 //
 // Tested by tests/tool/golden/read.t and tests/formats/conformance.py
 #include "client/escape.h"

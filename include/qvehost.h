@@ -5,12 +5,14 @@
  *
  * CONVENTIONS
  *   Objects.    Every object begins with a QVGeneric and is ended by
- * h->generic.destroy(&h->generic). An object is used by one thread at a time; the host handle by
- * any. Strings.    Counted, never terminated.  "const QVChar*" are 4-byte characters with their
- * number, "const char*" bytes of the document's encoding with their number. Failure.    A routine
- * that returns an object returns null when it cannot; all others return a status, and set their
- * out-parameters only when it is QV_OK. Callbacks.  No service that the engine uses inside a parser
- * callback gives QV_EOF or QV_NEEDMORE, since the parser returns a callback's status as its own.
+ *               h->generic.destroy(&h->generic).  An object is used by one thread at a time; the
+ *               host handle by any.
+ *   Strings.    Counted, never terminated.  "const QVChar*" are 4-byte characters with their
+ *               number, "const char*" bytes of the document's encoding with their number.
+ *   Failure.    A routine that returns an object returns null when it cannot; all others return a
+ *               status, and set their out-parameters only when it is QV_OK.
+ *   Callbacks.  No service that the engine uses inside a parser callback gives QV_EOF or
+ *               QV_NEEDMORE, since the parser returns a callback's status as its own.
  *
  * Tested by tests/abi/layout_test.c (layout) and tests/host/ (the portable host's tables)
  */
@@ -57,14 +59,14 @@ struct QVGeneric {
  * returned.  Callers end an extension through `generic.destroy`, which calls `realDestroy`. */
 typedef struct QVExtension {
     QVGeneric generic;
-    QVStatus (*getReqVersion)(QVExtensionh ext, size_t* a, size_t* b,
-                              size_t* c); /* host interface needed */
+    /* Host interface needed. */
+    QVStatus (*getReqVersion)(QVExtensionh ext, size_t* a, size_t* b, size_t* c);
     QVStatus (*getVersion)(QVExtensionh ext, size_t* a, size_t* b, size_t* c); /* of the module */
     QVHndlp hndl;                              /* host that loaded it */
     QVStatus (*realDestroy)(QVExtensionh ext); /* the module's own release */
-    QVMemPtr (*findFunction)(QVExtensionh ext, const char* name,
-                             QVStrSize nameLen); /* may be null */
-    QVMemPtr handle;                             /* the loader's record of it */
+    /* May be null. */
+    QVMemPtr (*findFunction)(QVExtensionh ext, const char* name, QVStrSize nameLen);
+    QVMemPtr handle; /* the loader's record of it */
 } QVExtension;
 
 /* Entry point of a module, exported under the module's own name.  Returns the instance, or null. */
@@ -95,8 +97,8 @@ struct QVHndl {
     QVPoolh (*createPool)(QVHndlp host, const QVPoolParms* parms, const QVChar* name,
                           QVStrSize nameLen);
     /* Loads a module by name: a built-in one, else a shared object of that name in the module path.
-     * Each call makes an instance of its own.  Null when there is none or its entry point refuses.
-     */
+     * Each call makes an instance of its own.  Null when there is none, or its entry point
+     * refuses. */
     QVExtensionh (*loadExtension)(QVHndlp host, const QVChar* name, QVStrSize nameLen, QVJnlh jnl);
     /* A new tracker, or null.  `resourceTypes` is the number of kinds of value it will hold. */
     QVTrackerh (*createTracker)(QVHndlp host, int32_t kind, int32_t resourceTypes,
@@ -192,8 +194,8 @@ struct QVStringService {
 struct QVTracker {
     QVGeneric generic;
     QVMemPtr (*find)(QVTrackerh t, const char* key, QVStrSize keyLen); /* null: not there */
-    QVStatus (*insert)(QVTrackerh t, const char* key, QVStrSize keyLen,
-                       QVMemPtr value); /* replaces */
+    /* Replaces an earlier value. */
+    QVStatus (*insert)(QVTrackerh t, const char* key, QVStrSize keyLen, QVMemPtr value);
 };
 
 /* ---- Module "qvejson" ---------------------------------------------------------------------- */

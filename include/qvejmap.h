@@ -46,13 +46,13 @@
  *   Maps, names, columns, row buffers and the map document belong to the engine.  A document and
  *   its maps live until Term, a read context until ReadTerm, the map document until
  *   GetAutoMapBufFree (call it before Term and between two GetAutoMapBuf).  The caller's buffers
- * are borrowed for the call and never written, except `debugString`, which is upper-cased in place.
- *   A call that fails may leave pools alive.  Term does not end open tables, a parse of a map and a
- *   map document.  What is left is freed when the host stops.
+ *   are borrowed for the call and never written, except `debugString`, which is upper-cased in
+ *   place.  A call that fails may leave pools alive.  Term does not end open tables, a parse of a
+ *   map and a map document.  What is left is freed when the host stops.
  *
  * THREADS
  *   The engine starts none and locks nothing.  One thread at a time uses a document, and no two
- * Read calls on tables of one document may run at once.  Different documents are independent.
+ *   Read calls on tables of one document may run at once.  Different documents are independent.
  *
  * STATUSES are listed in qvstatus.h.
  *
@@ -240,15 +240,18 @@ typedef struct UserJMAP_S {
                         QVEJMAPMapContexth* inctx, QVJnlh jnl);
 
     /* Takes the next buffer of the map; `done` with the last.  The buffer is only read.
-     *   QV_OK           goes on; with `done` the map is there, and ERRORINFO tells of tables
-     * without variables and of ordinals with NORETAIN. JMAP_MAP_...    a mistake in the map:
-     * ERRORINFO has its place (of null, true and false the last byte; of a text with escapes a
-     * place in it) and the last number or text. JMAP_PARSE      a mistake in its JSON, or, by `rc`
-     * of ERRORINFO: QV_NOTNUM, an integer outside of 64 bits; QV_NOMEM, JMAP_MAP_NOMEM, no memory.
-     * Once a map of the document had a mistake, the code of that one is given instead, for this map
-     * too. JMAP_INCOMPLETE the map ends too soon; ERRORINFO as it was. QV_NOMEM        MapInit
-     * could not make the parser. After a failure the tables made so far are the document's user
-     * map. */
+     *   QV_OK           goes on; with `done` the map is there, and ERRORINFO has the tables without
+     *                   variables and whether an ordinal has NORETAIN.
+     *   JMAP_MAP_...    a mistake in the map: ERRORINFO has its place (of null, true and false the
+     *                   last byte; of a text with escapes a place in it) and the last number or
+     *                   text.
+     *   JMAP_PARSE      a mistake in its JSON, or, by `rc` of ERRORINFO: QV_NOTNUM, an integer
+     *                   outside of 64 bits; QV_NOMEM, JMAP_MAP_NOMEM, no memory.  Once a map of the
+     *                   document had a mistake, the code of that one is given instead, for this map
+     *                   too.
+     *   JMAP_INCOMPLETE the map ends too soon; ERRORINFO as it was.
+     *   QV_NOMEM        MapInit could not make the parser.
+     * After a failure the tables made so far are the document's user map. */
     QVStatus (*MapInput)(QVEJMAPMapContexth inh, QVMemPtr inbuf, QVStrSize inlen, QVBoolean done,
                          QVJnlh jnl);
 

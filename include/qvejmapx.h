@@ -12,8 +12,8 @@
  * WHAT MAY CHANGE
  *   The operation table of qvejmap.h stays as it is.  This header grows with the tools: a new
  *   release may change its records, constants and routines, and QVEJMAPX_VERSION rises when it
- * does. Routines that are only added do not change it.  A program is compiled and linked with one
- *   release; it compares the macro with jmapVersion() before the first call.
+ *   does.  Routines that are only added do not change it.  A program is compiled and linked with
+ *   one release; it compares the macro with jmapVersion() before the first call.
  *
  * Tested by tests/frame/equality_test.cpp and tests/frame/fault_sweep_test.cpp
  */
@@ -138,7 +138,7 @@ typedef struct JMAPGrowth {
     uint64_t paths;        /* distinct ones, also of objects and arrays */
     uint64_t recordBytes;  /* of closed blocks, uncompressed */
     uint64_t spilledBytes; /* in the cache file */
-    uint64_t tables; /* of the automatic map, which is made after the last record, or a pass */
+    uint64_t tables;       /* of the automatic map, made after the last record, or of a pass */
 } JMAPGrowth;
 
 /* Limits a scan and what follows it.  `check` is called for each block of records that is closed,
@@ -181,8 +181,9 @@ typedef struct JMAPRecord {
     QVStrSize bytesLen;
 } JMAPRecord;
 
-/* Opens a cursor before the first record of a document whose last buffer has been passed. QV_NOMEM.
- * Any number may be open; they follow the rule of Read: one call at a time for each document. */
+/* Opens a cursor before the first record of a document whose last buffer has been passed.
+ * QV_NOMEM.  Any number may be open; they follow the rule of Read: one call at a time for each
+ * document. */
 QVStatus jmapRecordsOpen(QVEJMAPJsonContexth inh, JMAPRecordCursorh* cursor);
 
 /* The next record; QV_EOF after the last.  Any other status comes from loading a block; further
@@ -293,7 +294,7 @@ typedef struct JMAPPathInfo {
     int64_t longestColumn;
     JMAPPathKind kinds[7]; /* by JMAP_KIND_... */
     JMAPPathKind inexact;  /* numbers that a double does not keep: the shortest text that reads back
-                              to  the nearest double is another number, or it is infinite, or 0 */
+                              to the nearest double is another number, or it is infinite, or 0 */
 } JMAPPathInfo;
 
 /* As jmapNextTable, over every distinct path that had a value: groups of one parent together, in
@@ -329,8 +330,8 @@ typedef struct JMAPTotals {
     QVStatus unstoredStatus; /* why; meaningless when there are no such bytes */
     uint64_t droppedTables;  /* that are missing in the automatic map */
     uint64_t lostLookups;    /* failures of hash tables: tables and columns may be there twice */
-    /* Member names of 256 bytes or more, or empty ones: in ALLDATA labels are cut at wrong places.
-     */
+    /* There are member names of 256 bytes or more, or empty ones: in ALLDATA labels are cut at
+     * wrong places. */
     QVBoolean labelsSlip;
 } JMAPTotals;
 void jmapTotals(QVEJMAPJsonContexth inh, JMAPTotals* totals);

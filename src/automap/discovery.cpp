@@ -4,23 +4,16 @@
 #include "discovery.h"
 
 #include "alldata.h"
+#include "core/guard.h"
 #include "core/list.h"
 #include "core/pool.h"
 #include "core/status.h"
 #include "names.h"
 #include "ordinals.h"
 #include "path_parts.h"
-#include "scan/record_block.h"
 #include "variables.h"
 
 namespace jmap {
-namespace {
-
-// Columns of the map between two questions to the guard, about a megabyte; a table is as one more.
-// Tables alone say little: each can have as many ordinals as its path is deep.
-constexpr uint64_t kColumnsBetween = 4096;
-
-}  // namespace
 
 QVStatus doMapping(JMAP_PRIVATE* p) {
     auto* map = poolNew<MAP>(p->cpool);
@@ -44,6 +37,7 @@ QVStatus doMapping(JMAP_PRIVATE* p) {
         // without it, and perhaps a gap in the numbers of tables of its name.
         if (doDataset(p, map, &info) != QV_OK) {
             ++p->droppedTables;
+            QV_TRY(askGuard(p, 0));  // it may have ended the table, and then ends the scan
             continue;
         }
         columns += map->dstail->varcount + 1;

@@ -64,8 +64,7 @@ QVStatus appendCharacter(JMAP_PRIVATE* p, VARINFO& column, char c) {
     return QV_OK;
 }
 
-// Few names are compared with each other; more are looked up.
-constexpr uint64_t kFewNames = 32;
+constexpr uint64_t kFewNames = 32;  // up to so many are compared with each other
 
 struct NAMEENTRY {
     VARINFO* column;
@@ -73,8 +72,8 @@ struct NAMEENTRY {
     uint32_t next;  // number of the next column in the list, 0: none
 };
 
-// The ordinals of a table by their names.  Columns are told by their number, from 1, and each list
-// is in the order of the columns.
+// The ordinals of a table in lists by the hash of their names.  A reference to a column is its
+// number, from 1; each list is in the order of the columns.
 struct NAMELISTS {
     NAMEENTRY* entries;  // [0] is not used
     uint32_t* heads;
@@ -132,7 +131,7 @@ QVStatus renameManyOrdinals(JMAP_PRIVATE* p, const DSINFO* ds) {
                              static_cast<uint32_t>(heads - 1)};
     const QVStatus rc =
         names.entries == nullptr || names.heads == nullptr ? QV_NOMEM : renameByLists(p, ds, names);
-    (void)poolFree(p->cpool, names.heads);  // nothing hangs on them
+    (void)poolFree(p->cpool, names.heads);  // on failure they are freed with the pool
     (void)poolFree(p->cpool, names.entries);
     return rc;
 }

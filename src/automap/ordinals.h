@@ -9,7 +9,8 @@ namespace jmap {
 
 // Puts the ordinal columns first, from the outermost on: one for the object that holds the path `n`
 // and for each level around it, at most `ordinalCount` of the innermost.  Call it before
-// doVariables. Returns QV_OK or QV_NOMEM; columns made so far stay in the table.
+// doVariables.
+// Returns QV_OK or QV_NOMEM; columns made so far stay in the table.
 [[nodiscard]] QVStatus doOrdinals(JMAP_PRIVATE* p, DSINFO* ds, PATHINFO* n);
 
 }  // namespace jmap

@@ -4,6 +4,7 @@
 #include "variables.h"
 
 #include "column_names.h"
+#include "core/guard.h"
 #include "core/list.h"
 #include "core/note.h"
 #include "core/pool.h"
@@ -80,6 +81,9 @@ QVStatus addColumns(JMAP_PRIVATE* p, DSINFO* ds, PATHINFO* n, COLUMNNAMES& names
         notePath(p, U"doVariables considered [%.*hs]", info);
         if (!sameParent(p, info.node, n->node)) {
             continue;  // only where a member name is empty or contains the separator
+        }
+        if (ds->varcount % kColumnsBetween == kColumnsBetween - 1) {  // one table can hold them all
+            QV_TRY(askGuard(p, 0));
         }
         if (info.type == VAR_FAKEVARIABLE) {
             notePath(p, U"doVariables chose fake [%.*hs]", info);

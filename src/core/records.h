@@ -88,7 +88,7 @@ struct PATHCHILDREN {
 // have millions of them, and each takes one PATHNODE, so keep it small.
 struct PATHNODE {
     PATHINFO* info;      // its statistics; null: none, or not to be found again
-    char* head;          // see makeHead; null: none
+    char* head;          // see record_heads.h; null: none
     PATHNODE* follower;  // the member or element that came next the last time
     union {
         PATHCHILDREN* children;  // of a member; null: none yet
@@ -111,8 +111,8 @@ struct PATHBRANCH {
     PATHNODE node;           // must be last: the name follows it
 };
 
-// The fixed store of record heads (see makeHead): a ring of pieces.  When all are full, the oldest
-// piece is emptied and filled again.  Zero-filled it is empty.
+// The fixed store of record heads (see record_heads.h): a ring of pieces.  When all are full, the
+// oldest piece is emptied and filled again.  Zero-filled it is empty.
 inline constexpr int kHeadPieces = 128;
 struct HEADSTORE {
     char* pieces[kHeadPieces];

@@ -123,8 +123,8 @@ Host::Host(const QVPortableOptions& options, std::unique_ptr<Journal> journal)
 Host::~Host() {
     objects_.endAll();
     if (nls != nullptr) {
-        (void)nls->exth.generic.destroy(
-            &nls->exth.generic);  // no caller is left to report a failure to
+        // No caller is left to report a failure to.
+        (void)nls->exth.generic.destroy(&nls->exth.generic);
     }
 }
 

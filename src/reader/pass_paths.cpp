@@ -4,6 +4,7 @@
 #include "pass_paths.h"
 
 #include "automap/path_parts.h"
+#include "core/guard.h"
 #include "core/list.h"
 #include "core/pool.h"
 #include "row_boundary.h"
@@ -166,6 +167,9 @@ QVStatus addTable(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, bool retain,
     uint32_t i = 0;
     uint32_t text = table->columnCount;
     for (const VARINFO& column : each(ds.vhead)) {
+        if (i % kColumnsBetween == kColumnsBetween - 1) {  // one table can hold them all
+            QV_TRY(askGuardOfMemory(paths->p, 0));
+        }
         const uint32_t cell = hasText(column) ? text++ : i;
         const bool keeps = retain || column.retain || column.type == VAR_ORDINAL;
         retained[cell] = keeps && !column.noretain;

@@ -60,7 +60,7 @@ namespace jmap {
 
 // Adds a table and its columns.  Its cells have been allocated.
 //   alldata, retain  as of an open table
-// Returns QV_OK or QV_NOMEM.
+// Returns QV_OK, QV_NOMEM or a status of the guard.
 [[nodiscard]] QVStatus addTable(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, bool retain,
                                 PASSTABLE* table);
 

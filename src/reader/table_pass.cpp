@@ -4,6 +4,7 @@
 #include "table_pass.h"
 
 #include "consume.h"
+#include "core/guard.h"
 #include "core/list.h"
 #include "core/pool.h"
 #include "number_cell.h"
@@ -20,9 +21,6 @@ namespace {
 
 // Memory this far after the current record is prefetched, as in Read.
 constexpr QVStrSize kPrefetchBytes = 2048;
-
-// Columns that are opened between two questions to the guard; a table is as one more.
-constexpr uint64_t kColumnsBetween = 4096;
 
 // ---- Rows -----------------------------------------------------------------------------------
 

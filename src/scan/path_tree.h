@@ -4,12 +4,6 @@
 // node remembers which child came next the last time.  When the same one comes again, finding it
 // costs one comparison.  The members of a node with many members are looked up by hash.
 //
-// A node that occurs again gets a head: the bytes of its marker's record and a blank.  A record is
-// then a copy of the head, with a few fields patched, and the value.  The first occurrence makes no
-// head, since a document may have millions of paths that occur once.  Heads have a fixed store
-// (HEADSTORE), in which new heads replace the oldest.  A node without a head takes that of its
-// parent and adds its own name.
-//
 // A node points to the statistics of its path.  Two nodes rarely have the same text: it needs a
 // label with a separator in it, or a member that is named as an element is.  From the first time
 // that this may have happened paths are also looked up by text.
@@ -20,18 +14,11 @@
 #include "core/context.h"
 #include "core/short_bytes.h"
 #include "core/text.h"
-#include "record_format.h"
 
 #include <cstddef>
 #include <string_view>
 
 namespace jmap {
-
-// Heads are copied in steps of this many bytes, and padded so that the last step may read past
-// their end.  Most heads take one step, so the branch of the loop is predicted well.
-inline constexpr QVStrSize kHeadStep = 64;
-
-inline constexpr QVStrSize kHeadPieceBytes = 65536;  // one piece of a HEADSTORE, 8 MiB in all
 
 // The base name of the elements of an array without a member name.
 inline constexpr std::string_view kPlainBase = "element";
@@ -110,16 +97,5 @@ inline void writePath(const PATHNODE* node, char* to) {
 
 // The innermost label that has more than half of all paths below it.  `*count`: how many.
 [[nodiscard]] const PATHNODE* mostPathsBelow(JMAP_PRIVATE* p, uint64_t* count);
-
-// ---- Heads ----
-
-// Bytes of the head.
-[[nodiscard]] inline QVStrSize headLenOf(const PATHNODE* node) noexcept {
-    return kRecordFixedBytes + node->labels + node->textLen + 1;
-}
-
-// Gives the node a head.  False when it gets none: there is no memory, the head is longer than a
-// piece, or debug switches ask for notes on every record.
-[[nodiscard]] bool makeHead(JMAP_PRIVATE* p, PATHNODE* node);
 
 }  // namespace jmap

@@ -3,6 +3,7 @@
 // Tested by tests/scan/record_block_test.cpp
 #include "record_block.h"
 
+#include "core/guard.h"
 #include "core/hash.h"
 #include "core/list.h"
 #include "core/note.h"
@@ -208,19 +209,7 @@ QVStatus closeBlock(JMAP_PRIVATE* p) {
     return QV_OK;
 }
 
-QVStatus ask(const JMAP_PRIVATE* p, const JMAPGrowth& growth) {
-    return p->guard == nullptr ? QV_OK : p->guard->check(p->guard->arg, &growth);
-}
-
 }  // namespace
-
-QVStatus askGuard(JMAP_PRIVATE* p, uint64_t tables) {
-    return ask(p, {p->pathNodes, p->uncompressedPathBytes, p->spilledPathBytes, tables});
-}
-
-QVStatus askGuardOfMemory(JMAP_PRIVATE* p, uint64_t tables) {
-    return ask(p, {p->pathNodes, p->uncompressedPathBytes, 0, tables});
-}
 
 QVStatus compressPathBuffer(JMAP_PRIVATE* p) {
     if (p->cBufi == 0) {

@@ -11,12 +11,6 @@
 
 namespace jmap {
 
-// Asks the caller's guard whether the document may grow on; QV_OK when there is none.
-[[nodiscard]] QVStatus askGuard(JMAP_PRIVATE* p, uint64_t tables);
-
-// The same when no record is written any more, so that the disk does not matter.
-[[nodiscard]] QVStatus askGuardOfMemory(JMAP_PRIVATE* p, uint64_t tables);
-
 // Closes the open block: appends it to `chead`/`ctail` and empties the buffer.  Without records
 // nothing happens.
 // Returns QV_OK; QV_NOMEM (also when deflate does not finish); a status of the guard, of zlib or of

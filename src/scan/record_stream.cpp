@@ -16,6 +16,7 @@
 #include "path_tree.h"
 #include "record_block.h"
 #include "record_format.h"
+#include "record_heads.h"
 
 #include <algorithm>
 #include <cstring>
@@ -62,58 +63,12 @@ void noteRecord(JMAP_PRIVATE* p, bool named, QVStrSize valLen) {
     }
 }
 
-void copyHead(char* to, const char* head, QVStrSize headLen) {
-    for (const char* const end = head + headLen; head < end; to += kHeadStep, head += kHeadStep) {
-        std::memcpy(to, head, static_cast<std::size_t>(kHeadStep));
-    }
-}
-
-// Writes the head that `node` would have, from the head of its parent.
-[[gnu::noinline]] void putHeadFromParent(const PATHNODE* node, char* to) {
-    const PATHNODE* parent = &node->parent->node;
-    const QVStrSize lensEnd = static_cast<QVStrSize>(sizeof node->labels) + parent->labels;
-    const QVStrSize textLen = node->textLen;
-    copyHead(to, parent->head, lensEnd);
-    std::memcpy(to, &node->labels, sizeof node->labels);
-    to += lensEnd;
-    *to++ = static_cast<char>(node->nameLen);  // Kept: modulo 256
-    copyHead(to, parent->head + lensEnd, headLenOf(parent) - lensEnd);
-    std::memcpy(to, &textLen, sizeof textLen);
-    to += headLenOf(parent) - lensEnd - 1;
-    *to++ = kSep;
-    copyShort(to, nameOf(node));
-    to[node->nameLen] = ' ';
-}
-
-// Whether to make a head.  When the store is full, a new head replaces others, so only a path that
-// occurs often gets one; the head of its parent serves many children.
-bool deservesHead(const JMAP_PRIVATE* p, const PATHNODE* node) {
-    constexpr int64_t kOften = 16;
-    return !p->heads.full || node->info == nullptr || node->info->count % kOften == 0;
-}
-
-[[gnu::noinline]] bool prepareHead(JMAP_PRIVATE* p, PATHNODE* node) {
-    if (deservesHead(p, node) && makeHead(p, node)) {
-        return true;
-    }
-    PATHBRANCH* parent = node->parent;
-    return parent != nullptr && (parent->node.head != nullptr || makeHead(p, &parent->node));
-}
-
 // Whether a record can be written by head: the node or its parent has one, and the block has room
 // to spare.
 bool headReady(JMAP_PRIVATE* p, PATHNODE* node, QVStrSize valLen) {
     static_assert(2 * kHeadStep > kRecordRoomBytes);
     return p->cBufi + headLenOf(node) + valLen + 2 * kHeadStep <= kBlockBytes &&
            (node->head != nullptr || prepareHead(p, node));
-}
-
-void putHead(const PATHNODE* node, QVStrSize headLen, char* to) {
-    if (node->head != nullptr) [[likely]] {
-        copyHead(to, node->head, headLen);
-    } else {
-        putHeadFromParent(node, to);
-    }
 }
 
 }  // namespace

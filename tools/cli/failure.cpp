@@ -3,7 +3,7 @@
 
 namespace qvej::cli {
 
-std::string sentenceOf(const qvej::Error& error) {
+std::string sentenceOf(const Error& error) {
     std::string place = error.file();
     if (error.line() != 0) {
         place += ":" + std::to_string(error.line()) + ":" + std::to_string(error.column());
@@ -28,7 +28,7 @@ ExitCode exitCodeOf(QVStatus status) {
         case JMAP_INCOMPLETE:
             return NOT_JSON;
         default:
-            return ofJson ? NOT_JSON : qvej::isOfFiles(status) ? FILE_TROUBLE : NO_TABLE;
+            return ofJson ? NOT_JSON : isOfFiles(status) ? FILE_TROUBLE : NO_TABLE;
     }
 }
 

@@ -44,7 +44,7 @@ class Failure : public std::runtime_error {
 };
 
 // What is told of a failure: the file or place, when it is about one, and what is wrong with it.
-std::string sentenceOf(const qvej::Error& error);
+std::string sentenceOf(const Error& error);
 
 // The exit code that a status of the engine or its host leads to.
 ExitCode exitCodeOf(QVStatus status);

@@ -13,16 +13,16 @@ namespace qvej::cli {
 
 namespace {
 
-qvej::EngineOptions engineOptions(const ReadingOptions& options) {
-    qvej::EngineOptions engine;
+EngineOptions engineOptions(const ReadingOptions& options) {
+    EngineOptions engine;
     engine.memoryBudget = options.memory.value_or(0);
     engine.maxDepth = options.depth;
     engine.journal = [](std::string_view note) { tellPlain(note); };
     return engine;
 }
 
-qvej::DocumentOptions documentOptions(const ReadingOptions& options, const qvej::Engine& engine) {
-    qvej::DocumentOptions document;
+DocumentOptions documentOptions(const ReadingOptions& options, const Engine& engine) {
+    DocumentOptions document;
     document.debug = options.debug;
     document.cacheFile = options.cache;
     document.compress = options.compress;
@@ -52,7 +52,7 @@ void checkNamedCache(const std::string& path, const Sources& sources) {
 }
 
 // What to try, when the text looks like something else than was said.
-std::string hint(const qvej::DocumentReader& reader, const qvej::Error& error) {
+std::string hint(const DocumentReader& reader, const Error& error) {
     if (reader.otherEncoding() != nullptr) {
         return " (this looks like " + *reader.otherEncoding() + ")";
     }
@@ -87,8 +87,8 @@ std::string aboutLimit(const ReadingOptions& options, QVStatus status) {
 }
 
 // The failure that a mistake of the document leads to.
-[[noreturn]] void fail(const ReadingOptions& options, const qvej::DocumentReader& reader,
-                       const qvej::Error& error) {
+[[noreturn]] void fail(const ReadingOptions& options, const DocumentReader& reader,
+                       const Error& error) {
     const ExitCode code = exitCodeOf(error.status());
     if (code == FILE_TROUBLE) {
         throw error;
@@ -101,10 +101,10 @@ std::string aboutLimit(const ReadingOptions& options, QVStatus status) {
         what += ", or a path or a number is longer than 1 MiB";
     }
     what += aboutLimit(options, error.status());
-    qvej::Place place = error.place();
+    Place place = error.place();
     place.file = reader.name();
     what += place.line == 0 ? "" : hint(reader, error);
-    throw qvej::Error(error.status(), what, place, error.excerpt());
+    throw Error(error.status(), what, place, error.excerpt());
 }
 
 }  // namespace
@@ -112,7 +112,7 @@ std::string aboutLimit(const ReadingOptions& options, QVStatus status) {
 Session::Session(const ReadingOptions& options, const std::string& file, const std::string& map,
                  const ReadingWishes& wishes)
     : options_(options),
-      reader_(qvej::ByteSource::file(file), options_.text),
+      reader_(ByteSource::file(file), options_.text),
       engine_(engineOptions(options_)) {
     if (!map.empty()) {
         map_.emplace(engine_, map);
@@ -124,7 +124,7 @@ Session::Session(const ReadingOptions& options, const std::string& file, const s
     try {
         read(shape, wishes);
         useMap();
-    } catch (const qvej::Error& error) {
+    } catch (const Error& error) {
         fail(options_, reader_, error);
     }
     tellUnmatched(name(), shape, *document_);
@@ -138,7 +138,7 @@ Session::Session(const ReadingOptions& options, const std::string& file, const s
 }
 
 void Session::read(const Shape& shape, const ReadingWishes& wishes) {
-    qvej::DocumentOptions document = documentOptions(options_, engine_);
+    DocumentOptions document = documentOptions(options_, engine_);
     document.watches = wishes.watches;
     document.shape = shape;
     document_.emplace(engine_, reader_.documentOptions(document));
@@ -151,18 +151,18 @@ void Session::useMap() {
     }
     try {
         document_->useMap(map_->text());
-    } catch (const qvej::MapError& error) {
+    } catch (const MapError& error) {
         map_->fail(engine_, error);
     }
 }
 
-void Session::failReading(const qvej::Error& error) const {
+void Session::failReading(const Error& error) const {
     if (!error.file().empty()) {
         throw error;  // of an output
     }
     const bool cache = exitCodeOf(error.status()) == FILE_TROUBLE;
-    throw qvej::Error(error.status(), error.what() + aboutLimit(options_, error.status()),
-                      cache ? document_->cacheFile() : name());
+    throw Error(error.status(), error.what() + aboutLimit(options_, error.status()),
+                cache ? document_->cacheFile() : name());
 }
 
 }  // namespace qvej::cli

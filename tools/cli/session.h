@@ -20,7 +20,7 @@ namespace qvej::cli {
 
 // What else is asked of a text while it is read.
 struct ReadingWishes {
-    std::vector<qvej::Watch> watches = {};                // see DocumentOptions
+    std::vector<Watch> watches = {};                      // see DocumentOptions
     std::function<void(std::string_view)> observer = {};  // sees each piece of the text
 };
 
@@ -33,8 +33,8 @@ class Session {
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    [[nodiscard]] const qvej::Document& document() const { return *document_; }
-    [[nodiscard]] const qvej::Engine& engine() const { return engine_; }
+    [[nodiscard]] const Document& document() const { return *document_; }
+    [[nodiscard]] const Engine& engine() const { return engine_; }
 
     // The map in use; null: the automatic one.
     [[nodiscard]] const MapFile* map() const { return map_ ? &*map_ : nullptr; }
@@ -46,17 +46,17 @@ class Session {
     [[nodiscard]] const std::string& mapName() const { return map_ ? map_->name() : name(); }
 
     // Turns a failure of the finished document (its records cannot be read back) into the tool's.
-    [[noreturn]] void failReading(const qvej::Error& error) const;
+    [[noreturn]] void failReading(const Error& error) const;
 
    private:
     void read(const Shape& shape, const ReadingWishes& wishes);
     void useMap();
 
     ReadingOptions options_;
-    qvej::DocumentReader reader_;
-    qvej::Engine engine_;
+    DocumentReader reader_;
+    Engine engine_;
     std::optional<MapFile> map_;
-    std::optional<qvej::Document> document_;
+    std::optional<Document> document_;
 };
 
 }  // namespace qvej::cli

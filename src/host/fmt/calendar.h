@@ -4,8 +4,8 @@
 //     date and time  seconds since 1970-01-01T00:00:00Z, with a fraction
 //     time           seconds since midnight, with a fraction
 //
-// Fractions are exact to the microsecond; further digits are rounded.  A library
-// converts between dates and day numbers; no code here counts days.
+// Fractions are exact to the microsecond; further digits are rounded.  A library converts between
+// dates and day numbers; no code here counts days.
 //
 // Tested by tests/host/fmt_test.cpp
 #pragma once

@@ -67,7 +67,7 @@ class TextWindow {
     static constexpr std::size_t kBytes = 1024;
     static constexpr std::ptrdiff_t kSeen = 57;  // bytes that a NearStops covers, at least
 
-    // The stops among the next kSeen bytes or more: bit i tells of p[i].  Taken from the byte of
+    // The stops among the next kSeen bytes or more: bit i is for p[i].  Taken from the byte of
     // stops_ that holds bit 0, which is why the order of its bytes matters.
     uint64_t stopsFrom(const uint8_t* p) const {
         const auto at = static_cast<std::size_t>(p - base_);

@@ -3,7 +3,7 @@
 
 #include "client/input/byte_source.h"
 #include "tools/cli/failure.h"
-#include "tools/cli/reports/remarks.h"
+#include "tools/cli/suggestion.h"
 
 #include <set>
 
@@ -29,7 +29,7 @@ const KnownWords kKnownWords[] = {
 };
 
 // The names of formats and informats, and what begins a pattern.
-std::vector<std::string> catalogue(const qvej::Engine& engine) {
+std::vector<std::string> catalogue(const Engine& engine) {
     QVFMTh formats = engine.formats();
     std::set<std::string> names;
     for (const auto at : {formats->informatAt, formats->formatAt}) {
@@ -42,7 +42,7 @@ std::vector<std::string> catalogue(const qvej::Engine& engine) {
 }
 
 // What the offending word may have been meant as; empty: no word is at fault.
-std::vector<std::string> knownWords(const qvej::Engine& engine, QVStatus status) {
+std::vector<std::string> knownWords(const Engine& engine, QVStatus status) {
     for (const KnownWords& known : kKnownWords) {
         if (known.status == status) {
             return known.words;
@@ -57,7 +57,7 @@ bool isOfFormats(QVStatus status) {
 }
 
 // What is wrong, the word that is wrong, and the nearest right one.
-std::string describe(const qvej::Engine& engine, const qvej::MapError& error) {
+std::string describe(const Engine& engine, const MapError& error) {
     const QVStatus status = error.status();
     if (status == JMAP_INCOMPLETE) {
         return "the map ends too soon";
@@ -83,7 +83,7 @@ std::string engineCode(QVStatus status) {
 }
 
 std::string readWhole(const std::string& file, std::string* name) {
-    qvej::ByteSource source = qvej::ByteSource::file(file);
+    ByteSource source = ByteSource::file(file);
     *name = source.name();
     std::string text;
     for (std::string_view piece = source.next(); !piece.empty(); piece = source.next()) {
@@ -94,18 +94,18 @@ std::string readWhole(const std::string& file, std::string* name) {
 
 }  // namespace
 
-MapFile::MapFile(qvej::Engine& engine, const std::string& file)
-    : text_(readWhole(file, &name_)), document_(std::make_unique<qvej::Document>(engine)) {
+MapFile::MapFile(Engine& engine, const std::string& file)
+    : text_(readWhole(file, &name_)), document_(std::make_unique<Document>(engine)) {
     document_->feed("[]");
     document_->finish();
     try {
         document_->useMap(text_);
-    } catch (const qvej::MapError& error) {
+    } catch (const MapError& error) {
         fail(engine, error);
     }
 }
 
-void MapFile::fail(const qvej::Engine& engine, const qvej::MapError& error) const {
+void MapFile::fail(const Engine& engine, const MapError& error) const {
     throw Failure(NO_TABLE,
                   name_ + ":" + std::to_string(error.line()) + ":" +
                       std::to_string(error.column()) + ": " + describe(engine, error) +

@@ -17,21 +17,21 @@ class MapFile {
    public:
     // Reads the file and checks it: well formed, and its formats and informats are known.  Throws a
     // Failure.
-    MapFile(qvej::Engine& engine, const std::string& file);
+    MapFile(Engine& engine, const std::string& file);
 
     [[nodiscard]] const std::string& name() const { return name_; }
     [[nodiscard]] const std::string& text() const { return text_; }
 
     // Its tables as they are without a document: a character column without LENGTH has length 0.
-    [[nodiscard]] const std::vector<qvej::Table>& tables() const { return document_->tables(); }
+    [[nodiscard]] const std::vector<Table>& tables() const { return document_->tables(); }
 
     // The failure that a mistake in the text leads to: its place, the line, what would be right.
-    [[noreturn]] void fail(const qvej::Engine& engine, const qvej::MapError& error) const;
+    [[noreturn]] void fail(const Engine& engine, const MapError& error) const;
 
    private:
     std::string name_;
     std::string text_;
-    std::unique_ptr<qvej::Document> document_;  // an empty one: the tables are its
+    std::unique_ptr<Document> document_;  // an empty one: the tables are its
 };
 
 }  // namespace qvej::cli

@@ -15,12 +15,12 @@ constexpr char kSeparator = '\x02';
 constexpr std::size_t kLongestName = 32;  // bytes of a table name that a map keeps
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
-std::string columnName(const qvej::Table& table, const qvej::Column& column) {
+std::string columnName(const Table& table, const Column& column) {
     return visible(table.name) + "." + column.name;
 }
 
 std::string inBrackets(const std::string& path) {
-    return " (" + qvej::withSlashes(path) + ")";
+    return " (" + withSlashes(path) + ")";
 }
 
 // Paths of values, and paths of what encloses them.
@@ -29,9 +29,9 @@ struct KnownPaths {
     std::unordered_set<std::string> containers;
 };
 
-KnownPaths knownPaths(const qvej::Document& document) {
+KnownPaths knownPaths(const Document& document) {
     KnownPaths known;
-    for (const qvej::PathStatistics& statistics : document.pathStatistics()) {
+    for (const PathStatistics& statistics : document.pathStatistics()) {
         const std::string& path = statistics.path;
         (statistics.type <= JMAP_CHARACTER ? known.values : known.containers).insert(path);
         for (std::size_t end = path.rfind(kSeparator); end != std::string::npos && end != 0;
@@ -45,20 +45,20 @@ KnownPaths knownPaths(const qvej::Document& document) {
 }
 
 bool isUtf8(std::string_view text) {
-    return qvej::withoutUnfinished(text).size() == text.size();
+    return withoutUnfinished(text).size() == text.size();
 }
 
 }  // namespace
 
-Findings neverOccurring(const qvej::Document& document) {
+Findings neverOccurring(const Document& document) {
     const KnownPaths known = knownPaths(document);
     Findings findings;
-    for (const qvej::Table& table : document.tables()) {
+    for (const Table& table : document.tables()) {
         if (!known.containers.contains(table.path())) {
             findings.push_back("table " + visible(table.name) + inBrackets(table.path()));
         }
-        for (const qvej::Column& column : table.columns) {
-            const bool ordinal = column.type == qvej::ColumnType::ORDINAL;
+        for (const Column& column : table.columns) {
+            const bool ordinal = column.type == ColumnType::ORDINAL;
             if (!(ordinal ? known.containers : known.values).contains(column.path)) {
                 findings.push_back(columnName(table, column) + inBrackets(column.path));
             }
@@ -67,19 +67,19 @@ Findings neverOccurring(const qvej::Document& document) {
     return findings;
 }
 
-Findings leftOut(const qvej::Document& document) {
+Findings leftOut(const Document& document) {
     std::unordered_set<std::string> taken;
-    for (const qvej::Table& table : document.tables()) {
-        for (const qvej::Column& column : table.columns) {
-            if (column.type != qvej::ColumnType::ORDINAL) {
+    for (const Table& table : document.tables()) {
+        for (const Column& column : table.columns) {
+            if (column.type != ColumnType::ORDINAL) {
                 taken.insert(column.path);
             }
         }
     }
     Findings findings;
-    for (const qvej::Table& table : document.automaticTables()) {
-        for (const qvej::Column& column : table.columns) {
-            if (column.type != qvej::ColumnType::ORDINAL && !taken.contains(column.path)) {
+    for (const Table& table : document.automaticTables()) {
+        for (const Column& column : table.columns) {
+            if (column.type != ColumnType::ORDINAL && !taken.contains(column.path)) {
                 findings.push_back(columnName(table, column) + inBrackets(column.path));
             }
         }
@@ -87,12 +87,11 @@ Findings leftOut(const qvej::Document& document) {
     return findings;
 }
 
-Findings doubtfulNames(const std::vector<qvej::Table>& tables,
-                       const std::vector<qvej::TableText>& texts) {
+Findings doubtfulNames(const std::vector<Table>& tables, const std::vector<TableText>& texts) {
     Findings findings;
     std::set<std::string> names;
     for (std::size_t i = 0; i < tables.size(); ++i) {
-        const qvej::Table& table = tables[i];
+        const Table& table = tables[i];
         const std::string& name = texts.empty() ? table.name : texts[i].name;
         if (name.empty()) {
             findings.push_back("empty name: the table at" + inBrackets(table.path()));
@@ -101,16 +100,16 @@ Findings doubtfulNames(const std::vector<qvej::Table>& tables,
             findings.push_back("long name: table " + table.name + " was cut to " +
                                std::to_string(kLongestName) + " bytes");
         }
-        if (!names.insert(qvej::lowerCased(table.name)).second) {
+        if (!names.insert(lowerCased(table.name)).second) {
             findings.push_back("shared name: table " + visible(table.name) +
                                ": read opens the first of that name");
         }
-        for (const qvej::Column& column : repeatedNames(table)) {
+        for (const Column& column : repeatedNames(table)) {
             findings.push_back("shared name: " + columnName(table, column) +
                                inBrackets(column.path) +
                                ": an earlier column has it, NDJSON objects have both members");
         }
-        for (const qvej::Column& column : table.columns) {
+        for (const Column& column : table.columns) {
             if (column.name.empty()) {
                 findings.push_back("no name: a column of table " + visible(table.name) +
                                    inBrackets(column.path));
@@ -124,25 +123,25 @@ Findings doubtfulNames(const std::vector<qvej::Table>& tables,
     return findings;
 }
 
-Findings namesWithSlash(const qvej::Document& document) {
+Findings namesWithSlash(const Document& document) {
     Findings findings;
-    for (const qvej::PathStatistics& statistics : document.pathStatistics()) {
+    for (const PathStatistics& statistics : document.pathStatistics()) {
         if (statistics.path.find('/') != std::string::npos) {
-            findings.push_back(qvej::withSlashes(statistics.path) + ", a name holds \"/\"");
+            findings.push_back(withSlashes(statistics.path) + ", a name holds \"/\"");
         }
     }
     return findings;
 }
 
-Findings namesWithSeparator(const qvej::Document& document) {
+Findings namesWithSeparator(const Document& document) {
     Findings findings;
     std::unordered_set<std::string> found;
-    qvej::RecordCursor records(document);
-    qvej::Record record = {};
+    RecordCursor records(document);
+    Record record = {};
     while (records.next(record)) {
         const auto separators = std::count(record.path.begin(), record.path.end(), kSeparator);
         if (separators > record.labels + 1 && found.emplace(record.path).second) {
-            findings.push_back(qvej::withSlashes(record.path) + ", a name holds the byte 0x02");
+            findings.push_back(withSlashes(record.path) + ", a name holds the byte 0x02");
         }
     }
     return findings;

@@ -15,21 +15,20 @@ namespace qvej::cli {
 using Findings = std::vector<std::string>;
 
 // Paths of the map that the document never has.
-Findings neverOccurring(const qvej::Document& document);
+Findings neverOccurring(const Document& document);
 
 // Columns of the automatic map whose path is no column's in the map.
-Findings leftOut(const qvej::Document& document);
+Findings leftOut(const Document& document);
 
 // Names of a map that are not what they were in the document or may not be what was meant: shared
 // by tables or by columns of a table, cut to 32 bytes, empty, with characters that got lost.
 // `texts`: what the map's text says, or empty.
-Findings doubtfulNames(const std::vector<qvej::Table>& tables,
-                       const std::vector<qvej::TableText>& texts);
+Findings doubtfulNames(const std::vector<Table>& tables, const std::vector<TableText>& texts);
 
 // Paths of the document that a map cannot name: those with a name that holds "/"; those with a name
 // that holds the byte 0x02, which divides paths.  The second reads all records and throws
 // QV_IO_..., QV_NOMEM.
-Findings namesWithSlash(const qvej::Document& document);
-Findings namesWithSeparator(const qvej::Document& document);
+Findings namesWithSlash(const Document& document);
+Findings namesWithSeparator(const Document& document);
 
 }  // namespace qvej::cli

@@ -15,12 +15,12 @@ namespace qvej::cli {
 namespace {
 
 // FORMAT or INFORMAT; `mark` stands in front of the name.  Empty: there is none.
-std::string conversionText(std::string_view mark, const qvej::Conversion& conversion) {
+std::string conversionText(std::string_view mark, const Conversion& conversion) {
     if (conversion.name.empty()) {
         return {};
     }
     std::string name(mark);
-    name += qvej::withoutUnfinished(conversion.name);  // the engine may have cut it
+    name += withoutUnfinished(conversion.name);  // the engine may have cut it
     std::string text = "[" + jsonText(name);
     if (conversion.width != 0 || conversion.decimals != 0) {
         text += "," + std::to_string(conversion.width);
@@ -31,16 +31,16 @@ std::string conversionText(std::string_view mark, const qvej::Conversion& conver
     return text + "]";
 }
 
-MapColumn modelOf(const qvej::Column& column, const qvej::ColumnText& text) {
+MapColumn modelOf(const Column& column, const ColumnText& text) {
     MapColumn model;
     model.name = column.name;
-    model.path = qvej::withSlashes(column.path);
+    model.path = withSlashes(column.path);
     model.type = column.type;
     model.length = text.length;
     model.currentLength = text.currentLength;
     model.format = conversionText({}, column.format);
     model.informat = conversionText(column.quiet ? "?" : "", column.informat);
-    model.label = qvej::withoutUnfinished(column.label);
+    model.label = withoutUnfinished(column.label);
     model.option = column.retain ? "RETAIN" : column.noretain ? "NORETAIN" : "";
     return model;
 }
@@ -89,13 +89,12 @@ void addTable(std::string& out, const MapTable& table) {
 
 }  // namespace
 
-MapModel mapModel(qvej::Engine& engine, std::string_view text,
-                  const std::vector<qvej::Table>& tables) {
-    const std::vector<qvej::TableText> texts = qvej::readMapText(engine, text);
+MapModel mapModel(Engine& engine, std::string_view text, const std::vector<Table>& tables) {
+    const std::vector<TableText> texts = readMapText(engine, text);
     MapModel model;
     for (std::size_t t = 0; t < texts.size(); ++t) {
-        const qvej::Table& table = tables.at(t);
-        model.push_back({texts[t].name, qvej::withSlashes(table.path()), {}});
+        const Table& table = tables.at(t);
+        model.push_back({texts[t].name, withSlashes(table.path()), {}});
         for (std::size_t c = 0; c < table.columns.size(); ++c) {
             model.back().columns.push_back(modelOf(table.columns[c], texts[t].columns.at(c)));
         }
@@ -107,7 +106,7 @@ std::vector<MapModel> readMapModels(const std::vector<std::string>& files) {
     if (std::count(files.begin(), files.end(), "-") > 1) {
         usageError("only one of the maps can be standard input");
     }
-    qvej::Engine engine;
+    Engine engine;
     std::vector<MapModel> models;
     models.reserve(files.size());
     for (const std::string& file : files) {
@@ -126,13 +125,13 @@ std::string mapDocument(const MapModel& map) {
     return out + "]}";
 }
 
-std::string_view typeName(qvej::ColumnType type) {
+std::string_view typeName(ColumnType type) {
     switch (type) {
-        case qvej::ColumnType::ORDINAL:
+        case ColumnType::ORDINAL:
             return "ORDINAL";
-        case qvej::ColumnType::NUMERIC:
+        case ColumnType::NUMERIC:
             return "NUMERIC";
-        case qvej::ColumnType::CHARACTER:
+        case ColumnType::CHARACTER:
             return "CHARACTER";
     }
     return {};
@@ -140,12 +139,12 @@ std::string_view typeName(qvej::ColumnType type) {
 
 std::string jsonText(std::string_view text) {
     std::string out = "\"";
-    qvej::appendEscaped(out, text, qvej::JSON_STRING);
+    appendEscaped(out, text, JSON_STRING);
     return out + "\"";
 }
 
 std::string columnName(const MapTable& table, const MapColumn& column) {
-    return qvej::escaped(visible(table.name)) + "." + qvej::escaped(column.name);
+    return escaped(visible(table.name)) + "." + escaped(column.name);
 }
 
 }  // namespace qvej::cli

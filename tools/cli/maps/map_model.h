@@ -17,7 +17,7 @@ namespace qvej::cli {
 struct MapColumn {
     std::string name;
     std::string path;  // with "/"
-    qvej::ColumnType type;
+    ColumnType type;
     std::optional<uint64_t> length;         // LENGTH, at most what the engine takes
     std::optional<uint64_t> currentLength;  // CURRENT_LENGTH
     std::string format;                     // as a map writes it: ["comma",12,2]
@@ -35,8 +35,7 @@ struct MapTable {
 using MapModel = std::vector<MapTable>;
 
 // A map by its text and the tables that have been read from it.
-MapModel mapModel(qvej::Engine& engine, std::string_view text,
-                  const std::vector<qvej::Table>& tables);
+MapModel mapModel(Engine& engine, std::string_view text, const std::vector<Table>& tables);
 
 // The maps of some files, one of which may be standard input.  Throws a Failure, as MapFile.
 std::vector<MapModel> readMapModels(const std::vector<std::string>& files);
@@ -45,7 +44,7 @@ std::vector<MapModel> readMapModels(const std::vector<std::string>& files);
 std::string mapDocument(const MapModel& map);
 
 // "ORDINAL", "NUMERIC", "CHARACTER".
-std::string_view typeName(qvej::ColumnType type);
+std::string_view typeName(ColumnType type);
 
 // A text as JSON has it, control characters escaped.
 std::string jsonText(std::string_view text);

@@ -39,8 +39,8 @@ void putMap(const std::string& map, const Options& options, const Sources& sourc
     }
     Writer out = standardOutput();
     if (out.terminal()) {
-        qvej::appendEscaped(out, map,
-                            qvej::CONTROLS);  // inside JSON strings an escape means the same
+        // Inside JSON strings an escape means the same.
+        appendEscaped(out, map, CONTROLS);
     } else {
         out.append(map);
     }

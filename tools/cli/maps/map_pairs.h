@@ -24,7 +24,7 @@ inline PairKey exactKey(const MapTable& table) {
     return {table.path, table.name};
 }
 inline PairKey caselessKey(const MapTable& table) {
-    return {table.path, qvej::lowerCased(table.name)};
+    return {table.path, lowerCased(table.name)};
 }
 inline PairKey pathKey(const MapTable& table) {
     return {table.path, {}};
@@ -32,7 +32,7 @@ inline PairKey pathKey(const MapTable& table) {
 
 // An ordinal and a value may have one path and are never the same.
 inline std::string kindOf(const MapColumn& column) {
-    return column.type == qvej::ColumnType::ORDINAL ? "ordinal " : "value ";
+    return column.type == ColumnType::ORDINAL ? "ordinal " : "value ";
 }
 inline PairKey exactKey(const MapColumn& column) {
     return {column.path, kindOf(column) + column.name};

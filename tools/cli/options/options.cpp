@@ -9,7 +9,7 @@
 #include "tools/cli/options/help.h"
 #include "tools/cli/options/option_owners.h"
 #include "tools/cli/options/option_values.h"
-#include "tools/cli/reports/remarks.h"
+#include "tools/cli/suggestion.h"
 #include "tools/cli/verbs/verbs.h"
 
 #include <CLI/App.hpp>
@@ -68,7 +68,7 @@ void checkNull(const std::string& text, const Format& format) {
     if (format.ownNull) {
         usageError("--null: " + std::string(format.name) + " has a null of its own");
     }
-    if (text.find_first_of(",\"") != std::string::npos || qvej::shown(text) != text) {
+    if (text.find_first_of(",\"") != std::string::npos || shown(text) != text) {
         usageError("--null: " + inQuotes(text) +
                    " has a comma, a quote or a character that cannot be shown");
     }
@@ -120,8 +120,8 @@ void placeWords(const std::vector<std::string>& words, Options& options) {
                    suggestion(name + " " + rest[0], verbNames(name + " ")));
     }
     for (std::size_t i = 0; i < rest.size(); ++i) {
-        if (rest[i].empty() &&
-            !operandName(verb, i).starts_with("TABLE")) {  // of a table it may be
+        // The name of a table may be empty.
+        if (rest[i].empty() && !operandName(verb, i).starts_with("TABLE")) {
             usageError(name + ": the name of " + operandName(verb, i) + " is empty");
         }
     }
@@ -192,23 +192,23 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
         ->group("Options of read");
 
     app.add_flag("--account", o.account,
-                 "count what becomes of every value, and tell which are in\nno cell (exit code 1)")
+                 "count what becomes of every value, and tell which are in no cell (exit code 1)")
         ->group("Options of convert and check");
 
     const std::string rows = "Rows and tables";
     app.add_option("--map", o.map,
-                   "use this map in place of the automatic one (check takes\nit with --account)")
+                   "use this map in place of the automatic one (check takes it with --account)")
         ->type_name("FILE")
         ->group(rows);
     app.add_option("--rejects", o.rejects,
-                   "a line of CSV for each value that its column\ncannot take")
+                   "a line of CSV for each value that its column cannot take")
         ->type_name("FILE")
         ->group(rows);
     app.add_option("--format", raw.format, "csv (default) or ndjson")
         ->type_name("NAME")
         ->group(rows);
     app.add_option("--null", raw.null,
-                   "CSV: what stands for null and for no value (default:\n"
+                   "CSV: what stands for null and for no value (default: "
                    "nothing, as for an empty text)")
         ->type_name("TEXT")
         ->group(rows);
@@ -226,16 +226,16 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
 
     const std::string reading = "Reading the document";
     app.add_flag("--lines", o.reading.text.lines,
-                 "JSON Lines: a value in each line, no more and no less, or\nnothing (default: by "
+                 "JSON Lines: a value in each line, no more and no less, or nothing (default: by "
                  "the name, .jsonl or .ndjson)")
         ->group(reading);
     app.add_option("--encoding", o.reading.text.encoding,
-                   "encoding of FILE, any that ICU names (default: auto, by\na byte order mark or "
+                   "encoding of FILE, any that ICU names (default: auto, by a byte order mark or "
                    "zero bytes, else UTF-8)")
         ->type_name("NAME")
         ->group(reading);
     app.add_option("--invalid", raw.invalid,
-                   "bytes that are wrong in the encoding: error (default), or\nreplace, by U+FFFD")
+                   "bytes that are wrong in the encoding: error (default), or replace, by U+FFFD")
         ->type_name("WAY")
         ->group(reading);
     app.add_option("--depth", raw.depth, "deepest nesting allowed, 0 for any (default: 1000)")
@@ -250,12 +250,12 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
         ->type_name("SIZE")
         ->group(reading);
     app.add_option("--keep-free", raw.keepFree,
-                   "memory to leave free; below it records go to a file\n"
+                   "memory to leave free; below it records go to a file "
                    "(default: half of --memory, else an eighth of what is free)")
         ->type_name("SIZE")
         ->group(reading);
     app.add_option("--cache", o.reading.cache,
-                   "a new or empty file for such records; it stays\n(default: a private one in "
+                   "a new or empty file for such records; it stays (default: a private one in "
                    "$TMPDIR or /tmp, removed)")
         ->type_name("FILE")
         ->group(reading);
@@ -263,9 +263,8 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     declareShapeOptions(app);
 
     const std::string general = "General";
-    app.add_option(
-           "--debug", raw.debug,
-           "notes of the engine: MAP, READ, COMPRESSION, ALL, ...; \"-MAP\"\nleaves one out")
+    app.add_option("--debug", raw.debug,
+                   "notes of the engine: MAP, READ, COMPRESSION, ALL, ...; \"-MAP\" leaves one out")
         ->type_name("KEYWORDS")
         ->group(general);
     app.add_flag("--force", o.force,

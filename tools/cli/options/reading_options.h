@@ -11,7 +11,7 @@
 namespace qvej::cli {
 
 struct ReadingOptions {
-    qvej::TextOptions text;
+    TextOptions text;
     ShapeOptions shape;
     uint64_t depth = 1000;           // 0: any
     uint64_t maxPaths = 10'000'000;  // 0: any number

@@ -19,25 +19,25 @@ namespace {
 
 // What is lost of one path in one way.
 struct Line {
-    const qvej::PathAccount* account;
+    const PathAccount* account;
     std::string_view way;
     uint64_t count;
     uint64_t first;
-    qvej::Spot place;
+    Spot place;
 };
 
-std::vector<Line> linesOf(const std::vector<qvej::PathAccount>& accounts,
-                          const std::vector<qvej::Spot>& starts) {
+std::vector<Line> linesOf(const std::vector<PathAccount>& accounts,
+                          const std::vector<Spot>& starts) {
     std::vector<Line> lines;
     for (std::size_t i = 0; i < accounts.size(); ++i) {
-        const auto add = [&](std::string_view way, const qvej::LostValues& lost) {
+        const auto add = [&](std::string_view way, const LostValues& lost) {
             if (lost.count != 0) {
                 lines.push_back({&accounts[i], way, lost.count, lost.first,
-                                 lost.first == 1 ? starts[i] : qvej::Spot{}});
+                                 lost.first == 1 ? starts[i] : Spot{}});
             }
         };
-        for (std::size_t loss = 0; loss < qvej::kLosses; ++loss) {
-            add(nameOf(static_cast<qvej::Loss>(loss)), accounts[i].lost[loss]);
+        for (std::size_t loss = 0; loss < kLosses; ++loss) {
+            add(nameOf(static_cast<Loss>(loss)), accounts[i].lost[loss]);
         }
         add("strayed", accounts[i].strayed);
         add("cut", accounts[i].cut);
@@ -53,7 +53,7 @@ bool staysInPlace(const std::string& file) {
 
 // Reads the document again for the places that are not known.
 void findPlaces(const Options& options, std::vector<Line>& lines) {
-    std::vector<qvej::Watch> watches;
+    std::vector<Watch> watches;
     std::vector<Line*> wanted;
     for (Line& line : lines) {
         if (line.place.line == 0) {
@@ -85,36 +85,35 @@ std::string partOfCells(uint64_t strayed, uint64_t cut) {
     return text.empty() ? text : text + ")";
 }
 
-std::string sumLine(const std::vector<qvej::PathAccount>& accounts) {
+std::string sumLine(const std::vector<PathAccount>& accounts) {
     uint64_t values = 0;
     uint64_t cells = 0;
     uint64_t strayed = 0;
     uint64_t cut = 0;
-    std::array<uint64_t, qvej::kLosses> lost = {};
-    for (const qvej::PathAccount& account : accounts) {
+    std::array<uint64_t, kLosses> lost = {};
+    for (const PathAccount& account : accounts) {
         values += account.values;
         cells += account.cells;
         strayed += account.strayed.count;
         cut += account.cut.count;
-        for (std::size_t loss = 0; loss < qvej::kLosses; ++loss) {
+        for (std::size_t loss = 0; loss < kLosses; ++loss) {
             lost[loss] += account.lost[loss].count;
         }
     }
     std::string line = std::to_string(values) + (values == 1 ? " value = " : " values = ") +
                        std::to_string(cells) + " in cells" + partOfCells(strayed, cut);
-    for (std::size_t loss = 0; loss < qvej::kLosses; ++loss) {
+    for (std::size_t loss = 0; loss < kLosses; ++loss) {
         line += " + " + std::to_string(lost[loss]) + " ";
-        line += nameOf(static_cast<qvej::Loss>(loss));
+        line += nameOf(static_cast<Loss>(loss));
     }
     return line;
 }
 
 // Sums that do not agree are a mistake of this program, and must not be shown as an account.
-void checkSums(const std::vector<qvej::PathAccount>& accounts) {
-    for (const qvej::PathAccount& account : accounts) {
+void checkSums(const std::vector<PathAccount>& accounts) {
+    for (const PathAccount& account : accounts) {
         if (!account.meets()) {
-            throw Failure(LIMIT_REACHED, "the account of " +
-                                             qvej::escaped(qvej::withSlashes(account.path)) +
+            throw Failure(LIMIT_REACHED, "the account of " + escaped(withSlashes(account.path)) +
                                              " does not add up; please report this");
         }
     }
@@ -122,8 +121,8 @@ void checkSums(const std::vector<qvej::PathAccount>& accounts) {
 
 }  // namespace
 
-ExitCode reportAccount(const Options& options, const std::vector<qvej::PathAccount>& accounts,
-                       const std::vector<qvej::Spot>& starts) {
+ExitCode reportAccount(const Options& options, const std::vector<PathAccount>& accounts,
+                       const std::vector<Spot>& starts) {
     checkSums(accounts);
     std::vector<Line> lines = linesOf(accounts, starts);
     findPlaces(options, lines);
@@ -133,9 +132,9 @@ ExitCode reportAccount(const Options& options, const std::vector<qvej::PathAccou
     }
     const std::string file = options.operands[0] == "-" ? "<stdin>" : options.operands[0];
     for (const Line& line : lines) {
-        rows.push_back({qvej::escaped(qvej::withSlashes(line.account->path)),
-                        std::to_string(line.count), std::string(line.way),
-                        line.place.line == 0 ? "" : qvej::shown(spotText(file, line.place))});
+        rows.push_back({escaped(withSlashes(line.account->path)), std::to_string(line.count),
+                        std::string(line.way),
+                        line.place.line == 0 ? "" : shown(spotText(file, line.place))});
     }
     Writer out = standardOutput();
     print(out, rows);
@@ -144,14 +143,13 @@ ExitCode reportAccount(const Options& options, const std::vector<qvej::PathAccou
     return lines.empty() ? DONE : REJECTED;
 }
 
-std::vector<qvej::Spot> startsOf(const qvej::Document& document,
-                                 const std::vector<qvej::PathAccount>& accounts) {
-    const auto before = [](qvej::Spot a, qvej::Spot b) {
+std::vector<Spot> startsOf(const Document& document, const std::vector<PathAccount>& accounts) {
+    const auto before = [](Spot a, Spot b) {
         return a.line != b.line ? a.line < b.line : a.column < b.column;
     };
-    std::unordered_map<std::string, qvej::Spot> starts;
-    for (const qvej::PathStatistics& path : document.pathStatistics()) {
-        for (const qvej::KindStatistics& kind : path.kinds) {
+    std::unordered_map<std::string, Spot> starts;
+    for (const PathStatistics& path : document.pathStatistics()) {
+        for (const KindStatistics& kind : path.kinds) {
             if (kind.kind == JMAP_KIND_FAKE_VARIABLE) {
                 continue;  // no value: an empty container
             }
@@ -161,15 +159,15 @@ std::vector<qvej::Spot> startsOf(const qvej::Document& document,
             }
         }
     }
-    std::vector<qvej::Spot> found;
+    std::vector<Spot> found;
     found.reserve(accounts.size());
-    for (const qvej::PathAccount& account : accounts) {
+    for (const PathAccount& account : accounts) {
         found.push_back(starts[account.path]);
     }
     return found;
 }
 
-ExitCode tellLost(const std::string& what, const qvej::RowLosses& losses, uint64_t inNoCell) {
+ExitCode tellLost(const std::string& what, const RowLosses& losses, uint64_t inNoCell) {
     const auto values = [](uint64_t count) {
         return std::to_string(count) + (count == 1 ? " value" : " values");
     };

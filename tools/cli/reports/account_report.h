@@ -18,18 +18,17 @@ namespace qvej::cli {
 // input or from a pipe is gone, and only places that `starts` knows are shown.
 //   starts  where the first value of each account begins
 // REJECTED when a value is lost, else DONE.  Throws a Failure.
-ExitCode reportAccount(const Options& options, const std::vector<qvej::PathAccount>& accounts,
-                       const std::vector<qvej::Spot>& starts);
+ExitCode reportAccount(const Options& options, const std::vector<PathAccount>& accounts,
+                       const std::vector<Spot>& starts);
 
 // Where the first value of each account begins.
-std::vector<qvej::Spot> startsOf(const qvej::Document& document,
-                                 const std::vector<qvej::PathAccount>& accounts);
+std::vector<Spot> startsOf(const Document& document, const std::vector<PathAccount>& accounts);
 
 // A line on standard error for values that are in no cell, one for those that strayed, and how to
 // see which; nothing when there are none.  REJECTED when values were overwritten or strayed:
 // whatever else is in no cell, a map may leave out on purpose.
 //   what      file or table
 //   inNoCell  0: only overwritten values are asked for
-ExitCode tellLost(const std::string& what, const qvej::RowLosses& losses, uint64_t inNoCell = 0);
+ExitCode tellLost(const std::string& what, const RowLosses& losses, uint64_t inNoCell = 0);
 
 }  // namespace qvej::cli

@@ -15,12 +15,12 @@ void align(std::vector<Row>& rows) {
     for (const Row& row : rows) {
         widths.resize(std::max(widths.size(), row.size()));
         for (std::size_t i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths[i], qvej::displayWidth(row[i]));
+            widths[i] = std::max(widths[i], displayWidth(row[i]));
         }
     }
     for (Row& row : rows) {
         for (std::size_t i = 0; i + 1 < row.size(); ++i) {
-            row[i].append(widths[i] - qvej::displayWidth(row[i]) + 1, ' ');
+            row[i].append(widths[i] - displayWidth(row[i]) + 1, ' ');
         }
     }
 }

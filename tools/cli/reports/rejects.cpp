@@ -14,7 +14,7 @@ constexpr std::size_t kShownBytes = 40;
 constexpr const char* kHeader[] = {"table", "row", "column", "path", "ordinals", "text", "reason"};
 
 std::string shortened(std::string_view text) {
-    const std::string_view start = qvej::withoutUnfinished(text.substr(0, kShownBytes));
+    const std::string_view start = withoutUnfinished(text.substr(0, kShownBytes));
     return "\"" + std::string(start) + (start.size() < text.size() ? "..." : "") + "\"";
 }
 
@@ -22,11 +22,11 @@ std::string shortened(std::string_view text) {
 std::string ordinalsOf(const qvej::Row& row) {
     std::string text;
     for (std::size_t i = 0; i < row.columns().size(); ++i) {
-        if (row.columns()[i].type == qvej::ColumnType::ORDINAL) {
-            const qvej::Cell cell = row.cell(i);
+        if (row.columns()[i].type == ColumnType::ORDINAL) {
+            const Cell cell = row.cell(i);
             text += (text.empty() ? "" : " ") + row.columns()[i].name + "=";
-            text += cell.kind == qvej::Cell::COUNT ? std::to_string(cell.count)
-                    : cell.kind == qvej::Cell::NUMBER  // it has a format
+            text += cell.kind == Cell::COUNT ? std::to_string(cell.count)
+                    : cell.kind == Cell::NUMBER  // it has a format
                         ? std::to_string(static_cast<uint64_t>(cell.number))
                         : std::string();
         }
@@ -52,13 +52,13 @@ Rejects::Rejects(const std::string& file, bool force, const Sources& sources,
     }
 }
 
-qvej::RejectHandler Rejects::handlerFor(const qvej::Table& table) {
-    return [this, &table](const qvej::Row& row, const qvej::Rejected& rejected) {
+RejectHandler Rejects::handlerFor(const Table& table) {
+    return [this, &table](const qvej::Row& row, const Rejected& rejected) {
         take(table, row, rejected);
     };
 }
 
-void Rejects::take(const qvej::Table& table, const qvej::Row& row, const qvej::Rejected& rejected) {
+void Rejects::take(const Table& table, const qvej::Row& row, const Rejected& rejected) {
     const auto [place, first] =
         places_.try_emplace({&table, rejected.column, rejected.cut}, columns_.size());
     if (first) {
@@ -72,14 +72,13 @@ void Rejects::take(const qvej::Table& table, const qvej::Row& row, const qvej::R
     }
 }
 
-void Rejects::writeLine(const qvej::Table& table, const qvej::Row& row,
-                        const qvej::Rejected& rejected) {
+void Rejects::writeLine(const Table& table, const qvej::Row& row, const Rejected& rejected) {
     CsvFields& fields = file_->fields;
-    const qvej::Column& column = table.columns[rejected.column];
+    const Column& column = table.columns[rejected.column];
     fields.text(table.name);
     fields.text(std::to_string(rejected.row));
     fields.text(column.name);
-    fields.text(qvej::withSlashes(column.path));
+    fields.text(withSlashes(column.path));
     fields.text(ordinalsOf(row));
     fields.text(rejected.text);
     fields.text(rejected.reason);

@@ -26,7 +26,7 @@ class Rejects {
             const Destination* tables = nullptr);
 
     // What the row of a table calls.  This object and the table must outlive it.
-    qvej::RejectHandler handlerFor(const qvej::Table& table);
+    RejectHandler handlerFor(const Table& table);
 
     // Gives the file its name, and commits `tables`: both or none.  Throws a Failure.
     void commit(Destination* tables = nullptr);
@@ -50,13 +50,13 @@ class Rejects {
         CsvFields fields;
     };
 
-    void take(const qvej::Table& table, const qvej::Row& row, const qvej::Rejected& rejected);
-    void writeLine(const qvej::Table& table, const qvej::Row& row, const qvej::Rejected& rejected);
+    void take(const Table& table, const qvej::Row& row, const Rejected& rejected);
+    void writeLine(const Table& table, const qvej::Row& row, const Rejected& rejected);
 
     std::unique_ptr<File> file_;
     std::vector<OfColumn> columns_;  // in order of their first
     // By table, column and whether values are cut: their place in `columns_`.
-    std::map<std::tuple<const qvej::Table*, std::size_t, bool>, std::size_t> places_;
+    std::map<std::tuple<const Table*, std::size_t, bool>, std::size_t> places_;
 };
 
 }  // namespace qvej::cli

@@ -4,14 +4,12 @@
 #include "tools/cli/reports/tell.h"
 
 #include <algorithm>
-#include <numeric>
 #include <unordered_map>
 
 namespace qvej::cli {
 
 namespace {
 
-constexpr std::size_t kMostSuggestions = 3;
 constexpr std::size_t kMostNames = 5;
 
 std::string joined(const std::vector<std::string>& words) {
@@ -33,30 +31,15 @@ std::string firstOf(std::vector<std::string> words) {
 }
 
 // Does the table show values of its own, as ALLDATA and a table of ordinals alone do not?
-bool hasOwnValues(const qvej::Table& table) {
+bool hasOwnValues(const Table& table) {
     return !table.alldata &&
            std::any_of(table.columns.begin(), table.columns.end(),
-                       [](const auto& column) { return column.type != qvej::ColumnType::ORDINAL; });
+                       [](const auto& column) { return column.type != ColumnType::ORDINAL; });
 }
 
 // Do rows show the column's numbers as doubles, and not by their own digits?
-bool goesThroughDouble(const qvej::Column& column) {
+bool goesThroughDouble(const Column& column) {
     return !column.format.name.empty() || !column.informat.name.empty();
-}
-
-std::size_t editDistance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i + 1;
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
-        }
-    }
-    return row.back();
 }
 
 }  // namespace
@@ -65,9 +48,9 @@ std::string visible(const std::string& tableName) {
     return tableName.empty() ? "\"\"" : tableName;
 }
 
-std::string hiddenAlldata(const qvej::Document& document, const std::string& alldataName) {
-    for (const qvej::Table& table : document.tables()) {
-        if (qvej::equalIgnoringCase(table.name, alldataName)) {
+std::string hiddenAlldata(const Document& document, const std::string& alldataName) {
+    for (const Table& table : document.tables()) {
+        if (equalIgnoringCase(table.name, alldataName)) {
             return "the table " + visible(table.name) +
                    " hides ALLDATA (--alldata-name gives that another name)";
         }
@@ -75,11 +58,11 @@ std::string hiddenAlldata(const qvej::Document& document, const std::string& all
     return {};
 }
 
-std::string sharedNames(const qvej::Document& document, const std::string& alldataName) {
+std::string sharedNames(const Document& document, const std::string& alldataName) {
     std::unordered_map<std::string, std::size_t> counts;
     std::vector<std::string> order;
-    for (const qvej::Table& table : document.tables()) {
-        std::size_t& count = counts[qvej::lowerCased(table.name)];
+    for (const Table& table : document.tables()) {
+        std::size_t& count = counts[lowerCased(table.name)];
         if (++count == 2) {
             order.push_back(visible(table.name));
         }
@@ -92,27 +75,27 @@ std::string sharedNames(const qvej::Document& document, const std::string& allda
     return text + (text.empty() || hidden.empty() ? "" : "; ") + hidden;
 }
 
-std::string spotText(const std::string& file, qvej::Spot spot) {
+std::string spotText(const std::string& file, Spot spot) {
     return spot.line == 0
                ? file
                : file + ":" + std::to_string(spot.line) + ":" + std::to_string(spot.column);
 }
 
-void tellInexact(const std::string& file, const qvej::Document& document,
-                 const std::vector<const qvej::Table*>& tables, Inexact which) {
+void tellInexact(const std::string& file, const Document& document,
+                 const std::vector<const Table*>& tables, Inexact which) {
     const bool all = which == Inexact::ALL;
-    std::unordered_map<std::string, qvej::PathStatistics> inexact;
-    for (qvej::PathStatistics& path : document.inexactPaths()) {
+    std::unordered_map<std::string, PathStatistics> inexact;
+    for (PathStatistics& path : document.inexactPaths()) {
         inexact.emplace(path.path, path);
     }
     if (inexact.empty()) {
         return;
     }
     std::size_t told = 0;
-    for (const qvej::Table* table : tables) {
-        for (const qvej::Column& column : table->columns) {
+    for (const Table* table : tables) {
+        for (const Column& column : table->columns) {
             const auto found = inexact.find(column.path);
-            if (column.type != qvej::ColumnType::NUMERIC || found == inexact.end() ||
+            if (column.type != ColumnType::NUMERIC || found == inexact.end() ||
                 (which == Inexact::ROUNDED && !goesThroughDouble(column)) ||
                 (++told > kMostNames && !all)) {
                 continue;
@@ -132,10 +115,10 @@ void tellInexact(const std::string& file, const qvej::Document& document,
     }
 }
 
-std::vector<qvej::Column> repeatedNames(const qvej::Table& table) {
+std::vector<Column> repeatedNames(const Table& table) {
     std::unordered_map<std::string, std::size_t> counts;
-    std::vector<qvej::Column> repeated;
-    for (const qvej::Column& column : table.columns) {
+    std::vector<Column> repeated;
+    for (const Column& column : table.columns) {
         if (++counts[column.name] == 2) {
             repeated.push_back(column);
         }
@@ -143,14 +126,14 @@ std::vector<qvej::Column> repeatedNames(const qvej::Table& table) {
     return repeated;
 }
 
-void tellSharedNames(const std::string& map, const std::vector<const qvej::Table*>& tables,
+void tellSharedNames(const std::string& map, const std::vector<const Table*>& tables,
                      const Format& format) {
     if (format.sharedNames.empty()) {
         return;
     }
     std::vector<std::string> names;
-    for (const qvej::Table* table : tables) {
-        for (const qvej::Column& column : repeatedNames(*table)) {
+    for (const Table* table : tables) {
+        for (const Column& column : repeatedNames(*table)) {
             names.push_back(visible(table->name) + "." + column.name);
         }
     }
@@ -160,9 +143,9 @@ void tellSharedNames(const std::string& map, const std::vector<const qvej::Table
     }
 }
 
-void tellLosses(const std::string& file, const qvej::Document& document,
+void tellLosses(const std::string& file, const Document& document,
                 const std::vector<WrittenTable>& written) {
-    std::vector<const qvej::Table*> tables;
+    std::vector<const Table*> tables;
     std::vector<std::string> withoutRows;
     for (const WrittenTable& w : written) {
         tables.push_back(w.table);
@@ -187,18 +170,18 @@ void tellLosses(const std::string& file, const qvej::Document& document,
     tellInexact(file, document, tables, Inexact::ROUNDED);
 }
 
-MapOddities mapOddities(const std::vector<qvej::Table>& tables) {
+MapOddities mapOddities(const std::vector<Table>& tables) {
     MapOddities odd;
-    for (const qvej::Table& table : tables) {
+    for (const Table& table : tables) {
         if (table.columns.empty()) {
             odd.empty.push_back(visible(table.name));
         }
-        for (const qvej::Column& column : table.columns) {
+        for (const Column& column : table.columns) {
             const std::string name = visible(table.name) + "." + column.name;
-            if (column.type == qvej::ColumnType::ORDINAL && column.noretain) {
+            if (column.type == ColumnType::ORDINAL && column.noretain) {
                 odd.noretain.push_back(name);
             }
-            if (column.type == qvej::ColumnType::ORDINAL && !column.informat.name.empty()) {
+            if (column.type == ColumnType::ORDINAL && !column.informat.name.empty()) {
                 odd.informat.push_back(name);
             }
             if (column.truncated) {
@@ -210,7 +193,7 @@ MapOddities mapOddities(const std::vector<qvej::Table>& tables) {
     return odd;
 }
 
-void tellMapOddities(const std::string& map, const std::vector<qvej::Table>& tables) {
+void tellMapOddities(const std::string& map, const std::vector<Table>& tables) {
     const MapOddities odd = mapOddities(tables);
     if (!odd.empty.empty()) {
         tell(map + ": tables without columns, whose rows are empty: " + joined(odd.empty));
@@ -224,31 +207,11 @@ void tellMapOddities(const std::string& map, const std::vector<qvej::Table>& tab
     }
 }
 
-void tellCuts(const std::string& map, const std::vector<qvej::Table>& tables) {
+void tellCuts(const std::string& map, const std::vector<Table>& tables) {
     const MapOddities odd = mapOddities(tables);
     if (!odd.cut.empty()) {
         tell(map + ": values are cut in: " + joined(odd.cut));
     }
-}
-
-std::string suggestion(std::string_view name, const std::vector<std::string>& names) {
-    const std::string wanted = qvej::lowerCased(name);
-    std::vector<std::pair<std::size_t, std::string>> close;
-    for (const std::string& candidate : names) {
-        const std::string lower = qvej::lowerCased(candidate);
-        const std::size_t distance = editDistance(wanted, lower);
-        const bool contained = wanted.size() >= 3 && lower.find(wanted) != std::string::npos;
-        if (distance <= std::max<std::size_t>(1, wanted.size() / 3) || contained) {
-            close.emplace_back(distance, candidate);
-        }
-    }
-    std::stable_sort(close.begin(), close.end(),
-                     [](const auto& a, const auto& b) { return a.first < b.first; });
-    std::string text;
-    for (std::size_t i = 0; i < close.size() && i < kMostSuggestions; ++i) {
-        text += (i == 0 ? "; did you mean " : ", ") + close[i].second;
-    }
-    return text.empty() ? text : text + "?";
 }
 
 }  // namespace qvej::cli

@@ -16,13 +16,13 @@ namespace qvej::cli {
 std::string visible(const std::string& tableName);
 
 // One line on tables that no name opens, since another table has it; empty: there are none.
-std::string sharedNames(const qvej::Document& document, const std::string& alldataName);
+std::string sharedNames(const Document& document, const std::string& alldataName);
 
 // One line on a table that has the name of ALLDATA, in any case; empty: there is none.
-std::string hiddenAlldata(const qvej::Document& document, const std::string& alldataName);
+std::string hiddenAlldata(const Document& document, const std::string& alldataName);
 
 // "FILE:3:14"; only FILE when the place is not known.
-std::string spotText(const std::string& file, qvej::Spot spot);
+std::string spotText(const std::string& file, Spot spot);
 
 // Which columns with numbers that a double does not keep are told.
 enum class Inexact {
@@ -33,20 +33,20 @@ enum class Inexact {
 };
 
 // Tells such columns of `tables` on standard error: a line each with their count and first place.
-void tellInexact(const std::string& file, const qvej::Document& document,
-                 const std::vector<const qvej::Table*>& tables, Inexact which);
+void tellInexact(const std::string& file, const Document& document,
+                 const std::vector<const Table*>& tables, Inexact which);
 
 // Columns of a table whose name an earlier one has, the first for each name.
-std::vector<qvej::Column> repeatedNames(const qvej::Table& table);
+std::vector<Column> repeatedNames(const Table& table);
 
 // Tells on standard error which columns share a name, and what comes of it in that format.  `map`:
 // what gave the names.
-void tellSharedNames(const std::string& map, const std::vector<const qvej::Table*>& tables,
+void tellSharedNames(const std::string& map, const std::vector<const Table*>& tables,
                      const Format& format);
 
 // A table and how many rows came of it.
 struct WrittenTable {
-    const qvej::Table* table;
+    const Table* table;
     uint64_t rows;
 };
 
@@ -54,7 +54,7 @@ struct WrittenTable {
 // numbers that a double does not keep where a format or informat makes them, tables that have
 // values but no rows (scalars directly in the outermost array), and labels of ALLDATA that are not
 // the document's.
-void tellLosses(const std::string& file, const qvej::Document& document,
+void tellLosses(const std::string& file, const Document& document,
                 const std::vector<WrittenTable>& written);
 
 // What is odd about the tables of a user's map.
@@ -64,15 +64,12 @@ struct MapOddities {
     std::vector<std::string> informat;  // ordinal columns with INFORMAT
     std::vector<std::string> cut;       // columns with values longer than their length
 };
-MapOddities mapOddities(const std::vector<qvej::Table>& tables);
+MapOddities mapOddities(const std::vector<Table>& tables);
 
 // Tells the first three on standard error, a line for each kind.
-void tellMapOddities(const std::string& map, const std::vector<qvej::Table>& tables);
+void tellMapOddities(const std::string& map, const std::vector<Table>& tables);
 
 // Tells the last, for those who do not read the rows: they tell each value that is cut.
-void tellCuts(const std::string& map, const std::vector<qvej::Table>& tables);
-
-// "; did you mean A, B?" with the names that look most like `name`; empty: none does.
-std::string suggestion(std::string_view name, const std::vector<std::string>& names);
+void tellCuts(const std::string& map, const std::vector<Table>& tables);
 
 }  // namespace qvej::cli

@@ -9,7 +9,7 @@
 namespace qvej::cli {
 
 void tell(std::string_view line, std::string_view excerpt) {
-    std::string text = "qvejmap: " + qvej::shown(line) + "\n";
+    std::string text = "qvejmap: " + shown(line) + "\n";
     text += excerpt;
     (void)writeAll(STDERR_FILENO, text.data(), text.size());  // there is no other place to tell it
 }
@@ -21,7 +21,7 @@ void tellEach(const std::vector<std::string>& lines) {
 }
 
 void tellPlain(std::string_view line) {
-    const std::string text = qvej::shown(line) + "\n";
+    const std::string text = shown(line) + "\n";
     (void)writeAll(STDERR_FILENO, text.data(), text.size());
 }
 

@@ -13,19 +13,19 @@ namespace {
 
 void tellWellFormed(const Session& session) {
     Writer out = standardOutput();
-    out.append(qvej::shown(session.name()));
+    out.append(shown(session.name()));
     out.append(": well formed\n");
     out.flush();
 }
 
 ExitCode checkAccount(const Options& options) {
-    std::vector<qvej::PathAccount> accounts;
-    std::vector<qvej::Spot> starts;
+    std::vector<PathAccount> accounts;
+    std::vector<Spot> starts;
     {
         const Session session(options.reading, options.operands[0], options.map);
         try {
-            accounts = qvej::accountOf(session.document(), options.retain);
-        } catch (const qvej::Error& error) {
+            accounts = accountOf(session.document(), options.retain);
+        } catch (const Error& error) {
             session.failReading(error);
         }
         starts = startsOf(session.document(), accounts);

@@ -22,9 +22,9 @@ namespace qvej::cli {
 
 namespace {
 
-std::vector<const qvej::Table*> tablesToWrite(const qvej::Document& document, bool alldata) {
-    std::vector<const qvej::Table*> tables;
-    for (const qvej::Table& table : document.tables()) {
+std::vector<const Table*> tablesToWrite(const Document& document, bool alldata) {
+    std::vector<const Table*> tables;
+    for (const Table& table : document.tables()) {
         tables.push_back(&table);
     }
     if (alldata) {
@@ -39,8 +39,8 @@ std::string counted(uint64_t count, const std::string& noun) {
 
 // What `--account` needs when the document has gone.
 struct Account {
-    std::vector<qvej::PathAccount> paths;
-    std::vector<qvej::Spot> starts;
+    std::vector<PathAccount> paths;
+    std::vector<Spot> starts;
 };
 
 // The options that shape what is written.
@@ -68,18 +68,17 @@ std::vector<std::string> wordsOf(const Options& options) {
 }
 
 ExitCode convert(const Options& options, const Session& session) {
-    const qvej::Document& document = session.document();
-    const std::vector<const qvej::Table*> tables = tablesToWrite(document, options.alldata);
+    const Document& document = session.document();
+    const std::vector<const Table*> tables = tablesToWrite(document, options.alldata);
     const Sources sources = sourcesOf(options.operands[0], options.map);
     TableDirectory directory(options.out, *options.format, options.formatOptions, options.force,
                              sources, {QVEJMAP_VERSION, options.operands[0], wordsOf(options)});
     directory.open(tables);
     Rejects rejects(options.rejects, options.force, sources, &directory);
     TableOutputs outputs(document, tables, directory,
-                         [&](const qvej::Table& table) { return rejects.handlerFor(table); });
-    qvej::TablePass pass(document, tables, options.retain);
-    qvej::runPass(pass, options.threads,
-                  [&](std::span<const qvej::PassItem> items) { outputs.take(items); });
+                         [&](const Table& table) { return rejects.handlerFor(table); });
+    TablePass pass(document, tables, options.retain);
+    runPass(pass, options.threads, [&](std::span<const PassItem> items) { outputs.take(items); });
     outputs.end();
     std::vector<WrittenTable> written;
     uint64_t rows = 0;
@@ -102,8 +101,8 @@ ExitCode convert(const Options& options, const Session& session) {
     tellLosses(session.name(), document, written);
     ExitCode code = DONE;
     if (!options.account) {
-        const uint64_t lost = options.alldata ? 0 : qvej::lostOf(document, pass, tables);
-        code = tellLost(session.name(), qvej::rowLossesOf(pass, tables), lost);
+        const uint64_t lost = options.alldata ? 0 : lostOf(document, pass, tables);
+        code = tellLost(session.name(), rowLossesOf(pass, tables), lost);
     }
     tellSharedNames(session.mapName(), tables, *options.format);
     return std::max(code, rejects.tellAll());
@@ -133,11 +132,11 @@ ExitCode convertAndAccount(const Options& options, Account& account) {
     try {
         const ExitCode code = convert(options, session);
         if (options.account) {
-            account.paths = qvej::accountOf(session.document(), options.retain);
+            account.paths = accountOf(session.document(), options.retain);
             account.starts = startsOf(session.document(), account.paths);
         }
         return code;
-    } catch (const qvej::Error& error) {
+    } catch (const Error& error) {
         session.failReading(error);
     }
 }

@@ -30,7 +30,7 @@ void tellCounted(const std::string& file, std::size_t count, const std::string& 
 // What the map says of the document and --map will not find, or will refuse.  `separators`: a name
 // of the document may hold the byte 0x02, which divides paths.
 void tellGaps(const Session& session, bool separators) {
-    const qvej::Document& document = session.document();
+    const Document& document = session.document();
     Findings findings = namesWithSlash(document);
     if (separators) {
         const Findings further = namesWithSeparator(document);
@@ -40,8 +40,8 @@ void tellGaps(const Session& session, bool separators) {
         tellCounted(session.name(), findings.size(), "path that no map can name",
                     "paths that no map can name", findings.front());
     }
-    std::vector<const qvej::Table*> nameless;
-    for (const qvej::Table& table : document.tables()) {
+    std::vector<const Table*> nameless;
+    for (const Table& table : document.tables()) {
         if (table.name.empty()) {
             nameless.push_back(&table);
         }
@@ -49,34 +49,34 @@ void tellGaps(const Session& session, bool separators) {
     if (!nameless.empty()) {
         tellCounted(session.name(), nameless.size(), "table without a name, which --map refuses",
                     "tables without a name, which --map refuses",
-                    visible(qvej::withSlashes(nameless.front()->path())));
+                    visible(withSlashes(nameless.front()->path())));
     }
 }
 
 // The map with every column CHARACTER whose numbers a double does not keep.
-std::string exactMap(const std::string& file, const qvej::Document& document) {
+std::string exactMap(const std::string& file, const Document& document) {
     std::unordered_map<std::string, uint64_t> longest;  // of the paths of such columns
-    for (const qvej::PathStatistics& path : document.inexactPaths()) {
+    for (const PathStatistics& path : document.inexactPaths()) {
         longest.emplace(path.path, path.longest);
     }
-    qvej::Engine engine;
+    Engine engine;
     std::vector<std::string> tooLong;
     MapModel map = mapModel(engine, document.mapText(), document.tables());
     for (std::size_t t = 0; t < map.size(); ++t) {
         for (std::size_t c = 0; c < map[t].columns.size(); ++c) {
             MapColumn& column = map[t].columns[c];
             const auto found = longest.find(document.tables()[t].columns[c].path);
-            if (column.type == qvej::ColumnType::NUMERIC && found != longest.end()) {
-                column.type = qvej::ColumnType::CHARACTER;
+            if (column.type == ColumnType::NUMERIC && found != longest.end()) {
+                column.type = ColumnType::CHARACTER;
                 column.currentLength = found->second;
-                if (found->second > qvej::kLongestCell) {
+                if (found->second > kLongestCell) {
                     tooLong.push_back(columnName(map[t], column));
                 }
             }
         }
     }
     if (!tooLong.empty()) {
-        const std::string kept = std::to_string(qvej::kLongestCell) + " bytes that a column holds";
+        const std::string kept = std::to_string(kLongestCell) + " bytes that a column holds";
         tellCounted(file, tooLong.size(), "column with numbers longer than the " + kept,
                     "columns with numbers longer than the " + kept, tooLong.front());
     }
@@ -91,12 +91,12 @@ ExitCode runMap(const Options& options) {
     SeparatorWatch separators;
     const Session session(options.reading, options.operands[0], {},
                           {.observer = [&](std::string_view piece) { separators.take(piece); }});
-    const qvej::Document& document = session.document();
+    const Document& document = session.document();
     putMap(options.exact ? exactMap(session.name(), document) : document.mapText(), options,
            sources);
     try {
         tellGaps(session, separators.found());
-    } catch (const qvej::Error& error) {
+    } catch (const Error& error) {
         session.failReading(error);
     }
     return DONE;

@@ -16,18 +16,18 @@ namespace {
 void print(Writer& out, std::string_view prefix, const Findings& findings) {
     for (const std::string& finding : findings) {
         out.append(prefix);
-        out.append(qvej::shown(finding));
+        out.append(shown(finding));
         out.put('\n');
     }
 }
 
-void printMap(Writer& out, const MapFile& map, const qvej::Engine& engine, bool quiet) {
+void printMap(Writer& out, const MapFile& map, const Engine& engine, bool quiet) {
     std::size_t columns = 0;
-    for (const qvej::Table& table : map.tables()) {
+    for (const Table& table : map.tables()) {
         columns += table.columns.size();
     }
     if (!quiet) {
-        out.append(qvej::shown(map.name()) +
+        out.append(shown(map.name()) +
                    ": well formed, tables: " + std::to_string(map.tables().size()) +
                    ", columns: " + std::to_string(columns) + "\n");
     }
@@ -35,12 +35,12 @@ void printMap(Writer& out, const MapFile& map, const qvej::Engine& engine, bool 
     print(out, "no columns: table ", odd.empty);
     print(out, "NORETAIN without effect: ", odd.noretain);
     print(out, "INFORMAT without effect: ", odd.informat);
-    print(out, {}, doubtfulNames(map.tables(), qvej::readMapText(engine, map.text())));
+    print(out, {}, doubtfulNames(map.tables(), readMapText(engine, map.text())));
 }
 
 // True when every path of the map occurs in the document.
 bool printFit(Writer& out, const Session& session) {
-    const qvej::Document& document = session.document();
+    const Document& document = session.document();
     const Findings missing = neverOccurring(document);
     print(out, "never occurs: ", missing);
     print(out, "cut: ", mapOddities(document.tables()).cut);
@@ -48,7 +48,7 @@ bool printFit(Writer& out, const Session& session) {
     print(out, "no map can name: ", namesWithSlash(document));
     try {
         print(out, "no map can name: ", namesWithSeparator(document));
-    } catch (const qvej::Error& error) {
+    } catch (const Error& error) {
         session.failReading(error);
     }
     return missing.empty();
@@ -60,7 +60,7 @@ ExitCode runMapCheck(const Options& options) {
     Writer out = standardOutput();
     bool fits = true;
     if (options.operands.size() == 1) {
-        qvej::Engine engine;
+        Engine engine;
         printMap(out, MapFile(engine, options.operands[0]), engine, options.quiet);
     } else {
         const Session session(options.reading, options.operands[1], options.operands[0]);

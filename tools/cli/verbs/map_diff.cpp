@@ -22,7 +22,7 @@ std::string orNone(const std::string& text) {
 }
 
 std::string nameText(const std::string& name) {
-    return qvej::escaped(visible(name));
+    return escaped(visible(name));
 }
 
 // What counts: LENGTH, else CURRENT_LENGTH.
@@ -49,8 +49,8 @@ std::string columnChanges(const MapColumn& a, const MapColumn& b) {
     compare("name", nameText(a.name), nameText(b.name));
     compare("type", std::string(typeName(a.type)), std::string(typeName(b.type)));
     compare("length", lengthText(a), lengthText(b));
-    compare("format", qvej::shown(a.format), qvej::shown(b.format));
-    compare("informat", qvej::shown(a.informat), qvej::shown(b.informat));
+    compare("format", shown(a.format), shown(b.format));
+    compare("informat", shown(a.informat), shown(b.informat));
     compare("label", labelText(a), labelText(b));
     compare("option", a.option, b.option);
     return text;
@@ -60,12 +60,12 @@ using Lines = std::vector<std::string>;
 
 void addTable(Lines& lines, char mark, const MapTable& table) {
     lines.push_back(std::string(1, mark) + " table " + nameText(table.name) + " " +
-                    qvej::escaped(table.path));
+                    escaped(table.path));
 }
 
 void addColumn(Lines& lines, char mark, const MapTable& table, const MapColumn& column) {
     lines.push_back(std::string(1, mark) + " column " + columnName(table, column) + " " +
-                    std::string(typeName(column.type)) + " " + qvej::escaped(column.path));
+                    std::string(typeName(column.type)) + " " + escaped(column.path));
 }
 
 // The index in `b` of the partner of each item of `a`.

@@ -6,6 +6,7 @@
 #include "tools/cli/reports/listing.h"
 #include "tools/cli/reports/remarks.h"
 #include "tools/cli/session.h"
+#include "tools/cli/suggestion.h"
 #include "tools/cli/verbs/verbs.h"
 
 #include <optional>
@@ -15,13 +16,13 @@ namespace qvej::cli {
 namespace {
 
 struct Found {
-    const qvej::Table* table = nullptr;
-    qvej::Column column;
+    const Table* table = nullptr;
+    Column column;
 };
 
-std::optional<qvej::Column> findColumn(const qvej::Table& table, std::string_view name) {
-    for (const qvej::Column& column : table.columns) {
-        if (qvej::equalIgnoringCase(column.name, name)) {
+std::optional<Column> findColumn(const Table& table, std::string_view name) {
+    for (const Column& column : table.columns) {
+        if (equalIgnoringCase(column.name, name)) {
             return column;
         }
     }
@@ -29,11 +30,11 @@ std::optional<qvej::Column> findColumn(const qvej::Table& table, std::string_vie
 }
 
 // Divides "TABLE.COLUMN" where it makes sense: both names may hold dots.
-Found find(const qvej::Document& document, const std::string& wanted) {
+Found find(const Document& document, const std::string& wanted) {
     for (std::size_t dot = wanted.find('.'); dot != std::string::npos;
          dot = wanted.find('.', dot + 1)) {
-        for (const qvej::Table& table : document.tables()) {
-            if (qvej::equalIgnoringCase(table.name, wanted.substr(0, dot))) {
+        for (const Table& table : document.tables()) {
+            if (equalIgnoringCase(table.name, wanted.substr(0, dot))) {
                 const auto column = findColumn(table, wanted.substr(dot + 1));
                 if (column) {
                     return {&table, *column};
@@ -42,8 +43,8 @@ Found find(const qvej::Document& document, const std::string& wanted) {
         }
     }
     std::vector<std::string> names;
-    for (const qvej::Table& table : document.tables()) {
-        for (const qvej::Column& column : table.columns) {
+    for (const Table& table : document.tables()) {
+        for (const Column& column : table.columns) {
             names.push_back(table.name + "." + column.name);
         }
     }
@@ -55,10 +56,10 @@ std::string counted(int64_t count, const std::string& noun) {
 }
 
 // Why the column has its type.
-std::string reason(const qvej::PathStatistics& statistics) {
+std::string reason(const PathStatistics& statistics) {
     int64_t strings = 0;
     int64_t others = 0;
-    for (const qvej::KindStatistics& kind : statistics.kinds) {
+    for (const KindStatistics& kind : statistics.kinds) {
         (kind.kind == JMAP_KIND_STRING ? strings : others) += kind.count;
     }
     if (strings == 0) {
@@ -76,29 +77,29 @@ ExitCode runMapExplain(const Options& options) {
     const Session session(options.reading, options.operands[0]);
     const auto [table, column] = find(session.document(), options.operands[1]);
     Writer out = standardOutput();
-    const auto line = [&](const std::string& text) { out.append(qvej::shown(text) + "\n"); };
-    line(visible(table->name) + "." + column.name + ": " + qvej::withSlashes(column.path));
-    if (column.type == qvej::ColumnType::ORDINAL) {
+    const auto line = [&](const std::string& text) { out.append(shown(text) + "\n"); };
+    line(visible(table->name) + "." + column.name + ": " + withSlashes(column.path));
+    if (column.type == ColumnType::ORDINAL) {
         line("ORDINAL: counts the objects and arrays at its path, from 1 in the whole document");
         out.flush();
         return DONE;
     }
     std::vector<Row> rows = {{"kind", "values", "first"}};
-    for (const qvej::PathStatistics& statistics : session.document().pathStatistics()) {
+    for (const PathStatistics& statistics : session.document().pathStatistics()) {
         if (statistics.path != column.path) {
             continue;
         }
         line(reason(statistics));
-        for (const qvej::KindStatistics& kind : statistics.kinds) {
+        for (const KindStatistics& kind : statistics.kinds) {
             rows.push_back({std::string(kind.kindName), std::to_string(kind.count),
-                            qvej::shown(spotText(session.name(), kind.first))});
+                            shown(spotText(session.name(), kind.first))});
         }
         if (statistics.inexact != 0) {
             rows.push_back({"inexact", std::to_string(statistics.inexact),
-                            qvej::shown(spotText(session.name(), statistics.firstInexact))});
+                            shown(spotText(session.name(), statistics.firstInexact))});
         }
         rows.push_back({"longest", counted(statistics.longest, "byte"),
-                        qvej::shown(spotText(session.name(), statistics.longestAt))});
+                        shown(spotText(session.name(), statistics.longestAt))});
     }
     print(out, rows);
     out.flush();

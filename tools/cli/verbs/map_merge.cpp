@@ -100,8 +100,8 @@ std::vector<const MapColumn*> membersOf(const Group<MapColumn>& group) {
 }
 
 // Numbers and characters give characters; ordinals are among themselves.
-qvej::ColumnType mergedType(const std::vector<const MapColumn*>& members) {
-    qvej::ColumnType type = members.front()->type;
+ColumnType mergedType(const std::vector<const MapColumn*>& members) {
+    ColumnType type = members.front()->type;
     for (const MapColumn* column : members) {
         type = std::max(type, column->type);
     }
@@ -169,10 +169,10 @@ void tellLeftOut(const MapTable& table, const MapColumn& merged, const Group<Map
 // The names of a table's columns: one that is taken gets the first number from 2 on that is free.
 class ColumnNames {
    public:
-    void take(const std::string& name) { next_.try_emplace(qvej::lowerCased(name), kFirst); }
+    void take(const std::string& name) { next_.try_emplace(lowerCased(name), kFirst); }
 
     std::string unique(const std::string& name) {
-        const auto [entry, isNew] = next_.try_emplace(qvej::lowerCased(name), kFirst);
+        const auto [entry, isNew] = next_.try_emplace(lowerCased(name), kFirst);
         if (isNew) {
             return name;
         }
@@ -183,15 +183,15 @@ class ColumnNames {
             const std::string digits = std::to_string(number++);
             const std::string_view kept(name.data(),
                                         std::min(name.size(), kLongestName - digits.size()));
-            candidate = std::string(qvej::withoutUnfinished(kept)) + digits;
-        } while (!next_.try_emplace(qvej::lowerCased(candidate), kFirst).second);
+            candidate = std::string(withoutUnfinished(kept)) + digits;
+        } while (!next_.try_emplace(lowerCased(candidate), kFirst).second);
         return candidate;
     }
 
    private:
     static constexpr int kFirst = 2;
-    std::unordered_map<std::string, int>
-        next_;  // names that are taken; the next number to try for each
+    // Names that are taken, and the next number to try for each.
+    std::unordered_map<std::string, int> next_;
 };
 
 // Makes the names of those columns unique that the first map has not, and tells which change.
@@ -254,7 +254,7 @@ MapModel merged(const std::vector<MapModel>& maps) {
 void tellSharedNames(const MapModel& map) {
     std::map<std::string, int> counts;
     for (const MapTable& table : map) {
-        if (++counts[qvej::lowerCased(table.name)] == 2) {
+        if (++counts[lowerCased(table.name)] == 2) {
             tell("more than one table is named " + visible(table.name) + ": read opens the first");
         }
     }

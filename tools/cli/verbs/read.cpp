@@ -12,6 +12,7 @@
 #include "tools/cli/reports/remarks.h"
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"
+#include "tools/cli/suggestion.h"
 #include "tools/cli/verbs/verbs.h"
 
 #include <algorithm>
@@ -21,14 +22,14 @@ namespace qvej::cli {
 namespace {
 
 // The table, or a failure that names others.
-const qvej::Table& findTable(const qvej::Document& document, const Options& options) {
+const Table& findTable(const Document& document, const Options& options) {
     const std::string& name = options.operands[1];
-    const qvej::Table* table = document.find(name);
+    const Table* table = document.find(name);
     if (table != nullptr) {
         return *table;
     }
     std::vector<std::string> names;
-    for (const qvej::Table& other : document.tables()) {
+    for (const Table& other : document.tables()) {
         names.push_back(other.name);
     }
     if (!options.reading.alldataName.empty()) {
@@ -40,30 +41,30 @@ const qvej::Table& findTable(const qvej::Document& document, const Options& opti
 }
 
 // The notes that the engine makes of reading a table: a pass has none.
-void noteReading(const qvej::Document& document, const qvej::Table& table, const Options& options) {
-    qvej::Cursor cursor(document, table, options.retain);
+void noteReading(const Document& document, const Table& table, const Options& options) {
+    Cursor cursor(document, table, options.retain);
     for (uint64_t rows = 0; rows < options.limit && cursor.next(); ++rows) {
     }
 }
 
 struct Written {
     uint64_t rows;
-    qvej::RowLosses losses;
+    RowLosses losses;
 };
 
-Written writeRows(const qvej::Document& document, const qvej::Table& table, const Options& options,
+Written writeRows(const Document& document, const Table& table, const Options& options,
                   Rejects& rejects) {
     const std::unique_ptr<Sink> sink =
         options.format->make(standardOutput(), table.columns, options.formatOptions);
-    qvej::PassRow row(document, table, rejects.handlerFor(table));
-    qvej::TablePass pass(document, {&table}, options.retain);
-    for (qvej::PassItem item; row.rows() < options.limit && pass.next(item);) {
+    PassRow row(document, table, rejects.handlerFor(table));
+    TablePass pass(document, {&table}, options.retain);
+    for (PassItem item; row.rows() < options.limit && pass.next(item);) {
         if (row.take(item)) {
             sink->row(row);
         }
     }
     sink->end();
-    return {row.rows(), qvej::rowLossesOf(pass, {&table})};
+    return {row.rows(), rowLossesOf(pass, {&table})};
 }
 
 }  // namespace
@@ -74,14 +75,14 @@ ExitCode runRead(const Options& options) {
         OutputFiles::checkFile(options.rejects, options.force, sources);
     }
     const Session session(options.reading, options.operands[0], options.map);
-    const qvej::Document& document = session.document();
+    const Document& document = session.document();
     if (session.map() != nullptr && !options.quiet) {
         tellMapOddities(session.map()->name(), document.tables());
     }
-    const qvej::Table& table = findTable(document, options);
+    const Table& table = findTable(document, options);
     const std::string hiding = hiddenAlldata(document, options.reading.alldataName);
     if (!hiding.empty() && !options.quiet &&
-        qvej::equalIgnoringCase(table.name, options.reading.alldataName)) {
+        equalIgnoringCase(table.name, options.reading.alldataName)) {
         tell(hiding);
     }
     try {
@@ -97,7 +98,7 @@ ExitCode runRead(const Options& options) {
         tellSharedNames(session.mapName(), {&table}, *options.format);
         rejects.commit();
         return std::max(code, rejects.tellAll());
-    } catch (const qvej::Error& error) {
+    } catch (const Error& error) {
         session.failReading(error);
     }
 }

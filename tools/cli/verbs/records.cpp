@@ -16,32 +16,31 @@ namespace qvej::cli {
 
 namespace {
 
-void writeRecord(Writer& out, const qvej::Record& record, std::string& path) {
+void writeRecord(Writer& out, const Record& record, std::string& path) {
     path.assign(record.path);
     std::replace(path.begin(), path.end(), '\x02', '/');
     out.append(record.kindName);
     out.put('\t');
-    qvej::appendEscaped(out, path, qvej::CONTROLS | qvej::BACKSLASH);
+    appendEscaped(out, path, CONTROLS | BACKSLASH);
     out.put('\t');
-    qvej::appendEscaped(out, qvej::withoutUnfinished(record.value),
-                        qvej::CONTROLS | qvej::BACKSLASH);
+    appendEscaped(out, withoutUnfinished(record.value), CONTROLS | BACKSLASH);
     out.put('\n');
 }
 
 // Tells of strings that the records have only in part.  ALLDATA has a row for each record.
 ExitCode tellCutStrings(const Session& session) {
-    const qvej::Document& document = session.document();
-    const std::vector<qvej::PathStatistics> paths = document.pathStatistics();
-    if (std::none_of(paths.begin(), paths.end(), [](const qvej::PathStatistics& path) {
-            return path.longest >= static_cast<int64_t>(qvej::kLongestCell);
+    const Document& document = session.document();
+    const std::vector<PathStatistics> paths = document.pathStatistics();
+    if (std::none_of(paths.begin(), paths.end(), [](const PathStatistics& path) {
+            return path.longest >= static_cast<int64_t>(kLongestCell);
         })) {
         return DONE;
     }
     uint64_t lines = 0;
     uint64_t cut = 0;
     uint64_t first = 0;
-    qvej::TablePass pass(document, {&document.alldata()});
-    for (qvej::PassItem item; pass.next(item);) {
+    TablePass pass(document, {&document.alldata()});
+    for (PassItem item; pass.next(item);) {
         ++lines;
         if (item.cells.back().kind == JMAP_CELL_CUT && ++cut == 1) {
             first = lines;
@@ -51,7 +50,7 @@ ExitCode tellCutStrings(const Session& session) {
         return DONE;
     }
     tell(session.name() + ": " + std::to_string(cut) + (cut == 1 ? " value" : " values") +
-         " cut to " + std::to_string(qvej::kLongestCell) + " bytes" +
+         " cut to " + std::to_string(kLongestCell) + " bytes" +
          (cut == 1 ? ", in line " : ", the first in line ") + std::to_string(first));
     return REJECTED;
 }
@@ -62,15 +61,15 @@ ExitCode runRecords(const Options& options) {
     const Session session(options.reading, options.operands[0]);
     try {
         Writer out = standardOutput();
-        qvej::RecordCursor records(session.document());
-        qvej::Record record = {};
+        RecordCursor records(session.document());
+        Record record = {};
         std::string path;
         while (records.next(record)) {
             writeRecord(out, record, path);
         }
         out.flush();
         return tellCutStrings(session);
-    } catch (const qvej::Error& error) {
+    } catch (const Error& error) {
         session.failReading(error);
     }
 }

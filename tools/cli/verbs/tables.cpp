@@ -21,13 +21,13 @@ namespace {
 constexpr std::array<std::string_view, 3> kTypeNames = {"ORDINAL", "NUMERIC", "CHARACTER"};
 
 std::string shownPath(const std::string& path) {
-    return qvej::escaped(qvej::withSlashes(path));
+    return escaped(withSlashes(path));
 }
 
-std::vector<Row> listTables(const qvej::Document& document, bool namesOnly) {
+std::vector<Row> listTables(const Document& document, bool namesOnly) {
     std::vector<Row> rows;
-    for (const qvej::Table& table : document.tables()) {
-        rows.push_back({qvej::escaped(table.name)});
+    for (const Table& table : document.tables()) {
+        rows.push_back({escaped(table.name)});
         if (!namesOnly) {
             rows.back().push_back(std::to_string(table.columns.size()));
             rows.back().push_back(shownPath(table.path()));
@@ -36,11 +36,11 @@ std::vector<Row> listTables(const qvej::Document& document, bool namesOnly) {
     return rows;
 }
 
-std::vector<Row> listColumns(const qvej::Document& document) {
+std::vector<Row> listColumns(const Document& document) {
     std::vector<Row> rows;
-    for (const qvej::Table& table : document.tables()) {
-        for (const qvej::Column& column : table.columns) {
-            rows.push_back({qvej::escaped(table.name), qvej::escaped(column.name),
+    for (const Table& table : document.tables()) {
+        for (const Column& column : table.columns) {
+            rows.push_back({escaped(table.name), escaped(column.name),
                             std::string(kTypeNames[static_cast<std::size_t>(column.type)]),
                             std::to_string(column.length), shownPath(column.path)});
         }
@@ -52,7 +52,7 @@ std::vector<Row> listColumns(const qvej::Document& document) {
 
 ExitCode runTables(const Options& options) {
     const Session session(options.reading, options.operands[0], options.map);
-    const qvej::Document& document = session.document();
+    const Document& document = session.document();
     if (session.map() != nullptr) {
         if (!options.quiet) {
             tellMapOddities(session.map()->name(), document.tables());
@@ -70,8 +70,8 @@ ExitCode runTables(const Options& options) {
     if (!shared.empty() && !options.quiet) {
         tell(shared);
     }
-    std::vector<const qvej::Table*> tables;
-    for (const qvej::Table& table : document.tables()) {
+    std::vector<const Table*> tables;
+    for (const Table& table : document.tables()) {
         tables.push_back(&table);
     }
     tellInexact(session.name(), document, tables, options.columns ? Inexact::ALL : Inexact::FIRST);

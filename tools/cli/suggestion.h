@@ -1,0 +1,15 @@
+// The right name for a wrong one.
+//
+// Tested by tests/tool/golden/usage.t
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qvej::cli {
+
+// "; did you mean A, B?" with the names that look most like `name`; empty: none does.
+std::string suggestion(std::string_view name, const std::vector<std::string>& names);
+
+}  // namespace qvej::cli
