@@ -88,6 +88,25 @@ ShapeOptions readShapeOptions(const CLI::App& app) {
     return shape;
 }
 
+std::vector<std::string> wordsOf(const ShapeOptions& options) {
+    std::vector<std::string> words;
+    for (const std::string& source : options.sources) {
+        words.push_back(std::string(kShape) + "=" + source);
+    }
+    for (const ShapeRule& rule : options.rules.rules()) {
+        const std::string text = rule.text();
+        std::string word = kDropEmpty;
+        for (const RuleOption& option : kRuleOptions) {
+            const std::string_view begin = option.rule;
+            word = text.starts_with(begin)
+                       ? std::string(option.option) + "=" + text.substr(begin.size())
+                       : word;
+        }
+        words.push_back(word);
+    }
+    return words;
+}
+
 Shape shapeOf(const ShapeOptions& options) {
     Shape shape;
     for (const std::string& source : options.sources) {

@@ -1,6 +1,6 @@
 // The options that give the rules of a shape.
 //
-// Tested by tests/tool/reshape.py
+// Tested by tests/tool/golden/shapes.t
 #pragma once
 
 #include "client/shape/shape.h"
@@ -27,6 +27,9 @@ void declareShapeOptions(CLI::App& app);
 // After the parse; the rules are in the order in which they were given.  Throws a Failure
 // (WRONG_USAGE).
 [[nodiscard]] ShapeOptions readShapeOptions(const CLI::App& app);
+
+// The options as they could be given.
+[[nodiscard]] std::vector<std::string> wordsOf(const ShapeOptions& options);
 
 // All rules.  Throws Error: a file that cannot be read, a mistake in it.
 [[nodiscard]] Shape shapeOf(const ShapeOptions& options);

@@ -5,6 +5,7 @@
 #include "formats/writer.h"
 #include "tools/cli/reports/listing.h"
 #include "tools/cli/reports/remarks.h"
+#include "tools/cli/reports/shape_report.h"
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"
 
@@ -85,14 +86,21 @@ std::string partOfCells(uint64_t strayed, uint64_t cut) {
     return text.empty() ? text : text + ")";
 }
 
-std::string sumLine(const std::vector<PathAccount>& accounts) {
+uint64_t valuesOf(const std::vector<PathAccount>& accounts) {
     uint64_t values = 0;
+    for (const PathAccount& account : accounts) {
+        values += account.values;
+    }
+    return values;
+}
+
+std::string sumLine(const std::vector<PathAccount>& accounts) {
+    const uint64_t values = valuesOf(accounts);
     uint64_t cells = 0;
     uint64_t strayed = 0;
     uint64_t cut = 0;
     std::array<uint64_t, kLosses> lost = {};
     for (const PathAccount& account : accounts) {
-        values += account.values;
         cells += account.cells;
         strayed += account.strayed.count;
         cut += account.cut.count;
@@ -121,10 +129,9 @@ void checkSums(const std::vector<PathAccount>& accounts) {
 
 }  // namespace
 
-ExitCode reportAccount(const Options& options, const std::vector<PathAccount>& accounts,
-                       const std::vector<Spot>& starts) {
-    checkSums(accounts);
-    std::vector<Line> lines = linesOf(accounts, starts);
+ExitCode reportAccount(const Options& options, const Account& account) {
+    checkSums(account.paths);
+    std::vector<Line> lines = linesOf(account.paths, account.starts);
     findPlaces(options, lines);
     std::vector<Row> rows;
     if (!lines.empty()) {
@@ -138,10 +145,15 @@ ExitCode reportAccount(const Options& options, const std::vector<PathAccount>& a
     }
     Writer out = standardOutput();
     print(out, rows);
-    out.append(sumLine(accounts) + "\n");
+    out.append(sumLine(account.paths) + "\n");
+    if (account.shape) {
+        out.append(shapeLine(*account.shape, valuesOf(account.paths)) + "\n");
+    }
     out.flush();
     return lines.empty() ? DONE : REJECTED;
 }
+
+namespace {
 
 std::vector<Spot> startsOf(const Document& document, const std::vector<PathAccount>& accounts) {
     const auto before = [](Spot a, Spot b) {
@@ -167,13 +179,29 @@ std::vector<Spot> startsOf(const Document& document, const std::vector<PathAccou
     return found;
 }
 
-ExitCode tellLost(const std::string& what, const RowLosses& losses, uint64_t inNoCell) {
+}  // namespace
+
+Account takeAccount(const Document& document, bool retain) {
+    Account account;
+    account.paths = accountOf(document, retain);
+    account.starts = startsOf(document, account.paths);
+    if (document.reshaper() != nullptr) {
+        account.shape = document.reshaper()->counts();
+    }
+    return account;
+}
+
+ExitCode tellLost(const std::string& what, const Document& document, const RowLosses& losses,
+                  uint64_t inNoCell) {
     const auto values = [](uint64_t count) {
         return std::to_string(count) + (count == 1 ? " value" : " values");
     };
     const auto are = [](uint64_t count) { return count == 1 ? " is " : " are "; };
-    const std::string hint = " (qvejmap check --account tells which)";
+    std::string hint = " (qvejmap check --account tells which)";
     const uint64_t overwritten = losses.overwritten;
+    if (overwritten != 0 && document.reshaper() != nullptr) {
+        hint.insert(hint.size() - 1, "; rows PATH as KEY gives the names another member");
+    }
     if (inNoCell != 0) {
         const std::string some =
             overwritten == 0 ? "" : ", " + std::to_string(overwritten) + " overwritten";

@@ -5,30 +5,36 @@
 #pragma once
 
 #include "client/account.h"
+#include "client/shape/reshaper.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/options/options.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace qvej::cli {
 
+// What is kept of a document for its account.
+struct Account {
+    std::vector<PathAccount> paths;
+    std::vector<Spot> starts;  // where the first value of each path begins
+    std::optional<ShapeCounts> shape;
+};
+[[nodiscard]] Account takeAccount(const Document& document, bool retain);
+
 // Writes the account on standard output.  The document is read once more to find places, with
 // `options` but without its tables, so its first reading should be over; a document on standard
-// input or from a pipe is gone, and only places that `starts` knows are shown.
-//   starts  where the first value of each account begins
-// REJECTED when a value is lost, else DONE.  Throws a Failure.
-ExitCode reportAccount(const Options& options, const std::vector<PathAccount>& accounts,
-                       const std::vector<Spot>& starts);
-
-// Where the first value of each account begins.
-std::vector<Spot> startsOf(const Document& document, const std::vector<PathAccount>& accounts);
+// input or from a pipe is gone, and only places that `starts` knows are shown.  REJECTED when a
+// value is lost, else DONE.  Throws a Failure.
+ExitCode reportAccount(const Options& options, const Account& account);
 
 // A line on standard error for values that are in no cell, one for those that strayed, and how to
 // see which; nothing when there are none.  REJECTED when values were overwritten or strayed:
 // whatever else is in no cell, a map may leave out on purpose.
 //   what      file or table
 //   inNoCell  0: only overwritten values are asked for
-ExitCode tellLost(const std::string& what, const RowLosses& losses, uint64_t inNoCell = 0);
+ExitCode tellLost(const std::string& what, const Document& document, const RowLosses& losses,
+                  uint64_t inNoCell = 0);
 
 }  // namespace qvej::cli

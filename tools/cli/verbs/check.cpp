@@ -19,18 +19,16 @@ void tellWellFormed(const Session& session) {
 }
 
 ExitCode checkAccount(const Options& options) {
-    std::vector<PathAccount> accounts;
-    std::vector<Spot> starts;
+    Account account;
     {
         const Session session(options.reading, options.operands[0], options.map);
         try {
-            accounts = accountOf(session.document(), options.retain);
+            account = takeAccount(session.document(), options.retain);
         } catch (const Error& error) {
             session.failReading(error);
         }
-        starts = startsOf(session.document(), accounts);
     }
-    return reportAccount(options, accounts, starts);
+    return reportAccount(options, account);
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "tools/cli/reports/account_report.h"
 #include "tools/cli/reports/rejects.h"
 #include "tools/cli/reports/remarks.h"
+#include "tools/cli/reports/shape_report.h"
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"
 #include "tools/cli/verbs/verbs.h"
@@ -37,12 +38,6 @@ std::string counted(uint64_t count, const std::string& noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
-// What `--account` needs when the document has gone.
-struct Account {
-    std::vector<PathAccount> paths;
-    std::vector<Spot> starts;
-};
-
 // The options that shape what is written.
 std::vector<std::string> wordsOf(const Options& options) {
     const ReadingOptions standard;
@@ -61,6 +56,8 @@ std::vector<std::string> wordsOf(const Options& options) {
     add(!options.map.empty(), "--map=" + options.map);
     add(options.retain, "--retain");
     add(reading.ordinals != standard.ordinals, "--ordinals=" + std::to_string(reading.ordinals));
+    const std::vector<std::string> shape = cli::wordsOf(reading.shape);
+    words.insert(words.end(), shape.begin(), shape.end());
     add(reading.text.lines, "--lines");
     add(reading.text.encoding != standard.text.encoding, "--encoding=" + reading.text.encoding);
     add(reading.text.replaceInvalid, "--invalid=replace");
@@ -98,11 +95,14 @@ ExitCode convert(const Options& options, const Session& session) {
     if (!shared.empty() && !options.quiet) {
         tell(shared);
     }
+    if (!options.quiet && session.map() == nullptr && options.reading.shape.empty()) {
+        tellShapeHint(document.tables());
+    }
     tellLosses(session.name(), document, written);
     ExitCode code = DONE;
     if (!options.account) {
         const uint64_t lost = options.alldata ? 0 : lostOf(document, pass, tables);
-        code = tellLost(session.name(), rowLossesOf(pass, tables), lost);
+        code = tellLost(session.name(), document, rowLossesOf(pass, tables), lost);
     }
     tellSharedNames(session.mapName(), tables, *options.format);
     return std::max(code, rejects.tellAll());
@@ -132,8 +132,7 @@ ExitCode convertAndAccount(const Options& options, Account& account) {
     try {
         const ExitCode code = convert(options, session);
         if (options.account) {
-            account.paths = accountOf(session.document(), options.retain);
-            account.starts = startsOf(session.document(), account.paths);
+            account = takeAccount(session.document(), options.retain);
         }
         return code;
     } catch (const Error& error) {
@@ -147,8 +146,7 @@ ExitCode runConvert(const Options& options) {
     checkOutput(options);
     Account account;
     const ExitCode code = convertAndAccount(options, account);
-    return options.account ? std::max(code, reportAccount(options, account.paths, account.starts))
-                           : code;
+    return options.account ? std::max(code, reportAccount(options, account)) : code;
 }
 
 }  // namespace qvej::cli

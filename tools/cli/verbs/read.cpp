@@ -94,7 +94,7 @@ ExitCode runRead(const Options& options) {
         const bool all = options.limit != 0;  // else no rows say nothing
         tellLosses(session.name(), document, {{&table, all ? written.rows : 1}});
         const ExitCode code =
-            tellLost(session.name() + ": table " + visible(table.name), written.losses);
+            tellLost(session.name() + ": table " + visible(table.name), document, written.losses);
         tellSharedNames(session.mapName(), {&table}, *options.format);
         rejects.commit();
         return std::max(code, rejects.tellAll());

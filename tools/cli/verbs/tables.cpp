@@ -8,6 +8,7 @@
 #include "formats/writer.h"
 #include "tools/cli/reports/listing.h"
 #include "tools/cli/reports/remarks.h"
+#include "tools/cli/reports/shape_report.h"
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"
 #include "tools/cli/verbs/verbs.h"
@@ -69,6 +70,9 @@ ExitCode runTables(const Options& options) {
     const std::string shared = sharedNames(document, options.reading.alldataName);
     if (!shared.empty() && !options.quiet) {
         tell(shared);
+    }
+    if (!options.quiet && session.map() == nullptr && options.reading.shape.empty()) {
+        tellShapeHint(document.tables());
     }
     std::vector<const Table*> tables;
     for (const Table& table : document.tables()) {
