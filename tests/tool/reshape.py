@@ -19,7 +19,7 @@ import tempfile
 TOOL = os.path.abspath(sys.argv[1])
 COUNT = int(sys.argv[2]) if len(sys.argv) > 2 else 2000 if os.environ.get("JMAP_LONG") == "1" else 60
 SEED = int(sys.argv[3]) if len(sys.argv) > 3 else 1
-NAMES = ["a", "b", "c", "id", "key", "value", "rows", "", "a b", "x/y", "é", "b_c", 'q"', "k*"]
+NAMES = ["a", "b", "c", "a", "b", "id", "key", "value", "rows", "", "a b", "x/y", "é", "b_c", 'q"', "k*"]
 R = random.Random(SEED)
 
 
@@ -190,19 +190,25 @@ def document(depth, is_object):
     return [value(depth - 1) for _ in range(size)]
 
 
-def random_path():
-    pieces = [R.choice(["*", "**"] + [("name", n) for n in NAMES] * 2) for _ in range(R.choice([1, 1, 2, 2, 3]))]
-    return [("name", "root")] + pieces
+def random_path(value):
+    """A path of the document, some of its names replaced by wildcards; rarely any other path."""
+    names = []
+    while is_container(value) and value and (not names or R.random() < 0.75):
+        name, value = R.choice(value) if isinstance(value, Object) else (None, R.choice(value))
+        names += [] if name is None else [name]
+    names = names if names and R.random() < 0.95 else [R.choice(NAMES)]
+    pieces = [R.choice(["*", "**"] + [("name", n)] * 3) for n in names]
+    return [("name", "root")] + pieces + (["**"] if R.random() < 0.05 else [])
 
 
-def random_rule():
+def random_rule(document):
     kind = R.choice(["rows"] * 4 + ["inline", "inline", "text", "drop", "keep", "only", "empty drop"])
-    rule = {"kind": kind, "path": random_path(), "key": "key", "except": []}
+    rule = {"kind": kind, "path": random_path(document), "key": "key", "except": []}
     if kind == "rows":
         if R.random() < 0.15:
             rule["path"] = R.choice([[("name", "root")], [("name", "root"), "**"]])
         rule["key"] = R.choice(["key", "key", "name", "a b", "id"])
-        rule["except"] = R.sample(NAMES, R.choice([0, 0, 0, 1, 3, 6]))
+        rule["except"] = R.sample(NAMES, R.choice([0, 0, 0, 2, 5, 8]))
     return rule
 
 
@@ -282,7 +288,7 @@ def main():
         os.chdir(folder)
         for _ in range(COUNT):
             shaped = document(5, R.random() < 0.7)
-            rules = [random_rule() for _ in range(R.choice([1, 1, 2, 3, 5]))]
+            rules = [random_rule(shaped) for _ in range(R.choice([1, 2, 3, 4, 6]))]
             plain = Transformation(rules).document(shaped)
             with open("shaped.json", "w") as a, open("plain.json", "w") as b:
                 a.write(written(shaped))
