@@ -173,7 +173,7 @@ def quoted(text):
 def scalar():
     long = "x\té\"" * R.choice([1, 1, 1, 1, 1, 9000])
     return R.choice([Number("1"), Number("-2.50"), Number("1E3"), Number("12345678901234567890"), True, False,
-                     None, "", "text", "a\"b\\c\n\x01\x7f/é", long])
+                     None, "", "text", "a\"b\\c\n\x1f\x7f/é", long])
 
 
 def value(depth):
@@ -289,6 +289,9 @@ def main():
         for _ in range(COUNT):
             shaped = document(5, R.random() < 0.7)
             rules = [random_rule(shaped) for _ in range(R.choice([1, 2, 3, 4, 6]))]
+            for rule in rules[1:]:  # below that of the first, where entries and runs meet other rules
+                if R.random() < 0.3:
+                    rule["path"] = rules[0]["path"] + [R.choice(["*", ("name", R.choice(NAMES))])]
             plain = Transformation(rules).document(shaped)
             with open("shaped.json", "w") as a, open("plain.json", "w") as b:
                 a.write(written(shaped))
