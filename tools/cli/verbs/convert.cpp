@@ -58,6 +58,7 @@ std::vector<std::string> wordsOf(const Options& options) {
         "--null=" + options.formatOptions.null.value_or(""));
     add(options.alldata, "--alldata");
     add(reading.alldataName != standard.alldataName, "--alldata-name=" + reading.alldataName);
+    add(reading.naming == qvej::Naming::ORIGINAL, "--naming=original");
     add(!options.map.empty(), "--map=" + options.map);
     add(options.retain, "--retain");
     add(reading.ordinals != standard.ordinals, "--ordinals=" + std::to_string(reading.ordinals));
