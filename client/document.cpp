@@ -254,6 +254,7 @@ Table Document::describe(JMAPTableh handle, bool alldata, Naming naming) const {
 void Document::useMap(std::string_view text) {
     parseUserMap(*this, text);
     userTables_ = describeMap(completeUserMap(*this));
+    naming_ = Naming::MAP;
     checkConversions(engine_, *userTables_, text);
 }
 
@@ -266,7 +267,7 @@ void Document::checkMemory(const std::string& what) const {
 
 const Table* Document::find(std::string_view name) const {
     auto found = tables().end();
-    if (naming_ == Naming::ORIGINAL && !userTables_) {
+    if (naming_ == Naming::ORIGINAL) {
         found = std::find_if(tables().begin(), tables().end(),
                              [&](const Table& t) { return t.name == name; });
     }

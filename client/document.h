@@ -129,6 +129,9 @@ class Document {
     // the same comes first.  Null: none.
     [[nodiscard]] const Table* find(std::string_view name) const;
 
+    // How the tables of the map in use are named: those of a user's map by that.
+    [[nodiscard]] Naming naming() const { return naming_; }
+
     // The automatic map as a JSON document.
     [[nodiscard]] std::string mapText() const;
 
@@ -177,8 +180,8 @@ class Document {
     Engine& engine_;
     TextCodec codec_;
     std::string alldataName_;  // UTF-8
-    Naming naming_;
-    std::string cacheFile_;  // or its directory: what failures call it
+    Naming naming_;            // of the tables in use
+    std::string cacheFile_;    // or its directory: what failures call it
     std::function<int64_t(int64_t)> columnOf_;
     QVEJMAPJsonContexth handle_ = nullptr;
     const Reshaper* reshaper_ = nullptr;  // the engine's
