@@ -25,7 +25,7 @@ $ qvejmap read names.json 日 --naming original -q
 
 # A table has the name that `tables` shows with the same option.
 $ qvejmap read names.json _020__ --naming original
-! qvejmap: no table named _020__ (qvejmap tables lists them)
+! qvejmap: no table named _020__ (qvejmap tables --naming original lists them)
 ? 4
 $ qvejmap read names.json citt --naming original
 ! qvejmap: no table named citt; did you mean città?
@@ -117,8 +117,26 @@ $ qvejmap convert equal.json -o files --naming original; ls files; sed 's/"rows.
 ! qvejmap: 4 tables, 4 rows in files
 $ python3 -c 'import json; print(json.dumps({n: {"x": 1} for n in ["A", "a", "..", "a\0/", "k" * 300, "k" * 300 + "l", "\u00e9" * 41 + "abc", "\u00e9" * 43]}))' > long.json
 $ qvejmap convert long.json -o long --naming original --format ndjson; ls long | awk '{ print length($0), substr($0, 1, 20), substr($0, length($0) - 20) }'
+  11 %2E..ndjson %2E..ndjson
+  253 %C3%A9%C3%A9%C3%A9%C A9%C3%A9%C3%A9.ndjson
+  255 %C3%A9%C3%A9%C3%A9%C %C3%A9%C3%A9ab.ndjson
+  8 A.ndjson A.ndjson
+  14 a%00%2F.ndjson a%00%2F.ndjson
+  10 a~2.ndjson a~2.ndjson
+  16 datapackage.json datapackage.json
+  255 kkkkkkkkkkkkkkkkkkkk kkkkkkkkkkkkkk.ndjson
+  255 kkkkkkkkkkkkkkkkkkkk kkkkkkkkkkkk~2.ndjson
+! qvejmap: 8 tables, 8 rows in long
+! qvejmap: 4 file names cut to 255 bytes: datapackage.json has the names of the tables
 $ grep -o '"title":"[^k]*",' long/datapackage.json
+  "title":"A","path":"A.ndjson","format":"ndjson",
+  "title":"a","path":"a~2.ndjson","format":"ndjson",
+  "title":"..","path":"%2E..ndjson","format":"ndjson",
+  "title":"a\\u0000/","path":"a%00%2F.ndjson","format":"ndjson",
+  "title":"éééééééééééééééééééééééééééééééééééééééééabc","path":"%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9ab.ndjson","format":"ndjson",
+  "title":"ééééééééééééééééééééééééééééééééééééééééééé","path":"%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9.ndjson","format":"ndjson",
 $ qvejmap convert long.json -o long --naming original --format ndjson --force -q; ls long | wc -l
+  9
 
 # A header of one empty name is no empty line.
 $ printf '{"a\\u0002":1}' | qvejmap read - a --naming original --ordinals 0
