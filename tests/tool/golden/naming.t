@@ -138,6 +138,13 @@ $ grep -o '"title":"[^k]*",' long/datapackage.json
 $ qvejmap convert long.json -o long --naming original --format ndjson --force -q; ls long | wc -l
   9
 
+# Tables without columns have the names of their objects too.
+$ printf '{"1":{},"b":{"2":[]}}' | qvejmap tables - --naming original --ordinals 0
+  1\t0\t
+  2\t0\t
+$ printf '{}' | qvejmap tables - --naming original --names
+  root
+
 # A header of one empty name is no empty line.
 $ printf '{"a\\u0002":1}' | qvejmap read - a --naming original --ordinals 0
   ""\r
