@@ -72,6 +72,12 @@ void Columns::nameOriginally(JMAPTableh table) {
                               : std::make_shared<const std::vector<PathName>>(std::move(names));
 }
 
+ColumnType Columns::type(std::size_t i) const {
+    JMAPColumnInfo info = {};
+    jmapColumnInfo(handles_[i], &info);
+    return static_cast<ColumnType>(info.type);
+}
+
 Column Columns::operator[](std::size_t i) const {
     JMAPColumnh handle = handles_[i];
     JMAPColumnInfo info = {};

@@ -100,6 +100,7 @@ class Columns {
     [[nodiscard]] std::size_t size() const { return handles_.size(); }
     [[nodiscard]] bool empty() const { return handles_.empty(); }
     [[nodiscard]] Column operator[](std::size_t i) const;
+    [[nodiscard]] ColumnType type(std::size_t i) const;  // of a column, without describing the rest
     [[nodiscard]] Iterator begin() const { return {*this, 0}; }
     [[nodiscard]] Iterator end() const { return {*this, size()}; }
     [[nodiscard]] const TextCodec& codec() const { return *codec_; }

@@ -52,6 +52,19 @@ void checkTable(const qvej::Table& table, Changed& changed) {
     }
 }
 
+void checkColumns(const qvej::Columns& columns, Changed& changed) {
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (columns.type(i) == qvej::ColumnType::ORDINAL) {
+            continue;  // of a deep table most are
+        }
+        const qvej::Column column = columns[i];
+        const std::string_view last = qvej::lastPiece(column.path);
+        if (isLost(last) || beginsOtherwise(last, column.name)) {
+            changed.add(last, column.name);
+        }
+    }
+}
+
 }  // namespace
 
 void tellChangedNames(const std::string& file, const std::vector<const qvej::Table*>& tables) {
@@ -61,13 +74,7 @@ void tellChangedNames(const std::string& file, const std::vector<const qvej::Tab
             continue;
         }
         checkTable(*table, changed);
-        for (const qvej::Column& column : table->columns) {
-            const std::string_view last = qvej::lastPiece(column.path);
-            if (column.type != qvej::ColumnType::ORDINAL &&
-                (isLost(last) || beginsOtherwise(last, column.name))) {
-                changed.add(last, column.name);
-            }
-        }
+        checkColumns(table->columns, changed);
     }
     if (changed.count != 0) {
         const bool one = changed.count == 1;
