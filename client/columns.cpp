@@ -2,11 +2,19 @@
 #include "client/columns.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qvej {
 namespace {
 
 constexpr uint64_t kNumberBytes = 8;
+constexpr std::string_view kOrdinalPrefix = "ordinal_";
+
+std::string objectOf(JMAPTableh table) {
+    std::string path(static_cast<std::size_t>(jmapTableObject(table, nullptr)), '\0');
+    (void)jmapTableObject(table, path.data());
+    return path;
+}
 
 LogicalType logicalTypeOf(const JMAPColumnInfo& info) {
     if (info.type == JMAP_ORDINAL) {
@@ -28,7 +36,7 @@ LogicalType logicalTypeOf(const JMAPColumnInfo& info) {
 
 }  // namespace
 
-Columns::Columns(JMAPTableh table, const TextCodec& codec) : codec_(&codec) {
+Columns::Columns(JMAPTableh table, const TextCodec& codec, Naming naming) : codec_(&codec) {
     JMAPTableInfo info = {};
     jmapTableInfo(table, &info);
     handles_.reserve(info.columnCount);
@@ -36,6 +44,38 @@ Columns::Columns(JMAPTableh table, const TextCodec& codec) : codec_(&codec) {
     while (jmapNextColumn(table, &column) == QV_OK) {
         handles_.push_back(column);
     }
+    if (naming == Naming::ORIGINAL) {
+        nameOriginally(table);
+    }
+}
+
+// The ordinals come first, the outermost before the others: so each has the same name in all tables
+// that it joins.  Their paths begin that of the table, which is built once: a table has as many
+// ordinals as it is deep.
+void Columns::nameOriginally(JMAPTableh table) {
+    static const auto lastPieces = std::make_shared<const std::vector<PathName>>();
+    const std::string object = objectOf(table);
+    std::string path;
+    std::string decoded;
+    const auto pathOfColumn = [&](std::size_t i) -> NamedPath {
+        JMAPColumnInfo info = {};
+        jmapColumnInfo(handles_[i], &info);
+        if (info.type == JMAP_ORDINAL) {
+            return {kOrdinalPrefix, codec_->decode(view(object.data(), info.pathLen), decoded)};
+        }
+        path.resize(static_cast<std::size_t>(info.pathLen));
+        jmapColumnPath(handles_[i], path.data());
+        return {{}, codec_->decode(path, decoded)};
+    };
+    std::vector<PathName> names = distinctNames(handles_.size(), pathOfColumn, Longer::LATER);
+    original_ = names.empty() ? lastPieces
+                              : std::make_shared<const std::vector<PathName>>(std::move(names));
+}
+
+ColumnType Columns::type(std::size_t i) const {
+    JMAPColumnInfo info = {};
+    jmapColumnInfo(handles_[i], &info);
+    return static_cast<ColumnType>(info.type);
 }
 
 Column Columns::operator[](std::size_t i) const {
@@ -50,6 +90,11 @@ Column Columns::operator[](std::size_t i) const {
                      static_cast<ColumnType>(info.type), logicalTypeOf(info), kNumberBytes};
     if (column.type == ColumnType::CHARACTER) {
         column.length = std::min(info.length, kLongestCell);
+    }
+    if (original_ != nullptr) {
+        const bool ordinal = column.type == ColumnType::ORDINAL;
+        column.name = nameOf({ordinal ? kOrdinalPrefix : std::string_view(), column.path},
+                             original_->empty() ? PathName() : (*original_)[i]);
     }
     column.label = text(info.label, info.labelLen);
     column.format = {text(info.format.name, info.format.nameLen), info.format.width,
@@ -69,6 +114,10 @@ std::string Table::path() const {
     JMAPTableInfo info = {};
     jmapTableInfo(handle, &info);
     return columns.codec().decoded(pathOf(jmapTablePath, handle, info.tablePathLen));
+}
+
+std::string Table::objectPath() const {
+    return columns.codec().decoded(objectOf(handle));
 }
 
 }  // namespace qvej

@@ -8,11 +8,13 @@
 
 #include "qvejmapx.h"
 
+#include "path_names.h"
 #include "text.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -91,19 +93,25 @@ class Columns {
         std::size_t at_;
     };
 
-    // Those of a table of the engine.  `codec` must outlive the list.
-    Columns(JMAPTableh table, const TextCodec& codec);
+    // Those of a table of the engine, for ORIGINAL one of the automatic map.  `codec` must outlive
+    // the list.
+    Columns(JMAPTableh table, const TextCodec& codec, Naming naming = Naming::MAP);
 
     [[nodiscard]] std::size_t size() const { return handles_.size(); }
     [[nodiscard]] bool empty() const { return handles_.empty(); }
     [[nodiscard]] Column operator[](std::size_t i) const;
+    [[nodiscard]] ColumnType type(std::size_t i) const;  // of a column, without describing the rest
     [[nodiscard]] Iterator begin() const { return {*this, 0}; }
     [[nodiscard]] Iterator end() const { return {*this, size()}; }
     [[nodiscard]] const TextCodec& codec() const { return *codec_; }
 
    private:
+    void nameOriginally(JMAPTableh table);
+
     const TextCodec* codec_;
     std::vector<JMAPColumnh> handles_;
+    // Of the document's own names, in order; empty: each is its last piece.  Null: the map's names.
+    std::shared_ptr<const std::vector<PathName>> original_;
 };
 
 struct Table {
@@ -113,6 +121,10 @@ struct Table {
     JMAPTableh handle;  // the engine's
 
     [[nodiscard]] std::string path() const;  // as a column's
+
+    // The path of the object or array that the table is made of: that path or, of a table of
+    // ordinals alone, a longer one.  Empty: it has none, or is of a user's map.
+    [[nodiscard]] std::string objectPath() const;
 };
 
 }  // namespace qvej

@@ -23,6 +23,7 @@ Document::Document(Engine& engine, const DocumentOptions& options)
     : engine_(engine),
       codec_(engine.host(), options.encoding),
       alldataName_(options.alldataName),
+      naming_(options.naming),
       cacheFile_(options.cacheFile.empty() ? privateCacheDirectory() : options.cacheFile),
       columnOf_(options.columnOf),
       guard_(options.maxPaths, options.leastMemory,
@@ -207,34 +208,53 @@ void Document::finish() {
     }
     QVMemPtr map = nullptr;
     check(operations()->GetAutoMap(handle_, &map));
-    automaticTables_ = describeMap(map);
+    automaticTables_ = describeMap(map, naming_);
+    if (naming_ == Naming::ORIGINAL) {
+        nameOriginally(automaticTables_);
+    }
     JMAPTableh table = nullptr;
     check(jmapAlldataTable(handle_, &table));
     alldata_ = describe(table, true);
 }
 
-std::vector<Table> Document::describeMap(QVMemPtr map) {
+std::vector<Table> Document::describeMap(QVMemPtr map, Naming naming) {
     std::vector<Table> tables;
     JMAPTableh table = nullptr;
     while (jmapNextTable(map, &table) == QV_OK) {
         if (tables.size() % kTablesBetweenChecks == 0) {
             guard_.checkMemory("the tables of the map");
         }
-        tables.push_back(describe(table, false));
+        tables.push_back(describe(table, false, naming));
     }
     return tables;
 }
 
-Table Document::describe(JMAPTableh handle, bool alldata) const {
+void Document::nameOriginally(std::vector<Table>& tables) const {
+    std::string path;
+    const auto pathOf = [&](std::size_t i) -> NamedPath {
+        path = tables[i].objectPath();
+        return {{}, path};
+    };
+    const std::vector<PathName> names = distinctNames(tables.size(), pathOf, Longer::ALL);
+    for (std::size_t i = 0; i < tables.size(); ++i) {
+        if (i % kTablesBetweenChecks == 0) {
+            guard_.checkMemory("the names of tables");
+        }
+        tables[i].name = nameOf(pathOf(i), names.empty() ? PathName() : names[i]);
+    }
+}
+
+Table Document::describe(JMAPTableh handle, bool alldata, Naming naming) const {
     JMAPTableInfo info = {};
     jmapTableInfo(handle, &info);
     return {std::string(withoutUnfinished(codec_.decoded(view(info.name, info.nameLen)))),
-            Columns(handle, codec_), alldata, handle};
+            Columns(handle, codec_, naming), alldata, handle};
 }
 
 void Document::useMap(std::string_view text) {
     parseUserMap(*this, text);
     userTables_ = describeMap(completeUserMap(*this));
+    naming_ = Naming::MAP;
     checkConversions(engine_, *userTables_, text);
 }
 
@@ -246,9 +266,15 @@ void Document::checkMemory(const std::string& what) const {
 }
 
 const Table* Document::find(std::string_view name) const {
-    const auto found = std::find_if(tables().begin(), tables().end(), [&](const Table& t) {
-        return equalIgnoringCase(t.name, name);
-    });
+    auto found = tables().end();
+    if (naming_ == Naming::ORIGINAL) {
+        found = std::find_if(tables().begin(), tables().end(),
+                             [&](const Table& t) { return t.name == name; });
+    }
+    if (found == tables().end()) {
+        found = std::find_if(tables().begin(), tables().end(),
+                             [&](const Table& t) { return equalIgnoringCase(t.name, name); });
+    }
     if (found != tables().end()) {
         return &*found;
     }

@@ -48,6 +48,7 @@ struct DocumentOptions {
     bool compress = false;           // deflate the records
     uint64_t ordinals = UINT64_MAX;  // levels of ordinal columns
     std::string alldataName = "ALLDATA";  // at most 40 bytes
+    Naming naming = Naming::MAP;          // of the automatic tables and their columns
     std::vector<Watch> watches = {};
     Shape shape = {};  // rules for the document's events; the text must be UTF-8
 };
@@ -124,8 +125,12 @@ class Document {
     [[nodiscard]] const Table& alldata() const { return *alldata_; }
 
     // The table that a name opens: the first of that name in any case, else ALLDATA by its exact
-    // configured name.  Null: none.
+    // configured name.  Of the document's own names, which may differ in case alone, one that is
+    // the same comes first.  Null: none.
     [[nodiscard]] const Table* find(std::string_view name) const;
+
+    // How the tables of the map in use are named: those of a user's map by that.
+    [[nodiscard]] Naming naming() const { return naming_; }
 
     // The automatic map as a JSON document.
     [[nodiscard]] std::string mapText() const;
@@ -164,15 +169,18 @@ class Document {
     [[noreturn]] void fail(QVStatus status) const;
     [[noreturn]] void fail(QVStatus status, const std::string& sentence) const;
     [[noreturn]] void failAtLimit(const Error& limit, QVStatus status) const;
-    [[nodiscard]] Table describe(JMAPTableh handle, bool alldata) const;
+    [[nodiscard]] Table describe(JMAPTableh handle, bool alldata,
+                                 Naming naming = Naming::MAP) const;
     [[nodiscard]] std::vector<PathStatistics> describePaths(
         bool (*wanted)(const JMAPPathInfo&)) const;
     [[nodiscard]] PathStatistics describe(JMAPPathh path, const JMAPPathInfo& info) const;
-    [[nodiscard]] std::vector<Table> describeMap(QVMemPtr map);
+    [[nodiscard]] std::vector<Table> describeMap(QVMemPtr map, Naming naming = Naming::MAP);
+    void nameOriginally(std::vector<Table>& tables) const;
 
     Engine& engine_;
     TextCodec codec_;
     std::string alldataName_;  // UTF-8
+    Naming naming_;            // of the tables in use
     std::string cacheFile_;    // or its directory: what failures call it
     std::function<int64_t(int64_t)> columnOf_;
     QVEJMAPJsonContexth handle_ = nullptr;

@@ -22,7 +22,11 @@ class CsvSink final : public TextSink {
           nullGiven_(options.null.has_value()),
           counts_(columns.size()) {
         for (const Column& column : columns) {
-            fields_.text(column.name);
+            if (column.name.empty() && alone()) {
+                fields_.quotedNothing();
+            } else {
+                fields_.text(column.name);
+            }
         }
         endLine();
     }

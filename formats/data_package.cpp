@@ -95,7 +95,7 @@ class ResourceReader {
 
 }  // namespace
 
-PackageWriter::PackageWriter(Writer& out, const PackageRun& run) : out_(out) {
+PackageWriter::PackageWriter(Writer& out, const PackageRun& run) : out_(out), titles_(run.titles) {
     out_.append(R"({"qvejmap":{"version":)");
     putString(out_, run.version);
     out_.append(R"(,"input":)");
@@ -108,10 +108,14 @@ PackageWriter::PackageWriter(Writer& out, const PackageRun& run) : out_(out) {
     out_.append("]},\n\"resources\":[");
 }
 
-void PackageWriter::add(std::string_view file, std::string_view format, uint64_t rows,
-                        const FileState& state) {
+void PackageWriter::add(std::string_view file, std::string_view table, std::string_view format,
+                        uint64_t rows, const FileState& state) {
     out_.append(std::exchange(first_, false) ? "\n{\"name\":" : ",\n{\"name\":");
     putString(out_, resourceName(file));
+    if (titles_) {
+        out_.append(R"(,"title":)");
+        putString(out_, table);
+    }
     out_.append(R"(,"path":)");
     putString(out_, file);
     out_.append(R"(,"format":)");

@@ -31,6 +31,7 @@ struct PackageRun {
     std::string version;
     std::string input;                 // as the user names it
     std::vector<std::string> options;  // words of the command line
+    bool titles = false;               // resources have the names of their tables as titles
 };
 
 class PackageWriter {
@@ -38,11 +39,13 @@ class PackageWriter {
     // `out` must outlive this object.  All of these throw qvej::Error.
     PackageWriter(Writer& out, const PackageRun& run);
     // `file`: a name of uniqueFileNames().
-    void add(std::string_view file, std::string_view format, uint64_t rows, const FileState& state);
+    void add(std::string_view file, std::string_view table, std::string_view format, uint64_t rows,
+             const FileState& state);
     void end();
 
    private:
     Writer& out_;
+    bool titles_;
     bool first_ = true;
 };
 

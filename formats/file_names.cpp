@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <unordered_set>
+#include <unordered_map>
 
 namespace qvej {
 
@@ -18,6 +18,16 @@ bool isAlphanumeric(char c) {
 // What a file name has of a table name as it is; "." not in the first place.
 bool isPlain(char c) {
     return isAlphanumeric(c) || c == '_' || c == '-' || c == '.';
+}
+
+// At most `count` bytes of a stem, and no part of a %XX.
+std::string_view firstBytes(std::string_view stem, std::size_t count) {
+    if (stem.size() <= count) {
+        return stem;
+    }
+    const std::size_t percent = stem.rfind('%', count - 1);
+    return stem.substr(0,
+                       percent != std::string_view::npos && percent + 3 > count ? percent : count);
 }
 
 }  // namespace
@@ -39,20 +49,25 @@ std::string fileStem(std::string_view tableName) {
     return stem;
 }
 
-std::vector<std::string> uniqueFileNames(const std::vector<std::string>& tableNames,
-                                         std::string_view extension) {
-    std::vector<std::string> names;
-    std::unordered_set<std::string>
-        taken;  // "~" is in no stem, so a suffix never hits a later stem
+FileNames uniqueFileNames(const std::vector<std::string>& tableNames, std::string_view extension) {
+    FileNames files;
+    std::unordered_map<std::string, int> taken;  // by name in small letters: the last number tried
     for (const std::string& tableName : tableNames) {
         const std::string stem = fileStem(tableName);
-        std::string name = stem;
-        for (int n = 2; !taken.insert(lowerCased(name)).second; ++n) {
-            name = stem + "~" + std::to_string(n);
+        std::string name(firstBytes(stem, kLongestFileName - 1 - extension.size()));
+        files.cut += name.size() < stem.size() ? 1 : 0;
+        const auto [first, isFree] = taken.try_emplace(lowerCased(name), 1);
+        int& number = first->second;
+        // "~" is in no stem, so a suffix never hits a later stem.
+        for (bool found = isFree; !found;) {
+            const std::string suffix = "~" + std::to_string(++number);
+            const std::size_t room = kLongestFileName - 1 - extension.size() - suffix.size();
+            name = std::string(firstBytes(stem, room)) + suffix;
+            found = taken.try_emplace(lowerCased(name), 1).second;
         }
-        names.push_back(name.append(".").append(extension));
+        files.names.push_back(name.append(".").append(extension));
     }
-    return names;
+    return files;
 }
 
 bool isFileName(std::string_view name) {

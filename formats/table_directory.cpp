@@ -24,7 +24,9 @@ void TableDirectory::open(const std::vector<const Table*>& tables) {
     for (const Table* table : tables) {
         names.push_back(table->name);
     }
-    names_ = uniqueFileNames(names, format_.extension);
+    FileNames files = uniqueFileNames(names, format_.extension);
+    cutNames_ = files.cut;
+    names_ = std::move(files.names);
     names_.emplace_back(kPackageFile);
     files_.emplace(directory_, true, names_, force_, sources_);
     removeEarlier();
@@ -54,7 +56,7 @@ void TableDirectory::end(const std::vector<uint64_t>& rows) {
     Writer out = files_->writer(rows.size());
     PackageWriter package(out, run_);
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        package.add(names_[i], format_.name, rows[i], files_->closed(i));
+        package.add(names_[i], tables_[i]->name, format_.name, rows[i], files_->closed(i));
     }
     package.end();
 }

@@ -32,6 +32,9 @@ class TableDirectory final : public Destination {
     // are not replaced stay.
     [[nodiscard]] bool earlierKnown() const { return earlierKnown_; }
 
+    // Files whose names are cut, since file systems take no longer ones.
+    [[nodiscard]] std::size_t cutNames() const { return cutNames_; }
+
    private:
     void removeEarlier();
 
@@ -42,6 +45,7 @@ class TableDirectory final : public Destination {
     Sources sources_;
     PackageRun run_;
     bool earlierKnown_ = true;
+    std::size_t cutNames_ = 0;
     std::vector<std::string> names_;  // of the tables' files and, last, of the list
     std::vector<const Table*> tables_;
     std::optional<OutputFiles> files_;  // once it is open

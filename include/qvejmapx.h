@@ -89,6 +89,11 @@ void jmapTableInfo(JMAPTableh table, JMAPTableInfo* info);
 void jmapTablePath(JMAPTableh table, char* path);
 void jmapColumnPath(JMAPColumnh column, char* path);
 
+/* The path of the object or array that a table of the automatic map is made of; a table of ordinals
+ * alone has another as its table path.  Returns its length, 0 for a table of no path or of another
+ * map, and writes it to `path`, if that is not null. */
+QVStrSize jmapTableObject(JMAPTableh table, char* path);
+
 /* As jmapNextTable, for the columns of a table. */
 QVStatus jmapNextColumn(JMAPTableh table, JMAPColumnh* column);
 

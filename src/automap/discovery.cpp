@@ -50,6 +50,7 @@ QVStatus doDataset(JMAP_PRIVATE* p, MAP* m, PATHINFO* n) {
     if (ds == nullptr) {
         return QV_NOMEM;
     }
+    ds->start = n->node;
     QV_TRY(uniqueDsName(p, ds, n));
     QV_TRY(doOrdinals(p, ds, n));
     QV_TRY(doVariables(p, ds, n));

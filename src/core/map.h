@@ -66,7 +66,8 @@ struct DSINFO {
     QVStrSize nameLen;
     VARINFO* vhead;
     VARINFO* vtail;
-    uint64_t varcount;  // columns in the list
+    uint64_t varcount;      // columns in the list
+    const PATHNODE* start;  // automatic map: the first path of its group; else null
     // Path of the object that makes a row, stored as that of a column.  Both null: none.
     const PATHNODE* tableNode;
     char* tablePath;

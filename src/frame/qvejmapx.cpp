@@ -17,6 +17,7 @@
 #include "reader/table_pass.h"
 #include "scan/exact_number.h"
 #include "scan/path_stats.h"
+#include "scan/path_tree.h"
 #include "scan/path_watch.h"
 #include "scan/record_format.h"
 
@@ -127,6 +128,17 @@ void jmapTableInfo(JMAPTableh table, JMAPTableInfo* info) {
 
 void jmapTablePath(JMAPTableh table, char* path) {
     putPath(table->tableNode, view(table->tablePath, table->tablePathLen), path);
+}
+
+QVStrSize jmapTableObject(JMAPTableh table, char* path) {
+    if (table->start == nullptr) {
+        return 0;
+    }
+    const QVStrSize pathLen = parentLenOf(table->start);
+    if (path != nullptr) {
+        writePath(table->start, pathLen, path);
+    }
+    return pathLen;
 }
 
 void jmapColumnPath(JMAPColumnh column, char* path) {

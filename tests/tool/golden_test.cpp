@@ -102,8 +102,9 @@ INSTANTIATE_TEST_SUITE_P(Files, ToolGolden,
                                          "convert_again", "damage", "encodings", "events",
                                          "formats", "input", "interrupt", "map", "map_check",
                                          "map_explain", "map_diff", "map_merge", "map_merge_parts",
-                                         "map_mistakes", "map_use", "notes", "read", "records",
-                                         "shapes", "spill", "tables", "terminal", "usage"),
+                                         "map_mistakes", "map_use", "naming", "notes", "read",
+                                         "records", "shapes", "spill", "tables", "terminal",
+                                         "usage"),
                          [](const auto& file) { return file.param; });
 
 }  // namespace

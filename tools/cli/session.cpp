@@ -28,6 +28,7 @@ DocumentOptions documentOptions(const ReadingOptions& options, const Engine& eng
     document.compress = options.compress;
     document.ordinals = options.ordinals;
     document.alldataName = options.alldataName;
+    document.naming = options.naming.value_or(Naming::MAP);
     document.keepFree = options.keepFree.value_or(options.memory ? (*options.memory - 1) / 2 + 1
                                                                  : engine.availableMemory() / 8);
     document.leastMemory = options.memory ? 0 : engine.availableMemory() / 16;

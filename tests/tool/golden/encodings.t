@@ -8,9 +8,11 @@ $ qvejmap check latin
 $ qvejmap read latin root --encoding ISO-8859-1
   ordinal_root,k__\r
   1,café ¤\r
+! qvejmap: latin: 1 name of a table or column is not the document's: k__ for "ké" (--naming original keeps it)
 $ qvejmap read latin root --encoding iso-8859-15
   ordinal_root,k__\r
   1,café €\r
+! qvejmap: latin: 1 name of a table or column is not the document's: k__ for "ké" (--naming original keeps it)
 $ qvejmap map latin --encoding latin1
   {"DATASETS":[{"DSNAME":"root","TABLEPATH":"/root","VARIABLES":[{"NAME":"ordinal_root","TYPE":"ORDINAL","PATH":"/root"},{"NAME":"k__","TYPE":"CHARACTER","PATH":"/root/ké","CURRENT_LENGTH":8}]}]}
 $ qvejmap records latin --encoding latin1
@@ -191,6 +193,7 @@ $ qvejmap read wrong root --invalid replace
 $ qvejmap read latin root --invalid replace
   ordinal_root,k___\r
   1,caf� �\r
+! qvejmap: latin: 1 name of a table or column is not the document's: k___ for "k�" (--naming original keeps it)
 $ qvejmap read latin root --invalid error
 ! qvejmap: latin:1:4: invalid UTF-8 (--encoding NAME for text in another encoding, --invalid replace to go on)
 !     {"k�":"caf� �"}

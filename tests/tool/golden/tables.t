@@ -46,6 +46,7 @@ $ printf '{"a\\u001b[31m\\\\":{"x\\ty\\u009b":1}}' | qvejmap tables - --columns
   a__31m_\tordinal_root\tORDINAL\t8\t/root
   a__31m_\tordinal_a__31m_\tORDINAL\t8\t/root/a\\u001b[31m\\\\
   a__31m_\tx_y__\tNUMERIC\t8\t/root/a\\u001b[31m\\\\/x\\ty\\u009b
+! qvejmap: <stdin>: 1 name of a table or column is not the document's: x_y__ for "x\ty\u009b" (--naming original keeps it)
 
 # An outermost container without values.
 $ echo '{}' | qvejmap tables -

@@ -9,12 +9,14 @@ $ printf '{"a\\u001b[31m\\u009b":"x\\u001b[0m\\ty\\u0085\\u007f\\n,z","日本語
 $ script -qec 'qvejmap tables nasty.json' /dev/null
   root       2  /root\r
   _________  3  /root/日本語\r
+  qvejmap: nasty.json: 2 names of tables and columns are not the document's, such as a__31m__ for "a\\u001b[31m\\u009b" (--naming original keeps them)\r
 $ script -qec 'qvejmap tables --columns nasty.json' /dev/null
   root       ordinal_root       ORDINAL    8   /root\r
   root       a__31m__           CHARACTER  13  /root/a\\u001b[31m\\u009b\r
   _________  ordinal_root       ORDINAL    8   /root\r
   _________  ordinal__________  ORDINAL    8   /root/日本語\r
   _________  k                  NUMERIC    8   /root/日本語/k\r
+  qvejmap: nasty.json: 2 names of tables and columns are not the document's, such as a__31m__ for "a\\u001b[31m\\u009b" (--naming original keeps them)\r
 $ script -qec 'qvejmap map nasty.json --ordinals 0' /dev/null
   {"DATASETS":[{"DSNAME":"root","TABLEPATH":"/root","VARIABLES":[{"NAME":"a__31m__","TYPE":"CHARACTER","PATH":"/root/a\\u001b[31m\\u009b","CURRENT_LENGTH":13}]},{"DSNAME":"_________","TABLEPATH":"/root/日本語","VARIABLES":[{"NAME":"k","TYPE":"NUMERIC","PATH":"/root/日本語/k"}]}]}\r
 $ script -qec 'qvejmap records nasty.json' /dev/null
@@ -25,8 +27,10 @@ $ script -qec 'qvejmap records nasty.json' /dev/null
 $ script -qec 'qvejmap read nasty.json root' /dev/null
   ordinal_root,a__31m__\r
   1,"x\\u001b[0m\\ty\\u0085\\u007f\\n,z"\r
+  qvejmap: nasty.json: 1 name of a table or column is not the document's: a__31m__ for "a\\u001b[31m\\u009b" (--naming original keeps it)\r
 $ script -qec 'qvejmap read nasty.json root --format ndjson' /dev/null
   {"ordinal_root":1,"a__31m__":"x\\u001b[0m\\ty\\u0085\\u007f\\n,z"}\r
+  qvejmap: nasty.json: 1 name of a table or column is not the document's: a__31m__ for "a\\u001b[31m\\u009b" (--naming original keeps it)\r
 $ script -qec 'qvejmap read nasty.json ALLDATA' /dev/null
   P,P1,P2,V,Value\r
   1,a\\u001b[31m\\u009b,,1,"x\\u001b[0m\\ty\\u0085\\u007f\\n,z"\r

@@ -51,6 +51,8 @@ $ qvejmap --help
                             (default: all); 0: none, 1: orders_items has
                             ordinal_items alone
     --alldata-name NAME     name of the table ALLDATA
+    --naming WAY            names of tables and columns: those of the map
+                            (default), or original, the document's own
     --retain                columns keep their value from row to row (check takes
                             it with --account)
   
@@ -128,6 +130,8 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
                             (default: all); 0: none, 1: orders_items has
                             ordinal_items alone
     --alldata-name NAME     name of the table ALLDATA
+    --naming WAY            names of tables and columns: those of the map
+                            (default), or original, the document's own
     --retain                columns keep their value from row to row (check takes
                             it with --account)
   
@@ -136,14 +140,14 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
 $ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert records check; do
 >     echo $verb: $(qvejmap help $verb | grep -o '^  -[-a-z,]*')
 > done
-  tables: --names --columns --map --ordinals --alldata-name --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
+  tables: --names --columns --map --ordinals --alldata-name --naming --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
   map: -o,--output --exact --ordinals --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
   map check: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
   map diff: -q,--quiet -h,--help --version
   map merge: -o,--output --force -q,--quiet -h,--help --version
   map explain: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
-  read: --limit --map --rejects --format --null --ordinals --alldata-name --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
-  convert: -o,--output --alldata --threads --account --map --rejects --format --null --ordinals --alldata-name --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
+  read: --limit --map --rejects --format --null --ordinals --alldata-name --naming --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
+  convert: -o,--output --alldata --threads --account --map --rejects --format --null --ordinals --alldata-name --naming --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
   records: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
   check: --account --map --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
 

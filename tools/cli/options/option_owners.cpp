@@ -29,6 +29,7 @@ constexpr Owner kOwners[] = {
     {"--retain", "read, convert, check"},
     {"--ordinals", "tables, map, read, convert"},
     {"--alldata-name", "tables, read, convert"},
+    {"--naming", "tables, read, convert"},
     {"--force", "map, map merge, read, convert"},
     {"--lines", kReaders},
     {"--encoding", kReaders},

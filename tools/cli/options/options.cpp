@@ -36,7 +36,7 @@ constexpr uint64_t kLeastMemory = 32 << 20;
 struct Raw {
     std::vector<std::string> words;
     std::string threads, limit, format = "csv", null, invalid = "error", ordinals, depth, maxPaths,
-                                keepFree, memory, debug;
+                                keepFree, memory, debug, naming;
 };
 
 uint64_t countOr(uint64_t otherwise, const CLI::App& app, const char* option,
@@ -61,6 +61,13 @@ std::optional<uint64_t> sizeOf(const CLI::App& app, const char* option, const st
                    " is not a size such as 500000, 64K, 100M or 2G");
     }
     return size;
+}
+
+Naming namingOf(const std::string& text) {
+    if (text != "map" && text != "original") {
+        usageError("--naming: " + inQuotes(text) + " is none of map, original");
+    }
+    return text == "map" ? Naming::MAP : Naming::ORIGINAL;
 }
 
 // It stands in the file as it is, without quotes.
@@ -220,6 +227,11 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_option("--alldata-name", o.reading.alldataName, "name of the table ALLDATA")
         ->type_name("NAME")
         ->group(rows);
+    app.add_option("--naming", raw.naming,
+                   "names of tables and columns: those of the map (default),\nor original, the "
+                   "document's own")
+        ->type_name("WAY")
+        ->group(rows);
     app.add_flag("--retain", o.retain,
                  "columns keep their value from row to row (check takes it with --account)")
         ->group(rows);
@@ -308,6 +320,9 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     o.reading.text.replaceInvalid = raw.invalid == "replace";
     if (!o.reading.text.replaceInvalid && raw.invalid != "error") {
         usageError("--invalid: " + inQuotes(raw.invalid) + " is none of error, replace");
+    }
+    if (app.count("--naming") != 0) {
+        o.reading.naming = namingOf(raw.naming);
     }
     if (o.reading.memory && *o.reading.memory < kLeastMemory) {
         usageError("--memory: at least 32M are needed");

@@ -38,6 +38,12 @@ struct Options {
     unsigned threads = 1;  // of convert
 };
 
+// Does the map name tables and columns, without a word of the user on that?  Then names that differ
+// much from the document's are told.
+[[nodiscard]] inline bool namesMayDiffer(const Options& options) {
+    return !options.reading.naming && options.map.empty() && !options.quiet;
+}
+
 // Throws a Failure (WRONG_USAGE).  Prints help and version on standard output.
 Options readOptions(int argc, char** argv);
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "client/input/document_reader.h"
+#include "client/path_names.h"
 #include "tools/cli/options/shape_options.h"
 
 #include <cstdint>
@@ -21,7 +22,8 @@ struct ReadingOptions {
     std::string cache;  // file of records that leave memory; empty: one without a name
     uint64_t ordinals = UINT64_MAX;
     std::string alldataName = "ALLDATA";
-    std::string debug;  // as the engine wants it: ",MAP,READ,"; empty: none
+    std::optional<Naming> naming;  // nothing: MAP, and names that differ much are told
+    std::string debug;                   // as the engine wants it: ",MAP,READ,"; empty: none
 };
 
 }  // namespace qvej::cli

@@ -62,7 +62,8 @@ std::string sharedNames(const Document& document, const std::string& alldataName
     std::unordered_map<std::string, std::size_t> counts;
     std::vector<std::string> order;
     for (const Table& table : document.tables()) {
-        std::size_t& count = counts[lowerCased(table.name)];
+        const bool anyCase = document.naming() == Naming::MAP;
+        std::size_t& count = counts[anyCase ? lowerCased(table.name) : table.name];
         if (++count == 2) {
             order.push_back(visible(table.name));
         }

@@ -4,11 +4,13 @@
 #include "client/error.h"
 #include "client/pass_pipe.h"
 #include "formats/cleanup.h"
+#include "formats/file_names.h"
 #include "formats/output_files.h"
 #include "formats/table_directory.h"
 #include "formats/table_outputs.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/reports/account_report.h"
+#include "tools/cli/reports/changed_names.h"
 #include "tools/cli/reports/rejects.h"
 #include "tools/cli/reports/remarks.h"
 #include "tools/cli/reports/shape_report.h"
@@ -53,6 +55,7 @@ std::vector<std::string> wordsOf(const Options& options) {
         "--null=" + options.formatOptions.null.value_or(""));
     add(options.alldata, "--alldata");
     add(reading.alldataName != standard.alldataName, "--alldata-name=" + reading.alldataName);
+    add(reading.naming == Naming::ORIGINAL, "--naming=original");
     add(!options.map.empty(), "--map=" + options.map);
     add(options.retain, "--retain");
     add(reading.ordinals != standard.ordinals, "--ordinals=" + std::to_string(reading.ordinals));
@@ -69,7 +72,9 @@ ExitCode convert(const Options& options, const Session& session) {
     const std::vector<const Table*> tables = tablesToWrite(document, options.alldata);
     const Sources sources = sourcesOf(options.operands[0], options.map);
     TableDirectory directory(options.out, *options.format, options.formatOptions, options.force,
-                             sources, {QVEJMAP_VERSION, options.operands[0], wordsOf(options)});
+                             sources,
+                             {QVEJMAP_VERSION, options.operands[0], wordsOf(options),
+                              document.naming() == Naming::ORIGINAL});
     directory.open(tables);
     Rejects rejects(options.rejects, options.force, sources, &directory);
     TableOutputs outputs(document, tables, directory,
@@ -91,12 +96,20 @@ ExitCode convert(const Options& options, const Session& session) {
     if (!options.quiet) {
         tell(counted(tables.size(), "table") + ", " + counted(rows, "row") + " in " + options.out);
     }
+    if (directory.cutNames() != 0 && !options.quiet) {
+        tell(counted(directory.cutNames(), "file name") + " cut to " +
+             std::to_string(kLongestFileName) + " bytes: " + kPackageFile +
+             " has the names of the tables");
+    }
     const std::string shared = sharedNames(document, options.reading.alldataName);
     if (!shared.empty() && !options.quiet) {
         tell(shared);
     }
     if (!options.quiet && session.map() == nullptr && options.reading.shape.empty()) {
         tellShapeHint(document.tables());
+    }
+    if (namesMayDiffer(options)) {
+        tellChangedNames(session.name(), tables);
     }
     tellLosses(session.name(), document, written);
     ExitCode code = DONE;

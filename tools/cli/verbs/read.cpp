@@ -8,6 +8,7 @@
 #include "formats/writer.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/reports/account_report.h"
+#include "tools/cli/reports/changed_names.h"
 #include "tools/cli/reports/rejects.h"
 #include "tools/cli/reports/remarks.h"
 #include "tools/cli/reports/tell.h"
@@ -36,8 +37,10 @@ const Table& findTable(const Document& document, const Options& options) {
         names.push_back(options.reading.alldataName);
     }
     const std::string hint = suggestion(name, names);
-    throw Failure(NO_TABLE, "no table named " + visible(name) +
-                                (hint.empty() ? " (qvejmap tables lists them)" : hint));
+    const bool original = document.naming() == Naming::ORIGINAL;
+    const std::string list =
+        std::string(" (qvejmap tables") + (original ? " --naming original" : "") + " lists them)";
+    throw Failure(NO_TABLE, "no table named " + visible(name) + (hint.empty() ? list : hint));
 }
 
 // The notes that the engine makes of reading a table: a pass has none.
@@ -91,6 +94,9 @@ ExitCode runRead(const Options& options) {
             noteReading(document, table, options);
         }
         const Written written = writeRows(document, table, options, rejects);
+        if (namesMayDiffer(options)) {
+            tellChangedNames(session.name(), {&table});
+        }
         const bool all = options.limit != 0;  // else no rows say nothing
         tellLosses(session.name(), document, {{&table, all ? written.rows : 1}});
         const ExitCode code =

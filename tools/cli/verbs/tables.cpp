@@ -6,6 +6,7 @@
 // Tested by tests/tool/golden/tables.t and tests/tool/golden/terminal.t
 #include "client/escape.h"
 #include "formats/writer.h"
+#include "tools/cli/reports/changed_names.h"
 #include "tools/cli/reports/listing.h"
 #include "tools/cli/reports/remarks.h"
 #include "tools/cli/reports/shape_report.h"
@@ -77,6 +78,9 @@ ExitCode runTables(const Options& options) {
     std::vector<const Table*> tables;
     for (const Table& table : document.tables()) {
         tables.push_back(&table);
+    }
+    if (namesMayDiffer(options)) {
+        tellChangedNames(session.name(), tables);
     }
     tellInexact(session.name(), document, tables, options.columns ? Inexact::ALL : Inexact::FIRST);
     return DONE;
