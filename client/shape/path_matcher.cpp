@@ -46,7 +46,7 @@ PathMatcher::Node* PathMatcher::nodeOf(std::vector<State> states) {
             node->branches.push_back({pieces[state.piece].name, nullptr});
         }
     }
-    const auto byName = [](const auto& a, const auto& b) { return a.name < b.name; };
+    const auto byName = [](const auto& a, const auto& b) { return compare(a.name, b.name) < 0; };
     const auto sameName = [](const auto& a, const auto& b) { return a.name == b.name; };
     std::sort(node->branches.begin(), node->branches.end(), byName);
     node->branches.erase(std::unique(node->branches.begin(), node->branches.end(), sameName),

@@ -95,14 +95,7 @@ Reshaper::Reshaper(QVHndlp host, const JSNParserParms& parms, const Shape& shape
         return of(self).eventPlaceOr(&EventPlace::offset);
     };
 
-    JSNParseCB::arrayStart = &containerStart<true>;
-    JSNParseCB::arrayEnd = &containerEnd<true>;
-    JSNParseCB::objectStart = &containerStart<false>;
-    JSNParseCB::objectEnd = &containerEnd<false>;
-    JSNParseCB::nullx = &nullValue;
-    JSNParseCB::booleanVal = &booleanValue;
-    JSNParseCB::number = &numberValue;
-    JSNParseCB::string = &stringEvent;
+    setState(State::SHAPING);
 }
 
 QVStatus Reshaper::parseText(JSNParserh self, const void* buf, QVStrSize bufLen, QVBoolean done) {
@@ -132,75 +125,116 @@ int64_t Reshaper::eventPlaceOr(int64_t EventPlace::*part) const {
 
 // ---- Events of the parser -----------------------------------------------------------------------
 
+// Where nothing can match, each event costs a call more, so these do as little as they can.
+void Reshaper::setState(State state) {
+    static constexpr JSNParseCB kPassing = {
+        [](JSNParseCB* cb) {
+            Reshaper& r = of(cb);
+            ++r.depth_;
+            return r.engine_->arrayStart(r.engine_);
+        },
+        [](JSNParseCB* cb) {
+            Reshaper& r = of(cb);
+            return --r.depth_ == 0 ? r.endPassing() : r.engine_->arrayEnd(r.engine_);
+        },
+        [](JSNParseCB* cb) {
+            Reshaper& r = of(cb);
+            ++r.depth_;
+            return r.engine_->objectStart(r.engine_);
+        },
+        [](JSNParseCB* cb) {
+            Reshaper& r = of(cb);
+            return --r.depth_ == 0 ? r.endPassing() : r.engine_->objectEnd(r.engine_);
+        },
+        [](JSNParseCB* cb) {
+            Reshaper& r = of(cb);
+            ++r.counts_.values;
+            return r.engine_->nullx(r.engine_);
+        },
+        [](JSNParseCB* cb, QVBoolean value) {
+            Reshaper& r = of(cb);
+            ++r.counts_.values;
+            return r.engine_->booleanVal(r.engine_, value);
+        },
+        [](JSNParseCB* cb, const char* text, QVStrSize textLen, int32_t flags) {
+            Reshaper& r = of(cb);
+            ++r.counts_.values;
+            return r.engine_->number(r.engine_, text, textLen, flags);
+        },
+        [](JSNParseCB* cb, const JSNChar* text, QVStrSize textLen, int32_t flags) {
+            Reshaper& r = of(cb);
+            r.counts_.values += flags == JSN_MEMBERNAME ? 0 : 1;
+            return r.engine_->string(r.engine_, text, textLen, flags);
+        },
+    };
+    static constexpr JSNParseCB kOther = {
+        &containerStart<true>, &containerEnd<true>, &containerStart<false>,
+        &containerEnd<false>,  &nullValue,          &booleanValue,
+        &numberValue,          &stringEvent,
+    };
+    state_ = state;
+    direct_ = direct_ && state == State::SHAPING;
+    static_cast<JSNParseCB&>(*this) = state == State::PASSING ? kPassing : kOther;
+}
+
+QVStatus Reshaper::endPassing() {
+    setState(State::SHAPING);
+    return guarded([&] { close(); });
+}
+
 template <bool kArray>
 QVStatus Reshaper::containerStart(JSNParseCB* cb) {
     Reshaper& r = of(cb);
-    switch (r.state_) {
-        case State::PASSING:
-            ++r.depth_;
-            return kArray ? r.engine_->arrayStart(r.engine_) : r.engine_->objectStart(r.engine_);
-        case State::SKIPPING:
-            ++r.depth_;
-            return QV_OK;
-        case State::WRITING:
-            ++r.depth_;
-            return guarded([&] { r.text_.open(kArray); });
-        default:
-            return guarded([&] { r.open(kArray); });
-    }
+    return guarded([&] {
+        if (r.state_ == State::SHAPING) {
+            r.open(kArray);
+            return;
+        }
+        ++r.depth_;
+        if (r.state_ == State::WRITING) {
+            r.text_.open(kArray);
+        }
+    });
 }
 
 template <bool kArray>
 QVStatus Reshaper::containerEnd(JSNParseCB* cb) {
     Reshaper& r = of(cb);
-    if (r.state_ != State::SHAPING) {
-        --r.depth_;
-    }
-    const State state = r.state_;
-    if (r.depth_ == 0) {
-        r.state_ = State::SHAPING;
-    }
-    switch (state) {
-        case State::PASSING:
-            return r.depth_ == 0 ? guarded([&] { r.close(); })
-                   : kArray      ? r.engine_->arrayEnd(r.engine_)
-                                 : r.engine_->objectEnd(r.engine_);
-        case State::SKIPPING:
-            return QV_OK;
-        case State::WRITING:
-            return guarded([&] {
-                r.text_.close(kArray);
-                if (r.depth_ == 0) {
-                    ++r.counts_.texts;
-                    r.put(r.roleOfNext(), [&] { r.emitString(r.text_.view(), r.textPlace_); });
-                }
-            });
-        default:
-            return guarded([&] { r.close(); });
-    }
+    return guarded([&] {
+        if (r.state_ == State::SHAPING) {
+            r.close();
+            return;
+        }
+        const bool writes = r.state_ == State::WRITING;
+        if (writes) {
+            r.text_.close(kArray);
+        }
+        if (--r.depth_ != 0) {
+            return;
+        }
+        r.setState(State::SHAPING);
+        if (writes) {
+            ++r.counts_.texts;
+            r.put(r.roleOfNext(), [&] { r.emitString(r.text_.view(), r.textPlace_); });
+        }
+        r.direct_ = r.inPlainArray();
+    });
 }
 
-// A scalar: `emit` gives it to the engine, `write` to the text in the making.
+// A scalar that does not go straight to the engine: `emit` gives it to the engine, `write` to the
+// text in the making.
 template <class Emit, class Write>
-QVStatus Reshaper::value(Emit emit, Write write) {
-    ++counts_.values;
-    switch (state_) {
-        case State::PASSING:
-            return emit();
-        case State::SKIPPING:
-            ++counts_.leftOut;
-            return QV_OK;
-        case State::WRITING:
-            ++counts_.inTexts;
-            return guarded(write);
-        default:
-            break;
-    }
-    if (nameSent_) {
-        nameSent_ = false;
-        return emit();
-    }
+[[gnu::noinline]] QVStatus Reshaper::otherValue(Emit emit, Write write) {
     return guarded([&] {
+        if (state_ == State::SKIPPING) {
+            ++counts_.leftOut;
+            return;
+        }
+        if (state_ == State::WRITING) {
+            ++counts_.inTexts;
+            write();
+            return;
+        }
         const Role role = roleOfNext();
         if (leavesOut(role, false)) {
             ++counts_.leftOut;
@@ -208,6 +242,12 @@ QVStatus Reshaper::value(Emit emit, Write write) {
             put(role, [&] { check(emit()); });
         }
     });
+}
+
+template <class Emit, class Write>
+QVStatus Reshaper::value(Emit emit, Write write) {
+    ++counts_.values;
+    return direct_ ? emit() : otherValue(emit, write);
 }
 
 QVStatus Reshaper::nullValue(JSNParseCB* cb) {
@@ -234,20 +274,52 @@ QVStatus Reshaper::stringEvent(JSNParseCB* cb, const JSNChar* text, QVStrSize te
     Reshaper& r = of(cb);
     const std::string_view string(reinterpret_cast<const char*>(text),
                                   static_cast<std::size_t>(textLen));
-    if (flags != JSN_MEMBERNAME) {
-        return r.value([&] { return r.engine_->string(r.engine_, text, textLen, flags); },
-                       [&] { r.text_.string(string); });
+    if (flags == JSN_MEMBERNAME) {
+        return r.state_ == State::SHAPING && r.sendsName(string)
+                   ? r.engine_->string(r.engine_, text, textLen, flags)
+                   : r.otherName(string);
     }
-    switch (r.state_) {
-        case State::PASSING:
-            return r.engine_->string(r.engine_, text, textLen, flags);
-        case State::SKIPPING:
-            return QV_OK;
-        case State::WRITING:
-            return guarded([&] { r.text_.name(string); });
-        default:
-            return guarded([&] { r.takeName(string); });
-    }
+    return r.value([&] { return r.engine_->string(r.engine_, text, textLen, flags); },
+                   [&] { r.text_.string(string); });
+}
+
+// Is it known that no rule concerns the member?  Then its name may go to the engine.
+bool Reshaper::sendsName(std::string_view name) noexcept {
+    const Frame& object = frames_.back();
+    const PathMatcher::Node* node =
+        object.simple ? matcher_.knownChild(object.plan->at, name) : nullptr;
+    const bool known = node != nullptr && node->number < plans_.size();
+    next_ = known ? plans_[node->number].get() : nullptr;
+    direct_ = next_ != nullptr && next_->plain;
+    return direct_;
+}
+
+// Any other name.
+[[gnu::noinline]] QVStatus Reshaper::otherName(std::string_view name) {
+    return guarded([&] {
+        if (state_ == State::WRITING) {
+            text_.name(name);
+        }
+        if (state_ != State::SHAPING) {
+            return;
+        }
+        const Frame& object = frames_.back();
+        next_ = &planOf(matcher_.child(object.plan->at, name));
+        direct_ = object.simple && next_->plain;
+        if (direct_) {
+            emitName(name);
+            return;
+        }
+        name_ = name;
+        if (object.form == Form::ENTRIES || object.form == Form::MIXED) {
+            namePlace_ = eventPlace();
+        }
+    });
+}
+
+// After a value: does an element come that no rule concerns?
+bool Reshaper::inPlainArray() const {
+    return !frames_.empty() && frames_.back().form == Form::ARRAY && frames_.back().simple;
 }
 
 // ---- Rules --------------------------------------------------------------------------------------
@@ -288,20 +360,6 @@ Reshaper::Plan Reshaper::makePlan(const PathMatcher::Node* node, bool root) {
     plan.plain = plan.rule == nullptr && plan.inside;
     plan.quiet = plan.inside && std::all_of(node->below.begin(), node->below.end(), isOnly);
     return plan;
-}
-
-void Reshaper::takeName(std::string_view name) {
-    const Frame& object = frames_.back();
-    next_ = &planOf(matcher_.child(object.plan->at, name));
-    nameSent_ = object.form == Form::OBJECT && next_->plain && !dropsEmpty_;
-    if (nameSent_) {
-        emitName(name);
-        return;
-    }
-    name_ = name;
-    if (object.form == Form::ENTRIES || object.form == Form::MIXED) {
-        namePlace_ = eventPlace();
-    }
 }
 
 Reshaper::Role Reshaper::roleOfNext() const {
@@ -360,20 +418,20 @@ Reshaper::Form Reshaper::formOf(Role role, bool array) const {
 void Reshaper::open(bool array) {
     const Role role = roleOfNext();
     if (leavesOut(role, true)) {
-        state_ = State::SKIPPING;
+        setState(State::SKIPPING);
         depth_ = 1;
         return;
     }
     const Plan& plan = planOfNext(role);
     if (role != Role::ELEMENT && plan.rule != nullptr && plan.rule->kind == ShapeRule::TEXT) {
-        state_ = State::WRITING;
+        setState(State::WRITING);
         depth_ = 1;
         textPlace_ = eventPlace();
         text_.clear();
         text_.open(array);
         return;
     }
-    Frame frame = {&plan, formOf(role, array), false, false, 0, 0};
+    Frame frame = {&plan, formOf(role, array), false, false, false, 0, 0};
     frame.wrapped = openAs(role, frame.form);
     frame.around = static_cast<uint32_t>(prefixes_.size());
     frame.prefix = frame.around;
@@ -381,10 +439,12 @@ void Reshaper::open(bool array) {
         frame.prefix = frames_.back().prefix;
         prefixes_.append(name_).append(1, '_');
     }
-    frames_.push_back(frame);
     const bool stays = frame.form == Form::OBJECT || frame.form == Form::ARRAY;
-    if (stays && plan.quiet && !dropsEmpty_) {
-        state_ = State::PASSING;
+    frame.simple = stays && !dropsEmpty_ && (plan.inside || frame.form == Form::OBJECT);
+    frames_.push_back(frame);
+    direct_ = inPlainArray();
+    if (frame.simple && plan.quiet) {
+        setState(State::PASSING);
         depth_ = 1;
     }
 }
@@ -406,8 +466,7 @@ bool Reshaper::openAs(Role role, Form form) {
             emitOpen(array);
             return false;
         case Role::MEMBER:
-            if (nameSent_) {
-                nameSent_ = false;
+            if (direct_) {  // its name is with the engine
                 emitOpen(array);
             } else {
                 beginMember();
@@ -436,6 +495,7 @@ void Reshaper::close() {
         emitClose(false);
     }
     prefixes_.resize(frame.around);
+    direct_ = inPlainArray();
 }
 
 // Puts a scalar, or what takes its place, where it belongs.

@@ -79,6 +79,7 @@ class Reshaper final : private JSNParser, private JSNParseCB {
         Form form;
         bool wrapped;     // an object around it, which is made, ends with it
         bool inRun;       // MIXED: the array of a run is open
+        bool simple;      // what no rule concerns goes to the engine as it is
         uint32_t prefix;  // where the prefix of its members' names begins in prefixes_
         uint32_t around;  // size of prefixes_ before it
     };
@@ -116,9 +117,15 @@ class Reshaper final : private JSNParser, private JSNParseCB {
     static QVStatus stringEvent(JSNParseCB* cb, const JSNChar* text, QVStrSize textLen,
                                 int32_t flags);
 
-    void takeName(std::string_view name);
     template <class Emit, class Write>
     QVStatus value(Emit emit, Write write);
+    template <class Emit, class Write>
+    QVStatus otherValue(Emit emit, Write write);
+    bool sendsName(std::string_view name) noexcept;
+    QVStatus otherName(std::string_view name);
+    QVStatus endPassing();
+    void setState(State state);
+    [[nodiscard]] bool inPlainArray() const;
     void open(bool array);
     void close();
     template <class Emit>
@@ -161,7 +168,7 @@ class Reshaper final : private JSNParser, private JSNParseCB {
     std::string prefixes_;
     std::string name_;            // of the member that comes
     const Plan* next_ = nullptr;  // of its value
-    bool nameSent_ = false;
+    bool direct_ = false;  // the next value goes to the engine as it is; a member's name has gone
     EventPlace namePlace_ = {};
     std::string made_;  // prefix and name
     JsonText text_;
