@@ -11,7 +11,7 @@ $ qvejmap read latin root --encoding ISO-8859-1
 $ qvejmap read latin root --encoding iso-8859-15
   ordinal_root,k__\r
   1,café €\r
-$ qvejmap map latin --encoding latin1
+$ qvejmap map latin --encoding latin1 --compact
   {"DATASETS":[{"DSNAME":"root","TABLEPATH":"/root","VARIABLES":[{"NAME":"ordinal_root","TYPE":"ORDINAL","PATH":"/root"},{"NAME":"k__","TYPE":"CHARACTER","PATH":"/root/ké","CURRENT_LENGTH":8}]}]}
 $ qvejmap records latin --encoding latin1
   NOVAL\t/root\t

@@ -26,6 +26,8 @@ $ qvejmap --help
                             missing
     --exact                 map: columns with numbers that a double does not keep
                             are CHARACTER
+    --compact               map: all in one line, without blanks
+    --verbose               map check: list every column that is left out
     --alldata               convert: ALLDATA too (every value with its full path)
   
   Options of convert:
@@ -40,6 +42,11 @@ $ qvejmap --help
                             in no cell (exit code 1)
   
   Rows and tables:
+    --table GLOB ...        only tables with names like this; * stands for any
+                            characters, ? for one (may be given again)
+    --path PATTERN ...      only tables with paths like this, as /root/**/items;
+                            * stands for one name, ** for any number (may be given
+                            again)
     --map FILE              use this map in place of the automatic one (check
                             takes it with --account)
     --rejects FILE          a line of CSV for each value that its column cannot
@@ -117,6 +124,11 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
                             in no cell (exit code 1)
   
   Rows and tables:
+    --table GLOB ...        only tables with names like this; * stands for any
+                            characters, ? for one (may be given again)
+    --path PATTERN ...      only tables with paths like this, as /root/**/items;
+                            * stands for one name, ** for any number (may be given
+                            again)
     --map FILE              use this map in place of the automatic one (check
                             takes it with --account)
     --rejects FILE          a line of CSV for each value that its column cannot

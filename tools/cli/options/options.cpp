@@ -34,7 +34,7 @@ constexpr uint64_t kLeastMemory = 32 << 20;
 
 // The options as they are written, before they mean anything.
 struct Raw {
-    std::vector<std::string> words;
+    std::vector<std::string> words, paths;
     std::string threads, limit, format = "csv", null, invalid = "error", ordinals, depth, maxPaths,
                                 keepFree, memory, debug;
 };
@@ -61,6 +61,19 @@ std::optional<uint64_t> sizeOf(const CLI::App& app, const char* option, const st
                    " is not a size such as 500000, 64K, 100M or 2G");
     }
     return size;
+}
+
+std::vector<PathPattern> pathsOf(const std::vector<std::string>& texts) {
+    std::vector<PathPattern> paths;
+    for (const std::string& text : texts) {
+        try {
+            paths.push_back(PathPattern::parse(text));
+        } catch (const PatternMistake& mistake) {
+            usageError("--path: " + inQuotes(text) + ", column " + std::to_string(mistake.at + 1) +
+                       ": " + mistake.what);
+        }
+    }
+    return paths;
 }
 
 // It stands in the file as it is, without quotes.
@@ -181,6 +194,10 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_flag("--exact", o.exact,
                  "map: columns with numbers that a double does not keep are CHARACTER")
         ->group("Options of map and convert");
+    app.add_flag("--compact", o.compact, "map: all in one line, without blanks")
+        ->group("Options of map and convert");
+    app.add_flag("--verbose", o.verbose, "map check: list every column that is left out")
+        ->group("Options of map and convert");
     app.add_flag("--alldata", o.alldata, "convert: ALLDATA too (every value with its full path)")
         ->group("Options of map and convert");
     app.add_option("--threads", raw.threads,
@@ -196,6 +213,18 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
         ->group("Options of convert and check");
 
     const std::string rows = "Rows and tables";
+    app.add_option("--table", o.tables,
+                   "only tables with names like this; * stands for any characters, ? for one "
+                   "(may be given again)")
+        ->type_name("GLOB")
+        ->group(rows)
+        ->allow_extra_args(false);
+    app.add_option("--path", raw.paths,
+                   "only tables with paths like this, as /root/**/items; * stands for one name, ** "
+                   "for any number (may be given again)")
+        ->type_name("PATTERN")
+        ->group(rows)
+        ->allow_extra_args(false);
     app.add_option("--map", o.map,
                    "use this map in place of the automatic one (check takes it with --account)")
         ->type_name("FILE")
@@ -283,6 +312,7 @@ void print(const std::string& text) {
 }
 
 void translate(const CLI::App& app, const Raw& raw, Options& o) {
+    o.paths = pathsOf(raw.paths);
     o.limit = countOr(o.limit, app, "--limit", raw.limit);
     o.reading.ordinals = countOr(o.reading.ordinals, app, "--ordinals", raw.ordinals);
     o.reading.depth = countOr(o.reading.depth, app, "--depth", raw.depth);

@@ -3,6 +3,7 @@
 // Tested by tests/tool/golden/usage.t
 #pragma once
 
+#include "client/shape/path_pattern.h"
 #include "formats/formats.h"
 #include "tools/cli/options/reading_options.h"
 
@@ -19,12 +20,17 @@ struct Options {
     std::vector<std::string> operands;  // the words after the verb, as many as it takes
 
     std::string out;              // of map and convert; empty: not given
-    uint64_t limit = UINT64_MAX;  // of read
+    uint64_t limit = UINT64_MAX;  // of read and find
     bool names = false;           // of tables
     bool columns = false;         // of tables
     bool alldata = false;         // of convert
     bool exact = false;           // of map
+    bool compact = false;         // of map and map merge
+    bool verbose = false;         // of map check
     bool account = false;         // of convert and check
+
+    std::vector<std::string> tables;  // of --table: patterns of names
+    std::vector<PathPattern> paths;   // of --path
 
     std::string map;      // file of a user's map; empty: the automatic one
     std::string rejects;  // file for values that are rejected; empty: none
