@@ -83,6 +83,13 @@ $ qvejmap map lossy.json -o lossy.map; qvejmap convert lossy.json -o lossy --for
 ! qvejmap: lossy.json: 1 value is in no cell, 1 overwritten (qvejmap check --account tells which)
 ? 1
 
+# With a shape the paths are those that it makes.
+$ qvejmap convert orders.json -o shaped --rows '/root/orders/tags' --path /root/orders/tags --account; qvejmap tables orders.json --rows /root/orders/customer --path /root/orders/customer --columns | tail -2
+  3 values = 3 in cells + 0 overwritten + 0 no column + 0 no row + 0 rejected
+  orders_customer\tkey\tCHARACTER\t4\t/root/orders/customer/key
+  orders_customer\tvalue\tCHARACTER\t8\t/root/orders/customer/value
+! qvejmap: 1 table, 3 rows in shaped
+
 # Tables that share a name are opened by their paths, as tables or a pattern shows them.
 $ qvejmap read lossy.json b; qvejmap read lossy.json /root/B; qvejmap read lossy.json /root/c/n/m; qvejmap read lossy.json '/root/c/n\/m' -q
   ordinal_root,ordinal_b,y\r

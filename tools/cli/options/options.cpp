@@ -204,9 +204,20 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
                    "at most N threads (default: as many as there are cores)")
         ->type_name("N")
         ->group("Options of convert");
-    app.add_option("--limit", raw.limit, "at most N rows")
+    const std::string ofRead = "Options of read and find";
+    app.add_option("--limit", raw.limit, "read: at most N rows; find: at most N matches")
         ->type_name("N")
-        ->group("Options of read");
+        ->group(ofRead);
+    app.add_option("--value", o.value,
+                   "find: values whose whole text this is: of a string what it stands for, else as "
+                   "the document has it")
+        ->type_name("TEXT")
+        ->group(ofRead);
+    app.add_option("--regex", o.regex, "find: values in whose text this regular expression matches")
+        ->type_name("RE")
+        ->group(ofRead);
+    app.add_flag("--ignore-case", o.ignoreCase, "find: --value and --regex in any case")
+        ->group(ofRead);
 
     app.add_flag("--account", o.account,
                  "count what becomes of every value, and tell which are in no cell (exit code 1)")
@@ -220,8 +231,8 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
         ->group(rows)
         ->allow_extra_args(false);
     app.add_option("--path", raw.paths,
-                   "only tables with paths like this, as /root/**/items; * stands for one name, ** "
-                   "for any number (may be given again)")
+                   "only tables, or values, with paths like this, as /root/**/items; * stands for "
+                   "one name, ** for any number (may be given again)")
         ->type_name("PATTERN")
         ->group(rows)
         ->allow_extra_args(false);
@@ -368,6 +379,15 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     }
     if (o.verb->name == "check" && !o.account && o.retain) {
         usageError("check: --retain needs --account");
+    }
+    if (o.value && o.regex) {
+        usageError("--value and --regex exclude each other");
+    }
+    if (o.ignoreCase && !o.value && !o.regex) {
+        usageError("--ignore-case needs --value or --regex");
+    }
+    if (o.verb->name == "find" && o.paths.empty() && !o.value && !o.regex) {
+        usageError("find: --path, --value or --regex is missing");
     }
     if (o.verb->name == "convert" && o.out.empty()) {
         usageError("convert: -o DIR is missing");

@@ -8,6 +8,7 @@
 #include "tools/cli/options/reading_options.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,10 @@ struct Options {
 
     std::vector<std::string> tables;  // of --table: patterns of names
     std::vector<PathPattern> paths;   // of --path
+
+    std::optional<std::string> value;  // of find
+    std::optional<std::string> regex;  // of find
+    bool ignoreCase = false;           // of find
 
     std::string map;      // file of a user's map; empty: the automatic one
     std::string rejects;  // file for values that are rejected; empty: none

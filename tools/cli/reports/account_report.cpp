@@ -186,7 +186,7 @@ Account takeAccount(const Document& document, bool retain,
     Account account;
     account.paths = accountOf(document, retain, tables);
     account.starts = startsOf(document, account.paths);
-    if (document.reshaper() != nullptr) {
+    if (document.reshaper() != nullptr && tables.size() == document.tables().size()) {
         account.shape = document.reshaper()->counts();
     }
     return account;
