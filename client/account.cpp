@@ -59,6 +59,8 @@ class ByPath {
         return sum;
     }
 
+    [[nodiscard]] bool has(const std::string& path) const { return best_.contains(path); }
+
     // What the values of a path came to.
     [[nodiscard]] PathAccount account(const PathStatistics& path) const {
         const auto found = best_.find(path.path);
@@ -177,6 +179,11 @@ std::vector<PathAccount> accountOf(const Document& document, bool retain) {
     for (const Table& table : document.tables()) {
         tables.push_back(&table);
     }
+    return accountOf(document, retain, tables);
+}
+
+std::vector<PathAccount> accountOf(const Document& document, bool retain,
+                                   const std::vector<const Table*>& tables) {
     TablePass pass(document, tables, retain);
     CellCount count(document, tables, pass);
     for (PassItem item = {}; pass.next(item);) {
@@ -197,9 +204,10 @@ std::vector<PathAccount> accountOf(const Document& document, bool retain) {
             byPath.offer(tables[t]->columns[c].path, column);
         }
     }
+    const bool some = tables.size() != document.tables().size();
     std::vector<PathAccount> accounts;
     for (const PathStatistics& path : document.pathStatistics()) {
-        if (scalarsOf(path) != 0) {
+        if (scalarsOf(path) != 0 && (!some || byPath.has(path.path))) {
             accounts.push_back(byPath.account(path));
         }
     }
@@ -208,7 +216,8 @@ std::vector<PathAccount> accountOf(const Document& document, bool retain) {
 
 uint64_t lostOf(const Document& document, const TablePass& pass,
                 const std::vector<const Table*>& tables) {
-    const bool oneColumnAPath = &document.tables() == &document.automaticTables();
+    const bool oneColumnAPath = &document.tables() == &document.automaticTables() &&
+                                tables.size() == document.tables().size();
     ByPath byPath;
     uint64_t shown = 0;
     for (std::size_t t = 0; t < tables.size(); ++t) {

@@ -50,13 +50,16 @@ struct PathAccount {
     [[nodiscard]] bool meets() const;
 };
 
-// The account of each path in the order of the statistics, by a pass of its own.  Throws as
-// TablePass and PassRow.
+// The account of each path in the order of the statistics, by a pass of its own over all tables, or
+// over some: then only of paths that these have a column for.  Throws as TablePass and PassRow.
 [[nodiscard]] std::vector<PathAccount> accountOf(const Document& document, bool retain);
+[[nodiscard]] std::vector<PathAccount> accountOf(const Document& document, bool retain,
+                                                 const std::vector<const Table*>& tables);
 
 // Values that are in no row when the pass has ended.  Rejected values do not count, nor, with a
-// user's map, values without a column: the map leaves them out on purpose.
-//   tables  those of the pass, all of the map
+// user's map or a pass over some of the tables, values without a column: they are left out on
+// purpose.
+//   tables  those of the pass
 [[nodiscard]] uint64_t lostOf(const Document& document, const TablePass& pass,
                               const std::vector<const Table*>& tables);
 

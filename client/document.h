@@ -13,6 +13,7 @@
 #include "scan_guard.h"
 #include "shape/shape.h"
 #include "text.h"
+#include "text_consumer.h"
 
 #include <cstdint>
 #include <functional>
@@ -89,26 +90,23 @@ struct PathStatistics {
     Spot firstInexact;
 };
 
-class Document {
+class Document : public TextConsumer {
    public:
     // Throws QV_BADPARMS (options), QV_UNMAPPABLE (a name that its encoding cannot hold), QV_NOMEM.
     explicit Document(Engine& engine, const DocumentOptions& options = {});
-    ~Document();
-    Document(const Document&) = delete;
-    Document& operator=(const Document&) = delete;
+    ~Document() override;
 
     // Takes the next piece of the text; it is only read.  Throws a mistake of the text with its
     // place; a limit that is reached (QV_LIMIT_...), with the place; trouble with the cache file
     // (QV_IO_...), with its name; QV_NOMEM.  After a failure only the destructor may be called.
-    void feed(std::string_view text);
+    void feed(std::string_view text) override;
 
     // Ends the text and builds the tables.  Throws as `feed`, and JMAP_INCOMPLETE when the document
     // is not complete.  The engine passes over a last block that it cannot store, a table that it
     // cannot make, and hash tables that fail; here these are failures too (QV_IO_..., QV_NOMEM).
-    void finish();
+    void finish() override;
 
-    // Where the text that was fed ends: the next byte would stand there.
-    [[nodiscard]] Place end() const;
+    [[nodiscard]] Place end() const override;
 
     // ---- after `finish` ----
 

@@ -40,7 +40,7 @@ DocumentOptions DocumentReader::documentOptions(DocumentOptions options) const {
     return options;
 }
 
-void DocumentReader::read(Document& document,
+void DocumentReader::read(TextConsumer& document,
                           const std::function<void(std::string_view)>& observer) {
     try {
         feed(document, observer);
@@ -58,7 +58,7 @@ void DocumentReader::read(Document& document,
     }
 }
 
-void DocumentReader::feed(Document& document,
+void DocumentReader::feed(TextConsumer& document,
                           const std::function<void(std::string_view)>& observer) {
     for (std::string_view piece = text_.next(); !piece.empty(); piece = text_.next()) {
         trail_.take(piece);

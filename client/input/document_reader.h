@@ -1,4 +1,4 @@
-// A document's text, from wherever it comes, on its way into a Document.
+// A document's text, from wherever it comes, on its way into a Document or another TextConsumer.
 //
 //     qvej::DocumentReader reader(qvej::ByteSource::file("orders.json.gz"), {});
 //     qvej::Document document(engine, reader.documentOptions());
@@ -40,7 +40,7 @@ class DocumentReader {
 
     // Feeds the whole text to the document, which was made with those options, and finishes it.
     // `observer` sees each piece before the document does.  Throws Error.
-    void read(Document& document, const std::function<void(std::string_view)>& observer = {});
+    void read(TextConsumer& document, const std::function<void(std::string_view)>& observer = {});
 
     // What messages call the source.
     [[nodiscard]] const std::string& name() const { return text_.name(); }
@@ -52,7 +52,7 @@ class DocumentReader {
     [[nodiscard]] const std::string* otherEncoding() const { return text_.otherEncoding(); }
 
    private:
-    void feed(Document& document, const std::function<void(std::string_view)>& observer);
+    void feed(TextConsumer& document, const std::function<void(std::string_view)>& observer);
 
     DocumentText text_;
     bool linesByName_;

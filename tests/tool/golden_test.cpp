@@ -98,13 +98,13 @@ TEST_P(ToolGolden, PrintsWhatTheFileSays) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, ToolGolden,
-                         testing::Values("account", "automap", "cells", "check", "convert",
-                                         "convert_again", "damage", "encodings", "events",
-                                         "formats", "input", "interrupt", "map", "map_check",
-                                         "map_explain", "map_diff", "map_merge", "map_merge_parts",
-                                         "map_mistakes", "map_use", "naming", "notes", "read",
-                                         "records", "shapes", "spill", "tables", "terminal",
-                                         "usage"),
+                         testing::Values("account", "automap", "cells", "check", "choice",
+                                         "convert", "convert_again", "damage", "encodings",
+                                         "events", "find", "formats", "input", "interrupt", "map",
+                                         "map_check", "map_explain", "map_diff", "map_merge",
+                                         "map_merge_parts", "map_mistakes", "map_use", "naming",
+                                         "notes", "read", "records", "shapes", "spill", "tables",
+                                         "terminal", "usage"),
                          [](const auto& file) { return file.param; });
 
 }  // namespace

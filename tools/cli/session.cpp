@@ -87,9 +87,9 @@ std::string aboutLimit(const ReadingOptions& options, QVStatus status) {
     }
 }
 
-// The failure that a mistake of the document leads to.
-[[noreturn]] void fail(const ReadingOptions& options, const DocumentReader& reader,
-                       const Error& error) {
+}  // namespace
+
+void failReading(const ReadingOptions& options, const DocumentReader& reader, const Error& error) {
     const ExitCode code = exitCodeOf(error.status());
     if (code == FILE_TROUBLE) {
         throw error;
@@ -108,8 +108,6 @@ std::string aboutLimit(const ReadingOptions& options, QVStatus status) {
     throw Error(error.status(), what, place, error.excerpt());
 }
 
-}  // namespace
-
 Session::Session(const ReadingOptions& options, const std::string& file, const std::string& map,
                  const ReadingWishes& wishes)
     : options_(options),
@@ -126,7 +124,7 @@ Session::Session(const ReadingOptions& options, const std::string& file, const s
         read(shape, wishes);
         useMap();
     } catch (const Error& error) {
-        fail(options_, reader_, error);
+        cli::failReading(options_, reader_, error);
     }
     tellUnmatched(name(), shape, *document_);
     if (!options_.debug.empty()) {

@@ -24,6 +24,11 @@ struct ReadingWishes {
     std::function<void(std::string_view)> observer = {};  // sees each piece of the text
 };
 
+// Turns a mistake of a document that was read into the tool's, which names the options that would
+// help.
+[[noreturn]] void failReading(const ReadingOptions& options, const DocumentReader& reader,
+                              const Error& error);
+
 class Session {
    public:
     // Reads the whole document, and first the user's map when one is named.  Throws a Failure, or

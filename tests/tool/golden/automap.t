@@ -2,7 +2,7 @@
 $ cat > shape <<'END'
 > # shape DOCUMENT [OPTIONS]: a line a table: name, path, columns as name:TYPE.
 > json=$1; shift
-> printf '%s' "$json" | qvejmap map - "$@" | sed '
+> printf '%s' "$json" | qvejmap map - --compact "$@" | sed '
 >     s/{"DSNAME":"\([^"]*\)","TABLEPATH":"\([^"]*\)",*\("VARIABLES":\)*/\n[\1] \2 /g
 >     s/{"NAME":"\([^"]*\)","TYPE":"\(.\)[^"]*","PATH":"[^"]*"\(,"CURRENT_LENGTH":\([0-9]*\)\)*}/\1:\2\4/g
 >     s/]}*,*\n/]\n/g; s/{"DATASETS":\[//; s/[]}]*$/]/' | tail -n +2

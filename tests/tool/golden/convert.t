@@ -77,7 +77,7 @@ $ qvejmap convert names.json -o names --alldata; ls -A names
   o2~2.csv
   x_o.csv
 ! qvejmap: 7 tables, 19 rows in names
-! qvejmap: more than one table is named o2: read opens the first; the table AllData hides ALLDATA (--alldata-name gives that another name)
+! qvejmap: more than one table is named o2: read opens the first, and any by its path; the table AllData hides ALLDATA (--alldata-name gives that another name)
 ! qvejmap: names.json: in ALLDATA labels are cut at wrong places: the document has member names that are empty or of 256 bytes and more
 $ qvejmap read names.json o2; cat 'names/o2~2.csv'
   ordinal_root,ordinal_O,c\r
@@ -91,7 +91,7 @@ $ qvejmap tables names.json --alldata-name '' --names
   o2
   AllData
   
-! qvejmap: more than one table is named o2: read opens the first; the table "" hides ALLDATA (--alldata-name gives that another name)
+! qvejmap: more than one table is named o2: read opens the first, and any by its path; the table "" hides ALLDATA (--alldata-name gives that another name)
 
 # A name never acts as a path.
 $ qvejmap convert orders.json -o odd --alldata --alldata-name '../a b.c~é/' -q; ls -A odd | head -1

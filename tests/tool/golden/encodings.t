@@ -13,7 +13,7 @@ $ qvejmap read latin root --encoding iso-8859-15
   ordinal_root,k__\r
   1,café €\r
 ! qvejmap: latin: 1 name of a table or column is not the document's: k__ for "ké" (--naming original keeps it)
-$ qvejmap map latin --encoding latin1
+$ qvejmap map latin --encoding latin1 --compact
   {"DATASETS":[{"DSNAME":"root","TABLEPATH":"/root","VARIABLES":[{"NAME":"ordinal_root","TYPE":"ORDINAL","PATH":"/root"},{"NAME":"k__","TYPE":"CHARACTER","PATH":"/root/ké","CURRENT_LENGTH":8}]}]}
 $ qvejmap records latin --encoding latin1
   NOVAL\t/root\t

@@ -1,18 +1,54 @@
 $ qvejmap map orders.json --ordinals 0
-  {"DATASETS":[{"DSNAME":"orders","TABLEPATH":"/root/orders","VARIABLES":[{"NAME":"id","TYPE":"NUMERIC","PATH":"/root/orders/id"},{"NAME":"paid","TYPE":"NUMERIC","PATH":"/root/orders/paid"}]},{"DSNAME":"orders_customer","TABLEPATH":"/root/orders/customer","VARIABLES":[{"NAME":"name","TYPE":"CHARACTER","PATH":"/root/orders/customer/name","CURRENT_LENGTH":8},{"NAME":"city","TYPE":"CHARACTER","PATH":"/root/orders/customer/city","CURRENT_LENGTH":4}]},{"DSNAME":"orders_items","TABLEPATH":"/root/orders/items","VARIABLES":[{"NAME":"sku","TYPE":"CHARACTER","PATH":"/root/orders/items/sku","CURRENT_LENGTH":5},{"NAME":"quantity","TYPE":"NUMERIC","PATH":"/root/orders/items/quantity"},{"NAME":"price","TYPE":"NUMERIC","PATH":"/root/orders/items/price"}]},{"DSNAME":"orders_tags","TABLEPATH":"/root/orders/tags","VARIABLES":[{"NAME":"tags1","TYPE":"CHARACTER","PATH":"/root/orders/tags/tags1","CURRENT_LENGTH":6},{"NAME":"tags2","TYPE":"CHARACTER","PATH":"/root/orders/tags/tags2","CURRENT_LENGTH":7}]}]}
+  {
+    "DATASETS": [
+      {
+        "DSNAME": "orders",
+        "TABLEPATH": "/root/orders",
+        "VARIABLES": [
+          { "NAME": "id", "TYPE": "NUMERIC", "PATH": "/root/orders/id" },
+          { "NAME": "paid", "TYPE": "NUMERIC", "PATH": "/root/orders/paid" }
+        ]
+      },
+      {
+        "DSNAME": "orders_customer",
+        "TABLEPATH": "/root/orders/customer",
+        "VARIABLES": [
+          { "NAME": "name", "TYPE": "CHARACTER", "PATH": "/root/orders/customer/name", "CURRENT_LENGTH": 8 },
+          { "NAME": "city", "TYPE": "CHARACTER", "PATH": "/root/orders/customer/city", "CURRENT_LENGTH": 4 }
+        ]
+      },
+      {
+        "DSNAME": "orders_items",
+        "TABLEPATH": "/root/orders/items",
+        "VARIABLES": [
+          { "NAME": "sku", "TYPE": "CHARACTER", "PATH": "/root/orders/items/sku", "CURRENT_LENGTH": 5 },
+          { "NAME": "quantity", "TYPE": "NUMERIC", "PATH": "/root/orders/items/quantity" },
+          { "NAME": "price", "TYPE": "NUMERIC", "PATH": "/root/orders/items/price" }
+        ]
+      },
+      {
+        "DSNAME": "orders_tags",
+        "TABLEPATH": "/root/orders/tags",
+        "VARIABLES": [
+          { "NAME": "tags1", "TYPE": "CHARACTER", "PATH": "/root/orders/tags/tags1", "CURRENT_LENGTH": 6 },
+          { "NAME": "tags2", "TYPE": "CHARACTER", "PATH": "/root/orders/tags/tags2", "CURRENT_LENGTH": 7 }
+        ]
+      }
+    ]
+  }
 
-$ echo '{"a":1}' | qvejmap map - -o m.json; cat m.json
+$ echo '{"a":1}' | qvejmap map - -o m.json --compact; cat m.json
   {"DATASETS":[{"DSNAME":"root","TABLEPATH":"/root","VARIABLES":[{"NAME":"ordinal_root","TYPE":"ORDINAL","PATH":"/root"},{"NAME":"a","TYPE":"NUMERIC","PATH":"/root/a"}]}]}
 $ echo '{"a":2}' | qvejmap map - -o m.json
 ! qvejmap: m.json: the file exists (--force replaces it)
 ? 5
-$ echo '{"b":2}' | qvejmap map - -o m.json --force; cat m.json
+$ echo '{"b":2}' | qvejmap map - -o m.json --force --compact; cat m.json
   {"DATASETS":[{"DSNAME":"root","TABLEPATH":"/root","VARIABLES":[{"NAME":"ordinal_root","TYPE":"ORDINAL","PATH":"/root"},{"NAME":"b","TYPE":"NUMERIC","PATH":"/root/b"}]}]}
-$ echo '{}' | qvejmap map - -o -
+$ echo '{}' | qvejmap map - -o - --compact
   {"DATASETS":[{"DSNAME":"root","TABLEPATH":"","VARIABLES":[{"NAME":"ordinal_root","TYPE":"ORDINAL","PATH":"/root"}]}]}
 
 # A long map.
-$ printf '{"a":[%s]}' $(seq -s, 9999) | qvejmap map - | tail -c 67
+$ printf '{"a":[%s]}' $(seq -s, 9999) | qvejmap map - --compact | tail -c 67
   998"},{"NAME":"a9999","TYPE":"NUMERIC","PATH":"/root/a/a9999"}]}]}
 
 # Only a regular file is replaced, and a missing folder is not made.
@@ -63,7 +99,7 @@ $ mkdir own; ln small.json own/a.csv; qvejmap convert small.json -o own --force;
 ! qvejmap: own/a.csv: the document itself, not replaced
 
 # Names in paths are escaped where they must be.
-$ printf '%s' '{"a/\"\\\u0001\té":1,"c":"xyz"}' | qvejmap map - --ordinals 0
+$ printf '%s' '{"a/\"\\\u0001\té":1,"c":"xyz"}' | qvejmap map - --ordinals 0 --compact
   {"DATASETS":[{"DSNAME":"root","TABLEPATH":"/root","VARIABLES":[{"NAME":"a_______","TYPE":"NUMERIC","PATH":"/root/a/\\"\\\\\\u0001\\té"},{"NAME":"c","TYPE":"CHARACTER","PATH":"/root/c","CURRENT_LENGTH":3}]}]}
 ! qvejmap: <stdin>: 1 path that no map can name: /root/a/"\\u0001\té, a name holds "/"
 
@@ -94,7 +130,7 @@ $ qvejmap map none.json -o m; qvejmap map merge none.json m -o m; qvejmap map no
 # What the map says and --map will not find, refuses, or will cut.
 $ printf '{"a/b":{"c":1},"x":{"y\\u0002z":2},"\\\\u0002":3}' | qvejmap map - > /dev/null
 ! qvejmap: <stdin>: 2 paths that no map can name, the first: /root/a/b/c, a name holds "/"
-$ printf '{"x":[{"y\\u0002z":{"n":2}}]}' | qvejmap map - --ordinals 0
+$ printf '{"x":[{"y\\u0002z":{"n":2}}]}' | qvejmap map - --ordinals 0 --compact
   {"DATASETS":[{"DSNAME":"y_z","TABLEPATH":"/root/x/y/z","VARIABLES":[{"NAME":"n","TYPE":"NUMERIC","PATH":"/root/x/y/z/n"}]}]}
 ! qvejmap: <stdin>: 2 paths that no map can name, the first: /root/x/y/z, a name holds the byte 0x02
 $ printf '{"":{"n":1,"":{"m":1}}}' | qvejmap map - > /dev/null

@@ -106,6 +106,9 @@ $ printf '\357\273\277{"datasets":[{"dsname":"t","tablepath":"/root/orders"},{"d
   never occurs: table t (/none)
   never occurs: t.gone (/root/orders/customer)
   cut: t.name� (3 of 8 bytes)
+  left out: 7 of 9 columns, in 4 tables, the first orders.paid (/root/orders/paid); --verbose lists them
+? 1
+$ qvejmap map check odd.json orders.json --verbose | grep left; sed 's/orders.customer.name/orders\/paid/; s/customer"/customer\/city"/' odd.json | qvejmap map check - orders.json | grep left; qvejmap map check m.json --verbose -q
   left out: orders.paid (/root/orders/paid)
   left out: orders_customer.city (/root/orders/customer/city)
   left out: orders_items.sku (/root/orders/items/sku)
@@ -113,7 +116,7 @@ $ printf '\357\273\277{"datasets":[{"dsname":"t","tablepath":"/root/orders"},{"d
   left out: orders_items.price (/root/orders/items/price)
   left out: orders_tags.tags1 (/root/orders/tags/tags1)
   left out: orders_tags.tags2 (/root/orders/tags/tags2)
-? 1
+  left out: 6 of 9 columns, in 3 tables, the first orders_customer.name (/root/orders/customer/name); --verbose lists them
 $ qvejmap tables orders.json --map odd.json; qvejmap read orders.json t --map odd.json -q
   t\t0\t/root/orders
   t\t4\t/none
@@ -122,7 +125,7 @@ $ qvejmap tables orders.json --map odd.json; qvejmap read orders.json t --map od
 ! qvejmap: odd.json: NORETAIN does not change ordinal columns: t.o
 ! qvejmap: odd.json: ordinal columns count, INFORMAT does not change them: t.o
 ! qvejmap: odd.json: values are cut in: t.name� (3 of 8 bytes)
-! qvejmap: more than one table is named t: read opens the first
+! qvejmap: more than one table is named t: read opens the first, and any by its path
 # Without columns a row is empty; there is one where an object of another path follows.
 $ echo '{"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root/a"}]}' > bare.map
 $ echo '[{"a":{"b":1}},{"a":{}},{"a":{"b":2}}]' | qvejmap read - t --map bare.map --format ndjson
@@ -142,7 +145,7 @@ $ printf '{"a/b":{"c":1},"x":{"y\\u0002z":2}}' > names.json; qvejmap map names.j
   no map can name: /root/x/y/z, a name holds the byte 0x02
 ! qvejmap: names.json: 2 paths that no map can name, the first: /root/a/b/c, a name holds "/"
 ? 1
-$ printf '{"":{"n":1}}' > empty.json; qvejmap map empty.json | qvejmap map check -
+$ printf '{"":{"n":1}}' > empty.json; qvejmap map empty.json --compact | qvejmap map check -
 ! qvejmap: empty.json: 1 table without a name, which --map refuses: /root/
 ! qvejmap: <stdin>:1:165: the table has no name: its DSNAME must be there and not be empty [-25]
 !     ...H":"/root"},{"NAME":"n","TYPE":"NUMERIC","PATH":"/root//n"}]}]}

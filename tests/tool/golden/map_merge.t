@@ -25,24 +25,43 @@ $ cat > a.json <<'end'
 >   {"NAME":"w","TYPE":"CHARACTER","PATH":"/root/w","INFORMAT":["trim",7]},
 >   {"NAME":"x","TYPE":"CHARACTER","PATH":"/root/s","LENGTH":2}]}]}
 > end
-> qvejmap map merge a.json b.json c.json | tee abc.json | sed 's/[[{]"\(NAME\|DSNAME\)/\n&/g'
-  {"DATASETS":[
-  {"DSNAME":"t","TABLEPATH":"/root","VARIABLES":[
-  {"NAME":"o","TYPE":"ORDINAL","PATH":"/root"},
-  {"NAME":"Id","TYPE":"CHARACTER","PATH":"/root/id","CURRENT_LENGTH":7,"LABEL":"A","OPTIONS":["NORETAIN"]},
-  {"NAME":"day","TYPE":"NUMERIC","PATH":"/root/day","FORMAT":["date",12],"INFORMAT":["?date"]},
-  {"NAME":"x","TYPE":"CHARACTER","PATH":"/root/s","CURRENT_LENGTH":3,"LENGTH":2},
-  {"NAME":"y","TYPE":"CHARACTER","PATH":"/root/s","CURRENT_LENGTH":9,"LENGTH":5,"INFORMAT":["trim"]},
-  {"NAME":"ID3","TYPE":"NUMERIC","PATH":"/root/ID","LABEL":"\\"\\\\\\u0007"},
-  {"NAME":"i","TYPE":"NUMERIC","PATH":"/root/i d","OPTIONS":["RETAIN"]},
-  {"NAME":"a_name_of_thirty_two_bytes_äöü","TYPE":"NUMERIC","PATH":"/root/b"},
-  {"NAME":"a_name_of_thirty_two_bytes_äö2","TYPE":"NUMERIC","PATH":"/root/c"},
-  {"NAME":"id2","TYPE":"NUMERIC","PATH":"/root/I"},
-  {"NAME":"w","TYPE":"CHARACTER","PATH":"/root/w","INFORMAT":["trim",7]}]},
-  {"DSNAME":"a","TABLEPATH":"/root/b"},
-  {"DSNAME":"t","TABLEPATH":"/root/t"},
-  {"DSNAME":"Z","TABLEPATH":"/root/z","VARIABLES":[
-  {"NAME":"v","TYPE":"NUMERIC","PATH":"/root/z/v"}]}]}
+> qvejmap map merge a.json b.json c.json | tee abc.json
+  {
+    "DATASETS": [
+      {
+        "DSNAME": "t",
+        "TABLEPATH": "/root",
+        "VARIABLES": [
+          { "NAME": "o", "TYPE": "ORDINAL", "PATH": "/root" },
+          { "NAME": "Id", "TYPE": "CHARACTER", "PATH": "/root/id", "CURRENT_LENGTH": 7, "LABEL": "A", "OPTIONS": ["NORETAIN"] },
+          { "NAME": "day", "TYPE": "NUMERIC", "PATH": "/root/day", "FORMAT": ["date", 12], "INFORMAT": ["?date"] },
+          { "NAME": "x", "TYPE": "CHARACTER", "PATH": "/root/s", "CURRENT_LENGTH": 3, "LENGTH": 2 },
+          { "NAME": "y", "TYPE": "CHARACTER", "PATH": "/root/s", "CURRENT_LENGTH": 9, "LENGTH": 5, "INFORMAT": ["trim"] },
+          { "NAME": "ID3", "TYPE": "NUMERIC", "PATH": "/root/ID", "LABEL": "\\"\\\\\\u0007" },
+          { "NAME": "i", "TYPE": "NUMERIC", "PATH": "/root/i d", "OPTIONS": ["RETAIN"] },
+          { "NAME": "a_name_of_thirty_two_bytes_äöü", "TYPE": "NUMERIC", "PATH": "/root/b" },
+          { "NAME": "a_name_of_thirty_two_bytes_äö2", "TYPE": "NUMERIC", "PATH": "/root/c" },
+          { "NAME": "id2", "TYPE": "NUMERIC", "PATH": "/root/I" },
+          { "NAME": "w", "TYPE": "CHARACTER", "PATH": "/root/w", "INFORMAT": ["trim", 7] }
+        ]
+      },
+      {
+        "DSNAME": "a",
+        "TABLEPATH": "/root/b"
+      },
+      {
+        "DSNAME": "t",
+        "TABLEPATH": "/root/t"
+      },
+      {
+        "DSNAME": "Z",
+        "TABLEPATH": "/root/z",
+        "VARIABLES": [
+          { "NAME": "v", "TYPE": "NUMERIC", "PATH": "/root/z/v" }
+        ]
+      }
+    ]
+  }
 ! qvejmap: t.id of /root/I is now named id2: the name was taken
 ! qvejmap: t.ID of /root/ID is now named ID3: the name was taken
 ! qvejmap: t.a_name_of_thirty_two_bytes_äöü of /root/c is now named a_name_of_thirty_two_bytes_äö2: the name was taken

@@ -41,7 +41,7 @@ $ qvejmap read booleans.json root; qvejmap read booleans.json root --format ndjs
   3,true,0,true,true\r
 
 # With a map of one's own the type decides: NUMERIC has 1 and 0, CHARACTER the words.
-$ qvejmap map booleans.json > booleans.map; qvejmap read booleans.json root --map booleans.map
+$ qvejmap map booleans.json --compact > booleans.map; qvejmap read booleans.json root --map booleans.map
   ordinal_root,b,n,t,z\r
   1,1,1,x,\r
   2,0,1,false,\r

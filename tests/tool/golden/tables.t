@@ -62,12 +62,12 @@ $ qvejmap tables names.json
   O2\t3\t/root/O
   o2\t3\t/root/o2
   AllData\t3\t/root/AllData
-! qvejmap: more than one table is named o2: read opens the first; the table AllData hides ALLDATA (--alldata-name gives that another name)
+! qvejmap: more than one table is named o2: read opens the first, and any by its path; the table AllData hides ALLDATA (--alldata-name gives that another name)
 $ qvejmap tables names.json --names -q | tail -1
   AllData
 $ qvejmap tables names.json --names --alldata-name Everything | tail -1
   AllData
-! qvejmap: more than one table is named o2: read opens the first
+! qvejmap: more than one table is named o2: read opens the first, and any by its path
 
 # Numbers that a double does not keep are told for each column, of many columns the first few.
 $ printf '{"r":[{"id":9007199254740993,"d":"9007199254740993"},\n{"id":1,"c":1e999}]}' | qvejmap tables -
@@ -87,7 +87,7 @@ $ printf '[{%s}]' "$(seq -s, -f '"c%g":1e999' 8)" | qvejmap tables -
 $ cat > exact <<'END'
 > # exact NUMBER...: the type of a column for each.
 > printf '%s' "$*" | sed 's/ /,/g; s/^/[/; s/$/]/' > numbers.json
-> qvejmap map numbers.json --exact --ordinals 0 2> /dev/null | grep -o '"TYPE":"[A-Z]*"' | uniq -c
+> qvejmap map numbers.json --exact --ordinals 0 --compact 2> /dev/null | grep -o '"TYPE":"[A-Z]*"' | uniq -c
 > END
 $ zeros=0.$(printf '%0320d' 0)
 > sh exact 0 -0.0e999 9007199254740992 9007199254740994 18014398509481984 18014398509481982 9223372036854776000 100000000000000000000 100000000000000000000000 \

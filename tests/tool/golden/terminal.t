@@ -17,7 +17,7 @@ $ script -qec 'qvejmap tables --columns nasty.json' /dev/null
   _________  ordinal__________  ORDINAL    8   /root/日本語\r
   _________  k                  NUMERIC    8   /root/日本語/k\r
   qvejmap: nasty.json: 2 names of tables and columns are not the document's, such as a__31m__ for "a\\u001b[31m\\u009b" (--naming original keeps them)\r
-$ script -qec 'qvejmap map nasty.json --ordinals 0' /dev/null
+$ script -qec 'qvejmap map nasty.json --ordinals 0 --compact' /dev/null
   {"DATASETS":[{"DSNAME":"root","TABLEPATH":"/root","VARIABLES":[{"NAME":"a__31m__","TYPE":"CHARACTER","PATH":"/root/a\\u001b[31m\\u009b","CURRENT_LENGTH":13}]},{"DSNAME":"_________","TABLEPATH":"/root/日本語","VARIABLES":[{"NAME":"k","TYPE":"NUMERIC","PATH":"/root/日本語/k"}]}]}\r
 $ script -qec 'qvejmap records nasty.json' /dev/null
   NOVAL\t/root\t\r

@@ -11,8 +11,9 @@ $ qvejmap --help
     map diff A B                   what one map has and another has not
     map merge A B... [-o OUT]      one map of all tables and columns of several
     map explain FILE TABLE.COLUMN  why a column is what it is, with places
-    read FILE TABLE                print the rows of one table (or of ALLDATA)
+    read FILE TABLE                print the rows of a table (name, path, ALLDATA)
     convert FILE -o DIR            write every table to a file of its own
+    find FILE                      where values are: line, column, path, value
     records FILE                   print every record: kind, path, value
     check FILE                     is it well formed? --account: where values go
   
@@ -26,20 +27,32 @@ $ qvejmap --help
                             missing
     --exact                 map: columns with numbers that a double does not keep
                             are CHARACTER
+    --compact               map: all in one line, without blanks
+    --verbose               map check: list every column that is left out
     --alldata               convert: ALLDATA too (every value with its full path)
   
   Options of convert:
     --threads N             at most N threads (default: as many as there are
                             cores)
   
-  Options of read:
-    --limit N               at most N rows
+  Options of read and find:
+    --limit N               read: at most N rows; find: at most N matches
+    --value TEXT            find: values whose whole text this is: of a string
+                            what it stands for, else as the document has it
+    --regex RE              find: values in whose text this regular expression
+                            matches
+    --ignore-case           find: --value and --regex in any case
   
   Options of convert and check:
     --account               count what becomes of every value, and tell which are
                             in no cell (exit code 1)
   
   Rows and tables:
+    --table GLOB ...        only tables with names like this; * stands for any
+                            characters, ? for one (may be given again)
+    --path PATTERN ...      only tables, or values, with paths like this, as
+                            /root/**/items; * stands for one name, ** for any
+                            number (may be given again)
     --map FILE              use this map in place of the automatic one (check
                             takes it with --account)
     --rejects FILE          a line of CSV for each value that its column cannot
@@ -119,6 +132,11 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
                             in no cell (exit code 1)
   
   Rows and tables:
+    --table GLOB ...        only tables with names like this; * stands for any
+                            characters, ? for one (may be given again)
+    --path PATTERN ...      only tables, or values, with paths like this, as
+                            /root/**/items; * stands for one name, ** for any
+                            number (may be given again)
     --map FILE              use this map in place of the automatic one (check
                             takes it with --account)
     --rejects FILE          a line of CSV for each value that its column cannot
@@ -137,22 +155,23 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
   
   Reading the document:
 # Each verb lists what it takes.
-$ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert records check; do
+$ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records check; do
 >     echo $verb: $(qvejmap help $verb | grep -o '^  -[-a-z,]*')
 > done
-  tables: --names --columns --map --ordinals --alldata-name --naming --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
-  map: -o,--output --exact --ordinals --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
-  map check: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
+  tables: --names --columns --table --path --map --ordinals --alldata-name --naming --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
+  map: -o,--output --exact --compact --table --path --ordinals --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
+  map check: --verbose --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
   map diff: -q,--quiet -h,--help --version
-  map merge: -o,--output --force -q,--quiet -h,--help --version
+  map merge: -o,--output --compact --force -q,--quiet -h,--help --version
   map explain: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
   read: --limit --map --rejects --format --null --ordinals --alldata-name --naming --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
-  convert: -o,--output --alldata --threads --account --map --rejects --format --null --ordinals --alldata-name --naming --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
+  convert: -o,--output --alldata --threads --account --table --path --map --rejects --format --null --ordinals --alldata-name --naming --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
+  find: --limit --value --regex --ignore-case --path --lines --encoding --invalid --depth -q,--quiet -h,--help --version
   records: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
   check: --account --map --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
 
 # help VERB is what VERB --help is, and no page is wider than 80 columns.
-$ for verb in '' tables map 'map check' 'map diff' 'map merge' 'map explain' read convert records check; do
+$ for verb in '' tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records check; do
 >     qvejmap $verb --help > asked; qvejmap help $verb | cmp - asked; grep -E '.{81}' asked
 > done
 ? 1
@@ -171,7 +190,7 @@ $ qvejmap help tables --nonsense
 # An option of all verbs, and one of those that read a document.
 $ qvejmap map orders.json -q > m; qvejmap map diff m m -q
 $ qvejmap map merge m m --depth 3
-! qvejmap: --depth belongs to tables, map, map check, map explain, read, convert, records, check, not to map merge (qvejmap --help tells more)
+! qvejmap: --depth belongs to tables, map, map check, map explain, read, convert, find, records, check, not to map merge (qvejmap --help tells more)
 ? 2
 
 # What is nearly a verb or an option is told.
@@ -238,7 +257,7 @@ $ qvejmap convert orders.json -o ''
 ! qvejmap: --output: the name is empty (qvejmap --help tells more)
 ? 2
 $ qvejmap tables orders.json --limit 1
-! qvejmap: --limit belongs to read, not to tables (qvejmap --help tells more)
+! qvejmap: --limit belongs to read, find, not to tables (qvejmap --help tells more)
 ? 2
 $ qvejmap read orders.json orders -o x
 ! qvejmap: --output belongs to map, map merge, convert, not to read (qvejmap --help tells more)

@@ -67,7 +67,7 @@ Findings neverOccurring(const Document& document) {
     return findings;
 }
 
-Findings leftOut(const Document& document) {
+LeftOut leftOut(const Document& document) {
     std::unordered_set<std::string> taken;
     for (const Table& table : document.tables()) {
         for (const Column& column : table.columns) {
@@ -76,15 +76,21 @@ Findings leftOut(const Document& document) {
             }
         }
     }
-    Findings findings;
+    LeftOut left;
     for (const Table& table : document.automaticTables()) {
+        const std::size_t before = left.columns.size();
         for (const Column& column : table.columns) {
-            if (column.type != ColumnType::ORDINAL && !taken.contains(column.path)) {
-                findings.push_back(columnName(table, column) + inBrackets(column.path));
+            if (column.type == ColumnType::ORDINAL) {
+                continue;
+            }
+            ++left.of;
+            if (!taken.contains(column.path)) {
+                left.columns.push_back(columnName(table, column) + inBrackets(column.path));
             }
         }
+        left.tables += left.columns.size() == before ? 0 : 1;
     }
-    return findings;
+    return left;
 }
 
 Findings doubtfulNames(const std::vector<Table>& tables, const std::vector<TableText>& texts) {
@@ -123,24 +129,26 @@ Findings doubtfulNames(const std::vector<Table>& tables, const std::vector<Table
     return findings;
 }
 
-Findings namesWithSlash(const Document& document) {
+Findings namesWithSlash(const Document& document, const PathFilter& wanted) {
     Findings findings;
     for (const PathStatistics& statistics : document.pathStatistics()) {
-        if (statistics.path.find('/') != std::string::npos) {
+        if (statistics.path.find('/') != std::string::npos &&
+            (!wanted || wanted(statistics.path))) {
             findings.push_back(withSlashes(statistics.path) + ", a name holds \"/\"");
         }
     }
     return findings;
 }
 
-Findings namesWithSeparator(const Document& document) {
+Findings namesWithSeparator(const Document& document, const PathFilter& wanted) {
     Findings findings;
     std::unordered_set<std::string> found;
     RecordCursor records(document);
     Record record = {};
     while (records.next(record)) {
         const auto separators = std::count(record.path.begin(), record.path.end(), kSeparator);
-        if (separators > record.labels + 1 && found.emplace(record.path).second) {
+        if (separators > record.labels + 1 && found.emplace(record.path).second &&
+            (!wanted || wanted(std::string(record.path)))) {
             findings.push_back(withSlashes(record.path) + ", a name holds the byte 0x02");
         }
     }

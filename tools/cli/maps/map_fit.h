@@ -6,6 +6,7 @@
 #include "client/document.h"
 #include "client/map_text.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -17,8 +18,14 @@ using Findings = std::vector<std::string>;
 // Paths of the map that the document never has.
 Findings neverOccurring(const Document& document);
 
-// Columns of the automatic map whose path is no column's in the map.
-Findings leftOut(const Document& document);
+// Columns of the automatic map whose path is no column's in the map, and how many there are of both
+// kinds.
+struct LeftOut {
+    Findings columns;
+    std::size_t tables = 0;  // that lack a column
+    std::size_t of = 0;      // columns of the automatic map, the ordinals apart
+};
+LeftOut leftOut(const Document& document);
 
 // Names of a map that are not what they were in the document or may not be what was meant: shared
 // by tables or by columns of a table, cut to 32 bytes, empty, with characters that got lost.
@@ -27,8 +34,9 @@ Findings doubtfulNames(const std::vector<Table>& tables, const std::vector<Table
 
 // Paths of the document that a map cannot name: those with a name that holds "/"; those with a name
 // that holds the byte 0x02, which divides paths.  The second reads all records and throws
-// QV_IO_..., QV_NOMEM.
-Findings namesWithSlash(const Document& document);
-Findings namesWithSeparator(const Document& document);
+// QV_IO_..., QV_NOMEM.  `wanted`: of these paths, separator 0x02; empty: of all.
+using PathFilter = std::function<bool(const std::string&)>;
+Findings namesWithSlash(const Document& document, const PathFilter& wanted = {});
+Findings namesWithSeparator(const Document& document, const PathFilter& wanted = {});
 
 }  // namespace qvej::cli

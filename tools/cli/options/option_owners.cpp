@@ -12,16 +12,25 @@ constexpr std::string_view kSeparator = ", ";
 // The verbs that read a document.
 constexpr std::string_view kReaders =
     "tables, map, map check, map explain, read, convert, records, check";
+constexpr std::string_view kReadersAndFind =
+    "tables, map, map check, map explain, read, convert, find, records, check";
 
 constexpr Owner kOwners[] = {
     {"--names", "tables"},
     {"--columns", "tables"},
     {"--output", "map, map merge, convert"},
     {"--exact", "map"},
+    {"--compact", "map, map merge"},
+    {"--verbose", "map check"},
     {"--account", "convert, check"},
     {"--alldata", "convert"},
     {"--threads", "convert"},
-    {"--limit", "read"},
+    {"--limit", "read, find"},
+    {"--value", "find"},
+    {"--regex", "find"},
+    {"--ignore-case", "find"},
+    {"--table", "tables, map, convert"},
+    {"--path", "tables, map, convert, find"},
     {"--map", "tables, read, convert, check"},
     {"--rejects", "read, convert"},
     {"--format", "read, convert"},
@@ -31,10 +40,10 @@ constexpr Owner kOwners[] = {
     {"--alldata-name", "tables, read, convert"},
     {"--naming", "tables, read, convert"},
     {"--force", "map, map merge, read, convert"},
-    {"--lines", kReaders},
-    {"--encoding", kReaders},
-    {"--invalid", kReaders},
-    {"--depth", kReaders},
+    {"--lines", kReadersAndFind},
+    {"--encoding", kReadersAndFind},
+    {"--invalid", kReadersAndFind},
+    {"--depth", kReadersAndFind},
     {"--max-paths", kReaders},
     {"--compress", kReaders},
     {"--memory", kReaders},

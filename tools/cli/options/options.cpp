@@ -34,7 +34,7 @@ constexpr uint64_t kLeastMemory = 32 << 20;
 
 // The options as they are written, before they mean anything.
 struct Raw {
-    std::vector<std::string> words;
+    std::vector<std::string> words, paths;
     std::string threads, limit, format = "csv", null, invalid = "error", ordinals, depth, maxPaths,
                                 keepFree, memory, debug, naming;
 };
@@ -68,6 +68,19 @@ Naming namingOf(const std::string& text) {
         usageError("--naming: " + inQuotes(text) + " is none of map, original");
     }
     return text == "map" ? Naming::MAP : Naming::ORIGINAL;
+}
+
+std::vector<PathPattern> pathsOf(const std::vector<std::string>& texts) {
+    std::vector<PathPattern> paths;
+    for (const std::string& text : texts) {
+        try {
+            paths.push_back(PathPattern::parse(text));
+        } catch (const PatternMistake& mistake) {
+            usageError("--path: " + inQuotes(text) + ", column " + std::to_string(mistake.at + 1) +
+                       ": " + mistake.what);
+        }
+    }
+    return paths;
 }
 
 // It stands in the file as it is, without quotes.
@@ -188,21 +201,48 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_flag("--exact", o.exact,
                  "map: columns with numbers that a double does not keep are CHARACTER")
         ->group("Options of map and convert");
+    app.add_flag("--compact", o.compact, "map: all in one line, without blanks")
+        ->group("Options of map and convert");
+    app.add_flag("--verbose", o.verbose, "map check: list every column that is left out")
+        ->group("Options of map and convert");
     app.add_flag("--alldata", o.alldata, "convert: ALLDATA too (every value with its full path)")
         ->group("Options of map and convert");
     app.add_option("--threads", raw.threads,
                    "at most N threads (default: as many as there are cores)")
         ->type_name("N")
         ->group("Options of convert");
-    app.add_option("--limit", raw.limit, "at most N rows")
+    const std::string ofRead = "Options of read and find";
+    app.add_option("--limit", raw.limit, "read: at most N rows; find: at most N matches")
         ->type_name("N")
-        ->group("Options of read");
+        ->group(ofRead);
+    app.add_option("--value", o.value,
+                   "find: values whose whole text this is: of a string what it stands for, else as "
+                   "the document has it")
+        ->type_name("TEXT")
+        ->group(ofRead);
+    app.add_option("--regex", o.regex, "find: values in whose text this regular expression matches")
+        ->type_name("RE")
+        ->group(ofRead);
+    app.add_flag("--ignore-case", o.ignoreCase, "find: --value and --regex in any case")
+        ->group(ofRead);
 
     app.add_flag("--account", o.account,
                  "count what becomes of every value, and tell which are in no cell (exit code 1)")
         ->group("Options of convert and check");
 
     const std::string rows = "Rows and tables";
+    app.add_option("--table", o.tables,
+                   "only tables with names like this; * stands for any characters, ? for one "
+                   "(may be given again)")
+        ->type_name("GLOB")
+        ->group(rows)
+        ->allow_extra_args(false);
+    app.add_option("--path", raw.paths,
+                   "only tables, or values, with paths like this, as /root/**/items; * stands for "
+                   "one name, ** for any number (may be given again)")
+        ->type_name("PATTERN")
+        ->group(rows)
+        ->allow_extra_args(false);
     app.add_option("--map", o.map,
                    "use this map in place of the automatic one (check takes it with --account)")
         ->type_name("FILE")
@@ -295,6 +335,7 @@ void print(const std::string& text) {
 }
 
 void translate(const CLI::App& app, const Raw& raw, Options& o) {
+    o.paths = pathsOf(raw.paths);
     o.limit = countOr(o.limit, app, "--limit", raw.limit);
     o.reading.ordinals = countOr(o.reading.ordinals, app, "--ordinals", raw.ordinals);
     o.reading.depth = countOr(o.reading.depth, app, "--depth", raw.depth);
@@ -353,6 +394,15 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     }
     if (o.verb->name == "check" && !o.account && o.retain) {
         usageError("check: --retain needs --account");
+    }
+    if (o.value && o.regex) {
+        usageError("--value and --regex exclude each other");
+    }
+    if (o.ignoreCase && !o.value && !o.regex) {
+        usageError("--ignore-case needs --value or --regex");
+    }
+    if (o.verb->name == "find" && o.paths.empty() && !o.value && !o.regex) {
+        usageError("find: --path, --value or --regex is missing");
     }
     if (o.verb->name == "convert" && o.out.empty()) {
         usageError("convert: -o DIR is missing");

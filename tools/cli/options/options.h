@@ -3,10 +3,12 @@
 // Tested by tests/tool/golden/usage.t
 #pragma once
 
+#include "client/shape/path_pattern.h"
 #include "formats/formats.h"
 #include "tools/cli/options/reading_options.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,12 +21,21 @@ struct Options {
     std::vector<std::string> operands;  // the words after the verb, as many as it takes
 
     std::string out;              // of map and convert; empty: not given
-    uint64_t limit = UINT64_MAX;  // of read
+    uint64_t limit = UINT64_MAX;  // of read and find
     bool names = false;           // of tables
     bool columns = false;         // of tables
     bool alldata = false;         // of convert
     bool exact = false;           // of map
+    bool compact = false;         // of map and map merge
+    bool verbose = false;         // of map check
     bool account = false;         // of convert and check
+
+    std::vector<std::string> tables;  // of --table: patterns of names
+    std::vector<PathPattern> paths;   // of --path
+
+    std::optional<std::string> value;  // of find
+    std::optional<std::string> regex;  // of find
+    bool ignoreCase = false;           // of find
 
     std::string map;      // file of a user's map; empty: the automatic one
     std::string rejects;  // file for values that are rejected; empty: none
@@ -42,6 +53,12 @@ struct Options {
 // much from the document's are told.
 [[nodiscard]] inline bool namesMayDiffer(const Options& options) {
     return !options.reading.naming && options.map.empty() && !options.quiet;
+}
+
+// May a shape be proposed?
+[[nodiscard]] inline bool shapeMayHelp(const Options& options) {
+    return !options.quiet && options.map.empty() && options.reading.shape.empty() &&
+           options.tables.empty() && options.paths.empty();
 }
 
 // Throws a Failure (WRONG_USAGE).  Prints help and version on standard output.

@@ -23,7 +23,7 @@ struct ReadingOptions {
     uint64_t ordinals = UINT64_MAX;
     std::string alldataName = "ALLDATA";
     std::optional<Naming> naming;  // nothing: MAP, and names that differ much are told
-    std::string debug;                   // as the engine wants it: ",MAP,READ,"; empty: none
+    std::string debug;             // as the engine wants it: ",MAP,READ,"; empty: none
 };
 
 }  // namespace qvej::cli

@@ -181,11 +181,12 @@ std::vector<Spot> startsOf(const Document& document, const std::vector<PathAccou
 
 }  // namespace
 
-Account takeAccount(const Document& document, bool retain) {
+Account takeAccount(const Document& document, bool retain,
+                    const std::vector<const Table*>& tables) {
     Account account;
-    account.paths = accountOf(document, retain);
+    account.paths = accountOf(document, retain, tables);
     account.starts = startsOf(document, account.paths);
-    if (document.reshaper() != nullptr) {
+    if (document.reshaper() != nullptr && tables.size() == document.tables().size()) {
         account.shape = document.reshaper()->counts();
     }
     return account;

@@ -15,13 +15,14 @@
 
 namespace qvej::cli {
 
-// What is kept of a document for its account.
+// What is kept of a document for its account, or for that of some of its tables.
 struct Account {
     std::vector<PathAccount> paths;
-    std::vector<Spot> starts;  // where the first value of each path begins
-    std::optional<ShapeCounts> shape;
+    std::vector<Spot> starts;          // where the first value of each path begins
+    std::optional<ShapeCounts> shape;  // of all tables only
 };
-[[nodiscard]] Account takeAccount(const Document& document, bool retain);
+[[nodiscard]] Account takeAccount(const Document& document, bool retain,
+                                  const std::vector<const Table*>& tables);
 
 // Writes the account on standard output.  The document is read once more to find places, with
 // `options` but without its tables, so its first reading should be over; a document on standard

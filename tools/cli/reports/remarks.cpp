@@ -44,35 +44,46 @@ bool goesThroughDouble(const Column& column) {
 
 }  // namespace
 
+std::vector<const Table*> each(const std::vector<Table>& tables) {
+    std::vector<const Table*> result;
+    result.reserve(tables.size());
+    for (const Table& table : tables) {
+        result.push_back(&table);
+    }
+    return result;
+}
+
 std::string visible(const std::string& tableName) {
     return tableName.empty() ? "\"\"" : tableName;
 }
 
-std::string hiddenAlldata(const Document& document, const std::string& alldataName) {
-    for (const Table& table : document.tables()) {
-        if (equalIgnoringCase(table.name, alldataName)) {
-            return "the table " + visible(table.name) +
+std::string hiddenAlldata(const std::vector<const Table*>& tables, const std::string& alldataName) {
+    for (const Table* table : tables) {
+        if (equalIgnoringCase(table->name, alldataName)) {
+            return "the table " + visible(table->name) +
                    " hides ALLDATA (--alldata-name gives that another name)";
         }
     }
     return {};
 }
 
-std::string sharedNames(const Document& document, const std::string& alldataName) {
+std::string sharedNames(const std::vector<const Table*>& tables, Naming naming,
+                        const std::string& alldataName) {
     std::unordered_map<std::string, std::size_t> counts;
     std::vector<std::string> order;
-    for (const Table& table : document.tables()) {
-        const bool anyCase = document.naming() == Naming::MAP;
-        std::size_t& count = counts[anyCase ? lowerCased(table.name) : table.name];
+    const bool anyCase = naming == Naming::MAP;
+    for (const Table* table : tables) {
+        std::size_t& count = counts[anyCase ? lowerCased(table->name) : table->name];
         if (++count == 2) {
-            order.push_back(visible(table.name));
+            order.push_back(visible(table->name));
         }
     }
     std::string text;
     if (!order.empty()) {
-        text = "more than one table is named " + firstOf(order) + ": read opens the first";
+        text = "more than one table is named " + firstOf(order) +
+               ": read opens the first, and any by its path";
     }
-    const std::string hidden = hiddenAlldata(document, alldataName);
+    const std::string hidden = hiddenAlldata(tables, alldataName);
     return text + (text.empty() || hidden.empty() ? "" : "; ") + hidden;
 }
 
@@ -171,14 +182,14 @@ void tellLosses(const std::string& file, const Document& document,
     tellInexact(file, document, tables, Inexact::ROUNDED);
 }
 
-MapOddities mapOddities(const std::vector<Table>& tables) {
+MapOddities mapOddities(const std::vector<const Table*>& tables) {
     MapOddities odd;
-    for (const Table& table : tables) {
-        if (table.columns.empty()) {
-            odd.empty.push_back(visible(table.name));
+    for (const Table* table : tables) {
+        if (table->columns.empty()) {
+            odd.empty.push_back(visible(table->name));
         }
-        for (const Column& column : table.columns) {
-            const std::string name = visible(table.name) + "." + column.name;
+        for (const Column& column : table->columns) {
+            const std::string name = visible(table->name) + "." + column.name;
             if (column.type == ColumnType::ORDINAL && column.noretain) {
                 odd.noretain.push_back(name);
             }
@@ -194,7 +205,7 @@ MapOddities mapOddities(const std::vector<Table>& tables) {
     return odd;
 }
 
-void tellMapOddities(const std::string& map, const std::vector<Table>& tables) {
+void tellMapOddities(const std::string& map, const std::vector<const Table*>& tables) {
     const MapOddities odd = mapOddities(tables);
     if (!odd.empty.empty()) {
         tell(map + ": tables without columns, whose rows are empty: " + joined(odd.empty));
@@ -208,7 +219,7 @@ void tellMapOddities(const std::string& map, const std::vector<Table>& tables) {
     }
 }
 
-void tellCuts(const std::string& map, const std::vector<Table>& tables) {
+void tellCuts(const std::string& map, const std::vector<const Table*>& tables) {
     const MapOddities odd = mapOddities(tables);
     if (!odd.cut.empty()) {
         tell(map + ": values are cut in: " + joined(odd.cut));

@@ -12,14 +12,18 @@
 
 namespace qvej::cli {
 
+// All of the tables.
+std::vector<const Table*> each(const std::vector<Table>& tables);
+
 // A table name as messages have it: even an empty one can be seen.
 std::string visible(const std::string& tableName);
 
-// One line on tables that no name opens, since another table has it; empty: there are none.
-std::string sharedNames(const Document& document, const std::string& alldataName);
+// One line on those of the tables that no name opens, since another has it; empty: there are none.
+std::string sharedNames(const std::vector<const Table*>& tables, Naming naming,
+                        const std::string& alldataName);
 
 // One line on a table that has the name of ALLDATA, in any case; empty: there is none.
-std::string hiddenAlldata(const Document& document, const std::string& alldataName);
+std::string hiddenAlldata(const std::vector<const Table*>& tables, const std::string& alldataName);
 
 // "FILE:3:14"; only FILE when the place is not known.
 std::string spotText(const std::string& file, Spot spot);
@@ -64,12 +68,12 @@ struct MapOddities {
     std::vector<std::string> informat;  // ordinal columns with INFORMAT
     std::vector<std::string> cut;       // columns with values longer than their length
 };
-MapOddities mapOddities(const std::vector<Table>& tables);
+MapOddities mapOddities(const std::vector<const Table*>& tables);
 
 // Tells the first three on standard error, a line for each kind.
-void tellMapOddities(const std::string& map, const std::vector<Table>& tables);
+void tellMapOddities(const std::string& map, const std::vector<const Table*>& tables);
 
 // Tells the last, for those who do not read the rows: they tell each value that is cut.
-void tellCuts(const std::string& map, const std::vector<Table>& tables);
+void tellCuts(const std::string& map, const std::vector<const Table*>& tables);
 
 }  // namespace qvej::cli

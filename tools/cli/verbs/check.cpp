@@ -4,6 +4,7 @@
 #include "client/escape.h"
 #include "formats/writer.h"
 #include "tools/cli/reports/account_report.h"
+#include "tools/cli/reports/remarks.h"
 #include "tools/cli/session.h"
 #include "tools/cli/verbs/verbs.h"
 
@@ -23,7 +24,8 @@ ExitCode checkAccount(const Options& options) {
     {
         const Session session(options.reading, options.operands[0], options.map);
         try {
-            account = takeAccount(session.document(), options.retain);
+            account =
+                takeAccount(session.document(), options.retain, each(session.document().tables()));
         } catch (const Error& error) {
             session.failReading(error);
         }

@@ -8,6 +8,7 @@
 #include "formats/output_files.h"
 #include "formats/table_directory.h"
 #include "formats/table_outputs.h"
+#include "tools/cli/choice.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/reports/account_report.h"
 #include "tools/cli/reports/changed_names.h"
@@ -24,17 +25,6 @@
 namespace qvej::cli {
 
 namespace {
-
-std::vector<const Table*> tablesToWrite(const Document& document, bool alldata) {
-    std::vector<const Table*> tables;
-    for (const Table& table : document.tables()) {
-        tables.push_back(&table);
-    }
-    if (alldata) {
-        tables.push_back(&document.alldata());
-    }
-    return tables;
-}
 
 std::string counted(uint64_t count, const std::string& noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
@@ -53,6 +43,12 @@ std::vector<std::string> wordsOf(const Options& options) {
     add(true, "--format=" + std::string(options.format->name));
     add(options.formatOptions.null.has_value(),
         "--null=" + options.formatOptions.null.value_or(""));
+    for (const std::string& glob : options.tables) {
+        add(true, "--table=" + glob);
+    }
+    for (const PathPattern& pattern : options.paths) {
+        add(true, "--path=" + pattern.text());
+    }
     add(options.alldata, "--alldata");
     add(reading.alldataName != standard.alldataName, "--alldata-name=" + reading.alldataName);
     add(reading.naming == Naming::ORIGINAL, "--naming=original");
@@ -67,9 +63,13 @@ std::vector<std::string> wordsOf(const Options& options) {
     return words;
 }
 
-ExitCode convert(const Options& options, const Session& session) {
+// `tables`: of the map, as chosen; ALLDATA comes besides.
+ExitCode convert(const Options& options, const Session& session, std::vector<const Table*> tables) {
     const Document& document = session.document();
-    const std::vector<const Table*> tables = tablesToWrite(document, options.alldata);
+    const std::string shared = sharedNames(tables, document.naming(), options.reading.alldataName);
+    if (options.alldata) {
+        tables.push_back(&document.alldata());
+    }
     const Sources sources = sourcesOf(options.operands[0], options.map);
     TableDirectory directory(options.out, *options.format, options.formatOptions, options.force,
                              sources,
@@ -101,11 +101,10 @@ ExitCode convert(const Options& options, const Session& session) {
              std::to_string(kLongestFileName) + " bytes: " + kPackageFile +
              " has the names of the tables");
     }
-    const std::string shared = sharedNames(document, options.reading.alldataName);
     if (!shared.empty() && !options.quiet) {
         tell(shared);
     }
-    if (!options.quiet && session.map() == nullptr && options.reading.shape.empty()) {
+    if (shapeMayHelp(options)) {
         tellShapeHint(document.tables());
     }
     if (namesMayDiffer(options)) {
@@ -139,13 +138,14 @@ ExitCode convertAndAccount(const Options& options, Account& account) {
     std::optional<cleanup::Output> output(options.out);  // for a signal while the document is read
     const Session session(options.reading, options.operands[0], options.map);
     output.reset();
+    const std::vector<const Table*> tables = chosenTables(options, session.document().tables());
     if (session.map() != nullptr && !options.quiet) {
-        tellMapOddities(session.map()->name(), session.document().tables());
+        tellMapOddities(session.map()->name(), tables);
     }
     try {
-        const ExitCode code = convert(options, session);
+        const ExitCode code = convert(options, session, tables);
         if (options.account) {
-            account = takeAccount(session.document(), options.retain);
+            account = takeAccount(session.document(), options.retain, tables);
         }
         return code;
     } catch (const Error& error) {

@@ -3,6 +3,7 @@
 // Tested by tests/tool/golden/map.t
 #include "client/engine.h"
 #include "client/error.h"
+#include "tools/cli/choice.h"
 #include "tools/cli/maps/map_fit.h"
 #include "tools/cli/maps/map_model.h"
 #include "tools/cli/maps/map_output.h"
@@ -13,6 +14,7 @@
 #include "tools/cli/verbs/verbs.h"
 
 #include <unordered_map>
+#include <unordered_set>
 
 namespace qvej::cli {
 
@@ -27,13 +29,29 @@ void tellCounted(const std::string& file, std::size_t count, const std::string& 
     }
 }
 
+// The paths of the columns of tables, or none for all.
+PathFilter pathsOf(const std::vector<const Table*>& tables, bool all) {
+    if (all) {
+        return {};
+    }
+    std::unordered_set<std::string> paths;
+    for (const Table* table : tables) {
+        for (const Column& column : table->columns) {
+            paths.insert(column.path);
+        }
+    }
+    return [paths](const std::string& path) { return paths.contains(path); };
+}
+
 // What the map says of the document and --map will not find, or will refuse.  `separators`: a name
 // of the document may hold the byte 0x02, which divides paths.
-void tellGaps(const Session& session, bool separators) {
+void tellGaps(const Session& session, const std::vector<const Table*>& tables, bool all,
+              bool separators) {
     const Document& document = session.document();
-    Findings findings = namesWithSlash(document);
+    const PathFilter wanted = pathsOf(tables, all);
+    Findings findings = namesWithSlash(document, wanted);
     if (separators) {
-        const Findings further = namesWithSeparator(document);
+        const Findings further = namesWithSeparator(document, wanted);
         findings.insert(findings.end(), further.begin(), further.end());
     }
     if (!findings.empty()) {
@@ -41,9 +59,9 @@ void tellGaps(const Session& session, bool separators) {
                     "paths that no map can name", findings.front());
     }
     std::vector<const Table*> nameless;
-    for (const Table& table : document.tables()) {
-        if (table.name.empty()) {
-            nameless.push_back(&table);
+    for (const Table* table : tables) {
+        if (table->name.empty()) {
+            nameless.push_back(table);
         }
     }
     if (!nameless.empty()) {
@@ -53,19 +71,29 @@ void tellGaps(const Session& session, bool separators) {
     }
 }
 
-// The map with every column CHARACTER whose numbers a double does not keep.
-std::string exactMap(const std::string& file, const Document& document) {
+// The map of some tables of the document.
+MapModel modelOf(const Document& document, const std::vector<const Table*>& tables) {
+    Engine engine;
+    MapModel all = mapModel(engine, document.mapText(), document.tables());
+    MapModel map;
+    for (const Table* table : tables) {
+        map.push_back(std::move(all[static_cast<std::size_t>(table - document.tables().data())]));
+    }
+    return map;
+}
+
+// Makes every column of the map CHARACTER whose numbers a double does not keep.
+void makeExact(const std::string& file, const Document& document,
+               const std::vector<const Table*>& tables, MapModel& map) {
     std::unordered_map<std::string, uint64_t> longest;  // of the paths of such columns
     for (const PathStatistics& path : document.inexactPaths()) {
         longest.emplace(path.path, path.longest);
     }
-    Engine engine;
     std::vector<std::string> tooLong;
-    MapModel map = mapModel(engine, document.mapText(), document.tables());
     for (std::size_t t = 0; t < map.size(); ++t) {
         for (std::size_t c = 0; c < map[t].columns.size(); ++c) {
             MapColumn& column = map[t].columns[c];
-            const auto found = longest.find(document.tables()[t].columns[c].path);
+            const auto found = longest.find(tables[t]->columns[c].path);
             if (column.type == ColumnType::NUMERIC && found != longest.end()) {
                 column.type = ColumnType::CHARACTER;
                 column.currentLength = found->second;
@@ -80,6 +108,18 @@ std::string exactMap(const std::string& file, const Document& document) {
         tellCounted(file, tooLong.size(), "column with numbers longer than the " + kept,
                     "columns with numbers longer than the " + kept, tooLong.front());
     }
+}
+
+std::string mapOf(const Session& session, const std::vector<const Table*>& tables,
+                  const Options& options) {
+    const Document& document = session.document();
+    if (!options.exact && !isChoosing(options)) {
+        return document.mapText();
+    }
+    MapModel map = modelOf(document, tables);
+    if (options.exact) {
+        makeExact(session.name(), document, tables, map);
+    }
     return mapDocument(map);
 }
 
@@ -92,10 +132,10 @@ ExitCode runMap(const Options& options) {
     const Session session(options.reading, options.operands[0], {},
                           {.observer = [&](std::string_view piece) { separators.take(piece); }});
     const Document& document = session.document();
-    putMap(options.exact ? exactMap(session.name(), document) : document.mapText(), options,
-           sources);
+    const std::vector<const Table*> tables = chosenTables(options, document.tables());
+    putMap(mapOf(session, tables, options), options, sources);
     try {
-        tellGaps(session, separators.found());
+        tellGaps(session, tables, !isChoosing(options), separators.found());
     } catch (const Error& error) {
         session.failReading(error);
     }

@@ -31,20 +31,34 @@ void printMap(Writer& out, const MapFile& map, const Engine& engine, bool quiet)
                    ": well formed, tables: " + std::to_string(map.tables().size()) +
                    ", columns: " + std::to_string(columns) + "\n");
     }
-    const MapOddities odd = mapOddities(map.tables());
+    const MapOddities odd = mapOddities(each(map.tables()));
     print(out, "no columns: table ", odd.empty);
     print(out, "NORETAIN without effect: ", odd.noretain);
     print(out, "INFORMAT without effect: ", odd.informat);
     print(out, {}, doubtfulNames(map.tables(), readMapText(engine, map.text())));
 }
 
+// In one line, unless all are asked for.
+void print(Writer& out, const LeftOut& left, bool verbose) {
+    if (verbose || left.columns.size() < 2) {
+        print(out, "left out: ", left.columns);
+        return;
+    }
+    const std::string tables =
+        std::to_string(left.tables) + (left.tables == 1 ? " table" : " tables");
+    out.append(shown("left out: " + std::to_string(left.columns.size()) + " of " +
+                     std::to_string(left.of) + " columns, in " + tables + ", the first " +
+                     left.columns.front()) +
+               "; --verbose lists them\n");
+}
+
 // True when every path of the map occurs in the document.
-bool printFit(Writer& out, const Session& session) {
+bool printFit(Writer& out, const Session& session, bool verbose) {
     const Document& document = session.document();
     const Findings missing = neverOccurring(document);
     print(out, "never occurs: ", missing);
-    print(out, "cut: ", mapOddities(document.tables()).cut);
-    print(out, "left out: ", leftOut(document));
+    print(out, "cut: ", mapOddities(each(document.tables())).cut);
+    print(out, leftOut(document), verbose);
     print(out, "no map can name: ", namesWithSlash(document));
     try {
         print(out, "no map can name: ", namesWithSeparator(document));
@@ -65,7 +79,7 @@ ExitCode runMapCheck(const Options& options) {
     } else {
         const Session session(options.reading, options.operands[1], options.operands[0]);
         printMap(out, *session.map(), session.engine(), options.quiet);
-        fits = printFit(out, session);
+        fits = printFit(out, session, options.verbose);
     }
     out.flush();
     return fits ? DONE : DIFFERENT;

@@ -6,6 +6,7 @@
 #include "client/error.h"
 #include "client/table_pass.h"
 #include "formats/writer.h"
+#include "tools/cli/choice.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/reports/account_report.h"
 #include "tools/cli/reports/changed_names.h"
@@ -25,13 +26,23 @@ namespace {
 // The table, or a failure that names others.
 const Table& findTable(const Document& document, const Options& options) {
     const std::string& name = options.operands[1];
+    if (name.starts_with('/')) {
+        const std::vector<const Table*> there = tablesAt(name, document.tables());
+        if (there.size() > 1 && !options.quiet) {
+            tell(std::to_string(there.size()) + " tables have the path " + name +
+                 ": this is the first, " + visible(there.front()->name));
+        }
+        if (!there.empty()) {
+            return *there.front();
+        }
+    }
     const Table* table = document.find(name);
     if (table != nullptr) {
         return *table;
     }
     std::vector<std::string> names;
     for (const Table& other : document.tables()) {
-        names.push_back(other.name);
+        names.push_back(name.starts_with('/') ? withSlashes(other.path()) : other.name);
     }
     if (!options.reading.alldataName.empty()) {
         names.push_back(options.reading.alldataName);
@@ -40,7 +51,8 @@ const Table& findTable(const Document& document, const Options& options) {
     const bool original = document.naming() == Naming::ORIGINAL;
     const std::string list =
         std::string(" (qvejmap tables") + (original ? " --naming original" : "") + " lists them)";
-    throw Failure(NO_TABLE, "no table named " + visible(name) + (hint.empty() ? list : hint));
+    throw Failure(NO_TABLE, (name.starts_with('/') ? "no table at " : "no table named ") +
+                                visible(name) + (hint.empty() ? list : hint));
 }
 
 // The notes that the engine makes of reading a table: a pass has none.
@@ -80,10 +92,10 @@ ExitCode runRead(const Options& options) {
     const Session session(options.reading, options.operands[0], options.map);
     const Document& document = session.document();
     if (session.map() != nullptr && !options.quiet) {
-        tellMapOddities(session.map()->name(), document.tables());
+        tellMapOddities(session.map()->name(), each(document.tables()));
     }
     const Table& table = findTable(document, options);
-    const std::string hiding = hiddenAlldata(document, options.reading.alldataName);
+    const std::string hiding = hiddenAlldata(each(document.tables()), options.reading.alldataName);
     if (!hiding.empty() && !options.quiet &&
         equalIgnoringCase(table.name, options.reading.alldataName)) {
         tell(hiding);

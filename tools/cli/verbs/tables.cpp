@@ -6,6 +6,7 @@
 // Tested by tests/tool/golden/tables.t and tests/tool/golden/terminal.t
 #include "client/escape.h"
 #include "formats/writer.h"
+#include "tools/cli/choice.h"
 #include "tools/cli/reports/changed_names.h"
 #include "tools/cli/reports/listing.h"
 #include "tools/cli/reports/remarks.h"
@@ -26,23 +27,23 @@ std::string shownPath(const std::string& path) {
     return escaped(withSlashes(path));
 }
 
-std::vector<Row> listTables(const Document& document, bool namesOnly) {
+std::vector<Row> listTables(const std::vector<const Table*>& tables, bool namesOnly) {
     std::vector<Row> rows;
-    for (const Table& table : document.tables()) {
-        rows.push_back({escaped(table.name)});
+    for (const Table* table : tables) {
+        rows.push_back({escaped(table->name)});
         if (!namesOnly) {
-            rows.back().push_back(std::to_string(table.columns.size()));
-            rows.back().push_back(shownPath(table.path()));
+            rows.back().push_back(std::to_string(table->columns.size()));
+            rows.back().push_back(shownPath(table->path()));
         }
     }
     return rows;
 }
 
-std::vector<Row> listColumns(const Document& document) {
+std::vector<Row> listColumns(const std::vector<const Table*>& tables) {
     std::vector<Row> rows;
-    for (const Table& table : document.tables()) {
-        for (const Column& column : table.columns) {
-            rows.push_back({escaped(table.name), escaped(column.name),
+    for (const Table* table : tables) {
+        for (const Column& column : table->columns) {
+            rows.push_back({escaped(table->name), escaped(column.name),
                             std::string(kTypeNames[static_cast<std::size_t>(column.type)]),
                             std::to_string(column.length), shownPath(column.path)});
         }
@@ -55,29 +56,26 @@ std::vector<Row> listColumns(const Document& document) {
 ExitCode runTables(const Options& options) {
     const Session session(options.reading, options.operands[0], options.map);
     const Document& document = session.document();
+    const std::vector<const Table*> tables = chosenTables(options, document.tables());
     if (session.map() != nullptr) {
         if (!options.quiet) {
-            tellMapOddities(session.map()->name(), document.tables());
+            tellMapOddities(session.map()->name(), tables);
         }
-        tellCuts(session.map()->name(), document.tables());
+        tellCuts(session.map()->name(), tables);
     }
     std::vector<Row> rows =
-        options.columns ? listColumns(document) : listTables(document, options.names);
+        options.columns ? listColumns(tables) : listTables(tables, options.names);
 
     Writer out = standardOutput();
     print(out, rows);
     out.flush();
 
-    const std::string shared = sharedNames(document, options.reading.alldataName);
+    const std::string shared = sharedNames(tables, document.naming(), options.reading.alldataName);
     if (!shared.empty() && !options.quiet) {
         tell(shared);
     }
-    if (!options.quiet && session.map() == nullptr && options.reading.shape.empty()) {
+    if (shapeMayHelp(options)) {
         tellShapeHint(document.tables());
-    }
-    std::vector<const Table*> tables;
-    for (const Table& table : document.tables()) {
-        tables.push_back(&table);
     }
     if (namesMayDiffer(options)) {
         tellChangedNames(session.name(), tables);

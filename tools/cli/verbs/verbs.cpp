@@ -16,8 +16,9 @@ constexpr Verb kVerbs[] = {
      runMapMerge},
     {"map explain", "FILE TABLE.COLUMN", "why a column is what it is, with places", 2, 2,
      runMapExplain},
-    {"read", "FILE TABLE", "print the rows of one table (or of ALLDATA)", 2, 2, runRead},
+    {"read", "FILE TABLE", "print the rows of a table (name, path, ALLDATA)", 2, 2, runRead},
     {"convert", "FILE -o DIR", "write every table to a file of its own", 1, 1, runConvert},
+    {"find", "FILE", "where values are: line, column, path, value", 1, 1, runFind},
     {"records", "FILE", "print every record: kind, path, value", 1, 1, runRecords},
     {"check", "FILE", "is it well formed? --account: where values go", 1, 1, runCheck},
 };

@@ -41,6 +41,7 @@ ExitCode runMapExplain(const Options& options);
 ExitCode runRead(const Options& options);
 ExitCode runConvert(const Options& options);
 ExitCode runRecords(const Options& options);
+ExitCode runFind(const Options& options);
 ExitCode runCheck(const Options& options);
 
 }  // namespace qvej::cli
