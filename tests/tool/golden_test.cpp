@@ -103,7 +103,7 @@ INSTANTIATE_TEST_SUITE_P(Files, ToolGolden,
                                          "formats", "input", "interrupt", "map", "map_check",
                                          "map_explain", "map_diff", "map_merge", "map_merge_parts",
                                          "map_mistakes", "map_use", "notes", "read", "records",
-                                         "shapes", "spill", "tables", "terminal", "usage"),
+                                         "shape", "shapes", "spill", "tables", "terminal", "usage"),
                          [](const auto& file) { return file.param; });
 
 }  // namespace

@@ -14,6 +14,7 @@ $ qvejmap --help
     read FILE TABLE                print the rows of one table (or of ALLDATA)
     convert FILE -o DIR            write every table to a file of its own
     records FILE                   print every record: kind, path, value
+    shape FILE [-o OUT]            print the shape that suits it, as rules
     check FILE                     is it well formed? --account: where values go
   
   Options of tables:
@@ -21,12 +22,23 @@ $ qvejmap --help
     --columns               a line a column: table, column, type, length in
                             bytes, path
   
-  Options of map and convert:
-    -o,--output OUT         map: file to write; convert: directory, made when
-                            missing
+  Options of map, shape and convert:
+    -o,--output OUT         map: file to write; shape: file to write; convert:
+                            directory, made when missing
     --exact                 map: columns with numbers that a double does not keep
                             are CHARACTER
     --alldata               convert: ALLDATA too (every value with its full path)
+  
+  Options of shape:
+    --key-names N           names with scalars of one kind may be data from N
+                            names on (default: 20; three times as many in a single
+                            object)
+    --key-containers N      names with containers of one shape are data from N
+                            names on (default: 6)
+    --fixed-length N        arrays of one length stay columns up to N elements
+                            (default: 4)
+    --inline-columns N      objects become columns of their parents up to N
+                            columns (default: 16)
   
   Options of convert:
     --threads N             at most N threads (default: as many as there are
@@ -133,7 +145,7 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
   
   Reading the document:
 # Each verb lists what it takes.
-$ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert records check; do
+$ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert records shape check; do
 >     echo $verb: $(qvejmap help $verb | grep -o '^  -[-a-z,]*')
 > done
   tables: --names --columns --map --ordinals --alldata-name --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
@@ -145,10 +157,11 @@ $ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read c
   read: --limit --map --rejects --format --null --ordinals --alldata-name --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
   convert: -o,--output --alldata --threads --account --map --rejects --format --null --ordinals --alldata-name --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
   records: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
+  shape: -o,--output --key-names --key-containers --fixed-length --inline-columns --lines --encoding --invalid --depth --force -q,--quiet -h,--help --version
   check: --account --map --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
 
 # help VERB is what VERB --help is, and no page is wider than 80 columns.
-$ for verb in '' tables map 'map check' 'map diff' 'map merge' 'map explain' read convert records check; do
+$ for verb in '' tables map 'map check' 'map diff' 'map merge' 'map explain' read convert records shape check; do
 >     qvejmap $verb --help > asked; qvejmap help $verb | cmp - asked; grep -E '.{81}' asked
 > done
 ? 1
@@ -167,7 +180,7 @@ $ qvejmap help tables --nonsense
 # An option of all verbs, and one of those that read a document.
 $ qvejmap map orders.json -q > m; qvejmap map diff m m -q
 $ qvejmap map merge m m --depth 3
-! qvejmap: --depth belongs to tables, map, map check, map explain, read, convert, records, check, not to map merge (qvejmap --help tells more)
+! qvejmap: --depth belongs to tables, map, map check, map explain, read, convert, records, shape, check, not to map merge (qvejmap --help tells more)
 ? 2
 
 # What is nearly a verb or an option is told.
@@ -237,7 +250,7 @@ $ qvejmap tables orders.json --limit 1
 ! qvejmap: --limit belongs to read, not to tables (qvejmap --help tells more)
 ? 2
 $ qvejmap read orders.json orders -o x
-! qvejmap: --output belongs to map, map merge, convert, not to read (qvejmap --help tells more)
+! qvejmap: --output belongs to map, map merge, shape, convert, not to read (qvejmap --help tells more)
 ? 2
 $ qvejmap tables orders.json --names --columns
 ! qvejmap: --names and --columns exclude each other (qvejmap --help tells more)

@@ -13,15 +13,23 @@ constexpr std::string_view kSeparator = ", ";
 constexpr std::string_view kReaders =
     "tables, map, map check, map explain, read, convert, records, check";
 
+// Those that walk through its text at least.
+constexpr std::string_view kWalkers =
+    "tables, map, map check, map explain, read, convert, records, shape, check";
+
 constexpr Owner kOwners[] = {
     {"--names", "tables"},
     {"--columns", "tables"},
-    {"--output", "map, map merge, convert"},
+    {"--output", "map, map merge, shape, convert"},
     {"--exact", "map"},
     {"--account", "convert, check"},
     {"--alldata", "convert"},
     {"--threads", "convert"},
     {"--limit", "read"},
+    {"--key-names", "shape"},
+    {"--key-containers", "shape"},
+    {"--fixed-length", "shape"},
+    {"--inline-columns", "shape"},
     {"--map", "tables, read, convert, check"},
     {"--rejects", "read, convert"},
     {"--format", "read, convert"},
@@ -29,11 +37,11 @@ constexpr Owner kOwners[] = {
     {"--retain", "read, convert, check"},
     {"--ordinals", "tables, map, read, convert"},
     {"--alldata-name", "tables, read, convert"},
-    {"--force", "map, map merge, read, convert"},
-    {"--lines", kReaders},
-    {"--encoding", kReaders},
-    {"--invalid", kReaders},
-    {"--depth", kReaders},
+    {"--force", "map, map merge, shape, read, convert"},
+    {"--lines", kWalkers},
+    {"--encoding", kWalkers},
+    {"--invalid", kWalkers},
+    {"--depth", kWalkers},
     {"--max-paths", kReaders},
     {"--compress", kReaders},
     {"--memory", kReaders},

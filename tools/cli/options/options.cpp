@@ -37,6 +37,7 @@ struct Raw {
     std::vector<std::string> words;
     std::string threads, limit, format = "csv", null, invalid = "error", ordinals, depth, maxPaths,
                                 keepFree, memory, debug;
+    std::string keyNames, keyContainers, fixedLength, inlineColumns;
 };
 
 uint64_t countOr(uint64_t otherwise, const CLI::App& app, const char* option,
@@ -174,15 +175,35 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_flag("--columns", o.columns,
                  "a line a column: table, column, type, length in bytes, path")
         ->group(ofTables);
-    app.add_option("-o,--output", o.out,
-                   "map: file to write; convert: directory, made when missing")
+    app.add_option(
+           "-o,--output", o.out,
+           "map: file to write; shape: file to write; convert: directory,\nmade when missing")
         ->type_name("OUT")
-        ->group("Options of map and convert");
+        ->group("Options of map, shape and convert");
     app.add_flag("--exact", o.exact,
                  "map: columns with numbers that a double does not keep are CHARACTER")
-        ->group("Options of map and convert");
+        ->group("Options of map, shape and convert");
     app.add_flag("--alldata", o.alldata, "convert: ALLDATA too (every value with its full path)")
-        ->group("Options of map and convert");
+        ->group("Options of map, shape and convert");
+    const std::string ofShape = "Options of shape";
+    app.add_option(
+           "--key-names", raw.keyNames,
+           "names with scalars of one kind may be data from N names\non (default: 20; three "
+           "times as many in a single object)")
+        ->type_name("N")
+        ->group(ofShape);
+    app.add_option("--key-containers", raw.keyContainers,
+                   "names with containers of one shape are data from N names\non (default: 6)")
+        ->type_name("N")
+        ->group(ofShape);
+    app.add_option("--fixed-length", raw.fixedLength,
+                   "arrays of one length stay columns up to N elements\n(default: 4)")
+        ->type_name("N")
+        ->group(ofShape);
+    app.add_option("--inline-columns", raw.inlineColumns,
+                   "objects become columns of their parents up to N columns\n(default: 16)")
+        ->type_name("N")
+        ->group(ofShape);
     app.add_option("--threads", raw.threads,
                    "at most N threads (default: as many as there are cores)")
         ->type_name("N")
@@ -293,6 +314,12 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
         usageError("--threads: must be more than 0");
     }
     o.threads = static_cast<unsigned>(std::min<uint64_t>(threads, kMostThreads));
+    o.finding.keyNames = countOr(o.finding.keyNames, app, "--key-names", raw.keyNames);
+    o.finding.keyContainers =
+        countOr(o.finding.keyContainers, app, "--key-containers", raw.keyContainers);
+    o.finding.fixedLength = countOr(o.finding.fixedLength, app, "--fixed-length", raw.fixedLength);
+    o.finding.inlineColumns =
+        countOr(o.finding.inlineColumns, app, "--inline-columns", raw.inlineColumns);
     o.reading.keepFree = sizeOf(app, "--keep-free", raw.keepFree);
     o.reading.memory = sizeOf(app, "--memory", raw.memory);
     o.reading.shape = readShapeOptions(app);

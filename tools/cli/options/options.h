@@ -3,6 +3,7 @@
 // Tested by tests/tool/golden/usage.t
 #pragma once
 
+#include "client/shape/finder_options.h"
 #include "formats/formats.h"
 #include "tools/cli/options/reading_options.h"
 
@@ -18,7 +19,7 @@ struct Options {
     const Verb* verb = nullptr;         // null: help or version was asked for, and printed
     std::vector<std::string> operands;  // the words after the verb, as many as it takes
 
-    std::string out;              // of map and convert; empty: not given
+    std::string out;              // of map, shape and convert; empty: not given
     uint64_t limit = UINT64_MAX;  // of read
     bool names = false;           // of tables
     bool columns = false;         // of tables
@@ -30,6 +31,7 @@ struct Options {
     std::string rejects;  // file for values that are rejected; empty: none
 
     ReadingOptions reading;
+    qvej::FinderOptions finding;  // of shape
     bool retain = false;
     bool force = false;
     bool quiet = false;

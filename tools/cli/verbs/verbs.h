@@ -42,5 +42,6 @@ ExitCode runRead(const Options& options);
 ExitCode runConvert(const Options& options);
 ExitCode runRecords(const Options& options);
 ExitCode runCheck(const Options& options);
+ExitCode runShape(const Options& options);
 
 }  // namespace qvej::cli
