@@ -99,7 +99,7 @@ TEST_F(ShapeFinder, FindsWhatAPersonWouldDraw) {
                                      return quoted(b) + ":{" +
                                             list(12,
                                                  [&](int v) {
-                                                     return "\"" + std::to_string(v + b) +
+                                                     return "\"" + std::to_string(v + 20 * b) +
                                                             ".0\":\"y\"";
                                                  }) +
                                             "}";
