@@ -58,6 +58,12 @@ void DocumentReader::read(TextConsumer& document,
     }
 }
 
+void DocumentReader::pass(const std::function<bool(std::string_view)>& take) {
+    for (std::string_view piece = text_.next(); !piece.empty() && take(piece);) {
+        piece = text_.next();
+    }
+}
+
 void DocumentReader::feed(TextConsumer& document,
                           const std::function<void(std::string_view)>& observer) {
     for (std::string_view piece = text_.next(); !piece.empty(); piece = text_.next()) {

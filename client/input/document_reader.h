@@ -42,6 +42,13 @@ class DocumentReader {
     // `observer` sees each piece before the document does.  Throws Error.
     void read(TextConsumer& document, const std::function<void(std::string_view)>& observer = {});
 
+    // Gives the text to `take` instead, in UTF-8, until that says false.  Throws Error when it
+    // cannot be read; what is wrong in its encoding ends it.
+    void pass(const std::function<bool(std::string_view)>& take);
+
+    // JSON Lines?
+    [[nodiscard]] bool lines() const { return lines_; }
+
     // What messages call the source.
     [[nodiscard]] const std::string& name() const { return text_.name(); }
 

@@ -50,6 +50,7 @@ class Reshaper final : private JSNParser, private JSNParseCB {
     Reshaper& operator=(const Reshaper&) = delete;
 
     [[nodiscard]] JSNParserh parser() { return this; }
+    [[nodiscard]] const Shape& shape() const { return shape_; }
     [[nodiscard]] const ShapeCounts& counts() const { return counts_; }
 
     // For each rule, whether a path of the document matched it.  `empty drop` always did.

@@ -153,7 +153,7 @@ std::string ShapeRule::text() const {
         text += key == ShapeRule().key ? "" : " as " + writtenWord(key);
         text += except.empty() ? "" : " except";
         for (const std::string& name : except) {
-            text += " " + writtenWord(name);
+            text += " " + (name == "as" ? "\"as\"" : writtenWord(name));
         }
     }
     return text;

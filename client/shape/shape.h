@@ -48,6 +48,9 @@ class Shape {
     void addText(std::string_view text, const std::string& name);
 
     void add(ShapeRule rule) { rules_.push_back(std::move(rule)); }
+    void add(const Shape& other) {
+        rules_.insert(rules_.end(), other.rules_.begin(), other.rules_.end());
+    }
 
     [[nodiscard]] const std::vector<ShapeRule>& rules() const { return rules_; }
     [[nodiscard]] bool empty() const { return rules_.empty(); }

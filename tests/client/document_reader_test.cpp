@@ -2,15 +2,22 @@
 // come.
 #include "client/input/document_reader.h"
 
+#include "client/input/rereadable_file.h"
 #include "tests/client/in_encoding.h"
 #include "tests/testkit/random_document.h"
+#include "tests/testkit/scratch_folder.h"
 
 #include <gtest/gtest.h>
 #include <zlib.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <optional>
 #include <random>
+#include <sys/stat.h>
+#include <thread>
 
 namespace {
 
@@ -165,6 +172,48 @@ TEST(DocumentReader, PlacesEveryMistakeAsTheParserDoesInAnyEncodingAndSplit) {
         }
     }
     EXPECT_GT(mistakes, 100);
+}
+
+// All bytes of a walk, or only its first pieces.
+std::string bytesOf(ByteSource source, int pieces = -1) {
+    std::string bytes;
+    for (std::string_view piece = source.next(); !piece.empty(); piece = source.next()) {
+        bytes += piece;
+        if (--pieces == 0) {
+            break;
+        }
+    }
+    return bytes;
+}
+
+TEST(RereadableFile, EachWalkHasAllBytes) {
+    const jmap::test::ScratchFolder scratch;
+    const std::string folder = scratch.path;
+    std::filesystem::create_directory(folder + "/copies");
+    std::string text;
+    for (int i = 0; text.size() < (5u << 20); ++i) {
+        text += std::to_string(i) + ",";
+    }
+    scratch.write("text", text);
+    ::setenv("TMPDIR", (folder + "/copies").c_str(), 1);
+    ASSERT_EQ(::mkfifo((folder + "/pipe").c_str(), 0600), 0);
+    for (const char* name : {"/text", "/pipe"}) {
+        std::thread writer([&] {
+            if (std::string_view(name) == "/pipe") {
+                scratch.write("pipe", text);
+            }
+        });
+        qvej::RereadableFile file(folder + name);
+        const std::string begin = bytesOf(file.walk(), 2);
+        EXPECT_EQ(begin, text.substr(0, begin.size())) << name;
+        EXPECT_LT(begin.size(), text.size());
+        EXPECT_EQ(bytesOf(file.walk()), text) << name;  // copied bytes, then further ones
+        EXPECT_EQ(bytesOf(file.walk()), text) << name;
+        EXPECT_TRUE(std::filesystem::is_empty(folder + "/copies"));
+        EXPECT_EQ(file.walk().name(), folder + name);
+        writer.join();
+    }
+    ::unsetenv("TMPDIR");
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ TEST(Shape, ReadsWhatItWrites) {
         {"rows /root/data", "rows /root/data"},
         {"  rows\t/root as key ", "rows /root"},
         {R"(rows /root/"a b" as "the key" except x "y z" "as" \)",
-         R"(rows /root/"a b" as "the key" except x "y z" as \)"},
+         R"(rows /root/"a b" as "the key" except x "y z" "as" \)"},
         {"rows /root as as except except", "rows /root as as except except"},
         {"inline /root/**/geo", "inline /root/**/geo"},
         {"text /root/*", "text /root/*"},
@@ -31,6 +31,8 @@ TEST(Shape, ReadsWhatItWrites) {
         Shape shape;
         shape.addRule(c.line);
         EXPECT_EQ(shape.rules()[0].text(), c.written);
+        shape.addRule(c.written);
+        EXPECT_EQ(shape.rules()[1], shape.rules()[0]);
     }
 }
 

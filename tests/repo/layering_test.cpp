@@ -34,7 +34,7 @@ const Layer kLayers[] = {
     {"src/frame/", "src/(frame|mapdoc|reader|automap|scan|core)/.*" + kEngine},
     {"src/host/", R"re(src/host/.*|include/qv(ehost|types|status|portable)\.h|<.*>)re"},
     {"client/input/",
-     R"re(client/(input/.*|(document|error|escape|excerpt|text)\.h)|include/.*|<.*>)re"},
+     R"re(client/(input/.*|(cache_file|document|error|escape|excerpt|text)\.h)|include/.*|<.*>)re"},
     {"client/shape/", R"re(client/(shape/.*|(error|escape|handle|text)\.h)|include/.*|<.*>)re"},
     {"client/", R"re(client/([^/]*|shape/shape\.h|shape/reshaper\.h)|include/.*|<.*>)re"},
     {"formats/", "(formats|client)/.*|include/.*|<.*>"},

@@ -103,8 +103,8 @@ INSTANTIATE_TEST_SUITE_P(Files, ToolGolden,
                                          "events", "find", "formats", "input", "interrupt", "map",
                                          "map_check", "map_explain", "map_diff", "map_merge",
                                          "map_merge_parts", "map_mistakes", "map_use", "naming",
-                                         "notes", "read", "records", "shapes", "spill", "tables",
-                                         "terminal", "usage"),
+                                         "notes", "read", "records", "shape", "shapes", "spill",
+                                         "tables", "terminal", "usage"),
                          [](const auto& file) { return file.param; });
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include "client/error.h"
 #include "formats/sources.h"
+#include "tools/cli/auto_shape.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/reports/shape_report.h"
 #include "tools/cli/reports/tell.h"
@@ -111,22 +112,24 @@ void failReading(const ReadingOptions& options, const DocumentReader& reader, co
 Session::Session(const ReadingOptions& options, const std::string& file, const std::string& map,
                  const ReadingWishes& wishes)
     : options_(options),
-      reader_(ByteSource::file(file), options_.text),
-      engine_(engineOptions(options_)) {
+      engine_(engineOptions(options_)),
+      input_(options_.shape.finds() ? std::optional<RereadableFile>(file) : std::nullopt),
+      shape_(shapeOf(options_.shape,
+                     [this] { return cli::findShape(engine_, *input_, options_).shape(); })),
+      reader_(input_ ? input_->walk() : ByteSource::file(file), options_.text) {
     if (!map.empty()) {
         map_.emplace(engine_, map);
     }
     if (!options_.cache.empty()) {
         checkNamedCache(options_.cache, sourcesOf(file, map));
     }
-    const Shape shape = shapeOf(options_.shape);
     try {
-        read(shape, wishes);
+        read(wishes);
         useMap();
     } catch (const Error& error) {
         cli::failReading(options_, reader_, error);
     }
-    tellUnmatched(name(), shape, *document_);
+    tellUnmatched(name(), shape_, *document_);
     if (!options_.debug.empty()) {
         const JMAPTotals totals = document_->totals();
         tellPlain("totals: records " + std::to_string(totals.records) + ", bytes " +
@@ -136,10 +139,10 @@ Session::Session(const ReadingOptions& options, const std::string& file, const s
     }
 }
 
-void Session::read(const Shape& shape, const ReadingWishes& wishes) {
+void Session::read(const ReadingWishes& wishes) {
     DocumentOptions document = documentOptions(options_, engine_);
     document.watches = wishes.watches;
-    document.shape = shape;
+    document.shape = shape_;
     document_.emplace(engine_, reader_.documentOptions(document));
     reader_.read(*document_, wishes.observer);
 }

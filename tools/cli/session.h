@@ -6,6 +6,7 @@
 #include "client/engine.h"
 #include "client/error.h"
 #include "client/input/document_reader.h"
+#include "client/input/rereadable_file.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/maps/map_file.h"
 #include "tools/cli/options/reading_options.h"
@@ -54,12 +55,14 @@ class Session {
     [[noreturn]] void failReading(const Error& error) const;
 
    private:
-    void read(const Shape& shape, const ReadingWishes& wishes);
+    void read(const ReadingWishes& wishes);
     void useMap();
 
     ReadingOptions options_;
-    DocumentReader reader_;
     Engine engine_;
+    std::optional<RereadableFile> input_;  // of a document that is to find its shape
+    Shape shape_;
+    DocumentReader reader_;
     std::optional<MapFile> map_;
     std::optional<Document> document_;
 };

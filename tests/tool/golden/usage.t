@@ -15,6 +15,7 @@ $ qvejmap --help
     convert FILE -o DIR            write every table to a file of its own
     find FILE                      where values are: line, column, path, value
     records FILE                   print every record: kind, path, value
+    shape FILE [-o OUT]            print the shape that suits it, as rules
     check FILE                     is it well formed? --account: where values go
   
   Options of tables:
@@ -22,9 +23,9 @@ $ qvejmap --help
     --columns               a line a column: table, column, type, length in
                             bytes, path
   
-  Options of map and convert:
-    -o,--output OUT         map: file to write; convert: directory, made when
-                            missing
+  Options of map, shape and convert:
+    -o,--output OUT         map: file to write; shape: file to write; convert:
+                            directory, made when missing
     --exact                 map: columns with numbers that a double does not keep
                             are CHARACTER
     --compact               map: all in one line, without blanks
@@ -88,7 +89,8 @@ $ qvejmap --help
                             (default: a private one in $TMPDIR or /tmp, removed)
   
   Shape of the document (docs/FORMATS.md says what each rule means):
-    --shape FILE            a file of rules, one a line; may be repeated
+    --shape FILE            auto: the rules that qvejmap shape prints; else a
+                            file of rules, one a line; may be repeated
     --rows RULE             PATH [as KEY] [except NAME...]: the members there, or
                             the elements, become rows
     --inline PATH           the members of the object there become members of the
@@ -99,6 +101,17 @@ $ qvejmap --help
     --only PATH             leave out all but what is there
     --keep PATH             undo earlier rules for what is there
     --drop-empty            leave out members that are empty objects or arrays
+  
+  Finding a shape (shape, --shape auto):
+    --key-names N           names with scalars of one kind may be data from N
+                            names on (default: 20; three times as many in a single
+                            object)
+    --key-containers N      names with containers of one shape are data from N
+                            names on (default: 6)
+    --fixed-length N        arrays of one length stay columns up to N elements
+                            (default: 4)
+    --inline-columns N      objects become columns of their parents up to N
+                            columns (default: 16)
   
   General:
     --debug KEYWORDS        notes of the engine: MAP, READ, COMPRESSION, ALL,
@@ -155,23 +168,24 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
   
   Reading the document:
 # Each verb lists what it takes.
-$ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records check; do
+$ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records shape check; do
 >     echo $verb: $(qvejmap help $verb | grep -o '^  -[-a-z,]*')
 > done
-  tables: --names --columns --table --path --map --ordinals --alldata-name --naming --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
-  map: -o,--output --exact --compact --table --path --ordinals --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
-  map check: --verbose --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
+  tables: --names --columns --table --path --map --ordinals --alldata-name --naming --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
+  map: -o,--output --exact --compact --table --path --ordinals --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
+  map check: --verbose --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
   map diff: -q,--quiet -h,--help --version
   map merge: -o,--output --compact --force -q,--quiet -h,--help --version
-  map explain: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
-  read: --limit --map --rejects --format --null --ordinals --alldata-name --naming --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
-  convert: -o,--output --alldata --threads --account --table --path --map --rejects --format --null --ordinals --alldata-name --naming --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
+  map explain: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
+  read: --limit --map --rejects --format --null --ordinals --alldata-name --naming --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
+  convert: -o,--output --alldata --threads --account --table --path --map --rejects --format --null --ordinals --alldata-name --naming --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
   find: --limit --value --regex --ignore-case --path --lines --encoding --invalid --depth -q,--quiet -h,--help --version
-  records: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
-  check: --account --map --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
+  records: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
+  shape: -o,--output --lines --encoding --invalid --depth --key-names --key-containers --fixed-length --inline-columns --force -q,--quiet -h,--help --version
+  check: --account --map --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
 
 # help VERB is what VERB --help is, and no page is wider than 80 columns.
-$ for verb in '' tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records check; do
+$ for verb in '' tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records shape check; do
 >     qvejmap $verb --help > asked; qvejmap help $verb | cmp - asked; grep -E '.{81}' asked
 > done
 ? 1
@@ -190,7 +204,7 @@ $ qvejmap help tables --nonsense
 # An option of all verbs, and one of those that read a document.
 $ qvejmap map orders.json -q > m; qvejmap map diff m m -q
 $ qvejmap map merge m m --depth 3
-! qvejmap: --depth belongs to tables, map, map check, map explain, read, convert, find, records, check, not to map merge (qvejmap --help tells more)
+! qvejmap: --depth belongs to tables, map, map check, map explain, read, convert, find, records, shape, check, not to map merge (qvejmap --help tells more)
 ? 2
 
 # What is nearly a verb or an option is told.
@@ -260,7 +274,7 @@ $ qvejmap tables orders.json --limit 1
 ! qvejmap: --limit belongs to read, find, not to tables (qvejmap --help tells more)
 ? 2
 $ qvejmap read orders.json orders -o x
-! qvejmap: --output belongs to map, map merge, convert, not to read (qvejmap --help tells more)
+! qvejmap: --output belongs to map, map merge, shape, convert, not to read (qvejmap --help tells more)
 ? 2
 $ qvejmap tables orders.json --names --columns
 ! qvejmap: --names and --columns exclude each other (qvejmap --help tells more)

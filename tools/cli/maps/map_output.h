@@ -13,8 +13,8 @@ namespace qvej::cli {
 // Throws the Failure of a file that would be refused, before there is a map.
 void checkMapOutput(const Options& options, const Sources& sources);
 
-// `map`: a JSON document without line ends.  A column a line comes out, or with --compact the map as
-// it is.  It never replaces one of the `sources`.  Throws a Failure.
+// `map`: a JSON document without line ends.  A column a line comes out, or with --compact the map
+// as it is.  It never replaces one of the `sources`.  Throws a Failure.
 void putMap(const std::string& map, const Options& options, const Sources& sources);
 
 }  // namespace qvej::cli

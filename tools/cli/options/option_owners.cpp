@@ -12,13 +12,17 @@ constexpr std::string_view kSeparator = ", ";
 // The verbs that read a document.
 constexpr std::string_view kReaders =
     "tables, map, map check, map explain, read, convert, records, check";
-constexpr std::string_view kReadersAndFind =
-    "tables, map, map check, map explain, read, convert, find, records, check";
+constexpr std::string_view kShapers =
+    "tables, map, map check, map explain, read, convert, records, shape, check";
+
+// Those that walk through its text at least.
+constexpr std::string_view kWalkers =
+    "tables, map, map check, map explain, read, convert, find, records, shape, check";
 
 constexpr Owner kOwners[] = {
     {"--names", "tables"},
     {"--columns", "tables"},
-    {"--output", "map, map merge, convert"},
+    {"--output", "map, map merge, shape, convert"},
     {"--exact", "map"},
     {"--compact", "map, map merge"},
     {"--verbose", "map check"},
@@ -31,6 +35,10 @@ constexpr Owner kOwners[] = {
     {"--ignore-case", "find"},
     {"--table", "tables, map, convert"},
     {"--path", "tables, map, convert, find"},
+    {"--key-names", kShapers},
+    {"--key-containers", kShapers},
+    {"--fixed-length", kShapers},
+    {"--inline-columns", kShapers},
     {"--map", "tables, read, convert, check"},
     {"--rejects", "read, convert"},
     {"--format", "read, convert"},
@@ -39,11 +47,11 @@ constexpr Owner kOwners[] = {
     {"--ordinals", "tables, map, read, convert"},
     {"--alldata-name", "tables, read, convert"},
     {"--naming", "tables, read, convert"},
-    {"--force", "map, map merge, read, convert"},
-    {"--lines", kReadersAndFind},
-    {"--encoding", kReadersAndFind},
-    {"--invalid", kReadersAndFind},
-    {"--depth", kReadersAndFind},
+    {"--force", "map, map merge, shape, read, convert"},
+    {"--lines", kWalkers},
+    {"--encoding", kWalkers},
+    {"--invalid", kWalkers},
+    {"--depth", kWalkers},
     {"--max-paths", kReaders},
     {"--compress", kReaders},
     {"--memory", kReaders},

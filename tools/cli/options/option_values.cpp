@@ -33,6 +33,14 @@ std::optional<uint64_t> parseCount(std::string_view text) {
     return whole ? std::optional(count) : std::nullopt;
 }
 
+uint64_t countOf(const char* option, std::string_view text) {
+    const std::optional<uint64_t> count = parseCount(text);
+    if (!count) {
+        usageError(std::string(option) + ": " + inQuotes(text) + " is not a whole number");
+    }
+    return *count;
+}
+
 std::optional<uint64_t> parseSize(std::string_view text) {
     unsigned shift = 0;
     if (!text.empty()) {

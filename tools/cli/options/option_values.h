@@ -18,6 +18,9 @@ std::string inQuotes(std::string_view text);
 // A whole number.
 std::optional<uint64_t> parseCount(std::string_view text);
 
+// The whole number that an option was given.  Throws a Failure for anything else.
+uint64_t countOf(const char* option, std::string_view text);
+
 // A count of bytes: digits and perhaps K, M, G or T (powers of 1024).
 std::optional<uint64_t> parseSize(std::string_view text);
 

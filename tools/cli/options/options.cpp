@@ -41,14 +41,7 @@ struct Raw {
 
 uint64_t countOr(uint64_t otherwise, const CLI::App& app, const char* option,
                  const std::string& text) {
-    if (app.count(option) == 0) {
-        return otherwise;
-    }
-    const std::optional<uint64_t> count = parseCount(text);
-    if (!count) {
-        usageError(std::string(option) + ": " + inQuotes(text) + " is not a whole number");
-    }
-    return *count;
+    return app.count(option) == 0 ? otherwise : countOf(option, text);
 }
 
 std::optional<uint64_t> sizeOf(const CLI::App& app, const char* option, const std::string& text) {
@@ -194,19 +187,20 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_flag("--columns", o.columns,
                  "a line a column: table, column, type, length in bytes, path")
         ->group(ofTables);
-    app.add_option("-o,--output", o.out,
-                   "map: file to write; convert: directory, made when missing")
+    app.add_option(
+           "-o,--output", o.out,
+           "map: file to write; shape: file to write; convert: directory,\nmade when missing")
         ->type_name("OUT")
-        ->group("Options of map and convert");
+        ->group("Options of map, shape and convert");
     app.add_flag("--exact", o.exact,
                  "map: columns with numbers that a double does not keep are CHARACTER")
-        ->group("Options of map and convert");
+        ->group("Options of map, shape and convert");
     app.add_flag("--compact", o.compact, "map: all in one line, without blanks")
-        ->group("Options of map and convert");
+        ->group("Options of map, shape and convert");
     app.add_flag("--verbose", o.verbose, "map check: list every column that is left out")
-        ->group("Options of map and convert");
+        ->group("Options of map, shape and convert");
     app.add_flag("--alldata", o.alldata, "convert: ALLDATA too (every value with its full path)")
-        ->group("Options of map and convert");
+        ->group("Options of map, shape and convert");
     app.add_option("--threads", raw.threads,
                    "at most N threads (default: as many as there are cores)")
         ->type_name("N")
@@ -346,9 +340,9 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
         usageError("--threads: must be more than 0");
     }
     o.threads = static_cast<unsigned>(std::min<uint64_t>(threads, kMostThreads));
+    o.reading.shape = readShapeOptions(app, o.verb->name == "shape");
     o.reading.keepFree = sizeOf(app, "--keep-free", raw.keepFree);
     o.reading.memory = sizeOf(app, "--memory", raw.memory);
-    o.reading.shape = readShapeOptions(app);
     o.reading.debug = debugString(raw.debug);
     o.format = findFormat(raw.format);
     if (o.format == nullptr) {

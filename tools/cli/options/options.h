@@ -20,7 +20,7 @@ struct Options {
     const Verb* verb = nullptr;         // null: help or version was asked for, and printed
     std::vector<std::string> operands;  // the words after the verb, as many as it takes
 
-    std::string out;              // of map and convert; empty: not given
+    std::string out;              // of map, shape and convert; empty: not given
     uint64_t limit = UINT64_MAX;  // of read and find
     bool names = false;           // of tables
     bool columns = false;         // of tables

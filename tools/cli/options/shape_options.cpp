@@ -6,6 +6,7 @@
 
 #include <CLI/App.hpp>
 
+#include <algorithm>
 #include <array>
 #include <map>
 
@@ -21,6 +22,7 @@ struct RuleOption {
 };
 
 constexpr const char* kShape = "--shape";
+constexpr std::string_view kAuto = "auto";
 constexpr std::array<RuleOption, 6> kRuleOptions = {{
     {"--rows", "rows ", "RULE",
      "PATH [as KEY] [except NAME...]: the members there, or the\n"
@@ -33,6 +35,27 @@ constexpr std::array<RuleOption, 6> kRuleOptions = {{
     {"--only", "only ", "PATH", "leave out all but what is there"},
     {"--keep", "keep ", "PATH", "undo earlier rules for what is there"},
 }};
+
+// What says when names are data.
+struct Threshold {
+    const char* option;
+    std::size_t FinderOptions::*number;
+    const char* purpose;
+};
+
+constexpr std::array<Threshold, 4> kThresholds = {{
+    {"--key-names", &FinderOptions::keyNames,
+     "names with scalars of one kind may be data from N names\non (default: 20; three times as "
+     "many "
+     "in a single object)"},
+    {"--key-containers", &FinderOptions::keyContainers,
+     "names with containers of one shape are data from N names\non (default: 6)"},
+    {"--fixed-length", &FinderOptions::fixedLength,
+     "arrays of one length stay columns up to N elements\n(default: 4)"},
+    {"--inline-columns", &FinderOptions::inlineColumns,
+     "objects become columns of their parents up to N columns\n(default: 16)"},
+}};
+
 constexpr const char* kDropEmpty = "--drop-empty";
 
 std::string textOf(ByteSource source) {
@@ -55,22 +78,30 @@ void declareShapeOptions(CLI::App& app) {
             ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
             ->group(group);
     };
-    declare(kShape, "FILE", "a file of rules, one a line; may be repeated");
+    declare(kShape, "FILE",
+            "auto: the rules that qvejmap shape prints; else a file of\nrules, one a line; may be "
+            "repeated");
     for (const RuleOption& option : kRuleOptions) {
         declare(option.option, option.argument, option.purpose);
     }
     app.add_flag(kDropEmpty)
         ->description("leave out members that are empty objects or arrays")
         ->group(group);
+    for (const Threshold& threshold : kThresholds) {
+        app.add_option(threshold.option)
+            ->description(threshold.purpose)
+            ->type_name("N")
+            ->group("Finding a shape (shape, --shape auto)");
+    }
 }
 
-ShapeOptions readShapeOptions(const CLI::App& app) {
+ShapeOptions readShapeOptions(const CLI::App& app, bool finds) {
     ShapeOptions shape;
     shape.sources = app.get_option(kShape)->results();
     std::map<const CLI::Option*, std::size_t> taken;
     for (const CLI::Option* given : app.parse_order()) {
         if (given == app.get_option(kDropEmpty)) {
-            shape.rules.add({});
+            shape.rules.add(ShapeRule());
         }
         for (const RuleOption& option : kRuleOptions) {
             if (given != app.get_option(option.option)) {
@@ -84,6 +115,16 @@ ShapeOptions readShapeOptions(const CLI::App& app) {
                            error.what());
             }
         }
+    }
+    for (const Threshold& threshold : kThresholds) {
+        if (app.count(threshold.option) == 0) {
+            continue;
+        }
+        if (!finds && !shape.finds()) {
+            usageError(std::string(threshold.option) + " needs --shape auto");
+        }
+        const std::string& text = app.get_option(threshold.option)->results().back();
+        shape.finding.*threshold.number = countOf(threshold.option, text);
     }
     return shape;
 }
@@ -107,14 +148,20 @@ std::vector<std::string> wordsOf(const ShapeOptions& options) {
     return words;
 }
 
-Shape shapeOf(const ShapeOptions& options) {
+bool ShapeOptions::finds() const {
+    return std::find(sources.begin(), sources.end(), kAuto) != sources.end();
+}
+
+Shape shapeOf(const ShapeOptions& options, const std::function<Shape()>& find) {
     Shape shape;
     for (const std::string& source : options.sources) {
-        shape.addText(textOf(ByteSource::file(source)), source);
+        if (source == kAuto) {
+            shape.add(find());
+        } else {
+            shape.addText(textOf(ByteSource::file(source)), source);
+        }
     }
-    for (const ShapeRule& rule : options.rules.rules()) {
-        shape.add(rule);
-    }
+    shape.add(options.rules);
     return shape;
 }
 

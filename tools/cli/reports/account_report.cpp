@@ -53,7 +53,7 @@ bool staysInPlace(const std::string& file) {
 }
 
 // Reads the document again for the places that are not known.
-void findPlaces(const Options& options, std::vector<Line>& lines) {
+void findPlaces(const Options& options, const Shape& shape, std::vector<Line>& lines) {
     std::vector<Watch> watches;
     std::vector<Line*> wanted;
     for (Line& line : lines) {
@@ -67,6 +67,7 @@ void findPlaces(const Options& options, std::vector<Line>& lines) {
     }
     ReadingOptions again = options.reading;
     again.cache.clear();
+    again.shape = {{}, shape, {}};
     again.debug.clear();
     const Session session(again, options.operands[0], {}, {.watches = watches});
     for (std::size_t i = 0; i < wanted.size(); ++i) {
@@ -132,7 +133,7 @@ void checkSums(const std::vector<PathAccount>& accounts) {
 ExitCode reportAccount(const Options& options, const Account& account) {
     checkSums(account.paths);
     std::vector<Line> lines = linesOf(account.paths, account.starts);
-    findPlaces(options, lines);
+    findPlaces(options, account.shape, lines);
     std::vector<Row> rows;
     if (!lines.empty()) {
         rows.push_back({"path", "values", "lost", "first"});
@@ -146,8 +147,8 @@ ExitCode reportAccount(const Options& options, const Account& account) {
     Writer out = standardOutput();
     print(out, rows);
     out.append(sumLine(account.paths) + "\n");
-    if (account.shape) {
-        out.append(shapeLine(*account.shape, valuesOf(account.paths)) + "\n");
+    if (account.shapeCounts) {
+        out.append(shapeLine(*account.shapeCounts, valuesOf(account.paths)) + "\n");
     }
     out.flush();
     return lines.empty() ? DONE : REJECTED;
@@ -186,8 +187,11 @@ Account takeAccount(const Document& document, bool retain,
     Account account;
     account.paths = accountOf(document, retain, tables);
     account.starts = startsOf(document, account.paths);
+    if (document.reshaper() != nullptr) {
+        account.shape = document.reshaper()->shape();
+    }
     if (document.reshaper() != nullptr && tables.size() == document.tables().size()) {
-        account.shape = document.reshaper()->counts();
+        account.shapeCounts = document.reshaper()->counts();
     }
     return account;
 }

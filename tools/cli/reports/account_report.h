@@ -18,8 +18,9 @@ namespace qvej::cli {
 // What is kept of a document for its account, or for that of some of its tables.
 struct Account {
     std::vector<PathAccount> paths;
-    std::vector<Spot> starts;          // where the first value of each path begins
-    std::optional<ShapeCounts> shape;  // of all tables only
+    std::vector<Spot> starts;                // where the first value of each path begins
+    Shape shape;                             // that the document was read with
+    std::optional<ShapeCounts> shapeCounts;  // of all tables only
 };
 [[nodiscard]] Account takeAccount(const Document& document, bool retain,
                                   const std::vector<const Table*>& tables);

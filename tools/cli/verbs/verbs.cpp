@@ -20,6 +20,7 @@ constexpr Verb kVerbs[] = {
     {"convert", "FILE -o DIR", "write every table to a file of its own", 1, 1, runConvert},
     {"find", "FILE", "where values are: line, column, path, value", 1, 1, runFind},
     {"records", "FILE", "print every record: kind, path, value", 1, 1, runRecords},
+    {"shape", "FILE [-o OUT]", "print the shape that suits it, as rules", 1, 1, runShape},
     {"check", "FILE", "is it well formed? --account: where values go", 1, 1, runCheck},
 };
 

@@ -43,5 +43,6 @@ ExitCode runConvert(const Options& options);
 ExitCode runRecords(const Options& options);
 ExitCode runFind(const Options& options);
 ExitCode runCheck(const Options& options);
+ExitCode runShape(const Options& options);
 
 }  // namespace qvej::cli

@@ -1,0 +1,62 @@
+// qvejmap shape: the rules that make tables of a document as a person would draw them, each after a
+// comment that says why.
+//
+// Tested by tests/tool/golden/shape.t
+#include "client/document.h"
+#include "client/escape.h"
+#include "formats/output_files.h"
+#include "formats/writer.h"
+#include "tools/cli/auto_shape.h"
+#include "tools/cli/maps/map_output.h"
+#include "tools/cli/reports/tell.h"
+#include "tools/cli/verbs/verbs.h"
+
+namespace qvej::cli {
+
+namespace {
+
+// Reads the document for its mistake, which it throws with the place.
+void failReading(Engine& engine, RereadableFile& file, const ReadingOptions& reading) {
+    DocumentReader reader(file.walk(), reading.text);
+    Document document(engine, reader.documentOptions());
+    reader.read(document);
+}
+
+void print(const std::string& text) {
+    Writer out = standardOutput();
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::string_view line = rest.substr(0, rest.find('\n'));
+        rest.remove_prefix(line.size() + 1);
+        out.append(out.terminal() ? shown(line) : std::string(line));
+        out.put('\n');
+    }
+    out.flush();
+}
+
+void writeFile(const Options& options, const std::string& text, const Sources& sources) {
+    OutputFiles files = OutputFiles::single(options.out, options.force, sources);
+    Writer out = files.writer(0);
+    out.append(text);
+    out.flush();
+    tellEach(files.commit());
+}
+
+}  // namespace
+
+ExitCode runShape(const Options& options) {
+    const Sources sources = sourcesOf(options.operands[0], {});
+    checkMapOutput(options, sources);
+    EngineOptions engineOptions;
+    engineOptions.maxDepth = options.reading.depth;
+    Engine engine(engineOptions);
+    RereadableFile file(options.operands[0]);
+    const FoundShape found = findShape(engine, file, options.reading);
+    if (!found.whole) {
+        failReading(engine, file, options.reading);
+    }
+    const bool toFile = !options.out.empty() && options.out != "-";
+    toFile ? writeFile(options, found.text(), sources) : print(found.text());
+    return DONE;
+}
+
+}  // namespace qvej::cli
