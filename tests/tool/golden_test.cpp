@@ -98,7 +98,7 @@ TEST_P(ToolGolden, PrintsWhatTheFileSays) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, ToolGolden,
-                         testing::Values("account", "automap", "cells", "check", "convert",
+                         testing::Values("account", "automap", "carry", "cells", "check", "convert",
                                          "convert_again", "damage", "encodings", "events",
                                          "formats", "input", "interrupt", "map", "map_check",
                                          "map_explain", "map_diff", "map_merge", "map_merge_parts",

@@ -55,6 +55,9 @@ $ qvejmap --help
                             (default), or original, the document's own
     --retain                columns keep their value from row to row (check takes
                             it with --account)
+    --carry                 a column of a parent has the value of the row's own
+                            parent, wherever it stands (check takes it with
+                            --account)
   
   Reading the document:
     --lines                 JSON Lines: a value in each line, no more and no
@@ -134,6 +137,9 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
                             (default), or original, the document's own
     --retain                columns keep their value from row to row (check takes
                             it with --account)
+    --carry                 a column of a parent has the value of the row's own
+                            parent, wherever it stands (check takes it with
+                            --account)
   
   Reading the document:
 # Each verb lists what it takes.
@@ -145,11 +151,11 @@ $ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read c
   map check: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
   map diff: -q,--quiet -h,--help --version
   map merge: -o,--output --force -q,--quiet -h,--help --version
-  map explain: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
-  read: --limit --map --rejects --format --null --ordinals --alldata-name --naming --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
-  convert: -o,--output --alldata --threads --account --map --rejects --format --null --ordinals --alldata-name --naming --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
+  map explain: --map --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
+  read: --limit --map --rejects --format --null --ordinals --alldata-name --naming --retain --carry --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
+  convert: -o,--output --alldata --threads --account --map --rejects --format --null --ordinals --alldata-name --naming --retain --carry --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug --force -q,--quiet -h,--help --version
   records: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
-  check: --account --map --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
+  check: --account --map --retain --carry --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --debug -q,--quiet -h,--help --version
 
 # help VERB is what VERB --help is, and no page is wider than 80 columns.
 $ for verb in '' tables map 'map check' 'map diff' 'map merge' 'map explain' read convert records check; do

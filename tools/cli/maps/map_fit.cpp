@@ -1,6 +1,7 @@
 // See map_fit.h.
 #include "tools/cli/maps/map_fit.h"
 
+#include "client/carried_columns.h"
 #include "tools/cli/reports/remarks.h"
 
 #include <algorithm>
@@ -81,6 +82,20 @@ Findings leftOut(const Document& document) {
         for (const Column& column : table.columns) {
             if (column.type != ColumnType::ORDINAL && !taken.contains(column.path)) {
                 findings.push_back(columnName(table, column) + inBrackets(column.path));
+            }
+        }
+    }
+    return findings;
+}
+
+Findings columnsOfParents(const std::vector<Table>& tables) {
+    Findings findings;
+    for (const Table& table : tables) {
+        for (const Column& column : table.columns) {
+            const std::string parent = ancestorOf(table, column);
+            if (!parent.empty()) {
+                findings.push_back(columnName(table, column) + " is of " + withSlashes(parent) +
+                                   ": " + std::string(kWithoutCarry) + ", unless --carry");
             }
         }
     }

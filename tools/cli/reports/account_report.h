@@ -21,7 +21,7 @@ struct Account {
     std::vector<Spot> starts;  // where the first value of each path begins
     std::optional<ShapeCounts> shape;
 };
-[[nodiscard]] Account takeAccount(const Document& document, bool retain);
+[[nodiscard]] Account takeAccount(const Document& document, bool retain, bool carry);
 
 // Writes the account on standard output.  The document is read once more to find places, with
 // `options` but without its tables, so its first reading should be over; a document on standard

@@ -1,6 +1,7 @@
 // See remarks.h.
 #include "tools/cli/reports/remarks.h"
 
+#include "client/carried_columns.h"
 #include "tools/cli/reports/tell.h"
 
 #include <algorithm>
@@ -205,6 +206,22 @@ void tellMapOddities(const std::string& map, const std::vector<Table>& tables) {
     if (!odd.informat.empty()) {
         tell(map +
              ": ordinal columns count, INFORMAT does not change them: " + joined(odd.informat));
+    }
+}
+
+void tellParents(const std::string& map, const std::vector<const Table*>& tables) {
+    std::vector<std::string> names;
+    for (const Table* table : tables) {
+        for (const Column& column : table->columns) {
+            if (!ancestorOf(*table, column).empty()) {
+                names.push_back(visible(table->name) + "." + column.name);
+            }
+        }
+    }
+    if (!names.empty()) {
+        tell(map + (names.size() == 1 ? ": a column" : ": columns") + " of a parent, where " +
+             std::string(kWithoutCarry) +
+             " (--carry takes the row's own parent): " + firstOf(names));
     }
 }
 

@@ -23,7 +23,7 @@ ExitCode checkAccount(const Options& options) {
     {
         const Session session(options.reading, options.operands[0], options.map);
         try {
-            account = takeAccount(session.document(), options.retain);
+            account = takeAccount(session.document(), options.retain, options.carry);
         } catch (const Error& error) {
             session.failReading(error);
         }
