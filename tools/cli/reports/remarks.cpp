@@ -12,6 +12,7 @@ namespace qvej::cli {
 namespace {
 
 constexpr std::size_t kMostNames = 5;
+constexpr std::size_t kLongestName = 64;  // characters of a column's name; a map may have any
 
 std::string joined(const std::vector<std::string>& words) {
     std::string text;
@@ -214,7 +215,9 @@ void tellParents(const std::string& map, const std::vector<const Table*>& tables
     for (const Table* table : tables) {
         for (const Column& column : table->columns) {
             if (!ancestorOf(*table, column).empty()) {
-                names.push_back(visible(table->name) + "." + column.name);
+                const std::string_view start = firstCharacters(column.name, kLongestName);
+                names.push_back(visible(table->name) + "." + std::string(start) +
+                                (start.size() < column.name.size() ? "..." : ""));
             }
         }
     }
