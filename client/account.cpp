@@ -86,7 +86,11 @@ PathAccount columnOf(const TablePass& pass, std::size_t table, std::size_t colum
     PathAccount account;
     const JMAPPassColumn info = pass.column(table, column);
     of(account, Loss::OVERWRITTEN) = {info.overwritten, info.firstOverwritten};
-    if (holdsValue(pass.left(table)[column])) {
+    if (const auto shown = pass.shown(table, column)) {  // a value is counted once, not by its rows
+        const bool none = *shown == 0 && info.overwritten == 0;
+        of(account, Loss::NO_ROW) = {info.values - info.overwritten - *shown,
+                                     none ? uint64_t{1} : 0};
+    } else if (holdsValue(pass.left(table)[column])) {
         add(of(account, Loss::NO_ROW), info.values);
     }
     account.values = info.values;
@@ -174,17 +178,18 @@ bool PathAccount::meets() const {
     return sum == values;
 }
 
-std::vector<PathAccount> accountOf(const Document& document, bool retain) {
+std::vector<PathAccount> accountOf(const Document& document, bool retain, bool carry) {
     std::vector<const Table*> tables;
     for (const Table& table : document.tables()) {
         tables.push_back(&table);
     }
-    return accountOf(document, retain, tables);
+    return accountOf(document, tables, retain, carry);
 }
 
-std::vector<PathAccount> accountOf(const Document& document, bool retain,
-                                   const std::vector<const Table*>& tables) {
-    TablePass pass(document, tables, retain);
+std::vector<PathAccount> accountOf(const Document& document,
+                                   const std::vector<const Table*>& tables, bool retain,
+                                   bool carry) {
+    TablePass pass(document, tables, retain, carry);
     CellCount count(document, tables, pass);
     for (PassItem item = {}; pass.next(item);) {
         count.take(item);

@@ -35,7 +35,8 @@ inline constexpr std::size_t kLosses = 4;
 
 struct LostValues {
     uint64_t count = 0;
-    uint64_t first = 0;  // the first of them, counted from 1 among the values of the path
+    uint64_t first = 0;  // the first of them, counted from 1 among the values of the path; 0: not
+                         // known, which can be of carried columns
 };
 
 struct PathAccount {
@@ -52,9 +53,11 @@ struct PathAccount {
 
 // The account of each path in the order of the statistics, by a pass of its own over all tables, or
 // over some: then only of paths that these have a column for.  Throws as TablePass and PassRow.
-[[nodiscard]] std::vector<PathAccount> accountOf(const Document& document, bool retain);
 [[nodiscard]] std::vector<PathAccount> accountOf(const Document& document, bool retain,
-                                                 const std::vector<const Table*>& tables);
+                                                 bool carry = false);
+[[nodiscard]] std::vector<PathAccount> accountOf(const Document& document,
+                                                 const std::vector<const Table*>& tables,
+                                                 bool retain, bool carry = false);
 
 // Values that are in no row when the pass has ended.  Rejected values do not count, nor, with a
 // user's map or a pass over some of the tables, values without a column: they are left out on

@@ -1,6 +1,7 @@
 // See table_pass.h.
 #include "client/table_pass.h"
 
+#include "client/carried_columns.h"
 #include "client/error.h"
 
 #include <cmath>
@@ -14,18 +15,34 @@ constexpr std::size_t kCellsBetweenChecks = 262144;
 
 }  // namespace
 
-TablePass::TablePass(const Document& document, const std::vector<const Table*>& tables, bool retain)
+TablePass::TablePass(const Document& document, const std::vector<const Table*>& tables, bool retain,
+                     bool carry)
     : document_(document) {
+    if (carry) {
+        carried_ = std::make_unique<CarriedColumns>(document, tables);
+        if (carried_->empty()) {
+            carried_.reset();
+        }
+    }
     std::vector<JMAPTableh> handles;
     handles.reserve(tables.size());
     for (const Table* table : tables) {
         handles.push_back(table->handle);
     }
+    open(carried_ != nullptr ? carried_->tables() : handles, retain);
+}
+
+TablePass::TablePass(const Document& document, const std::vector<JMAPTableh>& tables)
+    : document_(document) {
+    open(tables, false);
+}
+
+void TablePass::open(const std::vector<JMAPTableh>& tables, bool retain) {
     const QVStatus status =
-        jmapPassOpen(document.handle(), handles.data(), static_cast<QVStrSize>(handles.size()),
+        jmapPassOpen(document_.handle(), tables.data(), static_cast<QVStrSize>(tables.size()),
                      retain ? uint64_t{QVEJMAP_RETAIN} : 0, &handle_);
     if (status == QV_LIMIT_MEMORY) {
-        document.checkMemory("the tables of a pass");  // throws what the guard said
+        document_.checkMemory("the tables of a pass");  // throws what the guard said
     }
     check(status);
     textsStay_ = jmapPassTextsStay(handle_) != 0;
@@ -36,6 +53,20 @@ TablePass::~TablePass() {
 }
 
 bool TablePass::next(PassItem& item) {
+    if (carried_ == nullptr) {
+        return read(item);
+    }
+    while (!carried_->handOut(item)) {
+        if (!read(item)) {
+            carried_->finish();
+            return false;
+        }
+        carried_->take(item);
+    }
+    return true;
+}
+
+bool TablePass::read(PassItem& item) {
     JMAPPassItem raw = {};
     const QVStatus status = jmapPassNext(handle_, &raw);
     if (status == QV_EOF) {
@@ -56,9 +87,19 @@ bool TablePass::next(PassItem& item) {
 }
 
 JMAPPassColumn TablePass::column(std::size_t table, std::size_t column) const {
+    if (carried_ != nullptr) {
+        if (const auto count = carried_->count(table, column)) {
+            return count->column;
+        }
+    }
     JMAPPassColumn info = {};
     jmapPassColumn(handle_, static_cast<QVStrSize>(table), static_cast<QVStrSize>(column), &info);
     return info;
+}
+
+std::optional<uint64_t> TablePass::shown(std::size_t table, std::size_t column) const {
+    const auto count = carried_ == nullptr ? std::nullopt : carried_->count(table, column);
+    return count ? std::optional(count->shown) : std::nullopt;
 }
 
 std::span<const PassCell> TablePass::left(std::size_t table) const {

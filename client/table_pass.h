@@ -23,6 +23,8 @@
 #include "row.h"
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -44,12 +46,19 @@ struct PassItem {
     std::string_view text;            // in the encoding of the document
 };
 
+class CarriedColumns;
+
 class TablePass {
    public:
     // Opens tables of the document, perhaps ALLDATA among them.  Both must outlive the pass.
-    // `retain`: columns keep their values until new ones come. Throws QV_NOMEM, QV_LIMIT_MEMORY.
+    // `retain`: columns keep their values until new ones come.  `carry`: a column whose path does
+    // not lie below its table's has the value of the row's own ancestor, wherever it stands in it:
+    // the last one, or none; that needs further walks (carried_columns.h).  Throws QV_NOMEM,
+    // QV_LIMIT_MEMORY.
     TablePass(const Document& document, const std::vector<const Table*>& tables,
-              bool retain = false);
+              bool retain = false, bool carry = false);
+    // The same for tables of the engine, which may be in no map.
+    TablePass(const Document& document, const std::vector<JMAPTableh>& tables);
     ~TablePass();
     TablePass(const TablePass&) = delete;
     TablePass& operator=(const TablePass&) = delete;
@@ -66,12 +75,20 @@ class TablePass {
     // What has come for a column so far; see qvejmapx.h.
     [[nodiscard]] JMAPPassColumn column(std::size_t table, std::size_t column) const;
 
+    // Of a column that is carried, how many of the values that came are in a row, after the last
+    // item; none: any other column.
+    [[nodiscard]] std::optional<uint64_t> shown(std::size_t table, std::size_t column) const;
+
     // After the last item: the cells of a row that was begun and never complete.
     [[nodiscard]] std::span<const PassCell> left(std::size_t table) const;
 
    private:
+    void open(const std::vector<JMAPTableh>& tables, bool retain);
+    bool read(PassItem& item);
+
     const Document& document_;
-    std::size_t unchecked_ = 0;  // cells since the last look at the memory
+    std::unique_ptr<CarriedColumns> carried_;  // null: there are none
+    std::size_t unchecked_ = 0;                // cells since the last look at the memory
     JMAPPassh handle_ = nullptr;
     bool textsStay_ = false;
 };

@@ -237,8 +237,18 @@ typedef struct JMAPPassItem {
     QVStrSize textLen;
 } JMAPPassItem;
 
+/* A table for passes alone, without columns yet: it is in no map and lives until Term.  QV_NOMEM.
+ */
+QVStatus jmapNewTable(QVEJMAPJsonContexth inh, const char* path, QVStrSize pathLen,
+                      JMAPTableh* table);
+
+/* Adds a column to such a table: one that takes what `like` takes, a column of a map; when that is
+ * null, an ordinal of `path`.  QV_NOMEM. */
+QVStatus jmapNewColumn(QVEJMAPJsonContexth inh, JMAPTableh table, JMAPColumnh like,
+                       const char* path, QVStrSize pathLen);
+
 /* Opens a pass before the first record of a document whose last buffer has been passed, for tables
- * of its maps and perhaps ALLDATA.  `flags` are those of QVEJMAPReadInitParms.  QV_NOMEM.
+ * of its maps, new ones and perhaps ALLDATA.  `flags` are those of QVEJMAPReadInitParms.  QV_NOMEM.
  * Each table gives the rows that Read gives, in the same order.  Needs memory for the columns of
  * all the tables and for the rows that are being made, and one file at the most. */
 QVStatus jmapPassOpen(QVEJMAPJsonContexth inh, const JMAPTableh* tables, QVStrSize tableCount,
@@ -258,7 +268,7 @@ typedef struct JMAPPassColumn {
     /* Of them in a row that began after them: an array that comes after other elements does not
      * always begin a row.  The row may belong to another parent. */
     uint64_t strayed;
-    QVBoolean below; /* the path lies below the table's; else values never stray */
+    QVBoolean below; /* the path is the table's or lies below it; else values never stray */
 } JMAPPassColumn;
 void jmapPassColumn(JMAPPassh pass, QVStrSize table, QVStrSize column, JMAPPassColumn* info);
 

@@ -262,6 +262,40 @@ QVStatus jmapRecordsClose(JMAPRecordCursorh cursor) {
 
 // ---- Rows of many tables in one walk ------------------------------------------------------------
 
+QVStatus jmapNewTable(QVEJMAPJsonContexth inh, const char* path, QVStrSize pathLen,
+                      JMAPTableh* table) {
+    QVPoolh pool = contextOf(inh)->cpool;
+    auto* ds = poolNew<DSINFO>(pool);
+    if (ds == nullptr || (ds->tablePath = poolCopy(pool, view(path, pathLen))) == nullptr) {
+        return QV_NOMEM;
+    }
+    ds->tablePathLen = pathLen;
+    *table = ds;
+    return QV_OK;
+}
+
+QVStatus jmapNewColumn(QVEJMAPJsonContexth inh, JMAPTableh table, JMAPColumnh like,
+                       const char* path, QVStrSize pathLen) {
+    QVPoolh pool = contextOf(inh)->cpool;
+    auto* column = poolNew<VARINFO>(pool);
+    if (column == nullptr) {
+        return QV_NOMEM;
+    }
+    if (like != nullptr) {
+        *column = *like;
+        column->next = nullptr;
+    } else {
+        column->path = poolCopy(pool, view(path, pathLen));
+        if (column->path == nullptr) {
+            return QV_NOMEM;
+        }
+        column->pathLen = pathLen;
+    }
+    append(table->vhead, table->vtail, column);
+    table->varcount += 1;
+    return QV_OK;
+}
+
 QVStatus jmapPassOpen(QVEJMAPJsonContexth inh, const JMAPTableh* tables, QVStrSize tableCount,
                       uint64_t flags, JMAPPassh* pass) {
     return openPass(contextOf(inh), tables, tableCount, flags, pass);

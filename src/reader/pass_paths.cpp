@@ -109,10 +109,9 @@ QVStatus addColumn(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32
     return QV_OK;
 }
 
-// Whether a path lies below that of a table.  Every path lies below an empty one.
-bool liesBelow(const PASSPATH& path, std::string_view tablePath, char sep) noexcept {
-    return rowBoundary(view(path.path, path.pathLen), tablePath, sep, true, false) ==
-           BOUNDARY::INSIDE;
+// Whether a path is that of a table or lies below it, as every path lies below an empty one.
+bool liesWithin(const PASSPATH& path, std::string_view tablePath, char sep) noexcept {
+    return !endsRow(rowBoundary(view(path.path, path.pathLen), tablePath, sep, true, false));
 }
 
 //   tablePath  gets the table's path
@@ -175,7 +174,7 @@ QVStatus addTable(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, bool retain,
         retained[cell] = keeps && !column.noretain;
         QV_TRY(addColumn(paths, pool, column, i, cell, table));
         if (PASSUSE* use = table->uses[i]; use != nullptr) {
-            use->below = cell == i && liesBelow(*use->path, tablePath, paths->p->sep);
+            use->below = cell == i && liesWithin(*use->path, tablePath, paths->p->sep);
         }
         ++i;
     }

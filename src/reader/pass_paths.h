@@ -21,7 +21,7 @@ struct PASSUSE {
     PASSTABLE* table;
     uint32_t cell;  // its place in the row
     bool number;    // the column is numeric and has no informat
-    bool below;     // its path lies below the table path; false for the text of an ordinal
+    bool below;     // its path is the table path or lies below; false for the text of an ordinal
     PASSPATH* path;
     uint64_t overwritten;       // values that a later one of the same row replaced
     uint64_t firstOverwritten;  // the first of them, counted from 1 among the values of the path

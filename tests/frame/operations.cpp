@@ -186,8 +186,25 @@ QVStatus recordsClose(Stage& s) {
     return s.ask([&] { return jmapRecordsClose(cursor); });
 }
 
+// A table with an ordinal and each column of the last table of the user's map.
+QVStatus newTable(Stage& s) {
+    constexpr std::string_view kPath = "\x02root";
+    JMAPTableh last = nullptr;
+    while (jmapNextTable(s.userMap, &last) == QV_OK) {
+    }
+    QVStatus rc =
+        s.ask([&] { return jmapNewTable(s.doc, kPath.data(), lengthOf(kPath), &s.newTable); });
+    JMAPColumnh like = nullptr;
+    do {
+        rc = rc != QV_OK ? rc : s.ask([&] {
+            return jmapNewColumn(s.doc, s.newTable, like, kPath.data(), lengthOf(kPath));
+        });
+    } while (jmapNextColumn(last, &like) == QV_OK);
+    return rc;
+}
+
 QVStatus passOpen(Stage& s) {
-    std::vector<JMAPTableh> tables(1);
+    std::vector<JMAPTableh> tables = {nullptr, s.newTable};
     (void)jmapAlldataTable(s.doc, &tables[0]);
     for (QVMemPtr map : {s.automap, s.userMap}) {
         for (JMAPTableh table = nullptr; jmapNextTable(map, &table) == QV_OK;) {
@@ -301,6 +318,7 @@ const std::vector<Operation>& operations() {
          [](Stage& s) { return s.ask([&] { return jmapRecordsOpen(s.doc, &s.cursor); }); }},
         {"jmapRecordsNext", recordsNext},
         {"jmapRecordsClose", recordsClose},
+        {"jmapNewTable, jmapNewColumn", newTable},
         {"jmapPassOpen", passOpen},
         {"jmapPassNext", passNext},
         {"jmapPassClose", passClose},

@@ -75,6 +75,7 @@ class Stage {
     QVEJMAPReadContexth table = nullptr;
     QVStatus rawStatus = QV_OK;  // of the texts of columns with an informat
     JMAPRecordCursorh cursor = nullptr;
+    JMAPTableh newTable = nullptr;
     JMAPPassh pass = nullptr;
     std::string out;  // all that the operations gave
 

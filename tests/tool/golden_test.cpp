@@ -98,7 +98,7 @@ TEST_P(ToolGolden, PrintsWhatTheFileSays) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, ToolGolden,
-                         testing::Values("account", "automap", "cells", "check", "choice",
+                         testing::Values("account", "automap", "carry", "cells", "check", "choice",
                                          "convert", "convert_again", "damage", "encodings",
                                          "events", "find", "formats", "input", "interrupt", "map",
                                          "map_check", "map_explain", "map_diff", "map_merge",

@@ -120,7 +120,7 @@ $ qvejmap read nosuch.json v --map bad.csv; qvejmap read - v --map -
 ! qvejmap: FILE and --map cannot both be standard input (qvejmap --help tells more)
 ? 2
 $ qvejmap map orders.json --map m.json
-! qvejmap: --map belongs to tables, read, convert, check, not to map (qvejmap --help tells more)
+! qvejmap: --map belongs to tables, map explain, read, convert, check, not to map (qvejmap --help tells more)
 ? 2
 
 # In another encoding the map stays UTF-8, and so do its places.
@@ -147,9 +147,11 @@ $ printf '{"o":[{"i":[{"v":"x"},{"v":1}],"n":"y"},{"i":[{"v":"z"}]}]}' > o.json
   i,1,v,/root/o/i/v,o=1 i=1 none=,x,not a number\r
   i,2,n,/root/o/n,o=1 i=2 none=,y,not a number\r
   i,3,v,/root/o/i/v,o=2 i=3 none=,z,not a number\r
+! qvejmap: o.map: a column of a parent, where the order of the document decides which row has the value (--carry takes the row's own parent): i.n
 ! qvejmap: i.v: 2 values rejected, the first in row 1: "x" is not a number
 ! qvejmap: i.n: 1 value rejected, in row 2: "y" is not a number
 $ qvejmap convert o.json --map o.map -o dir --rejects dir/i.csv; ls -A dir
+! qvejmap: o.map: a column of a parent, where the order of the document decides which row has the value (--carry takes the row's own parent): i.n
 ! qvejmap: --rejects: dir/i.csv is also the file of a table
 ! ls: cannot access 'dir': No such file or directory
 ? 2
@@ -200,3 +202,4 @@ $ columns=$(for path in a/x b/x c ab/x; do printf '%s{"NAME":"%s","TYPE":"NUMERI
   3,2,4,\r
   5,,,\r
   7,,,6\r
+! qvejmap: beside.map: columns of a parent, where the order of the document decides which row has the value (--carry takes the row's own parent): t.b/x, t.c, t.ab/x

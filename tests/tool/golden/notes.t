@@ -250,6 +250,7 @@ $ sh notes MAPVAL tables a.json --map m.json
 # A table: its columns, its rows.
 $ sh notes READINIT read a.json T --map m.json
   totals: records 6, bytes 195, stored bytes 195, blocks 1, blocks on disk 0
+  qvejmap: m.json: a column of a parent, where the order of the document decides which row has the value (--carry takes the row's own parent): T.c
   readinit found ds [T]
    
   rctx var o                    NUMERIC    length   8 offset   0 informat [NULL 0 0] format [NULL 0 0]

@@ -69,6 +69,9 @@ $ qvejmap --help
                             (default), or original, the document's own
     --retain                columns keep their value from row to row (check takes
                             it with --account)
+    --carry                 a column of a parent has the value of the row's own
+                            parent, wherever it stands (check takes it with
+                            --account)
   
   Reading the document:
     --lines                 JSON Lines: a value in each line, no more and no
@@ -165,6 +168,9 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
                             (default), or original, the document's own
     --retain                columns keep their value from row to row (check takes
                             it with --account)
+    --carry                 a column of a parent has the value of the row's own
+                            parent, wherever it stands (check takes it with
+                            --account)
   
   Reading the document:
 # Each verb lists what it takes.
@@ -176,13 +182,13 @@ $ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read c
   map check: --verbose --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
   map diff: -q,--quiet -h,--help --version
   map merge: -o,--output --compact --force -q,--quiet -h,--help --version
-  map explain: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
-  read: --limit --map --rejects --format --null --ordinals --alldata-name --naming --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
-  convert: -o,--output --alldata --threads --account --table --path --map --rejects --format --null --ordinals --alldata-name --naming --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
+  map explain: --map --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
+  read: --limit --map --rejects --format --null --ordinals --alldata-name --naming --retain --carry --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
+  convert: -o,--output --alldata --threads --account --table --path --map --rejects --format --null --ordinals --alldata-name --naming --retain --carry --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
   find: --limit --value --regex --ignore-case --path --lines --encoding --invalid --depth -q,--quiet -h,--help --version
   records: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
   shape: -o,--output --lines --encoding --invalid --depth --key-names --key-containers --fixed-length --inline-columns --force -q,--quiet -h,--help --version
-  check: --account --map --retain --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
+  check: --account --map --retain --carry --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
 
 # help VERB is what VERB --help is, and no page is wider than 80 columns.
 $ for verb in '' tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records shape check; do

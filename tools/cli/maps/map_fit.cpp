@@ -1,6 +1,7 @@
 // See map_fit.h.
 #include "tools/cli/maps/map_fit.h"
 
+#include "client/carried_columns.h"
 #include "tools/cli/reports/remarks.h"
 
 #include <algorithm>
@@ -91,6 +92,20 @@ LeftOut leftOut(const Document& document) {
         left.tables += left.columns.size() == before ? 0 : 1;
     }
     return left;
+}
+
+Findings columnsOfParents(const std::vector<Table>& tables) {
+    Findings findings;
+    for (const Table& table : tables) {
+        for (const Column& column : table.columns) {
+            const std::string parent = ancestorOf(table, column);
+            if (!parent.empty()) {
+                findings.push_back(columnName(table, column) + " is of " + withSlashes(parent) +
+                                   ": " + std::string(kWithoutCarry) + ", unless --carry");
+            }
+        }
+    }
+    return findings;
 }
 
 Findings doubtfulNames(const std::vector<Table>& tables, const std::vector<TableText>& texts) {

@@ -27,6 +27,9 @@ struct LeftOut {
 };
 LeftOut leftOut(const Document& document);
 
+// Columns that show a value of an ancestor, with its path and what that means.
+Findings columnsOfParents(const std::vector<Table>& tables);
+
 // Names of a map that are not what they were in the document or may not be what was meant: shared
 // by tables or by columns of a table, cut to 32 bytes, empty, with characters that got lost.
 // `texts`: what the map's text says, or empty.

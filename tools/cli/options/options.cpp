@@ -269,6 +269,10 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_flag("--retain", o.retain,
                  "columns keep their value from row to row (check takes it with --account)")
         ->group(rows);
+    app.add_flag("--carry", o.carry,
+                 "a column of a parent has the value of the row's own parent, wherever it stands "
+                 "(check takes it with --account)")
+        ->group(rows);
 
     const std::string reading = "Reading the document";
     app.add_flag("--lines", o.reading.text.lines,
@@ -388,6 +392,9 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     }
     if (o.verb->name == "check" && !o.account && o.retain) {
         usageError("check: --retain needs --account");
+    }
+    if (o.verb->name == "check" && !o.account && o.carry) {
+        usageError("check: --carry needs --account");
     }
     if (o.value && o.regex) {
         usageError("--value and --regex exclude each other");

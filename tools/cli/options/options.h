@@ -42,6 +42,7 @@ struct Options {
 
     ReadingOptions reading;
     bool retain = false;
+    bool carry = false;
     bool force = false;
     bool quiet = false;
     const Format* format = nullptr;

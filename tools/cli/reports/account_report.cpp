@@ -57,7 +57,7 @@ void findPlaces(const Options& options, const Shape& shape, std::vector<Line>& l
     std::vector<Watch> watches;
     std::vector<Line*> wanted;
     for (Line& line : lines) {
-        if (line.place.line == 0) {
+        if (line.place.line == 0 && line.first != 0) {
             watches.push_back({line.account->path, line.first});
             wanted.push_back(&line);
         }
@@ -182,10 +182,10 @@ std::vector<Spot> startsOf(const Document& document, const std::vector<PathAccou
 
 }  // namespace
 
-Account takeAccount(const Document& document, bool retain,
-                    const std::vector<const Table*>& tables) {
+Account takeAccount(const Document& document, const std::vector<const Table*>& tables, bool retain,
+                    bool carry) {
     Account account;
-    account.paths = accountOf(document, retain, tables);
+    account.paths = accountOf(document, tables, retain, carry);
     account.starts = startsOf(document, account.paths);
     if (document.reshaper() != nullptr) {
         account.shape = document.reshaper()->shape();

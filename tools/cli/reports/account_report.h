@@ -22,8 +22,8 @@ struct Account {
     Shape shape;                             // that the document was read with
     std::optional<ShapeCounts> shapeCounts;  // of all tables only
 };
-[[nodiscard]] Account takeAccount(const Document& document, bool retain,
-                                  const std::vector<const Table*>& tables);
+[[nodiscard]] Account takeAccount(const Document& document, const std::vector<const Table*>& tables,
+                                  bool retain, bool carry);
 
 // Writes the account on standard output.  The document is read once more to find places, with
 // `options` but without its tables, so its first reading should be over; a document on standard

@@ -1,6 +1,7 @@
 // See remarks.h.
 #include "tools/cli/reports/remarks.h"
 
+#include "client/carried_columns.h"
 #include "tools/cli/reports/tell.h"
 
 #include <algorithm>
@@ -11,6 +12,7 @@ namespace qvej::cli {
 namespace {
 
 constexpr std::size_t kMostNames = 5;
+constexpr std::size_t kLongestName = 64;  // characters of a column's name; a map may have any
 
 std::string joined(const std::vector<std::string>& words) {
     std::string text;
@@ -216,6 +218,24 @@ void tellMapOddities(const std::string& map, const std::vector<const Table*>& ta
     if (!odd.informat.empty()) {
         tell(map +
              ": ordinal columns count, INFORMAT does not change them: " + joined(odd.informat));
+    }
+}
+
+void tellParents(const std::string& map, const std::vector<const Table*>& tables) {
+    std::vector<std::string> names;
+    for (const Table* table : tables) {
+        for (const Column& column : table->columns) {
+            if (!ancestorOf(*table, column).empty()) {
+                const std::string_view start = firstCharacters(column.name, kLongestName);
+                names.push_back(visible(table->name) + "." + std::string(start) +
+                                (start.size() < column.name.size() ? "..." : ""));
+            }
+        }
+    }
+    if (!names.empty()) {
+        tell(map + (names.size() == 1 ? ": a column" : ": columns") + " of a parent, where " +
+             std::string(kWithoutCarry) +
+             " (--carry takes the row's own parent): " + firstOf(names));
     }
 }
 

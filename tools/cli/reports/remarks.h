@@ -73,6 +73,14 @@ MapOddities mapOddities(const std::vector<const Table*>& tables);
 // Tells the first three on standard error, a line for each kind.
 void tellMapOddities(const std::string& map, const std::vector<const Table*>& tables);
 
+// What rows show of a column of a parent.
+inline constexpr std::string_view kWithoutCarry =
+    "the order of the document decides which row has the value";
+
+// Tells on standard error which columns of the tables of a user's map are of a parent, and what
+// that means without --carry.
+void tellParents(const std::string& map, const std::vector<const Table*>& tables);
+
 // Tells the last, for those who do not read the rows: they tell each value that is cut.
 void tellCuts(const std::string& map, const std::vector<const Table*>& tables);
 

@@ -24,8 +24,8 @@ ExitCode checkAccount(const Options& options) {
     {
         const Session session(options.reading, options.operands[0], options.map);
         try {
-            account =
-                takeAccount(session.document(), options.retain, each(session.document().tables()));
+            account = takeAccount(session.document(), each(session.document().tables()),
+                                  options.retain, options.carry);
         } catch (const Error& error) {
             session.failReading(error);
         }

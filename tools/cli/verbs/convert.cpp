@@ -54,6 +54,7 @@ std::vector<std::string> wordsOf(const Options& options) {
     add(reading.naming == Naming::ORIGINAL, "--naming=original");
     add(!options.map.empty(), "--map=" + options.map);
     add(options.retain, "--retain");
+    add(options.carry, "--carry");
     add(reading.ordinals != standard.ordinals, "--ordinals=" + std::to_string(reading.ordinals));
     const std::vector<std::string> shape = cli::wordsOf(reading.shape);
     words.insert(words.end(), shape.begin(), shape.end());
@@ -79,7 +80,7 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
     Rejects rejects(options.rejects, options.force, sources, &directory);
     TableOutputs outputs(document, tables, directory,
                          [&](const Table& table) { return rejects.handlerFor(table); });
-    TablePass pass(document, tables, options.retain);
+    TablePass pass(document, tables, options.retain, options.carry);
     runPass(pass, options.threads, [&](std::span<const PassItem> items) { outputs.take(items); });
     outputs.end();
     std::vector<WrittenTable> written;
@@ -141,11 +142,14 @@ ExitCode convertAndAccount(const Options& options, Account& account) {
     const std::vector<const Table*> tables = chosenTables(options, session.document().tables());
     if (session.map() != nullptr && !options.quiet) {
         tellMapOddities(session.map()->name(), tables);
+        if (!options.carry) {
+            tellParents(session.map()->name(), tables);
+        }
     }
     try {
         const ExitCode code = convert(options, session, tables);
         if (options.account) {
-            account = takeAccount(session.document(), options.retain, tables);
+            account = takeAccount(session.document(), tables, options.retain, options.carry);
         }
         return code;
     } catch (const Error& error) {

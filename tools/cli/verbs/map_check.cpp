@@ -35,6 +35,7 @@ void printMap(Writer& out, const MapFile& map, const Engine& engine, bool quiet)
     print(out, "no columns: table ", odd.empty);
     print(out, "NORETAIN without effect: ", odd.noretain);
     print(out, "INFORMAT without effect: ", odd.informat);
+    print(out, "of a parent: ", columnsOfParents(map.tables()));
     print(out, {}, doubtfulNames(map.tables(), readMapText(engine, map.text())));
 }
 

@@ -1,6 +1,7 @@
-// qvejmap map explain: why a column of the automatic map is what it is.
+// qvejmap map explain: why a column of a map is what it is.
 //
 // Tested by tests/tool/golden/map_explain.t
+#include "client/carried_columns.h"
 #include "client/escape.h"
 #include "formats/writer.h"
 #include "tools/cli/reports/listing.h"
@@ -74,7 +75,7 @@ std::string reason(const PathStatistics& statistics) {
 }  // namespace
 
 ExitCode runMapExplain(const Options& options) {
-    const Session session(options.reading, options.operands[0]);
+    const Session session(options.reading, options.operands[0], options.map);
     const auto [table, column] = find(session.document(), options.operands[1]);
     Writer out = standardOutput();
     const auto line = [&](const std::string& text) { out.append(shown(text) + "\n"); };
@@ -84,12 +85,22 @@ ExitCode runMapExplain(const Options& options) {
         out.flush();
         return DONE;
     }
+    if (session.map() != nullptr) {
+        const bool numeric = column.type == ColumnType::NUMERIC;
+        line((numeric ? "NUMERIC, as " : "CHARACTER, as ") + session.map()->name() + " says");
+    }
+    if (const std::string parent = ancestorOf(*table, column); !parent.empty()) {
+        line("of a parent, " + withSlashes(parent) + ": " + std::string(kWithoutCarry) +
+             ", unless --carry");
+    }
     std::vector<Row> rows = {{"kind", "values", "first"}};
     for (const PathStatistics& statistics : session.document().pathStatistics()) {
         if (statistics.path != column.path) {
             continue;
         }
-        line(reason(statistics));
+        if (session.map() == nullptr) {
+            line(reason(statistics));
+        }
         for (const KindStatistics& kind : statistics.kinds) {
             rows.push_back({std::string(kind.kindName), std::to_string(kind.count),
                             shown(spotText(session.name(), kind.first))});

@@ -72,7 +72,7 @@ Written writeRows(const Document& document, const Table& table, const Options& o
     const std::unique_ptr<Sink> sink =
         options.format->make(standardOutput(), table.columns, options.formatOptions);
     PassRow row(document, table, rejects.handlerFor(table));
-    TablePass pass(document, {&table}, options.retain);
+    TablePass pass(document, {&table}, options.retain, options.carry);
     for (PassItem item; row.rows() < options.limit && pass.next(item);) {
         if (row.take(item)) {
             sink->row(row);
@@ -95,6 +95,9 @@ ExitCode runRead(const Options& options) {
         tellMapOddities(session.map()->name(), each(document.tables()));
     }
     const Table& table = findTable(document, options);
+    if (session.map() != nullptr && !options.quiet && !options.carry) {
+        tellParents(session.map()->name(), {&table});
+    }
     const std::string hiding = hiddenAlldata(each(document.tables()), options.reading.alldataName);
     if (!hiding.empty() && !options.quiet &&
         equalIgnoringCase(table.name, options.reading.alldataName)) {
