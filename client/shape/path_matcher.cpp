@@ -46,7 +46,7 @@ PathMatcher::Node* PathMatcher::nodeOf(std::vector<State> states) {
             node->branches.push_back({pieces[state.piece].name, nullptr});
         }
     }
-    const auto byName = [](const auto& a, const auto& b) { return compare(a.name, b.name) < 0; };
+    const auto byName = [](const auto& a, const auto& b) { return a.name < b.name; };
     const auto sameName = [](const auto& a, const auto& b) { return a.name == b.name; };
     std::sort(node->branches.begin(), node->branches.end(), byName);
     node->branches.erase(std::unique(node->branches.begin(), node->branches.end(), sameName),
@@ -56,9 +56,10 @@ PathMatcher::Node* PathMatcher::nodeOf(std::vector<State> states) {
     return node;
 }
 
-PathMatcher::Node* PathMatcher::grow(Node& from, Node::Branch& branch, std::string_view name) {
+PathMatcher::Node* PathMatcher::grow(const Node* from, const Node::Branch& branch,
+                                     std::string_view name) {
     std::vector<State> states;
-    for (const State& state : from.states) {
+    for (const State& state : from->states) {
         const std::vector<PathPattern::Piece>& pieces = patterns_[state.pattern].pieces();
         if (state.piece == pieces.size()) {
             continue;

@@ -43,7 +43,7 @@ class PathMatcher {
         friend class PathMatcher;
         struct Branch {
             std::string_view name;
-            Node* node;  // null: not made yet
+            mutable Node* node;  // null: not made yet
         };
         std::vector<State> states;     // sorted
         std::vector<Branch> branches;  // of the names that a pattern expects here, sorted
@@ -56,25 +56,29 @@ class PathMatcher {
 
     [[nodiscard]] const Node* root() const { return root_; }
     const Node* child(const Node* node, std::string_view name) {
-        Node* at = nodes_[node->number].get();
-        Node::Branch* branch = find(*at, name);
-        return branch->node != nullptr ? branch->node : grow(*at, *branch, name);
+        const Node::Branch* branch = find(*node, name);
+        return branch->node != nullptr ? branch->node : grow(node, *branch, name);
     }
 
-    // The same where it has been asked for before, else null.
-    const Node* knownChild(const Node* node, std::string_view name) const noexcept {
-        return find(*nodes_[node->number], name)->node;
+    // Is the name one that a pattern names here?  All others have one child.
+    [[nodiscard]] static bool names(const Node* node, std::string_view name) noexcept {
+        return find(*node, name) != &node->other;
     }
 
    private:
-    // By length, then by bytes: most names differ in length.
-    static int compare(std::string_view a, std::string_view b) {
-        return a.size() != b.size() ? (a.size() < b.size() ? -1 : 1) : a.compare(b);
-    }
-    static Node::Branch* find(Node& node, std::string_view name) {
+    static constexpr std::size_t kFewBranches = 8;  // so few are compared one by one
+    static const Node::Branch* find(const Node& node, std::string_view name) noexcept {
+        if (node.branches.size() <= kFewBranches) {
+            for (const Node::Branch& branch : node.branches) {
+                if (branch.name == name) {
+                    return &branch;
+                }
+            }
+            return &node.other;
+        }
         for (std::size_t first = 0, last = node.branches.size(); first < last;) {
             const std::size_t middle = (first + last) / 2;
-            const int order = compare(node.branches[middle].name, name);
+            const int order = node.branches[middle].name.compare(name);
             if (order == 0) {
                 return &node.branches[middle];
             }
@@ -82,7 +86,7 @@ class PathMatcher {
         }
         return &node.other;
     }
-    Node* grow(Node& from, Node::Branch& branch, std::string_view name);
+    Node* grow(const Node* from, const Node::Branch& branch, std::string_view name);
     Node* nodeOf(std::vector<State> states);
     void addWithEmptyPaths(std::vector<State>& states, State state) const;
 

@@ -27,6 +27,10 @@ const JSNChar* bytesOf(std::string_view text) {
     return reinterpret_cast<const JSNChar*>(text.data());
 }
 
+std::string_view viewOf(const JSNChar* text, QVStrSize textLen) {
+    return {reinterpret_cast<const char*>(text), static_cast<std::size_t>(textLen)};
+}
+
 // The rules' patterns.  What lies below an `only` path is to be known too.
 std::vector<PathPattern> patternsOf(const Shape& shape) {
     std::vector<PathPattern> patterns;
@@ -173,7 +177,10 @@ void Reshaper::setState(State state) {
         &numberValue,          &stringEvent,
     };
     state_ = state;
-    direct_ = direct_ && state == State::SHAPING;
+    if (state != State::SHAPING) {
+        direct_ = false;
+        object_ = nullptr;
+    }
     static_cast<JSNParseCB&>(*this) = state == State::PASSING ? kPassing : kOther;
 }
 
@@ -217,14 +224,14 @@ QVStatus Reshaper::containerEnd(JSNParseCB* cb) {
             ++r.counts_.texts;
             r.put(r.roleOfNext(), [&] { r.emitString(r.text_.view(), r.textPlace_); });
         }
-        r.direct_ = r.inPlainArray();
+        r.settle();
     });
 }
 
 // A scalar that does not go straight to the engine: `emit` gives it to the engine, `write` to the
-// text in the making.
+// text in the making.  Such calls are not inlined, so that those before them stay small.
 template <class Emit, class Write>
-[[gnu::noinline]] QVStatus Reshaper::otherValue(Emit emit, Write write) {
+QVStatus Reshaper::otherValue(Emit emit, Write write) {
     return guarded([&] {
         if (state_ == State::SKIPPING) {
             ++counts_.leftOut;
@@ -244,58 +251,74 @@ template <class Emit, class Write>
     });
 }
 
-template <class Emit, class Write>
-QVStatus Reshaper::value(Emit emit, Write write) {
-    ++counts_.values;
-    return direct_ ? emit() : otherValue(emit, write);
+[[gnu::noinline]] QVStatus Reshaper::otherNull() {
+    return otherValue([&] { return engine_->nullx(engine_); }, [&] { text_.word("null"); });
+}
+
+[[gnu::noinline]] QVStatus Reshaper::otherBoolean(QVBoolean value) {
+    return otherValue([&] { return engine_->booleanVal(engine_, value); },
+                      [&] { text_.word(value != 0 ? "true" : "false"); });
+}
+
+[[gnu::noinline]] QVStatus Reshaper::otherNumber(const char* text, QVStrSize textLen,
+                                                 int32_t flags) {
+    return otherValue([&] { return engine_->number(engine_, text, textLen, flags); },
+                      [&] {
+                          text_.word({text, static_cast<std::size_t>(textLen)});
+                      });
+}
+
+[[gnu::noinline]] QVStatus Reshaper::otherString(const JSNChar* text, QVStrSize textLen,
+                                                 int32_t flags) {
+    const std::string_view token = viewOf(text, textLen);
+    return flags == JSN_MEMBERNAME
+               ? otherName(token)
+               : otherValue([&] { return engine_->string(engine_, text, textLen, flags); },
+                            [&] { text_.string(token); });
 }
 
 QVStatus Reshaper::nullValue(JSNParseCB* cb) {
     Reshaper& r = of(cb);
-    return r.value([&] { return r.engine_->nullx(r.engine_); }, [&] { r.text_.word("null"); });
+    ++r.counts_.values;
+    return r.direct_ ? r.engine_->nullx(r.engine_) : r.otherNull();
 }
 
 QVStatus Reshaper::booleanValue(JSNParseCB* cb, QVBoolean value) {
     Reshaper& r = of(cb);
-    return r.value([&] { return r.engine_->booleanVal(r.engine_, value); },
-                   [&] { r.text_.word(value != 0 ? "true" : "false"); });
+    ++r.counts_.values;
+    return r.direct_ ? r.engine_->booleanVal(r.engine_, value) : r.otherBoolean(value);
 }
 
 QVStatus Reshaper::numberValue(JSNParseCB* cb, const char* text, QVStrSize textLen, int32_t flags) {
     Reshaper& r = of(cb);
-    return r.value([&] { return r.engine_->number(r.engine_, text, textLen, flags); },
-                   [&] {
-                       r.text_.word({text, static_cast<std::size_t>(textLen)});
-                   });
+    ++r.counts_.values;
+    return r.direct_ ? r.engine_->number(r.engine_, text, textLen, flags)
+                     : r.otherNumber(text, textLen, flags);
 }
 
 QVStatus Reshaper::stringEvent(JSNParseCB* cb, const JSNChar* text, QVStrSize textLen,
                                int32_t flags) {
     Reshaper& r = of(cb);
-    const std::string_view string(reinterpret_cast<const char*>(text),
-                                  static_cast<std::size_t>(textLen));
     if (flags == JSN_MEMBERNAME) {
-        return r.state_ == State::SHAPING && r.sendsName(string)
-                   ? r.engine_->string(r.engine_, text, textLen, flags)
-                   : r.otherName(string);
+        r.direct_ = r.sendsName(viewOf(text, textLen));
+    } else {
+        ++r.counts_.values;
     }
-    return r.value([&] { return r.engine_->string(r.engine_, text, textLen, flags); },
-                   [&] { r.text_.string(string); });
+    return r.direct_ ? r.engine_->string(r.engine_, text, textLen, flags)
+                     : r.otherString(text, textLen, flags);
 }
 
 // Is it known that no rule concerns the member?  Then its name may go to the engine.
 bool Reshaper::sendsName(std::string_view name) noexcept {
-    const Frame& object = frames_.back();
-    const PathMatcher::Node* node =
-        object.simple ? matcher_.knownChild(object.plan->at, name) : nullptr;
-    const bool known = node != nullptr && node->number < plans_.size();
-    next_ = known ? plans_[node->number].get() : nullptr;
-    direct_ = next_ != nullptr && next_->plain;
+    const bool known =
+        object_ != nullptr && object_->others != nullptr && !PathMatcher::names(object_->at, name);
+    next_ = known ? object_->others : nullptr;
+    direct_ = known && next_->plain;
     return direct_;
 }
 
 // Any other name.
-[[gnu::noinline]] QVStatus Reshaper::otherName(std::string_view name) {
+QVStatus Reshaper::otherName(std::string_view name) {
     return guarded([&] {
         if (state_ == State::WRITING) {
             text_.name(name);
@@ -305,6 +328,9 @@ bool Reshaper::sendsName(std::string_view name) noexcept {
         }
         const Frame& object = frames_.back();
         next_ = &planOf(matcher_.child(object.plan->at, name));
+        if (!PathMatcher::names(object.plan->at, name)) {
+            object.plan->others = next_;
+        }
         direct_ = object.simple && next_->plain;
         if (direct_) {
             emitName(name);
@@ -317,9 +343,11 @@ bool Reshaper::sendsName(std::string_view name) noexcept {
     });
 }
 
-// After a value: does an element come that no rule concerns?
-bool Reshaper::inPlainArray() const {
-    return !frames_.empty() && frames_.back().form == Form::ARRAY && frames_.back().simple;
+// After the beginning or the end of a container: what is known of what comes next.
+void Reshaper::settle() {
+    const bool simple = !frames_.empty() && frames_.back().simple;
+    direct_ = simple && frames_.back().form == Form::ARRAY;
+    object_ = simple && frames_.back().form == Form::OBJECT ? frames_.back().plan : nullptr;
 }
 
 // ---- Rules --------------------------------------------------------------------------------------
@@ -415,7 +443,24 @@ Reshaper::Form Reshaper::formOf(Role role, bool array) const {
                : Form::OBJECT;
 }
 
+// A container that no rule concerns.
+void Reshaper::openDirect(bool array) {
+    const Plan* plan = object_ != nullptr ? next_ : frames_.back().plan;
+    emitOpen(array);
+    const auto end = static_cast<uint32_t>(prefixes_.size());
+    frames_.push_back({plan, array ? Form::ARRAY : Form::OBJECT, false, false, true, end, end});
+    settle();
+    if (plan->quiet) {
+        setState(State::PASSING);
+        depth_ = 1;
+    }
+}
+
 void Reshaper::open(bool array) {
+    if (direct_) {
+        openDirect(array);
+        return;
+    }
     const Role role = roleOfNext();
     if (leavesOut(role, true)) {
         setState(State::SKIPPING);
@@ -442,7 +487,7 @@ void Reshaper::open(bool array) {
     const bool stays = frame.form == Form::OBJECT || frame.form == Form::ARRAY;
     frame.simple = stays && !dropsEmpty_ && (plan.inside || frame.form == Form::OBJECT);
     frames_.push_back(frame);
-    direct_ = inPlainArray();
+    settle();
     if (frame.simple && plan.quiet) {
         setState(State::PASSING);
         depth_ = 1;
@@ -466,13 +511,9 @@ bool Reshaper::openAs(Role role, Form form) {
             emitOpen(array);
             return false;
         case Role::MEMBER:
-            if (direct_) {  // its name is with the engine
-                emitOpen(array);
-            } else {
-                beginMember();
-                if (form != Form::INLINED) {
-                    emitMemberOpen(memberName(), array);
-                }
+            beginMember();
+            if (form != Form::INLINED) {
+                emitMemberOpen(memberName(), array);
             }
             return false;
         default:
@@ -495,7 +536,7 @@ void Reshaper::close() {
         emitClose(false);
     }
     prefixes_.resize(frame.around);
-    direct_ = inPlainArray();
+    settle();
 }
 
 // Puts a scalar, or what takes its place, where it belongs.

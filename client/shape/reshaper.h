@@ -65,6 +65,8 @@ class Reshaper final : private JSNParser, private JSNParseCB {
         bool above = false;               // above one
         bool plain = true;                // no rule, and inside
         bool quiet = true;                // nothing below can match
+        // Of the members whose names no rule has here; null: not known yet.
+        mutable const Plan* others = nullptr;
     };
     enum class Form : uint8_t {
         OBJECT,   // stays as it is
@@ -104,8 +106,8 @@ class Reshaper final : private JSNParser, private JSNParseCB {
     // The table that the engine sees.
     static QVStatus parseText(JSNParserh self, const void* buf, QVStrSize bufLen, QVBoolean done);
     static QVStatus destroyReshaper(QVGeneric* self);
-    static Reshaper& of(JSNParserh self) { return *static_cast<Reshaper*>(self); }
-    static Reshaper& of(JSNParseCB* cb) { return *static_cast<Reshaper*>(cb); }
+    static Reshaper& of(JSNParserh self) { return static_cast<Reshaper&>(*self); }
+    static Reshaper& of(JSNParseCB* cb) { return static_cast<Reshaper&>(*cb); }
 
     // The callbacks that the parser sees.
     template <bool kArray>
@@ -119,14 +121,17 @@ class Reshaper final : private JSNParser, private JSNParseCB {
                                 int32_t flags);
 
     template <class Emit, class Write>
-    QVStatus value(Emit emit, Write write);
-    template <class Emit, class Write>
     QVStatus otherValue(Emit emit, Write write);
+    QVStatus otherNull();
+    QVStatus otherBoolean(QVBoolean value);
+    QVStatus otherNumber(const char* text, QVStrSize textLen, int32_t flags);
+    QVStatus otherString(const JSNChar* text, QVStrSize textLen, int32_t flags);
+    void openDirect(bool array);
     bool sendsName(std::string_view name) noexcept;
     QVStatus otherName(std::string_view name);
     QVStatus endPassing();
     void setState(State state);
-    [[nodiscard]] bool inPlainArray() const;
+    void settle();
     void open(bool array);
     void close();
     template <class Emit>
@@ -169,7 +174,9 @@ class Reshaper final : private JSNParser, private JSNParseCB {
     std::string prefixes_;
     std::string name_;            // of the member that comes
     const Plan* next_ = nullptr;  // of its value
-    bool direct_ = false;  // the next value goes to the engine as it is; a member's name has gone
+    // The next value goes to the engine as it is; a member's name has gone.
+    bool direct_ = false;
+    const Plan* object_ = nullptr;  // of the innermost container: an object that stays; null: other
     EventPlace namePlace_ = {};
     std::string made_;  // prefix and name
     JsonText text_;

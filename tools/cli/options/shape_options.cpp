@@ -145,6 +145,12 @@ std::vector<std::string> wordsOf(const ShapeOptions& options) {
         }
         words.push_back(word);
     }
+    for (const Threshold& threshold : kThresholds) {
+        const std::size_t number = options.finding.*threshold.number;
+        if (number != FinderOptions().*threshold.number) {
+            words.push_back(std::string(threshold.option) + "=" + std::to_string(number));
+        }
+    }
     return words;
 }
 
