@@ -31,21 +31,6 @@ std::string_view viewOf(const JSNChar* text, QVStrSize textLen) {
     return {reinterpret_cast<const char*>(text), static_cast<std::size_t>(textLen)};
 }
 
-// The rules' patterns.  What lies below an `only` path is to be known too.
-std::vector<PathPattern> patternsOf(const Shape& shape) {
-    std::vector<PathPattern> patterns;
-    for (const ShapeRule& rule : shape.rules()) {
-        if (rule.kind != ShapeRule::EMPTY_DROP) {
-            std::vector<PathPattern::Piece> pieces = rule.path.pieces();
-            if (rule.kind == ShapeRule::ONLY) {
-                pieces.push_back({PathPattern::Piece::ANY_PATH});
-            }
-            patterns.emplace_back(std::move(pieces));
-        }
-    }
-    return patterns;
-}
-
 }  // namespace
 
 // ---- Both tables --------------------------------------------------------------------------------
@@ -53,23 +38,12 @@ std::vector<PathPattern> patternsOf(const Shape& shape) {
 Reshaper::Reshaper(QVHndlp host, const JSNParserParms& parms, const Shape& shape)
     : JSNParser{},
       JSNParseCB{},
-      shape_(shape),
-      matcher_(patternsOf(shape)),
-      matched_(shape.rules().size()),
+      plans_(shape),
       engine_(parms.callbacks),
       json_(reinterpret_cast<QVJSONh>(host->loadExtension(host, U"qvejson", 7, host->jnl))) {
     if (parms.textCei != U_UTF8_CE) {
         throw Error(QV_UNSUPPORTED, "a shape takes a text in UTF-8");
     }
-    for (uint32_t i = 0; i < shape_.rules().size(); ++i) {
-        if (shape_.rules()[i].kind == ShapeRule::EMPTY_DROP) {
-            dropsEmpty_ = true;
-            matched_[i] = true;
-        } else {
-            ruleOf_.push_back(i);
-        }
-    }
-    rootPlan_ = makePlan(matcher_.root(), true);
     JSNParserParms own = parms;
     own.callbacks = this;
     parser_.reset(json_ ? json_->createParser(json_.get(), &own) : nullptr);
@@ -327,10 +301,7 @@ QVStatus Reshaper::otherName(std::string_view name) {
             return;
         }
         const Frame& object = frames_.back();
-        next_ = &planOf(matcher_.child(object.plan->at, name));
-        if (!PathMatcher::names(object.plan->at, name)) {
-            object.plan->others = next_;
-        }
+        next_ = &plans_.child(*object.plan, name);
         direct_ = object.simple && next_->plain;
         if (direct_) {
             emitName(name);
@@ -351,44 +322,6 @@ void Reshaper::settle() {
 }
 
 // ---- Rules --------------------------------------------------------------------------------------
-
-const Reshaper::Plan& Reshaper::planOf(const PathMatcher::Node* node) {
-    if (node->number >= plans_.size()) {
-        plans_.resize(node->number + 1);
-    }
-    std::unique_ptr<Plan>& plan = plans_[node->number];
-    if (plan == nullptr) {
-        plan = std::make_unique<Plan>(makePlan(node, false));
-    }
-    return *plan;
-}
-
-// The last of the rules that match holds.  To the root only `rows` means something.
-Reshaper::Plan Reshaper::makePlan(const PathMatcher::Node* node, bool root) {
-    const auto kindOf = [&](uint32_t pattern) { return shape_.rules()[ruleOf_[pattern]].kind; };
-    const auto isOnly = [&](uint32_t pattern) { return kindOf(pattern) == ShapeRule::ONLY; };
-    Plan plan;
-    plan.at = node;
-    plan.inside = std::any_of(node->matched.begin(), node->matched.end(), isOnly) ||
-                  std::none_of(shape_.rules().begin(), shape_.rules().end(),
-                               [](const auto& rule) { return rule.kind == ShapeRule::ONLY; });
-    plan.above = std::any_of(node->below.begin(), node->below.end(), isOnly);
-    for (const uint32_t pattern : node->matched) {
-        if (root && kindOf(pattern) != ShapeRule::ROWS) {
-            continue;
-        }
-        matched_[ruleOf_[pattern]] = true;
-        if (!isOnly(pattern)) {
-            plan.rule = &shape_.rules()[ruleOf_[pattern]];
-        }
-    }
-    if (plan.rule != nullptr && plan.rule->kind == ShapeRule::KEEP) {
-        plan.rule = nullptr;
-    }
-    plan.plain = plan.rule == nullptr && plan.inside;
-    plan.quiet = plan.inside && std::all_of(node->below.begin(), node->below.end(), isOnly);
-    return plan;
-}
 
 Reshaper::Role Reshaper::roleOfNext() const {
     if (frames_.empty()) {
@@ -411,8 +344,10 @@ Reshaper::Role Reshaper::roleOfNext() const {
     }
 }
 
-const Reshaper::Plan& Reshaper::planOfNext(Role role) const {
-    return role == Role::ROOT ? rootPlan_ : role == Role::ELEMENT ? *frames_.back().plan : *next_;
+const ShapePlans::Plan& Reshaper::planOfNext(Role role) const {
+    return role == Role::ROOT      ? plans_.root()
+           : role == Role::ELEMENT ? *frames_.back().plan
+                                   : *next_;
 }
 
 bool Reshaper::leavesOut(Role role, bool container) const {
@@ -447,7 +382,7 @@ Reshaper::Form Reshaper::formOf(Role role, bool array) const {
 void Reshaper::openDirect(bool array) {
     const Plan* plan = object_ != nullptr ? next_ : frames_.back().plan;
     emitOpen(array);
-    const auto end = static_cast<uint32_t>(prefixes_.size());
+    const std::size_t end = prefixes_.size();
     frames_.push_back({plan, array ? Form::ARRAY : Form::OBJECT, false, false, true, end, end});
     settle();
     if (plan->quiet) {
@@ -478,14 +413,14 @@ void Reshaper::open(bool array) {
     }
     Frame frame = {&plan, formOf(role, array), false, false, false, 0, 0};
     frame.wrapped = openAs(role, frame.form);
-    frame.around = static_cast<uint32_t>(prefixes_.size());
+    frame.around = prefixes_.size();
     frame.prefix = frame.around;
     if (frame.form == Form::INLINED) {
         frame.prefix = frames_.back().prefix;
         prefixes_.append(name_).append(1, '_');
     }
     const bool stays = frame.form == Form::OBJECT || frame.form == Form::ARRAY;
-    frame.simple = stays && !dropsEmpty_ && (plan.inside || frame.form == Form::OBJECT);
+    frame.simple = stays && !plans_.dropsEmpty() && (plan.inside || frame.form == Form::OBJECT);
     frames_.push_back(frame);
     settle();
     if (frame.simple && plan.quiet) {
@@ -634,7 +569,7 @@ void Reshaper::emitOpen(bool array) {
 }
 
 void Reshaper::emitMemberOpen(std::string_view name, bool array) {
-    if (dropsEmpty_) {
+    if (plans_.dropsEmpty()) {
         waiting_.push_back({std::string(name), array});
     } else {
         emitName(name);

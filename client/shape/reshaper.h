@@ -19,8 +19,8 @@
 
 #include "../handle.h"
 #include "json_text.h"
-#include "path_matcher.h"
 #include "shape.h"
+#include "shape_plans.h"
 
 #include <cstdint>
 #include <memory>
@@ -50,24 +50,14 @@ class Reshaper final : private JSNParser, private JSNParseCB {
     Reshaper& operator=(const Reshaper&) = delete;
 
     [[nodiscard]] JSNParserh parser() { return this; }
-    [[nodiscard]] const Shape& shape() const { return shape_; }
+    [[nodiscard]] const Shape& shape() const { return plans_.shape(); }
     [[nodiscard]] const ShapeCounts& counts() const { return counts_; }
 
     // For each rule, whether a path of the document matched it.  `empty drop` always did.
-    [[nodiscard]] const std::vector<bool>& matched() const { return matched_; }
+    [[nodiscard]] const std::vector<bool>& matched() const { return plans_.matched(); }
 
    private:
-    // What the rules say of a path.
-    struct Plan {
-        const PathMatcher::Node* at = nullptr;
-        const ShapeRule* rule = nullptr;  // that holds here; null: none
-        bool inside = true;               // at or below an `only` path, or there are none
-        bool above = false;               // above one
-        bool plain = true;                // no rule, and inside
-        bool quiet = true;                // nothing below can match
-        // Of the members whose names no rule has here; null: not known yet.
-        mutable const Plan* others = nullptr;
-    };
+    using Plan = ShapePlans::Plan;
     enum class Form : uint8_t {
         OBJECT,   // stays as it is
         INLINED,  // members of the object around it
@@ -80,11 +70,11 @@ class Reshaper final : private JSNParser, private JSNParseCB {
     struct Frame {
         const Plan* plan;
         Form form;
-        bool wrapped;     // an object around it, which is made, ends with it
-        bool inRun;       // MIXED: the array of a run is open
-        bool simple;      // what no rule concerns goes to the engine as it is
-        uint32_t prefix;  // where the prefix of its members' names begins in prefixes_
-        uint32_t around;  // size of prefixes_ before it
+        bool wrapped;        // an object around it, which is made, ends with it
+        bool inRun;          // MIXED: the array of a run is open
+        bool simple;         // what no rule concerns goes to the engine as it is
+        std::size_t prefix;  // where the prefix of its members' names begins in prefixes_
+        std::size_t around;  // size of prefixes_ before it
     };
     // What a value is to the container around it.
     enum class Role : uint8_t { ROOT, ELEMENT, MEMBER, ENTRY };
@@ -141,8 +131,6 @@ class Reshaper final : private JSNParser, private JSNParseCB {
     [[nodiscard]] Form formOf(Role role, bool array) const;
     bool openAs(Role role, Form form);
 
-    const Plan& planOf(const PathMatcher::Node* node);
-    Plan makePlan(const PathMatcher::Node* node, bool root);
     [[nodiscard]] Role roleOfNext() const;
     [[nodiscard]] EventPlace eventPlace() const;
     [[nodiscard]] int64_t eventPlaceOr(int64_t EventPlace::*part) const;
@@ -159,13 +147,7 @@ class Reshaper final : private JSNParser, private JSNParseCB {
     void beginMember();
     void endRun(Frame& frame);
 
-    Shape shape_;
-    bool dropsEmpty_ = false;
-    std::vector<uint32_t> ruleOf_;  // of each pattern
-    PathMatcher matcher_;
-    Plan rootPlan_;
-    std::vector<std::unique_ptr<Plan>> plans_;  // by the number of the node; null: not made
-    std::vector<bool> matched_;
+    ShapePlans plans_;
     ShapeCounts counts_;
 
     State state_ = State::SHAPING;
