@@ -164,6 +164,10 @@ void Shape::addRule(std::string_view line) {
 }
 
 void Shape::addText(std::string_view text, const std::string& name) {
+    constexpr std::string_view kMark = "\xEF\xBB\xBF";  // some editors put it before the text
+    if (text.starts_with(kMark)) {
+        text.remove_prefix(kMark.size());
+    }
     for (int64_t number = 1; !text.empty(); ++number) {
         std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(std::min(line.size() + 1, text.size()));
