@@ -29,8 +29,9 @@ void tellUnmatched(const std::string& file, const Shape& shape, const Document& 
     }
     if (count != 0) {
         tell(file + ": " + std::to_string(count) +
-             (count == 1 ? " rule of the shape matches" : " rules of the shape match") +
-             " no path of the document" + rules);
+             (count == 1 ? " rule of the shape never matched"
+                         : " rules of the shape never matched") +
+             rules);
     }
 }
 
