@@ -111,6 +111,16 @@ $ qvejmap check projects.json --inline root/a
 $ qvejmap check projects.json --shape - < wrong
 ! qvejmap: -:3:1: "row" is no rule (rows, inline, text, drop, only, keep, empty drop)
 ? 2
+$ echo '{"a":"what was taken for rules is shown by its first forty characters"}' | tr ' ' - > document
+$ qvejmap check projects.json --shape document
+! qvejmap: document:1:1: "{"a":"what-was-taken-for-rules-is-shown-..." is no rule (rows, inline, text, drop, only, keep, empty drop)
+? 2
+$ for i in 1 2 3 4 5 6 7; do echo "drop /root/$i"; done > many; qvejmap check projects.json --shape many
+  projects.json: well formed
+! qvejmap: projects.json: 7 rules of the shape never matched: drop /root/1, drop /root/2, drop /root/3, drop /root/4, drop /root/5 and 2 more
+$ qvejmap check - --shape - < many
+! qvejmap: only one of --shape and the other files can be standard input (qvejmap --help tells more)
+? 2
 $ qvejmap map diff wrong wrong --rows /root
 ! qvejmap: --rows belongs to tables, map, map check, map explain, read, convert, records, check, not to map diff (qvejmap --help tells more)
 ? 2
