@@ -2,6 +2,7 @@
 #include "client/shape/shape.h"
 
 #include "client/escape.h"
+#include "client/text.h"
 
 #include <algorithm>
 #include <array>
@@ -23,6 +24,13 @@ constexpr std::array<KindName, 6> kKinds = {{
     {"keep", ShapeRule::KEEP},
     {"only", ShapeRule::ONLY},
 }};
+
+// Words of a rule as a message has them: what was taken for a file of rules may be one long line.
+std::string inMessage(std::string_view word) {
+    constexpr std::size_t kShownCharacters = 40;
+    const std::string_view start = firstCharacters(word, kShownCharacters);
+    return "\"" + shown(start) + (start.size() < word.size() ? "..." : "") + "\"";
+}
 
 // The words of a rule, and how far they have been read.
 class Words {
@@ -108,7 +116,7 @@ ShapeRule ruleOf(Words& words) {
                                      [&](const KindName& kind) { return kind.name == name; });
     if (known == kKinds.end()) {
         throw PatternMistake{
-            "\"" + shown(name) + "\" is no rule (rows, inline, text, drop, only, keep, empty drop)",
+            inMessage(name) + " is no rule (rows, inline, text, drop, only, keep, empty drop)",
             begin};
     }
     const std::size_t at = words.at();
@@ -164,6 +172,10 @@ void Shape::addRule(std::string_view line) {
 }
 
 void Shape::addText(std::string_view text, const std::string& name) {
+    constexpr std::string_view kMark = "\xEF\xBB\xBF";  // some editors put it before the text
+    if (text.starts_with(kMark)) {
+        text.remove_prefix(kMark.size());
+    }
     for (int64_t number = 1; !text.empty(); ++number) {
         std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(std::min(line.size() + 1, text.size()));

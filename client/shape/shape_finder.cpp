@@ -123,7 +123,8 @@ bool ShapeFinder::feed(std::string_view text) {
 }
 
 FoundShape ShapeFinder::finish() {
-    const bool whole = parser_->parse(parser_.get(), "", 0, 1) == QV_OK;
+    const bool whole = parser_->parse(parser_.get(), "", 0, 1) == QV_OK &&
+                       tree_.root().has(NameNode::MEMBER, KIND_OBJECT | KIND_ARRAY);
     while (frames_.size() > 1) {  // of a text that ends too early
         close();
     }

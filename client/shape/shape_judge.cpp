@@ -165,7 +165,7 @@ void Judge::judgeArray(NameNode& node) {
     verdict.kind = ShapeRule::ROWS;
     verdict.key = ShapeRule().key;
     verdict.reason = counted(node.arrays, "array") + " of " +
-                     (node.shortest == node.longest ? "" : "up to ") +
+                     (node.elements == node.arrays * node.longest ? "" : "up to ") +
                      counted(node.longest, "element") +
                      (nested    ? ", in arrays"
                       : objects ? ", objects and others"
@@ -372,7 +372,7 @@ void Judge::judgeInlines(NameNode& node) {
 // The rules of `any` come first: those of a name then replace them for that name.
 void Judge::addRules(const NameNode& node, std::vector<Piece>& path) {
     addRule(node, path);
-    if (node.empties != 0) {
+    if (node.empties != 0 && path.size() > 1) {  // the root is no member
         empties_ += node.empties;
         emptyAt_ = emptyAt_.empty() ? PathPattern(path).text() : emptyAt_;
     }

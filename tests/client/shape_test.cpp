@@ -62,9 +62,9 @@ TEST(Shape, TellsMistakesWithTheirPlaces) {
         SCOPED_TRACE(c.line);
         Shape shape;
         try {
-            shape.addText(
-                std::string("# one\r\n\n  \nempty drop\r\n") + (*c.line == 0 ? "x" : c.line),
-                "rules");
+            shape.addText(std::string("\xEF\xBB\xBF# one\r\n\n  \nempty drop\r\n") +
+                              (*c.line == 0 ? "x" : c.line),
+                          "rules");
             ADD_FAILURE() << shape.rules().back().text();
         } catch (const qvej::Error& error) {
             EXPECT_EQ(error.file(), "rules");

@@ -11,10 +11,28 @@
 #include "tools/cli/verbs/verbs.h"
 
 #include <exception>
+#include <fcntl.h>
 #include <new>
+#include <unistd.h>
+
+namespace {
+
+// A standard stream that is closed must not be another file, which would be read or written in its
+// place.  What is opened here refuses to be read as input or written as output.
+void keepStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(stream, F_GETFD) == -1) {
+            [[maybe_unused]] const int opened =
+                ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+        }
+    }
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     using namespace qvej::cli;
+    keepStandardStreams();
     qvej::cleanup::install();
     try {
         const Options options = readOptions(argc, argv);

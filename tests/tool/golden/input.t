@@ -177,3 +177,14 @@ $ printf '1\n\357\273\277{"a":2}\n' | qvejmap check - --lines
 $ printf '\050\265\057\375\000\250\001\000\000' | qvejmap check -
 ! qvejmap: <stdin>: the Zstandard data need a window of more than 128 MiB (zstd -dc --long=31 FILE | qvejmap VERB - reads them)
 ? 6
+
+# A standard stream that is closed is told, and no other file is taken for it.
+$ qvejmap tables - <&-
+! qvejmap: <stdin>: Bad file descriptor
+? 5
+$ qvejmap tables - --shape auto <&-
+! qvejmap: <stdin>: Bad file descriptor
+? 5
+$ echo '[{"a":1}]' > one.json; qvejmap tables one.json >&-
+! qvejmap: <stdout>: Bad file descriptor
+? 5

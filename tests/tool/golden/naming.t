@@ -158,6 +158,9 @@ $ qvejmap read names.json ALLDATA --naming original --limit 1
   P,P1,P2,P3,V,Value\r
   1,città,,,0,\r
 
+$ printf '{"%s":1}' $(printf 'é%.0s' $(seq 70)) > longer.json; qvejmap tables longer.json
+  root\t2\t/root
+! qvejmap: longer.json: 1 name of a table or column is not the document's: ________________________________ for "éééééééééééééééééééééééééééééééééééééééééééééééééééééééééééééééé..." (--naming original keeps it)
 $ qvejmap map names.json --naming original
 ! qvejmap: --naming belongs to tables, read, convert, not to map (qvejmap --help tells more)
 ? 2

@@ -62,6 +62,13 @@ $ qvejmap shape gsoc-2018.json -o rules
 $ printf '{"t":["a"]}\n{"t":["b","c"]}\n' | qvejmap shape - --lines
   # 2 arrays of up to 2 elements
   rows /root/t
+# An empty array beside longer ones; an empty root is no member.
+$ echo '[{"t":[]},{"t":[1,2,3,4,5]}]' | qvejmap shape -
+  # 2 arrays of up to 5 elements
+  rows /root/t
+  # 1 member is an empty container, such as /root/t
+  empty drop
+$ echo '{}' | qvejmap shape -
 # The thresholds.
 $ echo '{"a":{"x":[1,2],"y":[2,1]},"b":{"x":[1,2],"y":[2,1]},"c":{"n":1,"m":2}}' > small; qvejmap shape small
 > for option in --key-names --key-containers --fixed-length --inline-columns; do
@@ -109,12 +116,17 @@ $ printf '{"a":[1,2,3,4,5]' | qvejmap shape -
 !                     ^
 ? 3
 $ printf '{"a":[[[1,2],[3]]]}' | qvejmap shape - --depth 3
-! qvejmap: <stdin>:1:8: the document is nested deeper than the limit
+! qvejmap: <stdin>:1:8: the document is nested deeper than the limit of 3 (--depth)
 !     {"a":[[[1,2],[3]]]}
 !            ^
 ? 6
+$ echo 5 | qvejmap shape -
+! qvejmap: <stdin>:1:1: a document must be an object or an array
+!     5
+!     ^
+? 3
 $ printf '{"\351":[1,2,3,4,5]}' > latin; qvejmap shape latin
-! qvejmap: latin:1:3: invalid UTF-8
+! qvejmap: latin:1:3: invalid UTF-8 (--encoding NAME for text in another encoding, --invalid replace to go on)
 !     {"�":[1,2,3,4,5]}
 !       ^
 ? 3

@@ -51,14 +51,14 @@ $ qvejmap tables projects.json --rows /root/project --drop '/root/*/nothing' --n
   owner
   owner_site
   limits
-! qvejmap: projects.json: 2 rules of the shape match no path of the document: rows /root/project, drop /root/*/nothing
+! qvejmap: projects.json: 2 rules of the shape never matched: rows /root/project, drop /root/*/nothing
 
 # What convert did is in the list of its files; every value is accounted for.
 $ qvejmap convert projects.json -o out --shape rules --rows '/root/"a b" as "the key"' --drop-empty --account; grep -c . out/*.csv
   4 values = 4 in cells + 0 overwritten + 0 no column + 0 no row + 0 rejected
   4 values = 14 of the document + 2 from names + 0 texts - 0 within texts - 12 left out by drop and only
   3
-! qvejmap: projects.json: 1 rule of the shape matches no path of the document: rows /root/"a b" as "the key"
+! qvejmap: projects.json: 1 rule of the shape never matched: rows /root/"a b" as "the key"
 ! qvejmap: 1 table, 2 rows in out
 $ grep -o '"options":.*' out/datapackage.json
   "options":["--format=csv","--shape=rules","--rows=/root/\\"a b\\" as \\"the key\\"","--drop-empty"]},
@@ -73,6 +73,12 @@ $ qvejmap read keys.json a --rows /root/a
   1,1,1,\r
   1,2,y,2\r
 ! qvejmap: keys.json: table a: 1 value is overwritten by a later one (qvejmap check --account tells which; rows PATH as KEY gives the names another member)
+? 1
+$ echo '{"a":1,"a":2,"b":[]}' > twice.json
+$ qvejmap read twice.json root --drop-empty
+  ordinal_root,a\r
+  1,2\r
+! qvejmap: twice.json: table root: 1 value is overwritten by a later one (qvejmap check --account tells which)
 ? 1
 $ qvejmap read keys.json a --rows '/root/a as name'
   ordinal_root,ordinal_a,name,key,k\r
@@ -104,6 +110,16 @@ $ qvejmap check projects.json --inline root/a
 ? 2
 $ qvejmap check projects.json --shape - < wrong
 ! qvejmap: -:3:1: "row" is no rule (rows, inline, text, drop, only, keep, empty drop)
+? 2
+$ echo '{"a":"what was taken for rules is shown by its first forty characters"}' | tr ' ' - > document
+$ qvejmap check projects.json --shape document
+! qvejmap: document:1:1: "{"a":"what-was-taken-for-rules-is-shown-..." is no rule (rows, inline, text, drop, only, keep, empty drop)
+? 2
+$ for i in 1 2 3 4 5 6 7; do echo "drop /root/$i"; done > many; qvejmap check projects.json --shape many
+  projects.json: well formed
+! qvejmap: projects.json: 7 rules of the shape never matched: drop /root/1, drop /root/2, drop /root/3, drop /root/4, drop /root/5 and 2 more
+$ qvejmap check - --shape - < many
+! qvejmap: only one of --shape and the other files can be standard input (qvejmap --help tells more)
 ? 2
 $ qvejmap map diff wrong wrong --rows /root
 ! qvejmap: --rows belongs to tables, map, map check, map explain, read, convert, records, check, not to map diff (qvejmap --help tells more)

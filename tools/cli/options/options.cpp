@@ -387,6 +387,13 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     if (o.map == "-" && o.operands[0] == "-") {
         usageError("FILE and --map cannot both be standard input");
     }
+    const std::vector<std::string>& shapes = o.reading.shape.sources;
+    const auto inputs = std::count(shapes.begin(), shapes.end(), "-");
+    const auto others =
+        std::count(o.operands.begin(), o.operands.end(), "-") + (o.map == "-" ? 1 : 0);
+    if (inputs != 0 && inputs + others > 1) {
+        usageError("only one of --shape and the other files can be standard input");
+    }
     if (o.verb->name == "check" && !o.account && !o.map.empty()) {
         usageError("check: --map needs --account; map check says whether a map fits a document");
     }

@@ -9,6 +9,7 @@
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 #include <sys/stat.h>
@@ -128,6 +129,17 @@ void checkSums(const std::vector<PathAccount>& accounts) {
     }
 }
 
+// Has its shape rules whose names may be there already?
+bool givesNames(const Document& document) {
+    if (document.reshaper() == nullptr) {
+        return false;
+    }
+    const std::vector<ShapeRule>& rules = document.reshaper()->shape().rules();
+    return std::any_of(rules.begin(), rules.end(), [](const ShapeRule& rule) {
+        return rule.kind == ShapeRule::ROWS || rule.kind == ShapeRule::INLINE;
+    });
+}
+
 }  // namespace
 
 ExitCode reportAccount(const Options& options, const Account& account) {
@@ -204,7 +216,7 @@ ExitCode tellLost(const std::string& what, const Document& document, const RowLo
     const auto are = [](uint64_t count) { return count == 1 ? " is " : " are "; };
     std::string hint = " (qvejmap check --account tells which)";
     const uint64_t overwritten = losses.overwritten;
-    if (overwritten != 0 && document.reshaper() != nullptr) {
+    if (overwritten != 0 && givesNames(document)) {
         hint.insert(hint.size() - 1, "; rows PATH as KEY gives the names another member");
     }
     if (inNoCell != 0) {

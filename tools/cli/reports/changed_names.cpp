@@ -2,6 +2,7 @@
 #include "tools/cli/reports/changed_names.h"
 
 #include "client/path_names.h"
+#include "client/text.h"
 #include "tools/cli/reports/tell.h"
 
 #include <algorithm>
@@ -12,6 +13,7 @@ namespace qvej::cli {
 namespace {
 
 constexpr std::size_t kLongest = 32;  // bytes that the map keeps of a name
+constexpr std::size_t kShownCharacters = 64;
 
 struct Changed {
     uint64_t count = 0;
@@ -78,10 +80,12 @@ void tellChangedNames(const std::string& file, const std::vector<const qvej::Tab
     }
     if (changed.count != 0) {
         const bool one = changed.count == 1;
+        const std::string_view start = qvej::firstCharacters(changed.own, kShownCharacters);
         tell(file + ": " + std::to_string(changed.count) +
              (one ? " name of a table or column is not the document's: "
                   : " names of tables and columns are not the document's, such as ") +
-             changed.name + " for \"" + changed.own + "\" (--naming original keeps " +
+             changed.name + " for \"" + std::string(start) +
+             (start.size() < changed.own.size() ? "..." : "") + "\" (--naming original keeps " +
              (one ? "it)" : "them)"));
     }
 }

@@ -14,6 +14,7 @@ namespace qvej::cli {
 namespace {
 
 constexpr char kSeparator = '\x02';
+constexpr std::size_t kMostRules = 5;    // of those that never matched
 constexpr std::size_t kManyTables = 50;  // fewer can be read through
 constexpr uint64_t kManyNames = 20;      // of tables below one object: few objects have so many
 
@@ -23,14 +24,18 @@ void tellUnmatched(const std::string& file, const Shape& shape, const Document& 
     std::string rules;
     std::size_t count = 0;
     for (std::size_t i = 0; i < shape.rules().size(); ++i) {
-        if (!document.reshaper()->matched()[i]) {
-            rules += (count++ == 0 ? ": " : ", ") + shape.rules()[i].text();
+        if (!document.reshaper()->matched()[i] && count++ < kMostRules) {
+            rules += (count == 1 ? ": " : ", ") + shape.rules()[i].text();
         }
+    }
+    if (count > kMostRules) {
+        rules += " and " + withCommas(count - kMostRules) + " more";
     }
     if (count != 0) {
         tell(file + ": " + std::to_string(count) +
-             (count == 1 ? " rule of the shape matches" : " rules of the shape match") +
-             " no path of the document" + rules);
+             (count == 1 ? " rule of the shape never matched"
+                         : " rules of the shape never matched") +
+             rules);
     }
 }
 

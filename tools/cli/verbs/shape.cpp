@@ -2,24 +2,30 @@
 // comment that says why.
 //
 // Tested by tests/tool/golden/shape.t
-#include "client/document.h"
 #include "client/escape.h"
 #include "formats/output_files.h"
 #include "formats/writer.h"
 #include "tools/cli/auto_shape.h"
+#include "tools/cli/find/value_walk.h"
 #include "tools/cli/maps/map_output.h"
 #include "tools/cli/reports/tell.h"
+#include "tools/cli/session.h"
 #include "tools/cli/verbs/verbs.h"
 
 namespace qvej::cli {
 
 namespace {
 
-// Reads the document for its mistake, which it throws with the place.
-void failReading(Engine& engine, RereadableFile& file, const ReadingOptions& reading) {
+// Reads the text for its mistake, which it throws with the place.
+void tellMistake(const Engine& engine, RereadableFile& file, const ReadingOptions& reading) {
     DocumentReader reader(file.walk(), reading.text);
-    Document document(engine, reader.documentOptions());
-    reader.read(document);
+    const ValueTest any({}, {}, false);
+    ValueWalk walk(engine, reader.documentOptions(), {}, any, [](const FoundValue&) {});
+    try {
+        reader.read(walk);
+    } catch (const Error& error) {
+        failReading(reading, reader, error);
+    }
 }
 
 void print(const std::string& text) {
@@ -48,11 +54,11 @@ ExitCode runShape(const Options& options) {
     checkMapOutput(options, sources);
     EngineOptions engineOptions;
     engineOptions.maxDepth = options.reading.depth;
-    Engine engine(engineOptions);
+    const Engine engine(engineOptions);
     RereadableFile file(options.operands[0]);
     const FoundShape found = findShape(engine, file, options.reading);
     if (!found.whole) {
-        failReading(engine, file, options.reading);
+        tellMistake(engine, file, options.reading);
     }
     const bool toFile = !options.out.empty() && options.out != "-";
     toFile ? writeFile(options, found.text(), sources) : print(found.text());
