@@ -140,6 +140,12 @@ void Judge::judgeNode(NameNode& node) {
     }
 }
 
+// What elements of those kinds are called.
+std::string nounOf(unsigned kinds) {
+    const unsigned known = kinds & ~unsigned{KIND_NULL};
+    return known == KIND_STRING ? "string" : known == KIND_NUMBER ? "number" : "element";
+}
+
 // Are the arrays tuples, whose elements are good columns?
 bool Judge::haveFixedLength(const NameNode& node) const {
     const bool rowsOfTable = node.has(NameNode::ELEMENT, KIND_ARRAY) &&
@@ -166,7 +172,7 @@ void Judge::judgeArray(NameNode& node) {
     verdict.key = ShapeRule().key;
     verdict.reason = counted(node.arrays, "array") + " of " +
                      (node.elements == node.arrays * node.longest ? "" : "up to ") +
-                     counted(node.longest, "element") +
+                     counted(node.longest, nounOf(elements)) +
                      (nested    ? ", in arrays"
                       : objects ? ", objects and others"
                                 : "");
@@ -361,8 +367,10 @@ void Judge::judgeInlines(NameNode& node) {
         names.merge(columns);
         Verdict& verdict = verdicts_[member];
         verdict.kind = ShapeRule::INLINE;
-        verdict.reason = "one object of " + counted(columns_.at(member).size(), "scalar") + " in " +
-                         withCommas(member->objects) + " of " + counted(node.objects, "object");
+        const Names& scalarsOfIt = columns_.at(member);
+        verdict.reason = "one object of " + counted(scalarsOfIt.size(), "scalar") + ", such as " +
+                         quoted(*scalarsOfIt.begin()) + ", in " + withCommas(member->objects) +
+                         " of " + counted(node.objects, "object");
     }
     if (scalars && names.size() <= options_.inlineColumns) {
         columns_.emplace(&node, std::move(names));

@@ -220,8 +220,8 @@ TEST_F(ShapeFinder, SaysWhy) {
          "2 names in 1 object, such as \"1\\u0001 and \u4e00 a name of far more than forty c...\", "
          "with "
          "scalars"},
-        {R"([{"t":[1]},{"t":[1,2]}])", "2 arrays of up to 2 elements"},
-        {R"({"o":{"x":1}})", "one object of 1 scalar in 1 of 1 object"},
+        {R"([{"t":[1]},{"t":[1,2]}])", "2 arrays of up to 2 numbers"},
+        {R"({"o":{"x":1}})", R"(one object of 1 scalar, such as "x", in 1 of 1 object)"},
         {R"({"o":[[]]})", ""},
         {R"([{"o":{}},{"o":[]}])", "2 members are empty containers, such as /root/o"},
     };

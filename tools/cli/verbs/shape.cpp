@@ -60,6 +60,9 @@ ExitCode runShape(const Options& options) {
     if (!found.whole) {
         tellMistake(engine, file, options.reading);
     }
+    if (found.rules.empty() && !options.quiet) {
+        tell((options.operands[0] == "-" ? "<stdin>" : options.operands[0]) + ": no rule is found");
+    }
     const bool toFile = !options.out.empty() && options.out != "-";
     toFile ? writeFile(options, found.text(), sources) : print(found.text());
     return DONE;
