@@ -182,7 +182,8 @@ TEST(FaultSweep, OfMemoryModulesAndTrackersInEachOperation) {
           "GetAlldataInfo, memory, once", "GetAutoMapBuf, memory, once", "MapInit, memory, once",
           "MapInput, memory, once", "GetUserMap, memory, once", "ReadInit, memory, once",
           "Read, memory, once", "jmapReadTable, memory, once", "jmapRecordsOpen, memory, once",
-          "jmapNewTable, jmapNewColumn, memory, once", "jmapPassOpen, memory, once", "jmapPassNext, memory, from then on"}) {
+          "jmapNewTable, jmapNewColumn, memory, once", "jmapPassOpen, memory, once",
+          "jmapPassNext, memory, from then on"}) {
         EXPECT_TRUE(injected.has(asks)) << asks;
     }
     injected.print();
