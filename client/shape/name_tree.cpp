@@ -79,6 +79,7 @@ void NameTree::mergeAny(NameNode& node, std::unique_ptr<NameNode> one) {
         ++node.any->merged;
     } else {
         node.any = std::move(one);
+        node.any->next = nullptr;  // what followed it may go
         node.any->merged = 1;
     }
 }

@@ -94,9 +94,9 @@ class NameTree {
     // Merges all members for which `wanted` into `any`.
     template <class Wanted>
     void merge(NameNode& node, Wanted wanted) {
+        forget(node);
         std::vector<std::unique_ptr<NameNode>> all;
         all.swap(node.members);
-        forget(node);
         for (std::unique_ptr<NameNode>& one : all) {
             if (wanted(*one)) {
                 mergeAny(node, std::move(one));
