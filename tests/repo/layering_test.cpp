@@ -36,6 +36,8 @@ const Layer kLayers[] = {
     {"client/input/",
      R"re(client/(input/.*|(cache_file|document|error|escape|excerpt|text)\.h)|include/.*|<.*>)re"},
     {"client/shape/", R"re(client/(shape/.*|(error|escape|handle|text)\.h)|include/.*|<.*>)re"},
+    {"client/schema/",
+     R"re(client/(schema/.*|(columns|document|error|pass_pipe|row|table_pass)\.h)|include/.*|<.*>)re"},
     {"client/", R"re(client/([^/]*|shape/shape\.h|shape/reshaper\.h)|include/.*|<.*>)re"},
     {"formats/", "(formats|client)/.*|include/.*|<.*>"},
     {"tools/", "(tools|formats|client)/.*|include/.*|<.*>"},

@@ -12,7 +12,7 @@ $ qvejmap --help
     map merge A B... [-o OUT]      one map of all tables and columns of several
     map explain FILE TABLE.COLUMN  why a column is what it is, with places
     read FILE TABLE                print the rows of a table (name, path, ALLDATA)
-    convert FILE -o DIR            write every table to a file of its own
+    convert FILE -o OUT            write every table: files, SQLite, Parquet, ...
     find FILE                      where values are: line, column, path, value
     records FILE                   print every record: kind, path, value
     shape FILE [-o OUT]            print the shape that suits it, as rules
@@ -24,8 +24,10 @@ $ qvejmap --help
                             bytes, path
   
   Options of map, shape and convert:
-    -o,--output OUT         map: file to write; shape: file to write; convert:
-                            directory, made when missing
+    -o,--output OUT         map: file to write; shape: file to write; convert: a
+                            directory, made when missing, or a file NAME.sqlite,
+                            .db, .xlsx or of one table .parquet, .arrow, or
+                            postgresql://HOST/DATABASE
     --exact                 map: columns with numbers that a double does not keep
                             are CHARACTER
     --compact               map: all in one line, without blanks
@@ -58,9 +60,6 @@ $ qvejmap --help
                             takes it with --account)
     --rejects FILE          a line of CSV for each value that its column cannot
                             take
-    --format NAME           csv (default) or ndjson
-    --null TEXT             CSV: what stands for null and for no value (default:
-                            nothing, as for an empty text)
     --ordinals N            keep the N deepest ordinal columns of each table
                             (default: all); 0: none, 1: orders_items has
                             ordinal_items alone
@@ -72,6 +71,21 @@ $ qvejmap --help
     --carry                 a column of a parent has the value of the row's own
                             parent, wherever it stands (check takes it with
                             --account)
+  
+  Output:
+    --format NAME           csv (default), tsv, ndjson; of convert also parquet,
+                            arrow, sqlite, xlsx, postgres (default: by OUT)
+    --null TEXT             CSV and TSV: what stands for null and for no value
+                            (default: nothing, as for an empty text)
+    --gzip                  compress the files of csv, tsv and ndjson: .gz
+    --zstd                  the same: .zst
+    --dates WAY             columns whose texts all are dates or times have that
+                            type: auto (default), or off
+    --schema NAME           of a PostgreSQL database, made when missing (default:
+                            the first of its search path)
+    --replace               tables that SQLite or PostgreSQL has already are made
+                            anew
+    --append                their rows are added to such tables
   
   Reading the document:
     --lines                 JSON Lines: a value in each line, no more and no
@@ -135,12 +149,14 @@ $ qvejmap --help
   usage, 3 not valid JSON, 4 no such table or trouble with the map, 5 trouble with
   a file, 6 a limit was reached.
 $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
-  qvejmap convert: write every table to a file of its own
+  qvejmap convert: write every table: files, SQLite, Parquet, ...
   
-  Usage: qvejmap convert FILE -o DIR [OPTIONS]
+  Usage: qvejmap convert FILE -o OUT [OPTIONS]
   
   Options of convert:
-    -o,--output OUT         directory, made when missing
+    -o,--output OUT         a directory, made when missing, or a file
+                            NAME.sqlite, .db, .xlsx or of one table .parquet,
+                            .arrow, or postgresql://HOST/DATABASE
     --alldata               ALLDATA too (every value with its full path)
     --threads N             at most N threads (default: as many as there are
                             cores)
@@ -157,9 +173,6 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
                             takes it with --account)
     --rejects FILE          a line of CSV for each value that its column cannot
                             take
-    --format NAME           csv (default) or ndjson
-    --null TEXT             CSV: what stands for null and for no value (default:
-                            nothing, as for an empty text)
     --ordinals N            keep the N deepest ordinal columns of each table
                             (default: all); 0: none, 1: orders_items has
                             ordinal_items alone
@@ -172,6 +185,21 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
                             parent, wherever it stands (check takes it with
                             --account)
   
+  Output:
+    --format NAME           csv (default), tsv, ndjson; of convert also parquet,
+                            arrow, sqlite, xlsx, postgres (default: by OUT)
+    --null TEXT             CSV and TSV: what stands for null and for no value
+                            (default: nothing, as for an empty text)
+    --gzip                  compress the files of csv, tsv and ndjson: .gz
+    --zstd                  the same: .zst
+    --dates WAY             columns whose texts all are dates or times have that
+                            type: auto (default), or off
+    --schema NAME           of a PostgreSQL database, made when missing (default:
+                            the first of its search path)
+    --replace               tables that SQLite or PostgreSQL has already are made
+                            anew
+    --append                their rows are added to such tables
+  
   Reading the document:
 # Each verb lists what it takes.
 $ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records shape check; do
@@ -183,8 +211,8 @@ $ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read c
   map diff: -q,--quiet -h,--help --version
   map merge: -o,--output --compact --force -q,--quiet -h,--help --version
   map explain: --map --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
-  read: --limit --map --rejects --format --null --ordinals --alldata-name --naming --retain --carry --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
-  convert: -o,--output --alldata --threads --account --table --path --map --rejects --format --null --ordinals --alldata-name --naming --retain --carry --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
+  read: --limit --map --rejects --ordinals --alldata-name --naming --retain --carry --format --null --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
+  convert: -o,--output --alldata --threads --account --table --path --map --rejects --ordinals --alldata-name --naming --retain --carry --format --null --gzip --zstd --dates --schema --replace --append --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
   find: --limit --value --regex --ignore-case --path --lines --encoding --invalid --depth -q,--quiet -h,--help --version
   records: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
   shape: -o,--output --lines --encoding --invalid --depth --key-names --key-containers --fixed-length --inline-columns --force -q,--quiet -h,--help --version
@@ -266,7 +294,7 @@ $ cp orders.json map; qvejmap tables ./map --names | head -1
   orders
 
 $ qvejmap convert orders.json
-! qvejmap: convert: -o DIR is missing (qvejmap --help tells more)
+! qvejmap: convert: -o OUT is missing (qvejmap --help tells more)
 ? 2
 $ qvejmap tables ''; qvejmap map diff orders.json ''; qvejmap read orders.json ''
 ! qvejmap: tables: the name of FILE is empty (qvejmap --help tells more)
@@ -292,7 +320,7 @@ $ qvejmap tables orders.json --format
 ! qvejmap: --format: 1 required NAME missing (qvejmap --help tells more)
 ? 2
 $ qvejmap read orders.json orders --format xml
-! qvejmap: --format: 'xml' is none of csv, ndjson (qvejmap --help tells more)
+! qvejmap: --format: 'xml' is none of csv, tsv, ndjson (qvejmap --help tells more)
 ? 2
 $ qvejmap read orders.json orders --limit -1
 ! qvejmap: --limit: '-1' is not a whole number (qvejmap --help tells more)

@@ -35,8 +35,9 @@ constexpr uint64_t kLeastMemory = 32 << 20;
 // The options as they are written, before they mean anything.
 struct Raw {
     std::vector<std::string> words, paths;
-    std::string threads, limit, format = "csv", null, invalid = "error", ordinals, depth, maxPaths,
-                                keepFree, memory, debug, naming;
+    std::string threads, limit, invalid = "error", ordinals, depth, maxPaths, keepFree, memory,
+                                debug, naming;
+    RawOutput output;
 };
 
 uint64_t countOr(uint64_t otherwise, const CLI::App& app, const char* option,
@@ -74,17 +75,6 @@ std::vector<PathPattern> pathsOf(const std::vector<std::string>& texts) {
         }
     }
     return paths;
-}
-
-// It stands in the file as it is, without quotes.
-void checkNull(const std::string& text, const Format& format) {
-    if (format.ownNull) {
-        usageError("--null: " + std::string(format.name) + " has a null of its own");
-    }
-    if (text.find_first_of(",\"") != std::string::npos || shown(text) != text) {
-        usageError("--null: " + inQuotes(text) +
-                   " has a comma, a quote or a character that cannot be shown");
-    }
 }
 
 // The names of the verbs that begin with `prefix`.
@@ -187,9 +177,11 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_flag("--columns", o.columns,
                  "a line a column: table, column, type, length in bytes, path")
         ->group(ofTables);
-    app.add_option(
-           "-o,--output", o.out,
-           "map: file to write; shape: file to write; convert: directory,\nmade when missing")
+    app.add_option("-o,--output", o.out,
+                   "map: file to write; shape: file to write; convert: a directory, made when "
+                   "missing, or a file "
+                   "NAME.sqlite, .db, .xlsx or of one table .parquet, .arrow, or "
+                   "postgresql://HOST/DATABASE")
         ->type_name("OUT")
         ->group("Options of map, shape and convert");
     app.add_flag("--exact", o.exact,
@@ -245,14 +237,6 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
                    "a line of CSV for each value that its column cannot take")
         ->type_name("FILE")
         ->group(rows);
-    app.add_option("--format", raw.format, "csv (default) or ndjson")
-        ->type_name("NAME")
-        ->group(rows);
-    app.add_option("--null", raw.null,
-                   "CSV: what stands for null and for no value (default: "
-                   "nothing, as for an empty text)")
-        ->type_name("TEXT")
-        ->group(rows);
     app.add_option("--ordinals", raw.ordinals,
                    "keep the N deepest ordinal columns of each table (default: all); "
                    "0: none, 1: orders_items has ordinal_items alone")
@@ -273,6 +257,8 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
                  "a column of a parent has the value of the row's own parent, wherever it stands "
                  "(check takes it with --account)")
         ->group(rows);
+
+    declareOutputOptions(app, raw.output, o);
 
     const std::string reading = "Reading the document";
     app.add_flag("--lines", o.reading.text.lines,
@@ -348,14 +334,7 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     o.reading.keepFree = sizeOf(app, "--keep-free", raw.keepFree);
     o.reading.memory = sizeOf(app, "--memory", raw.memory);
     o.reading.debug = debugString(raw.debug);
-    o.format = findFormat(raw.format);
-    if (o.format == nullptr) {
-        usageError("--format: " + inQuotes(raw.format) + " is none of " + formatNames());
-    }
-    if (app.count("--null") != 0) {
-        checkNull(raw.null, *o.format);
-        o.formatOptions.null = raw.null;
-    }
+    readOutputOptions(app, raw.output, o);
     o.reading.text.replaceInvalid = raw.invalid == "replace";
     if (!o.reading.text.replaceInvalid && raw.invalid != "error") {
         usageError("--invalid: " + inQuotes(raw.invalid) + " is none of error, replace");
@@ -413,7 +392,7 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
         usageError("find: --path, --value or --regex is missing");
     }
     if (o.verb->name == "convert" && o.out.empty()) {
-        usageError("convert: -o DIR is missing");
+        usageError("convert: -o OUT is missing");
     }
 }
 

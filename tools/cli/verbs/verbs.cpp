@@ -17,7 +17,7 @@ constexpr Verb kVerbs[] = {
     {"map explain", "FILE TABLE.COLUMN", "why a column is what it is, with places", 2, 2,
      runMapExplain},
     {"read", "FILE TABLE", "print the rows of a table (name, path, ALLDATA)", 2, 2, runRead},
-    {"convert", "FILE -o DIR", "write every table to a file of its own", 1, 1, runConvert},
+    {"convert", "FILE -o OUT", "write every table: files, SQLite, Parquet, ...", 1, 1, runConvert},
     {"find", "FILE", "where values are: line, column, path, value", 1, 1, runFind},
     {"records", "FILE", "print every record: kind, path, value", 1, 1, runRecords},
     {"shape", "FILE [-o OUT]", "print the shape that suits it, as rules", 1, 1, runShape},
