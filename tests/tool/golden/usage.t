@@ -17,6 +17,7 @@ $ qvejmap --help
     records FILE                   print every record: kind, path, value
     shape FILE [-o OUT]            print the shape that suits it, as rules
     check FILE                     is it well formed? --account: where values go
+    completion bash|zsh|fish       print the completion of a shell
   
   Options of tables:
     --names                 bare names, one a line
@@ -64,7 +65,7 @@ $ qvejmap --help
                             (default: all); 0: none, 1: orders_items has
                             ordinal_items alone
     --alldata-name NAME     name of the table ALLDATA
-    --naming WAY            names of tables and columns: those of the map
+    --naming map|original   names of tables and columns: those of the map
                             (default), or original, the document's own
     --retain                columns keep their value from row to row (check takes
                             it with --account)
@@ -93,7 +94,7 @@ $ qvejmap --help
                             .ndjson)
     --encoding NAME         encoding of FILE, any that ICU names (default: auto,
                             by a byte order mark or zero bytes, else UTF-8)
-    --invalid WAY           bytes that are wrong in the encoding: error
+    --invalid error|replace bytes that are wrong in the encoding: error
                             (default), or replace, by U+FFFD
     --depth N               deepest nesting allowed, 0 for any (default: 1000)
     --max-paths N           most distinct paths, 0 for any (default: 10000000)
@@ -106,7 +107,7 @@ $ qvejmap --help
                             (default: a private one in $TMPDIR or /tmp, removed)
   
   Shape of the document (docs/FORMATS.md says what each rule means):
-    --shape FILE            auto: the rules that qvejmap shape prints; else a
+    --shape auto|FILE       auto: the rules that qvejmap shape prints; else a
                             file of rules, one a line; may be repeated
     --rows RULE             PATH [as KEY] [except NAME...]: the members there, or
                             the elements, become rows
@@ -136,7 +137,7 @@ $ qvejmap --help
     --force                 replace existing files, and remove those of an
                             earlier convert
     -q,--quiet              no summary; what is lost is still said
-    -h,--help               this page; with VERB only what that verb takes
+    -h,--help               the verbs and options; with VERB what that verb takes
     --version               the version
   
   FILE may be "-" for standard input, and may be compressed with gzip or zstd.
@@ -177,7 +178,7 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
                             (default: all); 0: none, 1: orders_items has
                             ordinal_items alone
     --alldata-name NAME     name of the table ALLDATA
-    --naming WAY            names of tables and columns: those of the map
+    --naming map|original   names of tables and columns: those of the map
                             (default), or original, the document's own
     --retain                columns keep their value from row to row (check takes
                             it with --account)
@@ -202,7 +203,7 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
   
   Reading the document:
 # Each verb lists what it takes.
-$ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records shape check; do
+$ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records shape check completion; do
 >     echo $verb: $(qvejmap help $verb | grep -o '^  -[-a-z,]*')
 > done
   tables: --names --columns --table --path --map --ordinals --alldata-name --naming --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
@@ -217,9 +218,10 @@ $ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read c
   records: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
   shape: -o,--output --lines --encoding --invalid --depth --key-names --key-containers --fixed-length --inline-columns --force -q,--quiet -h,--help --version
   check: --account --map --retain --carry --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
+  completion: -q,--quiet -h,--help --version
 
 # help VERB is what VERB --help is, and no page is wider than 80 columns.
-$ for verb in '' tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records shape check; do
+$ for verb in '' tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records shape check completion; do
 >     qvejmap $verb --help > asked; qvejmap help $verb | cmp - asked; grep -E '.{81}' asked
 > done
 ? 1
@@ -296,6 +298,10 @@ $ cp orders.json map; qvejmap tables ./map --names | head -1
 $ qvejmap convert orders.json
 ! qvejmap: convert: -o OUT is missing (qvejmap --help tells more)
 ? 2
+$ qvejmap map check m ''; qvejmap map merge a b c ''
+! qvejmap: map check: the name of FILE is empty (qvejmap --help tells more)
+! qvejmap: map merge: the name of B is empty (qvejmap --help tells more)
+? 2
 $ qvejmap tables ''; qvejmap map diff orders.json ''; qvejmap read orders.json ''
 ! qvejmap: tables: the name of FILE is empty (qvejmap --help tells more)
 ! qvejmap: map diff: the name of B is empty (qvejmap --help tells more)
@@ -317,7 +323,7 @@ $ qvejmap tables orders.json --nonsense
 ! qvejmap: no option is named '--nonsense' (qvejmap --help tells more)
 ? 2
 $ qvejmap tables orders.json --format
-! qvejmap: --format: 1 required NAME missing (qvejmap --help tells more)
+! qvejmap: --format: 1 required csv|ndjson missing (qvejmap --help tells more)
 ? 2
 $ qvejmap read orders.json orders --format xml
 ! qvejmap: --format: 'xml' is none of csv, tsv, ndjson (qvejmap --help tells more)

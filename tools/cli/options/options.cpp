@@ -6,7 +6,9 @@
 
 #include "client/escape.h"
 #include "formats/writer.h"
+#include "tools/cli/options/completion.h"
 #include "tools/cli/options/help.h"
+#include "tools/cli/options/man_page.h"
 #include "tools/cli/options/option_owners.h"
 #include "tools/cli/options/option_values.h"
 #include "tools/cli/suggestion.h"
@@ -31,6 +33,10 @@ constexpr uint64_t kMostThreads = 1024;
 // some kilobytes; with orders of 20 MB at this bound, so that records spill, 22 MB for check,
 // tables and map, 25 MB with --account, 26 MB for records, 28 to 33 MB for convert.
 constexpr uint64_t kLeastMemory = 32 << 20;
+
+// For the scripts of the shells and for the build.  Help does not list them.
+constexpr const char* kComplete = "--complete";
+constexpr const char* kManPage = "--man-page";
 
 // The options as they are written, before they mean anything.
 struct Raw {
@@ -150,7 +156,9 @@ void refuseUnknown(const CLI::App& app) {
     std::vector<std::string> names;
     for (const CLI::Option* option : app.get_options()) {
         for (const std::string& name : option->get_lnames()) {
-            names.push_back("--" + name);
+            if (!option->get_group().empty()) {
+                names.push_back("--" + name);
+            }
         }
     }
     usageError("no option is named " + inQuotes(given) + suggestion(given, names));
@@ -169,6 +177,8 @@ std::string helpOn(CLI::App& app, const std::vector<std::string>& words) {
     return helpText(app, found.verb);
 }
 
+// The name of an option's type is what help shows, and what completion.cpp offers: words in lower
+// case divided by "|" are the values that there are, FILE and the like are files.
 void declare(CLI::App& app, Options& o, Raw& raw) {
     app.allow_extras();  // refuseUnknown() names them better
     app.add_option("words", raw.words)->group("");
@@ -248,7 +258,7 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_option("--naming", raw.naming,
                    "names of tables and columns: those of the map (default),\nor original, the "
                    "document's own")
-        ->type_name("WAY")
+        ->type_name("map|original")
         ->group(rows);
     app.add_flag("--retain", o.retain,
                  "columns keep their value from row to row (check takes it with --account)")
@@ -272,7 +282,7 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
         ->group(reading);
     app.add_option("--invalid", raw.invalid,
                    "bytes that are wrong in the encoding: error (default), or replace, by U+FFFD")
-        ->type_name("WAY")
+        ->type_name("error|replace")
         ->group(reading);
     app.add_option("--depth", raw.depth, "deepest nesting allowed, 0 for any (default: 1000)")
         ->type_name("N")
@@ -307,9 +317,11 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
                  "replace existing files, and remove those of an earlier convert")
         ->group(general);
     app.add_flag("-q,--quiet", o.quiet, "no summary; what is lost is still said")->group(general);
-    app.set_help_flag("-h,--help", "this page; with VERB only what that verb takes")
+    app.set_help_flag("-h,--help", "the verbs and options; with VERB what that verb takes")
         ->group(general);
     app.set_version_flag("--version", "qvejmap " QVEJMAP_VERSION, "the version")->group(general);
+    app.add_flag(kComplete)->group("");
+    app.add_flag(kManPage)->group("");
 }
 
 void print(const std::string& text) {
@@ -414,7 +426,15 @@ Options readOptions(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         usageError(error.what());
     }
+    if (app.count(kComplete) != 0) {
+        print(completions(app, raw.words));
+        return {};
+    }
     refuseUnknown(app);
+    if (app.count(kManPage) != 0) {
+        print(manPage(app));
+        return {};
+    }
     if (!raw.words.empty() && raw.words[0] == "help") {
         print(helpOn(app, {raw.words.begin() + 1, raw.words.end()}));
         return {};

@@ -7,6 +7,7 @@
 #include "tools/cli/verbs/verbs.h"
 
 #include <CLI/App.hpp>
+#include <re2/re2.h>
 
 #include <algorithm>
 #include <string_view>
@@ -84,14 +85,21 @@ void readPlace(const CLI::App& app, const RawOutput& raw, Options& o) {
     }
 }
 
+// "csv|tsv|..."
+std::string formatChoices() {
+    std::string names = formatNames(false);
+    RE2::GlobalReplace(&names, ", ", "|");
+    return names;
+}
+
 }  // namespace
 
 void declareOutputOptions(CLI::App& app, RawOutput& raw, Options& options) {
     const std::string group = "Output";
     app.add_option("--format", raw.format,
-                   "csv (default), tsv, ndjson; of convert also parquet, arrow, sqlite, xlsx, "
-                   "postgres (default: by OUT)")
-        ->type_name("NAME")
+                   "what rows are written as (default: csv, and of convert by OUT; those after "
+                   "ndjson are for convert)")
+        ->type_name(formatChoices())
         ->group(group);
     app.add_option("--null", raw.null,
                    "CSV and TSV: what stands for null and for no value (default: nothing, as for "
@@ -104,7 +112,7 @@ void declareOutputOptions(CLI::App& app, RawOutput& raw, Options& options) {
     app.add_option("--dates", raw.dates,
                    "columns whose texts all are dates or times have that type: auto (default), or "
                    "off")
-        ->type_name("WAY")
+        ->type_name("auto|off")
         ->group(group);
     app.add_option("--schema", options.formatOptions.schema,
                    "of a PostgreSQL database, made when missing (default: the first of its search "

@@ -22,6 +22,8 @@ constexpr Verb kVerbs[] = {
     {"records", "FILE", "print every record: kind, path, value", 1, 1, runRecords},
     {"shape", "FILE [-o OUT]", "print the shape that suits it, as rules", 1, 1, runShape},
     {"check", "FILE", "is it well formed? --account: where values go", 1, 1, runCheck},
+    {"completion", "bash|zsh|fish", "print the completion of a shell", 1, 1,
+     runCompletion},
 };
 
 const Verb* verbNamed(std::string_view name) {
@@ -54,9 +56,11 @@ FoundVerb findVerb(const std::vector<std::string>& words) {
 
 std::string operandName(const Verb& verb, std::size_t index) {
     std::string_view rest = verb.arguments;
-    for (; index != 0; --index) {
+    // "B..." is every further one as well.
+    for (; index != 0 && !rest.substr(0, rest.find(' ')).ends_with("..."); --index) {
         rest.remove_prefix(rest.find(' ') + 1);
     }
+    rest.remove_prefix(rest.starts_with('[') ? 1 : 0);
     return std::string(rest.substr(0, rest.find_first_of(" .]")));
 }
 
