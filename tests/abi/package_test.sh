@@ -9,6 +9,7 @@ set -euo pipefail
 place=$(mktemp -d)
 trap 'rm -rf "$place"' EXIT
 cd "$place"
+umask 002  # as many users have it; the package must not
 if [ -n "${JMAP_LONG:-}" ]; then
     package=$("$2/scripts/package" | tail -1)
 else

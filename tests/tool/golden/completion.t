@@ -3,8 +3,8 @@ $ offers() { qvejmap --complete -- "$@"; }
 > words() { echo $(offers "$@" | cut -f 1); }
 > offers ''
 > for begin in '' map 'orders.json' 'orders.json tables' 'help' 'help map' 'help read' 'read' \
->     'read orders.json' 'read orders.json orders' 'orders.json read' 'map check' 'map check m' \
->     'map check m orders.json' 'map merge a b c' 'map explain orders.json' completion; do
+>     'read orders.json' 'read orders.json orders' 'orders.json read' 'map orders.json' \
+>     'map check' 'map check m' 'map check m orders.json' 'map merge a b c' 'map explain orders.json' completion; do
 >     echo "$begin: $(words $begin '')"
 > done
   tables\tlist the tables: name, number of columns, path
@@ -28,6 +28,7 @@ $ offers() { qvejmap --complete -- "$@"; }
   read orders.json: 
   read orders.json orders: 
   orders.json read: 
+  map orders.json: 
   map check: :files
   map check m: :files
   map check m orders.json: 
