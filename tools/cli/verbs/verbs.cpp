@@ -22,8 +22,7 @@ constexpr Verb kVerbs[] = {
     {"records", "FILE", "print every record: kind, path, value", 1, 1, runRecords},
     {"shape", "FILE [-o OUT]", "print the shape that suits it, as rules", 1, 1, runShape},
     {"check", "FILE", "is it well formed? --account: where values go", 1, 1, runCheck},
-    {"completion", "bash|zsh|fish", "print the completion of a shell", 1, 1,
-     runCompletion},
+    {"completion", "bash|zsh|fish", "print the completion of a shell", 1, 1, runCompletion},
 };
 
 const Verb* verbNamed(std::string_view name) {
