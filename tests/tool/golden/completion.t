@@ -10,7 +10,7 @@ $ offers() { qvejmap --complete -- "$@"; }
   tables\tlist the tables: name, number of columns, path
   map\tprint the map of tables and columns as JSON
   read\tprint the rows of a table (name, path, ALLDATA)
-  convert\twrite every table to a file of its own
+  convert\twrite every table: files, SQLite, Parquet, ...
   find\twhere values are: line, column, path, value
   records\tprint every record: kind, path, value
   shape\tprint the shape that suits it, as rules
@@ -42,8 +42,8 @@ $ words() { echo $(qvejmap --complete -- "$@" | cut -f 1); }
 > words tables f --shape ''; words tables --shape=; words convert f -o ''; words --map=; words -q=
 > words tables --limit ''; words tables --names ''; words tables --quiet=
 > words --format csv ''; words -o map check ''; words --names - tables ''
-  csv ndjson
-  --format=csv --format=ndjson
+  csv tsv ndjson sqlite parquet arrow postgres xlsx
+  --format=csv --format=tsv --format=ndjson --format=sqlite --format=parquet --format=arrow --format=postgres --format=xlsx
   --naming=map --naming=original
   error replace
   auto :files

@@ -74,13 +74,14 @@ $ qvejmap --help
                             --account)
   
   Output:
-    --format NAME           csv (default), tsv, ndjson; of convert also parquet,
-                            arrow, sqlite, xlsx, postgres (default: by OUT)
+    --format csv|tsv|ndjson|sqlite|parquet|arrow|postgres|xlsx
+                            what rows are written as (default: csv, and of
+                            convert by OUT; those after ndjson are for convert)
     --null TEXT             CSV and TSV: what stands for null and for no value
                             (default: nothing, as for an empty text)
     --gzip                  compress the files of csv, tsv and ndjson: .gz
     --zstd                  the same: .zst
-    --dates WAY             columns whose texts all are dates or times have that
+    --dates auto|off        columns whose texts all are dates or times have that
                             type: auto (default), or off
     --schema NAME           of a PostgreSQL database, made when missing (default:
                             the first of its search path)
@@ -187,13 +188,14 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
                             --account)
   
   Output:
-    --format NAME           csv (default), tsv, ndjson; of convert also parquet,
-                            arrow, sqlite, xlsx, postgres (default: by OUT)
+    --format csv|tsv|ndjson|sqlite|parquet|arrow|postgres|xlsx
+                            what rows are written as (default: csv, and of
+                            convert by OUT; those after ndjson are for convert)
     --null TEXT             CSV and TSV: what stands for null and for no value
                             (default: nothing, as for an empty text)
     --gzip                  compress the files of csv, tsv and ndjson: .gz
     --zstd                  the same: .zst
-    --dates WAY             columns whose texts all are dates or times have that
+    --dates auto|off        columns whose texts all are dates or times have that
                             type: auto (default), or off
     --schema NAME           of a PostgreSQL database, made when missing (default:
                             the first of its search path)
@@ -323,7 +325,7 @@ $ qvejmap tables orders.json --nonsense
 ! qvejmap: no option is named '--nonsense' (qvejmap --help tells more)
 ? 2
 $ qvejmap tables orders.json --format
-! qvejmap: --format: 1 required csv|ndjson missing (qvejmap --help tells more)
+! qvejmap: --format: 1 required csv|tsv|ndjson|sqlite|parquet|arrow|postgres|xlsx missing (qvejmap --help tells more)
 ? 2
 $ qvejmap read orders.json orders --format xml
 ! qvejmap: --format: 'xml' is none of csv, tsv, ndjson (qvejmap --help tells more)
