@@ -110,9 +110,14 @@ Schema SchemaBuilder::end() const {
 
 Schema schemaOf(const Document& document, const std::vector<const Table*>& tables, bool retain,
                 bool carry, unsigned threads, const SchemaOptions& options) {
+    TablePass pass(document, tables, retain, carry);
+    return schemaOf(document, tables, pass, threads, options);
+}
+
+Schema schemaOf(const Document& document, const std::vector<const Table*>& tables, TablePass& pass,
+                unsigned threads, const SchemaOptions& options) {
     SchemaBuilder builder(document, tables, options);
     std::vector<std::unique_ptr<PassRow>> rows(tables.size());
-    TablePass pass(document, tables, retain, carry);
     runPass(pass, threads, [&](std::span<const PassItem> items) {
         for (const PassItem& item : items) {
             std::unique_ptr<PassRow>& row = rows[item.table];

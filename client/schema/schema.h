@@ -94,4 +94,8 @@ class SchemaBuilder {
                               bool retain, bool carry, unsigned threads,
                               const SchemaOptions& options);
 
+// The same by that pass, which is at its end afterwards.
+[[nodiscard]] Schema schemaOf(const Document& document, const std::vector<const Table*>& tables,
+                              TablePass& pass, unsigned threads, const SchemaOptions& options);
+
 }  // namespace qvej

@@ -54,7 +54,7 @@ $ qvejmap read orders.json orders_items --carry
   1,1,2,desk,1,240\r
   1,2,3,chair,4,85.25\r
 $ qvejmap tables orders.json --carry
-! qvejmap: --carry belongs to read, convert, check, not to tables (qvejmap --help tells more)
+! qvejmap: --carry belongs to read, convert, report, check, not to tables (qvejmap --help tells more)
 ? 2
 
 # Each value is told and counted once, however many rows show it.

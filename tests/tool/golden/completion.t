@@ -7,21 +7,23 @@ $ offers() { qvejmap --complete -- "$@"; }
 >     'map check' 'map check m' 'map check m orders.json' 'map merge a b c' 'map explain orders.json' completion; do
 >     echo "$begin: $(words $begin '')"
 > done
-  tables\tlist the tables: name, number of columns, path
+  tables\tlist the tables; on a terminal, as a tree
   map\tprint the map of tables and columns as JSON
   read\tprint the rows of a table (name, path, ALLDATA)
   convert\twrite every table: files, SQLite, Parquet, ...
+  report\tone page of HTML: picture, columns, rows
+  diagram\tthe tables and their keys as a picture
   find\twhere values are: line, column, path, value
   records\tprint every record: kind, path, value
   shape\tprint the shape that suits it, as rules
   check\tis it well formed? --account: where values go
   completion\tprint the completion of a shell
   help\twhat a verb takes
-  : tables map read convert find records shape check completion help
+  : tables map read convert report diagram find records shape check completion help
   map: check diff merge explain :files
-  orders.json: tables map read convert find records shape check completion help
+  orders.json: tables map read convert report diagram find records shape check completion help
   orders.json tables: 
-  help: tables map read convert find records shape check completion
+  help: tables map read convert report diagram find records shape check completion
   help map: check diff merge explain
   help read: 
   read: :files
@@ -42,8 +44,8 @@ $ words() { echo $(qvejmap --complete -- "$@" | cut -f 1); }
 > words tables f --shape ''; words tables --shape=; words convert f -o ''; words --map=; words -q=
 > words tables --limit ''; words tables --names ''; words tables --quiet=
 > words --format csv ''; words -o map check ''; words --names - tables ''
-  csv tsv ndjson sqlite parquet arrow postgres xlsx
-  --format=csv --format=tsv --format=ndjson --format=sqlite --format=parquet --format=arrow --format=postgres --format=xlsx
+  csv tsv ndjson
+  --format=csv --format=tsv --format=ndjson --format=sqlite --format=parquet --format=arrow --format=postgres --format=xlsx --format=json --format=svg --format=dot --format=mermaid --format=dbml
   --naming=map --naming=original
   error replace
   auto :files
@@ -54,7 +56,7 @@ $ words() { echo $(qvejmap --complete -- "$@" | cut -f 1); }
   
   :files
   
-  tables map read convert find records shape check completion help
+  tables map read convert report diagram find records shape check completion help
   :files
   
 
@@ -83,11 +85,11 @@ $ for verb in '' tables 'map check' 'map merge' read convert find shape completi
 $ for line in '-- --q' 'tables -- --q' 'tables -- -q' 'tables -- -q --q'; do
 >     echo $(qvejmap --complete -- $line | cut -f 1)
 > done; qvejmap --complete | wc -l
-  tables map read convert find records shape check completion help
+  tables map read convert report diagram find records shape check completion help
   :files
   :files
   
-  10
+  12
 
 $ qvejmap completion
 ! qvejmap: completion: bash|zsh|fish is missing (qvejmap --help tells more)

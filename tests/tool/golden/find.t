@@ -170,7 +170,7 @@ $ for options in '' '--value a --regex b' '--ignore-case --path /root' '--path r
 ! qvejmap: --ignore-case needs --value or --regex (qvejmap --help tells more)
 ! qvejmap: --path: 'root', column 1: a path begins with "/", as in /root/orders (qvejmap --help tells more)
 ! qvejmap: --regex: missing ): ( (qvejmap --help tells more)
-! qvejmap: --table belongs to tables, map, convert, not to find (qvejmap --help tells more)
-! qvejmap: --map belongs to tables, map explain, read, convert, check, not to find (qvejmap --help tells more)
+! qvejmap: --table belongs to tables, map, convert, report, diagram, not to find (qvejmap --help tells more)
+! qvejmap: --map belongs to tables, map explain, read, convert, report, diagram, check, not to find (qvejmap --help tells more)
 ! qvejmap: --limit: 'x' is not a whole number (qvejmap --help tells more)
 ? 2

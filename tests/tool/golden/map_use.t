@@ -120,7 +120,7 @@ $ qvejmap read nosuch.json v --map bad.csv; qvejmap read - v --map -
 ! qvejmap: FILE and --map cannot both be standard input (qvejmap --help tells more)
 ? 2
 $ qvejmap map orders.json --map m.json
-! qvejmap: --map belongs to tables, map explain, read, convert, check, not to map (qvejmap --help tells more)
+! qvejmap: --map belongs to tables, map explain, read, convert, report, diagram, check, not to map (qvejmap --help tells more)
 ? 2
 
 # In another encoding the map stays UTF-8, and so do its places.

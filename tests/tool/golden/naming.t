@@ -159,7 +159,7 @@ $ printf '{"%s":1}' $(printf 'é%.0s' $(seq 70)) > longer.json; qvejmap tables l
   root\t2\t/root
 ! qvejmap: longer.json: 1 name of a table or column is not the document's: ________________________________ for "éééééééééééééééééééééééééééééééééééééééééééééééééééééééééééééééé..." (--naming original keeps it)
 $ qvejmap map names.json --naming original
-! qvejmap: --naming belongs to tables, read, convert, not to map (qvejmap --help tells more)
+! qvejmap: --naming belongs to tables, read, convert, report, diagram, not to map (qvejmap --help tells more)
 ? 2
 $ qvejmap tables names.json --naming org
 ! qvejmap: --naming: 'org' is none of map, original (qvejmap --help tells more)

@@ -122,7 +122,7 @@ $ qvejmap check - --shape - < many
 ! qvejmap: only one of --shape and the other files can be standard input (qvejmap --help tells more)
 ? 2
 $ qvejmap map diff wrong wrong --rows /root
-! qvejmap: --rows belongs to tables, map, map check, map explain, read, convert, records, check, not to map diff (qvejmap --help tells more)
+! qvejmap: --rows belongs to tables, map, map check, map explain, read, convert, report, diagram, records, check, not to map diff (qvejmap --help tells more)
 ? 2
 
 # Many tables whose names are data.

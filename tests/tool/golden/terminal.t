@@ -1,14 +1,14 @@
 # On a terminal, which adds the CR to each line end: lists are aligned, and no control character
 # arrives raw.
 $ script -qec 'qvejmap tables orders.json' /dev/null
-  orders           4  /root/orders\r
-  orders_customer  5  /root/orders/customer\r
-  orders_items     6  /root/orders/items\r
-  orders_tags      5  /root/orders/tags\r
+  orders              2 rows  4 columns  key ordinal_orders\r
+  ├─ orders_customer  2 rows  5 columns  key ordinal_customer  1:1\r
+  ├─ orders_items     3 rows  6 columns  key ordinal_items\r
+  └─ orders_tags      2 rows  5 columns  key ordinal_tags  1:1\r
 $ printf '{"a\\u001b[31m\\u009b":"x\\u001b[0m\\ty\\u0085\\u007f\\n,z","日本語":[{"k":1}]}' > nasty.json
 $ script -qec 'qvejmap tables nasty.json' /dev/null
-  root       2  /root\r
-  _________  3  /root/日本語\r
+  root          1 row   2 columns  key ordinal_root\r
+  └─ _________  1 row   3 columns  key ordinal__________  1:1\r
   qvejmap: nasty.json: 2 names of tables and columns are not the document's, such as a__31m__ for "a\\u001b[31m\\u009b" (--naming original keeps them)\r
 $ script -qec 'qvejmap tables --columns nasty.json' /dev/null
   root       ordinal_root       ORDINAL    8   /root\r

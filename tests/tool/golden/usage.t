@@ -5,7 +5,7 @@ $ qvejmap --help
          qvejmap help [VERB]
   
   Verbs:
-    tables FILE                    list the tables: name, number of columns, path
+    tables FILE                    list the tables; on a terminal, as a tree
     map FILE [-o OUT]              print the map of tables and columns as JSON
     map check MAP [FILE]           is a map well formed? does it fit FILE?
     map diff A B                   what one map has and another has not
@@ -13,6 +13,8 @@ $ qvejmap --help
     map explain FILE TABLE.COLUMN  why a column is what it is, with places
     read FILE TABLE                print the rows of a table (name, path, ALLDATA)
     convert FILE -o OUT            write every table: files, SQLite, Parquet, ...
+    report FILE -o OUT             one page of HTML: picture, columns, rows
+    diagram FILE [-o OUT]          the tables and their keys as a picture
     find FILE                      where values are: line, column, path, value
     records FILE                   print every record: kind, path, value
     shape FILE [-o OUT]            print the shape that suits it, as rules
@@ -24,11 +26,12 @@ $ qvejmap --help
     --columns               a line a column: table, column, type, length in
                             bytes, path
   
-  Options of map, shape and convert:
-    -o,--output OUT         map: file to write; shape: file to write; convert: a
-                            directory, made when missing, or a file NAME.sqlite,
-                            .db, .xlsx or of one table .parquet, .arrow, or
-                            postgresql://HOST/DATABASE
+  Options of map, shape, convert, report and diagram:
+    -o,--output OUT         map: file to write; shape: file to write; report:
+                            file to write, such as report.html; diagram: file to
+                            write; convert: a directory, made when missing, or a
+                            file NAME.sqlite, .db, .xlsx or of one table .parquet,
+                            .arrow, or postgresql://HOST/DATABASE
     --exact                 map: columns with numbers that a double does not keep
                             are CHARACTER
     --compact               map: all in one line, without blanks
@@ -74,9 +77,11 @@ $ qvejmap --help
                             --account)
   
   Output:
-    --format csv|tsv|ndjson|sqlite|parquet|arrow|postgres|xlsx
-                            what rows are written as (default: csv, and of
-                            convert by OUT; those after ndjson are for convert)
+    --format csv|tsv|ndjson|sqlite|parquet|arrow|postgres|xlsx|json|svg|dot|mermaid|dbml
+                            read: what rows are written as (default: csv);
+                            convert: what rows are written as (default: by OUT,
+                            else csv); tables: one JSON object, for programs;
+                            diagram: kind of picture (default: by OUT, else svg)
     --null TEXT             CSV and TSV: what stands for null and for no value
                             (default: nothing, as for an empty text)
     --gzip                  compress the files of csv, tsv and ndjson: .gz
@@ -189,8 +194,7 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
   
   Output:
     --format csv|tsv|ndjson|sqlite|parquet|arrow|postgres|xlsx
-                            what rows are written as (default: csv, and of
-                            convert by OUT; those after ndjson are for convert)
+                            what rows are written as (default: by OUT, else csv)
     --null TEXT             CSV and TSV: what stands for null and for no value
                             (default: nothing, as for an empty text)
     --gzip                  compress the files of csv, tsv and ndjson: .gz
@@ -208,7 +212,7 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
 $ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records shape check completion; do
 >     echo $verb: $(qvejmap help $verb | grep -o '^  -[-a-z,]*')
 > done
-  tables: --names --columns --table --path --map --ordinals --alldata-name --naming --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
+  tables: --names --columns --table --path --map --ordinals --alldata-name --naming --format --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
   map: -o,--output --exact --compact --table --path --ordinals --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
   map check: --verbose --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
   map diff: -q,--quiet -h,--help --version
@@ -226,6 +230,7 @@ $ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read c
 $ for verb in '' tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records shape check completion; do
 >     qvejmap $verb --help > asked; qvejmap help $verb | cmp - asked; grep -E '.{81}' asked
 > done
+    --format csv|tsv|ndjson|sqlite|parquet|arrow|postgres|xlsx|json|svg|dot|mermaid|dbml
 ? 1
 $ qvejmap help map check | head -3
   qvejmap map check: is a map well formed? does it fit FILE?
@@ -242,7 +247,7 @@ $ qvejmap help tables --nonsense
 # An option of all verbs, and one of those that read a document.
 $ qvejmap map orders.json -q > m; qvejmap map diff m m -q
 $ qvejmap map merge m m --depth 3
-! qvejmap: --depth belongs to tables, map, map check, map explain, read, convert, find, records, shape, check, not to map merge (qvejmap --help tells more)
+! qvejmap: --depth belongs to tables, map, map check, map explain, read, convert, report, diagram, find, records, shape, check, not to map merge (qvejmap --help tells more)
 ? 2
 
 # What is nearly a verb or an option is told.
@@ -316,7 +321,7 @@ $ qvejmap tables orders.json --limit 1
 ! qvejmap: --limit belongs to read, find, not to tables (qvejmap --help tells more)
 ? 2
 $ qvejmap read orders.json orders -o x
-! qvejmap: --output belongs to map, map merge, shape, convert, not to read (qvejmap --help tells more)
+! qvejmap: --output belongs to map, map merge, shape, convert, report, diagram, not to read (qvejmap --help tells more)
 ? 2
 $ qvejmap tables orders.json --names --columns
 ! qvejmap: --names and --columns exclude each other (qvejmap --help tells more)
@@ -325,7 +330,7 @@ $ qvejmap tables orders.json --nonsense
 ! qvejmap: no option is named '--nonsense' (qvejmap --help tells more)
 ? 2
 $ qvejmap tables orders.json --format
-! qvejmap: --format: 1 required csv|tsv|ndjson|sqlite|parquet|arrow|postgres|xlsx missing (qvejmap --help tells more)
+! qvejmap: --format: 1 required csv|tsv|ndjson|sqlite|parquet|arrow|postgres|xlsx|json|svg|dot|mermaid|dbml missing (qvejmap --help tells more)
 ? 2
 $ qvejmap read orders.json orders --format xml
 ! qvejmap: --format: 'xml' is none of csv, tsv, ndjson (qvejmap --help tells more)
@@ -365,10 +370,10 @@ $ qvejmap tables orders.json --cache ''
 
 # Options that do nothing for a verb are refused.
 $ qvejmap check orders.json --format ndjson
-! qvejmap: --format belongs to read, convert, not to check (qvejmap --help tells more)
+! qvejmap: --format belongs to read, convert, tables, diagram, not to check (qvejmap --help tells more)
 ? 2
 $ qvejmap check orders.json --ordinals 1
-! qvejmap: --ordinals belongs to tables, map, read, convert, not to check (qvejmap --help tells more)
+! qvejmap: --ordinals belongs to tables, map, read, convert, report, diagram, not to check (qvejmap --help tells more)
 ? 2
 $ qvejmap records orders.json --alldata-name all
 ! qvejmap: --alldata-name belongs to tables, read, convert, not to records (qvejmap --help tells more)

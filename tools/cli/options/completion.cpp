@@ -52,10 +52,7 @@ std::string offerVerbs(const std::string& begin) {
     return text;
 }
 
-std::string offerOptions(CLI::App& app, const Verb* verb) {
-    if (verb != nullptr) {
-        keepOptionsOf(*verb, app);
-    }
+std::string offerOptions(const CLI::App& app) {
     std::string text;
     for (const CLI::Option* option : app.get_options()) {
         if (!option->get_group().empty()) {
@@ -109,6 +106,9 @@ std::string completions(CLI::App& app, std::vector<std::string> words) {
             waiting = valued(app, before);
         }
     }
+    if (const FoundVerb found = findVerb(plain); found.verb != nullptr) {
+        keepOptionsOf(*found.verb, app);  // an option may have other values there
+    }
     if (waiting != nullptr) {
         return offerValues(waiting->get_type_name(), "");
     }
@@ -117,7 +117,7 @@ std::string completions(CLI::App& app, std::vector<std::string> words) {
     }
     const std::size_t equals = word.find('=');
     if (equals == std::string::npos) {
-        return offerOptions(app, findVerb(plain).verb);
+        return offerOptions(app);
     }
     const CLI::Option* option = valued(app, word.substr(0, equals));
     return option == nullptr ? ""

@@ -3,6 +3,7 @@
 
 #include "tools/cli/options/help_texts.h"
 #include "tools/cli/options/option_owners.h"
+#include "tools/cli/options/output_options.h"
 #include "tools/cli/verbs/verbs.h"
 
 #include <CLI/App.hpp>
@@ -78,6 +79,9 @@ void keepOptionsOf(const Verb& verb, CLI::App& app) {
             }
             option.description(
                 purposeFor(name.substr(0, name.find(' ')), option.get_description()));
+            if (owner.option == std::string_view("--format")) {
+                option.type_name(formatChoices(name));
+            }
         }
     }
 }

@@ -11,18 +11,18 @@ constexpr std::string_view kSeparator = ", ";
 
 // The verbs that read a document.
 constexpr std::string_view kReaders =
-    "tables, map, map check, map explain, read, convert, records, check";
+    "tables, map, map check, map explain, read, convert, report, diagram, records, check";
 constexpr std::string_view kShapers =
-    "tables, map, map check, map explain, read, convert, records, shape, check";
+    "tables, map, map check, map explain, read, convert, report, diagram, records, shape, check";
 
 // Those that walk through its text at least.
 constexpr std::string_view kWalkers =
-    "tables, map, map check, map explain, read, convert, find, records, shape, check";
+    "tables, map, map check, map explain, read, convert, report, diagram, find, records, shape, check";
 
 constexpr Owner kOwners[] = {
     {"--names", "tables"},
     {"--columns", "tables"},
-    {"--output", "map, map merge, shape, convert"},
+    {"--output", "map, map merge, shape, convert, report, diagram"},
     {"--exact", "map"},
     {"--compact", "map, map merge"},
     {"--verbose", "map check"},
@@ -33,15 +33,15 @@ constexpr Owner kOwners[] = {
     {"--value", "find"},
     {"--regex", "find"},
     {"--ignore-case", "find"},
-    {"--table", "tables, map, convert"},
-    {"--path", "tables, map, convert, find"},
+    {"--table", "tables, map, convert, report, diagram"},
+    {"--path", "tables, map, convert, report, diagram, find"},
     {"--key-names", kShapers},
     {"--key-containers", kShapers},
     {"--fixed-length", kShapers},
     {"--inline-columns", kShapers},
-    {"--map", "tables, map explain, read, convert, check"},
+    {"--map", "tables, map explain, read, convert, report, diagram, check"},
     {"--rejects", "read, convert"},
-    {"--format", "read, convert"},
+    {"--format", "read, convert, tables, diagram"},
     {"--null", "read, convert"},
     {"--gzip", "convert"},
     {"--zstd", "convert"},
@@ -49,12 +49,12 @@ constexpr Owner kOwners[] = {
     {"--schema", "convert"},
     {"--replace", "convert"},
     {"--append", "convert"},
-    {"--retain", "read, convert, check"},
-    {"--carry", "read, convert, check"},
-    {"--ordinals", "tables, map, read, convert"},
+    {"--retain", "read, convert, report, check"},
+    {"--carry", "read, convert, report, check"},
+    {"--ordinals", "tables, map, read, convert, report, diagram"},
     {"--alldata-name", "tables, read, convert"},
-    {"--naming", "tables, read, convert"},
-    {"--force", "map, map merge, shape, read, convert"},
+    {"--naming", "tables, read, convert, report, diagram"},
+    {"--force", "map, map merge, shape, read, convert, report, diagram"},
     {"--lines", kWalkers},
     {"--encoding", kWalkers},
     {"--invalid", kWalkers},

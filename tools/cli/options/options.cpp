@@ -187,22 +187,24 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_flag("--columns", o.columns,
                  "a line a column: table, column, type, length in bytes, path")
         ->group(ofTables);
+    const std::string ofFiles = "Options of map, shape, convert, report and diagram";
     app.add_option("-o,--output", o.out,
-                   "map: file to write; shape: file to write; convert: a directory, made when "
+                   "map: file to write; shape: file to write; report: file to write, such as "
+                   "report.html; diagram: file to write; convert: a directory, made when "
                    "missing, or a file "
                    "NAME.sqlite, .db, .xlsx or of one table .parquet, .arrow, or "
                    "postgresql://HOST/DATABASE")
         ->type_name("OUT")
-        ->group("Options of map, shape and convert");
+        ->group(ofFiles);
     app.add_flag("--exact", o.exact,
                  "map: columns with numbers that a double does not keep are CHARACTER")
-        ->group("Options of map, shape and convert");
+        ->group(ofFiles);
     app.add_flag("--compact", o.compact, "map: all in one line, without blanks")
-        ->group("Options of map, shape and convert");
+        ->group(ofFiles);
     app.add_flag("--verbose", o.verbose, "map check: list every column that is left out")
-        ->group("Options of map, shape and convert");
+        ->group(ofFiles);
     app.add_flag("--alldata", o.alldata, "convert: ALLDATA too (every value with its full path)")
-        ->group("Options of map, shape and convert");
+        ->group(ofFiles);
     app.add_option("--threads", raw.threads,
                    "at most N threads (default: as many as there are cores)")
         ->type_name("N")
@@ -363,6 +365,10 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     if (o.names && o.columns) {
         usageError("--names and --columns exclude each other");
     }
+    if (o.json && (o.names || o.columns)) {
+        usageError(std::string(o.names ? "--names" : "--columns") +
+                   " and --format json exclude each other");
+    }
     const std::pair<const char*, const std::string&> files[] = {{"--output", o.out},
                                                                 {"--cache", o.reading.cache},
                                                                 {"--map", o.map},
@@ -403,8 +409,8 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     if (o.verb->name == "find" && o.paths.empty() && !o.value && !o.regex) {
         usageError("find: --path, --value or --regex is missing");
     }
-    if (o.verb->name == "convert" && o.out.empty()) {
-        usageError("convert: -o OUT is missing");
+    if ((o.verb->name == "convert" || o.verb->name == "report") && o.out.empty()) {
+        usageError(std::string(o.verb->name) + ": -o OUT is missing");
     }
 }
 

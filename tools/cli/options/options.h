@@ -7,6 +7,7 @@
 #include "formats/formats.h"
 #include "tools/cli/options/output_options.h"
 #include "tools/cli/options/reading_options.h"
+#include "tools/cli/pictures/picture_format.h"
 
 #include <cstdint>
 #include <optional>
@@ -21,7 +22,7 @@ struct Options {
     const Verb* verb = nullptr;         // null: help or version was asked for, and printed
     std::vector<std::string> operands;  // the words after the verb, as many as it takes
 
-    std::string out;              // of map, shape and convert; empty: not given
+    std::string out;              // of those that write files; empty: not given
     uint64_t limit = UINT64_MAX;  // of read and find
     bool names = false;           // of tables
     bool columns = false;         // of tables
@@ -49,8 +50,10 @@ struct Options {
     const Format* format = nullptr;
     FormatOptions formatOptions;
     OutputPlace place = OutputPlace::DIRECTORY;  // of convert
-    SchemaOptions schema;                        // of convert
-    unsigned threads = 1;                        // of convert
+    bool json = false;                           // of tables
+    PictureFormat picture = PictureFormat::SVG;  // of diagram
+    SchemaOptions schema;
+    unsigned threads = 1;
 };
 
 // Does the map name tables and columns, without a word of the user on that?  Then names that differ

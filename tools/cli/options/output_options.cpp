@@ -10,6 +10,7 @@
 #include <re2/re2.h>
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 
 namespace qvej::cli {
@@ -28,6 +29,11 @@ constexpr struct {
     {".parquet", "parquet", OutputPlace::TABLE_FILE},
     {".arrow", "arrow", OutputPlace::TABLE_FILE},
 };
+
+std::string commaSeparated(std::string names) {
+    RE2::GlobalReplace(&names, "\\|", ", ");
+    return names;
+}
 
 bool isAddress(std::string_view out) {
     return out.starts_with("postgres:") || out.starts_with("postgresql:");
@@ -66,7 +72,31 @@ void checkNull(const std::string& text, const Format& format) {
     }
 }
 
+// Of the verbs that do not write rows.
+void readOtherFormat(const CLI::App& app, const RawOutput& raw, Options& o) {
+    const bool given = app.count("--format") != 0;
+    o.format = findFormat("csv");
+    if (o.verb->name == "tables") {
+        o.json = given;
+        if (given && raw.format != "json") {
+            usageError("--format: " + inQuotes(raw.format) + " is not json");
+        }
+    } else if (o.verb->name == "diagram") {
+        const std::optional<PictureFormat> picture =
+            given ? pictureNamed(raw.format) : pictureOf(o.out);
+        if (!picture) {
+            usageError("--format: " + inQuotes(raw.format) + " is none of " +
+                       commaSeparated(pictureNames()));
+        }
+        o.picture = *picture;
+    }
+}
+
 void readPlace(const CLI::App& app, const RawOutput& raw, Options& o) {
+    if (o.verb->name != "read" && o.verb->name != "convert") {
+        readOtherFormat(app, raw, o);
+        return;
+    }
     const Guess guess = guessOf(o.out);
     const bool convert = o.verb->name == "convert";
     const std::string name(app.count("--format") != 0 ? raw.format
@@ -85,21 +115,27 @@ void readPlace(const CLI::App& app, const RawOutput& raw, Options& o) {
     }
 }
 
-// "csv|tsv|..."
-std::string formatChoices() {
-    std::string names = formatNames(false);
-    RE2::GlobalReplace(&names, ", ", "|");
-    return names;
-}
-
 }  // namespace
+
+std::string formatChoices(std::string_view verb) {
+    if (verb == "tables") {
+        return "json";
+    }
+    if (verb == "diagram") {
+        return pictureNames();
+    }
+    std::string names = formatNames(verb == "read");
+    RE2::GlobalReplace(&names, ", ", "|");
+    return verb.empty() ? names + "|json|" + pictureNames() : names;
+}
 
 void declareOutputOptions(CLI::App& app, RawOutput& raw, Options& options) {
     const std::string group = "Output";
     app.add_option("--format", raw.format,
-                   "what rows are written as (default: csv, and of convert by OUT; those after "
-                   "ndjson are for convert)")
-        ->type_name(formatChoices())
+                   "read: what rows are written as (default: csv); convert: what rows are written "
+                   "as (default: by OUT, else csv); tables: one JSON object, for programs; diagram: "
+                   "kind of picture (default: by OUT, else svg)")
+        ->type_name(formatChoices({}))
         ->group(group);
     app.add_option("--null", raw.null,
                    "CSV and TSV: what stands for null and for no value (default: nothing, as for "

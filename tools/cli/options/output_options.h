@@ -6,6 +6,7 @@
 #include "formats/formats.h"
 
 #include <string>
+#include <string_view>
 
 namespace CLI {
 class App;
@@ -28,6 +29,9 @@ struct RawOutput {
     std::string format, null, dates = "auto";
     bool gzip = false, zstd = false, replace = false, append = false;
 };
+
+// The values that --format has for that verb, "csv|tsv|..."; with an empty name all.
+[[nodiscard]] std::string formatChoices(std::string_view verb);
 
 void declareOutputOptions(CLI::App& app, RawOutput& raw, Options& options);
 

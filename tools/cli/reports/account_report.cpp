@@ -142,28 +142,36 @@ bool givesNames(const Document& document) {
 
 }  // namespace
 
-ExitCode reportAccount(const Options& options, const Account& account) {
+AccountText textOf(const Options& options, const Account& account) {
     checkSums(account.paths);
     std::vector<Line> lines = linesOf(account.paths, account.starts);
     findPlaces(options, account.shape, lines);
-    std::vector<Row> rows;
+    AccountText text;
     if (!lines.empty()) {
-        rows.push_back({"path", "values", "lost", "first"});
+        text.rows.push_back({"path", "values", "lost", "first"});
     }
     const std::string file = options.operands[0] == "-" ? "<stdin>" : options.operands[0];
     for (const Line& line : lines) {
-        rows.push_back({escaped(withSlashes(line.account->path)), std::to_string(line.count),
-                        std::string(line.way),
-                        line.place.line == 0 ? "" : shown(spotText(file, line.place))});
+        text.rows.push_back({escaped(withSlashes(line.account->path)), std::to_string(line.count),
+                             std::string(line.way),
+                             line.place.line == 0 ? "" : shown(spotText(file, line.place))});
     }
-    Writer out = standardOutput();
-    print(out, rows);
-    out.append(sumLine(account.paths) + "\n");
+    text.sums.push_back(sumLine(account.paths));
     if (account.shapeCounts) {
-        out.append(shapeLine(*account.shapeCounts, valuesOf(account.paths)) + "\n");
+        text.sums.push_back(shapeLine(*account.shapeCounts, valuesOf(account.paths)));
+    }
+    return text;
+}
+
+ExitCode reportAccount(const Options& options, const Account& account) {
+    const AccountText text = textOf(options, account);
+    Writer out = standardOutput();
+    print(out, text.rows);
+    for (const std::string& sum : text.sums) {
+        out.append(sum + "\n");
     }
     out.flush();
-    return lines.empty() ? DONE : REJECTED;
+    return text.rows.empty() ? DONE : REJECTED;
 }
 
 namespace {

@@ -8,6 +8,7 @@
 #include "client/shape/reshaper.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/options/options.h"
+#include "tools/cli/reports/listing.h"
 
 #include <optional>
 #include <string>
@@ -25,10 +26,20 @@ struct Account {
 [[nodiscard]] Account takeAccount(const Document& document, const std::vector<const Table*>& tables,
                                   bool retain, bool carry);
 
-// Writes the account on standard output.  The document is read once more to find places, with
-// `options` but without its tables, so its first reading should be over; a document on standard
-// input or from a pipe is gone, and only places that `starts` knows are shown.  REJECTED when a
-// value is lost, else DONE.  Throws a Failure.
+// An account as it is shown.
+struct AccountText {
+    std::vector<Row> rows;          // heads of columns, then a row for each path and way in which
+                                    // values of it are lost; empty: none are
+    std::vector<std::string> sums;  // sentences
+};
+
+// The document is read once more to find places, with `options` but without its tables, so its
+// first reading should be over; a document on standard input or from a pipe is gone, and only
+// places that `starts` knows are shown.  Throws a Failure.
+[[nodiscard]] AccountText textOf(const Options& options, const Account& account);
+
+// Writes the account on standard output.  REJECTED when a value is lost, else DONE.  Throws a
+// Failure.
 ExitCode reportAccount(const Options& options, const Account& account);
 
 // A line on standard error for values that are in no cell, one for those that strayed, and how to

@@ -1,16 +1,21 @@
-// qvejmap tables: the tables of the automatic map, or all their columns.
+// qvejmap tables: the tables of the map, or all their columns.
 //
 // A line a table (or column), fields separated by TABs, aligned with blanks on a terminal.  Control
-// characters and backslashes appear as JSON escapes.
+// characters and backslashes appear as JSON escapes.  On a terminal the tables are a tree, with
+// --format json one object.
 //
-// Tested by tests/tool/golden/tables.t and tests/tool/golden/terminal.t
+// Tested by tests/tool/golden/tables.t, tests/tool/golden/terminal.t and
+// tests/tool/golden/pictures.t
 #include "client/escape.h"
 #include "formats/writer.h"
 #include "tools/cli/choice.h"
+#include "tools/cli/reports/account_report.h"
 #include "tools/cli/reports/changed_names.h"
 #include "tools/cli/reports/listing.h"
 #include "tools/cli/reports/remarks.h"
 #include "tools/cli/reports/shape_report.h"
+#include "tools/cli/reports/tables_json.h"
+#include "tools/cli/reports/tables_tree.h"
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"
 #include "tools/cli/verbs/verbs.h"
@@ -51,6 +56,40 @@ std::vector<Row> listColumns(const std::vector<const Table*>& tables) {
     return rows;
 }
 
+void putJson(const Options& options, const Session& session,
+             const std::vector<const Table*>& tables) {
+    const Document& document = session.document();
+    const Schema schema = schemaOf(document, tables, options.retain, options.carry,
+                                   options.threads, options.schema);
+    Writer out = standardOutput();
+    printJson(out, session.name(), schema,
+              accountOf(document, tables, options.retain, options.carry));
+    out.flush();
+}
+
+void putTree(const Options& options, const Session& session,
+             const std::vector<const Table*>& tables, Writer& out) {
+    const Survey survey = surveyOf(session.document(), tables, options);
+    printTree(out, survey);
+    out.flush();
+    if (!options.quiet) {
+        tellLost(session.name(), session.document(), survey.allLosses, survey.inNoCell);
+    }
+}
+
+void putTables(const Options& options, const Session& session,
+               const std::vector<const Table*>& tables) {
+    Writer out = standardOutput();
+    if (options.json) {
+        putJson(options, session, tables);
+    } else if (out.terminal() && !options.names && !options.columns) {
+        putTree(options, session, tables, out);
+    } else {
+        print(out, options.columns ? listColumns(tables) : listTables(tables, options.names));
+        out.flush();
+    }
+}
+
 }  // namespace
 
 ExitCode runTables(const Options& options) {
@@ -63,13 +102,11 @@ ExitCode runTables(const Options& options) {
         }
         tellCuts(session.map()->name(), tables);
     }
-    std::vector<Row> rows =
-        options.columns ? listColumns(tables) : listTables(tables, options.names);
-
-    Writer out = standardOutput();
-    print(out, rows);
-    out.flush();
-
+    try {
+        putTables(options, session, tables);
+    } catch (const Error& error) {
+        session.failReading(error);
+    }
     const std::string shared = sharedNames(tables, document.naming(), options.reading.alldataName);
     if (!shared.empty() && !options.quiet) {
         tell(shared);

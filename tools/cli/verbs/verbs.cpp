@@ -8,7 +8,7 @@ namespace qvej::cli {
 namespace {
 
 constexpr Verb kVerbs[] = {
-    {"tables", "FILE", "list the tables: name, number of columns, path", 1, 1, runTables},
+    {"tables", "FILE", "list the tables; on a terminal, as a tree", 1, 1, runTables},
     {"map", "FILE [-o OUT]", "print the map of tables and columns as JSON", 1, 1, runMap},
     {"map check", "MAP [FILE]", "is a map well formed? does it fit FILE?", 1, 2, runMapCheck},
     {"map diff", "A B", "what one map has and another has not", 2, 2, runMapDiff},
@@ -18,6 +18,8 @@ constexpr Verb kVerbs[] = {
      runMapExplain},
     {"read", "FILE TABLE", "print the rows of a table (name, path, ALLDATA)", 2, 2, runRead},
     {"convert", "FILE -o OUT", "write every table: files, SQLite, Parquet, ...", 1, 1, runConvert},
+    {"report", "FILE -o OUT", "one page of HTML: picture, columns, rows", 1, 1, runReport},
+    {"diagram", "FILE [-o OUT]", "the tables and their keys as a picture", 1, 1, runDiagram},
     {"find", "FILE", "where values are: line, column, path, value", 1, 1, runFind},
     {"records", "FILE", "print every record: kind, path, value", 1, 1, runRecords},
     {"shape", "FILE [-o OUT]", "print the shape that suits it, as rules", 1, 1, runShape},

@@ -40,6 +40,8 @@ ExitCode runMapMerge(const Options& options);
 ExitCode runMapExplain(const Options& options);
 ExitCode runRead(const Options& options);
 ExitCode runConvert(const Options& options);
+ExitCode runReport(const Options& options);
+ExitCode runDiagram(const Options& options);
 ExitCode runRecords(const Options& options);
 ExitCode runFind(const Options& options);
 ExitCode runCheck(const Options& options);

@@ -1,0 +1,22 @@
+// The kinds of pictures that there are.
+//
+// Tested by tests/tool/golden/pictures.t
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qvej::cli {
+
+enum class PictureFormat { SVG, DOT, MERMAID, DBML };
+
+[[nodiscard]] std::optional<PictureFormat> pictureNamed(std::string_view name);
+
+// The one that the end of a file's name says, else SVG.
+[[nodiscard]] PictureFormat pictureOf(std::string_view file);
+
+// "svg|dot|mermaid|dbml"
+[[nodiscard]] std::string pictureNames();
+
+}  // namespace qvej::cli

@@ -1,0 +1,15 @@
+// The tables as a tree with what is worth knowing of each, for people at a terminal.
+//
+// Tested by tests/tool/golden/pictures.t
+#pragma once
+
+#include "tools/cli/survey.h"
+
+#include "formats/writer.h"
+
+namespace qvej::cli {
+
+// Of many tables the first ones.
+void printTree(Writer& out, const Survey& survey);
+
+}  // namespace qvej::cli
