@@ -223,8 +223,10 @@ $ sh page odd.json | sed -n '/<section id="t0"/,/^<\/html/p'
   </html>
 # Distinct values are counted up to 1000.
 $ for n in 1000 1001; do
->     printf '[%s]' "$(seq -s, -f '{"a":%g}' $n)" | sh page - | sed -n 's/.*"\/root\/a".* 100 %<\/td>\(<td[^<]*<\/td>\).*/\1/p'
+>     printf '[%s]' "$(seq -s, -f '{"a":%g}' $n)" | sh page - | sed -n 's/.*"\/root\/a".*100 %<\/td>\(<td[^<]*<\/td>\).*/\1/p'
 > done
+  <td class="number">1,000</td>
+  <td class="number">&gt; 1,000</td>
 # Names and values that look like markup are text.
 $ cat > evil.json <<'END'
 > {"</script><img src=x onerror=alert(1)>":[{"a\"'><b>&amp;":"</td><script>alert(2)</script>","\u001b\ufffe":""}],"long":{"t":"0123456789012345678901234567890123456789012345678901234567890123456789012345678901"}}
