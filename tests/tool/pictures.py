@@ -178,8 +178,10 @@ def documents(folder):
     for n in range(DOCUMENTS):
         file = os.path.join(folder, "%d.json" % n)
         with open(file, "w", encoding="utf-8") as out:
-            json.dump([{rng.choice(NASTY): random_value(rng, 4) for _ in range(4)}
-                       for _ in range(3)], out, ensure_ascii=rng.random() < 0.5)
+            rows = [{rng.choice(NASTY): random_value(rng, 4) for _ in range(4)} for _ in range(3)]
+            # Without values of its own the object around them is no table, and there are many trees.
+            several = {name: rows for name in rng.sample(NASTY, rng.randrange(2, 9))}
+            json.dump(several if n % 2 else rows, out, ensure_ascii=rng.random() < 0.5)
         yield file
 
 

@@ -53,31 +53,31 @@ $ sh terminal qvejmap tables many.json 2>&1 | tail -1
 $ qvejmap tables odd.json --format json
   {"version":"1.0.0","input":"odd.json",
   "tables":[
-  {"name":"orders","path":"/root/orders","rows":2,"columns":[
+  {"name":"orders","path":"/root/orders","rows":2,"primaryKey":"ordinal_orders","parent":null,"foreignKey":null,"oneToOne":false,"orphans":0,"columns":[
     {"name":"ordinal_root","path":"/root","originalName":null,"type":"BIGINT","ordinal":true,"filled":2,"longest":0,"mixed":false,"label":null},
     {"name":"ordinal_orders","path":"/root/orders","originalName":null,"type":"BIGINT","ordinal":true,"filled":2,"longest":0,"mixed":false,"label":null},
-    {"name":"id","path":"/root/orders/id","originalName":"id","type":"BIGINT","ordinal":false,"filled":2,"longest":1,"mixed":false,"label":null}],"primaryKey":"ordinal_orders","parent":null,"foreignKey":null,"oneToOne":false,"orphans":0},
-  {"name":"orders_items","path":"/root/orders/items","rows":4,"columns":[
+    {"name":"id","path":"/root/orders/id","originalName":"id","type":"BIGINT","ordinal":false,"filled":2,"longest":1,"mixed":false,"label":null}]},
+  {"name":"orders_items","path":"/root/orders/items","rows":4,"primaryKey":"ordinal_items","parent":"orders","foreignKey":null,"oneToOne":false,"orphans":2,"columns":[
     {"name":"ordinal_root","path":"/root","originalName":null,"type":"BIGINT","ordinal":true,"filled":4,"longest":0,"mixed":false,"label":null},
     {"name":"ordinal_orders","path":"/root/orders","originalName":null,"type":"BIGINT","ordinal":true,"filled":4,"longest":0,"mixed":false,"label":null},
     {"name":"ordinal_items","path":"/root/orders/items","originalName":null,"type":"BIGINT","ordinal":true,"filled":4,"longest":0,"mixed":false,"label":null},
-    {"name":"n","path":"/root/orders/items/n","originalName":"n","type":"TEXT","ordinal":false,"filled":4,"longest":3,"mixed":true,"label":null}],"primaryKey":"ordinal_items","parent":"orders","foreignKey":null,"oneToOne":false,"orphans":2},
-  {"name":"x","path":"/root/x","rows":1,"columns":[
+    {"name":"n","path":"/root/orders/items/n","originalName":"n","type":"TEXT","ordinal":false,"filled":4,"longest":3,"mixed":true,"label":null}]},
+  {"name":"x","path":"/root/x","rows":1,"primaryKey":"ordinal_x","parent":null,"foreignKey":null,"oneToOne":false,"orphans":0,"columns":[
     {"name":"ordinal_root","path":"/root","originalName":null,"type":"BIGINT","ordinal":true,"filled":1,"longest":0,"mixed":false,"label":null},
     {"name":"ordinal_x","path":"/root/x","originalName":null,"type":"BIGINT","ordinal":true,"filled":1,"longest":0,"mixed":false,"label":null},
-    {"name":"v","path":"/root/x/v","originalName":"v","type":"BIGINT","ordinal":false,"filled":1,"longest":1,"mixed":false,"label":null}],"primaryKey":"ordinal_x","parent":null,"foreignKey":null,"oneToOne":false,"orphans":0},
-  {"name":"deep_w","path":"/root/x/deep/w","rows":1,"columns":[
+    {"name":"v","path":"/root/x/v","originalName":"v","type":"BIGINT","ordinal":false,"filled":1,"longest":1,"mixed":false,"label":null}]},
+  {"name":"deep_w","path":"/root/x/deep/w","rows":1,"primaryKey":"ordinal_w","parent":"x","foreignKey":{"column":"ordinal_x","table":"x","parentColumn":"ordinal_x"},"oneToOne":true,"orphans":0,"columns":[
     {"name":"ordinal_root","path":"/root","originalName":null,"type":"BIGINT","ordinal":true,"filled":1,"longest":0,"mixed":false,"label":null},
     {"name":"ordinal_x","path":"/root/x","originalName":null,"type":"BIGINT","ordinal":true,"filled":1,"longest":0,"mixed":false,"label":null},
     {"name":"ordinal_deep","path":"/root/x/deep","originalName":null,"type":"BIGINT","ordinal":true,"filled":1,"longest":0,"mixed":false,"label":null},
     {"name":"ordinal_w","path":"/root/x/deep/w","originalName":null,"type":"BIGINT","ordinal":true,"filled":1,"longest":0,"mixed":false,"label":null},
-    {"name":"k","path":"/root/x/deep/w/k","originalName":"k","type":"BOOLEAN","ordinal":false,"filled":1,"longest":0,"mixed":false,"label":null}],"primaryKey":"ordinal_w","parent":"x","foreignKey":{"column":"ordinal_x","table":"x","parentColumn":"ordinal_x"},"oneToOne":true,"orphans":0}],
+    {"name":"k","path":"/root/x/deep/w/k","originalName":"k","type":"BOOLEAN","ordinal":false,"filled":1,"longest":0,"mixed":false,"label":null}]}],
   "account":{"values":9,"cells":8,"overwritten":1,"noColumn":0,"noRow":0,"rejected":0,"strayed":0,"cut":0}}
 $ qvejmap tables odd.json --format json --map map.json
   {"version":"1.0.0","input":"odd.json",
   "tables":[
-  {"name":"o","path":"/root/orders","rows":2,"columns":[
-    {"name":"id","path":"/root/orders/id","originalName":"id","type":"BIGINT","ordinal":false,"filled":2,"longest":1,"mixed":false,"label":"Number"}],"primaryKey":null,"parent":null,"foreignKey":null,"oneToOne":false,"orphans":0}],
+  {"name":"o","path":"/root/orders","rows":2,"primaryKey":null,"parent":null,"foreignKey":null,"oneToOne":false,"orphans":0,"columns":[
+    {"name":"id","path":"/root/orders/id","originalName":"id","type":"BIGINT","ordinal":false,"filled":2,"longest":1,"mixed":false,"label":"Number"}]}],
   "account":{"values":9,"cells":2,"overwritten":0,"noColumn":7,"noRow":0,"rejected":0,"strayed":0,"cut":0}}
 $ sh terminal qvejmap tables odd.json --format json --table x | tail -1
   "account":{"values":2,"cells":1,"overwritten":1,"noColumn":0,"noRow":0,"rejected":0,"strayed":0,"cut":0}}\r
@@ -90,6 +90,18 @@ $ qvejmap tables odd.json --format json --columns
 $ qvejmap tables odd.json --format csv
 ! qvejmap: --format: 'csv' is not json (qvejmap --help tells more)
 ? 2
+
+# Keys under names of a map.
+$ cat > keys.json <<'END'
+> {"DATASETS":[{"DSNAME":"o","TABLEPATH":"/root/orders","VARIABLES":[{"NAME":"order","PATH":"/root/orders","TYPE":"ORDINAL"}]},
+>   {"DSNAME":"i","TABLEPATH":"/root/orders/items","VARIABLES":[{"NAME":"of","PATH":"/root/orders","TYPE":"ORDINAL"},
+>     {"NAME":"item","PATH":"/root/orders/items","TYPE":"ORDINAL"}]}]}
+> END
+$ qvejmap tables orders.json --format json --map keys.json | grep -o '"primaryKey.*'
+  "primaryKey":"order","parent":null,"foreignKey":null,"oneToOne":false,"orphans":0,"columns":[
+  "primaryKey":"item","parent":"o","foreignKey":{"column":"of","table":"o","parentColumn":"order"},"oneToOne":false,"orphans":0,"columns":[
+$ qvejmap diagram orders.json --format dbml --map keys.json | tail -1
+  Ref: "i"."of" > "o"."order"
 
 # A diagram as text.
 $ qvejmap diagram odd.json --format dot
@@ -221,6 +233,7 @@ $ qvejmap diagram orders.json -o none/a.svg
 $ qvejmap diagram many.json --format mermaid | tail -1
       %% 301 further tables left out (--table and --path choose tables)
 ! qvejmap: many.json: 301 further tables left out (--table and --path choose tables)
+! qvejmap: 501 tables, most of them from names that are data, such as /root (250 names): try --shape auto
 $ printf '[{%s,"x":[{"y":1}]}]' "$(seq -s, -f '"c%g":1' 40)" > wide.json
 $ qvejmap diagram wide.json --format mermaid | tail -9
       }

@@ -334,6 +334,7 @@ $ sh page many.json > many.html; grep -c '<section id' many.html; grep -o '<sect
   <section id="t202"
   <section id="t400"
   <p>Shown in detail are the 300 tables with most rows; --table and --path choose others.</p>
+! qvejmap: 401 tables, most of them from names that are data, such as /root (400 names): try --shape auto
 # The file.
 $ qvejmap report orders.json
 ! qvejmap: report: -o OUT is missing (qvejmap --help tells more)

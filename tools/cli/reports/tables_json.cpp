@@ -37,14 +37,13 @@ class TablesWriter {
         putString(table.table->name);
         putText("path", withSlashes(table.table->path()));
         putNumber("rows", table.rows);
+        putKeys(table);
         out_.append(",\"columns\":[");
         for (std::size_t c = 0; c < table.fields.size(); ++c) {
             out_.append(c == 0 ? "\n" : ",\n");
             putColumn(table.table->columns[c], table.fields[c]);
         }
-        out_.append("]");
-        putKeys(table);
-        out_.put('}');
+        out_.append("]}");
     }
 
     void putColumn(const Column& column, const Field& field) {

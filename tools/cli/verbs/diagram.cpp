@@ -6,6 +6,7 @@
 #include "tools/cli/pictures/graphviz.h"
 #include "tools/cli/pictures/writers.h"
 #include "tools/cli/reports/remarks.h"
+#include "tools/cli/reports/shape_report.h"
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"
 #include "tools/cli/text_output.h"
@@ -55,6 +56,9 @@ ExitCode runDiagram(const Options& options) {
     putText(pictureOf(diagram, options.picture), options, sources);
     if (const std::string rest = leftOut(diagram); !rest.empty() && !options.quiet) {
         tell(session.name() + ": " + rest);
+    }
+    if (shapeMayHelp(options)) {
+        tellShapeHint(document.tables());
     }
     return DONE;
 }

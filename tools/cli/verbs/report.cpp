@@ -7,6 +7,7 @@
 #include "tools/cli/report/page.h"
 #include "tools/cli/reports/account_report.h"
 #include "tools/cli/reports/remarks.h"
+#include "tools/cli/reports/shape_report.h"
 #include "tools/cli/session.h"
 #include "tools/cli/text_output.h"
 #include "tools/cli/verbs/verbs.h"
@@ -81,6 +82,9 @@ ReportPage pageOf(const Options& options, const Session& session, Survey& survey
     const std::vector<const Table*> tables = chosenTables(options, document.tables());
     if (session.map() != nullptr && !options.quiet) {
         tellMapOddities(session.map()->name(), tables);
+    }
+    if (shapeMayHelp(options)) {
+        tellShapeHint(document.tables());
     }
     try {
         survey = surveyOf(document, tables, options);
