@@ -103,9 +103,9 @@ INSTANTIATE_TEST_SUITE_P(Files, ToolGolden,
                                          "damage", "encodings", "events", "find", "formats",
                                          "input", "interrupt", "map", "map_check", "map_explain",
                                          "map_diff", "map_merge", "map_merge_parts", "map_mistakes",
-                                         "map_use", "naming", "notes", "pictures", "read", "records", "report",
-                                         "shape",
-                                         "shapes", "spill", "tables", "terminal", "usage"),
+                                         "map_use", "naming", "notes", "pictures", "read",
+                                         "records", "report", "shape", "shapes", "spill", "tables",
+                                         "terminal", "usage"),
                          [](const auto& file) { return file.param; });
 
 }  // namespace

@@ -94,8 +94,8 @@ $ qvejmap tables odd.json --format csv
 # Keys under names of a map.
 $ cat > keys.json <<'END'
 > {"DATASETS":[{"DSNAME":"o","TABLEPATH":"/root/orders","VARIABLES":[{"NAME":"order","PATH":"/root/orders","TYPE":"ORDINAL"}]},
->   {"DSNAME":"i","TABLEPATH":"/root/orders/items","VARIABLES":[{"NAME":"of","PATH":"/root/orders","TYPE":"ORDINAL"},
->     {"NAME":"item","PATH":"/root/orders/items","TYPE":"ORDINAL"}]}]}
+>   {"DSNAME":"i","TABLEPATH":"/root/orders/items","VARIABLES":[{"NAME":"item","PATH":"/root/orders/items","TYPE":"ORDINAL"},
+>     {"NAME":"of","PATH":"/root/orders","TYPE":"ORDINAL"}]}]}
 > END
 $ qvejmap tables orders.json --format json --map keys.json | grep -o '"primaryKey.*'
   "primaryKey":"order","parent":null,"foreignKey":null,"oneToOne":false,"orphans":0,"columns":[
@@ -256,6 +256,13 @@ $ qvejmap diagram wide.json --format dot | tail -8
     label="11 further columns left out (--table and --path choose tables)";
   }
 ! qvejmap: wide.json: 11 further columns left out (--table and --path choose tables)
+$ printf '{"DATASETS":[{"DSNAME":"w","TABLEPATH":"/root","VARIABLES":[%s,{"NAME":"last","PATH":"/root","TYPE":"ORDINAL"}]}]}' \
+>     "$(seq -s, -f '{"NAME":"v%g","PATH":"/root/c1","TYPE":"NUMERIC"}' 40)" > wide_map.json
+$ qvejmap diagram wide.json --format mermaid --map wide_map.json -q | tail -4
+          BIGINT last PK
+      }
+      %% and 11 more columns
+      %% 11 further columns left out (--table and --path choose tables)
 $ qvejmap diagram wide.json --format dbml -q | grep -e more -e out -e Ref
     Note: '1 row of /root; 11 more columns'
   Ref: "x"."ordinal_root" - "root"."ordinal_root"

@@ -1,9 +1,8 @@
 // DBML.  See writers.h.
-#include "tools/cli/pictures/writers.h"
-
 #include "client/escape.h"
 #include "client/text.h"
 #include "tools/cli/pictures/unique_names.h"
+#include "tools/cli/pictures/writers.h"
 
 namespace qvej::cli {
 
@@ -74,8 +73,7 @@ std::string dbmlOf(const Diagram& diagram) {
         const Diagram::Table& table = diagram.tables[t];
         if (table.parent && table.parent->foreignKey) {
             const std::size_t above = table.parent->table;
-            out += "Ref: " + name(names[t]) + "." +
-                   name(columnNames(table)[table.parent->column]) +
+            out += "Ref: " + name(names[t]) + "." + name(columnNames(table)[table.parent->column]) +
                    (table.parent->one ? " - " : " > ") + name(names[above]) + "." +
                    name(columnNames(diagram.tables[above])[table.parent->parentColumn]) + "\n";
         }

@@ -22,7 +22,8 @@ Diagram::Column columnOf(const Column& column, const DataType& type) {
     return shown;
 }
 
-// The columns of a table that are shown: those of its keys, and as many others as there is room for.
+// The columns of a table that are shown: those of its keys, and as many others as there is room
+// for.
 std::vector<std::size_t> chosenColumns(const TableSchema& table, std::size_t most) {
     std::size_t keys = 0;
     const auto isKey = [&](std::size_t c) {
@@ -60,9 +61,12 @@ Diagram diagramOf(const Schema& schema, std::size_t mostTables, std::size_t most
         }
         const TableSchema& table = schema.tables[node.table];
         const std::vector<std::size_t> chosen = chosenColumns(table, mostColumns);
-        Diagram::Table shown = {visible(table.table->name), withSlashes(table.table->path()),
-                                node.table,                 table.rows,
-                                {},                         table.fields.size() - chosen.size(),
+        Diagram::Table shown = {visible(table.table->name),
+                                withSlashes(table.table->path()),
+                                node.table,
+                                table.rows,
+                                {},
+                                table.fields.size() - chosen.size(),
                                 std::nullopt};
         for (const std::size_t c : chosen) {
             shown.columns.push_back(columnOf(table.table->columns[c], table.fields[c].type));

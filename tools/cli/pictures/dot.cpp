@@ -1,8 +1,7 @@
 // The language of Graphviz.  See writers.h.
+#include "client/text.h"
 #include "tools/cli/pictures/markup.h"
 #include "tools/cli/pictures/writers.h"
-
-#include "client/text.h"
 
 namespace qvej::cli {
 
@@ -23,10 +22,9 @@ std::string cell(const std::string& attributes, const std::string& content) {
 
 std::string nameCell(const Diagram::Column& column, std::size_t at) {
     const std::string name = shortMarkup(column.name, kLongestName);
-    return cell(" PORT=\"c" + std::to_string(at) + "\"",
-                column.primary  ? "<B>" + name + "</B>"
-                : column.parent ? "<I>" + name + "</I>"
-                                : name);
+    return cell(" PORT=\"c" + std::to_string(at) + "\"", column.primary  ? "<B>" + name + "</B>"
+                                                         : column.parent ? "<I>" + name + "</I>"
+                                                                         : name);
 }
 
 void putTable(std::string& out, const Diagram::Table& table, std::size_t at) {
@@ -50,9 +48,10 @@ void putTable(std::string& out, const Diagram::Table& table, std::size_t at) {
 
 void putEdge(std::string& out, const Diagram::Edge& edge, std::size_t at) {
     out += "  t" + std::to_string(edge.table) + ":t" + std::to_string(edge.parentColumn) +
-           ":e -> t" + std::to_string(at) + ":c" + std::to_string(edge.column) + ":w [arrowtail=" +
-           (edge.foreignKey ? "teetee" : "teeodot") + ", arrowhead=" +
-           (edge.one ? "teeodot" : "crowodot") + (edge.foreignKey ? "" : ", style=dashed") + "];\n";
+           ":e -> t" + std::to_string(at) + ":c" + std::to_string(edge.column) +
+           ":w [arrowtail=" + (edge.foreignKey ? "teetee" : "teeodot") +
+           ", arrowhead=" + (edge.one ? "teeodot" : "crowodot") +
+           (edge.foreignKey ? "" : ", style=dashed") + "];\n";
 }
 
 }  // namespace

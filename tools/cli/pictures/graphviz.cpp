@@ -1,15 +1,17 @@
 // See graphviz.h.
 //
-// Its input, output and messages are files without a name, so that neither side waits for the other.
+// Its input, output and messages are files without a name, so that neither side waits for the
+// other.
 #include "tools/cli/pictures/graphviz.h"
 
 #include "tools/cli/failure.h"
+
+#include <spawn.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -92,9 +94,8 @@ std::optional<std::string> drawnByGraphviz(const std::string& dot) {
     }
     if (*status != 0) {
         const std::string said = contentOf(messages);
-        fail((WIFEXITED(*status)
-                  ? "it ended with exit code " + std::to_string(WEXITSTATUS(*status))
-                  : "it was ended by signal " + std::to_string(WTERMSIG(*status))) +
+        fail((WIFEXITED(*status) ? "it ended with exit code " + std::to_string(WEXITSTATUS(*status))
+                                 : "it was ended by signal " + std::to_string(WTERMSIG(*status))) +
              (said.empty() ? "" : ": " + said.substr(0, said.find('\n'))));
     }
     std::string svg = contentOf(out);

@@ -1,13 +1,12 @@
 // erDiagram of Mermaid.  See writers.h.
 //
-// Names of entities stand in quotes, with entity codes (#quot;) for what may not stand there.  Names
+// Names of entities stand in quotes, with entity codes (#quot;) for what may not stand there. Names
 // of attributes and types have no quotes: what is no letter or digit becomes "_", and the name
 // itself is the comment.
-#include "tools/cli/pictures/writers.h"
-
 #include "client/escape.h"
 #include "client/text.h"
 #include "tools/cli/pictures/unique_names.h"
+#include "tools/cli/pictures/writers.h"
 
 #include <algorithm>
 

@@ -1,11 +1,10 @@
 // SVG with a layout of ours.  See writers.h.
+#include "client/escape.h"
+#include "client/text.h"
 #include "tools/cli/embedded.h"
 #include "tools/cli/pictures/layout.h"
 #include "tools/cli/pictures/markup.h"
 #include "tools/cli/pictures/writers.h"
-
-#include "client/escape.h"
-#include "client/text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -98,7 +97,8 @@ void putTable(std::string& out, const Diagram::Table& table, const Box& box) {
     }
 }
 
-// From the parent's key to the right, down or up in the middle of the gap, and to the child's column.
+// From the parent's key to the right, down or up in the middle of the gap, and to the child's
+// column.
 std::string wayOf(double x1, double y1, double x2, double y2) {
     const std::string start = "M" + number(x1) + " " + number(y1);
     if (std::abs(y2 - y1) < 2 * kCorner) {
@@ -140,13 +140,12 @@ std::string svgOf(const Diagram& diagram, bool links) {
     size.height += rest.empty() ? 0 : 2 * kLine;
     const std::string width = number(size.width + 2 * kMargin);
     const std::string height = number(size.height + 2 * kMargin);
-    std::string out =
-        std::string("<svg xmlns=\"http://www.w3.org/2000/svg\" class=\"tables\"") +
-        (links ? "" : " role=\"img\"") + " width=\"" + width +
-        "\" height=\"" + height + "\" viewBox=\"" + "-" + number(kMargin) + " " + "-" + number(kMargin) +
-        " " + width + " " + height + "\">\n" +
-        (links ? "" : "<title>Tables and their keys</title>\n") + "<style>\n" +
-        std::string(kPictureCss) + "</style>\n" + std::string(kMarkers) + "<g>\n";
+    std::string out = std::string("<svg xmlns=\"http://www.w3.org/2000/svg\" class=\"tables\"") +
+                      (links ? "" : " role=\"img\"") + " width=\"" + width + "\" height=\"" +
+                      height + "\" viewBox=\"" + "-" + number(kMargin) + " " + "-" +
+                      number(kMargin) + " " + width + " " + height + "\">\n" +
+                      (links ? "" : "<title>Tables and their keys</title>\n") + "<style>\n" +
+                      std::string(kPictureCss) + "</style>\n" + std::string(kMarkers) + "<g>\n";
     for (std::size_t t = 0; t < boxes.size(); ++t) {
         if (diagram.tables[t].parent) {
             putEdge(out, diagram, boxes, t);

@@ -3,8 +3,8 @@
 
 #include "client/path_names.h"
 #include "client/text.h"
-#include "tools/cli/pictures/diagram.h"
 #include "tools/cli/embedded.h"
+#include "tools/cli/pictures/diagram.h"
 #include "tools/cli/pictures/markup.h"
 #include "tools/cli/pictures/writers.h"
 #include "tools/cli/reports/remarks.h"
@@ -160,14 +160,15 @@ void ReportPage::putHead(const ReportFacts& facts) {
         rows += table.rows;
         columns += table.fields.size();
     }
-    out_ = "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
-           "<meta http-equiv=\"Content-Security-Policy\" content=\"" +
-           std::string(kPolicy) +
-           "\">\n<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-           "<meta name=\"color-scheme\" content=\"light dark\">\n" +
-           tag("title", markup(facts.name)) + "\n" + tag("style", "\n" + std::string(kReportCss)) +
-           "\n</head>\n<body>\n<header>\n" + tag("h1", tag("bdi", markup(facts.name))) +
-           "\n<dl class=\"facts\">\n";
+    out_ =
+        "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
+        "<meta http-equiv=\"Content-Security-Policy\" content=\"" +
+        std::string(kPolicy) +
+        "\">\n<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
+        "<meta name=\"color-scheme\" content=\"light dark\">\n" +
+        tag("title", markup(facts.name)) + "\n" + tag("style", "\n" + std::string(kReportCss)) +
+        "\n</head>\n<body>\n<header>\n" + tag("h1", tag("bdi", markup(facts.name))) +
+        "\n<dl class=\"facts\">\n";
     const auto fact = [&](const std::string& name, const std::string& value) {
         out_ += tag("div", tag("dt", name) + tag("dd", value)) + "\n";
     };
@@ -195,13 +196,14 @@ void ReportPage::putHead(const ReportFacts& facts) {
 
 void ReportPage::putPicture() {
     const Diagram diagram = diagramOf(survey_.schema, kMostPictureTables, kMostPictureColumns);
-    out_ += "<section>\n<h2>Picture</h2>\n"
-            "<p class=\"soft\">An arrow leads from a table to those whose rows belong to its rows: "
-            "a crow's foot to any number of them, a bar to at most one. A dashed arrow is no "
-            "foreign key. The primary key is bold.</p>\n"
-            "<div class=\"picture\" tabindex=\"0\" role=\"region\" aria-label=\"Picture of the "
-            "tables\">\n" +
-            svgOf(diagram, true) + "</div>\n</section>\n";
+    out_ +=
+        "<section>\n<h2>Picture</h2>\n"
+        "<p class=\"soft\">An arrow leads from a table to those whose rows belong to its rows: "
+        "a crow's foot to any number of them, a bar to at most one. A dashed arrow is no "
+        "foreign key. The primary key is bold.</p>\n"
+        "<div class=\"picture\" tabindex=\"0\" role=\"region\" aria-label=\"Picture of the "
+        "tables\">\n" +
+        svgOf(diagram, true) + "</div>\n</section>\n";
 }
 
 void ReportPage::putTables(const std::vector<std::size_t>& tables,
@@ -305,9 +307,9 @@ void ReportPage::putColumn(const TableSchema& table, std::size_t c, const Column
     const Field& field = table.fields[c];
     const bool ordinal = column.type == ColumnType::ORDINAL;
     std::string name = shortName(column.name);
-    name = table.key && c == table.own                  ? tag("b", name)
+    name = table.key && c == table.own                 ? tag("b", name)
            : table.parent && c == table.parent->column ? tag("i", name)
-                                                        : name;
+                                                       : name;
     const std::string note = !column.label.empty() ? column.label
                              : !ordinal && lastPiece(column.path) != column.name
                                  ? std::string(lastPiece(column.path))
@@ -328,7 +330,8 @@ void ReportPage::putColumn(const TableSchema& table, std::size_t c, const Column
                           tag("td", markup(nameOf(field.type)) + mixed, ofClass("type")) +
                           filledCell(field.filled, table.rows) +
                           tag("td", ordinal ? "" : distinctOf(details), ofClass("number")) +
-                          tag("td", field.longest == 0 ? "" : withCommas(field.longest), ofClass("number")) +
+                          tag("td", field.longest == 0 ? "" : withCommas(field.longest),
+                              ofClass("number")) +
                           tag("td", range, ofClass("range")) + tag("td", examplesOf(details))) +
             "\n";
 }
@@ -360,10 +363,10 @@ void ReportPage::putRows(const TableSchema& table, const TableDetails& details) 
 
 void ReportPage::putMoreColumns(const TableSchema& table, const TableDetails& details) {
     if (details.columns.size() < table.fields.size()) {
-        out_ += tag("p", "And " +
-                             counted(table.fields.size() - details.columns.size(), "more column") +
-                             ", which qvejmap tables --columns lists.") +
-                "\n";
+        out_ +=
+            tag("p", "And " + counted(table.fields.size() - details.columns.size(), "more column") +
+                         ", which qvejmap tables --columns lists.") +
+            "\n";
     }
 }
 

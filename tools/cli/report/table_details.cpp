@@ -151,8 +151,8 @@ class TableFacts {
                 row[c].kind = cell.kind == Cell::NUL ? DetailCell::NUL : DetailCell::MISSING;
                 continue;
             }
-            const bool number = cell.kind == Cell::COUNT || cell.kind == Cell::NUMBER ||
-                                cell.kind == Cell::DIGITS;
+            const bool number =
+                cell.kind == Cell::COUNT || cell.kind == Cell::NUMBER || cell.kind == Cell::DIGITS;
             row[c].kind = number ? DetailCell::NUMBER : DetailCell::TEXT;
             row[c].text = shortened(textOf(cell, table_.fields[c].type, buffer_), longest_);
         }

@@ -37,10 +37,9 @@ std::vector<std::string> marksOf(const Survey& survey, std::size_t index) {
                                             : " repeats in " + counted(table.repeated, "row")));
     }
     if (table.parent && table.parent->orphans != 0) {
-        marks.push_back(
-            counted(table.parent->orphans, "row") +
-            (table.parent->orphans == 1 ? " has" : " have") + " no row in " +
-            visible(survey.schema.tables[table.parent->table].table->name));
+        marks.push_back(counted(table.parent->orphans, "row") +
+                        (table.parent->orphans == 1 ? " has" : " have") + " no row in " +
+                        visible(survey.schema.tables[table.parent->table].table->name));
     }
     if (const std::string names = mixedColumns(table); !names.empty()) {
         marks.push_back("values of several kinds: " + names);

@@ -31,7 +31,8 @@ std::string counted(uint64_t count, const std::string& noun) {
     return withCommas(count) + " " + noun + (count == 1 ? " " : "s");
 }
 
-Line lineOf(const Survey& survey, const TreeNode& node, const std::string& trunk, bool hasChildren) {
+Line lineOf(const Survey& survey, const TreeNode& node, const std::string& trunk,
+            bool hasChildren) {
     const TableSchema& table = survey.schema.tables[node.table];
     Line line;
     const std::string branch = node.depth == 0 ? "" : node.last ? "└─ " : "├─ ";

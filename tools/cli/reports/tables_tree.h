@@ -3,9 +3,8 @@
 // Tested by tests/tool/golden/pictures.t
 #pragma once
 
-#include "tools/cli/survey.h"
-
 #include "formats/writer.h"
+#include "tools/cli/survey.h"
 
 namespace qvej::cli {
 

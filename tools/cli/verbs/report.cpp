@@ -41,8 +41,11 @@ ReportFacts factsOf(const Options& options, const Session& session) {
     const Document& document = session.document();
     const std::string& name = session.name();
     // Whoever gets the page has no use for the folder.
-    ReportFacts facts = {name.substr(name.rfind('/') + 1), sizeOf(options.operands[0]), document.totals().values,
-                         now(), {}};
+    ReportFacts facts = {name.substr(name.rfind('/') + 1),
+                         sizeOf(options.operands[0]),
+                         document.totals().values,
+                         now(),
+                         {}};
     if (document.reshaper() != nullptr) {
         for (const ShapeRule& rule : document.reshaper()->shape().rules()) {
             facts.shape.push_back(rule.text());

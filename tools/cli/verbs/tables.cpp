@@ -59,8 +59,8 @@ std::vector<Row> listColumns(const std::vector<const Table*>& tables) {
 void putJson(const Options& options, const Session& session,
              const std::vector<const Table*>& tables) {
     const Document& document = session.document();
-    const Schema schema = schemaOf(document, tables, options.retain, options.carry,
-                                   options.threads, options.schema);
+    const Schema schema =
+        schemaOf(document, tables, options.retain, options.carry, options.threads, options.schema);
     Writer out = standardOutput();
     printJson(out, session.name(), schema,
               accountOf(document, tables, options.retain, options.carry));
