@@ -40,7 +40,7 @@ FISH = [
     ("qvejmap map exp", ["explain", "explained.json"]),
     ("qvejmap map merge explained.json ord", ["orders.json"]),
     ("qvejmap tables orders.json --na", ["--names", "--naming"]),
-    ("qvejmap read orders.json orders --format ", ["csv", "ndjson"]),
+    ("qvejmap read orders.json orders --format ", ["csv", "ndjson", "tsv"]),
     ("qvejmap read orders.json orders --format=nd", ["--format=ndjson"]),
     ("qvejmap tables sp", ["sp ace.json"]),
     ("qvejmap tables orders.json --shape=", ["--shape=auto", "--shape=explained.json",
