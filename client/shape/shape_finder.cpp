@@ -61,6 +61,10 @@ ShapeFinder::ShapeFinder(QVHndlp host, bool lines, const FinderOptions& options)
     frames_.push_back({&tree_.root(), &tree_.root(), nullptr, 0, NameNode::MEMBER});
     setCallbacks();
     json_.reset(reinterpret_cast<QVJSONh>(host->loadExtension(host, U"qvejson", 7, host->jnl)));
+    newParser(lines);
+}
+
+void ShapeFinder::newParser(bool lines) {
     JSNParserParms parms = {};
     parms.textCei = parms.callbackCei = U_UTF8_CE;
     parms.flags = JSN_PARSER_FLAGS;
@@ -122,14 +126,24 @@ bool ShapeFinder::feed(std::string_view text) {
     return status == QV_EOF;
 }
 
-FoundShape ShapeFinder::finish() {
+void ShapeFinder::endText() {
     const bool whole = parser_->parse(parser_.get(), "", 0, 1) == QV_OK &&
                        tree_.root().has(NameNode::MEMBER, KIND_OBJECT | KIND_ARRAY);
     while (frames_.size() > 1) {  // of a text that ends too early
         close();
     }
+    whole_ = whole_ && whole;
+}
+
+void ShapeFinder::nextText(bool lines) {
+    endText();
+    newParser(lines);
+}
+
+FoundShape ShapeFinder::finish() {
+    endText();
     FoundShape found = judgeShape(tree_, options_);
-    found.whole = whole;
+    found.whole = whole_;
     return found;
 }
 

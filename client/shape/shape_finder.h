@@ -33,6 +33,9 @@ class ShapeFinder {
     // is complete or not well formed; who reads it for its values will say what is wrong.
     bool feed(std::string_view text);
 
+    // The text ends, and another one of the same document begins.  Throws Error (QV_NOMEM).
+    void nextText(bool lines);
+
     // The shape of what was fed, a part of a document too.  Nothing else may be called afterwards.
     FoundShape finish();
 
@@ -56,6 +59,8 @@ class ShapeFinder {
     };
 
     void setCallbacks();
+    void newParser(bool lines);
+    void endText();
     void name(std::string_view text);
     void otherName(std::string_view text);
     NameNode* memberOf(NameNode* node, std::string_view text);
@@ -68,6 +73,7 @@ class ShapeFinder {
     NameTree tree_;
     NameNode passed_;  // for what the tree has no room for
     std::vector<Frame> frames_;
+    bool whole_ = true;  // every text so far is well formed
     Events events_{};
     Handle<QVJSON> json_;
     Handle<JSNParser> parser_;

@@ -53,6 +53,10 @@ void checkNamedCache(const std::string& path, const Sources& sources) {
     }
 }
 
+std::vector<RereadableFile> rereadable(const InputList& inputs) {
+    return {inputs.files.begin(), inputs.files.end()};
+}
+
 // What to try, when the text looks like something else than was said.
 std::string hint(const DocumentReader& reader, const Error& error) {
     if (reader.otherEncoding() != nullptr) {
@@ -109,25 +113,29 @@ void failReading(const ReadingOptions& options, const DocumentReader& reader, co
     throw Error(error.status(), what, place, error.excerpt());
 }
 
-Session::Session(const ReadingOptions& options, const std::string& file, const std::string& map,
+Session::Session(const ReadingOptions& options, const InputList& inputs, const std::string& map,
                  const ReadingWishes& wishes)
     : options_(options),
       engine_(engineOptions(options_)),
-      input_(options_.shape.finds() ? std::optional<RereadableFile>(file) : std::nullopt),
+      rereadable_(options_.shape.finds() ? rereadable(inputs) : std::vector<RereadableFile>()),
       shape_(shapeOf(options_.shape,
-                     [this] { return cli::findShape(engine_, *input_, options_).shape(); })),
-      reader_(input_ ? input_->walk() : ByteSource::file(file), options_.text) {
+                     [this] { return cli::findShape(engine_, rereadable_, options_).shape(); })),
+      reader_(inputs, options_.text,
+              [this, next = std::size_t{0}](const std::string& file) mutable {
+                  return rereadable_.empty() ? ByteSource::file(file) : rereadable_[next++].walk();
+              }),
+      name_(reader_.name()) {
     if (!map.empty()) {
         map_.emplace(engine_, map);
     }
     if (!options_.cache.empty()) {
-        checkNamedCache(options_.cache, sourcesOf(file, map));
+        checkNamedCache(options_.cache, sourcesOf(inputs.files, map));
     }
     try {
         read(wishes);
         useMap();
     } catch (const Error& error) {
-        cli::failReading(options_, reader_, error);
+        cli::failReading(options_, reader_.current(), error);
     }
     tellUnmatched(name(), shape_, *document_);
     if (!options_.debug.empty()) {
@@ -143,6 +151,7 @@ void Session::read(const ReadingWishes& wishes) {
     DocumentOptions document = documentOptions(options_, engine_);
     document.watches = wishes.watches;
     document.shape = shape_;
+    document.sourceColumn = wishes.sourceColumn;
     document_.emplace(engine_, reader_.documentOptions(document));
     reader_.read(*document_, wishes.observer);
 }

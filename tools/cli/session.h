@@ -5,7 +5,7 @@
 #include "client/document.h"
 #include "client/engine.h"
 #include "client/error.h"
-#include "client/input/document_reader.h"
+#include "client/input/inputs_reader.h"
 #include "client/input/rereadable_file.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/maps/map_file.h"
@@ -19,10 +19,13 @@
 
 namespace qvej::cli {
 
+inline const std::string kSourceColumn = "source";
+
 // What else is asked of a text while it is read.
 struct ReadingWishes {
     std::vector<Watch> watches = {};                      // see DocumentOptions
     std::function<void(std::string_view)> observer = {};  // sees each piece of the text
+    std::string sourceColumn = kSourceColumn;             // see DocumentOptions
 };
 
 // Turns a mistake of a document that was read into the tool's, which names the options that would
@@ -34,8 +37,11 @@ class Session {
    public:
     // Reads the whole document, and first the user's map when one is named.  Throws a Failure, or
     // an Error with the name of its file.
-    Session(const ReadingOptions& options, const std::string& file, const std::string& map = {},
+    Session(const ReadingOptions& options, const InputList& inputs, const std::string& map = {},
             const ReadingWishes& wishes = {});
+    Session(const ReadingOptions& options, const std::string& file, const std::string& map = {},
+            const ReadingWishes& wishes = {})
+        : Session(options, InputList{{file}, false}, map, wishes) {}
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
@@ -46,7 +52,7 @@ class Session {
     [[nodiscard]] const MapFile* map() const { return map_ ? &*map_ : nullptr; }
 
     // What messages call the document.
-    [[nodiscard]] const std::string& name() const { return reader_.name(); }
+    [[nodiscard]] const std::string& name() const { return name_; }
 
     // What messages call the map in use: of the automatic one, the document.
     [[nodiscard]] const std::string& mapName() const { return map_ ? map_->name() : name(); }
@@ -60,9 +66,11 @@ class Session {
 
     ReadingOptions options_;
     Engine engine_;
-    std::optional<RereadableFile> input_;  // of a document that is to find its shape
+    // Of a document that is to find its shape: its files, which are read twice.
+    std::vector<RereadableFile> rereadable_;
     Shape shape_;
-    DocumentReader reader_;
+    InputsReader reader_;
+    std::string name_;
     std::optional<MapFile> map_;
     std::optional<Document> document_;
 };

@@ -165,8 +165,8 @@ $ { printf '{"'; head -c 1100000 /dev/zero | tr '\0' k; printf '":1}'; } | qvejm
 
 # Files that cannot be read.
 $ qvejmap check tmp
-! qvejmap: tmp: Is a directory
+! qvejmap: tmp: no file in this folder ends in .json, .jsonl or .ndjson
 ? 5
 $ qvejmap check "$(printf 'a\033[31mb\nc')"
-! qvejmap: a\u001b[31mb\nc: No such file or directory
+! qvejmap: a\u001b[31mb\nc: no file has a name like this
 ? 5

@@ -5,18 +5,18 @@ $ qvejmap --help
          qvejmap help [VERB]
   
   Verbs:
-    tables FILE                    list the tables: name, number of columns, path
-    map FILE [-o OUT]              print the map of tables and columns as JSON
+    tables FILE...                 list the tables: name, number of columns, path
+    map FILE... [-o OUT]           print the map of tables and columns as JSON
     map check MAP [FILE]           is a map well formed? does it fit FILE?
     map diff A B                   what one map has and another has not
     map merge A B... [-o OUT]      one map of all tables and columns of several
     map explain FILE TABLE.COLUMN  why a column is what it is, with places
     read FILE TABLE                print the rows of a table (name, path, ALLDATA)
-    convert FILE -o DIR            write every table to a file of its own
-    find FILE                      where values are: line, column, path, value
+    convert FILE... -o DIR         write every table to a file of its own
+    find FILE...                   where values are: line, column, path, value
     records FILE                   print every record: kind, path, value
     shape FILE [-o OUT]            print the shape that suits it, as rules
-    check FILE                     is it well formed? --account: where values go
+    check FILE...                  is it well formed? --account: where values go
   
   Options of tables:
     --names                 bare names, one a line
@@ -137,7 +137,7 @@ $ qvejmap --help
 $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
   qvejmap convert: write every table to a file of its own
   
-  Usage: qvejmap convert FILE -o DIR [OPTIONS]
+  Usage: qvejmap convert FILE... -o DIR [OPTIONS]
   
   Options of convert:
     -o,--output OUT         directory, made when missing
@@ -221,7 +221,7 @@ $ qvejmap orders.json convrt -o out
 ! qvejmap: no verb is named 'convrt'; did you mean convert? (qvejmap --help tells more)
 ? 2
 $ qvejmap map chek orders.json
-! qvejmap: map: 'orders.json' is one word too many; did you mean map check? (qvejmap --help tells more)
+! qvejmap: map: no file is named 'chek'; did you mean map check? (qvejmap --help tells more)
 ? 2
 $ qvejmap read orders.json orders --formt=csv
 ! qvejmap: no option is named '--formt'; did you mean --format, --force? (qvejmap --help tells more)
@@ -257,8 +257,8 @@ $ qvejmap read orders.json
 ! qvejmap: read: TABLE is missing (qvejmap --help tells more)
 ? 2
 $ qvejmap check orders.json more
-! qvejmap: check: 'more' is one word too many (qvejmap --help tells more)
-? 2
+! qvejmap: more: No such file or directory
+? 5
 $ qvejmap tables map
 ! qvejmap: there are two verbs, tables and map; a file of that name is ./map (qvejmap --help tells more)
 ? 2

@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <string>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace qvej::cli {
@@ -131,6 +132,13 @@ void placeWords(const std::vector<std::string>& words, Options& options) {
     if (rest.size() > verb.most) {
         usageError(name + ": " + inQuotes(rest[verb.most]) + " is one word too many" +
                    suggestion(name + " " + rest[0], verbNames(name + " ")));
+    }
+    const std::string other =
+        rest.size() > 1 && takesInputs(verb) && ::access(rest[0].c_str(), F_OK) != 0
+            ? suggestion(name + " " + rest[0], verbNames(name + " "))
+            : std::string();
+    if (!other.empty()) {
+        usageError(name + ": no file is named " + inQuotes(rest[0]) + other);
     }
     for (std::size_t i = 0; i < rest.size(); ++i) {
         // The name of a table may be empty.
@@ -384,13 +392,16 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     if (o.rejects == "-") {
         usageError("--rejects: must be a file, standard output has the rows");
     }
-    if (o.map == "-" && o.operands[0] == "-") {
+    const auto standardInputs = std::count(o.operands.begin(), o.operands.end(), "-");
+    if (o.map == "-" && standardInputs != 0) {
         usageError("FILE and --map cannot both be standard input");
+    }
+    if (takesInputs(*o.verb) && standardInputs > 1) {
+        usageError("only one FILE can be standard input");
     }
     const std::vector<std::string>& shapes = o.reading.shape.sources;
     const auto inputs = std::count(shapes.begin(), shapes.end(), "-");
-    const auto others =
-        std::count(o.operands.begin(), o.operands.end(), "-") + (o.map == "-" ? 1 : 0);
+    const auto others = standardInputs + (o.map == "-" ? 1 : 0);
     if (inputs != 0 && inputs + others > 1) {
         usageError("only one of --shape and the other files can be standard input");
     }
@@ -443,6 +454,9 @@ Options readOptions(int argc, char** argv) {
     placeWords(raw.words, options);
     checkOwners(app, options);
     translate(app, raw, options);
+    if (takesInputs(*options.verb)) {
+        options.inputs = inputList(options.operands);
+    }
     return options;
 }
 

@@ -3,6 +3,7 @@
 // Tested by tests/tool/golden/usage.t
 #pragma once
 
+#include "client/input/input_list.h"
 #include "client/shape/path_pattern.h"
 #include "formats/formats.h"
 #include "tools/cli/options/reading_options.h"
@@ -19,6 +20,7 @@ struct Verb;
 struct Options {
     const Verb* verb = nullptr;         // null: help or version was asked for, and printed
     std::vector<std::string> operands;  // the words after the verb, as many as it takes
+    InputList inputs;                   // of a verb that takes many: what the operands lead to
 
     std::string out;              // of map, shape and convert; empty: not given
     uint64_t limit = UINT64_MAX;  // of read and find

@@ -13,16 +13,25 @@ namespace qvej::cli {
 namespace {
 
 void tellWellFormed(const Session& session) {
+    std::vector<std::string> names;
+    for (const TextSource& text : session.document().texts()) {
+        names.push_back(text.name);
+    }
+    if (names.empty()) {
+        names.push_back(session.name());
+    }
     Writer out = standardOutput();
-    out.append(shown(session.name()));
-    out.append(": well formed\n");
+    for (const std::string& name : names) {
+        out.append(shown(name));
+        out.append(": well formed\n");
+    }
     out.flush();
 }
 
 ExitCode checkAccount(const Options& options) {
     Account account;
     {
-        const Session session(options.reading, options.operands[0], options.map);
+        const Session session(options.reading, options.inputs, options.map);
         try {
             account = takeAccount(session.document(), each(session.document().tables()),
                                   options.retain, options.carry);
@@ -39,7 +48,7 @@ ExitCode runCheck(const Options& options) {
     if (options.account) {
         return checkAccount(options);
     }
-    const Session session(options.reading, options.operands[0]);
+    const Session session(options.reading, options.inputs);
     if (!options.quiet) {
         tellWellFormed(session);
     }

@@ -30,6 +30,14 @@ std::string counted(uint64_t count, const std::string& noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
+std::string joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) {
+        text += (text.empty() ? "" : " ") + word;
+    }
+    return text;
+}
+
 // The options that shape what is written.
 std::vector<std::string> wordsOf(const Options& options) {
     const ReadingOptions standard;
@@ -71,10 +79,10 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
     if (options.alldata) {
         tables.push_back(&document.alldata());
     }
-    const Sources sources = sourcesOf(options.operands[0], options.map);
+    const Sources sources = sourcesOf(options.inputs.files, options.map);
     TableDirectory directory(options.out, *options.format, options.formatOptions, options.force,
                              sources,
-                             {QVEJMAP_VERSION, options.operands[0], wordsOf(options),
+                             {QVEJMAP_VERSION, joined(options.operands), wordsOf(options),
                               document.naming() == Naming::ORIGINAL});
     directory.open(tables);
     Rejects rejects(options.rejects, options.force, sources, &directory);
@@ -105,6 +113,9 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
     if (!shared.empty() && !options.quiet) {
         tell(shared);
     }
+    if (!options.quiet) {
+        tellSourceNames(document, tables, kSourceColumn);
+    }
     if (shapeMayHelp(options)) {
         tellShapeHint(document.tables());
     }
@@ -131,13 +142,13 @@ void checkOutput(const Options& options) {
     OutputFiles::checkDirectory(options.out);
     if (!options.rejects.empty()) {
         OutputFiles::checkFile(options.rejects, options.force,
-                               sourcesOf(options.operands[0], options.map), options.out);
+                               sourcesOf(options.inputs.files, options.map), options.out);
     }
 }
 
 ExitCode convertAndAccount(const Options& options, Account& account) {
     std::optional<cleanup::Output> output(options.out);  // for a signal while the document is read
-    const Session session(options.reading, options.operands[0], options.map);
+    const Session session(options.reading, options.inputs, options.map);
     output.reset();
     const std::vector<const Table*> tables = chosenTables(options, session.document().tables());
     if (session.map() != nullptr && !options.quiet) {

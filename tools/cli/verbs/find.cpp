@@ -1,5 +1,6 @@
 // qvejmap find: where values of a document are, a line each: line, column, path and value,
-// separated by TABs.  Control characters and backslashes appear as JSON escapes.
+// separated by TABs, and before them the file, when there may be several.  Control characters and
+// backslashes appear as JSON escapes.
 //
 // Tested by tests/tool/golden/find.t
 #include "client/escape.h"
@@ -23,7 +24,12 @@ void writeNumber(Writer& out, int64_t number) {
     out.append(std::string_view(digits, std::to_chars(digits, std::end(digits), number).ptr));
 }
 
-void writeFound(Writer& out, const FoundValue& value) {
+// `file`: stands before the place; empty: it does not.
+void writeFound(Writer& out, const std::string& file, const FoundValue& value) {
+    if (!file.empty()) {
+        appendEscaped(out, file, CONTROLS | BACKSLASH);
+        out.put('\t');
+    }
     writeNumber(out, value.at.line);
     out.put('\t');
     writeNumber(out, value.at.column);
@@ -54,27 +60,31 @@ class PromptWalk final : public ValueWalk {
 
 ExitCode runFind(const Options& options) {
     const ValueTest test(options.value, options.regex, options.ignoreCase);
-    DocumentReader reader(ByteSource::file(options.operands[0]), options.reading.text);
     const Engine engine({.maxDepth = options.reading.depth});
     Writer out = standardOutput();
     uint64_t left = options.limit;
-    const auto take = [&](const FoundValue& value) {
-        if (left != 0) {
-            writeFound(out, value);
-        }
-        if (left <= 1) {
-            throw EnoughFound{};
-        }
-        --left;
-    };
-    PromptWalk walk(out, engine, reader.documentOptions(), options.paths, test, take);
     try {
-        reader.read(walk);
+        for (const std::string& file : options.inputs.files) {
+            DocumentReader reader(ByteSource::file(file), options.reading.text);
+            const auto take = [&](const FoundValue& value) {
+                if (left != 0) {
+                    writeFound(out, options.inputs.several ? reader.name() : std::string(), value);
+                }
+                if (left <= 1) {
+                    throw EnoughFound{};
+                }
+                --left;
+            };
+            PromptWalk walk(out, engine, reader.documentOptions(), options.paths, test, take);
+            try {
+                reader.read(walk);
+            } catch (const Error& error) {
+                out.flush();
+                failReading(options.reading, reader, error);
+            }
+        }
     } catch (const EnoughFound&) {
         // The matches that were asked for have been written.
-    } catch (const Error& error) {
-        out.flush();
-        failReading(options.reading, reader, error);
     }
     out.flush();
     return DONE;

@@ -54,7 +54,7 @@ std::vector<Row> listColumns(const std::vector<const Table*>& tables) {
 }  // namespace
 
 ExitCode runTables(const Options& options) {
-    const Session session(options.reading, options.operands[0], options.map);
+    const Session session(options.reading, options.inputs, options.map);
     const Document& document = session.document();
     const std::vector<const Table*> tables = chosenTables(options, document.tables());
     if (session.map() != nullptr) {
@@ -73,6 +73,9 @@ ExitCode runTables(const Options& options) {
     const std::string shared = sharedNames(tables, document.naming(), options.reading.alldataName);
     if (!shared.empty() && !options.quiet) {
         tell(shared);
+    }
+    if (!options.quiet) {
+        tellSourceNames(document, tables, kSourceColumn);
     }
     if (shapeMayHelp(options)) {
         tellShapeHint(document.tables());

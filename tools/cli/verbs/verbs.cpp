@@ -8,8 +8,8 @@ namespace qvej::cli {
 namespace {
 
 constexpr Verb kVerbs[] = {
-    {"tables", "FILE", "list the tables: name, number of columns, path", 1, 1, runTables},
-    {"map", "FILE [-o OUT]", "print the map of tables and columns as JSON", 1, 1, runMap},
+    {"tables", "FILE...", "list the tables: name, number of columns, path", 1, SIZE_MAX, runTables},
+    {"map", "FILE... [-o OUT]", "print the map of tables and columns as JSON", 1, SIZE_MAX, runMap},
     {"map check", "MAP [FILE]", "is a map well formed? does it fit FILE?", 1, 2, runMapCheck},
     {"map diff", "A B", "what one map has and another has not", 2, 2, runMapDiff},
     {"map merge", "A B... [-o OUT]", "one map of all tables and columns of several", 2, SIZE_MAX,
@@ -17,11 +17,12 @@ constexpr Verb kVerbs[] = {
     {"map explain", "FILE TABLE.COLUMN", "why a column is what it is, with places", 2, 2,
      runMapExplain},
     {"read", "FILE TABLE", "print the rows of a table (name, path, ALLDATA)", 2, 2, runRead},
-    {"convert", "FILE -o DIR", "write every table to a file of its own", 1, 1, runConvert},
-    {"find", "FILE", "where values are: line, column, path, value", 1, 1, runFind},
+    {"convert", "FILE... -o DIR", "write every table to a file of its own", 1, SIZE_MAX,
+     runConvert},
+    {"find", "FILE...", "where values are: line, column, path, value", 1, SIZE_MAX, runFind},
     {"records", "FILE", "print every record: kind, path, value", 1, 1, runRecords},
     {"shape", "FILE [-o OUT]", "print the shape that suits it, as rules", 1, 1, runShape},
-    {"check", "FILE", "is it well formed? --account: where values go", 1, 1, runCheck},
+    {"check", "FILE...", "is it well formed? --account: where values go", 1, SIZE_MAX, runCheck},
 };
 
 const Verb* verbNamed(std::string_view name) {
@@ -54,7 +55,7 @@ FoundVerb findVerb(const std::vector<std::string>& words) {
 
 std::string operandName(const Verb& verb, std::size_t index) {
     std::string_view rest = verb.arguments;
-    for (; index != 0; --index) {
+    for (; index != 0 && !rest.substr(0, rest.find(' ')).ends_with("..."); --index) {
         rest.remove_prefix(rest.find(' ') + 1);
     }
     return std::string(rest.substr(0, rest.find_first_of(" .]")));

@@ -1,0 +1,48 @@
+// The texts of a list of inputs on their way into a Document, one after the other.
+//
+//     qvej::InputsReader reader(qvej::inputList({"a.json", "logs"}), {});
+//     qvej::Document document(engine, reader.documentOptions());
+//     reader.read(document);
+//
+// Tested by tests/client/several_texts_test.cpp and tests/tool/golden/inputs.t
+#pragma once
+
+#include "document_reader.h"
+#include "input_list.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace qvej {
+
+class InputsReader {
+   public:
+    // Gives the bytes of a file of the list.
+    using Open = std::function<ByteSource(const std::string& file)>;
+
+    // Opens the first file.  Throws as DocumentReader.
+    InputsReader(InputList inputs, const TextOptions& options, Open open = &ByteSource::file);
+
+    // `options` with what the document must know of its text or texts.
+    [[nodiscard]] DocumentOptions documentOptions(DocumentOptions options = {}) const;
+
+    // Feeds all texts to the document, which was made with those options, and finishes it.
+    // `observer` sees each piece before the document does.  Throws Error.
+    void read(Document& document, const std::function<void(std::string_view)>& observer = {});
+
+    // Of the text that is read, or was read last.
+    [[nodiscard]] const DocumentReader& current() const { return *current_; }
+
+    // What messages call all of it.
+    [[nodiscard]] std::string name() const;
+
+   private:
+    InputList inputs_;
+    TextOptions options_;
+    Open open_;
+    std::unique_ptr<DocumentReader> current_;
+};
+
+}  // namespace qvej
