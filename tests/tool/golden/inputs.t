@@ -172,3 +172,41 @@ $ qvejmap convert a.json b.json -o . --force
 $ cp a.json root.csv; qvejmap convert root.csv b.json -o . --force
 ! qvejmap: root.csv: the document itself, not replaced
 ? 5
+
+# Outputs apart: a directory and a map for each.
+$ qvejmap convert a.json logs ./a.json - --per-file -o apart < b.json && find apart -name '*.csv' | sort && cat apart/a_2/root.csv
+  apart/a/root.csv
+  apart/a/tags.csv
+  apart/a_2/root.csv
+  apart/a_2/tags.csv
+  apart/c/o.csv
+  apart/c/root.csv
+  apart/d/root.csv
+  apart/stdin/root.csv
+  ordinal_root,id\r
+  1,1\r
+! qvejmap: 2 tables, 2 rows in apart/a
+! qvejmap: 2 tables, 3 rows in apart/c
+! qvejmap: 1 table, 0 rows in apart/d
+! qvejmap: logs/deep/d.json: table root has no rows; its values are only in ALLDATA
+! qvejmap: logs/deep/d.json: 2 values are in no cell (qvejmap check --account tells which)
+! qvejmap: 2 tables, 2 rows in apart/a_2
+! qvejmap: 1 table, 2 rows in apart/stdin
+$ qvejmap convert a.json bad.json b.json --per-file -o some; find some -name '*.csv' | sort
+  some/a/root.csv
+  some/a/tags.csv
+! qvejmap: 2 tables, 2 rows in some/a
+! qvejmap: bad.json:2:4: a member name in double quotes was expected
+!      1,}
+!        ^
+$ qvejmap convert a.json b.json --per-file -o apart -q --map map.json --force; cat apart/b/root.csv
+  ordinal_root,id\r
+  1,2\r
+  2,three\r
+! qvejmap: b.json: table tags has no rows
+$ qvejmap convert a.json b.json --per-file -o apart
+! qvejmap: apart/a/root.csv: the file exists (--force replaces it)
+? 5
+$ qvejmap convert a.json b.json --per-file -o more --rejects r.csv
+! qvejmap: --per-file: neither --rejects nor --cache can be for several documents (qvejmap --help tells more)
+? 2

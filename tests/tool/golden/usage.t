@@ -33,6 +33,9 @@ $ qvejmap --help
     --alldata               convert: ALLDATA too (every value with its full path)
   
   Options of convert:
+    --per-file              a directory OUT/NAME for each input, with tables and
+                            a map of its own (default: all inputs are one data
+                            set, with a column source)
     --threads N             at most N threads (default: as many as there are
                             cores)
   
@@ -142,6 +145,9 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
   Options of convert:
     -o,--output OUT         directory, made when missing
     --alldata               ALLDATA too (every value with its full path)
+    --per-file              a directory OUT/NAME for each input, with tables and
+                            a map of its own (default: all inputs are one data
+                            set, with a column source)
     --threads N             at most N threads (default: as many as there are
                             cores)
     --account               count what becomes of every value, and tell which are
@@ -184,7 +190,7 @@ $ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read c
   map merge: -o,--output --compact --force -q,--quiet -h,--help --version
   map explain: --map --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
   read: --limit --map --rejects --format --null --ordinals --alldata-name --naming --retain --carry --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
-  convert: -o,--output --alldata --threads --account --table --path --map --rejects --format --null --ordinals --alldata-name --naming --retain --carry --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
+  convert: -o,--output --alldata --per-file --threads --account --table --path --map --rejects --format --null --ordinals --alldata-name --naming --retain --carry --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
   find: --limit --value --regex --ignore-case --path --lines --encoding --invalid --depth -q,--quiet -h,--help --version
   records: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
   shape: -o,--output --lines --encoding --invalid --depth --key-names --key-containers --fixed-length --inline-columns --force -q,--quiet -h,--help --version

@@ -28,6 +28,7 @@ constexpr Owner kOwners[] = {
     {"--verbose", "map check"},
     {"--account", "convert, check"},
     {"--alldata", "convert"},
+    {"--per-file", "convert"},
     {"--threads", "convert"},
     {"--limit", "read, find"},
     {"--value", "find"},

@@ -209,6 +209,10 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
         ->group("Options of map, shape and convert");
     app.add_flag("--alldata", o.alldata, "convert: ALLDATA too (every value with its full path)")
         ->group("Options of map, shape and convert");
+    app.add_flag("--per-file", o.perFile,
+                 "a directory OUT/NAME for each input, with tables and a map of its own (default: "
+                 "all inputs are one data set, with a column source)")
+        ->group("Options of convert");
     app.add_option("--threads", raw.threads,
                    "at most N threads (default: as many as there are cores)")
         ->type_name("N")
@@ -422,6 +426,9 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     }
     if (o.verb->name == "find" && o.paths.empty() && !o.value && !o.regex) {
         usageError("find: --path, --value or --regex is missing");
+    }
+    if (o.perFile && (!o.rejects.empty() || !o.reading.cache.empty())) {
+        usageError("--per-file: neither --rejects nor --cache can be for several documents");
     }
     if (o.verb->name == "convert" && o.out.empty()) {
         usageError("convert: -o DIR is missing");

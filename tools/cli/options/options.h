@@ -27,6 +27,7 @@ struct Options {
     bool names = false;           // of tables
     bool columns = false;         // of tables
     bool alldata = false;         // of convert
+    bool perFile = false;         // of convert
     bool exact = false;           // of map
     bool compact = false;         // of map and map merge
     bool verbose = false;         // of map check

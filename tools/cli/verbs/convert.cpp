@@ -17,6 +17,7 @@
 #include "tools/cli/reports/shape_report.h"
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"
+#include "tools/cli/verbs/folder_names.h"
 #include "tools/cli/verbs/verbs.h"
 
 #include <algorithm>
@@ -168,13 +169,41 @@ ExitCode convertAndAccount(const Options& options, Account& account) {
     }
 }
 
+ExitCode convertAll(const Options& options) {
+    Account account;
+    const ExitCode code = convertAndAccount(options, account);
+    return options.account ? std::max(code, reportAccount(options, account)) : code;
+}
+
+// What --per-file makes of the options: one for each input.
+std::vector<Options> optionsOfFiles(const Options& options) {
+    std::vector<Options> all;
+    const std::vector<std::string> names = folderNames(options.inputs.files);
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        Options& one = all.emplace_back(options);
+        one.operands = {options.inputs.files[i]};
+        one.inputs = {one.operands, false};
+        one.out += "/" + names[i];
+    }
+    return all;
+}
+
 }  // namespace
 
 ExitCode runConvert(const Options& options) {
     checkOutput(options);
-    Account account;
-    const ExitCode code = convertAndAccount(options, account);
-    return options.account ? std::max(code, reportAccount(options, account)) : code;
+    if (!options.perFile) {
+        return convertAll(options);
+    }
+    const std::vector<Options> files = optionsOfFiles(options);
+    for (const Options& file : files) {
+        checkOutput(file);
+    }
+    ExitCode code = DONE;
+    for (const Options& file : files) {
+        code = std::max(code, convertAll(file));
+    }
+    return code;
 }
 
 }  // namespace qvej::cli
