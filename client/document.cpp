@@ -69,7 +69,7 @@ Document::Document(Engine& engine, const DocumentOptions& options)
     if (status == QV_OK && (options.several || !options.shape.empty())) {
         status = setParser(options);
     }
-    if (status == QV_OK && !options.several && (options.lines || columnOf_)) {
+    if (status == QV_OK && !options.several && (options.lines || options.sequence || columnOf_)) {
         status = setRules(options);
     }
     if (status == QV_OK) {

@@ -36,6 +36,7 @@ struct Watch {
 struct DocumentOptions {
     QVCEI encoding = U_UTF8_CE;  // of the text that is fed; see Engine::encodingId
     bool lines = false;          // JSON Lines: one value a line, all of them one array
+    bool sequence = false;       // likewise, with any white space between the values, or none
     // For a text that was converted: the column of the byte at `offset` (from 0) of what is fed,
     // which is in the last piece, its end included.  It must not throw.  Empty: columns are counted
     // in bytes.
@@ -53,8 +54,8 @@ struct DocumentOptions {
     Naming naming = Naming::MAP;          // of the automatic tables and their columns
     std::vector<Watch> watches = {};
     Shape shape = {};  // rules for the document's events; the text must be UTF-8
-    // The document is several texts in UTF-8, one after the other: see Document::beginText. `lines`
-    // and `columnOf` are then those of each text.
+    // The document is several texts in UTF-8, one after the other: see Document::beginText.
+    // `lines`, `sequence` and `columnOf` are then those of each text.
     bool several = false;
     // Of several texts: each table begins with a column that has the name of the text that a row is
     // of.  It is called so; empty: no such column.
@@ -116,9 +117,9 @@ class Document : public TextConsumer {
     void feed(std::string_view text) override;
 
     // Of a document of several texts: another one begins, then it is fed, then it ends.  Of the
-    // options `lines` and `columnOf` count.  The texts are elements of one sequence, as the lines
-    // of JSON Lines are: the root of each is a root of the document.  `name`: what the column of
-    // the names has; what is no UTF-8 in it becomes U+FFFD.  They throw as `feed`, and
+    // options `lines`, `sequence` and `columnOf` count.  The texts are elements of one sequence, as
+    // the lines of JSON Lines are: the root of each is a root of the document.  `name`: what the
+    // column of the names has; what is no UTF-8 in it becomes U+FFFD.  They throw as `feed`, and
     // JMAP_INCOMPLETE when the text is not complete.
     void beginText(const std::string& name, const DocumentOptions& options);
     void endText();

@@ -6,6 +6,7 @@ namespace qvej {
 JSNTextRules textRules(const DocumentOptions& options, std::function<int64_t(int64_t)>& columnOf) {
     JSNTextRules rules = {};
     rules.lines = options.lines ? 1 : 0;
+    rules.sequence = options.sequence ? 1 : 0;
     if (columnOf) {
         rules.arg = &columnOf;
         rules.columnOf = [](void* arg, int64_t offset) {

@@ -28,11 +28,13 @@ std::string describe(const std::string& name) {
 
 DocumentReader::DocumentReader(ByteSource source, const TextOptions& options)
     : text_(std::move(source), options.encoding, options.replaceInvalid),
+      linesSaid_(options.lines),
       linesByName_(!options.lines && namedAsLines(name())),
-      lines_(options.lines || linesByName_) {}
+      form_(linesSaid_ || linesByName_ ? TextForm::LINES : textFormOf(text_.start())) {}
 
 DocumentOptions DocumentReader::documentOptions(DocumentOptions options) const {
-    options.lines = lines_;
+    options.lines = form_ == TextForm::LINES;
+    options.sequence = form_ == TextForm::SEQUENCE;
     if (text_.recoded()) {
         options.columnOf = [this](int64_t offset) { return text_.columnOf(offset); };
     }

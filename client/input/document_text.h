@@ -18,6 +18,9 @@ class DocumentText {
     // `encoding`: a name, or "auto" to go by the first bytes.  Throws Error.
     DocumentText(ByteSource source, const std::string& encoding, bool replaceInvalid);
 
+    // Before `next`: the beginning of the text, a mebibyte of the unpacked document or all of it.
+    [[nodiscard]] std::string start() const;
+
     // The next piece, empty at the end and where the text is broken.  It lives until the next call.
     // Throws Error.
     std::string_view next();
@@ -51,6 +54,7 @@ class DocumentText {
     std::string_view piece_;  // what is not converted yet
     std::string guess_;
     std::string encoding_;
+    Recoder::Invalid invalid_;
     bool looksOther_ = false;
     std::optional<Recoder> recoder_;  // none: the text passes as it is
     int64_t markBytes_ = 0;           // of a byte order mark that was left out

@@ -55,16 +55,16 @@ bool equal(const std::string& a, std::string_view b) {
 
 }  // namespace
 
-ShapeFinder::ShapeFinder(QVHndlp host, bool lines, const FinderOptions& options)
+ShapeFinder::ShapeFinder(QVHndlp host, TextForm form, const FinderOptions& options)
     : options_(options), tree_(options) {
     // The root is the one value of a frame that is never closed.
     frames_.push_back({&tree_.root(), &tree_.root(), nullptr, 0, NameNode::MEMBER});
     setCallbacks();
     json_.reset(reinterpret_cast<QVJSONh>(host->loadExtension(host, U"qvejson", 7, host->jnl)));
-    newParser(lines);
+    newParser(form);
 }
 
-void ShapeFinder::newParser(bool lines) {
+void ShapeFinder::newParser(TextForm form) {
     JSNParserParms parms = {};
     parms.textCei = parms.callbackCei = U_UTF8_CE;
     parms.flags = JSN_PARSER_FLAGS;
@@ -74,7 +74,8 @@ void ShapeFinder::newParser(bool lines) {
         throw Error(QV_NOMEM);
     }
     JSNTextRules rules = {};
-    rules.lines = lines ? 1 : 0;
+    rules.lines = form == TextForm::LINES ? 1 : 0;
+    rules.sequence = form == TextForm::SEQUENCE ? 1 : 0;
     parser_->setRules(parser_.get(), &rules);
 }
 
@@ -135,9 +136,9 @@ void ShapeFinder::endText() {
     whole_ = whole_ && whole;
 }
 
-void ShapeFinder::nextText(bool lines) {
+void ShapeFinder::nextText(TextForm form) {
     endText();
-    newParser(lines);
+    newParser(form);
 }
 
 FoundShape ShapeFinder::finish() {

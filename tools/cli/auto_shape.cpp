@@ -13,9 +13,9 @@ FoundShape findShape(const Engine& engine, std::span<RereadableFile> files,
     for (RereadableFile& file : files) {
         DocumentReader reader(file.walk(), reading.text);
         if (finder) {
-            finder->nextText(reader.lines());
+            finder->nextText(reader.form());
         } else {
-            finder.emplace(engine.host(), reader.lines(), reading.shape.finding);
+            finder.emplace(engine.host(), reader.form(), reading.shape.finding);
         }
         try {
             reader.pass([&](std::string_view piece) { return finder->feed(piece); });

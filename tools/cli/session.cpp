@@ -70,7 +70,8 @@ std::string hint(const DocumentReader& reader, const Error& error) {
         case QV_JSON_LINE_END:
             return reader.linesByName()
                        ? " (a file of this name holds one value a line; give any other as \"-\")"
-                       : "";
+                   : reader.linesByContent() ? " (this looks like JSON Lines, one value a line)"
+                                             : "";
         default:
             return {};
     }

@@ -30,10 +30,7 @@ $ printf '{"a":1} x' | qvejmap check -
 !             ^
 ? 3
 $ printf '{"a":1}\n{"a":2}\n' | qvejmap check -
-! qvejmap: <stdin>:2:1: only white space may follow the document (--lines for one value a line)
-!     {"a":2}
-!     ^
-? 3
+  <stdin>: well formed
 $ printf '\357\273\277{}' | qvejmap check -
   <stdin>: well formed
 $ printf '{"a":01}' | qvejmap check -
