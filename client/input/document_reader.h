@@ -25,6 +25,8 @@ namespace qvej {
 struct TextOptions {
     std::string encoding = "auto";  // any name that ICU knows; "auto": by the first bytes
     bool replaceInvalid = false;    // what is wrong in the encoding becomes U+FFFD
+    bool late = false;              // the document gets the text later than it is read: columns are
+                                    // counted in UTF-8, whatever its encoding
     bool lines = false;             // JSON Lines, whatever the source is called or holds
 };
 
@@ -68,6 +70,7 @@ class DocumentReader {
     void feed(TextConsumer& document, const std::function<void(std::string_view)>& observer);
 
     DocumentText text_;
+    bool late_;
     bool linesSaid_;
     bool linesByName_;
     TextForm form_;

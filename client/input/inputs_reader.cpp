@@ -18,9 +18,12 @@ DocumentOptions InputsReader::documentOptions(DocumentOptions options) const {
     return current_->documentOptions(options);
 }
 
-void InputsReader::read(Document& document, const std::function<void(std::string_view)>& observer) {
+void InputsReader::read(Document& document, const ReadText& readText) {
+    const auto read = [&](TextConsumer& text) {
+        readText ? readText(*current_, text) : current_->read(text);
+    };
     if (!inputs_.several) {
-        current_->read(document, observer);
+        read(document);
         return;
     }
     for (std::size_t i = 0; i < inputs_.files.size(); ++i) {
@@ -28,7 +31,7 @@ void InputsReader::read(Document& document, const std::function<void(std::string
             current_ = std::make_unique<DocumentReader>(open_(inputs_.files[i]), options_);
         }
         TextOfDocument text(document, current_->name(), current_->documentOptions());
-        current_->read(text, observer);
+        read(text);
     }
     document.finish();
 }

@@ -28,9 +28,12 @@ class InputsReader {
     // `options` with what the document must know of its text or texts.
     [[nodiscard]] DocumentOptions documentOptions(DocumentOptions options = {}) const;
 
-    // Feeds all texts to the document, which was made with those options, and finishes it.
-    // `observer` sees each piece before the document does.  Throws Error.
-    void read(Document& document, const std::function<void(std::string_view)>& observer = {});
+    // Has a text read into what takes it: `reader.read(text)`, or with something in between.
+    using ReadText = std::function<void(DocumentReader& reader, TextConsumer& text)>;
+
+    // Feeds all texts to the document, which was made with those options, and finishes it.  Throws
+    // Error.
+    void read(Document& document, const ReadText& readText = {});
 
     // Of the text that is read, or was read last.
     [[nodiscard]] const DocumentReader& current() const { return *current_; }

@@ -114,14 +114,53 @@ void failReading(const ReadingOptions& options, const DocumentReader& reader, co
     throw Error(error.status(), what, place, error.excerpt());
 }
 
+void readText(const ReadingOptions& options, const Engine& engine, DocumentReader& reader,
+              TextConsumer& text, const std::function<void(const BadLine&)>& onBad,
+              const std::function<void(std::string_view)>& observer) {
+    if (!options.skipBadLines) {
+        reader.read(text, observer);
+        return;
+    }
+    if (reader.form() != TextForm::LINES) {
+        throw Failure(WRONG_USAGE,
+                      reader.name() +
+                          ": --skip-bad-lines is for JSON Lines, and this does not look "
+                          "like it (--lines says that it is)");
+    }
+    LineSieve sieve(engine, text, onBad);
+    reader.read(sieve, observer);
+}
+
+std::optional<Error> mistakeOf(const ReadingOptions& options, const Engine& engine,
+                               RereadableFile& file) {
+    try {
+        DocumentReader reader(file.walk(), options.text);
+        try {
+            TextCheck check(engine, reader.documentOptions());
+            readText(options, engine, reader, check, [](const BadLine&) {});
+        } catch (const Error& error) {
+            failReading(options, reader, error);
+        }
+        return std::nullopt;
+    } catch (const Error& error) {
+        const ExitCode code = exitCodeOf(error.status());
+        if (code != NOT_JSON && code != FILE_TROUBLE) {
+            throw;
+        }
+        return error;
+    }
+}
+
 Session::Session(const ReadingOptions& options, const InputList& inputs, const std::string& map,
                  const ReadingWishes& wishes)
     : options_(options),
       engine_(engineOptions(options_)),
-      rereadable_(options_.shape.finds() ? rereadable(inputs) : std::vector<RereadableFile>()),
+      rereadable_(options_.shape.finds() || options_.skipBadFiles ? rereadable(inputs)
+                                                                  : std::vector<RereadableFile>()),
+      inputs_(options_.skipBadFiles ? goodOf(inputs, !wishes.again) : inputs),
       shape_(shapeOf(options_.shape,
                      [this] { return cli::findShape(engine_, rereadable_, options_).shape(); })),
-      reader_(inputs, options_.text,
+      reader_(inputs_, options_.text,
               [this, next = std::size_t{0}](const std::string& file) mutable {
                   return rereadable_.empty() ? ByteSource::file(file) : rereadable_[next++].walk();
               }),
@@ -130,7 +169,7 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
         map_.emplace(engine_, map);
     }
     if (!options_.cache.empty()) {
-        checkNamedCache(options_.cache, sourcesOf(inputs.files, map));
+        checkNamedCache(options_.cache, sourcesOf(inputs_.files, map));
     }
     try {
         read(wishes);
@@ -154,7 +193,35 @@ void Session::read(const ReadingWishes& wishes) {
     document.shape = shape_;
     document.sourceColumn = wishes.sourceColumn;
     document_.emplace(engine_, reader_.documentOptions(document));
-    reader_.read(*document_, wishes.observer);
+    if (wishes.keepBadLines) {
+        skipped_.keepLines();
+    }
+    reader_.read(*document_, [&](DocumentReader& reader, TextConsumer& text) {
+        const auto onBad = [&](const BadLine& line) { skipped_.takeLine(reader.name(), line); };
+        readText(options_, engine_, reader, text, onBad, wishes.observer);
+    });
+    if (!wishes.again) {
+        skipped_.tellLines();
+    }
+}
+
+// The inputs that are well formed; the others are told.
+InputList Session::goodOf(InputList inputs, bool tells) {
+    InputList good = {{}, inputs.several};
+    std::vector<RereadableFile> files;
+    for (std::size_t i = 0; i < inputs.files.size(); ++i) {
+        const std::optional<Error> mistake = mistakeOf(options_, engine_, rereadable_[i]);
+        if (!mistake) {
+            good.files.push_back(inputs.files[i]);
+            files.push_back(rereadable_[i]);
+        } else if (good.files.empty() && i + 1 == inputs.files.size()) {
+            throw AllBad(*mistake);
+        } else if (tells) {
+            skipped_.takeFile(*mistake);
+        }
+    }
+    rereadable_ = std::move(files);
+    return good;
 }
 
 void Session::useMap() {

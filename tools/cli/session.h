@@ -10,6 +10,7 @@
 #include "tools/cli/failure.h"
 #include "tools/cli/maps/map_file.h"
 #include "tools/cli/options/reading_options.h"
+#include "tools/cli/reports/skipped.h"
 
 #include <functional>
 #include <optional>
@@ -26,6 +27,8 @@ struct ReadingWishes {
     std::vector<Watch> watches = {};                      // see DocumentOptions
     std::function<void(std::string_view)> observer = {};  // sees each piece of the text
     std::string sourceColumn = kSourceColumn;             // see DocumentOptions
+    bool keepBadLines = false;                            // that are skipped: see Skipped
+    bool again = false;                                   // what is skipped has been told
 };
 
 // Turns a mistake of a document that was read into the tool's, which names the options that would
@@ -33,10 +36,19 @@ struct ReadingWishes {
 [[noreturn]] void failReading(const ReadingOptions& options, const DocumentReader& reader,
                               const Error& error);
 
+// Has a text read into what takes it, without its bad lines when the options say so.
+void readText(const ReadingOptions& options, const Engine& engine, DocumentReader& reader,
+              TextConsumer& text, const std::function<void(const BadLine&)>& onBad,
+              const std::function<void(std::string_view)>& observer = {});
+
+// What is wrong with a file that cannot be read or is not well formed; nothing is.
+std::optional<Error> mistakeOf(const ReadingOptions& options, const Engine& engine,
+                               RereadableFile& file);
+
 class Session {
    public:
     // Reads the whole document, and first the user's map when one is named.  Throws a Failure, or
-    // an Error with the name of its file.
+    // an Error with the name of its file; AllBad when no file is left.
     Session(const ReadingOptions& options, const InputList& inputs, const std::string& map = {},
             const ReadingWishes& wishes = {});
     Session(const ReadingOptions& options, const std::string& file, const std::string& map = {},
@@ -57,17 +69,23 @@ class Session {
     // What messages call the map in use: of the automatic one, the document.
     [[nodiscard]] const std::string& mapName() const { return map_ ? map_->name() : name(); }
 
+    // What the options had left out.
+    [[nodiscard]] const Skipped& skipped() const { return skipped_; }
+
     // Turns a failure of the finished document (its records cannot be read back) into the tool's.
     [[noreturn]] void failReading(const Error& error) const;
 
    private:
+    InputList goodOf(InputList inputs, bool tells);
     void read(const ReadingWishes& wishes);
     void useMap();
 
     ReadingOptions options_;
     Engine engine_;
-    // Of a document that is to find its shape: its files, which are read twice.
+    Skipped skipped_;
+    // Of a document whose files are read more than once, to find its shape or the bad ones.
     std::vector<RereadableFile> rereadable_;
+    InputList inputs_;  // without the bad ones
     Shape shape_;
     InputsReader reader_;
     std::string name_;

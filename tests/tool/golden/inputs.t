@@ -210,3 +210,131 @@ $ qvejmap convert a.json b.json --per-file -o apart
 $ qvejmap convert a.json b.json --per-file -o more --rejects r.csv
 ! qvejmap: --per-file: neither --rejects nor --cache can be for several documents (qvejmap --help tells more)
 ? 2
+
+# Bad lines are left out, and told.
+$ printf '{"id":1}\n{"id":}\n\n{"id":4} 5\n{"id":6,"o":"caf\351"}\n{"id":7}\n{"id"' > bad.jsonl
+$ qvejmap read bad.jsonl root --skip-bad-lines
+  ordinal_root,id\r
+  1,1\r
+  2,7\r
+! qvejmap: 4 lines skipped, the first: bad.jsonl:2:7: a value was expected: "{"id":}"
+? 1
+$ qvejmap convert bad.jsonl a.json b.json --skip-bad-lines -o skipping
+! qvejmap: a.json: --skip-bad-lines is for JSON Lines, and this does not look like it (--lines says that it is)
+? 2
+$ qvejmap convert bad.jsonl logs/c.jsonl.gz --skip-bad-lines -o skipping -q --rejects bad.csv; cat bad.csv skipping/root.csv
+  table,row,column,path,ordinals,text,reason\r
+  ,2,,bad.jsonl:2:7,,"{""id"":}",a value was expected\r
+  ,4,,bad.jsonl:4:10,,"{""id"":4} 5",only white space may follow the value in its line\r
+  ,5,,bad.jsonl:5:17,,"{""id"":6,""o"":""caf�""}",invalid UTF-8\r
+  ,7,,bad.jsonl:7:6,,"{""id""",the value does not end in its line\r
+  source_1,ordinal_root,id,Source\r
+  bad.jsonl,1,1,\r
+  bad.jsonl,2,7,\r
+  logs/c.jsonl.gz,3,4,s\r
+  logs/c.jsonl.gz,4,5,\r
+! qvejmap: 4 lines skipped, the first: bad.jsonl:2:7: a value was expected: "{"id":}"
+$ sed 's/\r$//' bad.csv | wc -l; qvejmap tables bad.jsonl --skip-bad-lines --names; qvejmap find bad.jsonl --path /root/id --skip-bad-lines
+  5
+  root
+  1\t7\t/root/id\t1
+  6\t7\t/root/id\t7
+! qvejmap: 4 lines skipped, the first: bad.jsonl:2:7: a value was expected: "{"id":}"
+! qvejmap: 4 lines skipped, the first: bad.jsonl:2:7: a value was expected: "{"id":}"
+? 1
+$ qvejmap check bad.jsonl --skip-bad-lines --account -q
+  2 values = 2 in cells + 0 overwritten + 0 no column + 0 no row + 0 rejected
+! qvejmap: 4 lines skipped, the first: bad.jsonl:2:7: a value was expected: "{"id":}"
+? 1
+$ printf '{"id":1}\n{"id":\303\244}\n{"id":"\303\244", "id":2}' | iconv -t utf-16 | qvejmap check - --skip-bad-lines --account
+  path\tvalues\tlost\tfirst
+  /root/id\t1\toverwritten\t
+  3 values = 2 in cells + 1 overwritten + 0 no column + 0 no row + 0 rejected
+! qvejmap: 1 line skipped: <stdin>:2:7: a value was expected: "{"id":ä}"
+? 1
+$ qvejmap check a.json --skip-bad-lines
+! qvejmap: a.json: --skip-bad-lines is for JSON Lines, and this does not look like it (--lines says that it is)
+? 2
+$ printf 'x\n{"id":1}\n' | qvejmap read - root --skip-bad-lines --lines
+  ordinal_root,id\r
+  1,1\r
+! qvejmap: 1 line skipped: <stdin>:1:1: not a JSON word: only true, false and null stand unquoted: "x"
+? 1
+$ printf '{"a":1}\n{"a":1x}\n' | qvejmap map explain - root.a --skip-bad-lines
+! qvejmap: --skip-bad-lines belongs to tables, map, read, convert, find, records, check, not to map explain (qvejmap --help tells more)
+? 2
+
+# Bad files are left out, and told.
+$ qvejmap convert bad.json a.json short.json empty.json missing.json scalar.json logs b.json --skip-bad-files -o good; cat good/root.csv
+  source_1,ordinal_root,id,Source,element1,element2\r
+  a.json,1,1,,,\r
+  logs/c.jsonl.gz,2,4,s,,\r
+  logs/c.jsonl.gz,3,5,,,\r
+  logs/deep/d.json,4,,,6,7\r
+  b.json,5,2,,,\r
+  b.json,6,three,,,\r
+! qvejmap: skipped: bad.json:2:4: a member name in double quotes was expected
+!      1,}
+!        ^
+! qvejmap: skipped: short.json:1:7: the document ends before a complete object or array
+!     {"id":
+!           ^
+! qvejmap: skipped: empty.json:1:1: the document ends before a complete object or array
+! qvejmap: skipped: missing.json: No such file or directory
+! qvejmap: skipped: scalar.json:1:1: a document must be an object or an array
+!     12
+!     ^
+! qvejmap: 3 tables, 8 rows in good
+! qvejmap: the column of file names has another name where source is taken: root.source_1
+$ qvejmap check bad.json a.json --skip-bad-files; qvejmap map bad.json b.json --skip-bad-files --compact
+  a.json: well formed
+  {"DATASETS":[{"DSNAME":"root","TABLEPATH":"/root","VARIABLES":[{"NAME":"ordinal_root","TYPE":"ORDINAL","PATH":"/root"},{"NAME":"id","TYPE":"CHARACTER","PATH":"/root/id","CURRENT_LENGTH":5}]}]}
+! qvejmap: skipped: bad.json:2:4: a member name in double quotes was expected
+!      1,}
+!        ^
+! qvejmap: skipped: bad.json:2:4: a member name in double quotes was expected
+!      1,}
+!        ^
+? 1
+$ qvejmap tables bad.json short.json --skip-bad-files
+! qvejmap: skipped: bad.json:2:4: a member name in double quotes was expected
+!      1,}
+!        ^
+! qvejmap: short.json:1:7: the document ends before a complete object or array
+!     {"id":
+!           ^
+? 3
+$ qvejmap find bad.json b.json --skip-bad-files --path '/**/id'
+  b.json\t1\t8\t/root/id\t2
+  b.json\t1\t17\t/root/id\tthree
+! qvejmap: skipped: bad.json:2:4: a member name in double quotes was expected
+!      1,}
+!        ^
+? 1
+$ qvejmap find bad.json --skip-bad-files --path '/**/id'
+! qvejmap: bad.json:2:4: a member name in double quotes was expected
+!      1,}
+!        ^
+? 3
+$ qvejmap convert bad.json - short.json --skip-bad-files --per-file -o each --shape auto < b.json
+! qvejmap: skipped: bad.json:2:4: a member name in double quotes was expected
+!      1,}
+!        ^
+! qvejmap: 1 table, 2 rows in each/stdin
+! qvejmap: skipped: short.json:1:7: the document ends before a complete object or array
+!     {"id":
+!           ^
+? 1
+$ qvejmap convert bad.json short.json --skip-bad-files --per-file -o each
+! qvejmap: skipped: bad.json:2:4: a member name in double quotes was expected
+!      1,}
+!        ^
+! qvejmap: short.json:1:7: the document ends before a complete object or array
+!     {"id":
+!           ^
+? 3
+$ printf '[[1]]' > deep.json; qvejmap check deep.json a.json --depth 1 --skip-bad-files
+! qvejmap: deep.json:1:2: the document is nested deeper than the limit of 1 (--depth)
+!     [[1]]
+!      ^
+? 6

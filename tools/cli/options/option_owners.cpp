@@ -51,6 +51,8 @@ constexpr Owner kOwners[] = {
     {"--naming", "tables, read, convert"},
     {"--force", "map, map merge, shape, read, convert"},
     {"--lines", kWalkers},
+    {"--skip-bad-lines", "tables, map, read, convert, find, records, check"},
+    {"--skip-bad-files", "tables, map, convert, find, check"},
     {"--encoding", kWalkers},
     {"--invalid", kWalkers},
     {"--depth", kWalkers},

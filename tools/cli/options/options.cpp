@@ -289,7 +289,15 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     const std::string reading = "Reading the document";
     app.add_flag("--lines", o.reading.text.lines,
                  "JSON Lines: a value in each line, no more and no less, or nothing (default: by "
-                 "the name, .jsonl or .ndjson)")
+                 "the name, .jsonl or .ndjson, or the first values)")
+        ->group(reading);
+    app.add_flag("--skip-bad-lines", o.reading.skipBadLines,
+                 "JSON Lines: leave out lines that are no JSON, and tell (exit code 1); --rejects "
+                 "lists them")
+        ->group(reading);
+    app.add_flag("--skip-bad-files", o.reading.skipBadFiles,
+                 "leave out files that cannot be read or are not well formed, and tell (exit code "
+                 "1)")
         ->group(reading);
     app.add_option("--encoding", o.reading.text.encoding,
                    "encoding of FILE, any that ICU names (default: auto, by a byte order mark or "
@@ -368,6 +376,7 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
         checkNull(raw.null, *o.format);
         o.formatOptions.null = raw.null;
     }
+    o.reading.text.late = o.reading.skipBadLines;
     o.reading.text.replaceInvalid = raw.invalid == "replace";
     if (!o.reading.text.replaceInvalid && raw.invalid != "error") {
         usageError("--invalid: " + inQuotes(raw.invalid) + " is none of error, replace");

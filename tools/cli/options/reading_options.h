@@ -14,6 +14,8 @@ namespace qvej::cli {
 struct ReadingOptions {
     TextOptions text;
     ShapeOptions shape;
+    bool skipBadLines = false;
+    bool skipBadFiles = false;
     uint64_t depth = 1000;           // 0: any
     uint64_t maxPaths = 10'000'000;  // 0: any number
     bool compress = false;

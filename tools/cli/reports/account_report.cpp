@@ -72,7 +72,7 @@ void findPlaces(const Options& options, const Shape& shape, std::vector<Line>& l
     again.cache.clear();
     again.shape = {{}, shape, {}};
     again.debug.clear();
-    const Session session(again, options.inputs, {}, {.watches = watches});
+    const Session session(again, options.inputs, {}, {.watches = watches, .again = true});
     for (std::size_t i = 0; i < wanted.size(); ++i) {
         wanted[i]->place = session.document().watched(i);
     }

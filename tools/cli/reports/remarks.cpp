@@ -89,6 +89,12 @@ std::string sharedNames(const std::vector<const Table*>& tables, Naming naming,
     return text + (text.empty() || hidden.empty() ? "" : "; ") + hidden;
 }
 
+std::string shortened(std::string_view text) {
+    constexpr std::size_t kShownBytes = 40;
+    const std::string_view start = withoutUnfinished(text.substr(0, kShownBytes));
+    return "\"" + std::string(start) + (start.size() < text.size() ? "..." : "") + "\"";
+}
+
 std::string spotText(const std::string& file, Spot spot, const std::vector<TextSource>& texts) {
     if (spot.line == 0) {
         return file;

@@ -25,6 +25,9 @@ std::string sharedNames(const std::vector<const Table*>& tables, Naming naming,
 // One line on a table that has the name of ALLDATA, in any case; empty: there is none.
 std::string hiddenAlldata(const std::vector<const Table*>& tables, const std::string& alldataName);
 
+// The beginning of a value, in quotes.
+std::string shortened(std::string_view text);
+
 // "FILE:3:14"; only FILE when the place is not known.  `texts`: of the document; of several the
 // place is in one of them.
 std::string spotText(const std::string& file, Spot spot, const std::vector<TextSource>& texts = {});

@@ -8,6 +8,8 @@
 #include "tools/cli/session.h"
 #include "tools/cli/verbs/verbs.h"
 
+#include <algorithm>
+
 namespace qvej::cli {
 
 namespace {
@@ -30,16 +32,18 @@ void tellWellFormed(const Session& session) {
 
 ExitCode checkAccount(const Options& options) {
     Account account;
+    ExitCode code = DONE;
     {
         const Session session(options.reading, options.inputs, options.map);
         try {
             account = takeAccount(session.document(), each(session.document().tables()),
                                   options.retain, options.carry);
+            code = session.skipped().exitCode();
         } catch (const Error& error) {
             session.failReading(error);
         }
     }
-    return reportAccount(options, account);
+    return std::max(code, reportAccount(options, account));
 }
 
 }  // namespace
@@ -52,7 +56,7 @@ ExitCode runCheck(const Options& options) {
     if (!options.quiet) {
         tellWellFormed(session);
     }
-    return DONE;
+    return session.skipped().exitCode();
 }
 
 }  // namespace qvej::cli

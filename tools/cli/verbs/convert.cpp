@@ -15,6 +15,7 @@
 #include "tools/cli/reports/rejects.h"
 #include "tools/cli/reports/remarks.h"
 #include "tools/cli/reports/shape_report.h"
+#include "tools/cli/reports/skipped.h"
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"
 #include "tools/cli/verbs/folder_names.h"
@@ -87,6 +88,7 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
                               document.naming() == Naming::ORIGINAL});
     directory.open(tables);
     Rejects rejects(options.rejects, options.force, sources, &directory);
+    rejects.takeLines(session.skipped());
     TableOutputs outputs(document, tables, directory,
                          [&](const Table& table) { return rejects.handlerFor(table); });
     TablePass pass(document, tables, options.retain, options.carry);
@@ -130,7 +132,7 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
         code = tellLost(session.name(), document, rowLossesOf(pass, tables), lost);
     }
     tellSharedNames(session.mapName(), tables, *options.format);
-    return std::max(code, rejects.tellAll());
+    return std::max({code, rejects.tellAll(), session.skipped().exitCode()});
 }
 
 // What need not wait for the document.
@@ -149,7 +151,8 @@ void checkOutput(const Options& options) {
 
 ExitCode convertAndAccount(const Options& options, Account& account) {
     std::optional<cleanup::Output> output(options.out);  // for a signal while the document is read
-    const Session session(options.reading, options.inputs, options.map);
+    const Session session(options.reading, options.inputs, options.map,
+                          {.keepBadLines = !options.rejects.empty()});
     output.reset();
     const std::vector<const Table*> tables = chosenTables(options, session.document().tables());
     if (session.map() != nullptr && !options.quiet) {
@@ -200,10 +203,20 @@ ExitCode runConvert(const Options& options) {
         checkOutput(file);
     }
     ExitCode code = DONE;
+    Skipped skipped;
+    bool good = false;
     for (const Options& file : files) {
-        code = std::max(code, convertAll(file));
+        try {
+            code = std::max(code, convertAll(file));
+            good = true;
+        } catch (const AllBad& mistake) {
+            if (!good && &file == &files.back()) {
+                throw;
+            }
+            skipped.takeFile(mistake);
+        }
     }
-    return code;
+    return std::max(code, skipped.exitCode());
 }
 
 }  // namespace qvej::cli

@@ -11,6 +11,7 @@
 #include "tools/cli/verbs/verbs.h"
 
 #include <charconv>
+#include <optional>
 #include <utility>
 
 namespace qvej::cli {
@@ -63,31 +64,51 @@ ExitCode runFind(const Options& options) {
     const Engine engine({.maxDepth = options.reading.depth});
     Writer out = standardOutput();
     uint64_t left = options.limit;
+    Skipped skipped;
+    const auto walkOver = [&](ByteSource source) {
+        DocumentReader reader(std::move(source), options.reading.text);
+        const auto take = [&](const FoundValue& value) {
+            if (left != 0) {
+                writeFound(out, options.inputs.several ? reader.name() : std::string(), value);
+            }
+            if (left <= 1) {
+                throw EnoughFound{};
+            }
+            --left;
+        };
+        PromptWalk walk(out, engine, reader.documentOptions(), options.paths, test, take);
+        try {
+            readText(options.reading, engine, reader, walk,
+                     [&](const BadLine& line) { skipped.takeLine(reader.name(), line); });
+        } catch (const Error& error) {
+            out.flush();
+            failReading(options.reading, reader, error);
+        }
+    };
     try {
-        for (const std::string& file : options.inputs.files) {
-            DocumentReader reader(ByteSource::file(file), options.reading.text);
-            const auto take = [&](const FoundValue& value) {
-                if (left != 0) {
-                    writeFound(out, options.inputs.several ? reader.name() : std::string(), value);
-                }
-                if (left <= 1) {
-                    throw EnoughFound{};
-                }
-                --left;
-            };
-            PromptWalk walk(out, engine, reader.documentOptions(), options.paths, test, take);
-            try {
-                reader.read(walk);
-            } catch (const Error& error) {
-                out.flush();
-                failReading(options.reading, reader, error);
+        bool good = false;
+        for (const std::string& name : options.inputs.files) {
+            if (!options.reading.skipBadFiles) {
+                walkOver(ByteSource::file(name));
+                continue;
+            }
+            RereadableFile file(name);
+            const std::optional<Error> mistake = mistakeOf(options.reading, engine, file);
+            if (!mistake) {
+                good = true;
+                walkOver(file.walk());
+            } else if (!good && &name == &options.inputs.files.back()) {
+                throw AllBad(*mistake);
+            } else {
+                skipped.takeFile(*mistake);
             }
         }
     } catch (const EnoughFound&) {
         // The matches that were asked for have been written.
     }
     out.flush();
-    return DONE;
+    skipped.tellLines();
+    return skipped.exitCode();
 }
 
 }  // namespace qvej::cli

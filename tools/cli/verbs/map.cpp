@@ -140,7 +140,7 @@ ExitCode runMap(const Options& options) {
     } catch (const Error& error) {
         session.failReading(error);
     }
-    return DONE;
+    return session.skipped().exitCode();
 }
 
 }  // namespace qvej::cli

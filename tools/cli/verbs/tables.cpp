@@ -84,7 +84,7 @@ ExitCode runTables(const Options& options) {
         tellChangedNames(session.name(), tables);
     }
     tellInexact(session.name(), document, tables, options.columns ? Inexact::ALL : Inexact::FIRST);
-    return DONE;
+    return session.skipped().exitCode();
 }
 
 }  // namespace qvej::cli
