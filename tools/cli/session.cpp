@@ -8,7 +8,10 @@
 #include "tools/cli/reports/shape_report.h"
 #include "tools/cli/reports/tell.h"
 
+#include <memory>
 #include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
 
 namespace qvej::cli {
 
@@ -51,6 +54,33 @@ void checkNamedCache(const std::string& path, const Sources& sources) {
         throw Failure(FILE_TROUBLE,
                       path + ": the file is not empty (--cache takes a new or an empty one)");
     }
+}
+
+// Bytes of all the files as they are stored; nothing when one is no regular file.
+std::optional<uint64_t> bytesOf(const InputList& inputs) {
+    uint64_t bytes = 0;
+    for (const std::string& file : inputs.files) {
+        struct stat found = {};
+        const int result =
+            file == "-" ? ::fstat(STDIN_FILENO, &found) : ::stat(file.c_str(), &found);
+        if (result != 0 || !S_ISREG(found.st_mode)) {
+            return std::nullopt;
+        }
+        bytes += static_cast<uint64_t>(found.st_size);
+    }
+    return bytes;
+}
+
+// The same bytes; the progress counts them as they are read.
+ByteSource counted(ByteSource source, Progress& progress) {
+    const auto from = std::make_shared<ByteSource>(std::move(source));
+    return ByteSource::pulled(
+        [from, &progress] {
+            const std::string_view piece = from->next();
+            progress.addBytes(piece.size());
+            return piece;
+        },
+        from->name());
 }
 
 std::vector<RereadableFile> rereadable(const InputList& inputs) {
@@ -155,6 +185,7 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
                  const ReadingWishes& wishes)
     : options_(options),
       engine_(engineOptions(options_)),
+      progress_(std::make_unique<Progress>(options_.progress, bytesOf(inputs))),
       rereadable_(options_.shape.finds() || options_.skipBadFiles ? rereadable(inputs)
                                                                   : std::vector<RereadableFile>()),
       inputs_(options_.skipBadFiles ? goodOf(inputs, !wishes.again) : inputs),
@@ -162,7 +193,9 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
                      [this] { return cli::findShape(engine_, rereadable_, options_).shape(); })),
       reader_(inputs_, options_.text,
               [this, next = std::size_t{0}](const std::string& file) mutable {
-                  return rereadable_.empty() ? ByteSource::file(file) : rereadable_[next++].walk();
+                  return counted(
+                      rereadable_.empty() ? ByteSource::file(file) : rereadable_[next++].walk(),
+                      *progress_);
               }),
       name_(reader_.name()) {
     if (!map.empty()) {
@@ -177,6 +210,7 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
     } catch (const Error& error) {
         cli::failReading(options_, reader_.current(), error);
     }
+    progress_->erase();
     tellUnmatched(name(), shape_, *document_);
     if (!options_.debug.empty()) {
         const JMAPTotals totals = document_->totals();

@@ -13,6 +13,7 @@
 #include "tools/cli/reports/skipped.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -72,6 +73,9 @@ class Session {
     // What the options had left out.
     [[nodiscard]] const Skipped& skipped() const { return skipped_; }
 
+    // What comes after the reading adds to it.
+    [[nodiscard]] Progress& progress() const { return *progress_; }
+
     // Turns a failure of the finished document (its records cannot be read back) into the tool's.
     [[noreturn]] void failReading(const Error& error) const;
 
@@ -82,6 +86,7 @@ class Session {
 
     ReadingOptions options_;
     Engine engine_;
+    std::unique_ptr<Progress> progress_;
     Skipped skipped_;
     // Of a document whose files are read more than once, to find its shape or the bad ones.
     std::vector<RereadableFile> rereadable_;

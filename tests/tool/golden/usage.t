@@ -128,6 +128,9 @@ $ qvejmap --help
                             ...; "-MAP" leaves one out
     --force                 replace existing files, and remove those of an
                             earlier convert
+    --progress WAY          json: a line of JSON a second on standard error, for
+                            programs (default: a line that says how far it is, on
+                            a terminal and after a second; neither with -q)
     -q,--quiet              no summary; what is lost is still said
     -h,--help               this page; with VERB only what that verb takes
     --version               the version
@@ -187,18 +190,18 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
 $ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records shape check; do
 >     echo $verb: $(qvejmap help $verb | grep -o '^  -[-a-z,]*')
 > done
-  tables: --names --columns --table --path --map --ordinals --alldata-name --naming --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
-  map: -o,--output --exact --compact --table --path --ordinals --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
-  map check: --verbose --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
+  tables: --names --columns --table --path --map --ordinals --alldata-name --naming --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --progress -q,--quiet -h,--help --version
+  map: -o,--output --exact --compact --table --path --ordinals --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force --progress -q,--quiet -h,--help --version
+  map check: --verbose --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --progress -q,--quiet -h,--help --version
   map diff: -q,--quiet -h,--help --version
   map merge: -o,--output --compact --force -q,--quiet -h,--help --version
-  map explain: --map --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
-  read: --limit --map --rejects --format --null --ordinals --alldata-name --naming --retain --carry --lines --skip-bad-lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
-  convert: -o,--output --alldata --per-file --threads --account --table --path --map --rejects --format --null --ordinals --alldata-name --naming --retain --carry --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
+  map explain: --map --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --progress -q,--quiet -h,--help --version
+  read: --limit --map --rejects --format --null --ordinals --alldata-name --naming --retain --carry --lines --skip-bad-lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force --progress -q,--quiet -h,--help --version
+  convert: -o,--output --alldata --per-file --threads --account --table --path --map --rejects --format --null --ordinals --alldata-name --naming --retain --carry --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force --progress -q,--quiet -h,--help --version
   find: --limit --value --regex --ignore-case --path --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth -q,--quiet -h,--help --version
-  records: --lines --skip-bad-lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
+  records: --lines --skip-bad-lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --progress -q,--quiet -h,--help --version
   shape: -o,--output --lines --encoding --invalid --depth --key-names --key-containers --fixed-length --inline-columns --force -q,--quiet -h,--help --version
-  check: --account --map --retain --carry --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
+  check: --account --map --retain --carry --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --progress -q,--quiet -h,--help --version
 
 # help VERB is what VERB --help is, and no page is wider than 80 columns.
 $ for verb in '' tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records shape check; do

@@ -70,6 +70,7 @@ constexpr Owner kOwners[] = {
     {"--keep", kReaders},
     {"--drop-empty", kReaders},
     {"--debug", kReaders},
+    {"--progress", kReaders},
 };
 
 }  // namespace

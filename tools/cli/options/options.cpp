@@ -37,7 +37,7 @@ constexpr uint64_t kLeastMemory = 32 << 20;
 struct Raw {
     std::vector<std::string> words, paths;
     std::string threads, limit, format = "csv", null, invalid = "error", ordinals, depth, maxPaths,
-                                keepFree, memory, debug, naming;
+                                keepFree, memory, debug, naming, progress;
 };
 
 uint64_t countOr(uint64_t otherwise, const CLI::App& app, const char* option,
@@ -340,6 +340,11 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_flag("--force", o.force,
                  "replace existing files, and remove those of an earlier convert")
         ->group(general);
+    app.add_option("--progress", raw.progress,
+                   "json: a line of JSON a second on standard error, for programs (default: a line "
+                   "that says how far it is, on a terminal and after a second; neither with -q)")
+        ->type_name("WAY")
+        ->group(general);
     app.add_flag("-q,--quiet", o.quiet, "no summary; what is lost is still said")->group(general);
     app.set_help_flag("-h,--help", "this page; with VERB only what that verb takes")
         ->group(general);
@@ -350,6 +355,18 @@ void print(const std::string& text) {
     Writer out = standardOutput();
     out.append(text);
     out.flush();
+}
+
+ProgressForm progressOf(const CLI::App& app, const Raw& raw, const Options& o) {
+    if (app.count("--progress") != 0 && raw.progress != "json") {
+        usageError("--progress: " + inQuotes(raw.progress) + " is none of json");
+    }
+    if (o.quiet) {
+        return ProgressForm::NONE;
+    }
+    return app.count("--progress") != 0   ? ProgressForm::JSON
+           : ::isatty(STDERR_FILENO) == 1 ? ProgressForm::LINE
+                                          : ProgressForm::NONE;
 }
 
 void translate(const CLI::App& app, const Raw& raw, Options& o) {
@@ -368,6 +385,7 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     o.reading.keepFree = sizeOf(app, "--keep-free", raw.keepFree);
     o.reading.memory = sizeOf(app, "--memory", raw.memory);
     o.reading.debug = debugString(raw.debug);
+    o.reading.progress = progressOf(app, raw, o);
     o.format = findFormat(raw.format);
     if (o.format == nullptr) {
         usageError("--format: " + inQuotes(raw.format) + " is none of " + formatNames());

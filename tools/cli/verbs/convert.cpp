@@ -69,9 +69,17 @@ std::vector<std::string> wordsOf(const Options& options) {
     const std::vector<std::string> shape = cli::wordsOf(reading.shape);
     words.insert(words.end(), shape.begin(), shape.end());
     add(reading.text.lines, "--lines");
+    add(reading.skipBadLines, "--skip-bad-lines");
+    add(reading.skipBadFiles, "--skip-bad-files");
     add(reading.text.encoding != standard.text.encoding, "--encoding=" + reading.text.encoding);
     add(reading.text.replaceInvalid, "--invalid=replace");
     return words;
+}
+
+uint64_t rowsOf(std::span<const PassItem> items) {
+    return static_cast<uint64_t>(
+        std::count_if(items.begin(), items.end(),
+                      [](const PassItem& item) { return item.kind == PassItem::ROW; }));
 }
 
 // `tables`: of the map, as chosen; ALLDATA comes besides.
@@ -92,7 +100,11 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
     TableOutputs outputs(document, tables, directory,
                          [&](const Table& table) { return rejects.handlerFor(table); });
     TablePass pass(document, tables, options.retain, options.carry);
-    runPass(pass, options.threads, [&](std::span<const PassItem> items) { outputs.take(items); });
+    runPass(pass, options.threads, [&](std::span<const PassItem> items) {
+        outputs.take(items);
+        session.progress().addRows(rowsOf(items));
+    });
+    session.progress().erase();
     outputs.end();
     std::vector<WrittenTable> written;
     uint64_t rows = 0;
