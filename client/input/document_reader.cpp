@@ -31,7 +31,7 @@ DocumentReader::DocumentReader(ByteSource source, const TextOptions& options)
       late_(options.late),
       linesSaid_(options.lines),
       linesByName_(!options.lines && namedAsLines(name())),
-      form_(linesSaid_ || linesByName_ ? TextForm::LINES : textFormOf(text_.start())) {}
+      form_(linesSaid_ || linesByName_ ? TextForm::LINES : text_.form()) {}
 
 DocumentOptions DocumentReader::documentOptions(DocumentOptions options) const {
     options.lines = form_ == TextForm::LINES;

@@ -26,16 +26,16 @@ DocumentText::DocumentText(ByteSource source, const std::string& encoding, bool 
 
 // A text that is converted is converted once more here.  The recoder knows where in the input its
 // last piece came from, so that one must not run ahead.
-std::string DocumentText::start() const {
+TextForm DocumentText::form() const {
     if (!recoder_) {
-        return std::string(piece_);
+        return textFormOf(piece_);
     }
     Recoder recoder(encoding_, piece_, invalid_);
     std::string text;
     for (std::string_view rest = piece_; !rest.empty() && !recoder.broken();) {
         text += recoder.convert(rest);
     }
-    return text;
+    return textFormOf(text);
 }
 
 std::string_view DocumentText::next() {

@@ -3,6 +3,7 @@
 // Tested by tests/tool/golden/encodings.t and tests/tool/golden/input.t
 #pragma once
 
+#include "../text_form.h"
 #include "recoder.h"
 #include "unpacker.h"
 
@@ -18,8 +19,8 @@ class DocumentText {
     // `encoding`: a name, or "auto" to go by the first bytes.  Throws Error.
     DocumentText(ByteSource source, const std::string& encoding, bool replaceInvalid);
 
-    // Before `next`: the beginning of the text, a mebibyte of the unpacked document or all of it.
-    [[nodiscard]] std::string start() const;
+    // Before `next`: what the text is by its beginning, a mebibyte of the unpacked document.
+    [[nodiscard]] TextForm form() const;
 
     // The next piece, empty at the end and where the text is broken.  It lives until the next call.
     // Throws Error.

@@ -1,7 +1,7 @@
 // See inputs_reader.h.
 #include "client/input/inputs_reader.h"
 
-#include "client/text_of_document.h"
+#include "client/input/text_of_document.h"
 
 #include <utility>
 

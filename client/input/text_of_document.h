@@ -2,8 +2,8 @@
 // `finish` ends it, not the document.
 #pragma once
 
-#include "document.h"
-#include "text_consumer.h"
+#include "../document.h"
+#include "../text_consumer.h"
 
 #include <string>
 #include <string_view>
