@@ -49,7 +49,9 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
     Rejects rejects(options.rejects, options.force, sources, destination.get());
     std::optional<SchemaBuilder> facts;
     if (!schema) {
-        facts.emplace(document, tables, options.schema);
+        SchemaOptions typesAndKeys = options.schema;
+        typesAndKeys.counts = false;
+        facts.emplace(document, tables, typesAndKeys);
     }
     TableOutputs outputs(
         document, tables, *destination,
