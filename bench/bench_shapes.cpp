@@ -72,6 +72,7 @@ std::size_t formatAll(const qvej::Document& document) {
         tables.push_back(&table);
     }
     std::vector<std::unique_ptr<Output>> outputs(tables.size());
+    const qvej::FormatOptions options;
     qvej::TablePass pass(document, tables);
     qvej::PassItem item = {};
     while (pass.next(item)) {
@@ -80,7 +81,7 @@ std::size_t formatAll(const qvej::Document& document) {
         if (output == nullptr) {
             qvej::Writer writer(std::make_unique<Discard>(bytes));
             output.reset(new Output{{document, table},
-                                    qvej::makeCsvSink(std::move(writer), table.columns, {})});
+                                    qvej::makeCsvSink(std::move(writer), {table, options})});
         }
         if (output->row.take(item)) {
             output->sink->row(output->row);

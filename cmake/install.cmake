@@ -1,8 +1,13 @@
-# cmake --install: headers, the host library, the module, the static engine, the C++ face, the tool; a
-# pkg-config file and a CMake package that describe them.
+# cmake --install: headers, the host library, the module, the static engine, the C++ face, the tool
+# with its manual page and the completion of shells; a pkg-config file and a CMake package that describe
+# the libraries; documents and examples.
 include(CMakePackageConfigHelpers)
 
 set(JMAP_MODULE_DIR ${CMAKE_INSTALL_LIBDIR}/qvejmap)  # where the loader finds qvejmap.so
+set(JMAP_ZSH_DIR ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")  # where Debian's zsh looks for what packages bring
+    set(JMAP_ZSH_DIR ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+endif()
 
 install(FILES
     include/qvejmap.h include/qvejmapx.h include/qvehost.h include/qvportable.h
@@ -24,9 +29,18 @@ install(TARGETS qvejmap_client EXPORT qvejmapClient
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} ${CMAKE_INSTALL_INCLUDEDIR}/qvejmap)
 if(JMAP_BUILD_TOOLS)
     install(TARGETS qvejmap-cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    set(written ${PROJECT_BINARY_DIR}/tools/cli)
+    install(FILES ${written}/qvejmap.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES ${written}/completion.bash RENAME qvejmap
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+    install(FILES ${written}/completion.zsh RENAME _qvejmap DESTINATION ${JMAP_ZSH_DIR})
+    install(FILES ${written}/completion.fish RENAME qvejmap.fish
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()
 install(FILES examples/rows.c examples/tables.cpp examples/orders.json
     DESTINATION ${CMAKE_INSTALL_DATADIR}/qvejmap/examples)
+install(FILES README.md CHANGELOG.md cmake/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES docs/FORMATS.md docs/PERFORMANCE.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 
 # From the folder of the .pc file to the prefix, so that the installed tree can be moved.
 file(RELATIVE_PATH JMAP_PREFIX_FROM_PC

@@ -1,4 +1,4 @@
-// CSV with a header row.
+// CSV with a header row; TSV is the same with tabs in place of the commas.
 //
 // Numbers have the digits of the document; a column of booleans has true and false.  No value and
 // null are an empty field, or what --null says; then a text that looks the same is quoted.  In a
@@ -16,12 +16,12 @@ namespace {
 
 class CsvSink final : public TextSink {
    public:
-    CsvSink(Writer out, const Columns& columns, const FormatOptions& options)
+    CsvSink(Writer out, const SinkParms& parms, char separator)
         : TextSink(std::move(out)),
-          fields_(out_, options.null),
-          nullGiven_(options.null.has_value()),
-          counts_(columns.size()) {
-        for (const Column& column : columns) {
+          fields_(out_, separator, parms.options.null),
+          nullGiven_(parms.options.null.has_value()),
+          counts_(parms.table.columns.size()) {
+        for (const Column& column : parms.table.columns) {
             if (column.name.empty() && alone()) {
                 fields_.quotedNothing();
             } else {
@@ -87,9 +87,12 @@ class CsvSink final : public TextSink {
 
 }  // namespace
 
-std::unique_ptr<Sink> makeCsvSink(Writer out, const Columns& columns,
-                                  const FormatOptions& options) {
-    return std::make_unique<CsvSink>(std::move(out), columns, options);
+std::unique_ptr<Sink> makeCsvSink(Writer out, const SinkParms& parms) {
+    return std::make_unique<CsvSink>(std::move(out), parms, ',');
+}
+
+std::unique_ptr<Sink> makeTsvSink(Writer out, const SinkParms& parms) {
+    return std::make_unique<CsvSink>(std::move(out), parms, '\t');
 }
 
 }  // namespace qvej

@@ -8,7 +8,6 @@ namespace qvej {
 namespace {
 
 constexpr InfinityWords kInfinity = {"inf", "-inf"};
-constexpr std::string_view kQuoted = ",\"\r\n";  // fields that hold these are
 
 }  // namespace
 
@@ -20,7 +19,8 @@ void CsvFields::number(double number) {
 void CsvFields::writeWithCare(std::string_view text) {
     safe_.clear();
     appendEscaped(safe_, text, terminal_ ? CONTROLS : 0u);
-    if (isNull(safe_) || safe_.find_first_of(kQuoted) != std::string::npos) {
+    if (isNull(safe_) || safe_.find_first_of("\"\r\n") != std::string::npos ||
+        safe_.find(separator_) != std::string::npos) {
         writeQuoted(safe_);
     } else {
         out_.advance(copyText(begin(safe_.size()), safe_));

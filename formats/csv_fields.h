@@ -1,5 +1,5 @@
 // The fields of CSV, as RFC 4180 has them: commas, lines ended by CR LF, quotes only around fields
-// that hold a comma, a quote or a line end.
+// that hold a comma, a quote or a line end.  Another separator may take the place of the comma.
 //
 // Always UTF-8.  On a terminal lines end with LF alone and control characters are shown as JSON
 // escapes.
@@ -20,13 +20,19 @@ class CsvFields {
    public:
     // `null`: what stands for no value.  When it is given, any other field that looks the same is
     // quoted.
-    explicit CsvFields(Writer& out, std::optional<std::string> null = std::nullopt)
+    explicit CsvFields(Writer& out, char separator = ',',
+                       std::optional<std::string> null = std::nullopt)
         : out_(out),
+          separator_(separator),
           terminal_(out.terminal()),
           nullGiven_(null.has_value()),
           null_(std::move(null).value_or(std::string())) {}
 
     void text(std::string_view text) {  // quoted where it must be
+        const auto needsCare = [separator = static_cast<uint8_t>(separator_)](auto bytes) {
+            return (bytes == separator) | (bytes == '"') | (bytes == '\r') | (bytes == '\n') |
+                   (bytes >= 0x80);  // perhaps no UTF-8
+        };
         if (terminal_ || isNull(text) || anyByte(text, needsCare)) {
             writeWithCare(text);
         } else {
@@ -59,16 +65,12 @@ class CsvFields {
     }
 
    private:
-    // Quotes, or perhaps no UTF-8.
-    static short_text::Marks needsCare(short_text::Bytes b) {
-        return (b == ',') | (b == '"') | (b == '\r') | (b == '\n') | (b >= 0x80);
-    }
     [[nodiscard]] bool isNull(std::string_view text) const { return nullGiven_ && text == null_; }
 
     // Room for a field, after its separator.
     char* begin(std::size_t size) {
         char* const at = out_.room(size + 1);
-        *at = ',';
+        *at = separator_;
         char* const field = at + (first_ ? 0 : 1);
         first_ = false;
         return field;
@@ -77,6 +79,7 @@ class CsvFields {
     void writeQuoted(std::string_view text);
 
     Writer& out_;
+    char separator_;
     bool terminal_;
     bool first_ = true;  // no field yet in the line
     bool nullGiven_;

@@ -5,6 +5,7 @@
 #include "client/engine.h"
 #include "client/error.h"
 #include "client/escape.h"
+#include "client/path_names.h"
 #include "client/text.h"
 #include "formats/file_names.h"
 
@@ -20,16 +21,6 @@ void putString(Writer& out, std::string_view text) {
     out.put('"');
     appendEscaped(out, text, JSON_STRING);
     out.put('"');
-}
-
-// The standard allows lower case letters, digits and "._-" in a name.  File names differ in lower
-// case, too, and "." is doubled, so that the names of resources differ as well.
-std::string resourceName(std::string_view file) {
-    std::string name;
-    for (const char c : lowerCased(file.substr(0, file.rfind('.')))) {
-        name += c == '.' ? ".." : c == '%' ? ".x" : c == '~' ? ".n" : std::string(1, c);
-    }
-    return name;
 }
 
 // Paths of what is read.
@@ -95,7 +86,10 @@ class ResourceReader {
 
 }  // namespace
 
-PackageWriter::PackageWriter(Writer& out, const PackageRun& run) : out_(out), titles_(run.titles) {
+PackageWriter::PackageWriter(Writer& out, const PackageRun& run, const Schema& schema,
+                             const std::vector<std::string>& files, const Format& format,
+                             const FormatOptions& options)
+    : out_(out), schema_(schema), files_(files), format_(format), options_(options) {
     out_.append(R"({"qvejmap":{"version":)");
     putString(out_, run.version);
     out_.append(R"(,"input":)");
@@ -108,25 +102,108 @@ PackageWriter::PackageWriter(Writer& out, const PackageRun& run) : out_(out), ti
     out_.append("]},\n\"resources\":[");
 }
 
-void PackageWriter::add(std::string_view file, std::string_view table, std::string_view format,
-                        uint64_t rows, const FileState& state) {
-    out_.append(std::exchange(first_, false) ? "\n{\"name\":" : ",\n{\"name\":");
-    putString(out_, resourceName(file));
-    if (titles_) {
-        out_.append(R"(,"title":)");
-        putString(out_, table);
+// The standard allows lower case letters, digits and "._-" in a name.  File names differ in lower
+// case, too, and "." is doubled, so that the names of resources differ as well.
+std::string PackageWriter::resourceName(std::size_t table) const {
+    const std::size_t ending = 1 + format_.extension.size() + extensionOf(options_.packing).size();
+    std::string name;
+    for (const char c : lowerCased(files_[table].substr(0, files_[table].size() - ending))) {
+        name += c == '.' ? ".." : c == '%' ? ".x" : c == '~' ? ".n" : std::string(1, c);
     }
+    return name;
+}
+
+void PackageWriter::add(std::size_t table, const FileState& state) {
+    const TableSchema& of = schema_.tables[table];
+    out_.append(std::exchange(first_, false) ? "\n{\"name\":" : ",\n{\"name\":");
+    putString(out_, resourceName(table));
+    out_.append(R"(,"title":)");
+    putString(out_, of.table->name);
     out_.append(R"(,"path":)");
-    putString(out_, file);
+    putString(out_, files_[table]);
     out_.append(R"(,"format":)");
-    putString(out_, format);
+    putString(out_, format_.name);
+    if (options_.packing != Packing::NONE) {
+        out_.append(R"(,"compression":)");
+        putString(out_, extensionOf(options_.packing).substr(1));
+    }
+    if (format_.name == "tsv") {
+        out_.append(R"(,"dialect":{"delimiter":"\t"})");
+    }
     out_.append(R"(,"rows":)");
-    out_.append(std::to_string(rows));
+    out_.append(std::to_string(of.rows));
     out_.append(R"(,"bytes":)");
     out_.append(std::to_string(state.bytes));
     out_.append(R"(,"modified":)");
     putString(out_, state.modified);
+    out_.append(R"(,"schema":)");
+    putSchema(of);
     out_.put('}');
+}
+
+void PackageWriter::putSchema(const TableSchema& table) {
+    out_.append("{\"fields\":[");
+    for (std::size_t c = 0; c < table.fields.size(); ++c) {
+        out_.append(c == 0 ? "\n" : ",\n");
+        putField(table.table->columns[c], table.fields[c].type);
+    }
+    out_.append("]");
+    if (!format_.ownNull) {
+        out_.append(R"(,"missingValues":[)");
+        putString(out_, options_.null.value_or(""));
+        out_.put(']');
+    }
+    putKeys(table);
+    out_.put('}');
+}
+
+void PackageWriter::putField(const Column& column, const DataType& type) {
+    static constexpr std::string_view kTypes[] = {"string", "boolean", "integer", "number",
+                                                  "number", "date",    "datetime"};
+    // A time that a map made of a number is written as that number.
+    const bool number = type.kind == DataType::TIMESTAMP && column.type == ColumnType::NUMERIC &&
+                        column.format.name.empty();
+    out_.append("{\"name\":");
+    putString(out_, column.name);
+    out_.append(R"(,"type":)");
+    putString(out_, number && format_.text() ? "number" : kTypes[type.kind]);
+    if (type.kind == DataType::TIMESTAMP && !number) {
+        out_.append(R"(,"format":"any")");
+    }
+    if (!column.label.empty()) {
+        out_.append(R"(,"title":)");
+        putString(out_, column.label);
+    }
+    if (column.type != ColumnType::ORDINAL && !column.path.empty()) {
+        out_.append(R"(,"originalName":)");
+        putString(out_, lastPiece(column.path));
+    }
+    if (!column.path.empty()) {
+        out_.append(R"(,"path":)");
+        putString(out_, withSlashes(column.path));
+    }
+    out_.put('}');
+}
+
+void PackageWriter::putKeys(const TableSchema& table) {
+    if (table.key) {
+        putNames(R"(,"primaryKey":[)", table.table->columns[*table.own].name);
+    }
+    if (!table.parent || !table.parent->foreignKey) {
+        return;
+    }
+    const ParentKey& parent = *table.parent;
+    putNames(R"(,"foreignKeys":[{"fields":[)", table.table->columns[parent.column].name);
+    out_.append(R"(,"reference":{"resource":)");
+    putString(out_, resourceName(parent.table));
+    putNames(R"(,"fields":[)", schema_.tables[parent.table].table->columns[parent.ordinal].name);
+    out_.append("}}]");
+}
+
+void PackageWriter::putNames(std::string_view member, const std::string& name) {
+    out_.append(member);
+    putString(out_, name);
+    out_.put(']');
 }
 
 void PackageWriter::end() {

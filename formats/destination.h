@@ -1,11 +1,11 @@
-// Where the rows of many tables go, as the files of a directory.
+// Where the rows of many tables go: the files of a directory, one file, a database.
 //
-//     destination.open(tables);
+//     destination.open(tables, schema);
 //     for each table, when its first row comes or at the end:
 //         std::unique_ptr<Sink> sink = destination.sink(i);
 //         sink->row(...); ...
 //         sink->end();
-//     destination.end(rows);
+//     destination.end(schema);
 //     destination.commit();
 //
 // The calls come from one thread at a time.
@@ -14,6 +14,7 @@
 #pragma once
 
 #include "client/document.h"
+#include "client/schema/schema.h"
 #include "formats/sink.h"
 
 #include <cstdint>
@@ -34,8 +35,9 @@ class Destination {
     Destination(const Destination&) = delete;
     Destination& operator=(const Destination&) = delete;
 
-    // Once, before all else: the tables, which must outlive this object.
-    virtual void open(const std::vector<const Table*>& tables) = 0;
+    // Once, before all else: the tables and, for a typed format, their schema, else null.  All must
+    // outlive this object.
+    virtual void open(const std::vector<const Table*>& tables, const Schema* schema) = 0;
 
     // Does it write a file that is one of `files`?
     [[nodiscard]] virtual bool shares(const OutputFiles& files) const = 0;
@@ -44,12 +46,15 @@ class Destination {
     // Tables are many and most are small: it is asked for when there is a row, else at the end.
     [[nodiscard]] virtual std::unique_ptr<Sink> sink(std::size_t table) = 0;
 
-    // When all sinks have ended.  `rows`: of each table.
-    virtual void end(const std::vector<uint64_t>& rows) = 0;
+    // When all sinks have ended.
+    virtual void end(const Schema& schema) = 0;
 
     // After `end`: everything appears, with the files of `with` (null: none), or nothing.  Returns
     // sentences about what else went wrong.
     [[nodiscard]] virtual std::vector<std::string> commit(OutputFiles* with) = 0;
+
+    // Sentences on what differs from the document, such as names that had to change; after `open`.
+    [[nodiscard]] virtual std::vector<std::string> remarks() const { return {}; }
 };
 
 }  // namespace qvej

@@ -1,14 +1,30 @@
 // See formats.h.
 #include "formats/formats.h"
 
+#include "formats/module.h"
+
 namespace qvej {
 
 namespace {
 
+constexpr std::string_view kTwiceInHeader = "the header has it more than once";
+
 constexpr Format kFormats[] = {
-    {"csv", "csv", false, "the header has it more than once", makeCsvSink},
-    {"ndjson", "ndjson", true, "objects have it more than once, and most programs keep the last",
-     makeNdjsonSink},
+    {"csv", "csv", false, kTwiceInHeader, false, {}, makeCsvSink, false},
+    {"tsv", "tsv", false, kTwiceInHeader, false, {}, makeTsvSink, false},
+    {"ndjson",
+     "ndjson",
+     true,
+     "objects have it more than once, and most programs keep the last",
+     false,
+     {},
+     makeNdjsonSink,
+     false},
+    {"sqlite", "sqlite", true, {}, true, "sqlite", nullptr, true},
+    {"parquet", "parquet", true, {}, true, "arrow", nullptr, false},
+    {"arrow", "arrow", true, {}, true, "arrow", nullptr, false},
+    {"postgres", {}, true, {}, true, "postgres", nullptr, true},
+    {"xlsx", "xlsx", true, {}, true, "xlsx", nullptr, true},
 };
 
 }  // namespace
@@ -22,13 +38,22 @@ const Format* findFormat(std::string_view name) {
     return nullptr;
 }
 
-std::string formatNames() {
+std::string formatNames(bool textOnly) {
     std::string names;
     for (const Format& format : kFormats) {
+        if (textOnly && !format.text()) {
+            continue;
+        }
         names += names.empty() ? "" : ", ";
         names += format.name;
     }
     return names;
+}
+
+std::unique_ptr<Sink> makeSink(const Format& format, Writer out, const SinkParms& parms) {
+    return format.make != nullptr
+               ? format.make(std::move(out), parms)
+               : formatModule(format.module).makeSink(format.name, std::move(out), parms);
 }
 
 }  // namespace qvej

@@ -105,8 +105,8 @@ class NdjsonSink final : public TextSink {
 
 }  // namespace
 
-std::unique_ptr<Sink> makeNdjsonSink(Writer out, const Columns& columns, const FormatOptions&) {
-    return std::make_unique<NdjsonSink>(std::move(out), columns);
+std::unique_ptr<Sink> makeNdjsonSink(Writer out, const SinkParms& parms) {
+    return std::make_unique<NdjsonSink>(std::move(out), parms.table.columns);
 }
 
 }  // namespace qvej

@@ -242,7 +242,16 @@ bool OutputFiles::shares(const OutputFiles& other) const {
 }
 
 Writer OutputFiles::writer(std::size_t i) {
-    return Writer(std::make_unique<FileTarget>(*this, i));
+    return Writer(target(i));
+}
+
+std::unique_ptr<Target> OutputFiles::target(std::size_t i) {
+    return std::make_unique<FileTarget>(*this, i);
+}
+
+std::string OutputFiles::made(std::size_t i) {
+    (void)closed(i);
+    return temporaryPath(i);
 }
 
 void OutputFiles::write(std::size_t i, const char* text, std::size_t size) {
@@ -300,7 +309,7 @@ void OutputFiles::closeAll() {
     }
 }
 
-std::vector<std::string> OutputFiles::commit(OutputFiles* with) {
+std::vector<std::string> OutputFiles::commit(OutputFiles* with, const std::function<void()>& last) {
     closeAll();
     if (with != nullptr) {
         with->closeAll();
@@ -312,6 +321,9 @@ std::vector<std::string> OutputFiles::commit(OutputFiles* with) {
             with->putAllInPlace();
         }
         putAllInPlace();
+        if (last) {
+            last();
+        }
     } catch (const Error& failure) {
         std::string sentence = failure.what() + takeBack();
         sentence += with == nullptr ? std::string() : with->takeBack();

@@ -20,6 +20,8 @@
 
 #include <cstddef>
 #include <deque>
+#include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -52,6 +54,11 @@ class OutputFiles {
     // A writer to the file `i`, which this object must outlive.  Any number may be in use: some
     // files are kept open, the others are opened again when there is something to write.
     [[nodiscard]] Writer writer(std::size_t i);
+    [[nodiscard]] std::unique_ptr<Target> target(std::size_t i);
+
+    // The name of a file until `commit`, for a library that writes it by name.  It is made, and
+    // empty.  Throws qvej::Error.
+    [[nodiscard]] std::string made(std::size_t i);
 
     // Appends to a file.  Throws qvej::Error.
     void write(std::size_t i, const char* text, std::size_t size);
@@ -67,9 +74,11 @@ class OutputFiles {
         earlier_.set(std::move(files), sources);
     }
 
-    // Gives all files their names, and those of `with` theirs.  Returns sentences about what else
-    // went wrong.  Throws qvej::Error; nothing has changed then, or the sentence says what has.
-    [[nodiscard]] std::vector<std::string> commit(OutputFiles* with = nullptr);
+    // Gives all files their names, and those of `with` theirs, and calls `last`, when there is one.
+    // Returns sentences about what else went wrong.  Throws qvej::Error, also what `last` throws;
+    // nothing has changed then, or the sentence says what has.
+    [[nodiscard]] std::vector<std::string> commit(OutputFiles* with = nullptr,
+                                                  const std::function<void()>& last = {});
 
    private:
     void refuseExisting(const Sources& sources) const;

@@ -17,14 +17,16 @@ TableDirectory::TableDirectory(std::string directory, const Format& format,
       sources_(std::move(sources)),
       run_(std::move(run)) {}
 
-void TableDirectory::open(const std::vector<const Table*>& tables) {
+void TableDirectory::open(const std::vector<const Table*>& tables, const Schema* schema) {
     tables_ = tables;
+    schema_ = schema;
     std::vector<std::string> names;
     names.reserve(tables.size());
     for (const Table* table : tables) {
         names.push_back(table->name);
     }
-    FileNames files = uniqueFileNames(names, format_.extension);
+    FileNames files = uniqueFileNames(
+        names, std::string(format_.extension).append(extensionOf(formatOptions_.packing)));
     cutNames_ = files.cut;
     names_ = std::move(files.names);
     names_.emplace_back(kPackageFile);
@@ -48,21 +50,37 @@ bool TableDirectory::shares(const OutputFiles& files) const {
 }
 
 std::unique_ptr<Sink> TableDirectory::sink(std::size_t table) {
-    return format_.make(files_->writer(table), tables_[table]->columns, formatOptions_);
+    return makeSink(format_, Writer(packed(files_->target(table), formatOptions_.packing)),
+                    {*tables_[table], formatOptions_, schema_, table});
 }
 
 // Lists the tables' files, of which all is written, in the last file.
-void TableDirectory::end(const std::vector<uint64_t>& rows) {
-    Writer out = files_->writer(rows.size());
-    PackageWriter package(out, run_);
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        package.add(names_[i], tables_[i]->name, format_.name, rows[i], files_->closed(i));
+void TableDirectory::end(const Schema& schema) {
+    Writer out = files_->writer(tables_.size());
+    PackageWriter package(out, run_, schema, names_, format_, formatOptions_);
+    for (std::size_t i = 0; i < tables_.size(); ++i) {
+        package.add(i, files_->closed(i));
     }
     package.end();
 }
 
 std::vector<std::string> TableDirectory::commit(OutputFiles* with) {
     return files_->commit(with);
+}
+
+std::vector<std::string> TableDirectory::remarks() const {
+    std::vector<std::string> remarks;
+    if (!earlierKnown_) {
+        remarks.push_back(directory_ + " had no " + kPackageFile +
+                          " of qvejmap: files were replaced by name, and no others removed");
+    }
+    if (cutNames_ != 0) {
+        remarks.push_back(std::to_string(cutNames_) +
+                          (cutNames_ == 1 ? " file name" : " file names") + " cut to " +
+                          std::to_string(kLongestFileName) + " bytes: " + kPackageFile +
+                          " has the names of the tables");
+    }
+    return remarks;
 }
 
 }  // namespace qvej

@@ -22,18 +22,13 @@ class TableDirectory final : public Destination {
     TableDirectory(std::string directory, const Format& format, FormatOptions formatOptions,
                    bool force, Sources sources, PackageRun run);
 
-    void open(const std::vector<const Table*>& tables) override;
+    void open(const std::vector<const Table*>& tables, const Schema* schema) override;
     [[nodiscard]] bool shares(const OutputFiles& files) const override;
     [[nodiscard]] std::unique_ptr<Sink> sink(std::size_t table) override;
-    void end(const std::vector<uint64_t>& rows) override;
+    void end(const Schema& schema) override;
     [[nodiscard]] std::vector<std::string> commit(OutputFiles* with) override;
 
-    // False when the directory had files and no list of ours: then files of the earlier run that
-    // are not replaced stay.
-    [[nodiscard]] bool earlierKnown() const { return earlierKnown_; }
-
-    // Files whose names are cut, since file systems take no longer ones.
-    [[nodiscard]] std::size_t cutNames() const { return cutNames_; }
+    [[nodiscard]] std::vector<std::string> remarks() const override;
 
    private:
     void removeEarlier();
@@ -44,10 +39,13 @@ class TableDirectory final : public Destination {
     bool force_;
     Sources sources_;
     PackageRun run_;
+    // False when the directory had files and no list of ours: then files of the earlier run that
+    // are not replaced stay.
     bool earlierKnown_ = true;
-    std::size_t cutNames_ = 0;
+    std::size_t cutNames_ = 0;  // files whose names are cut, since file systems take no longer ones
     std::vector<std::string> names_;  // of the tables' files and, last, of the list
     std::vector<const Table*> tables_;
+    const Schema* schema_ = nullptr;
     std::optional<OutputFiles> files_;  // once it is open
 };
 

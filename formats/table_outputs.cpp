@@ -20,13 +20,13 @@ void prefetchTexts(const PassItem& item) {
 }  // namespace
 
 TableOutputs::TableOutputs(const Document& document, const std::vector<const Table*>& tables,
-                           Destination& destination, RejectsOf rejectsOf)
+                           Destination& destination, RejectsOf rejectsOf, SchemaBuilder* facts)
     : document_(document),
       tables_(tables),
       destination_(destination),
       rejectsOf_(std::move(rejectsOf)),
       outputs_(tables.size()),
-      rows_(tables.size()) {}
+      facts_(facts) {}
 
 TableOutputs::Output& TableOutputs::outputOf(std::size_t table) {
     std::unique_ptr<Output>& output = outputs_[table];
@@ -52,8 +52,10 @@ void TableOutputs::take(std::span<const PassItem> items) {
 }
 
 void TableOutputs::writeRow(std::size_t table, Output& output) {
+    if (facts_ != nullptr) {
+        facts_->take(table, output.row);
+    }
     output.sink->row(output.row);
-    ++rows_[table];
     count(output);
     if (held_ > kMostHeld) {
         flushAll();
@@ -80,7 +82,6 @@ void TableOutputs::end() {
         outputOf(table).sink->end();
         outputs_[table].reset();
     }
-    destination_.end(rows_);
 }
 
 }  // namespace qvej

@@ -3,6 +3,7 @@
 // Tested by tests/formats/table_outputs_test.cpp
 #pragma once
 
+#include "client/schema/schema.h"
 #include "client/table_pass.h"
 #include "formats/destination.h"
 
@@ -18,17 +19,16 @@ class TableOutputs {
     // What takes the rejected values of a table.
     using RejectsOf = std::function<RejectHandler(const Table&)>;
 
-    // `destination` is open for these tables.  All must outlive this object.
+    // `destination` is open for these tables.  `facts` sees each row; null: the schema is known.
+    // All must outlive this object.
     TableOutputs(const Document& document, const std::vector<const Table*>& tables,
-                 Destination& destination, RejectsOf rejectsOf);
+                 Destination& destination, RejectsOf rejectsOf, SchemaBuilder* facts);
 
     // Takes items of a pass over the tables.  Throws Error.
     void take(std::span<const PassItem> items);
 
-    // Ends all sinks, those of tables without rows too, and the destination.
+    // Ends all sinks, those of tables without rows too.
     void end();
-
-    [[nodiscard]] uint64_t rows(std::size_t table) const { return rows_[table]; }
 
    private:
     // Made with the first row: of many tables most are small.
@@ -48,7 +48,7 @@ class TableOutputs {
     Destination& destination_;
     RejectsOf rejectsOf_;
     std::vector<std::unique_ptr<Output>> outputs_;
-    std::vector<uint64_t> rows_;
+    SchemaBuilder* facts_;
     std::size_t held_ = 0;  // bytes, by all sinks
 };
 

@@ -13,7 +13,7 @@ namespace qvej {
 class TextSink : public Sink {
    public:
     void end() override { out_.release(); }
-    [[nodiscard]] std::size_t held() const override { return out_.capacity(); }
+    [[nodiscard]] std::size_t held() const override { return out_.held(); }
     void flush() override { out_.release(); }
 
    protected:

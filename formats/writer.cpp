@@ -52,6 +52,7 @@ void Writer::release() {
     flush();
     buffer_.reset();
     capacity_ = 0;
+    target_->release();
 }
 
 // Room for `size` bytes: by passing on what is there when it gets too much, and by growing.

@@ -22,6 +22,11 @@ class Target {
     virtual void write(const char* text, std::size_t size) = 0;
     // Is it a terminal?
     [[nodiscard]] virtual bool terminal() const { return false; }
+
+    // Bytes of memory that it takes, and gives back with `release`: all that was written is passed
+    // on then.
+    [[nodiscard]] virtual std::size_t held() const { return 0; }
+    virtual void release() {}
 };
 
 class Writer {
@@ -57,11 +62,11 @@ class Writer {
     // Passes on what is buffered.  To be called at the end: the destructor does not.
     void flush();
 
-    // Likewise, and gives the buffer back.
+    // Likewise, and gives all memory back.  To be called at the end of a file.
     void release();
 
-    // Bytes of memory that the buffer takes.
-    [[nodiscard]] std::size_t capacity() const { return capacity_; }
+    // Bytes of memory that the buffer and the target take.
+    [[nodiscard]] std::size_t held() const { return capacity_ + target_->held(); }
 
     [[nodiscard]] bool terminal() const { return target_->terminal(); }
 

@@ -68,9 +68,9 @@ TEXTS = ["", " ", "a b", 'say "hi"', "x,y", "two\nlines", "\r", "\t\u0001\u007f"
          'x,"y', "\n", "sixteen bytes...", "exactly seven-teen"]
 
 
-def read_csv(text):
+def read_csv(text, separator=","):
     """Rows by column; what a field means is not told."""
-    for row in csv.DictReader(io.StringIO(text, newline="")):
+    for row in csv.DictReader(io.StringIO(text, newline=""), delimiter=separator):
         yield {name: None if cell == NO_VALUE else cell for name, cell in row.items()}
 
 
@@ -93,6 +93,7 @@ ABSENT = object()
 # By format: options, reader, and what it can tell of a row.
 READERS = {
     "csv": (["--null", NO_VALUE], read_csv, as_texts),
+    "tsv": (["--null", NO_VALUE], lambda text: read_csv(text, "\t"), as_texts),
     "ndjson": ([], read_ndjson, without_absent),
 }
 

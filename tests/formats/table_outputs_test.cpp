@@ -46,12 +46,15 @@ class HoldingSink final : public qvej::Sink {
 class Holding final : public qvej::Destination {
    public:
     explicit Holding(Log& log) : log_(log) {}
-    void open(const std::vector<const qvej::Table*>& tables) override { tables_ = tables; }
+    void open(const std::vector<const qvej::Table*>& tables,
+              const qvej::Schema* /*schema*/) override {
+        tables_ = tables;
+    }
     [[nodiscard]] bool shares(const qvej::OutputFiles& /*files*/) const override { return false; }
     [[nodiscard]] std::unique_ptr<qvej::Sink> sink(std::size_t table) override {
         return std::make_unique<HoldingSink>(log_, tables_[table]->name);
     }
-    void end(const std::vector<uint64_t>& /*rows*/) override {}
+    void end(const qvej::Schema& /*schema*/) override {}
     [[nodiscard]] std::vector<std::string> commit(qvej::OutputFiles* /*with*/) override {
         return {};
     }
@@ -68,9 +71,11 @@ TEST(TableOutputs, ASinkIsMadeWithItsFirstRowAndFlushedWhenAllHoldTooMuch) {
     const std::vector<const qvej::Table*> tables = read.tables();
     Log log;
     Holding destination(log);
-    destination.open(tables);
-    qvej::TableOutputs outputs(document, tables, destination,
-                               [](const qvej::Table& /*table*/) { return nullptr; });
+    destination.open(tables, nullptr);
+    qvej::SchemaBuilder facts(document, tables, {});
+    qvej::TableOutputs outputs(
+        document, tables, destination, [](const qvej::Table& /*table*/) { return nullptr; },
+        &facts);
     qvej::TablePass pass(document, tables);
     for (qvej::PassItem item; pass.next(item);) {
         outputs.take({&item, 1});
@@ -80,9 +85,10 @@ TEST(TableOutputs, ASinkIsMadeWithItsFirstRowAndFlushedWhenAllHoldTooMuch) {
     log.calls.clear();
     outputs.end();
     EXPECT_EQ(log.calls, "made \nend \nend x_b\nend x_a\n");
-    EXPECT_EQ(outputs.rows(0), 0U);
-    EXPECT_EQ(outputs.rows(1), 2U);
-    EXPECT_EQ(outputs.rows(2), 3U);
+    const qvej::Schema schema = facts.end();
+    EXPECT_EQ(schema.tables[0].rows, 0U);
+    EXPECT_EQ(schema.tables[1].rows, 2U);
+    EXPECT_EQ(schema.tables[2].rows, 3U);
 }
 
 }  // namespace

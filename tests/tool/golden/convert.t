@@ -204,7 +204,7 @@ $ qvejmap convert none.json -o new --rejects names.json; qvejmap read none.json 
 ? 2
 $ qvejmap convert none.json -o -; echo $?; ls -d ./-
   2
-! qvejmap: -o -: convert writes files into a directory (./- for one of that name); qvejmap read prints a table
+! qvejmap: -o -: convert writes files (./- for one of that name); qvejmap read prints a table
 ! ls: cannot access './-': No such file or directory
 ? 2
 # The list may be in a folder that is made.

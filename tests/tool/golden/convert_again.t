@@ -2,10 +2,30 @@
 $ qvejmap convert orders.json -o out -q --null NA; sed -E 's/"modified":"[-0-9T:.]+Z"/"modified":TIME/' out/datapackage.json
   {"qvejmap":{"version":"1.0.0","input":"orders.json","options":["--format=csv","--null=NA"]},
   "resources":[
-  {"name":"orders","path":"orders.csv","format":"csv","rows":2,"bytes":68,"modified":TIME},
-  {"name":"orders_customer","path":"orders_customer.csv","format":"csv","rows":2,"bytes":94,"modified":TIME},
-  {"name":"orders_items","path":"orders_items.csv","format":"csv","rows":3,"bytes":120,"modified":TIME},
-  {"name":"orders_tags","path":"orders_tags.csv","format":"csv","rows":2,"bytes":91,"modified":TIME}
+  {"name":"orders","title":"orders","path":"orders.csv","format":"csv","rows":2,"bytes":68,"modified":TIME,"schema":{"fields":[
+  {"name":"ordinal_root","type":"integer","path":"/root"},
+  {"name":"ordinal_orders","type":"integer","path":"/root/orders"},
+  {"name":"id","type":"integer","originalName":"id","path":"/root/orders/id"},
+  {"name":"paid","type":"boolean","originalName":"paid","path":"/root/orders/paid"}],"missingValues":["NA"],"primaryKey":["ordinal_orders"]}},
+  {"name":"orders_customer","title":"orders_customer","path":"orders_customer.csv","format":"csv","rows":2,"bytes":94,"modified":TIME,"schema":{"fields":[
+  {"name":"ordinal_root","type":"integer","path":"/root"},
+  {"name":"ordinal_orders","type":"integer","path":"/root/orders"},
+  {"name":"ordinal_customer","type":"integer","path":"/root/orders/customer"},
+  {"name":"name","type":"string","originalName":"name","path":"/root/orders/customer/name"},
+  {"name":"city","type":"string","originalName":"city","path":"/root/orders/customer/city"}],"missingValues":["NA"],"primaryKey":["ordinal_customer"],"foreignKeys":[{"fields":["ordinal_orders"],"reference":{"resource":"orders","fields":["ordinal_orders"]}}]}},
+  {"name":"orders_items","title":"orders_items","path":"orders_items.csv","format":"csv","rows":3,"bytes":120,"modified":TIME,"schema":{"fields":[
+  {"name":"ordinal_root","type":"integer","path":"/root"},
+  {"name":"ordinal_orders","type":"integer","path":"/root/orders"},
+  {"name":"ordinal_items","type":"integer","path":"/root/orders/items"},
+  {"name":"sku","type":"string","originalName":"sku","path":"/root/orders/items/sku"},
+  {"name":"quantity","type":"integer","originalName":"quantity","path":"/root/orders/items/quantity"},
+  {"name":"price","type":"number","originalName":"price","path":"/root/orders/items/price"}],"missingValues":["NA"],"primaryKey":["ordinal_items"],"foreignKeys":[{"fields":["ordinal_orders"],"reference":{"resource":"orders","fields":["ordinal_orders"]}}]}},
+  {"name":"orders_tags","title":"orders_tags","path":"orders_tags.csv","format":"csv","rows":2,"bytes":91,"modified":TIME,"schema":{"fields":[
+  {"name":"ordinal_root","type":"integer","path":"/root"},
+  {"name":"ordinal_orders","type":"integer","path":"/root/orders"},
+  {"name":"ordinal_tags","type":"integer","path":"/root/orders/tags"},
+  {"name":"tags1","type":"string","originalName":"tags1","path":"/root/orders/tags/tags1"},
+  {"name":"tags2","type":"string","originalName":"tags2","path":"/root/orders/tags/tags2"}],"missingValues":["NA"],"primaryKey":["ordinal_tags"],"foreignKeys":[{"fields":["ordinal_orders"],"reference":{"resource":"orders","fields":["ordinal_orders"]}}]}}
   ]}
 # The time is the file's, to the nanosecond.
 $ for file in out/*.csv; do TZ=UTC stat -c '%n %.9Y' $file; done > times
@@ -110,14 +130,14 @@ $ for name in o2 O2 a.b a..b .h é / a~2; do printf ',{"DSNAME":"%s","TABLEPATH"
 > cp a.json "$(printf 'b\377"\n.json')"; qvejmap convert b*.json --map odd.map -o odd -q 2> said; sed -E 's/,"path".*//' odd/datapackage.json
   {"qvejmap":{"version":"1.0.0","input":"b�\\"\\n.json","options":["--format=csv","--map=odd.map"]},
   "resources":[
-  {"name":"o2"
-  {"name":"o2.n2"
-  {"name":"a..b"
-  {"name":"a....b"
-  {"name":".x2eh"
-  {"name":".xc3.xa9"
-  {"name":".x2f"
-  {"name":"a.x7e2"
+  {"name":"o2","title":"o2"
+  {"name":"o2.n2","title":"O2"
+  {"name":"a..b","title":"a.b"
+  {"name":"a....b","title":"a..b"
+  {"name":".x2eh","title":".h"
+  {"name":".xc3.xa9","title":"é"
+  {"name":".x2f","title":"/"
+  {"name":"a.x7e2","title":"a~2"
   ]}
 
 # One at a time: the second is refused before it reads anything, and leaves nothing.

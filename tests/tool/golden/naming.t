@@ -101,19 +101,16 @@ $ python3 -c 'print("{\"t\":" * 19 + "{\"v\":1}" + ",\"v\":1}" * 19)' | qvejmap 
   ordinal_t/t/t/t/t/t/t/t/t/t/t/t/t/t/t/t~4
 
 # Files: all different where case does not count, and cut where file systems take no longer names.
-$ qvejmap convert equal.json -o files --naming original; ls files; sed 's/"rows.*//' files/datapackage.json
+$ qvejmap convert equal.json -o files --naming original; ls files; sed -n 's/"rows.*//p' files/datapackage.json
   Items%2Fitems.csv
   datapackage.json
   fr%2Fitems.csv
   root%2Fde%2Fitems.csv
   root%2Fde%5C%2Fitems.csv
-  {"qvejmap":{"version":"1.0.0","input":"equal.json","options":["--format=csv","--naming=original"]},
-  "resources":[
   {"name":"fr.x2fitems","title":"fr/items","path":"fr%2Fitems.csv","format":"csv",
   {"name":"root.x2fde.x2fitems","title":"root/de/items","path":"root%2Fde%2Fitems.csv","format":"csv",
   {"name":"root.x2fde.x5c.x2fitems","title":"root/de\\\\/items","path":"root%2Fde%5C%2Fitems.csv","format":"csv",
   {"name":"items.x2fitems","title":"Items/items","path":"Items%2Fitems.csv","format":"csv",
-  ]}
 ! qvejmap: 4 tables, 4 rows in files
 $ python3 -c 'import json; print(json.dumps({n: {"x": 1} for n in ["A", "a", "..", "a\0/", "k" * 300, "k" * 300 + "l", "\u00e9" * 41 + "abc", "\u00e9" * 43]}))' > long.json
 $ qvejmap convert long.json -o long --naming original --format ndjson; ls long | awk '{ print length($0), substr($0, 1, 20), substr($0, length($0) - 20) }'
@@ -126,15 +123,15 @@ $ qvejmap convert long.json -o long --naming original --format ndjson; ls long |
   16 datapackage.json datapackage.json
   255 kkkkkkkkkkkkkkkkkkkk kkkkkkkkkkkkkk.ndjson
   255 kkkkkkkkkkkkkkkkkkkk kkkkkkkkkkkk~2.ndjson
-! qvejmap: 8 tables, 8 rows in long
 ! qvejmap: 4 file names cut to 255 bytes: datapackage.json has the names of the tables
-$ grep -o '"title":"[^k]*",' long/datapackage.json
-  "title":"A","path":"A.ndjson","format":"ndjson",
-  "title":"a","path":"a~2.ndjson","format":"ndjson",
-  "title":"..","path":"%2E..ndjson","format":"ndjson",
-  "title":"a\\u0000/","path":"a%00%2F.ndjson","format":"ndjson",
-  "title":"éééééééééééééééééééééééééééééééééééééééééabc","path":"%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9ab.ndjson","format":"ndjson",
-  "title":"ééééééééééééééééééééééééééééééééééééééééééé","path":"%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9.ndjson","format":"ndjson",
+! qvejmap: 8 tables, 8 rows in long
+$ sed -n '/kkk/!s/.*\("title":.*\),"rows.*/  \1/p' long/datapackage.json
+    "title":"A","path":"A.ndjson","format":"ndjson"
+    "title":"a","path":"a~2.ndjson","format":"ndjson"
+    "title":"..","path":"%2E..ndjson","format":"ndjson"
+    "title":"a\\u0000/","path":"a%00%2F.ndjson","format":"ndjson"
+    "title":"éééééééééééééééééééééééééééééééééééééééééabc","path":"%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9ab.ndjson","format":"ndjson"
+    "title":"ééééééééééééééééééééééééééééééééééééééééééé","path":"%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9%C3%A9.ndjson","format":"ndjson"
 $ qvejmap convert long.json -o long --naming original --format ndjson --force -q; ls long | wc -l
   9
 

@@ -12,11 +12,12 @@ $ qvejmap --help
     map merge A B... [-o OUT]      one map of all tables and columns of several
     map explain FILE TABLE.COLUMN  why a column is what it is, with places
     read FILE TABLE                print the rows of a table (name, path, ALLDATA)
-    convert FILE... -o DIR         write every table to a file of its own
+    convert FILE... -o OUT         write every table: files, SQLite, Parquet, ...
     find FILE...                   where values are: line, column, path, value
     records FILE                   print every record: kind, path, value
     shape FILE [-o OUT]            print the shape that suits it, as rules
     check FILE...                  is it well formed? --account: where values go
+    completion bash|zsh|fish       print the completion of a shell
   
   Options of tables:
     --names                 bare names, one a line
@@ -24,8 +25,10 @@ $ qvejmap --help
                             bytes, path
   
   Options of map, shape and convert:
-    -o,--output OUT         map: file to write; shape: file to write; convert:
-                            directory, made when missing
+    -o,--output OUT         map: file to write; shape: file to write; convert: a
+                            directory, made when missing, or a file NAME.sqlite,
+                            .db, .xlsx or of one table .parquet, .arrow, or
+                            postgresql://HOST/DATABASE
     --exact                 map: columns with numbers that a double does not keep
                             are CHARACTER
     --compact               map: all in one line, without blanks
@@ -61,20 +64,33 @@ $ qvejmap --help
                             takes it with --account)
     --rejects FILE          a line of CSV for each value that its column cannot
                             take
-    --format NAME           csv (default) or ndjson
-    --null TEXT             CSV: what stands for null and for no value (default:
-                            nothing, as for an empty text)
     --ordinals N            keep the N deepest ordinal columns of each table
                             (default: all); 0: none, 1: orders_items has
                             ordinal_items alone
     --alldata-name NAME     name of the table ALLDATA
-    --naming WAY            names of tables and columns: those of the map
+    --naming map|original   names of tables and columns: those of the map
                             (default), or original, the document's own
     --retain                columns keep their value from row to row (check takes
                             it with --account)
     --carry                 a column of a parent has the value of the row's own
                             parent, wherever it stands (check takes it with
                             --account)
+  
+  Output:
+    --format csv|tsv|ndjson|sqlite|parquet|arrow|postgres|xlsx
+                            what rows are written as (default: csv, and of
+                            convert by OUT; those after ndjson are for convert)
+    --null TEXT             CSV and TSV: what stands for null and for no value
+                            (default: nothing, as for an empty text)
+    --gzip                  compress the files of csv, tsv and ndjson: .gz
+    --zstd                  the same: .zst
+    --dates auto|off        columns whose texts all are dates or times have that
+                            type: auto (default), or off
+    --schema NAME           of a PostgreSQL database, made when missing (default:
+                            the first of its search path)
+    --replace               tables that SQLite or PostgreSQL has already are made
+                            anew
+    --append                their rows are added to such tables
   
   Reading the document:
     --lines                 JSON Lines: a value in each line, no more and no
@@ -86,7 +102,7 @@ $ qvejmap --help
                             formed, and tell (exit code 1)
     --encoding NAME         encoding of FILE, any that ICU names (default: auto,
                             by a byte order mark or zero bytes, else UTF-8)
-    --invalid WAY           bytes that are wrong in the encoding: error
+    --invalid error|replace bytes that are wrong in the encoding: error
                             (default), or replace, by U+FFFD
     --depth N               deepest nesting allowed, 0 for any (default: 1000)
     --max-paths N           most distinct paths, 0 for any (default: 10000000)
@@ -99,7 +115,7 @@ $ qvejmap --help
                             (default: a private one in $TMPDIR or /tmp, removed)
   
   Shape of the document (docs/FORMATS.md says what each rule means):
-    --shape FILE            auto: the rules that qvejmap shape prints; else a
+    --shape auto|FILE       auto: the rules that qvejmap shape prints; else a
                             file of rules, one a line; may be repeated
     --rows RULE             PATH [as KEY] [except NAME...]: the members there, or
                             the elements, become rows
@@ -128,11 +144,11 @@ $ qvejmap --help
                             ...; "-MAP" leaves one out
     --force                 replace existing files, and remove those of an
                             earlier convert
-    --progress WAY          json: a line of JSON a second on standard error, for
+    --progress json         json: a line of JSON a second on standard error, for
                             programs (default: a line that says how far it is, on
                             a terminal and after a second; neither with -q)
     -q,--quiet              no summary; what is lost is still said
-    -h,--help               this page; with VERB only what that verb takes
+    -h,--help               the verbs and options; with VERB what that verb takes
     --version               the version
   
   FILE may be "-" for standard input, and may be compressed with gzip or zstd.
@@ -145,12 +161,14 @@ $ qvejmap --help
   usage, 3 not valid JSON, 4 no such table or trouble with the map, 5 trouble with
   a file, 6 a limit was reached.
 $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
-  qvejmap convert: write every table to a file of its own
+  qvejmap convert: write every table: files, SQLite, Parquet, ...
   
-  Usage: qvejmap convert FILE... -o DIR [OPTIONS]
+  Usage: qvejmap convert FILE... -o OUT [OPTIONS]
   
   Options of convert:
-    -o,--output OUT         directory, made when missing
+    -o,--output OUT         a directory, made when missing, or a file
+                            NAME.sqlite, .db, .xlsx or of one table .parquet,
+                            .arrow, or postgresql://HOST/DATABASE
     --alldata               ALLDATA too (every value with its full path)
     --per-file              a directory OUT/NAME for each input, with tables and
                             a map of its own (default: all inputs are one data
@@ -170,14 +188,11 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
                             takes it with --account)
     --rejects FILE          a line of CSV for each value that its column cannot
                             take
-    --format NAME           csv (default) or ndjson
-    --null TEXT             CSV: what stands for null and for no value (default:
-                            nothing, as for an empty text)
     --ordinals N            keep the N deepest ordinal columns of each table
                             (default: all); 0: none, 1: orders_items has
                             ordinal_items alone
     --alldata-name NAME     name of the table ALLDATA
-    --naming WAY            names of tables and columns: those of the map
+    --naming map|original   names of tables and columns: those of the map
                             (default), or original, the document's own
     --retain                columns keep their value from row to row (check takes
                             it with --account)
@@ -185,9 +200,25 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
                             parent, wherever it stands (check takes it with
                             --account)
   
+  Output:
+    --format csv|tsv|ndjson|sqlite|parquet|arrow|postgres|xlsx
+                            what rows are written as (default: csv, and of
+                            convert by OUT; those after ndjson are for convert)
+    --null TEXT             CSV and TSV: what stands for null and for no value
+                            (default: nothing, as for an empty text)
+    --gzip                  compress the files of csv, tsv and ndjson: .gz
+    --zstd                  the same: .zst
+    --dates auto|off        columns whose texts all are dates or times have that
+                            type: auto (default), or off
+    --schema NAME           of a PostgreSQL database, made when missing (default:
+                            the first of its search path)
+    --replace               tables that SQLite or PostgreSQL has already are made
+                            anew
+    --append                their rows are added to such tables
+  
   Reading the document:
 # Each verb lists what it takes.
-$ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records shape check; do
+$ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records shape check completion; do
 >     echo $verb: $(qvejmap help $verb | grep -o '^  -[-a-z,]*')
 > done
   tables: --names --columns --table --path --map --ordinals --alldata-name --naming --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --progress -q,--quiet -h,--help --version
@@ -196,15 +227,16 @@ $ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read c
   map diff: -q,--quiet -h,--help --version
   map merge: -o,--output --compact --force -q,--quiet -h,--help --version
   map explain: --map --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --progress -q,--quiet -h,--help --version
-  read: --limit --map --rejects --format --null --ordinals --alldata-name --naming --retain --carry --lines --skip-bad-lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force --progress -q,--quiet -h,--help --version
-  convert: -o,--output --alldata --per-file --threads --account --table --path --map --rejects --format --null --ordinals --alldata-name --naming --retain --carry --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force --progress -q,--quiet -h,--help --version
+  read: --limit --map --rejects --ordinals --alldata-name --naming --retain --carry --format --null --lines --skip-bad-lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force --progress -q,--quiet -h,--help --version
+  convert: -o,--output --alldata --per-file --threads --account --table --path --map --rejects --ordinals --alldata-name --naming --retain --carry --format --null --gzip --zstd --dates --schema --replace --append --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force --progress -q,--quiet -h,--help --version
   find: --limit --value --regex --ignore-case --path --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth -q,--quiet -h,--help --version
   records: --lines --skip-bad-lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --progress -q,--quiet -h,--help --version
   shape: -o,--output --lines --encoding --invalid --depth --key-names --key-containers --fixed-length --inline-columns --force -q,--quiet -h,--help --version
   check: --account --map --retain --carry --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --progress -q,--quiet -h,--help --version
+  completion: -q,--quiet -h,--help --version
 
 # help VERB is what VERB --help is, and no page is wider than 80 columns.
-$ for verb in '' tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records shape check; do
+$ for verb in '' tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records shape check completion; do
 >     qvejmap $verb --help > asked; qvejmap help $verb | cmp - asked; grep -E '.{81}' asked
 > done
 ? 1
@@ -279,7 +311,11 @@ $ cp orders.json map; qvejmap tables ./map --names | head -1
   orders
 
 $ qvejmap convert orders.json
-! qvejmap: convert: -o DIR is missing (qvejmap --help tells more)
+! qvejmap: convert: -o OUT is missing (qvejmap --help tells more)
+? 2
+$ qvejmap map check m ''; qvejmap map merge a b c ''
+! qvejmap: map check: the name of FILE is empty (qvejmap --help tells more)
+! qvejmap: map merge: the name of B is empty (qvejmap --help tells more)
 ? 2
 $ qvejmap tables ''; qvejmap map diff orders.json ''; qvejmap read orders.json ''
 ! qvejmap: tables: the name of FILE is empty (qvejmap --help tells more)
@@ -302,10 +338,10 @@ $ qvejmap tables orders.json --nonsense
 ! qvejmap: no option is named '--nonsense' (qvejmap --help tells more)
 ? 2
 $ qvejmap tables orders.json --format
-! qvejmap: --format: 1 required NAME missing (qvejmap --help tells more)
+! qvejmap: --format: 1 required csv|tsv|ndjson|sqlite|parquet|arrow|postgres|xlsx missing (qvejmap --help tells more)
 ? 2
 $ qvejmap read orders.json orders --format xml
-! qvejmap: --format: 'xml' is none of csv, ndjson (qvejmap --help tells more)
+! qvejmap: --format: 'xml' is none of csv, tsv, ndjson (qvejmap --help tells more)
 ? 2
 $ qvejmap read orders.json orders --limit -1
 ! qvejmap: --limit: '-1' is not a whole number (qvejmap --help tells more)

@@ -1,6 +1,7 @@
 // See help.h.
 #include "tools/cli/options/help.h"
 
+#include "tools/cli/options/help_texts.h"
 #include "tools/cli/options/option_owners.h"
 #include "tools/cli/verbs/verbs.h"
 
@@ -21,24 +22,11 @@ constexpr std::size_t kDescriptionWidth = 54;         // a page is 80 columns wi
 constexpr std::string_view kOfVerbs = "Options of ";  // begins the name of a group
 
 constexpr std::string_view kUsage =
-    "Reads a JSON document and presents it as tables.\n"
     "\n"
     "Usage: qvejmap VERB FILE [OPTIONS]\n"
     "       qvejmap help [VERB]\n"
     "\n"
     "Verbs:\n";
-
-constexpr std::string_view kNotes =
-    R"(FILE may be "-" for standard input, and may be compressed with gzip or zstd.
-SIZE is a number of bytes, or of 1024 bytes and its powers with K, M, G or T.
-Options work in any position.  A file that is named like a verb is written
-./map.
-
-Exit codes: 0 done, 1 done but some values were rejected, cut, overwritten or
-strayed or, with --account, lost (map check, map diff: not the same), 2 wrong
-usage, 3 not valid JSON, 4 no such table or trouble with the map, 5 trouble with
-a file, 6 a limit was reached.
-)";
 
 // A line for each verb whose name begins with `prefix`.
 std::string listVerbs(std::string_view prefix) {
@@ -63,7 +51,8 @@ std::string purposeFor(const std::string& verb, const std::string& purpose) {
     return purpose.substr(start, purpose.find(';', start) - start);
 }
 
-// The text in lines of at most `width` columns, divided at blanks.
+}  // namespace
+
 std::string wrapped(const std::string& text, std::size_t width) {
     std::string result;
     std::size_t used = 0;
@@ -77,7 +66,6 @@ std::string wrapped(const std::string& text, std::size_t width) {
     return result;
 }
 
-// Leaves what belongs to the verb.
 void keepOptionsOf(const Verb& verb, CLI::App& app) {
     const std::string name(verb.name);
     for (const Owner& owner : optionOwners()) {
@@ -94,8 +82,6 @@ void keepOptionsOf(const Verb& verb, CLI::App& app) {
     }
 }
 
-}  // namespace
-
 std::string helpText(CLI::App& app, const Verb* verb) {
     std::string text;
     if (verb != nullptr) {
@@ -106,7 +92,7 @@ std::string helpText(CLI::App& app, const Verb* verb) {
         text += further.empty() ? "" : "\nFurther verbs:\n" + further;
         keepOptionsOf(*verb, app);
     } else {
-        text = std::string(kUsage) + listVerbs({});
+        text = std::string(kSummary) + std::string(kUsage) + listVerbs({});
     }
     for (CLI::Option* option : app.get_options()) {
         option->description(wrapped(option->get_description(), kDescriptionWidth));
@@ -118,7 +104,7 @@ std::string helpText(CLI::App& app, const Verb* verb) {
          gap = text.find("\n\n\n")) {
         text.erase(gap, 1);
     }
-    return text + "\n" + std::string(kNotes);
+    return text + "\n" + std::string(kNotes) + "\n" + std::string(kExitCodes);
 }
 
 }  // namespace qvej::cli

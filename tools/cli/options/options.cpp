@@ -6,7 +6,9 @@
 
 #include "client/escape.h"
 #include "formats/writer.h"
+#include "tools/cli/options/completion.h"
 #include "tools/cli/options/help.h"
+#include "tools/cli/options/man_page.h"
 #include "tools/cli/options/option_owners.h"
 #include "tools/cli/options/option_values.h"
 #include "tools/cli/suggestion.h"
@@ -33,11 +35,16 @@ constexpr uint64_t kMostThreads = 1024;
 // tables and map, 25 MB with --account, 26 MB for records, 28 to 33 MB for convert.
 constexpr uint64_t kLeastMemory = 32 << 20;
 
+// For the scripts of the shells and for the build.  Help does not list them.
+constexpr const char* kComplete = "--complete";
+constexpr const char* kManPage = "--man-page";
+
 // The options as they are written, before they mean anything.
 struct Raw {
     std::vector<std::string> words, paths;
-    std::string threads, limit, format = "csv", null, invalid = "error", ordinals, depth, maxPaths,
-                                keepFree, memory, debug, naming, progress;
+    std::string threads, limit, invalid = "error", ordinals, depth, maxPaths, keepFree, memory,
+                                debug, naming, progress;
+    RawOutput output;
 };
 
 uint64_t countOr(uint64_t otherwise, const CLI::App& app, const char* option,
@@ -75,17 +82,6 @@ std::vector<PathPattern> pathsOf(const std::vector<std::string>& texts) {
         }
     }
     return paths;
-}
-
-// It stands in the file as it is, without quotes.
-void checkNull(const std::string& text, const Format& format) {
-    if (format.ownNull) {
-        usageError("--null: " + std::string(format.name) + " has a null of its own");
-    }
-    if (text.find_first_of(",\"") != std::string::npos || shown(text) != text) {
-        usageError("--null: " + inQuotes(text) +
-                   " has a comma, a quote or a character that cannot be shown");
-    }
 }
 
 // The names of the verbs that begin with `prefix`.
@@ -168,7 +164,9 @@ void refuseUnknown(const CLI::App& app) {
     std::vector<std::string> names;
     for (const CLI::Option* option : app.get_options()) {
         for (const std::string& name : option->get_lnames()) {
-            names.push_back("--" + name);
+            if (!option->get_group().empty()) {
+                names.push_back("--" + name);
+            }
         }
     }
     usageError("no option is named " + inQuotes(given) + suggestion(given, names));
@@ -187,6 +185,8 @@ std::string helpOn(CLI::App& app, const std::vector<std::string>& words) {
     return helpText(app, found.verb);
 }
 
+// The name of an option's type is what help shows, and what completion.cpp offers: words in lower
+// case divided by "|" are the values that there are, FILE and the like are files.
 void declare(CLI::App& app, Options& o, Raw& raw) {
     app.allow_extras();  // refuseUnknown() names them better
     app.add_option("words", raw.words)->group("");
@@ -195,9 +195,11 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_flag("--columns", o.columns,
                  "a line a column: table, column, type, length in bytes, path")
         ->group(ofTables);
-    app.add_option(
-           "-o,--output", o.out,
-           "map: file to write; shape: file to write; convert: directory,\nmade when missing")
+    app.add_option("-o,--output", o.out,
+                   "map: file to write; shape: file to write; convert: a directory, made when "
+                   "missing, or a file "
+                   "NAME.sqlite, .db, .xlsx or of one table .parquet, .arrow, or "
+                   "postgresql://HOST/DATABASE")
         ->type_name("OUT")
         ->group("Options of map, shape and convert");
     app.add_flag("--exact", o.exact,
@@ -257,14 +259,6 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
                    "a line of CSV for each value that its column cannot take")
         ->type_name("FILE")
         ->group(rows);
-    app.add_option("--format", raw.format, "csv (default) or ndjson")
-        ->type_name("NAME")
-        ->group(rows);
-    app.add_option("--null", raw.null,
-                   "CSV: what stands for null and for no value (default: "
-                   "nothing, as for an empty text)")
-        ->type_name("TEXT")
-        ->group(rows);
     app.add_option("--ordinals", raw.ordinals,
                    "keep the N deepest ordinal columns of each table (default: all); "
                    "0: none, 1: orders_items has ordinal_items alone")
@@ -276,7 +270,7 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_option("--naming", raw.naming,
                    "names of tables and columns: those of the map (default),\nor original, the "
                    "document's own")
-        ->type_name("WAY")
+        ->type_name("map|original")
         ->group(rows);
     app.add_flag("--retain", o.retain,
                  "columns keep their value from row to row (check takes it with --account)")
@@ -285,6 +279,8 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
                  "a column of a parent has the value of the row's own parent, wherever it stands "
                  "(check takes it with --account)")
         ->group(rows);
+
+    declareOutputOptions(app, raw.output, o);
 
     const std::string reading = "Reading the document";
     app.add_flag("--lines", o.reading.text.lines,
@@ -306,7 +302,7 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
         ->group(reading);
     app.add_option("--invalid", raw.invalid,
                    "bytes that are wrong in the encoding: error (default), or replace, by U+FFFD")
-        ->type_name("WAY")
+        ->type_name("error|replace")
         ->group(reading);
     app.add_option("--depth", raw.depth, "deepest nesting allowed, 0 for any (default: 1000)")
         ->type_name("N")
@@ -343,12 +339,14 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_option("--progress", raw.progress,
                    "json: a line of JSON a second on standard error, for programs (default: a line "
                    "that says how far it is, on a terminal and after a second; neither with -q)")
-        ->type_name("WAY")
+        ->type_name("json")
         ->group(general);
     app.add_flag("-q,--quiet", o.quiet, "no summary; what is lost is still said")->group(general);
-    app.set_help_flag("-h,--help", "this page; with VERB only what that verb takes")
+    app.set_help_flag("-h,--help", "the verbs and options; with VERB what that verb takes")
         ->group(general);
     app.set_version_flag("--version", "qvejmap " QVEJMAP_VERSION, "the version")->group(general);
+    app.add_flag(kComplete)->group("");
+    app.add_flag(kManPage)->group("");
 }
 
 void print(const std::string& text) {
@@ -386,14 +384,7 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     o.reading.memory = sizeOf(app, "--memory", raw.memory);
     o.reading.debug = debugString(raw.debug);
     o.reading.progress = progressOf(app, raw, o);
-    o.format = findFormat(raw.format);
-    if (o.format == nullptr) {
-        usageError("--format: " + inQuotes(raw.format) + " is none of " + formatNames());
-    }
-    if (app.count("--null") != 0) {
-        checkNull(raw.null, *o.format);
-        o.formatOptions.null = raw.null;
-    }
+    readOutputOptions(app, raw.output, o);
     o.reading.text.late = o.reading.skipBadLines;
     o.reading.text.replaceInvalid = raw.invalid == "replace";
     if (!o.reading.text.replaceInvalid && raw.invalid != "error") {
@@ -454,11 +445,14 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     if (o.verb->name == "find" && o.paths.empty() && !o.value && !o.regex) {
         usageError("find: --path, --value or --regex is missing");
     }
+    if (o.perFile && o.place != OutputPlace::DIRECTORY) {
+        usageError("--per-file: -o must be a directory of files");
+    }
     if (o.perFile && (!o.rejects.empty() || !o.reading.cache.empty())) {
         usageError("--per-file: neither --rejects nor --cache can be for several documents");
     }
     if (o.verb->name == "convert" && o.out.empty()) {
-        usageError("convert: -o DIR is missing");
+        usageError("convert: -o OUT is missing");
     }
 }
 
@@ -480,7 +474,15 @@ Options readOptions(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         usageError(error.what());
     }
+    if (app.count(kComplete) != 0) {
+        print(completions(app, raw.words));
+        return {};
+    }
     refuseUnknown(app);
+    if (app.count(kManPage) != 0) {
+        print(manPage(app));
+        return {};
+    }
     if (!raw.words.empty() && raw.words[0] == "help") {
         print(helpOn(app, {raw.words.begin() + 1, raw.words.end()}));
         return {};

@@ -6,6 +6,7 @@
 #include "client/input/input_list.h"
 #include "client/shape/path_pattern.h"
 #include "formats/formats.h"
+#include "tools/cli/options/output_options.h"
 #include "tools/cli/options/reading_options.h"
 
 #include <cstdint>
@@ -50,7 +51,9 @@ struct Options {
     bool quiet = false;
     const Format* format = nullptr;
     FormatOptions formatOptions;
-    unsigned threads = 1;  // of convert
+    OutputPlace place = OutputPlace::DIRECTORY;  // of convert
+    SchemaOptions schema;                        // of convert
+    unsigned threads = 1;                        // of convert
 };
 
 // Does the map name tables and columns, without a word of the user on that?  Then names that differ

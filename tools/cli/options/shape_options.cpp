@@ -78,7 +78,7 @@ void declareShapeOptions(CLI::App& app) {
             ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
             ->group(group);
     };
-    declare(kShape, "FILE",
+    declare(kShape, "auto|FILE",
             "auto: the rules that qvejmap shape prints; else a file of\nrules, one a line; may be "
             "repeated");
     for (const RuleOption& option : kRuleOptions) {

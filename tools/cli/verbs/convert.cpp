@@ -1,19 +1,20 @@
-// qvejmap convert: every table in a file of its own.
+// qvejmap convert: every table, as files, in one file or in a database.
 //
 // Tested by tests/tool/golden/convert.t and tests/tool/golden/interrupt.t
 #include "client/error.h"
 #include "client/pass_pipe.h"
+#include "client/schema/schema.h"
 #include "formats/cleanup.h"
-#include "formats/file_names.h"
-#include "formats/output_files.h"
-#include "formats/table_directory.h"
+#include "formats/destination.h"
 #include "formats/table_outputs.h"
 #include "tools/cli/choice.h"
 #include "tools/cli/failure.h"
+#include "tools/cli/outputs.h"
 #include "tools/cli/reports/account_report.h"
 #include "tools/cli/reports/changed_names.h"
 #include "tools/cli/reports/rejects.h"
 #include "tools/cli/reports/remarks.h"
+#include "tools/cli/reports/schema_report.h"
 #include "tools/cli/reports/shape_report.h"
 #include "tools/cli/reports/skipped.h"
 #include "tools/cli/reports/tell.h"
@@ -32,50 +33,6 @@ std::string counted(uint64_t count, const std::string& noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
-std::string joined(const std::vector<std::string>& words) {
-    std::string text;
-    for (const std::string& word : words) {
-        text += (text.empty() ? "" : " ") + word;
-    }
-    return text;
-}
-
-// The options that shape what is written.
-std::vector<std::string> wordsOf(const Options& options) {
-    const ReadingOptions standard;
-    const ReadingOptions& reading = options.reading;
-    std::vector<std::string> words;
-    const auto add = [&](bool given, const std::string& word) {
-        if (given) {
-            words.push_back(word);
-        }
-    };
-    add(true, "--format=" + std::string(options.format->name));
-    add(options.formatOptions.null.has_value(),
-        "--null=" + options.formatOptions.null.value_or(""));
-    for (const std::string& glob : options.tables) {
-        add(true, "--table=" + glob);
-    }
-    for (const PathPattern& pattern : options.paths) {
-        add(true, "--path=" + pattern.text());
-    }
-    add(options.alldata, "--alldata");
-    add(reading.alldataName != standard.alldataName, "--alldata-name=" + reading.alldataName);
-    add(reading.naming == Naming::ORIGINAL, "--naming=original");
-    add(!options.map.empty(), "--map=" + options.map);
-    add(options.retain, "--retain");
-    add(options.carry, "--carry");
-    add(reading.ordinals != standard.ordinals, "--ordinals=" + std::to_string(reading.ordinals));
-    const std::vector<std::string> shape = cli::wordsOf(reading.shape);
-    words.insert(words.end(), shape.begin(), shape.end());
-    add(reading.text.lines, "--lines");
-    add(reading.skipBadLines, "--skip-bad-lines");
-    add(reading.skipBadFiles, "--skip-bad-files");
-    add(reading.text.encoding != standard.text.encoding, "--encoding=" + reading.text.encoding);
-    add(reading.text.replaceInvalid, "--invalid=replace");
-    return words;
-}
-
 uint64_t rowsOf(std::span<const PassItem> items) {
     return static_cast<uint64_t>(
         std::count_if(items.begin(), items.end(),
@@ -89,16 +46,25 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
     if (options.alldata) {
         tables.push_back(&document.alldata());
     }
+    std::optional<Schema> schema;
+    if (options.format->typed) {
+        schema = schemaOf(document, tables, options.retain, options.carry, options.threads,
+                          options.schema);
+    }
     const Sources sources = sourcesOf(options.inputs.files, options.map);
-    TableDirectory directory(options.out, *options.format, options.formatOptions, options.force,
-                             sources,
-                             {QVEJMAP_VERSION, joined(options.operands), wordsOf(options),
-                              document.naming() == Naming::ORIGINAL});
-    directory.open(tables);
-    Rejects rejects(options.rejects, options.force, sources, &directory);
+    const std::unique_ptr<Destination> destination = makeDestination(options, sources);
+    destination->open(tables, schema ? &*schema : nullptr);
+    Rejects rejects(options.rejects, options.force, sources, destination.get());
     rejects.takeLines(session.skipped());
-    TableOutputs outputs(document, tables, directory,
-                         [&](const Table& table) { return rejects.handlerFor(table); });
+    std::optional<SchemaBuilder> facts;
+    if (!schema) {
+        SchemaOptions typesAndKeys = options.schema;
+        typesAndKeys.counts = false;
+        facts.emplace(document, tables, typesAndKeys);
+    }
+    TableOutputs outputs(
+        document, tables, *destination,
+        [&](const Table& table) { return rejects.handlerFor(table); }, facts ? &*facts : nullptr);
     TablePass pass(document, tables, options.retain, options.carry);
     runPass(pass, options.threads, [&](std::span<const PassItem> items) {
         outputs.take(items);
@@ -106,24 +72,22 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
     });
     session.progress().erase();
     outputs.end();
+    if (!schema) {
+        schema = facts->end();
+    }
+    destination->end(*schema);
+    rejects.commit(destination.get());
     std::vector<WrittenTable> written;
     uint64_t rows = 0;
-    for (std::size_t i = 0; i < tables.size(); ++i) {
-        written.push_back({tables[i], outputs.rows(i)});
-        rows += outputs.rows(i);
-    }
-    rejects.commit(&directory);
-    if (!directory.earlierKnown() && !options.quiet) {
-        tell(options.out + " had no " + kPackageFile +
-             " of qvejmap: files were replaced by name, and no others removed");
+    for (const TableSchema& table : schema->tables) {
+        written.push_back({table.table, table.rows});
+        rows += table.rows;
     }
     if (!options.quiet) {
-        tell(counted(tables.size(), "table") + ", " + counted(rows, "row") + " in " + options.out);
-    }
-    if (directory.cutNames() != 0 && !options.quiet) {
-        tell(counted(directory.cutNames(), "file name") + " cut to " +
-             std::to_string(kLongestFileName) + " bytes: " + kPackageFile +
-             " has the names of the tables");
+        tellEach(destination->remarks());
+        tell(counted(tables.size(), "table") + ", " + counted(rows, "row") + " in " +
+             shownOutput(options));
+        tellSchema(options, document, *schema);
     }
     if (!shared.empty() && !options.quiet) {
         tell(shared);
@@ -147,22 +111,9 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
     return std::max({code, rejects.tellAll(), session.skipped().exitCode()});
 }
 
-// What need not wait for the document.
-void checkOutput(const Options& options) {
-    if (options.out == "-") {
-        throw Failure(WRONG_USAGE,
-                      "-o -: convert writes files into a directory (./- for one of that name); "
-                      "qvejmap read prints a table");
-    }
-    OutputFiles::checkDirectory(options.out);
-    if (!options.rejects.empty()) {
-        OutputFiles::checkFile(options.rejects, options.force,
-                               sourcesOf(options.inputs.files, options.map), options.out);
-    }
-}
-
 ExitCode convertAndAccount(const Options& options, Account& account) {
-    std::optional<cleanup::Output> output(options.out);  // for a signal while the document is read
+    std::optional<cleanup::Output> output(
+        shownOutput(options));  // for a signal while the document is read
     const Session session(options.reading, options.inputs, options.map,
                           {.keepBadLines = !options.rejects.empty()});
     output.reset();

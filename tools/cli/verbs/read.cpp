@@ -70,7 +70,7 @@ struct Written {
 Written writeRows(const Document& document, const Table& table, const Options& options,
                   Rejects& rejects) {
     const std::unique_ptr<Sink> sink =
-        options.format->make(standardOutput(), table.columns, options.formatOptions);
+        makeSink(*options.format, standardOutput(), {table, options.formatOptions});
     PassRow row(document, table, rejects.handlerFor(table));
     TablePass pass(document, {&table}, options.retain, options.carry);
     for (PassItem item; row.rows() < options.limit && pass.next(item);) {

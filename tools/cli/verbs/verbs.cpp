@@ -17,12 +17,13 @@ constexpr Verb kVerbs[] = {
     {"map explain", "FILE TABLE.COLUMN", "why a column is what it is, with places", 2, 2,
      runMapExplain},
     {"read", "FILE TABLE", "print the rows of a table (name, path, ALLDATA)", 2, 2, runRead},
-    {"convert", "FILE... -o DIR", "write every table to a file of its own", 1, SIZE_MAX,
+    {"convert", "FILE... -o OUT", "write every table: files, SQLite, Parquet, ...", 1, SIZE_MAX,
      runConvert},
     {"find", "FILE...", "where values are: line, column, path, value", 1, SIZE_MAX, runFind},
     {"records", "FILE", "print every record: kind, path, value", 1, 1, runRecords},
     {"shape", "FILE [-o OUT]", "print the shape that suits it, as rules", 1, 1, runShape},
     {"check", "FILE...", "is it well formed? --account: where values go", 1, SIZE_MAX, runCheck},
+    {"completion", "bash|zsh|fish", "print the completion of a shell", 1, 1, runCompletion},
 };
 
 const Verb* verbNamed(std::string_view name) {
@@ -55,9 +56,11 @@ FoundVerb findVerb(const std::vector<std::string>& words) {
 
 std::string operandName(const Verb& verb, std::size_t index) {
     std::string_view rest = verb.arguments;
+    // "B..." is every further one as well.
     for (; index != 0 && !rest.substr(0, rest.find(' ')).ends_with("..."); --index) {
         rest.remove_prefix(rest.find(' ') + 1);
     }
+    rest.remove_prefix(rest.starts_with('[') ? 1 : 0);
     return std::string(rest.substr(0, rest.find_first_of(" .]")));
 }
 

@@ -49,5 +49,6 @@ ExitCode runRecords(const Options& options);
 ExitCode runFind(const Options& options);
 ExitCode runCheck(const Options& options);
 ExitCode runShape(const Options& options);
+ExitCode runCompletion(const Options& options);
 
 }  // namespace qvej::cli

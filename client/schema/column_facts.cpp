@@ -1,0 +1,144 @@
+// See column_facts.h.
+#include "client/schema/column_facts.h"
+
+#include <cmath>
+
+namespace qvej {
+namespace {
+
+constexpr double kMicroseconds = 1e6;
+constexpr double kMostExact = 9007199254740992;  // 2^53: whole numbers up to it are all doubles
+constexpr int64_t kMostExactDigits = 16;
+constexpr int kNanoDigits = 9;
+
+// Instants are microseconds since 1970, whatever they came from.
+bool isInstant(double seconds) {
+    const double micros = std::round(seconds * kMicroseconds);
+    return std::abs(micros) <= kMostExact && micros / kMicroseconds == seconds;
+}
+
+int fractionOf(double seconds) {
+    const auto micros = static_cast<int64_t>(std::llround(seconds * kMicroseconds));
+    return micros % 1000000 == 0 ? 0 : micros % 1000 == 0 ? 3 : 6;
+}
+
+}  // namespace
+
+ColumnFacts::ColumnFacts(const Document& document, const Column& column)
+    : document_(&document),
+      unix_(column.informat.name == "unix"     ? SECONDS
+            : column.informat.name == "unixms" ? MILLISECONDS
+                                               : NO_UNIX) {
+    const bool asIs = column.informat.name.empty() && column.format.name.empty();
+    if (asIs && column.type == ColumnType::ORDINAL) {
+        flags_ = WHOLE;
+    } else if (asIs && column.logicalType == LogicalType::BOOLEAN) {
+        flags_ = BOOLEAN;
+    }
+    known_ = flags_ != 0;
+}
+
+void ColumnFacts::noteInexact(std::string_view digits) {
+    if ((flags_ & INEXACT) == 0 && jmapIsInexact(document_->handle(), digits.data(),
+                                                 static_cast<QVStrSize>(digits.size())) != 0) {
+        flags_ |= INEXACT;
+    }
+}
+
+void ColumnFacts::takeOtherDigits(std::string_view digits) {
+    const DecimalNeed need = needOf(digits);
+    whole_ = std::max(whole_, need.whole);
+    fraction_ = std::max(fraction_, need.fraction);
+    flags_ |= need.minusZero ? MINUS_ZERO : 0;
+    flags_ |= wholeNumber(digits) ? WHOLE : OTHER;
+    noteCount(0);
+    // More digits, or an exponent beyond those of doubles.
+    if (need.significant > kSafeDigits || need.whole > 300 || need.fraction > 300) {
+        noteInexact(digits);
+    }
+}
+
+void ColumnFacts::takeNumber(const Cell& cell) {
+    if (!cell.text.empty()) {
+        takeText(cell.text);  // as its format shows it
+        return;
+    }
+    const double number = cell.number;
+    if (unix_ != NO_UNIX) {
+        const bool instant = isInstant(number);
+        flags_ |= instant ? INSTANT : NO_INSTANT;
+        timeFraction_ =
+            std::max(timeFraction_, static_cast<uint8_t>(instant ? fractionOf(number) : 0));
+        return;
+    }
+    const bool whole = number == std::trunc(number) && std::abs(number) <= kMostExact &&
+                       !(number == 0 && std::signbit(number));
+    flags_ |= whole ? WHOLE : OTHER;
+    whole_ = std::max<int64_t>(whole_, std::abs(number) < 10 ? 1 : kMostExactDigits);
+    noteCount(0);
+}
+
+void ColumnFacts::takePerhapsTime(std::string_view text) {
+    const std::optional<IsoTime> time = parseIsoTime(text);
+    if (!time) {
+        flags_ |= OTHER_TEXT;
+        return;
+    }
+    flags_ |= time->kind == IsoTime::DATE ? DATE : time->kind == IsoTime::UTC ? UTC : NAIVE;
+    timeFraction_ = std::max(timeFraction_, time->fraction);
+    if (!unitsSince1970(*time, kNanoDigits)) {
+        flags_ |= LONG_AGO;
+    }
+}
+
+DataType ColumnFacts::type(bool dates) const {
+    constexpr unsigned kTexts = DATE | NAIVE | UTC | OTHER_TEXT | LONG_AGO;
+    if (flags_ == 0) {
+        return {};
+    }
+    if ((flags_ & kTexts) != 0) {
+        return dates ? timeType() : DataType{};
+    }
+    if (flags_ == BOOLEAN) {
+        return {DataType::BOOLEAN};
+    }
+    if (flags_ == INSTANT) {
+        DataType type = {DataType::TIMESTAMP, true};
+        type.fraction = timeFraction_;
+        return type;
+    }
+    return numberType();
+}
+
+DataType ColumnFacts::timeType() const {
+    const unsigned kinds = flags_ & ~unsigned{LONG_AGO};
+    if (kinds == DATE) {
+        return {DataType::DATE};
+    }
+    // Times that need nanoseconds and lie where 64 bits have none.
+    const bool tooLong = timeFraction_ > 6 && (flags_ & LONG_AGO) != 0;
+    if ((kinds != UTC && kinds != NAIVE) || tooLong) {
+        return {};
+    }
+    DataType type = {DataType::TIMESTAMP, kinds == UTC};
+    type.fraction = timeFraction_;
+    return type;
+}
+
+DataType ColumnFacts::numberType() const {
+    if ((flags_ & (OTHER | INSTANT | NO_INSTANT)) == 0) {
+        return {DataType::BIGINT};
+    }
+    if ((flags_ & INEXACT) == 0) {
+        return {DataType::DOUBLE};
+    }
+    if ((flags_ & MINUS_ZERO) != 0 || whole_ + fraction_ > kMostDigits) {
+        return {};
+    }
+    DataType type = {DataType::DECIMAL};
+    type.scale = static_cast<uint8_t>(fraction_);
+    type.precision = static_cast<uint8_t>(std::max<int64_t>(whole_ + fraction_, 1));
+    return type;
+}
+
+}  // namespace qvej

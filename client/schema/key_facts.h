@@ -1,0 +1,109 @@
+// Which rows the ordinals of tables name: what can be a key, and of which table.
+//
+// Ordinals are never reset, so the deepest ordinal of a table counts its rows, and its other
+// ordinals say in which row of the tables above a row is.  Two things can be otherwise: a row whose
+// ordinal is missing or the same as that of the row before it, and a row whose parent never became
+// a row.  Both are found by looking at all rows.
+//
+// Tested by tests/client/schema_test.cpp
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace qvej {
+
+// A set of numbers that mostly come in order and without gaps.
+class NumberRuns {
+   public:
+    // False: it is not above the last one.
+    bool append(uint64_t number) {
+        if (!runs_.empty() && number == runs_.back().end) {
+            ++runs_.back().end;
+            return true;
+        }
+        if (!runs_.empty() && number < runs_.back().end) {
+            return false;
+        }
+        runs_.push_back({number, number + 1});
+        return true;
+    }
+    [[nodiscard]] bool has(uint64_t number) const;
+
+   private:
+    struct Run {
+        uint64_t begin, end;
+    };
+    std::vector<Run> runs_;
+};
+
+// The own ordinals of the rows of one table.
+class OwnOrdinals {
+   public:
+    void take(std::optional<uint64_t> ordinal) {
+        if (!ordinal) {
+            ++missing_;
+        } else if (!seen_.append(*ordinal)) {
+            ++repeated_;
+        }
+    }
+    [[nodiscard]] bool has(uint64_t ordinal) const { return seen_.has(ordinal); }
+
+    // Rows without, or with one that is not above that of the row before.
+    [[nodiscard]] uint64_t missing() const { return missing_; }
+    [[nodiscard]] uint64_t repeated() const { return repeated_; }
+    [[nodiscard]] bool unique() const { return missing_ == 0 && repeated_ == 0; }
+
+   private:
+    NumberRuns seen_;
+    uint64_t missing_ = 0;
+    uint64_t repeated_ = 0;
+};
+
+// The ordinals of the rows above, as the rows of a table below have them.
+class ParentOrdinals {
+   public:
+    // `parents`: the rows above that have come so far.  A row comes at the latest when its next one
+    // begins, so one that has not come by then is looked for again at the end.
+    void take(std::optional<uint64_t> ordinal, const OwnOrdinals& parents) {
+        if (!ordinal) {
+            ++missing_;
+            return;
+        }
+        if (count_ != 0 && *ordinal == current_) {
+            ++count_;
+            several_ = true;
+            return;
+        }
+        settle(parents);
+        several_ |= count_ != 0 && *ordinal < current_;
+        current_ = *ordinal;
+        count_ = 1;
+    }
+
+    // After the last row: rows whose parent is no row.
+    [[nodiscard]] uint64_t orphans(const OwnOrdinals& parents) const;
+
+    // Has a row above at most one row here?
+    [[nodiscard]] bool onePerParent() const { return !several_ && missing_ == 0; }
+
+   private:
+    struct Late {
+        uint64_t ordinal, count;
+    };
+    void settle(const OwnOrdinals& parents) {
+        if (count_ != 0 && !parents.has(current_)) {
+            late_.push_back({current_, count_});
+        }
+    }
+
+    uint64_t current_ = 0;
+    uint64_t count_ = 0;  // rows in turn with that one
+    uint64_t missing_ = 0;
+    bool several_ = false;
+    std::vector<Late> late_;
+};
+
+}  // namespace qvej

@@ -1,0 +1,100 @@
+// The tables of a document as a database declares them: types of columns, keys, who belongs to
+// whom.
+//
+//     qvej::SchemaBuilder builder(document, tables, {});
+//     for each complete row of a pass over the tables:
+//         builder.take(item.table, row);
+//     const qvej::Schema schema = builder.end();
+//
+// Types and keys are found from the rows, so they hold for every row.
+//
+// Tested by tests/client/schema_test.cpp
+#pragma once
+
+#include "../document.h"
+#include "../table_pass.h"
+#include "column_facts.h"
+#include "data_type.h"
+#include "key_facts.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace qvej {
+
+struct Field {
+    DataType type = {};
+    uint64_t filled = 0;      // rows with a value; only with SchemaOptions::counts, as the next
+    std::size_t longest = 0;  // bytes of the longest text or number
+    enum : uint8_t { NO_UNIX, SECONDS, MILLISECONDS } unixLike = NO_UNIX;  // as whole numbers look
+};
+
+// The table that the rows of another belong to.
+struct ParentKey {
+    std::size_t table;        // its position in the schema
+    std::size_t column;       // the ordinal here
+    std::size_t ordinal;      // and the same there, its own
+    uint64_t orphans = 0;     // rows whose parent is no row: then it is no foreign key
+    bool one = false;         // a parent has at most one row here
+    bool foreignKey = false;  // there are no orphans, and the parent has a primary key
+};
+
+struct TableSchema {
+    const Table* table = nullptr;
+    uint64_t rows = 0;
+    std::vector<Field> fields = {};        // of each column
+    std::optional<std::size_t> own = {};   // the ordinal that counts the rows; none: it has none
+    uint64_t missing = 0;                  // rows without it
+    uint64_t repeated = 0;                 // rows with that of a row before
+    bool key = false;                      // it is a primary key
+    std::optional<ParentKey> parent = {};  // none: no table of the schema is above
+};
+
+struct Schema {
+    std::vector<TableSchema> tables;  // in the order they were given in
+};
+
+struct SchemaOptions {
+    bool dates = true;   // texts that all are dates or times get that type
+    bool counts = true;  // Field::filled and Field::longest are asked for, too
+};
+
+class SchemaBuilder {
+   public:
+    // All must outlive this object.
+    SchemaBuilder(const Document& document, const std::vector<const Table*>& tables,
+                  const SchemaOptions& options);
+
+    // A complete row of the table at that position.
+    void take(std::size_t table, const PassRow& row);
+
+    // After the last row.
+    [[nodiscard]] Schema end() const;
+
+   private:
+    struct OfTable {
+        std::vector<ColumnFacts> columns;
+        std::vector<std::size_t> open = {};  // columns whose next values matter
+        std::optional<std::size_t> own = {};
+        std::optional<ParentKey> parent = {};
+        OwnOrdinals ordinals = {};
+        ParentOrdinals parents = {};
+        uint64_t rows = 0;
+    };
+    void findParents();
+    void takeOpen(OfTable& of, const PassRow& row);
+
+    const std::vector<const Table*>& tables_;
+    SchemaOptions options_;
+    std::vector<OfTable> facts_;
+};
+
+// By a pass of its own over the tables.  Throws as TablePass and PassRow.
+//   retain, carry  as of TablePass
+[[nodiscard]] Schema schemaOf(const Document& document, const std::vector<const Table*>& tables,
+                              bool retain, bool carry, unsigned threads,
+                              const SchemaOptions& options);
+
+}  // namespace qvej

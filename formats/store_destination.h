@@ -1,0 +1,51 @@
+// All tables in one file or database, by the store of a module.
+//
+// A new file is made under a temporary name and renamed.  A database, and a file that has tables
+// already, are changed in one transaction.
+//
+// Tested by tests/tool/golden/dictionary.t
+#pragma once
+
+#include "formats/destination.h"
+#include "formats/formats.h"
+#include "formats/output_files.h"
+#include "formats/store.h"
+
+#include <memory>
+#include <string>
+
+namespace qvej {
+
+// Where a store is.
+struct StoreTarget {
+    std::string text;  // as the user gives it
+    bool file;         // it is a file; else the address of a database
+    bool grows;        // a file that exists gets the tables too, unless `force` replaces it
+};
+
+// An address as messages may show it: without its password.
+[[nodiscard]] std::string withoutPassword(const std::string& address);
+
+class StoreDestination final : public Destination {
+   public:
+    StoreDestination(StoreTarget target, const Format& format, FormatOptions options, bool force,
+                     Sources sources);
+
+    void open(const std::vector<const Table*>& tables, const Schema* schema) override;
+    [[nodiscard]] bool shares(const OutputFiles& files) const override;
+    [[nodiscard]] std::unique_ptr<Sink> sink(std::size_t table) override;
+    void end(const Schema& schema) override;
+    [[nodiscard]] std::vector<std::string> commit(OutputFiles* with) override;
+    [[nodiscard]] std::vector<std::string> remarks() const override;
+
+   private:
+    StoreTarget target_;
+    const Format& format_;
+    FormatOptions options_;
+    bool force_;
+    Sources sources_;
+    std::unique_ptr<OutputFiles> files_;  // of a new file, once it is open
+    std::unique_ptr<Store> store_;        // once it is open
+};
+
+}  // namespace qvej

@@ -1,0 +1,39 @@
+// One table as a file of that name.
+//
+// Tested by tests/tool/golden/dictionary.t
+#pragma once
+
+#include "formats/destination.h"
+#include "formats/formats.h"
+#include "formats/output_files.h"
+
+#include <memory>
+#include <string>
+
+namespace qvej {
+
+class TableFile final : public Destination {
+   public:
+    // A file that exists is replaced with `force` only, and never one of the `sources`.
+    TableFile(std::string path, const Format& format, FormatOptions options, bool force,
+              Sources sources);
+
+    // Throws when it is not one table.
+    void open(const std::vector<const Table*>& tables, const Schema* schema) override;
+    [[nodiscard]] bool shares(const OutputFiles& files) const override;
+    [[nodiscard]] std::unique_ptr<Sink> sink(std::size_t table) override;
+    void end(const Schema& /*schema*/) override {}
+    [[nodiscard]] std::vector<std::string> commit(OutputFiles* with) override;
+
+   private:
+    std::string path_;
+    const Format& format_;
+    FormatOptions options_;
+    bool force_;
+    Sources sources_;
+    const Table* table_ = nullptr;
+    const Schema* schema_ = nullptr;
+    std::unique_ptr<OutputFiles> files_;  // once it is open
+};
+
+}  // namespace qvej

@@ -1,0 +1,249 @@
+// Types and keys of tables.
+#include "client/schema/schema.h"
+
+#include "client/schema/typed_value.h"
+#include "tests/client/read_document.h"
+#include "tests/testkit/random_document.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <set>
+
+namespace {
+
+using jmap::test::ReadDocument;
+
+// The type of the column v of rows with these values, and after it the cells as that type has them.
+std::string typed(const std::string& values, bool dates = true, const std::string& informat = {}) {
+    std::string text;
+    for (std::size_t begin = 0; begin < values.size();) {
+        const std::size_t end = std::min(values.find(' ', begin), values.size());
+        text += (text.empty() ? "{\"v\":" : ",{\"v\":") + values.substr(begin, end - begin) + "}";
+        begin = end + 1;
+    }
+    ReadDocument read("[" + text + "]");
+    if (!informat.empty()) {
+        read.document.useMap(R"({"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root","VARIABLES":[
+            {"NAME":"v","PATH":"/root/v","TYPE":"NUMERIC","INFORMAT":[")" +
+                             informat + R"(",0,0]}]}]})");
+    }
+    const std::vector<const qvej::Table*> tables = read.tables();
+    const qvej::Schema schema =
+        qvej::schemaOf(read.document, tables, false, false, 1, {.dates = dates});
+    const qvej::TableSchema& table = schema.tables.at(0);
+    const std::size_t column = table.fields.size() - 1;
+    const qvej::DataType type = table.fields[column].type;
+    std::string line = nameOf(type) + ":";
+    qvej::TablePass pass(read.document, tables);
+    qvej::PassRow row(read.document, *tables[0]);
+    std::string buffer;
+    for (qvej::PassItem item = {}; pass.next(item);) {
+        if (!row.take(item)) {
+            continue;
+        }
+        const qvej::Cell cell = row.cell(column);
+        line += " ";
+        if (!qvej::hasValue(cell)) {
+            line += "~";
+            continue;
+        }
+        switch (type.kind) {
+            case qvej::DataType::BOOLEAN:
+                line += qvej::booleanOf(cell) ? "yes" : "no";
+                break;
+            case qvej::DataType::BIGINT:
+                line += std::to_string(qvej::bigintOf(cell));
+                break;
+            case qvej::DataType::DOUBLE: {
+                char digits[32];
+                (void)std::snprintf(digits, sizeof digits, "%.17g", qvej::doubleOf(cell));
+                line += digits;
+                break;
+            }
+            case qvej::DataType::DECIMAL:
+                line += std::to_string(
+                    static_cast<int64_t>(qvej::decimalOf(cell, type.scale) % 1000000));
+                break;
+            case qvej::DataType::DATE:
+                line += std::to_string(qvej::daysOf(cell));
+                break;
+            case qvej::DataType::TIMESTAMP:
+                line += std::to_string(qvej::unitsOf(cell, type.fraction)) + "=" +
+                        std::string(qvej::textOf(cell, type, buffer));
+                break;
+            default:
+                line += qvej::textOf(cell, type, buffer);
+        }
+    }
+    return line;
+}
+
+TEST(ColumnFacts, ATypeKeepsEveryValue) {
+    constexpr struct {
+        const char *values, *expected;
+    } kCases[] = {
+        {"true false null", "BOOLEAN: yes no ~"},
+        {"1 -2 null", "BIGINT: 1 -2 ~"},
+        {"9223372036854775807 -9223372036854775808",
+         "BIGINT: 9223372036854775807 -9223372036854775808"},
+        {"1 1.5", "DOUBLE: 1 1.5"},
+        {"1 1.0", "DOUBLE: 1 1"},
+        {"1 1e2", "DOUBLE: 1 100"},
+        {"-0 1", "DOUBLE: -0 1"},
+        {"0.1 123456789012345", "DOUBLE: 0.10000000000000001 123456789012345"},
+        {"9007199254740993 0.5", "DECIMAL(17,1): 409930 5"},
+        {"9223372036854775808 1", "DECIMAL(19,0): 775808 1"},
+        {"12345678901234567890.12 -1", "DECIMAL(22,2): 789012 -100"},
+        {"0.1000000000000000055511151231257827 2", "DECIMAL(35,34): 257827 0"},
+        {"99999999999999999999999999999999999999 1", "DECIMAL(38,0): 999999 1"},
+        {"99999999999999999999999999999999999999 0.5",
+         "TEXT: 99999999999999999999999999999999999999 0.5"},
+        {"1e400 1", "TEXT: 1e400 1"},
+        {"9223372036854775809 -0", "TEXT: 9223372036854775809 -0"},
+        {"9223372036854775809 true", "DECIMAL(19,0): 775809 1"},
+        {"true 2 false", "BIGINT: 1 2 0"},
+        {"true 2.5", "DOUBLE: 1 2.5"},
+        {"\"x\" 2.50 true null", "TEXT: x 2.50 true ~"},
+        {"null null", "TEXT: ~ ~"},
+        {"\"2024-02-29\" null", "DATE: 19782 ~"},
+        {"\"2024-02-29\" \"x\"", "TEXT: 2024-02-29 x"},
+        {"\"2024-02-29\" 5", "TEXT: 2024-02-29 5"},
+        {"\"2024-02-29\" \"2024-02-29T00:00\"", "TEXT: 2024-02-29 2024-02-29T00:00"},
+        {"\"2024-02-29T00:00Z\" \"1969-12-31T23:59:59.5Z\"",
+         "TIMESTAMP(1) UTC: 17091648000=2024-02-29T00:00Z -5=1969-12-31T23:59:59.5Z"},
+        {"\"2024-02-29T00:00\"", "TIMESTAMP(0): 1709164800=2024-02-29T00:00"},
+        {"\"2024-02-29T00:00\" \"2024-02-29T00:00Z\"", "TEXT: 2024-02-29T00:00 2024-02-29T00:00Z"},
+        {"\"2024-02-29T00:00:00.123456789\" \"1500-01-01T00:00\"",
+         "TEXT: 2024-02-29T00:00:00.123456789 1500-01-01T00:00"},
+        {"\"2024-02-29T00:00:00.123456\" \"1500-01-01T00:00\"",
+         "TIMESTAMP(6): 1709164800123456=2024-02-29T00:00:00.123456 "
+         "-14831769600000000=1500-01-01T00:00"},
+    };
+    for (const auto& c : kCases) {
+        EXPECT_EQ(typed(c.values), c.expected) << c.values;
+    }
+    EXPECT_EQ(typed("\"2024-02-29\"", false), "TEXT: 2024-02-29");
+}
+
+TEST(ColumnFacts, UnixTimesOfAMapAreInstants) {
+    EXPECT_EQ(typed("1709211900 0", true, "unix"),
+              "TIMESTAMP(0) UTC: 1709211900=2024-02-29T13:05:00Z 0=1970-01-01T00:00:00Z");
+    EXPECT_EQ(typed("1709211900250 -1", true, "unixms"),
+              "TIMESTAMP(3) UTC: 1709211900250=2024-02-29T13:05:00.250Z "
+              "-1=1969-12-31T23:59:59.999Z");
+    EXPECT_EQ(typed("1709211900.000001", true, "unix"),
+              "TIMESTAMP(6) UTC: 1709211900000001=2024-02-29T13:05:00.000001Z");
+    EXPECT_EQ(typed("0.0000001", true, "unix").substr(0, 6), "DOUBLE");
+}
+
+// "orders[2] key=ordinal_orders": rows, key; "!1" missing, "*1" repeated; then the parent: ">root",
+// ">>root" when it is a foreign key, "=" when one to one, "?2" orphans.
+std::string keysOf(const qvej::Schema& schema) {
+    std::string text;
+    for (const qvej::TableSchema& table : schema.tables) {
+        text +=
+            (text.empty() ? "" : " ") + table.table->name + "[" + std::to_string(table.rows) + "]";
+        text += table.key ? "#" : table.own ? "" : "-";
+        text += table.missing != 0 ? "!" + std::to_string(table.missing) : "";
+        text += table.repeated != 0 ? "*" + std::to_string(table.repeated) : "";
+        if (table.parent) {
+            text += table.parent->foreignKey ? ">>" : ">";
+            text += schema.tables[table.parent->table].table->name;
+            text += table.parent->one ? "=" : "";
+            text += table.parent->orphans != 0 ? "?" + std::to_string(table.parent->orphans) : "";
+        }
+    }
+    return text;
+}
+
+TEST(Schema, KeysHoldForEveryRow) {
+    const struct {
+        const char *text, *expected;
+        uint64_t ordinals = UINT64_MAX;
+    } kCases[] = {
+        {R"([{"a":1},{"a":2}])", "root[2]#"},
+        {R"({"orders":[{"id":1,"items":[{"s":1},{"s":2}]},{"id":2}]})",
+         "orders[2]# orders_items[2]#>>orders"},
+        {R"({"orders":[{"id":1,"items":[{}]},{"items":[{}]}]})",
+         "orders[1]# orders_items[2]#>orders=?1"},
+        {R"({"o":[{"id":1,"i":[{"n":1}]},{"i":[{"n":2},{"n":3}]},{"id":3,"i":[{"n":4}]}]})",
+         "o[2]# o_i[4]#>o?2"},
+        {R"([{"v":1,"c":{"n":1}},{"v":2,"c":{"n":2}}])", "root[2]# c[2]#>>root="},
+        // The parent comes after its children.
+        {R"([{"c":[{"n":1},{"n":2}],"v":1},{"c":[{"n":3}],"v":2}])", "c[3]#>>root root[2]#"},
+        // Not the one directly above, which is no table.
+        {R"({"a":[{"v":1,"b":{"c":[{"n":1},{"n":2}]}}]})", "a[1]# b_c[2]#>>a"},
+        {R"({"orders":[{"id":1,"items":[{"s":1},{"s":2}]},{"id":2}]})",
+         "orders[2]- orders_items[2]-", 0},
+    };
+    for (const auto& c : kCases) {
+        qvej::DocumentOptions options;
+        options.ordinals = c.ordinals;
+        const ReadDocument read(c.text, options);
+        const auto tables = read.tables();
+        const qvej::Schema schema = qvej::schemaOf(read.document, tables, false, false, 1, {});
+        EXPECT_EQ(keysOf(schema), c.expected) << c.text;
+    }
+}
+
+// What the rows of random documents say when all of them are at hand.
+TEST(Schema, AgreesWithAllRowsOfRandomDocuments) {
+    for (unsigned seed = 0; seed < 150; ++seed) {
+        const std::string text = jmap::test::RandomDocument(seed, {"a", "b", "c"}).text(6);
+        const ReadDocument read(text);
+        const auto tables = read.tables();
+        const qvej::Schema schema = qvej::schemaOf(read.document, tables, false, false, 2, {});
+        std::vector<std::vector<std::vector<std::optional<uint64_t>>>> rows(tables.size());
+        std::vector<std::unique_ptr<qvej::PassRow>> row;
+        for (const qvej::Table* table : tables) {
+            row.push_back(std::make_unique<qvej::PassRow>(read.document, *table));
+        }
+        qvej::TablePass pass(read.document, tables);
+        for (qvej::PassItem item = {}; pass.next(item);) {
+            if (!row[item.table]->take(item)) {
+                continue;
+            }
+            auto& cells = rows[item.table].emplace_back();
+            for (std::size_t c = 0; c < tables[item.table]->columns.size(); ++c) {
+                const qvej::Cell cell = row[item.table]->cell(c);
+                cells.push_back(cell.kind == qvej::Cell::COUNT ? std::optional(cell.count)
+                                                               : std::nullopt);
+            }
+        }
+        for (std::size_t t = 0; t < tables.size(); ++t) {
+            const qvej::TableSchema& table = schema.tables[t];
+            ASSERT_EQ(table.rows, rows[t].size()) << text;
+            if (!table.own) {
+                continue;
+            }
+            std::set<std::optional<uint64_t>> own;
+            for (const auto& cells : rows[t]) {
+                own.insert(cells[*table.own]);
+            }
+            EXPECT_EQ(table.key, own.size() == rows[t].size() && !own.contains(std::nullopt))
+                << text << " " << table.table->name;
+            if (!table.parent) {
+                continue;
+            }
+            std::set<std::optional<uint64_t>> above;
+            for (const auto& cells : rows[table.parent->table]) {
+                above.insert(cells[table.parent->ordinal]);
+            }
+            above.erase(std::nullopt);
+            uint64_t orphans = 0;
+            std::map<std::optional<uint64_t>, int> children;
+            bool one = true;
+            for (const auto& cells : rows[t]) {
+                const std::optional<uint64_t> parent = cells[table.parent->column];
+                orphans += above.contains(parent) ? 0 : 1;
+                one = ++children[parent] == 1 && parent && one;
+            }
+            EXPECT_EQ(table.parent->orphans, orphans) << text << " " << table.table->name;
+            EXPECT_EQ(table.parent->one, one) << text << " " << table.table->name;
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,164 @@
+// See output_options.h.
+#include "tools/cli/options/output_options.h"
+
+#include "client/escape.h"
+#include "tools/cli/options/option_values.h"
+#include "tools/cli/options/options.h"
+#include "tools/cli/verbs/verbs.h"
+
+#include <CLI/App.hpp>
+#include <re2/re2.h>
+
+#include <algorithm>
+#include <string_view>
+
+namespace qvej::cli {
+
+namespace {
+
+// What the end of a file's name says of its format.
+constexpr struct {
+    std::string_view ending, format;
+    OutputPlace place;
+} kEndings[] = {
+    {".db", "sqlite", OutputPlace::STORE_FILE},
+    {".sqlite", "sqlite", OutputPlace::STORE_FILE},
+    {".sqlite3", "sqlite", OutputPlace::STORE_FILE},
+    {".xlsx", "xlsx", OutputPlace::STORE_FILE},
+    {".parquet", "parquet", OutputPlace::TABLE_FILE},
+    {".arrow", "arrow", OutputPlace::TABLE_FILE},
+};
+
+bool isAddress(std::string_view out) {
+    return out.starts_with("postgres:") || out.starts_with("postgresql:");
+}
+
+struct Guess {
+    std::string_view format;
+    OutputPlace place;
+};
+
+Guess guessOf(std::string_view out) {
+    if (isAddress(out)) {
+        return {"postgres", OutputPlace::DATABASE};
+    }
+    for (const auto& known : kEndings) {
+        if (out.ends_with(known.ending)) {
+            return {known.format, known.place};
+        }
+    }
+    return {"csv", OutputPlace::DIRECTORY};
+}
+
+// The place that a format goes to, when the name of the output says nothing of that format.
+OutputPlace placeOf(const Format& format) {
+    return format.store ? OutputPlace::STORE_FILE : OutputPlace::DIRECTORY;
+}
+
+// It stands in the file as it is, without quotes.
+void checkNull(const std::string& text, const Format& format) {
+    if (format.ownNull) {
+        usageError("--null: " + std::string(format.name) + " has a null of its own");
+    }
+    if (text.find_first_of(",\"") != std::string::npos || shown(text) != text) {
+        usageError("--null: " + inQuotes(text) +
+                   " has a comma, a quote or a character that cannot be shown");
+    }
+}
+
+void readPlace(const CLI::App& app, const RawOutput& raw, Options& o) {
+    const Guess guess = guessOf(o.out);
+    const bool convert = o.verb->name == "convert";
+    const std::string name(app.count("--format") != 0 ? raw.format
+                           : convert                  ? std::string(guess.format)
+                                                      : "csv");
+    o.format = findFormat(name);
+    if (o.format == nullptr || (!convert && !o.format->text())) {
+        usageError("--format: " + inQuotes(name) + " is none of " + formatNames(!convert));
+    }
+    o.place = o.format->name == guess.format ? guess.place : placeOf(*o.format);
+    if (o.format->name == "postgres" && !isAddress(o.out)) {
+        usageError("--format postgres: -o takes an address such as postgresql://host/database");
+    }
+    if (isAddress(o.out) && o.format->name != "postgres") {
+        usageError("--format: a database takes no " + std::string(o.format->name));
+    }
+}
+
+// "csv|tsv|..."
+std::string formatChoices() {
+    std::string names = formatNames(false);
+    RE2::GlobalReplace(&names, ", ", "|");
+    return names;
+}
+
+}  // namespace
+
+void declareOutputOptions(CLI::App& app, RawOutput& raw, Options& options) {
+    const std::string group = "Output";
+    app.add_option("--format", raw.format,
+                   "what rows are written as (default: csv, and of convert by OUT; those after "
+                   "ndjson are for convert)")
+        ->type_name(formatChoices())
+        ->group(group);
+    app.add_option("--null", raw.null,
+                   "CSV and TSV: what stands for null and for no value (default: nothing, as for "
+                   "an empty text)")
+        ->type_name("TEXT")
+        ->group(group);
+    app.add_flag("--gzip", raw.gzip, "compress the files of csv, tsv and ndjson: .gz")
+        ->group(group);
+    app.add_flag("--zstd", raw.zstd, "the same: .zst")->group(group);
+    app.add_option("--dates", raw.dates,
+                   "columns whose texts all are dates or times have that type: auto (default), or "
+                   "off")
+        ->type_name("auto|off")
+        ->group(group);
+    app.add_option("--schema", options.formatOptions.schema,
+                   "of a PostgreSQL database, made when missing (default: the first of its search "
+                   "path)")
+        ->type_name("NAME")
+        ->group(group);
+    app.add_flag("--replace", raw.replace,
+                 "tables that SQLite or PostgreSQL has already are made anew")
+        ->group(group);
+    app.add_flag("--append", raw.append, "their rows are added to such tables")->group(group);
+}
+
+void readOutputOptions(const CLI::App& app, const RawOutput& raw, Options& o) {
+    readPlace(app, raw, o);
+    FormatOptions& format = o.formatOptions;
+    if (app.count("--null") != 0) {
+        checkNull(raw.null, *o.format);
+        format.null = raw.null;
+    }
+    if (raw.gzip && raw.zstd) {
+        usageError("--gzip and --zstd exclude each other");
+    }
+    if ((raw.gzip || raw.zstd) && !o.format->text()) {
+        usageError(std::string(raw.gzip ? "--gzip" : "--zstd") + ": " +
+                   std::string(o.format->name) + " has a compression of its own, or none");
+    }
+    format.packing = raw.gzip ? Packing::GZIP : raw.zstd ? Packing::ZSTD : Packing::NONE;
+    if (raw.dates != "auto" && raw.dates != "off") {
+        usageError("--dates: " + inQuotes(raw.dates) + " is none of auto, off");
+    }
+    o.schema.dates = raw.dates == "auto";
+    if (raw.replace && raw.append) {
+        usageError("--replace and --append exclude each other");
+    }
+    const bool database = o.format->name == "sqlite" || o.format->name == "postgres";
+    if ((raw.replace || raw.append) && !database) {
+        usageError(std::string(raw.replace ? "--replace" : "--append") +
+                   " is for SQLite and PostgreSQL");
+    }
+    if (app.count("--schema") != 0 && o.format->name != "postgres") {
+        usageError("--schema is for PostgreSQL");
+    }
+    format.existing = raw.replace  ? FormatOptions::REPLACE
+                      : raw.append ? FormatOptions::APPEND
+                                   : FormatOptions::REFUSE;
+    format.threads = o.threads;
+}
+
+}  // namespace qvej::cli
