@@ -9,7 +9,7 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 }
 
 DocumentText::DocumentText(ByteSource source, const std::string& encoding, bool replaceInvalid)
-    : bytes_(std::move(source)),
+    : bytes_(Unpacker(std::move(source))),
       piece_(bytes_.next()),
       guess_(guessEncoding(piece_)),
       invalid_(replaceInvalid ? Recoder::Invalid::IS_REPLACED : Recoder::Invalid::STOPS) {

@@ -4,8 +4,8 @@
 #pragma once
 
 #include "../text_form.h"
+#include "read_ahead.h"
 #include "recoder.h"
-#include "unpacker.h"
 
 #include <cstdint>
 #include <optional>
@@ -51,7 +51,7 @@ class DocumentText {
     [[nodiscard]] const std::string& name() const { return bytes_.name(); }
 
    private:
-    Unpacker bytes_;
+    ReadAhead bytes_;
     std::string_view piece_;  // what is not converted yet
     std::string guess_;
     std::string encoding_;

@@ -2,10 +2,18 @@
 #include "client/input/inputs_reader.h"
 
 #include "client/input/text_of_document.h"
+#include "client/quiet_thread.h"
 
+#include <algorithm>
+#include <thread>
 #include <utility>
 
 namespace qvej {
+namespace {
+
+constexpr std::size_t kMostAhead = 4;  // files
+
+}  // namespace
 
 InputsReader::InputsReader(InputList inputs, const TextOptions& options, Open open)
     : inputs_(std::move(inputs)),
@@ -27,13 +35,38 @@ void InputsReader::read(Document& document, const ReadText& readText) {
         return;
     }
     for (std::size_t i = 0; i < inputs_.files.size(); ++i) {
+        lookAhead();
         if (i != 0) {
-            current_ = std::make_unique<DocumentReader>(open_(inputs_.files[i]), options_);
+            current_ = coming_.front().get();
+            coming_.pop_front();
         }
         TextOfDocument text(document, current_->name(), current_->documentOptions());
         read(text);
     }
     document.finish();
+}
+
+void InputsReader::lookAhead() {
+    const std::size_t cores = std::max(1U, std::thread::hardware_concurrency());
+    while (asked_ < inputs_.files.size() && coming_.size() < std::min(cores, kMostAhead)) {
+        askFor(inputs_.files[asked_++]);
+    }
+}
+
+void InputsReader::askFor(const std::string& file) {
+    try {
+        const auto source = std::make_shared<ByteSource>(open_(file));
+        const SignalsBlocked blocked;
+        coming_.push_back(std::async(
+            source->isFile() ? std::launch::async | std::launch::deferred : std::launch::deferred,
+            [source, this] {
+                return std::make_unique<DocumentReader>(std::move(*source), options_);
+            }));
+    } catch (...) {  // told when it is the file's turn
+        std::promise<std::unique_ptr<DocumentReader>> failed;
+        failed.set_exception(std::current_exception());
+        coming_.push_back(failed.get_future());
+    }
 }
 
 std::string InputsReader::name() const {

@@ -10,7 +10,9 @@
 #include "document_reader.h"
 #include "input_list.h"
 
+#include <deque>
 #include <functional>
+#include <future>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -42,10 +44,16 @@ class InputsReader {
     [[nodiscard]] std::string name() const;
 
    private:
+    void askFor(const std::string& file);
+    void lookAhead();
+
     InputList inputs_;
     TextOptions options_;
     Open open_;
     std::unique_ptr<DocumentReader> current_;
+    // Those that come next, on threads of their own: the beginnings of files are read ahead.
+    std::deque<std::future<std::unique_ptr<DocumentReader>>> coming_;
+    std::size_t asked_ = 1;  // files that were asked for
 };
 
 }  // namespace qvej

@@ -33,8 +33,9 @@ const Layer kLayers[] = {
     {"src/reader/", "src/(reader|automap|scan|core)/.*" + kEngine},
     {"src/frame/", "src/(frame|mapdoc|reader|automap|scan|core)/.*" + kEngine},
     {"src/host/", R"re(src/host/.*|include/qv(ehost|types|status|portable)\.h|<.*>)re"},
-    {"client/input/", R"re(client/(input/.*|(cache_file|document|error|escape|excerpt)\.h))re"
-                      R"re(|client/(text|text_consumer|text_form)\.h|include/.*|<.*>)re"},
+    {"client/input/",
+     R"re(client/(input/.*|(cache_file|document|error|escape|excerpt|quiet_thread)\.h))re"
+     R"re(|client/(text|text_consumer|text_form)\.h|include/.*|<.*>)re"},
     {"client/shape/",
      R"re(client/(shape/.*|(error|escape|handle|text|text_form|text_relay)\.h)|include/.*|<.*>)re"},
     {"client/schema/",

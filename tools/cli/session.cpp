@@ -80,7 +80,7 @@ ByteSource counted(ByteSource source, Progress& progress) {
             progress.addBytes(piece.size());
             return piece;
         },
-        from->name());
+        from->name(), from->isFile());
 }
 
 std::vector<RereadableFile> rereadable(const InputList& inputs) {

@@ -7,6 +7,7 @@
 #include <array>
 #include <chrono>
 #include <cstdio>
+#include <mutex>
 #include <unistd.h>
 #include <utility>
 
@@ -19,7 +20,8 @@ constexpr double kBetweenLines = 0.1;
 constexpr double kBetweenJson = 1.0;
 constexpr std::string_view kErase = "\r\033[K";
 
-Progress* current = nullptr;  // the one with a line on the terminal, if any
+std::mutex drawing;           // for all of them: there is one terminal
+Progress* current = nullptr;  // the one with a line on it, if any
 
 template <class... Args>
 std::string formatted(const char* format, Args... args) {
@@ -72,11 +74,13 @@ Progress::Out Progress::standardError() {
 }
 
 void Progress::addBytes(uint64_t bytes) {
+    const std::lock_guard lock(drawing);
     bytes_ += bytes;
     showWhenDue();
 }
 
 void Progress::addRows(uint64_t rows) {
+    const std::lock_guard lock(drawing);
     if (rows_ == 0 && form_ != ProgressForm::NONE) {
         rowsBegun_ = clock_();
     }
@@ -104,6 +108,11 @@ void Progress::showWhenDue() {
 }
 
 void Progress::erase() {
+    const std::lock_guard lock(drawing);
+    eraseLine();
+}
+
+void Progress::eraseLine() {
     if (shown_) {
         out_(kErase);
         shown_ = false;
@@ -112,8 +121,9 @@ void Progress::erase() {
 }
 
 void Progress::eraseAny() {
+    const std::lock_guard lock(drawing);
     if (current != nullptr) {
-        current->erase();
+        current->eraseLine();
     }
 }
 

@@ -14,7 +14,7 @@ namespace qvej::cli {
 
 enum class ProgressForm : uint8_t { NONE, LINE, JSON };
 
-// First the input is read, then, perhaps, rows are written.  One thread at a time.
+// First the input is read, then, perhaps, rows are written.  On any thread.
 class Progress {
    public:
     using Clock = std::function<double()>;  // in seconds
@@ -42,6 +42,7 @@ class Progress {
     static Out standardError();
 
    private:
+    void eraseLine();
     void showWhenDue();
     [[nodiscard]] std::string line(double now) const;
     [[nodiscard]] std::string json(double now) const;
