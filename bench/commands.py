@@ -4,7 +4,7 @@
     bench/commands.py BUILD DATA [--quick] [orders] [files] [memory]
 
 BUILD is the directory of the built tool and its benchmarks.  DATA has orders.json (200 MB) and
-orders2000.json (2 GB), and takes what is written; scripts/bench makes it.  $JMAP_DUCKDB_PYTHON is a
+orders2000.json (2 GB), and takes what is written; scripts/bench makes it.  $JMAP_PEERS_PYTHON is a
 Python that has the package duckdb.  What is not there is left out, with a line.
 
 Wall and processor time in seconds, peak resident memory in MB of 1,000,000 bytes.  "warm" is the
@@ -110,11 +110,11 @@ class Bench:
               f"{compressed.processor / ours.processor:9.1f}")
 
     def duckdb(self, document):
-        python = os.environ.get("JMAP_DUCKDB_PYTHON", "python3")
-        program = os.path.join(HERE, "duckdb_tables.py")
+        python = os.environ.get("JMAP_PEERS_PYTHON", "python3")
+        program = os.path.join(HERE, "peers.py")
         try:
-            version = subprocess.check_output([python, program, "--version"], text=True,
-                                              stderr=subprocess.DEVNULL).strip()
+            version = subprocess.check_output([python, "-c", "import duckdb; print(duckdb.__version__)"],
+                                              text=True, stderr=subprocess.DEVNULL).strip()
         except (OSError, subprocess.CalledProcessError):
             left_out("DuckDB", f"{python} has no package duckdb")
             return None
@@ -122,7 +122,7 @@ class Bench:
         for _ in range(self.runs // 2):
             out = self.out()
             os.mkdir(out)
-            runs.append(run([python, program, document, out]))
+            runs.append(run([python, program, "duckdb", "csv", document, out]))
         show(f"DuckDB {version}, four tables, warm", warm(runs))
         return warm(runs)
 
@@ -183,4 +183,5 @@ def main():
     remove(bench.path("out"))
 
 
-main()
+if __name__ == "__main__":
+    main()

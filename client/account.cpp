@@ -90,7 +90,7 @@ PathAccount columnOf(const TablePass& pass, std::size_t table, std::size_t colum
         const bool none = *shown == 0 && info.overwritten == 0;
         of(account, Loss::NO_ROW) = {info.values - info.overwritten - *shown,
                                      none ? uint64_t{1} : 0};
-    } else if (holdsValue(pass.left(table)[column])) {
+    } else if (holdsValue(pass.left(table, column))) {
         add(of(account, Loss::NO_ROW), info.values);
     }
     account.values = info.values;

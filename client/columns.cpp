@@ -73,12 +73,19 @@ void Columns::nameOriginally(JMAPTableh table) {
 }
 
 ColumnType Columns::type(std::size_t i) const {
+    if (i < ownColumns()) {
+        return first_->type;
+    }
     JMAPColumnInfo info = {};
-    jmapColumnInfo(handles_[i], &info);
+    jmapColumnInfo(handles_[i - ownColumns()], &info);
     return static_cast<ColumnType>(info.type);
 }
 
 Column Columns::operator[](std::size_t i) const {
+    if (i < ownColumns()) {
+        return *first_;
+    }
+    i -= ownColumns();
     JMAPColumnh handle = handles_[i];
     JMAPColumnInfo info = {};
     jmapColumnInfo(handle, &info);

@@ -16,6 +16,7 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace qvej {
@@ -97,8 +98,11 @@ class Columns {
     // the list.
     Columns(JMAPTableh table, const TextCodec& codec, Naming naming = Naming::MAP);
 
-    [[nodiscard]] std::size_t size() const { return handles_.size(); }
-    [[nodiscard]] bool empty() const { return handles_.empty(); }
+    // Puts a column before the others that is none of the engine.
+    void addFirst(Column column) { first_ = std::make_shared<const Column>(std::move(column)); }
+
+    [[nodiscard]] std::size_t size() const { return handles_.size() + ownColumns(); }
+    [[nodiscard]] bool empty() const { return size() == 0; }
     [[nodiscard]] Column operator[](std::size_t i) const;
     [[nodiscard]] ColumnType type(std::size_t i) const;  // of a column, without describing the rest
     [[nodiscard]] Iterator begin() const { return {*this, 0}; }
@@ -107,9 +111,11 @@ class Columns {
 
    private:
     void nameOriginally(JMAPTableh table);
+    [[nodiscard]] std::size_t ownColumns() const { return first_ == nullptr ? 0 : 1; }
 
     const TextCodec* codec_;
-    std::vector<JMAPColumnh> handles_;
+    std::shared_ptr<const Column> first_;  // null: none
+    std::vector<JMAPColumnh> handles_;     // of the others
     // Of the document's own names, in order; empty: each is its last piece.  Null: the map's names.
     std::shared_ptr<const std::vector<PathName>> original_;
 };

@@ -26,6 +26,9 @@ Cursor::~Cursor() {
 }
 
 void Cursor::open(bool retain) {
+    if (document().hasSourceColumn()) {
+        throw Error(QV_UNSUPPORTED, "a cursor has no column of the names of texts");
+    }
     offsets_.resize(columns().size());
     QVEJMAPReadInitParms parms = {retain ? uint64_t{QVEJMAP_RETAIN} : 0};
     check(jmapReadTable(document().handle(), table().handle, &parms, &handle_));

@@ -22,7 +22,8 @@ namespace qvej {
 class Cursor final : public CellValues {
    public:
     // `retain`: a column keeps its value until a new one comes.  Throws QV_NOMEM and the status of
-    // an informat or format that cannot be opened.
+    // an informat or format that cannot be opened; QV_UNSUPPORTED when the tables have a column of
+    // the names of texts, which a TablePass has.
     Cursor(const Document& document, const Table& table, bool retain = false,
            RejectHandler onReject = {});
     ~Cursor() override;

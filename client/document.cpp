@@ -5,17 +5,28 @@
 
 #include "client/cache_file.h"
 #include "client/error.h"
+#include "client/escape.h"
 #include "client/shape/reshaper.h"
+#include "client/text_relay.h"
+#include "client/text_rules.h"
 #include "client/user_map.h"
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
+#include <unordered_set>
+#include <utility>
 
 namespace qvej {
 namespace {
 
 constexpr std::size_t kTablesBetweenChecks = 256;
 constexpr std::size_t kPathsBetweenChecks = 4096;
+
+// A place as the engine has it, of one text or of several.
+Spot spotOf(int64_t line, int64_t column) {
+    return {TextRelay::lineOf(line), column, TextRelay::textOf(line)};
+}
 
 }  // namespace
 
@@ -26,6 +37,7 @@ Document::Document(Engine& engine, const DocumentOptions& options)
       naming_(options.naming),
       cacheFile_(options.cacheFile.empty() ? privateCacheDirectory() : options.cacheFile),
       columnOf_(options.columnOf),
+      sourceColumn_(options.several ? options.sourceColumn : std::string()),
       guard_(options.maxPaths, options.leastMemory,
              {[&engine] { return engine.availableMemory(); },
               [file = cacheFile_] { return freeDiskOf(file); }}),
@@ -54,11 +66,11 @@ Document::Document(Engine& engine, const DocumentOptions& options)
 
     QVStatus status =
         operations()->JsonInit(&operations()->exth, &parms, &handle_, engine.host()->jnl);
-    if (status == QV_OK && !options.shape.empty()) {
-        status = setShape(options.shape);
+    if (status == QV_OK && (options.several || !options.shape.empty())) {
+        status = setParser(options);
     }
-    if (status == QV_OK && (options.lines || columnOf_)) {
-        status = setRules(options.lines);
+    if (status == QV_OK && !options.several && (options.lines || options.sequence || columnOf_)) {
+        status = setRules(options);
     }
     if (status == QV_OK) {
         jmapGuard(handle_, &engineGuard_);
@@ -74,15 +86,27 @@ Document::Document(Engine& engine, const DocumentOptions& options)
     }
 }
 
-// Puts the rules of a shape between the parser and the engine.
-QVStatus Document::setShape(const Shape& shape) {
+// Puts the rules of a shape between the parser and the engine, and one parser for each text.
+QVStatus Document::setParser(const DocumentOptions& options) {
+    if (options.several && !codec_.isUtf8()) {
+        return QV_UNSUPPORTED;
+    }
     JSNParserParms parms = {};
     parms.textCei = parms.callbackCei = codec_.isUtf8() ? U_UTF8_CE : 0;
     parms.flags = JSN_PARSER_FLAGS;
     parms.jnl = engine_.host()->jnl;
     parms.callbacks = jmapCallbacks(handle_);
     try {
-        auto* reshaper = new Reshaper(engine_.host(), parms, shape);
+        std::unique_ptr<TextRelay> relay;
+        if (options.several) {
+            relay = std::make_unique<TextRelay>(engine_.host(), parms);
+            relay_ = relay.get();
+        }
+        if (options.shape.empty()) {
+            jmapSetParser(handle_, relay.release()->parser());
+            return QV_OK;
+        }
+        auto* reshaper = new Reshaper(engine_.host(), parms, options.shape, std::move(relay));
         jmapSetParser(handle_, reshaper->parser());
         reshaper_ = reshaper;
         return QV_OK;
@@ -92,7 +116,7 @@ QVStatus Document::setShape(const Shape& shape) {
 }
 
 // Tells the parser what it must know of the text.
-QVStatus Document::setRules(bool lines) {
+QVStatus Document::setRules(const DocumentOptions& options) {
     const JSNParserh parser = jmapParser(handle_);
     if (parser == nullptr) {
         return QV_NOMEM;
@@ -100,14 +124,22 @@ QVStatus Document::setRules(bool lines) {
     if (parser->setRules == nullptr) {
         return QV_UNSUPPORTED;
     }
-    JSNTextRules rules = {lines ? QVBoolean{1} : QVBoolean{0}, nullptr, &columnOf_};
-    if (columnOf_) {
-        rules.columnOf = [](void* arg, int64_t offset) {
-            return (*static_cast<std::function<int64_t(int64_t)>*>(arg))(offset);
-        };
-    }
+    const JSNTextRules rules = textRules(options, columnOf_);
     parser->setRules(parser, &rules);
     return QV_OK;
+}
+
+void Document::beginText(const std::string& name, const DocumentOptions& options) {
+    columnOf_ = options.columnOf;
+    relay_->begin(textRules(options, columnOf_));
+    std::string utf8;
+    appendEscaped(utf8, name, 0);
+    texts_.push_back({utf8, jmapBeginText(handle_)});
+}
+
+void Document::endText() {
+    relay_->end();
+    input("", false);
 }
 
 QVStatus Document::watchFor(const Watch& watch) {
@@ -117,9 +149,10 @@ QVStatus Document::watchFor(const Watch& watch) {
 }
 
 Spot Document::watched(std::size_t watch) const {
-    Spot spot;
-    jmapWatched(watches_.at(watch), &spot.line, &spot.column);
-    return spot;
+    int64_t line = 0;
+    int64_t column = 0;
+    jmapWatched(watches_.at(watch), &line, &column);
+    return spotOf(line, column);
 }
 
 Document::~Document() {
@@ -162,8 +195,10 @@ void Document::fail(QVStatus status) const {
     const QVStatus reason = handle_->e.rc;  // of the parser, or a callback
     if (status == JMAP_INCOMPLETE && reason != QV_OK) {
         const JSNParserh parser = jmapParser(handle_);
-        const Place place = {
-            {}, parser->line(parser), parser->eventColumn(parser), parser->eventOffset(parser)};
+        const Place place = {{},
+                             TextRelay::lineOf(parser->line(parser)),
+                             parser->eventColumn(parser),
+                             parser->eventOffset(parser)};
         throw Error(status, "a document must be an object or an array", place);
     }
     const QVStatus cause = status == JMAP_PARSE ? reason : status;
@@ -182,7 +217,7 @@ Place Document::end() const {
     const JSNParserh parser = jmapParser(handle_);
     const int64_t offset = parser->offset(parser);
     const int64_t column = columnOf_ ? columnOf_(offset) : parser->column(parser);
-    return {{}, parser->line(parser), column, offset};
+    return {{}, TextRelay::lineOf(parser->line(parser)), column, offset};
 }
 
 void Document::feed(std::string_view text) {
@@ -247,8 +282,33 @@ void Document::nameOriginally(std::vector<Table>& tables) const {
 Table Document::describe(JMAPTableh handle, bool alldata, Naming naming) const {
     JMAPTableInfo info = {};
     jmapTableInfo(handle, &info);
+    Columns columns(handle, codec_, naming);
+    if (hasSourceColumn()) {
+        columns.addFirst(sourceColumn(columns));
+    }
     return {std::string(withoutUnfinished(codec_.decoded(view(info.name, info.nameLen)))),
-            Columns(handle, codec_, naming), alldata, handle};
+            std::move(columns), alldata, handle};
+}
+
+// The column of the names of texts, with a name of its own in a table of these columns.
+Column Document::sourceColumn(const Columns& columns) const {
+    std::unordered_set<std::string> taken;
+    for (const Column& column : columns) {
+        taken.insert(lowerCased(column.name));
+    }
+    std::string name = sourceColumn_;
+    for (int number = 1; taken.contains(lowerCased(name)); ++number) {
+        name = sourceColumn_ + "_" + std::to_string(number);
+    }
+    std::size_t longest = 1;
+    for (const TextSource& text : texts_) {
+        longest = std::max(longest, text.name.size());
+    }
+    return {name,
+            {},
+            ColumnType::CHARACTER,
+            LogicalType::TEXT,
+            std::min<uint64_t>(longest, kLongestCell)};
 }
 
 void Document::useMap(std::string_view text) {
@@ -302,13 +362,14 @@ PathStatistics Document::describe(JMAPPathh path, const JMAPPathInfo& info) cons
     statistics.count = info.count;
     statistics.type = info.type;
     statistics.longest = info.maxValueLen;
-    statistics.longestAt = {info.longestLine, info.longestColumn};
+    statistics.longestAt = spotOf(info.longestLine, info.longestColumn);
     statistics.inexact = info.inexact.count;
-    statistics.firstInexact = {info.inexact.line, info.inexact.column};
+    statistics.firstInexact = spotOf(info.inexact.line, info.inexact.column);
     for (int32_t kind = 0; kind < static_cast<int32_t>(std::size(info.kinds)); ++kind) {
         const JMAPPathKind& k = info.kinds[kind];
         if (k.count != 0) {
-            statistics.kinds.push_back({kind, jmapKindName(kind), k.count, {k.line, k.column}});
+            statistics.kinds.push_back(
+                {kind, jmapKindName(kind), k.count, spotOf(k.line, k.column)});
         }
     }
     return statistics;

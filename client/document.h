@@ -25,6 +25,7 @@
 namespace qvej {
 
 class Reshaper;
+class TextRelay;
 
 // A value whose place is asked for.
 struct Watch {
@@ -35,6 +36,7 @@ struct Watch {
 struct DocumentOptions {
     QVCEI encoding = U_UTF8_CE;  // of the text that is fed; see Engine::encodingId
     bool lines = false;          // JSON Lines: one value a line, all of them one array
+    bool sequence = false;       // likewise, with any white space between the values, or none
     // For a text that was converted: the column of the byte at `offset` (from 0) of what is fed,
     // which is in the last piece, its end included.  It must not throw.  Empty: columns are counted
     // in bytes.
@@ -52,6 +54,12 @@ struct DocumentOptions {
     Naming naming = Naming::MAP;          // of the automatic tables and their columns
     std::vector<Watch> watches = {};
     Shape shape = {};  // rules for the document's events; the text must be UTF-8
+    // The document is several texts in UTF-8, one after the other: see Document::beginText.
+    // `lines`, `sequence` and `columnOf` are then those of each text.
+    bool several = false;
+    // Of several texts: each table begins with a column that has the name of the text that a row is
+    // of.  It is called so; empty: no such column.
+    std::string sourceColumn = {};
 };
 
 // One record of the document.  The texts live until the next call on its cursor.
@@ -68,6 +76,13 @@ struct Record {
 struct Spot {
     int64_t line = 0;
     int64_t column = 0;
+    std::size_t text = 0;  // of several texts which, from 0
+};
+
+// One of several texts of a document.
+struct TextSource {
+    std::string name;
+    uint64_t rootsBefore;  // what an ordinal of the root has counted before it: see jmapBeginText
 };
 
 // Values of one kind at a path.
@@ -100,6 +115,14 @@ class Document : public TextConsumer {
     // place; a limit that is reached (QV_LIMIT_...), with the place; trouble with the cache file
     // (QV_IO_...), with its name; QV_NOMEM.  After a failure only the destructor may be called.
     void feed(std::string_view text) override;
+
+    // Of a document of several texts: another one begins, then it is fed, then it ends.  Of the
+    // options `lines`, `sequence` and `columnOf` count.  The texts are elements of one sequence, as
+    // the lines of JSON Lines are: the root of each is a root of the document.  `name`: what the
+    // column of the names has; what is no UTF-8 in it becomes U+FFFD.  They throw as `feed`, and
+    // JMAP_INCOMPLETE when the text is not complete.
+    void beginText(const std::string& name, const DocumentOptions& options);
+    void endText();
 
     // Ends the text and builds the tables.  Throws as `feed`, and JMAP_INCOMPLETE when the document
     // is not complete.  The engine passes over a last block that it cannot store, a table that it
@@ -140,6 +163,12 @@ class Document : public TextConsumer {
     [[nodiscard]] std::vector<PathStatistics> inexactPaths() const;
     [[nodiscard]] JMAPTotals totals() const;
 
+    // The texts of a document of several, else none.
+    [[nodiscard]] const std::vector<TextSource>& texts() const { return texts_; }
+
+    // Do the tables begin with a column of the names of texts?
+    [[nodiscard]] bool hasSourceColumn() const { return !sourceColumn_.empty(); }
+
     // What the rules of the options' shape did; null: it has none.
     [[nodiscard]] const Reshaper* reshaper() const { return reshaper_; }
 
@@ -160,13 +189,14 @@ class Document : public TextConsumer {
     [[nodiscard]] QVEJMAPJsonContexth handle() const { return handle_; }
 
    private:
-    QVStatus setShape(const Shape& shape);
-    QVStatus setRules(bool lines);
+    QVStatus setParser(const DocumentOptions& options);
+    QVStatus setRules(const DocumentOptions& options);
     QVStatus watchFor(const Watch& watch);
     void input(std::string_view text, bool done);
     [[noreturn]] void fail(QVStatus status) const;
     [[noreturn]] void fail(QVStatus status, const std::string& sentence) const;
     [[noreturn]] void failAtLimit(const Error& limit, QVStatus status) const;
+    [[nodiscard]] Column sourceColumn(const Columns& columns) const;
     [[nodiscard]] Table describe(JMAPTableh handle, bool alldata,
                                  Naming naming = Naming::MAP) const;
     [[nodiscard]] std::vector<PathStatistics> describePaths(
@@ -183,6 +213,9 @@ class Document : public TextConsumer {
     std::function<int64_t(int64_t)> columnOf_;
     QVEJMAPJsonContexth handle_ = nullptr;
     const Reshaper* reshaper_ = nullptr;  // the engine's
+    TextRelay* relay_ = nullptr;          // likewise; null: there is one text
+    std::vector<TextSource> texts_;
+    std::string sourceColumn_;  // its name; empty: there is none
     mutable ScanGuard guard_;
     const JMAPGuard engineGuard_;
     std::vector<JMAPWatchh> watches_;

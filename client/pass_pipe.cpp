@@ -5,13 +5,13 @@
 // come back.
 #include "client/pass_pipe.h"
 
+#include "client/quiet_thread.h"
+
 #include <condition_variable>
-#include <csignal>
 #include <deque>
 #include <exception>
 #include <memory>
 #include <mutex>
-#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -145,23 +145,6 @@ class Pipe {
     bool closed_ = false;
     bool ended_ = false;
 };
-
-// A thread that no signal interrupts: it inherits the mask.
-template <class Routine>
-std::thread startQuietly(const Routine& routine) {
-    sigset_t all;
-    sigset_t before;
-    sigfillset(&all);
-    (void)::pthread_sigmask(SIG_SETMASK, &all, &before);
-    std::thread thread;
-    try {
-        thread = std::thread(routine);
-    } catch (const std::system_error&) {
-        // The system has no thread to give: the result is not joinable.
-    }
-    (void)::pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    return thread;
-}
 
 void fill(Pipe& pipe, TablePass& pass) {
     const bool copyTexts = !pass.textsStay();

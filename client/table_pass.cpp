@@ -17,7 +17,7 @@ constexpr std::size_t kCellsBetweenChecks = 262144;
 
 TablePass::TablePass(const Document& document, const std::vector<const Table*>& tables, bool retain,
                      bool carry)
-    : document_(document) {
+    : document_(document), sourceColumns_(document.hasSourceColumn() ? 1 : 0) {
     if (carry) {
         carried_ = std::make_unique<CarriedColumns>(document, tables);
         if (carried_->empty()) {
@@ -53,6 +53,35 @@ TablePass::~TablePass() {
 }
 
 bool TablePass::next(PassItem& item) {
+    if (!nextOfEngine(item)) {
+        return false;
+    }
+    if (sourceColumns_ != 0) {
+        addSource(item);
+    }
+    return true;
+}
+
+// Rows are handed out before the marker that ends them is counted, so the count is that of the last
+// root that the row may be of.
+void TablePass::addSource(PassItem& item) {
+    const std::vector<TextSource>& texts = document_.texts();
+    const uint64_t roots = jmapPassRoots(handle_);
+    while (text_ + 1 < texts.size() && texts[text_ + 1].rootsBefore < roots) {
+        ++text_;
+    }
+    PassCell name = {};
+    name.kind = JMAP_KIND_STRING;
+    name.fresh = 1;
+    name.text = texts[text_].name.data();
+    name.textLen = static_cast<QVStrSize>(texts[text_].name.size());
+    row_.assign(1, name);
+    row_.insert(row_.end(), item.cells.begin(), item.cells.end());
+    item.cells = row_;
+    item.column += sourceColumns_;
+}
+
+bool TablePass::nextOfEngine(PassItem& item) {
     if (carried_ == nullptr) {
         return read(item);
     }
@@ -87,6 +116,10 @@ bool TablePass::read(PassItem& item) {
 }
 
 JMAPPassColumn TablePass::column(std::size_t table, std::size_t column) const {
+    if (column < sourceColumns_) {
+        return {};
+    }
+    column -= sourceColumns_;
     if (carried_ != nullptr) {
         if (const auto count = carried_->count(table, column)) {
             return count->column;
@@ -98,15 +131,17 @@ JMAPPassColumn TablePass::column(std::size_t table, std::size_t column) const {
 }
 
 std::optional<uint64_t> TablePass::shown(std::size_t table, std::size_t column) const {
-    const auto count = carried_ == nullptr ? std::nullopt : carried_->count(table, column);
+    const auto count = carried_ == nullptr || column < sourceColumns_
+                           ? std::nullopt
+                           : carried_->count(table, column - sourceColumns_);
     return count ? std::optional(count->shown) : std::nullopt;
 }
 
-std::span<const PassCell> TablePass::left(std::size_t table) const {
+const PassCell& TablePass::left(std::size_t table, std::size_t column) const {
     const PassCell* cells = nullptr;
     QVStrSize count = 0;
     jmapPassLeft(handle_, static_cast<QVStrSize>(table), &cells, &count);
-    return {cells, static_cast<std::size_t>(count)};
+    return cells[column - sourceColumns_];
 }
 
 PassRow::PassRow(const Document& document, const Table& table, RejectHandler onReject)

@@ -79,10 +79,12 @@ class TablePass {
     // item; none: any other column.
     [[nodiscard]] std::optional<uint64_t> shown(std::size_t table, std::size_t column) const;
 
-    // After the last item: the cells of a row that was begun and never complete.
-    [[nodiscard]] std::span<const PassCell> left(std::size_t table) const;
+    // After the last item: a cell of a row that was begun and never complete.
+    [[nodiscard]] const PassCell& left(std::size_t table, std::size_t column) const;
 
    private:
+    bool nextOfEngine(PassItem& item);
+    void addSource(PassItem& item);
     void open(const std::vector<JMAPTableh>& tables, bool retain);
     bool read(PassItem& item);
 
@@ -91,6 +93,12 @@ class TablePass {
     std::size_t unchecked_ = 0;                // cells since the last look at the memory
     JMAPPassh handle_ = nullptr;
     bool textsStay_ = false;
+
+    // Of a document whose tables have a column of the names of texts: the engine knows nothing of
+    // it, and its columns come one earlier there.
+    std::size_t sourceColumns_ = 0;  // 1: there is one
+    std::size_t text_ = 0;           // that the last row is of
+    std::vector<PassCell> row_;      // with its name in front
 };
 
 // The row of one table that an item of a pass brought.  On whatever thread; one thread at a time.

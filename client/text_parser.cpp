@@ -1,6 +1,8 @@
 // See text_parser.h.
 #include "client/text_parser.h"
 
+#include "client/text_rules.h"
+
 namespace qvej {
 
 TextParser::TextParser(const Engine& engine, JSNParseCB& callbacks, const DocumentOptions& options)
@@ -15,12 +17,7 @@ TextParser::TextParser(const Engine& engine, JSNParseCB& callbacks, const Docume
     if (!parser_) {
         throw Error(QV_NOMEM);
     }
-    JSNTextRules rules = {options.lines ? QVBoolean{1} : QVBoolean{0}, nullptr, &columnOf_};
-    if (columnOf_) {
-        rules.columnOf = [](void* arg, int64_t offset) {
-            return (*static_cast<std::function<int64_t(int64_t)>*>(arg))(offset);
-        };
-    }
+    const JSNTextRules rules = textRules(options, columnOf_);
     parser_->setRules(parser_.get(), &rules);
 }
 

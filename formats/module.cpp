@@ -41,17 +41,17 @@ const FormatModule& formatModule(std::string_view name) {
         }
         void* const module = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
         if (module == nullptr) {
-            throw Error(QV_UNSUPPORTED, std::string("cannot be loaded: ") + ::dlerror(),
+            throw Error(QV_IO_REFUSED, std::string("cannot be loaded: ") + ::dlerror(),
                         path.string());
         }
         const auto* const formats =
             static_cast<const FormatModule*>(::dlsym(module, "qvejmapFormats"));
         if (formats == nullptr || std::string_view(formats->build()) != formatBuild()) {
-            throw Error(QV_UNSUPPORTED, "is of another version than qvejmap", path.string());
+            throw Error(QV_IO_REFUSED, "is of another version than qvejmap", path.string());
         }
         return *formats;
     }
-    throw Error(QV_UNSUPPORTED, missing(name));
+    throw Error(QV_IO_NOTFOUND, missing(name));
 }
 
 }  // namespace qvej

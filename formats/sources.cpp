@@ -15,8 +15,11 @@ bool isSameFile(const std::string& a, const std::string& b) {
            first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
-Sources sourcesOf(const std::string& document, const std::string& map) {
-    Sources sources = {{document, "the document itself"}};
+Sources sourcesOf(const std::vector<std::string>& documents, const std::string& map) {
+    Sources sources;
+    for (const std::string& document : documents) {
+        sources.push_back({document, "the document itself"});
+    }
     if (!map.empty()) {
         sources.push_back({map, "the map itself"});
     }

@@ -18,8 +18,11 @@ struct Source {
 };
 using Sources = std::vector<Source>;
 
-// A document and the map in use; `map` may be empty.
-[[nodiscard]] Sources sourcesOf(const std::string& document, const std::string& map);
+// The files of a document and the map in use; `map` may be empty.
+[[nodiscard]] Sources sourcesOf(const std::vector<std::string>& documents, const std::string& map);
+[[nodiscard]] inline Sources sourcesOf(const std::string& document, const std::string& map) {
+    return sourcesOf(std::vector<std::string>{document}, map);
+}
 
 // The source that the path leads to, whatever its name there; null: none.
 [[nodiscard]] const Source* sourceAt(const std::string& path, const Sources& sources);

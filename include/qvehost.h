@@ -263,6 +263,8 @@ typedef struct JSNTextRules {
      * is parsed. */
     int64_t (*columnOf)(void* arg, int64_t offset);
     void* arg;
+    /* As `lines`, but with any white space between the values, or none. */
+    QVBoolean sequence;
 } JSNTextRules;
 
 /* A push parser for one JSON document. */

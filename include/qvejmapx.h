@@ -132,6 +132,13 @@ struct JSNParseCB* jmapCallbacks(QVEJMAPJsonContexth inh);
  * is ended.  The document owns it from now on. */
 void jmapSetParser(QVEJMAPJsonContexth inh, struct JSNParser* parser);
 
+/* A document may be several texts, one after the other: call this before each, the first one too,
+ * with a parser that takes them all (jmapSetParser).  The root of each is the root component, and
+ * its first scalar directly in the outermost array, which else writes no marker, begins a row.
+ * Returns how many markers of the root component there have been: an ordinal of the root has a
+ * greater count in this text. */
+uint64_t jmapBeginText(QVEJMAPJsonContexth inh);
+
 /* Call this before Term when the last buffer failed or never came.  It ends the cache file and the
  * hash tables, which else live until the host stops.  Only Term may follow. */
 void jmapEndInput(QVEJMAPJsonContexth inh);
@@ -276,6 +283,10 @@ void jmapPassColumn(JMAPPassh pass, QVStrSize table, QVStrSize column, JMAPPassC
  * fresh are in no row. */
 void jmapPassLeft(JMAPPassh pass, QVStrSize table, const JMAPPassCell** cells,
                   QVStrSize* cellCount);
+
+/* How many markers of the root component have been counted, which is what an ordinal of the root
+ * has in the row that was handed out last: see jmapBeginText. */
+uint64_t jmapPassRoots(JMAPPassh pass);
 
 /* Whether the texts of cells (not the cells) are valid until Term, because the records are in
  * memory and not compressed. */

@@ -16,7 +16,7 @@ constexpr std::size_t kTellingBytes = 4;  // of a byte order mark, or of a packe
 
 ByteSource ByteSource::file(const std::string& path) {
     const auto file = std::make_shared<RawFile>(path);
-    return {[file] { return file->next(); }, file->name()};
+    return {[file] { return file->next(); }, file->name(), file->isRegular()};
 }
 
 ByteSource ByteSource::memory(std::string_view bytes, std::string name) {
@@ -25,11 +25,11 @@ ByteSource ByteSource::memory(std::string_view bytes, std::string name) {
                 bytes.remove_prefix(piece.size());
                 return piece;
             },
-            std::move(name)};
+            std::move(name), false};
 }
 
-ByteSource ByteSource::pulled(Pull pull, std::string name) {
-    return {std::move(pull), std::move(name)};
+ByteSource ByteSource::pulled(Pull pull, std::string name, bool isFile) {
+    return {std::move(pull), std::move(name), isFile};
 }
 
 std::string_view ByteSource::next() {

@@ -18,8 +18,9 @@ class ByteSource {
     static ByteSource file(const std::string& path);
     // `bytes` must outlive the source.
     static ByteSource memory(std::string_view bytes, std::string name = "<memory>");
-    // Pieces of any size.  What `pull` throws goes to the caller of `next`.
-    static ByteSource pulled(Pull pull, std::string name);
+    // Pieces of any size.  What `pull` throws goes to the caller of `next`.  `isFile`: they come
+    // from a regular file, without waiting, and `pull` may be called on another thread.
+    static ByteSource pulled(Pull pull, std::string name, bool isFile = false);
 
     // The next piece, empty at the end.  The first one holds at least the bytes that tell what the
     // text is, if there are as many.  It lives until the next call.  Throws Error (QV_IO_READ).
@@ -28,12 +29,17 @@ class ByteSource {
     // What messages call it: the file as given, "<stdin>", or the name.
     [[nodiscard]] const std::string& name() const { return name_; }
 
+    // Does it come from a regular file?
+    [[nodiscard]] bool isFile() const { return isFile_; }
+
    private:
-    ByteSource(Pull pull, std::string name) : pull_(std::move(pull)), name_(std::move(name)) {}
+    ByteSource(Pull pull, std::string name, bool isFile)
+        : pull_(std::move(pull)), name_(std::move(name)), isFile_(isFile) {}
     std::string_view pull();
 
     Pull pull_;
     std::string name_;
+    bool isFile_;
     std::string start_;  // the first pieces, when they are short
     bool begun_ = false;
     bool ended_ = false;

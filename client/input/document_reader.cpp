@@ -28,12 +28,15 @@ std::string describe(const std::string& name) {
 
 DocumentReader::DocumentReader(ByteSource source, const TextOptions& options)
     : text_(std::move(source), options.encoding, options.replaceInvalid),
+      late_(options.late),
+      linesSaid_(options.lines),
       linesByName_(!options.lines && namedAsLines(name())),
-      lines_(options.lines || linesByName_) {}
+      form_(linesSaid_ || linesByName_ ? TextForm::LINES : text_.form()) {}
 
 DocumentOptions DocumentReader::documentOptions(DocumentOptions options) const {
-    options.lines = lines_;
-    if (text_.recoded()) {
+    options.lines = form_ == TextForm::LINES;
+    options.sequence = form_ == TextForm::SEQUENCE;
+    if (text_.recoded() && !late_) {
         options.columnOf = [this](int64_t offset) { return text_.columnOf(offset); };
     }
     options.description = describe(name());
@@ -53,7 +56,8 @@ void DocumentReader::read(TextConsumer& document,
         if (place.offset < 0) {
             throw Error(error.status(), error.what(), place);
         }
-        place.offset = text_.sourceOffset(place.offset, place.column);
+        place.offset =
+            text_.recoded() && late_ ? -1 : text_.sourceOffset(place.offset, place.column);
         throw Error(error.status(), error.what(), place, trail_.excerpt(error.offset()));
     }
 }

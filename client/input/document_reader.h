@@ -11,6 +11,7 @@
 #pragma once
 
 #include "../document.h"
+#include "../text_form.h"
 #include "byte_source.h"
 #include "document_text.h"
 #include "text_trail.h"
@@ -24,7 +25,9 @@ namespace qvej {
 struct TextOptions {
     std::string encoding = "auto";  // any name that ICU knows; "auto": by the first bytes
     bool replaceInvalid = false;    // what is wrong in the encoding becomes U+FFFD
-    bool lines = false;             // JSON Lines, whatever the name of the source
+    bool late = false;              // the document gets the text later than it is read: columns are
+                                    // counted in UTF-8, whatever its encoding
+    bool lines = false;             // JSON Lines, whatever the source is called or holds
 };
 
 class DocumentReader {
@@ -46,14 +49,19 @@ class DocumentReader {
     // cannot be read; what is wrong in its encoding ends it.
     void pass(const std::function<bool(std::string_view)>& take);
 
-    // JSON Lines?
-    [[nodiscard]] bool lines() const { return lines_; }
+    // One document, JSON Lines or a sequence?  As the options say, else the name of the source,
+    // else the beginning of the text.
+    [[nodiscard]] TextForm form() const { return form_; }
 
     // What messages call the source.
     [[nodiscard]] const std::string& name() const { return text_.name(); }
 
     // JSON Lines, only because of the name of the source?
     [[nodiscard]] bool linesByName() const { return linesByName_; }
+    // JSON Lines, only because of the beginning of the text?
+    [[nodiscard]] bool linesByContent() const {
+        return form_ == TextForm::LINES && !linesSaid_ && !linesByName_;
+    }
 
     // Another encoding than the one that was named, when the first bytes look like that; else null.
     [[nodiscard]] const std::string* otherEncoding() const { return text_.otherEncoding(); }
@@ -62,8 +70,10 @@ class DocumentReader {
     void feed(TextConsumer& document, const std::function<void(std::string_view)>& observer);
 
     DocumentText text_;
+    bool late_;
+    bool linesSaid_;
     bool linesByName_;
-    bool lines_;
+    TextForm form_;
     TextTrail trail_;
 };
 

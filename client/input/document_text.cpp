@@ -9,10 +9,12 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 }
 
 DocumentText::DocumentText(ByteSource source, const std::string& encoding, bool replaceInvalid)
-    : bytes_(std::move(source)), piece_(bytes_.next()), guess_(guessEncoding(piece_)) {
+    : bytes_(Unpacker(std::move(source))),
+      piece_(bytes_.next()),
+      guess_(guessEncoding(piece_)),
+      invalid_(replaceInvalid ? Recoder::Invalid::IS_REPLACED : Recoder::Invalid::STOPS) {
     encoding_ = encoding == "auto" ? guess_ : encoding;
-    recoder_.emplace(encoding_, piece_,
-                     replaceInvalid ? Recoder::Invalid::IS_REPLACED : Recoder::Invalid::STOPS);
+    recoder_.emplace(encoding_, piece_, invalid_);
     const std::string inUse = recoder_->encoding();
     looksOther_ = guess_ != "UTF-8" && guess_ != inUse;
     if (inUse == "UTF-8" && !replaceInvalid) {
@@ -20,6 +22,20 @@ DocumentText::DocumentText(ByteSource source, const std::string& encoding, bool 
         markBytes_ = piece_.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
         piece_.remove_prefix(static_cast<std::size_t>(markBytes_));
     }
+}
+
+// A text that is converted is converted once more here.  The recoder knows where in the input its
+// last piece came from, so that one must not run ahead.
+TextForm DocumentText::form() const {
+    if (!recoder_) {
+        return textFormOf(piece_);
+    }
+    Recoder recoder(encoding_, piece_, invalid_);
+    std::string text;
+    for (std::string_view rest = piece_; !rest.empty() && !recoder.broken();) {
+        text += recoder.convert(rest);
+    }
+    return textFormOf(text);
 }
 
 std::string_view DocumentText::next() {

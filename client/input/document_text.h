@@ -3,8 +3,9 @@
 // Tested by tests/tool/golden/encodings.t and tests/tool/golden/input.t
 #pragma once
 
+#include "../text_form.h"
+#include "read_ahead.h"
 #include "recoder.h"
-#include "unpacker.h"
 
 #include <cstdint>
 #include <optional>
@@ -17,6 +18,9 @@ class DocumentText {
    public:
     // `encoding`: a name, or "auto" to go by the first bytes.  Throws Error.
     DocumentText(ByteSource source, const std::string& encoding, bool replaceInvalid);
+
+    // Before `next`: what the text is by its beginning, a mebibyte of the unpacked document.
+    [[nodiscard]] TextForm form() const;
 
     // The next piece, empty at the end and where the text is broken.  It lives until the next call.
     // Throws Error.
@@ -47,10 +51,11 @@ class DocumentText {
     [[nodiscard]] const std::string& name() const { return bytes_.name(); }
 
    private:
-    Unpacker bytes_;
+    ReadAhead bytes_;
     std::string_view piece_;  // what is not converted yet
     std::string guess_;
     std::string encoding_;
+    Recoder::Invalid invalid_;
     bool looksOther_ = false;
     std::optional<Recoder> recoder_;  // none: the text passes as it is
     int64_t markBytes_ = 0;           // of a byte order mark that was left out

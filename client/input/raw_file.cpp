@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace qvej {
@@ -27,6 +28,11 @@ RawFile::~RawFile() {
     if (descriptor_ != STDIN_FILENO) {
         (void)::close(descriptor_);  // only read from
     }
+}
+
+bool RawFile::isRegular() const {
+    struct stat found = {};
+    return ::fstat(descriptor_, &found) == 0 && S_ISREG(found.st_mode);
 }
 
 std::string_view RawFile::next() {

@@ -22,6 +22,9 @@ class RawFile {
     // What messages call it: the file as given, or "<stdin>".
     [[nodiscard]] const std::string& name() const { return name_; }
 
+    // Is it a regular file, whose bytes are there without waiting?
+    [[nodiscard]] bool isRegular() const;
+
    private:
     int descriptor_;
     bool ended_ = false;

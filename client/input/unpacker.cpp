@@ -14,7 +14,6 @@
 namespace qvej {
 namespace {
 
-constexpr std::size_t kPieceBytes = std::size_t{1} << 20;
 
 class Gzip : public Decompressor {
    public:

@@ -37,12 +37,18 @@ class Decompressor {
 
 class Unpacker {
    public:
+    static constexpr std::size_t kPieceBytes = std::size_t{1} << 20;  // of what was compressed
+
     explicit Unpacker(ByteSource source) : input_(std::move(source)) {}
 
-    // As of ByteSource.  Data that are damaged or end too soon are an Error (QV_IO_DAMAGED).
+    // As of ByteSource; a piece of what was compressed is shorter only at the end.  Data that are
+    // damaged or end too soon are an Error (QV_IO_DAMAGED).
     std::string_view next();
 
     [[nodiscard]] const std::string& name() const { return input_.name(); }
+
+    // After the first piece: is it a file whose data are compressed?
+    [[nodiscard]] bool packedFile() const { return format_ != nullptr && input_.isFile(); }
 
    private:
     [[noreturn]] void fail(const std::string& what) const;

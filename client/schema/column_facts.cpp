@@ -28,7 +28,15 @@ ColumnFacts::ColumnFacts(const Document& document, const Column& column)
     : document_(&document),
       unix_(column.informat.name == "unix"     ? SECONDS
             : column.informat.name == "unixms" ? MILLISECONDS
-                                               : NO_UNIX) {}
+                                               : NO_UNIX) {
+    const bool asIs = column.informat.name.empty() && column.format.name.empty();
+    if (asIs && column.type == ColumnType::ORDINAL) {
+        flags_ = WHOLE;
+    } else if (asIs && column.logicalType == LogicalType::BOOLEAN) {
+        flags_ = BOOLEAN;
+    }
+    known_ = flags_ != 0;
+}
 
 void ColumnFacts::noteInexact(std::string_view digits) {
     if ((flags_ & INEXACT) == 0 && jmapIsInexact(document_->handle(), digits.data(),

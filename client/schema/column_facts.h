@@ -55,6 +55,9 @@ class ColumnFacts {
         }
     }
 
+    // Is the type known whatever comes?
+    [[nodiscard]] bool settled() const { return known_ || (flags_ & OTHER_TEXT) != 0; }
+
     [[nodiscard]] uint64_t filled() const { return filled_; }
     [[nodiscard]] uint64_t empty() const { return empty_; }  // rows with null or no value
 
@@ -84,31 +87,40 @@ class ColumnFacts {
         OTHER_TEXT = 1024,
         LONG_AGO = 2048,  // a time that 64 bits have no nanoseconds for
     };
-    static constexpr std::size_t kSafeWhole = 18;  // digits and sign that always fit 64 bits
-    static constexpr int kSafeDigits = 15;         // significant ones that a double always keeps
+    static constexpr int kSafeDigits = 15;     // significant ones that a double always keeps
+    static constexpr std::size_t kShort = 15;  // bytes of a number that has no more
 
     void takeDigits(std::string_view digits) {
         longest_ = std::max(longest_, digits.size());
-        if (digits.size() <= kSafeWhole && isPlain(digits)) {
-            flags_ |= WHOLE;
-            const std::size_t count = digits.size() - (digits.front() == '-' ? 1 : 0);
-            whole_ = std::max<int64_t>(whole_, static_cast<int64_t>(count));
-            noteCount(digits.front() == '-' ? 0 : static_cast<int>(count));
-            if (count > kSafeDigits) {
-                noteInexact(digits);
-            }
-            return;
+        if (digits.size() > kShort || !takeShort(digits)) {
+            takeOtherDigits(digits);
         }
-        takeOtherDigits(digits);
     }
-    // Digits and a sign alone, and not -0.
-    static bool isPlain(std::string_view digits) {
-        for (std::size_t i = digits.front() == '-' ? 1 : 0; i < digits.size(); ++i) {
-            if (digits[i] < '0' || digits[i] > '9') {
+    // A number of few digits, perhaps with a point, as nearly all are: a double keeps it.  False:
+    // it is written in another way.
+    bool takeShort(std::string_view digits) {
+        const std::size_t begin = digits.front() == '-' ? 1 : 0;
+        std::size_t point = digits.size();
+        for (std::size_t i = begin; i < digits.size(); ++i) {
+            if (digits[i] >= '0' && digits[i] <= '9') {
+                continue;
+            }
+            if (digits[i] != '.' || point != digits.size()) {
                 return false;
             }
+            point = i;
         }
-        return digits.back() != '0' || digits != "-0";
+        const bool whole = point == digits.size();
+        if (digits.back() == '0' && (!whole || digits == "-0")) {
+            return false;
+        }
+        flags_ |= whole ? WHOLE : OTHER;
+        const std::size_t before = digits[begin] == '0' ? 0 : point - begin;
+        whole_ = std::max(whole_, static_cast<int64_t>(before));
+        fraction_ =
+            std::max(fraction_, static_cast<int64_t>(whole ? 0 : digits.size() - 1 - point));
+        noteCount(whole && begin == 0 ? static_cast<int>(before) : 0);
+        return true;
     }
     void noteCount(int count) { digits_ = digits_ == kNoCount || digits_ == count ? count : 0; }
     void takeText(std::string_view text) {
@@ -128,6 +140,7 @@ class ColumnFacts {
     static constexpr int kNoCount = -1;
 
     const Document* document_;
+    bool known_ = false;                                      // from the beginning
     enum : uint8_t { NO_UNIX, SECONDS, MILLISECONDS } unix_;  // the informat
     uint8_t timeFraction_ = 0;
     uint16_t flags_ = 0;

@@ -30,7 +30,9 @@ SchemaBuilder::SchemaBuilder(const Document& document, const std::vector<const T
         std::size_t depth = 0;  // bytes of the longest path
         for (std::size_t c = 0; c < tables[t]->columns.size(); ++c) {
             const Column column = tables[t]->columns[c];
-            of.columns.emplace_back(document, column);
+            if (!of.columns.emplace_back(document, column).settled() || options.counts) {
+                of.open.push_back(c);
+            }
             if (isOrdinal(column) && column.path.size() >= depth) {
                 depth = column.path.size();
                 of.own = c;
@@ -64,12 +66,21 @@ void SchemaBuilder::findParents() {
     }
 }
 
+void SchemaBuilder::takeOpen(OfTable& of, const PassRow& row) {
+    bool settled = false;
+    for (const std::size_t c : of.open) {
+        of.columns[c].take(row.cell(c));
+        settled |= of.columns[c].settled();
+    }
+    if (settled && !options_.counts) {
+        std::erase_if(of.open, [&](std::size_t c) { return of.columns[c].settled(); });
+    }
+}
+
 void SchemaBuilder::take(std::size_t table, const PassRow& row) {
     OfTable& of = facts_[table];
     ++of.rows;
-    for (std::size_t c = 0; c < of.columns.size(); ++c) {
-        of.columns[c].take(row.cell(c));
-    }
+    takeOpen(of, row);
     if (of.own) {
         of.ordinals.take(countOf(row, *of.own));
     }

@@ -26,7 +26,7 @@ namespace qvej {
 
 struct Field {
     DataType type = {};
-    uint64_t filled = 0;      // rows with a value
+    uint64_t filled = 0;      // rows with a value; only with SchemaOptions::counts, as the next
     std::size_t longest = 0;  // bytes of the longest text or number
     enum : uint8_t { NO_UNIX, SECONDS, MILLISECONDS } unixLike = NO_UNIX;  // as whole numbers look
 };
@@ -57,7 +57,8 @@ struct Schema {
 };
 
 struct SchemaOptions {
-    bool dates = true;  // texts that all are dates or times get that type
+    bool dates = true;   // texts that all are dates or times get that type
+    bool counts = true;  // Field::filled and Field::longest are asked for, too
 };
 
 class SchemaBuilder {
@@ -75,6 +76,7 @@ class SchemaBuilder {
    private:
     struct OfTable {
         std::vector<ColumnFacts> columns;
+        std::vector<std::size_t> open = {};  // columns whose next values matter
         std::optional<std::size_t> own = {};
         std::optional<ParentKey> parent = {};
         OwnOrdinals ordinals = {};
@@ -82,6 +84,7 @@ class SchemaBuilder {
         uint64_t rows = 0;
     };
     void findParents();
+    void takeOpen(OfTable& of, const PassRow& row);
 
     const std::vector<const Table*>& tables_;
     SchemaOptions options_;

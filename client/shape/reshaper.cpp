@@ -35,7 +35,8 @@ std::string_view viewOf(const JSNChar* text, QVStrSize textLen) {
 
 // ---- Both tables --------------------------------------------------------------------------------
 
-Reshaper::Reshaper(QVHndlp host, const JSNParserParms& parms, const Shape& shape)
+Reshaper::Reshaper(QVHndlp host, const JSNParserParms& parms, const Shape& shape,
+                   std::unique_ptr<TextRelay> relay)
     : JSNParser{},
       JSNParseCB{},
       plans_(shape),
@@ -46,7 +47,12 @@ Reshaper::Reshaper(QVHndlp host, const JSNParserParms& parms, const Shape& shape
     }
     JSNParserParms own = parms;
     own.callbacks = this;
-    parser_.reset(json_ ? json_->createParser(json_.get(), &own) : nullptr);
+    if (relay) {
+        relay->setCallbacks(*this);
+        parser_.reset(relay.release()->parser());
+    } else {
+        parser_.reset(json_ ? json_->createParser(json_.get(), &own) : nullptr);
+    }
     if (!parser_) {
         throw Error(QV_NOMEM);
     }

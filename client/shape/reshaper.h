@@ -18,6 +18,7 @@
 #include "qvehost.h"
 
 #include "../handle.h"
+#include "../text_relay.h"
 #include "json_text.h"
 #include "shape.h"
 #include "shape_plans.h"
@@ -43,8 +44,10 @@ struct ShapeCounts {
 class Reshaper final : private JSNParser, private JSNParseCB {
    public:
     // `host`: where the module "qvejson" is.  `parms`: what the engine would make its parser with;
-    // the encoding must be UTF-8.  It ends with the table's `destroy`.  Throws Error.
-    Reshaper(QVHndlp host, const JSNParserParms& parms, const Shape& shape);
+    // the encoding must be UTF-8.  `relay`: parses in place of a parser of its own, and belongs to
+    // it from now on; null: none.  It ends with the table's `destroy`.  Throws Error.
+    Reshaper(QVHndlp host, const JSNParserParms& parms, const Shape& shape,
+             std::unique_ptr<TextRelay> relay = {});
     ~Reshaper() = default;
     Reshaper(const Reshaper&) = delete;
     Reshaper& operator=(const Reshaper&) = delete;

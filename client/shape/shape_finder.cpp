@@ -55,12 +55,16 @@ bool equal(const std::string& a, std::string_view b) {
 
 }  // namespace
 
-ShapeFinder::ShapeFinder(QVHndlp host, bool lines, const FinderOptions& options)
+ShapeFinder::ShapeFinder(QVHndlp host, TextForm form, const FinderOptions& options)
     : options_(options), tree_(options) {
     // The root is the one value of a frame that is never closed.
     frames_.push_back({&tree_.root(), &tree_.root(), nullptr, 0, NameNode::MEMBER});
     setCallbacks();
     json_.reset(reinterpret_cast<QVJSONh>(host->loadExtension(host, U"qvejson", 7, host->jnl)));
+    newParser(form);
+}
+
+void ShapeFinder::newParser(TextForm form) {
     JSNParserParms parms = {};
     parms.textCei = parms.callbackCei = U_UTF8_CE;
     parms.flags = JSN_PARSER_FLAGS;
@@ -70,7 +74,8 @@ ShapeFinder::ShapeFinder(QVHndlp host, bool lines, const FinderOptions& options)
         throw Error(QV_NOMEM);
     }
     JSNTextRules rules = {};
-    rules.lines = lines ? 1 : 0;
+    rules.lines = form == TextForm::LINES ? 1 : 0;
+    rules.sequence = form == TextForm::SEQUENCE ? 1 : 0;
     parser_->setRules(parser_.get(), &rules);
 }
 
@@ -122,14 +127,24 @@ bool ShapeFinder::feed(std::string_view text) {
     return status == QV_EOF;
 }
 
-FoundShape ShapeFinder::finish() {
+void ShapeFinder::endText() {
     const bool whole = parser_->parse(parser_.get(), "", 0, 1) == QV_OK &&
                        tree_.root().has(NameNode::MEMBER, KIND_OBJECT | KIND_ARRAY);
     while (frames_.size() > 1) {  // of a text that ends too early
         close();
     }
+    whole_ = whole_ && whole;
+}
+
+void ShapeFinder::nextText(TextForm form) {
+    endText();
+    newParser(form);
+}
+
+FoundShape ShapeFinder::finish() {
+    endText();
     FoundShape found = judgeShape(tree_, options_);
-    found.whole = whole;
+    found.whole = whole_;
     return found;
 }
 

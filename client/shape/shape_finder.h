@@ -1,6 +1,6 @@
 // Finds the shape that a person would give a document: a walk over the events of its text.
 //
-//     qvej::ShapeFinder finder(engine.host(), reader.lines());
+//     qvej::ShapeFinder finder(engine.host(), reader.form());
 //     reader.pass([&](std::string_view piece) { return finder.feed(piece); });
 //     options.shape = finder.finish().shape();
 //
@@ -12,6 +12,7 @@
 #include "qvehost.h"
 
 #include "../handle.h"
+#include "../text_form.h"
 #include "finder_options.h"
 #include "found_shape.h"
 #include "name_tree.h"
@@ -24,14 +25,17 @@ namespace qvej {
 
 class ShapeFinder {
    public:
-    // `lines`: the text is JSON Lines.  Throws Error (QV_NOMEM).
-    ShapeFinder(QVHndlp host, bool lines, const FinderOptions& options = {});
+    // Throws Error (QV_NOMEM).
+    ShapeFinder(QVHndlp host, TextForm form, const FinderOptions& options = {});
     ShapeFinder(const ShapeFinder&) = delete;
     ShapeFinder& operator=(const ShapeFinder&) = delete;
 
     // Takes the next piece of the text, in UTF-8.  False: it is of no use to go on, since the text
     // is complete or not well formed; who reads it for its values will say what is wrong.
     bool feed(std::string_view text);
+
+    // The text ends, and another one of the same document begins.  Throws Error (QV_NOMEM).
+    void nextText(TextForm form);
 
     // The shape of what was fed, a part of a document too.  Nothing else may be called afterwards.
     FoundShape finish();
@@ -56,6 +60,8 @@ class ShapeFinder {
     };
 
     void setCallbacks();
+    void newParser(TextForm form);
+    void endText();
     void name(std::string_view text);
     void otherName(std::string_view text);
     NameNode* memberOf(NameNode* node, std::string_view text);
@@ -68,6 +74,7 @@ class ShapeFinder {
     NameTree tree_;
     NameNode passed_;  // for what the tree has no room for
     std::vector<Frame> frames_;
+    bool whole_ = true;  // every text so far is well formed
     Events events_{};
     Handle<QVJSON> json_;
     Handle<JSNParser> parser_;

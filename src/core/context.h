@@ -105,6 +105,9 @@ struct JMAP_PRIVATE {
     bool emptyName;         // a member had the name "": see inStep
     QVStrSize valueMaxLen;  // longest value, bytes
     CALLBACKTYPE lastCallback;
+    uint64_t rootMarkers;  // markers of the root component that have been written
+    bool severalTexts;     // jmapBeginText has been called
+    uint64_t textMarkers;  // of these markers, those before the text that is being scanned
 
     // ALLDATA [automap].
     DSINFO* alldataDs;

@@ -15,6 +15,7 @@
 #include "reader/read_context.h"
 #include "reader/row_loop.h"
 #include "reader/table_pass.h"
+#include "scan/events.h"
 #include "scan/exact_number.h"
 #include "scan/path_stats.h"
 #include "scan/path_tree.h"
@@ -211,6 +212,10 @@ void jmapSetParser(QVEJMAPJsonContexth inh, JSNParserh parser) {
     p->parser = parser;
 }
 
+uint64_t jmapBeginText(QVEJMAPJsonContexth inh) {
+    return beginText(contextOf(inh));
+}
+
 void jmapEndInput(QVEJMAPJsonContexth inh) {
     endInput(contextOf(inh));
 }
@@ -317,6 +322,10 @@ void jmapPassLeft(JMAPPassh pass, QVStrSize table, const JMAPPassCell** cells,
                   QVStrSize* cellCount) {
     *cells = pass->tables[table].cells;
     *cellCount = pass->tables[table].columnCount;
+}
+
+uint64_t jmapPassRoots(JMAPPassh pass) {
+    return pass->roots;
 }
 
 QVBoolean jmapPassTextsStay(JMAPPassh pass) {

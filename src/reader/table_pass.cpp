@@ -239,6 +239,7 @@ QVStatus takeMarker(JMAPPass* pass, const RECORD& record, bool* passed) {
     *passed = pass->endedHead == nullptr;
     pass->asked = !*passed;
     if (*passed) {
+        pass->roots += path.size() == kRoot.size() ? 1 : 0;
         if (PASSPATH* found = findPath(&pass->paths, path); found != nullptr) {
             countMarker(pass, found);
         }

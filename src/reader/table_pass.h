@@ -32,6 +32,7 @@ struct JMAPPass {
     PASSTABLE* endedHead;  // queue of complete rows for the caller
     PASSTABLE* endedTail;
     PASSTABLE* handed;         // the caller has its row
+    uint64_t roots;            // markers of the root component that have been counted
     bool asked;                // the current marker has ended its rows
     uint64_t longStrings;      // strings of kMaxStringLen bytes so far
     const WHOLESTRING* whole;  // the next of them that is not cut

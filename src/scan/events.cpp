@@ -179,16 +179,26 @@ bool gotKnownElement(JMAP_PRIVATE* p, bool plain, std::string_view value, VALTYP
 
 // Kept: the document has one counter, and every array end resets it.  After an array inside an
 // array the numbers start again at 1, and a marker is written again.
+// A scalar directly in the outermost array has no marker of its own.  Of several texts the first
+// one of each begins a row, so that the values of two texts never share one.
 QVStatus gotElement(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
     const LEVEL* below = peekLevel(p)->next;
     const bool plain = below == nullptr || below->what != WHAT_LABEL;
-    if (!plain && p->elementCount == 0) {
+    const bool beginsText = p->severalTexts && p->rootMarkers == p->textMarkers;
+    if (beginsText || (!plain && p->elementCount == 0)) {
         QV_TRY(generateMarker(p));
     }
     return gotKnownElement(p, plain, value, type) ? QV_OK : gotOtherElement(p, plain, value, type);
 }
 
 }  // namespace
+
+uint64_t beginText(JMAP_PRIVATE* p) {
+    p->lastCallback = {};
+    p->severalTexts = true;
+    p->textMarkers = p->rootMarkers;
+    return p->rootMarkers;
+}
 
 void installScanCallbacks(JSNParseCB* cb) {
     *cb = {farrayStart, farrayEnd, fobjectStart, fobjectEnd, fnull, fboolean, fnumber, fstring};

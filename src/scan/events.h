@@ -11,6 +11,10 @@
 
 namespace jmap {
 
+// One more text of the document begins, or the first of several: see jmapBeginText.  Returns how
+// many markers of the root component there are.
+uint64_t beginText(JMAP_PRIVATE* p);
+
 // Sets the eight callbacks of a scan.
 void installScanCallbacks(JSNParseCB* cb);
 

@@ -75,6 +75,7 @@ bool headReady(JMAP_PRIVATE* p, PATHNODE* node, QVStrSize valLen) {
 
 QVStatus generateMarker(JMAP_PRIVATE* p) {
     PATHNODE* node = &p->pathAt->node;
+    p->rootMarkers += node == &p->pathRoot.node ? 1 : 0;
     if (node->marked && inStep(p, node->labels + 1) && headReady(p, node, 0)) [[likely]] {
         const QVStrSize headLen = headLenOf(node);
         putHead(node, headLen, p->cBuf + p->cBufi);

@@ -18,7 +18,7 @@ class ShapeFinder : public ::testing::Test {
    protected:
     FoundShape find(std::string_view text, const FinderOptions& options = {},
                     std::size_t piece = std::string::npos) {
-        qvej::ShapeFinder finder(engine_.host(), false, options);
+        qvej::ShapeFinder finder(engine_.host(), qvej::TextForm::DOCUMENT, options);
         while (!text.empty() && finder.feed(text.substr(0, piece))) {
             text.remove_prefix(std::min(piece, text.size()));
         }

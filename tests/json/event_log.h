@@ -35,6 +35,7 @@ struct ParseOptions {
     uint64_t failAt = 0;  // the event, from 1, whose callback gives failStatus
     QVStatus failStatus = QV_OK;
     bool lines = false;
+    bool sequence = false;
 };
 
 // Callbacks that write the events down.
@@ -87,7 +88,8 @@ class LoggedParser {
         parms.callbacks = &log.cb;
         const qvhost::ParserSettings settings = {options.maxDepth, options.kernel};
         log.parser = parser_ = new qvhost::Parser(nullptr, parms, settings);
-        const JSNTextRules rules = {QVBoolean{options.lines}, nullptr, nullptr};
+        const JSNTextRules rules = {QVBoolean{options.lines}, nullptr, nullptr,
+                                    QVBoolean{options.sequence}};
         parser_->setRules(parser_, &rules);
     }
     ~LoggedParser() { (void)parser_->generic.destroy(&parser_->generic); }

@@ -120,11 +120,29 @@ constexpr Document kLines[] = {
     {"byte order mark in a later line", "1\n\xEF\xBB\xBF{}", "QV_JSON_BOM 2:1 [ int 1 "},
 };
 
+// Values in any lines: likewise.
+constexpr Document kSequence[] = {
+    {"nothing", "\n", "QV_OK 2:1 [ ] "},
+    {"values with nothing between", R"({"a":[1]}[2]"x""y"true{}1"z"null)",
+     R"(QV_OK 1:33 [ { name "a" [ int 1 ] } [ int 2 ] "x" "y" true { } int 1 "z" null ] )"},
+    {"values of several lines", "{\n\"a\":\n1\n}\n[\n]\n2 3\n",
+     R"(QV_OK 8:1 [ { name "a" int 1 } [ ] int 2 int 3 ] )"},
+    {"comma after a value", "1,\n2", "QV_JSON_VALUE 1:2 [ int 1 "},
+    {"bracket after a value", "{}\n]", "QV_JSON_VALUE 2:1 [ { } "},
+    {"word that goes on", "truex", "QV_JSON_LITERAL 1:5 [ true "},
+    {"text ends in a value", "1\n[2", "QV_EOF 2:3 [ int 1 [ "},
+    {"byte order mark later", "{}\xEF\xBB\xBF{}", "QV_JSON_BOM 1:3 [ { } "},
+};
+
 TEST(Parser, TellsTheEventsOrTheMistakeAndItsPlaceHoweverTheDocumentIsCut) {
-    for (const bool lines : {false, true}) {
-        for (const Document& c : lines ? std::span<const Document>(kLines) : kDocuments) {
+    const struct {
+        std::span<const Document> documents;
+        ParseOptions options;
+    } kinds[] = {{kDocuments, {}}, {kLines, {.lines = true}}, {kSequence, {.sequence = true}}};
+    for (const auto& [documents, options] : kinds) {
+        for (const Document& c : documents) {
             SCOPED_TRACE(c.name);
-            EXPECT_EQ(c.result, parseEveryWay(c.text, {.lines = lines}));
+            EXPECT_EQ(c.result, parseEveryWay(c.text, options));
         }
     }
 }
@@ -277,7 +295,8 @@ TEST(Parser, AsksForColumnsByOffset) {
                                             b.asked &= offset >= b.begin && offset < b.end;
                                             return offset * 10;
                                         },
-                                    .arg = &buffer};
+                                    .arg = &buffer,
+                                    .sequence = 0};
         parser.log.parser->setRules(parser.log.parser, &rules);
         (void)parser.feed(kText.substr(0, cut));
         buffer = {buffer.end, kText.size(), buffer.asked};

@@ -34,8 +34,10 @@ const Layer kLayers[] = {
     {"src/frame/", "src/(frame|mapdoc|reader|automap|scan|core)/.*" + kEngine},
     {"src/host/", R"re(src/host/.*|include/qv(ehost|types|status|portable)\.h|<.*>)re"},
     {"client/input/",
-     R"re(client/(input/.*|(cache_file|document|error|escape|excerpt|text)\.h)|include/.*|<.*>)re"},
-    {"client/shape/", R"re(client/(shape/.*|(error|escape|handle|text)\.h)|include/.*|<.*>)re"},
+     R"re(client/(input/.*|(cache_file|document|error|escape|excerpt|quiet_thread)\.h))re"
+     R"re(|client/(text|text_consumer|text_form)\.h|include/.*|<.*>)re"},
+    {"client/shape/",
+     R"re(client/(shape/.*|(error|escape|handle|text|text_form|text_relay)\.h)|include/.*|<.*>)re"},
     {"client/schema/",
      R"re(client/(schema/.*|(columns|document|error|pass_pipe|row|table_pass)\.h)|include/.*|<.*>)re"},
     {"client/", R"re(client/([^/]*|shape/shape\.h|shape/reshaper\.h)|include/.*|<.*>)re"},

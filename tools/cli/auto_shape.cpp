@@ -3,19 +3,29 @@
 
 #include "client/input/document_reader.h"
 
+#include <optional>
+
 namespace qvej::cli {
 
-FoundShape findShape(const Engine& engine, RereadableFile& file, const ReadingOptions& reading) {
-    DocumentReader reader(file.walk(), reading.text);
-    ShapeFinder finder(engine.host(), reader.lines(), reading.shape.finding);
-    try {
-        reader.pass([&](std::string_view piece) { return finder.feed(piece); });
-    } catch (const Error& error) {
-        if (isOfFiles(error.status())) {
-            throw;
+FoundShape findShape(const Engine& engine, std::span<RereadableFile> files,
+                     const ReadingOptions& reading) {
+    std::optional<ShapeFinder> finder;
+    for (RereadableFile& file : files) {
+        DocumentReader reader(file.walk(), reading.text);
+        if (finder) {
+            finder->nextText(reader.form());
+        } else {
+            finder.emplace(engine.host(), reader.form(), reading.shape.finding);
+        }
+        try {
+            reader.pass([&](std::string_view piece) { return finder->feed(piece); });
+        } catch (const Error& error) {
+            if (isOfFiles(error.status())) {
+                throw;
+            }
         }
     }
-    return finder.finish();
+    return finder->finish();
 }
 
 }  // namespace qvej::cli

@@ -8,10 +8,14 @@
 #include "client/shape/shape_finder.h"
 #include "tools/cli/options/reading_options.h"
 
+#include <span>
+
 namespace qvej::cli {
 
-// Walks the file once; the next walk is for its values.  A text that is not well formed gives the
-// shape of what stands before the mistake.  Throws Error when the file cannot be read.
-FoundShape findShape(const Engine& engine, RereadableFile& file, const ReadingOptions& reading);
+// Walks the files once, of which there is at least one; the next walk is for their values.  A text
+// that is not well formed gives the shape of what stands before the mistake.  Throws Error when a
+// file cannot be read.
+FoundShape findShape(const Engine& engine, std::span<RereadableFile> files,
+                     const ReadingOptions& reading);
 
 }  // namespace qvej::cli

@@ -14,6 +14,14 @@ namespace qvej::cli {
 
 namespace {
 
+std::string joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) {
+        text += (text.empty() ? "" : " ") + word;
+    }
+    return text;
+}
+
 // The options that shape what is written.
 std::vector<std::string> wordsOf(const Options& options) {
     const ReadingOptions standard;
@@ -46,6 +54,8 @@ std::vector<std::string> wordsOf(const Options& options) {
     const std::vector<std::string> shape = cli::wordsOf(reading.shape);
     words.insert(words.end(), shape.begin(), shape.end());
     add(reading.text.lines, "--lines");
+    add(reading.skipBadLines, "--skip-bad-lines");
+    add(reading.skipBadFiles, "--skip-bad-files");
     add(reading.text.encoding != standard.text.encoding, "--encoding=" + reading.text.encoding);
     add(reading.text.replaceInvalid, "--invalid=replace");
     return words;
@@ -68,7 +78,7 @@ void checkOutput(const Options& options) {
     if (!options.format->module.empty()) {
         (void)formatModule(options.format->module);
     }
-    const Sources sources = sourcesOf(options.operands[0], options.map);
+    const Sources sources = sourcesOf(options.inputs.files, options.map);
     const bool grows = storeTarget(options).grows;
     if (options.place == OutputPlace::DIRECTORY) {
         OutputFiles::checkDirectory(options.out);
@@ -86,7 +96,7 @@ std::unique_ptr<Destination> makeDestination(const Options& options, const Sourc
         case OutputPlace::DIRECTORY:
             return std::make_unique<TableDirectory>(
                 options.out, *options.format, options.formatOptions, options.force, sources,
-                PackageRun{QVEJMAP_VERSION, options.operands[0], wordsOf(options)});
+                PackageRun{QVEJMAP_VERSION, joined(options.operands), wordsOf(options)});
         case OutputPlace::TABLE_FILE:
             return std::make_unique<TableFile>(options.out, *options.format, options.formatOptions,
                                                options.force, sources);

@@ -8,7 +8,10 @@
 #include "tools/cli/reports/shape_report.h"
 #include "tools/cli/reports/tell.h"
 
+#include <memory>
 #include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
 
 namespace qvej::cli {
 
@@ -53,6 +56,37 @@ void checkNamedCache(const std::string& path, const Sources& sources) {
     }
 }
 
+// Bytes of all the files as they are stored; nothing when one is no regular file.
+std::optional<uint64_t> bytesOf(const InputList& inputs) {
+    uint64_t bytes = 0;
+    for (const std::string& file : inputs.files) {
+        struct stat found = {};
+        const int result =
+            file == "-" ? ::fstat(STDIN_FILENO, &found) : ::stat(file.c_str(), &found);
+        if (result != 0 || !S_ISREG(found.st_mode)) {
+            return std::nullopt;
+        }
+        bytes += static_cast<uint64_t>(found.st_size);
+    }
+    return bytes;
+}
+
+// The same bytes; the progress counts them as they are read.
+ByteSource counted(ByteSource source, Progress& progress) {
+    const auto from = std::make_shared<ByteSource>(std::move(source));
+    return ByteSource::pulled(
+        [from, &progress] {
+            const std::string_view piece = from->next();
+            progress.addBytes(piece.size());
+            return piece;
+        },
+        from->name(), from->isFile());
+}
+
+std::vector<RereadableFile> rereadable(const InputList& inputs) {
+    return {inputs.files.begin(), inputs.files.end()};
+}
+
 // What to try, when the text looks like something else than was said.
 std::string hint(const DocumentReader& reader, const Error& error) {
     if (reader.otherEncoding() != nullptr) {
@@ -66,7 +100,8 @@ std::string hint(const DocumentReader& reader, const Error& error) {
         case QV_JSON_LINE_END:
             return reader.linesByName()
                        ? " (a file of this name holds one value a line; give any other as \"-\")"
-                       : "";
+                   : reader.linesByContent() ? " (this looks like JSON Lines, one value a line)"
+                                             : "";
         default:
             return {};
     }
@@ -109,26 +144,73 @@ void failReading(const ReadingOptions& options, const DocumentReader& reader, co
     throw Error(error.status(), what, place, error.excerpt());
 }
 
-Session::Session(const ReadingOptions& options, const std::string& file, const std::string& map,
+void readText(const ReadingOptions& options, const Engine& engine, DocumentReader& reader,
+              TextConsumer& text, const std::function<void(const BadLine&)>& onBad,
+              const std::function<void(std::string_view)>& observer) {
+    if (!options.skipBadLines) {
+        reader.read(text, observer);
+        return;
+    }
+    if (reader.form() != TextForm::LINES) {
+        throw Failure(WRONG_USAGE,
+                      reader.name() +
+                          ": --skip-bad-lines is for JSON Lines, and this does not look "
+                          "like it (--lines says that it is)");
+    }
+    LineSieve sieve(engine, text, onBad);
+    reader.read(sieve, observer);
+}
+
+std::optional<Error> mistakeOf(const ReadingOptions& options, const Engine& engine,
+                               RereadableFile& file) {
+    try {
+        DocumentReader reader(file.walk(), options.text);
+        try {
+            TextCheck check(engine, reader.documentOptions());
+            readText(options, engine, reader, check, [](const BadLine&) {});
+        } catch (const Error& error) {
+            failReading(options, reader, error);
+        }
+        return std::nullopt;
+    } catch (const Error& error) {
+        const ExitCode code = exitCodeOf(error.status());
+        if (code != NOT_JSON && code != FILE_TROUBLE) {
+            throw;
+        }
+        return error;
+    }
+}
+
+Session::Session(const ReadingOptions& options, const InputList& inputs, const std::string& map,
                  const ReadingWishes& wishes)
     : options_(options),
       engine_(engineOptions(options_)),
-      input_(options_.shape.finds() ? std::optional<RereadableFile>(file) : std::nullopt),
+      progress_(std::make_unique<Progress>(options_.progress, bytesOf(inputs))),
+      rereadable_(options_.shape.finds() || options_.skipBadFiles ? rereadable(inputs)
+                                                                  : std::vector<RereadableFile>()),
+      inputs_(options_.skipBadFiles ? goodOf(inputs, !wishes.again) : inputs),
       shape_(shapeOf(options_.shape,
-                     [this] { return cli::findShape(engine_, *input_, options_).shape(); })),
-      reader_(input_ ? input_->walk() : ByteSource::file(file), options_.text) {
+                     [this] { return cli::findShape(engine_, rereadable_, options_).shape(); })),
+      reader_(inputs_, options_.text,
+              [this, next = std::size_t{0}](const std::string& file) mutable {
+                  return counted(
+                      rereadable_.empty() ? ByteSource::file(file) : rereadable_[next++].walk(),
+                      *progress_);
+              }),
+      name_(reader_.name()) {
     if (!map.empty()) {
         map_.emplace(engine_, map);
     }
     if (!options_.cache.empty()) {
-        checkNamedCache(options_.cache, sourcesOf(file, map));
+        checkNamedCache(options_.cache, sourcesOf(inputs_.files, map));
     }
     try {
         read(wishes);
         useMap();
     } catch (const Error& error) {
-        cli::failReading(options_, reader_, error);
+        cli::failReading(options_, reader_.current(), error);
     }
+    progress_->erase();
     tellUnmatched(name(), shape_, *document_);
     if (!options_.debug.empty()) {
         const JMAPTotals totals = document_->totals();
@@ -143,8 +225,37 @@ void Session::read(const ReadingWishes& wishes) {
     DocumentOptions document = documentOptions(options_, engine_);
     document.watches = wishes.watches;
     document.shape = shape_;
+    document.sourceColumn = wishes.sourceColumn;
     document_.emplace(engine_, reader_.documentOptions(document));
-    reader_.read(*document_, wishes.observer);
+    if (wishes.keepBadLines) {
+        skipped_.keepLines();
+    }
+    reader_.read(*document_, [&](DocumentReader& reader, TextConsumer& text) {
+        const auto onBad = [&](const BadLine& line) { skipped_.takeLine(reader.name(), line); };
+        readText(options_, engine_, reader, text, onBad, wishes.observer);
+    });
+    if (!wishes.again) {
+        skipped_.tellLines();
+    }
+}
+
+// The inputs that are well formed; the others are told.
+InputList Session::goodOf(InputList inputs, bool tells) {
+    InputList good = {{}, inputs.several};
+    std::vector<RereadableFile> files;
+    for (std::size_t i = 0; i < inputs.files.size(); ++i) {
+        const std::optional<Error> mistake = mistakeOf(options_, engine_, rereadable_[i]);
+        if (!mistake) {
+            good.files.push_back(inputs.files[i]);
+            files.push_back(rereadable_[i]);
+        } else if (good.files.empty() && i + 1 == inputs.files.size()) {
+            throw AllBad(*mistake);
+        } else if (tells) {
+            skipped_.takeFile(*mistake);
+        }
+    }
+    rereadable_ = std::move(files);
+    return good;
 }
 
 void Session::useMap() {

@@ -5,13 +5,15 @@
 #include "client/document.h"
 #include "client/engine.h"
 #include "client/error.h"
-#include "client/input/document_reader.h"
+#include "client/input/inputs_reader.h"
 #include "client/input/rereadable_file.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/maps/map_file.h"
 #include "tools/cli/options/reading_options.h"
+#include "tools/cli/reports/skipped.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,10 +21,15 @@
 
 namespace qvej::cli {
 
+inline const std::string kSourceColumn = "source";
+
 // What else is asked of a text while it is read.
 struct ReadingWishes {
     std::vector<Watch> watches = {};                      // see DocumentOptions
     std::function<void(std::string_view)> observer = {};  // sees each piece of the text
+    std::string sourceColumn = kSourceColumn;             // see DocumentOptions
+    bool keepBadLines = false;                            // that are skipped: see Skipped
+    bool again = false;                                   // what is skipped has been told
 };
 
 // Turns a mistake of a document that was read into the tool's, which names the options that would
@@ -30,12 +37,24 @@ struct ReadingWishes {
 [[noreturn]] void failReading(const ReadingOptions& options, const DocumentReader& reader,
                               const Error& error);
 
+// Has a text read into what takes it, without its bad lines when the options say so.
+void readText(const ReadingOptions& options, const Engine& engine, DocumentReader& reader,
+              TextConsumer& text, const std::function<void(const BadLine&)>& onBad,
+              const std::function<void(std::string_view)>& observer = {});
+
+// What is wrong with a file that cannot be read or is not well formed; nothing is.
+std::optional<Error> mistakeOf(const ReadingOptions& options, const Engine& engine,
+                               RereadableFile& file);
+
 class Session {
    public:
     // Reads the whole document, and first the user's map when one is named.  Throws a Failure, or
-    // an Error with the name of its file.
-    Session(const ReadingOptions& options, const std::string& file, const std::string& map = {},
+    // an Error with the name of its file; AllBad when no file is left.
+    Session(const ReadingOptions& options, const InputList& inputs, const std::string& map = {},
             const ReadingWishes& wishes = {});
+    Session(const ReadingOptions& options, const std::string& file, const std::string& map = {},
+            const ReadingWishes& wishes = {})
+        : Session(options, InputList{{file}, false}, map, wishes) {}
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
@@ -46,23 +65,35 @@ class Session {
     [[nodiscard]] const MapFile* map() const { return map_ ? &*map_ : nullptr; }
 
     // What messages call the document.
-    [[nodiscard]] const std::string& name() const { return reader_.name(); }
+    [[nodiscard]] const std::string& name() const { return name_; }
 
     // What messages call the map in use: of the automatic one, the document.
     [[nodiscard]] const std::string& mapName() const { return map_ ? map_->name() : name(); }
+
+    // What the options had left out.
+    [[nodiscard]] const Skipped& skipped() const { return skipped_; }
+
+    // What comes after the reading adds to it.
+    [[nodiscard]] Progress& progress() const { return *progress_; }
 
     // Turns a failure of the finished document (its records cannot be read back) into the tool's.
     [[noreturn]] void failReading(const Error& error) const;
 
    private:
+    InputList goodOf(InputList inputs, bool tells);
     void read(const ReadingWishes& wishes);
     void useMap();
 
     ReadingOptions options_;
     Engine engine_;
-    std::optional<RereadableFile> input_;  // of a document that is to find its shape
+    std::unique_ptr<Progress> progress_;
+    Skipped skipped_;
+    // Of a document whose files are read more than once, to find its shape or the bad ones.
+    std::vector<RereadableFile> rereadable_;
+    InputList inputs_;  // without the bad ones
     Shape shape_;
-    DocumentReader reader_;
+    InputsReader reader_;
+    std::string name_;
     std::optional<MapFile> map_;
     std::optional<Document> document_;
 };

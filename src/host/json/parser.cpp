@@ -116,7 +116,7 @@ QVStatus Parser::parseBytes(const uint8_t* buf, std::size_t bufLen, bool done) {
         const QVStatus status = deliverNumber();
         pause(status == QV_OK ? State::DONE : State::FAILED, status, buf_ + bufLen);
     }
-    if (done && rules_.lines != 0 && !inContainer()) {
+    if (done && manyValues() && !inContainer()) {
         endLines();
     }
     if (event_ != nullptr) {
@@ -161,14 +161,15 @@ const uint8_t* Parser::word(const uint8_t* p, const uint8_t* end) {
     }
 }
 
-// ---- JSON Lines -------------------------------------------------------------------------------
+// ---- JSON Lines and sequences -----------------------------------------------------------------
 
 // After the value of a line, perhaps in a later buffer: the rest of the line, and what follows up
-// to the next value.
+// to the next value.  In a sequence that may be nothing.
 const uint8_t* Parser::nextLine(const uint8_t* p, const uint8_t* end) {
     const int64_t before = line_;
     p = spaceRun(p, end);
-    const State state = line_ == before ? State::DONE : State::DOCUMENT;
+    const bool sameLine = rules_.lines != 0 && line_ == before;
+    const State state = sameLine ? State::DONE : State::DOCUMENT;
     if (p == end) {
         return pause(state, QV_EOF, p);
     }

@@ -10,7 +10,8 @@
 //
 // JSON Lines.  The events of the array around the values are made here; else a line is a document
 // of its own, so that a place is never anything but the place in the text.  Within a value a line
-// feed is not passed over as white space, and so turns up where a token is expected.
+// feed is not passed over as white space, and so turns up where a token is expected.  A sequence is
+// the same without lines.
 //
 // Position.  Line feeds are counted while white space is skipped, since they occur nowhere else.
 // So the bytes are read only once.
@@ -115,7 +116,8 @@ class Parser : public JSNParser {
         return status == QV_OK ? p : fail(status, p);
     }
 
-    // JSON Lines.
+    // JSON Lines and sequences.
+    [[nodiscard]] bool manyValues() const { return rules_.lines != 0 || rules_.sequence != 0; }
     const uint8_t* nextLine(const uint8_t* p, const uint8_t* end);
     void endLines();
 

@@ -189,7 +189,7 @@ void Parser::loop(const uint8_t* p, const uint8_t* end) {
                 return pause(State::BEGIN, QV_EOF, p);
             }
             state_ = State::DOCUMENT;
-            return rules_.lines == 0 ? p : delivered(callbacks_->arrayStart(callbacks_), p);
+            return manyValues() ? delivered(callbacks_->arrayStart(callbacks_), p) : p;
         case State::BOM:
             return byteOrderMark(p, end);
         case State::DOCUMENT:
@@ -215,7 +215,7 @@ void Parser::loop(const uint8_t* p, const uint8_t* end) {
             state_ = State::DONE;
             return collectToken(p, end);
         case State::DONE:
-            if (rules_.lines != 0) {
+            if (manyValues()) {
                 return nextLine(p, end);
             }
             p = space(p, end);

@@ -22,7 +22,7 @@ $ offers() { qvejmap --complete -- "$@"; }
   : tables map read convert report diagram find records shape check completion help
   map: check diff merge explain :files
   orders.json: tables map read convert report diagram find records shape check completion help
-  orders.json tables: 
+  orders.json tables: :files
   help: tables map read convert report diagram find records shape check completion
   help map: check diff merge explain
   help read: 
@@ -30,7 +30,7 @@ $ offers() { qvejmap --complete -- "$@"; }
   read orders.json: 
   read orders.json orders: 
   orders.json read: 
-  map orders.json: 
+  map orders.json: :files
   map check: :files
   map check m: :files
   map check m orders.json: 
@@ -58,12 +58,12 @@ $ words() { echo $(qvejmap --complete -- "$@" | cut -f 1); }
   
   tables map read convert report diagram find records shape check completion help
   :files
-  
+  :files
 
 # Options: those of the verb, with what they mean there.
 $ qvejmap --complete -- shape orders.json --k
   --output\tfile to write
-  --lines\tJSON Lines: a value in each line, no more and no less, or nothing (default: by the name, .jsonl or .ndjson)
+  --lines\tJSON Lines: a value in each line, no more and no less, or nothing (default: by the name, .jsonl or .ndjson, or the first values)
   --encoding\tencoding of FILE, any that ICU names (default: auto, by a byte order mark or zero bytes, else UTF-8)
   --invalid\tbytes that are wrong in the encoding: error (default), or replace, by U+FFFD
   --depth\tdeepest nesting allowed, 0 for any (default: 1000)
@@ -88,7 +88,7 @@ $ for line in '-- --q' 'tables -- --q' 'tables -- -q' 'tables -- -q --q'; do
   tables map read convert report diagram find records shape check completion help
   :files
   :files
-  
+  :files
   12
 
 $ qvejmap completion

@@ -110,9 +110,7 @@ $ printf '{"a":1,\n"b":2,}' | qvejmap find - --regex .
 ? 3
 $ printf '[1]\n[2]' | qvejmap find - --regex .; printf '[1' | qvejmap find - --regex .; printf '["\377"]' | qvejmap find - --regex .
   1\t2\t/root\t1
-! qvejmap: <stdin>:2:1: only white space may follow the document (--lines for one value a line)
-!     [2]
-!     ^
+  2\t2\t/root\t2
 ! qvejmap: <stdin>:1:3: the document ends before a complete object or array
 !     [1
 !       ^

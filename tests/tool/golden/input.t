@@ -49,10 +49,7 @@ $ qvejmap check - --lines < pretty.jsonl
 !      ^
 ? 3
 $ qvejmap check lines
-! qvejmap: lines:4:2: only white space may follow the document (--lines for one value a line)
-!      {"id":"x","sub":{"n":2}}...
-!      ^
-? 3
+  lines: well formed
 
 # Mistakes, with their line in the file.
 $ printf '{"a":1}\n\n{"a":2} {"a":3}\n' | qvejmap check - --lines
@@ -188,3 +185,59 @@ $ qvejmap tables - --shape auto <&-
 $ echo '[{"a":1}]' > one.json; qvejmap tables one.json >&-
 ! qvejmap: <stdout>: Bad file descriptor
 ? 5
+
+# Sequences are recognised by their content: values in a line each as JSON Lines, else values with any
+# white space between them, or none.
+$ for text in '{"a":1}\n{"a":2}\n' '{"a":1}{"a":2}' '{\n"a":1\n}\n\n{"a":\n2}' '{"a":1}\n{"a":2} {"a":3}'; do
+>     printf "$text" | qvejmap read - root && printf "$text" | qvejmap check - --lines > lines.out 2>&1; echo "$?"
+> done
+  ordinal_root,a\r
+  1,1\r
+  2,2\r
+  0
+  ordinal_root,a\r
+  1,1\r
+  2,2\r
+  3
+  ordinal_root,a\r
+  1,1\r
+  2,2\r
+  3
+  ordinal_root,a\r
+  1,1\r
+  2,2\r
+  3,3\r
+  3
+$ printf '{"a":1}{"a":{"b":2}}' | iconv -t utf-16 | gzip | qvejmap find - --path '/**/b'
+  1\t18\t/root/a/b\t2
+$ printf '{"a":1} {"b":2}' | qvejmap shape - --key-names 1
+! qvejmap: <stdin>: no rule is found
+$ for text in '{"a":1} x' '{"a":1},{"a":2}' '{"a":1}]' '{"a":1}\n{"a":}' '{"a":1} {"a":}' '{"a":1}\n{\n"a":2}' '{"a":1}{"a"'; do
+>     printf "$text" | qvejmap check -; echo "$?"
+> done
+  3
+  3
+  3
+  3
+  3
+  <stdin>: well formed
+  0
+  3
+! qvejmap: <stdin>:1:9: only white space may follow the document
+!     {"a":1} x
+!             ^
+! qvejmap: <stdin>:1:8: only white space may follow the document
+!     {"a":1},{"a":2}
+!            ^
+! qvejmap: <stdin>:1:8: only white space may follow the document
+!     {"a":1}]
+!            ^
+! qvejmap: <stdin>:2:6: a value was expected
+!     {"a":}
+!          ^
+! qvejmap: <stdin>:1:14: a value was expected
+!     {"a":1} {"a":}
+!                  ^
+! qvejmap: <stdin>:1:12: the document ends before a complete object or array
+!     {"a":1}{"a"
+!                ^

@@ -5,20 +5,20 @@ $ qvejmap --help
          qvejmap help [VERB]
   
   Verbs:
-    tables FILE                    list the tables; on a terminal, as a tree
-    map FILE [-o OUT]              print the map of tables and columns as JSON
+    tables FILE...                 list the tables; on a terminal, as a tree
+    map FILE... [-o OUT]           print the map of tables and columns as JSON
     map check MAP [FILE]           is a map well formed? does it fit FILE?
     map diff A B                   what one map has and another has not
     map merge A B... [-o OUT]      one map of all tables and columns of several
     map explain FILE TABLE.COLUMN  why a column is what it is, with places
     read FILE TABLE                print the rows of a table (name, path, ALLDATA)
-    convert FILE -o OUT            write every table: files, SQLite, Parquet, ...
+    convert FILE... -o OUT         write every table: files, SQLite, Parquet, ...
     report FILE -o OUT             one page of HTML: picture, columns, rows
     diagram FILE [-o OUT]          the tables and their keys as a picture
-    find FILE                      where values are: line, column, path, value
+    find FILE...                   where values are: line, column, path, value
     records FILE                   print every record: kind, path, value
     shape FILE [-o OUT]            print the shape that suits it, as rules
-    check FILE                     is it well formed? --account: where values go
+    check FILE...                  is it well formed? --account: where values go
     completion bash|zsh|fish       print the completion of a shell
   
   Options of tables:
@@ -39,6 +39,9 @@ $ qvejmap --help
     --alldata               convert: ALLDATA too (every value with its full path)
   
   Options of convert:
+    --per-file              a directory OUT/NAME for each input, with tables and
+                            a map of its own (default: all inputs are one data
+                            set, with a column source)
     --threads N             at most N threads (default: as many as there are
                             cores)
   
@@ -97,7 +100,11 @@ $ qvejmap --help
   Reading the document:
     --lines                 JSON Lines: a value in each line, no more and no
                             less, or nothing (default: by the name, .jsonl or
-                            .ndjson)
+                            .ndjson, or the first values)
+    --skip-bad-lines        JSON Lines: leave out lines that are no JSON, and
+                            tell (exit code 1); --rejects lists them
+    --skip-bad-files        leave out files that cannot be read or are not well
+                            formed, and tell (exit code 1)
     --encoding NAME         encoding of FILE, any that ICU names (default: auto,
                             by a byte order mark or zero bytes, else UTF-8)
     --invalid error|replace bytes that are wrong in the encoding: error
@@ -142,6 +149,9 @@ $ qvejmap --help
                             ...; "-MAP" leaves one out
     --force                 replace existing files, and remove those of an
                             earlier convert
+    --progress json         json: a line of JSON a second on standard error, for
+                            programs (default: a line that says how far it is, on
+                            a terminal and after a second; neither with -q)
     -q,--quiet              no summary; what is lost is still said
     -h,--help               the verbs and options; with VERB what that verb takes
     --version               the version
@@ -158,13 +168,16 @@ $ qvejmap --help
 $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
   qvejmap convert: write every table: files, SQLite, Parquet, ...
   
-  Usage: qvejmap convert FILE -o OUT [OPTIONS]
+  Usage: qvejmap convert FILE... -o OUT [OPTIONS]
   
   Options of convert:
     -o,--output OUT         a directory, made when missing, or a file
                             NAME.sqlite, .db, .xlsx or of one table .parquet,
                             .arrow, or postgresql://HOST/DATABASE
     --alldata               ALLDATA too (every value with its full path)
+    --per-file              a directory OUT/NAME for each input, with tables and
+                            a map of its own (default: all inputs are one data
+                            set, with a column source)
     --threads N             at most N threads (default: as many as there are
                             cores)
     --account               count what becomes of every value, and tell which are
@@ -212,18 +225,18 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
 $ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read convert find records shape check completion; do
 >     echo $verb: $(qvejmap help $verb | grep -o '^  -[-a-z,]*')
 > done
-  tables: --names --columns --table --path --map --ordinals --alldata-name --naming --format --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
-  map: -o,--output --exact --compact --table --path --ordinals --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
-  map check: --verbose --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
+  tables: --names --columns --table --path --map --ordinals --alldata-name --naming --format --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --progress -q,--quiet -h,--help --version
+  map: -o,--output --exact --compact --table --path --ordinals --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force --progress -q,--quiet -h,--help --version
+  map check: --verbose --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --progress -q,--quiet -h,--help --version
   map diff: -q,--quiet -h,--help --version
   map merge: -o,--output --compact --force -q,--quiet -h,--help --version
-  map explain: --map --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
-  read: --limit --map --rejects --ordinals --alldata-name --naming --retain --carry --format --null --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
-  convert: -o,--output --alldata --threads --account --table --path --map --rejects --ordinals --alldata-name --naming --retain --carry --format --null --gzip --zstd --dates --schema --replace --append --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force -q,--quiet -h,--help --version
-  find: --limit --value --regex --ignore-case --path --lines --encoding --invalid --depth -q,--quiet -h,--help --version
-  records: --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
+  map explain: --map --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --progress -q,--quiet -h,--help --version
+  read: --limit --map --rejects --ordinals --alldata-name --naming --retain --carry --format --null --lines --skip-bad-lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force --progress -q,--quiet -h,--help --version
+  convert: -o,--output --alldata --per-file --threads --account --table --path --map --rejects --ordinals --alldata-name --naming --retain --carry --format --null --gzip --zstd --dates --schema --replace --append --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force --progress -q,--quiet -h,--help --version
+  find: --limit --value --regex --ignore-case --path --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth -q,--quiet -h,--help --version
+  records: --lines --skip-bad-lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --progress -q,--quiet -h,--help --version
   shape: -o,--output --lines --encoding --invalid --depth --key-names --key-containers --fixed-length --inline-columns --force -q,--quiet -h,--help --version
-  check: --account --map --retain --carry --lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug -q,--quiet -h,--help --version
+  check: --account --map --retain --carry --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --progress -q,--quiet -h,--help --version
   completion: -q,--quiet -h,--help --version
 
 # help VERB is what VERB --help is, and no page is wider than 80 columns.
@@ -258,7 +271,7 @@ $ qvejmap orders.json convrt -o out
 ! qvejmap: no verb is named 'convrt'; did you mean convert? (qvejmap --help tells more)
 ? 2
 $ qvejmap map chek orders.json
-! qvejmap: map: 'orders.json' is one word too many; did you mean map check? (qvejmap --help tells more)
+! qvejmap: map: no file is named 'chek'; did you mean map check? (qvejmap --help tells more)
 ? 2
 $ qvejmap read orders.json orders --formt=csv
 ! qvejmap: no option is named '--formt'; did you mean --format, --force? (qvejmap --help tells more)
@@ -294,8 +307,8 @@ $ qvejmap read orders.json
 ! qvejmap: read: TABLE is missing (qvejmap --help tells more)
 ? 2
 $ qvejmap check orders.json more
-! qvejmap: check: 'more' is one word too many (qvejmap --help tells more)
-? 2
+! qvejmap: more: No such file or directory
+? 5
 $ qvejmap tables map
 ! qvejmap: there are two verbs, tables and map; a file of that name is ./map (qvejmap --help tells more)
 ? 2

@@ -28,6 +28,7 @@ constexpr Owner kOwners[] = {
     {"--verbose", "map check"},
     {"--account", "convert, check"},
     {"--alldata", "convert"},
+    {"--per-file", "convert"},
     {"--threads", "convert"},
     {"--limit", "read, find"},
     {"--value", "find"},
@@ -56,6 +57,8 @@ constexpr Owner kOwners[] = {
     {"--naming", "tables, read, convert, report, diagram"},
     {"--force", "map, map merge, shape, read, convert, report, diagram"},
     {"--lines", kWalkers},
+    {"--skip-bad-lines", "tables, map, read, convert, find, records, check"},
+    {"--skip-bad-files", "tables, map, convert, find, check"},
     {"--encoding", kWalkers},
     {"--invalid", kWalkers},
     {"--depth", kWalkers},
@@ -73,6 +76,7 @@ constexpr Owner kOwners[] = {
     {"--keep", kReaders},
     {"--drop-empty", kReaders},
     {"--debug", kReaders},
+    {"--progress", kReaders},
 };
 
 }  // namespace

@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <string>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace qvej::cli {
@@ -42,7 +43,7 @@ constexpr const char* kManPage = "--man-page";
 struct Raw {
     std::vector<std::string> words, paths;
     std::string threads, limit, invalid = "error", ordinals, depth, maxPaths, keepFree, memory,
-                                debug, naming;
+                                debug, naming, progress;
     RawOutput output;
 };
 
@@ -128,6 +129,13 @@ void placeWords(const std::vector<std::string>& words, Options& options) {
         usageError(name + ": " + inQuotes(rest[verb.most]) + " is one word too many" +
                    suggestion(name + " " + rest[0], verbNames(name + " ")));
     }
+    const std::string other =
+        rest.size() > 1 && takesInputs(verb) && ::access(rest[0].c_str(), F_OK) != 0
+            ? suggestion(name + " " + rest[0], verbNames(name + " "))
+            : std::string();
+    if (!other.empty()) {
+        usageError(name + ": no file is named " + inQuotes(rest[0]) + other);
+    }
     for (std::size_t i = 0; i < rest.size(); ++i) {
         // The name of a table may be empty.
         if (rest[i].empty() && !operandName(verb, i).starts_with("TABLE")) {
@@ -199,12 +207,15 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_flag("--exact", o.exact,
                  "map: columns with numbers that a double does not keep are CHARACTER")
         ->group(ofFiles);
-    app.add_flag("--compact", o.compact, "map: all in one line, without blanks")
-        ->group(ofFiles);
+    app.add_flag("--compact", o.compact, "map: all in one line, without blanks")->group(ofFiles);
     app.add_flag("--verbose", o.verbose, "map check: list every column that is left out")
         ->group(ofFiles);
     app.add_flag("--alldata", o.alldata, "convert: ALLDATA too (every value with its full path)")
         ->group(ofFiles);
+    app.add_flag("--per-file", o.perFile,
+                 "a directory OUT/NAME for each input, with tables and a map of its own (default: "
+                 "all inputs are one data set, with a column source)")
+        ->group("Options of convert");
     app.add_option("--threads", raw.threads,
                    "at most N threads (default: as many as there are cores)")
         ->type_name("N")
@@ -275,7 +286,15 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     const std::string reading = "Reading the document";
     app.add_flag("--lines", o.reading.text.lines,
                  "JSON Lines: a value in each line, no more and no less, or nothing (default: by "
-                 "the name, .jsonl or .ndjson)")
+                 "the name, .jsonl or .ndjson, or the first values)")
+        ->group(reading);
+    app.add_flag("--skip-bad-lines", o.reading.skipBadLines,
+                 "JSON Lines: leave out lines that are no JSON, and tell (exit code 1); --rejects "
+                 "lists them")
+        ->group(reading);
+    app.add_flag("--skip-bad-files", o.reading.skipBadFiles,
+                 "leave out files that cannot be read or are not well formed, and tell (exit code "
+                 "1)")
         ->group(reading);
     app.add_option("--encoding", o.reading.text.encoding,
                    "encoding of FILE, any that ICU names (default: auto, by a byte order mark or "
@@ -318,6 +337,11 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_flag("--force", o.force,
                  "replace existing files, and remove those of an earlier convert")
         ->group(general);
+    app.add_option("--progress", raw.progress,
+                   "json: a line of JSON a second on standard error, for programs (default: a line "
+                   "that says how far it is, on a terminal and after a second; neither with -q)")
+        ->type_name("json")
+        ->group(general);
     app.add_flag("-q,--quiet", o.quiet, "no summary; what is lost is still said")->group(general);
     app.set_help_flag("-h,--help", "the verbs and options; with VERB what that verb takes")
         ->group(general);
@@ -330,6 +354,18 @@ void print(const std::string& text) {
     Writer out = standardOutput();
     out.append(text);
     out.flush();
+}
+
+ProgressForm progressOf(const CLI::App& app, const Raw& raw, const Options& o) {
+    if (app.count("--progress") != 0 && raw.progress != "json") {
+        usageError("--progress: " + inQuotes(raw.progress) + " is none of json");
+    }
+    if (o.quiet) {
+        return ProgressForm::NONE;
+    }
+    return app.count("--progress") != 0   ? ProgressForm::JSON
+           : ::isatty(STDERR_FILENO) == 1 ? ProgressForm::LINE
+                                          : ProgressForm::NONE;
 }
 
 void translate(const CLI::App& app, const Raw& raw, Options& o) {
@@ -348,7 +384,9 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     o.reading.keepFree = sizeOf(app, "--keep-free", raw.keepFree);
     o.reading.memory = sizeOf(app, "--memory", raw.memory);
     o.reading.debug = debugString(raw.debug);
+    o.reading.progress = progressOf(app, raw, o);
     readOutputOptions(app, raw.output, o);
+    o.reading.text.late = o.reading.skipBadLines;
     o.reading.text.replaceInvalid = raw.invalid == "replace";
     if (!o.reading.text.replaceInvalid && raw.invalid != "error") {
         usageError("--invalid: " + inQuotes(raw.invalid) + " is none of error, replace");
@@ -381,13 +419,16 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     if (o.rejects == "-") {
         usageError("--rejects: must be a file, standard output has the rows");
     }
-    if (o.map == "-" && o.operands[0] == "-") {
+    const auto standardInputs = std::count(o.operands.begin(), o.operands.end(), "-");
+    if (o.map == "-" && standardInputs != 0) {
         usageError("FILE and --map cannot both be standard input");
+    }
+    if (takesInputs(*o.verb) && standardInputs > 1) {
+        usageError("only one FILE can be standard input");
     }
     const std::vector<std::string>& shapes = o.reading.shape.sources;
     const auto inputs = std::count(shapes.begin(), shapes.end(), "-");
-    const auto others =
-        std::count(o.operands.begin(), o.operands.end(), "-") + (o.map == "-" ? 1 : 0);
+    const auto others = standardInputs + (o.map == "-" ? 1 : 0);
     if (inputs != 0 && inputs + others > 1) {
         usageError("only one of --shape and the other files can be standard input");
     }
@@ -408,6 +449,12 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     }
     if (o.verb->name == "find" && o.paths.empty() && !o.value && !o.regex) {
         usageError("find: --path, --value or --regex is missing");
+    }
+    if (o.perFile && o.place != OutputPlace::DIRECTORY) {
+        usageError("--per-file: -o must be a directory of files");
+    }
+    if (o.perFile && (!o.rejects.empty() || !o.reading.cache.empty())) {
+        usageError("--per-file: neither --rejects nor --cache can be for several documents");
     }
     if ((o.verb->name == "convert" || o.verb->name == "report") && o.out.empty()) {
         usageError(std::string(o.verb->name) + ": -o OUT is missing");
@@ -448,6 +495,9 @@ Options readOptions(int argc, char** argv) {
     placeWords(raw.words, options);
     checkOwners(app, options);
     translate(app, raw, options);
+    if (takesInputs(*options.verb)) {
+        options.inputs = inputList(options.operands);
+    }
     return options;
 }
 

@@ -3,6 +3,7 @@
 // Tested by tests/tool/golden/usage.t
 #pragma once
 
+#include "client/input/input_list.h"
 #include "client/shape/path_pattern.h"
 #include "formats/formats.h"
 #include "tools/cli/options/output_options.h"
@@ -21,12 +22,14 @@ struct Verb;
 struct Options {
     const Verb* verb = nullptr;         // null: help or version was asked for, and printed
     std::vector<std::string> operands;  // the words after the verb, as many as it takes
+    InputList inputs;                   // of a verb that takes many: what the operands lead to
 
     std::string out;              // of those that write files; empty: not given
     uint64_t limit = UINT64_MAX;  // of read and find
     bool names = false;           // of tables
     bool columns = false;         // of tables
     bool alldata = false;         // of convert
+    bool perFile = false;         // of convert
     bool exact = false;           // of map
     bool compact = false;         // of map and map merge
     bool verbose = false;         // of map check

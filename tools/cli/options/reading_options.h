@@ -4,6 +4,7 @@
 #include "client/input/document_reader.h"
 #include "client/path_names.h"
 #include "tools/cli/options/shape_options.h"
+#include "tools/cli/reports/progress.h"
 
 #include <cstdint>
 #include <optional>
@@ -14,6 +15,8 @@ namespace qvej::cli {
 struct ReadingOptions {
     TextOptions text;
     ShapeOptions shape;
+    bool skipBadLines = false;
+    bool skipBadFiles = false;
     uint64_t depth = 1000;           // 0: any
     uint64_t maxPaths = 10'000'000;  // 0: any number
     bool compress = false;
@@ -23,7 +26,8 @@ struct ReadingOptions {
     uint64_t ordinals = UINT64_MAX;
     std::string alldataName = "ALLDATA";
     std::optional<Naming> naming;  // nothing: MAP, and names that differ much are told
-    std::string debug;             // as the engine wants it: ",MAP,READ,"; empty: none
+    ProgressForm progress = ProgressForm::NONE;
+    std::string debug;  // as the engine wants it: ",MAP,READ,"; empty: none
 };
 
 }  // namespace qvej::cli

@@ -13,6 +13,7 @@
 #include <array>
 #include <string_view>
 #include <sys/stat.h>
+#include <tuple>
 #include <unordered_map>
 
 namespace qvej::cli {
@@ -63,14 +64,15 @@ void findPlaces(const Options& options, const Shape& shape, std::vector<Line>& l
             wanted.push_back(&line);
         }
     }
-    if (watches.empty() || !staysInPlace(options.operands[0])) {
+    const std::vector<std::string>& files = options.inputs.files;
+    if (watches.empty() || !std::all_of(files.begin(), files.end(), staysInPlace)) {
         return;
     }
     ReadingOptions again = options.reading;
     again.cache.clear();
     again.shape = {{}, shape, {}};
     again.debug.clear();
-    const Session session(again, options.operands[0], {}, {.watches = watches});
+    const Session session(again, options.inputs, {}, {.watches = watches, .again = true});
     for (std::size_t i = 0; i < wanted.size(); ++i) {
         wanted[i]->place = session.document().watched(i);
     }
@@ -150,11 +152,13 @@ AccountText textOf(const Options& options, const Account& account) {
     if (!lines.empty()) {
         text.rows.push_back({"path", "values", "lost", "first"});
     }
-    const std::string file = options.operands[0] == "-" ? "<stdin>" : options.operands[0];
+    const std::string& first = options.inputs.files.front();
+    const std::string file = first == "-" ? "<stdin>" : first;
     for (const Line& line : lines) {
-        text.rows.push_back({escaped(withSlashes(line.account->path)), std::to_string(line.count),
-                             std::string(line.way),
-                             line.place.line == 0 ? "" : shown(spotText(file, line.place))});
+        text.rows.push_back(
+            {escaped(withSlashes(line.account->path)), std::to_string(line.count),
+             std::string(line.way),
+             line.place.line == 0 ? "" : shown(spotText(file, line.place, account.texts))});
     }
     text.sums.push_back(sumLine(account.paths));
     if (account.shapeCounts) {
@@ -178,7 +182,7 @@ namespace {
 
 std::vector<Spot> startsOf(const Document& document, const std::vector<PathAccount>& accounts) {
     const auto before = [](Spot a, Spot b) {
-        return a.line != b.line ? a.line < b.line : a.column < b.column;
+        return std::tie(a.text, a.line, a.column) < std::tie(b.text, b.line, b.column);
     };
     std::unordered_map<std::string, Spot> starts;
     for (const PathStatistics& path : document.pathStatistics()) {
@@ -207,6 +211,7 @@ Account takeAccount(const Document& document, const std::vector<const Table*>& t
     Account account;
     account.paths = accountOf(document, tables, retain, carry);
     account.starts = startsOf(document, account.paths);
+    account.texts = document.texts();
     if (document.reshaper() != nullptr) {
         account.shape = document.reshaper()->shape();
     }

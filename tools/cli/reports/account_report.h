@@ -20,6 +20,7 @@ namespace qvej::cli {
 struct Account {
     std::vector<PathAccount> paths;
     std::vector<Spot> starts;                // where the first value of each path begins
+    std::vector<TextSource> texts;           // of a document of several
     Shape shape;                             // that the document was read with
     std::optional<ShapeCounts> shapeCounts;  // of all tables only
 };

@@ -10,13 +10,7 @@ namespace qvej::cli {
 
 namespace {
 
-constexpr std::size_t kShownBytes = 40;
 constexpr const char* kHeader[] = {"table", "row", "column", "path", "ordinals", "text", "reason"};
-
-std::string shortened(std::string_view text) {
-    const std::string_view start = withoutUnfinished(text.substr(0, kShownBytes));
-    return "\"" + std::string(start) + (start.size() < text.size() ? "..." : "") + "\"";
-}
 
 // "ordinal_root=1 ordinal_orders=2"
 std::string ordinalsOf(const qvej::Row& row) {
@@ -83,6 +77,23 @@ void Rejects::writeLine(const Table& table, const qvej::Row& row, const Rejected
     fields.text(rejected.text);
     fields.text(rejected.reason);
     fields.endLine();
+}
+
+void Rejects::takeLines(const Skipped& skipped) {
+    if (file_ == nullptr) {
+        return;
+    }
+    CsvFields& fields = file_->fields;
+    for (const Skipped::Line& line : skipped.lines()) {
+        fields.text("");
+        fields.text(std::to_string(line.spot.line));
+        fields.text("");
+        fields.text(spotText(line.file, line.spot));
+        fields.text("");
+        fields.text(line.text);
+        fields.text(line.reason);
+        fields.endLine();
+    }
 }
 
 void Rejects::commit(Destination* tables) {

@@ -9,6 +9,7 @@
 #include "formats/destination.h"
 #include "formats/output_files.h"
 #include "tools/cli/failure.h"
+#include "tools/cli/reports/skipped.h"
 
 #include <map>
 #include <memory>
@@ -27,6 +28,10 @@ class Rejects {
 
     // What the row of a table calls.  This object and the table must outlive it.
     RejectHandler handlerFor(const Table& table);
+
+    // The lines of the document that are no JSON, for the file: they have no table, their number
+    // for the row, and their place for the path.
+    void takeLines(const Skipped& skipped);
 
     // Gives the file its name, and commits `tables`: both or none.  Throws a Failure.
     void commit(Destination* tables = nullptr);

@@ -89,10 +89,18 @@ std::string sharedNames(const std::vector<const Table*>& tables, Naming naming,
     return text + (text.empty() || hidden.empty() ? "" : "; ") + hidden;
 }
 
-std::string spotText(const std::string& file, Spot spot) {
-    return spot.line == 0
-               ? file
-               : file + ":" + std::to_string(spot.line) + ":" + std::to_string(spot.column);
+std::string shortened(std::string_view text) {
+    constexpr std::size_t kShownBytes = 40;
+    const std::string_view start = withoutUnfinished(text.substr(0, kShownBytes));
+    return "\"" + std::string(start) + (start.size() < text.size() ? "..." : "") + "\"";
+}
+
+std::string spotText(const std::string& file, Spot spot, const std::vector<TextSource>& texts) {
+    if (spot.line == 0) {
+        return file;
+    }
+    return (texts.empty() ? file : texts[spot.text].name) + ":" + std::to_string(spot.line) + ":" +
+           std::to_string(spot.column);
 }
 
 void tellInexact(const std::string& file, const Document& document,
@@ -115,8 +123,8 @@ void tellInexact(const std::string& file, const Document& document,
                 continue;
             }
             const int64_t count = found->second.inexact;
-            tell(spotText(file, found->second.firstInexact) + ": " + visible(table->name) + "." +
-                 column.name + " has " + std::to_string(count) +
+            tell(spotText(file, found->second.firstInexact, document.texts()) + ": " +
+                 visible(table->name) + "." + column.name + " has " + std::to_string(count) +
                  (count == 1 ? " number that a double does not keep, here"
                              : " numbers that a double does not keep, the first here"));
         }
@@ -126,6 +134,20 @@ void tellInexact(const std::string& file, const Document& document,
         tell(file + ": " + std::to_string(more) +
              (more == 1 ? " more column has" : " more columns have") +
              " such numbers (tables --columns names them all, map --exact makes them CHARACTER)");
+    }
+}
+
+void tellSourceNames(const Document& document, const std::vector<const Table*>& tables,
+                     const std::string& name) {
+    std::vector<std::string> renamed;
+    for (const Table* table : tables) {
+        if (document.hasSourceColumn() && table->columns[0].name != name) {
+            renamed.push_back(visible(table->name) + "." + table->columns[0].name);
+        }
+    }
+    if (!renamed.empty()) {
+        tell("the column of file names has another name where " + name +
+             " is taken: " + firstOf(renamed));
     }
 }
 

@@ -25,8 +25,12 @@ std::string sharedNames(const std::vector<const Table*>& tables, Naming naming,
 // One line on a table that has the name of ALLDATA, in any case; empty: there is none.
 std::string hiddenAlldata(const std::vector<const Table*>& tables, const std::string& alldataName);
 
-// "FILE:3:14"; only FILE when the place is not known.
-std::string spotText(const std::string& file, Spot spot);
+// The beginning of a value, in quotes.
+std::string shortened(std::string_view text);
+
+// "FILE:3:14"; only FILE when the place is not known.  `texts`: of the document; of several the
+// place is in one of them.
+std::string spotText(const std::string& file, Spot spot, const std::vector<TextSource>& texts = {});
 
 // Which columns with numbers that a double does not keep are told.
 enum class Inexact {
@@ -39,6 +43,11 @@ enum class Inexact {
 // Tells such columns of `tables` on standard error: a line each with their count and first place.
 void tellInexact(const std::string& file, const Document& document,
                  const std::vector<const Table*>& tables, Inexact which);
+
+// Tells on standard error the tables whose column of file names is not called `name`, since another
+// column is; nothing when the document is not several texts.
+void tellSourceNames(const Document& document, const std::vector<const Table*>& tables,
+                     const std::string& name);
 
 // Columns of a table whose name an earlier one has, the first for each name.
 std::vector<Column> repeatedNames(const Table& table);

@@ -3,12 +3,14 @@
 
 #include "client/escape.h"
 #include "formats/writer.h"
+#include "tools/cli/reports/progress.h"
 
 #include <unistd.h>
 
 namespace qvej::cli {
 
 void tell(std::string_view line, std::string_view excerpt) {
+    Progress::eraseAny();
     std::string text = "qvejmap: " + shown(line) + "\n";
     text += excerpt;
     (void)writeAll(STDERR_FILENO, text.data(), text.size());  // there is no other place to tell it
@@ -21,6 +23,7 @@ void tellEach(const std::vector<std::string>& lines) {
 }
 
 void tellPlain(std::string_view line) {
+    Progress::eraseAny();
     const std::string text = shown(line) + "\n";
     (void)writeAll(STDERR_FILENO, text.data(), text.size());
 }

@@ -8,29 +8,42 @@
 #include "tools/cli/session.h"
 #include "tools/cli/verbs/verbs.h"
 
+#include <algorithm>
+
 namespace qvej::cli {
 
 namespace {
 
 void tellWellFormed(const Session& session) {
+    std::vector<std::string> names;
+    for (const TextSource& text : session.document().texts()) {
+        names.push_back(text.name);
+    }
+    if (names.empty()) {
+        names.push_back(session.name());
+    }
     Writer out = standardOutput();
-    out.append(shown(session.name()));
-    out.append(": well formed\n");
+    for (const std::string& name : names) {
+        out.append(shown(name));
+        out.append(": well formed\n");
+    }
     out.flush();
 }
 
 ExitCode checkAccount(const Options& options) {
     Account account;
+    ExitCode code = DONE;
     {
-        const Session session(options.reading, options.operands[0], options.map);
+        const Session session(options.reading, options.inputs, options.map);
         try {
             account = takeAccount(session.document(), each(session.document().tables()),
                                   options.retain, options.carry);
+            code = session.skipped().exitCode();
         } catch (const Error& error) {
             session.failReading(error);
         }
     }
-    return reportAccount(options, account);
+    return std::max(code, reportAccount(options, account));
 }
 
 }  // namespace
@@ -39,11 +52,11 @@ ExitCode runCheck(const Options& options) {
     if (options.account) {
         return checkAccount(options);
     }
-    const Session session(options.reading, options.operands[0]);
+    const Session session(options.reading, options.inputs);
     if (!options.quiet) {
         tellWellFormed(session);
     }
-    return DONE;
+    return session.skipped().exitCode();
 }
 
 }  // namespace qvej::cli

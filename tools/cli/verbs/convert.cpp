@@ -16,8 +16,10 @@
 #include "tools/cli/reports/remarks.h"
 #include "tools/cli/reports/schema_report.h"
 #include "tools/cli/reports/shape_report.h"
+#include "tools/cli/reports/skipped.h"
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"
+#include "tools/cli/verbs/folder_names.h"
 #include "tools/cli/verbs/verbs.h"
 
 #include <algorithm>
@@ -29,6 +31,12 @@ namespace {
 
 std::string counted(uint64_t count, const std::string& noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+uint64_t rowsOf(std::span<const PassItem> items) {
+    return static_cast<uint64_t>(
+        std::count_if(items.begin(), items.end(),
+                      [](const PassItem& item) { return item.kind == PassItem::ROW; }));
 }
 
 // `tables`: of the map, as chosen; ALLDATA comes besides.
@@ -43,19 +51,26 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
         schema = schemaOf(document, tables, options.retain, options.carry, options.threads,
                           options.schema);
     }
-    const Sources sources = sourcesOf(options.operands[0], options.map);
+    const Sources sources = sourcesOf(options.inputs.files, options.map);
     const std::unique_ptr<Destination> destination = makeDestination(options, sources);
     destination->open(tables, schema ? &*schema : nullptr);
     Rejects rejects(options.rejects, options.force, sources, destination.get());
+    rejects.takeLines(session.skipped());
     std::optional<SchemaBuilder> facts;
     if (!schema) {
-        facts.emplace(document, tables, options.schema);
+        SchemaOptions typesAndKeys = options.schema;
+        typesAndKeys.counts = false;
+        facts.emplace(document, tables, typesAndKeys);
     }
     TableOutputs outputs(
         document, tables, *destination,
         [&](const Table& table) { return rejects.handlerFor(table); }, facts ? &*facts : nullptr);
     TablePass pass(document, tables, options.retain, options.carry);
-    runPass(pass, options.threads, [&](std::span<const PassItem> items) { outputs.take(items); });
+    runPass(pass, options.threads, [&](std::span<const PassItem> items) {
+        outputs.take(items);
+        session.progress().addRows(rowsOf(items));
+    });
+    session.progress().erase();
     outputs.end();
     if (!schema) {
         schema = facts->end();
@@ -77,6 +92,9 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
     if (!shared.empty() && !options.quiet) {
         tell(shared);
     }
+    if (!options.quiet) {
+        tellSourceNames(document, tables, kSourceColumn);
+    }
     if (shapeMayHelp(options)) {
         tellShapeHint(document.tables());
     }
@@ -90,13 +108,14 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
         code = tellLost(session.name(), document, rowLossesOf(pass, tables), lost);
     }
     tellSharedNames(session.mapName(), tables, *options.format);
-    return std::max(code, rejects.tellAll());
+    return std::max({code, rejects.tellAll(), session.skipped().exitCode()});
 }
 
 ExitCode convertAndAccount(const Options& options, Account& account) {
     std::optional<cleanup::Output> output(
         shownOutput(options));  // for a signal while the document is read
-    const Session session(options.reading, options.operands[0], options.map);
+    const Session session(options.reading, options.inputs, options.map,
+                          {.keepBadLines = !options.rejects.empty()});
     output.reset();
     const std::vector<const Table*> tables = chosenTables(options, session.document().tables());
     if (session.map() != nullptr && !options.quiet) {
@@ -116,13 +135,51 @@ ExitCode convertAndAccount(const Options& options, Account& account) {
     }
 }
 
+ExitCode convertAll(const Options& options) {
+    Account account;
+    const ExitCode code = convertAndAccount(options, account);
+    return options.account ? std::max(code, reportAccount(options, account)) : code;
+}
+
+// What --per-file makes of the options: one for each input.
+std::vector<Options> optionsOfFiles(const Options& options) {
+    std::vector<Options> all;
+    const std::vector<std::string> names = folderNames(options.inputs.files);
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        Options& one = all.emplace_back(options);
+        one.operands = {options.inputs.files[i]};
+        one.inputs = {one.operands, false};
+        one.out += "/" + names[i];
+    }
+    return all;
+}
+
 }  // namespace
 
 ExitCode runConvert(const Options& options) {
     checkOutput(options);
-    Account account;
-    const ExitCode code = convertAndAccount(options, account);
-    return options.account ? std::max(code, reportAccount(options, account)) : code;
+    if (!options.perFile) {
+        return convertAll(options);
+    }
+    const std::vector<Options> files = optionsOfFiles(options);
+    for (const Options& file : files) {
+        checkOutput(file);
+    }
+    ExitCode code = DONE;
+    Skipped skipped;
+    bool good = false;
+    for (const Options& file : files) {
+        try {
+            code = std::max(code, convertAll(file));
+            good = true;
+        } catch (const AllBad& mistake) {
+            if (!good && &file == &files.back()) {
+                throw;
+            }
+            skipped.takeFile(mistake);
+        }
+    }
+    return std::max(code, skipped.exitCode());
 }
 
 }  // namespace qvej::cli

@@ -1,5 +1,6 @@
 // qvejmap find: where values of a document are, a line each: line, column, path and value,
-// separated by TABs.  Control characters and backslashes appear as JSON escapes.
+// separated by TABs, and before them the file, when there may be several.  Control characters and
+// backslashes appear as JSON escapes.
 //
 // Tested by tests/tool/golden/find.t
 #include "client/escape.h"
@@ -10,6 +11,7 @@
 #include "tools/cli/verbs/verbs.h"
 
 #include <charconv>
+#include <optional>
 #include <utility>
 
 namespace qvej::cli {
@@ -23,7 +25,12 @@ void writeNumber(Writer& out, int64_t number) {
     out.append(std::string_view(digits, std::to_chars(digits, std::end(digits), number).ptr));
 }
 
-void writeFound(Writer& out, const FoundValue& value) {
+// `file`: stands before the place; empty: it does not.
+void writeFound(Writer& out, const std::string& file, const FoundValue& value) {
+    if (!file.empty()) {
+        appendEscaped(out, file, CONTROLS | BACKSLASH);
+        out.put('\t');
+    }
     writeNumber(out, value.at.line);
     out.put('\t');
     writeNumber(out, value.at.column);
@@ -54,30 +61,54 @@ class PromptWalk final : public ValueWalk {
 
 ExitCode runFind(const Options& options) {
     const ValueTest test(options.value, options.regex, options.ignoreCase);
-    DocumentReader reader(ByteSource::file(options.operands[0]), options.reading.text);
     const Engine engine({.maxDepth = options.reading.depth});
     Writer out = standardOutput();
     uint64_t left = options.limit;
-    const auto take = [&](const FoundValue& value) {
-        if (left != 0) {
-            writeFound(out, value);
+    Skipped skipped;
+    const auto walkOver = [&](ByteSource source) {
+        DocumentReader reader(std::move(source), options.reading.text);
+        const auto take = [&](const FoundValue& value) {
+            if (left != 0) {
+                writeFound(out, options.inputs.several ? reader.name() : std::string(), value);
+            }
+            if (left <= 1) {
+                throw EnoughFound{};
+            }
+            --left;
+        };
+        PromptWalk walk(out, engine, reader.documentOptions(), options.paths, test, take);
+        try {
+            readText(options.reading, engine, reader, walk,
+                     [&](const BadLine& line) { skipped.takeLine(reader.name(), line); });
+        } catch (const Error& error) {
+            out.flush();
+            failReading(options.reading, reader, error);
         }
-        if (left <= 1) {
-            throw EnoughFound{};
-        }
-        --left;
     };
-    PromptWalk walk(out, engine, reader.documentOptions(), options.paths, test, take);
     try {
-        reader.read(walk);
+        bool good = false;
+        for (const std::string& name : options.inputs.files) {
+            if (!options.reading.skipBadFiles) {
+                walkOver(ByteSource::file(name));
+                continue;
+            }
+            RereadableFile file(name);
+            const std::optional<Error> mistake = mistakeOf(options.reading, engine, file);
+            if (!mistake) {
+                good = true;
+                walkOver(file.walk());
+            } else if (!good && &name == &options.inputs.files.back()) {
+                throw AllBad(*mistake);
+            } else {
+                skipped.takeFile(*mistake);
+            }
+        }
     } catch (const EnoughFound&) {
         // The matches that were asked for have been written.
-    } catch (const Error& error) {
-        out.flush();
-        failReading(options.reading, reader, error);
     }
     out.flush();
-    return DONE;
+    skipped.tellLines();
+    return skipped.exitCode();
 }
 
 }  // namespace qvej::cli

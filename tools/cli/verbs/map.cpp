@@ -126,11 +126,12 @@ std::string mapOf(const Session& session, const std::vector<const Table*>& table
 }  // namespace
 
 ExitCode runMap(const Options& options) {
-    const Sources sources = sourcesOf(options.operands[0], {});
+    const Sources sources = sourcesOf(options.inputs.files, {});
     checkMapOutput(options, sources);
     SeparatorWatch separators;
-    const Session session(options.reading, options.operands[0], {},
-                          {.observer = [&](std::string_view piece) { separators.take(piece); }});
+    const Session session(
+        options.reading, options.inputs, {},
+        {.observer = [&](std::string_view piece) { separators.take(piece); }, .sourceColumn = {}});
     const Document& document = session.document();
     const std::vector<const Table*> tables = chosenTables(options, document.tables());
     putMap(mapOf(session, tables, options), options, sources);
@@ -139,7 +140,7 @@ ExitCode runMap(const Options& options) {
     } catch (const Error& error) {
         session.failReading(error);
     }
-    return DONE;
+    return session.skipped().exitCode();
 }
 
 }  // namespace qvej::cli

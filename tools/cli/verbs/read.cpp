@@ -89,7 +89,8 @@ ExitCode runRead(const Options& options) {
     if (!options.rejects.empty()) {
         OutputFiles::checkFile(options.rejects, options.force, sources);
     }
-    const Session session(options.reading, options.operands[0], options.map);
+    const Session session(options.reading, options.operands[0], options.map,
+                          {.keepBadLines = !options.rejects.empty()});
     const Document& document = session.document();
     if (session.map() != nullptr && !options.quiet) {
         tellMapOddities(session.map()->name(), each(document.tables()));
@@ -105,6 +106,7 @@ ExitCode runRead(const Options& options) {
     }
     try {
         Rejects rejects(options.rejects, options.force, sources);
+        rejects.takeLines(session.skipped());
         if (!options.reading.debug.empty()) {
             noteReading(document, table, options);
         }
@@ -118,7 +120,7 @@ ExitCode runRead(const Options& options) {
             tellLost(session.name() + ": table " + visible(table.name), document, written.losses);
         tellSharedNames(session.mapName(), {&table}, *options.format);
         rejects.commit();
-        return std::max(code, rejects.tellAll());
+        return std::max({code, rejects.tellAll(), session.skipped().exitCode()});
     } catch (const Error& error) {
         session.failReading(error);
     }

@@ -68,7 +68,7 @@ ExitCode runRecords(const Options& options) {
             writeRecord(out, record, path);
         }
         out.flush();
-        return tellCutStrings(session);
+        return std::max(tellCutStrings(session), session.skipped().exitCode());
     } catch (const Error& error) {
         session.failReading(error);
     }

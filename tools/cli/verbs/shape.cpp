@@ -56,7 +56,7 @@ ExitCode runShape(const Options& options) {
     engineOptions.maxDepth = options.reading.depth;
     const Engine engine(engineOptions);
     RereadableFile file(options.operands[0]);
-    const FoundShape found = findShape(engine, file, options.reading);
+    const FoundShape found = findShape(engine, {&file, 1}, options.reading);
     if (!found.whole) {
         tellMistake(engine, file, options.reading);
     }

@@ -93,7 +93,7 @@ void putTables(const Options& options, const Session& session,
 }  // namespace
 
 ExitCode runTables(const Options& options) {
-    const Session session(options.reading, options.operands[0], options.map);
+    const Session session(options.reading, options.inputs, options.map);
     const Document& document = session.document();
     const std::vector<const Table*> tables = chosenTables(options, document.tables());
     if (session.map() != nullptr) {
@@ -111,6 +111,9 @@ ExitCode runTables(const Options& options) {
     if (!shared.empty() && !options.quiet) {
         tell(shared);
     }
+    if (!options.quiet) {
+        tellSourceNames(document, tables, kSourceColumn);
+    }
     if (shapeMayHelp(options)) {
         tellShapeHint(document.tables());
     }
@@ -118,7 +121,7 @@ ExitCode runTables(const Options& options) {
         tellChangedNames(session.name(), tables);
     }
     tellInexact(session.name(), document, tables, options.columns ? Inexact::ALL : Inexact::FIRST);
-    return DONE;
+    return session.skipped().exitCode();
 }
 
 }  // namespace qvej::cli

@@ -8,8 +8,8 @@ namespace qvej::cli {
 namespace {
 
 constexpr Verb kVerbs[] = {
-    {"tables", "FILE", "list the tables; on a terminal, as a tree", 1, 1, runTables},
-    {"map", "FILE [-o OUT]", "print the map of tables and columns as JSON", 1, 1, runMap},
+    {"tables", "FILE...", "list the tables; on a terminal, as a tree", 1, SIZE_MAX, runTables},
+    {"map", "FILE... [-o OUT]", "print the map of tables and columns as JSON", 1, SIZE_MAX, runMap},
     {"map check", "MAP [FILE]", "is a map well formed? does it fit FILE?", 1, 2, runMapCheck},
     {"map diff", "A B", "what one map has and another has not", 2, 2, runMapDiff},
     {"map merge", "A B... [-o OUT]", "one map of all tables and columns of several", 2, SIZE_MAX,
@@ -17,13 +17,14 @@ constexpr Verb kVerbs[] = {
     {"map explain", "FILE TABLE.COLUMN", "why a column is what it is, with places", 2, 2,
      runMapExplain},
     {"read", "FILE TABLE", "print the rows of a table (name, path, ALLDATA)", 2, 2, runRead},
-    {"convert", "FILE -o OUT", "write every table: files, SQLite, Parquet, ...", 1, 1, runConvert},
+    {"convert", "FILE... -o OUT", "write every table: files, SQLite, Parquet, ...", 1, SIZE_MAX,
+     runConvert},
     {"report", "FILE -o OUT", "one page of HTML: picture, columns, rows", 1, 1, runReport},
     {"diagram", "FILE [-o OUT]", "the tables and their keys as a picture", 1, 1, runDiagram},
-    {"find", "FILE", "where values are: line, column, path, value", 1, 1, runFind},
+    {"find", "FILE...", "where values are: line, column, path, value", 1, SIZE_MAX, runFind},
     {"records", "FILE", "print every record: kind, path, value", 1, 1, runRecords},
     {"shape", "FILE [-o OUT]", "print the shape that suits it, as rules", 1, 1, runShape},
-    {"check", "FILE", "is it well formed? --account: where values go", 1, 1, runCheck},
+    {"check", "FILE...", "is it well formed? --account: where values go", 1, SIZE_MAX, runCheck},
     {"completion", "bash|zsh|fish", "print the completion of a shell", 1, 1, runCompletion},
 };
 

@@ -29,6 +29,11 @@ struct FoundVerb {
 };
 FoundVerb findVerb(const std::vector<std::string>& words);
 
+// Are its operands the inputs of one document, as many as there are?
+[[nodiscard]] inline bool takesInputs(const Verb& verb) {
+    return verb.arguments.starts_with("FILE...");
+}
+
 // What help calls an operand, from 0.
 std::string operandName(const Verb& verb, std::size_t index);
 
