@@ -42,6 +42,9 @@ void StoreDestination::open(const std::vector<const Table*>& /*tables*/, const S
     std::string name = target_.text;
     if (grows) {
         refuseSource(name, sources_);
+    }
+    if (grows || !target_.file) {
+        cleanup_.emplace(withoutPassword(target_.text));
     } else if (target_.file) {
         files_.reset(new OutputFiles(OutputFiles::single(target_.text, force_, sources_)));
         name = files_->made(0);
@@ -64,20 +67,28 @@ void StoreDestination::end(const Schema& /*schema*/) {
 
 // A database is changed last: that cannot be taken back.
 std::vector<std::string> StoreDestination::commit(OutputFiles* with) {
-    if (files_ != nullptr) {
+    const auto last = [this] {
+        const cleanup::Hold hold;
         store_->commit();
+        remarks_ = store_->remarks();
         store_.reset();
+        if (cleanup_) {
+            cleanup_->setState(cleanup::Output::COMPLETE);
+        }
+    };
+    if (files_ != nullptr) {
+        last();
         return files_->commit(with);
     }
-    if (with == nullptr) {
-        store_->commit();
-        return {};
+    if (with != nullptr) {
+        return with->commit(nullptr, last);
     }
-    return with->commit(nullptr, [this] { store_->commit(); });
+    last();
+    return {};
 }
 
 std::vector<std::string> StoreDestination::remarks() const {
-    return store_->remarks();
+    return store_ == nullptr ? remarks_ : store_->remarks();
 }
 
 }  // namespace qvej
