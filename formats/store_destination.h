@@ -47,7 +47,7 @@ class StoreDestination final : public Destination {
     FormatOptions options_;
     bool force_;
     Sources sources_;
-    std::unique_ptr<OutputFiles> files_;  // of a new file, once it is open
+    std::unique_ptr<OutputFiles> files_;      // of a new file, once it is open
     std::optional<cleanup::Output> cleanup_;  // of a database or a file that grows: for a signal
     std::unique_ptr<Store> store_;            // while it is open
     std::vector<std::string> remarks_;        // of the store, when it is not any more
