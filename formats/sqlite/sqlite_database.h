@@ -24,6 +24,7 @@ class SqliteDatabase final : public Database {
    public:
     // `isNew`: the file goes away when anything fails, so that it needs no journal.
     SqliteDatabase(const std::string& file, std::string shownFile, bool isNew);
+    ~SqliteDatabase() override;
 
     [[nodiscard]] const DatabaseLimits& limits() const override;
     void run(const std::string& sql) override;

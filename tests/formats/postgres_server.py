@@ -45,7 +45,7 @@ class Server:
     def sql(self, text):
         """Rows of a query, or of none: lists of texts and None."""
         out = subprocess.run(["psql", self.address, "-X", "-q", "-A", "-t", "-v", "ON_ERROR_STOP=1", "-P", "null=\x01", "-F", "\x02", "-R", "\x03"],
-                             input=text, capture_output=True, text=True)
+                             input=text.encode(), capture_output=True)
         assert out.returncode == 0, (text, out.stderr)
-        rows = out.stdout.removesuffix("\n").split("\x03") if out.stdout.strip("\n") else []
+        rows = out.stdout.decode().removesuffix("\n").split("\x03") if out.stdout else []
         return [[None if cell == "\x01" else cell for cell in row.split("\x02")] for row in rows]
