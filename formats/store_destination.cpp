@@ -3,6 +3,8 @@
 
 #include "formats/module.h"
 
+#include <algorithm>
+#include <string_view>
 #include <sys/stat.h>
 #include <utility>
 
@@ -18,14 +20,23 @@ bool hasContent(const std::string& path) {
 }  // namespace
 
 std::string withoutPassword(const std::string& address) {
-    const std::size_t begin = address.find("://");
-    const std::size_t at = address.find('@', begin == std::string::npos ? 0 : begin + 3);
-    const std::size_t slash = begin == std::string::npos ? begin : address.find('/', begin + 3);
-    if (begin == std::string::npos || at == std::string::npos || at > slash) {
+    static constexpr std::string_view kOption = "password=";
+    const std::size_t scheme = address.find("://");
+    if (scheme == std::string::npos) {
         return address;
     }
-    const std::size_t colon = address.find(':', begin + 3);
-    return colon < at ? address.substr(0, colon) + address.substr(at) : address;
+    std::string shown = address;
+    const std::size_t begin = scheme + 3;
+    const std::size_t host = shown.find_first_of("@/?", begin);
+    const std::size_t colon = shown.find(':', begin);
+    if (host != std::string::npos && shown[host] == '@' && colon < host) {
+        shown.erase(colon, host - colon);
+    }
+    for (std::size_t at = 0; (at = shown.find(kOption, at)) != std::string::npos;) {
+        at += kOption.size();
+        shown.erase(at, std::min(shown.find('&', at), shown.size()) - at);
+    }
+    return shown;
 }
 
 StoreDestination::StoreDestination(StoreTarget target, const Format& format, FormatOptions options,

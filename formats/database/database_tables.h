@@ -4,7 +4,7 @@
 // Ordinals of rows that are appended go on after the greatest that the database has for the same
 // path, so that they name the new rows alone.
 //
-// Tested by tests/formats/databases.py and tests/tool/golden/outputs.t
+// Tested by tests/formats/databases.py and tests/tool/golden/databases.t
 #pragma once
 
 #include "formats/database/database.h"

@@ -4,7 +4,7 @@
 //
 // A size of -1 is null.  Integers have their highest byte first.
 //
-// Tested by tests/formats/copy_rows_test.cpp and tests/formats/conformance.py
+// Tested by tests/formats/databases.py
 #pragma once
 
 #include "client/row.h"

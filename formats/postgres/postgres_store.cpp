@@ -3,7 +3,7 @@
 // One connection copies rows to one table at a time, and the rows of all tables come in turn: so
 // each table's are kept, and go when there are enough of them.
 //
-// Tested by tests/formats/databases.py and tests/formats/conformance.py
+// Tested by tests/formats/databases.py
 #include "client/error.h"
 #include "formats/database/database_tables.h"
 #include "formats/module.h"

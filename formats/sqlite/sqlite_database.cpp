@@ -61,8 +61,8 @@ SqliteDatabase::SqliteDatabase(const std::string& file, std::string shownFile, b
     run("BEGIN IMMEDIATE");
 }
 
-// After a failed write the library leaves what was there in the journal, for the next that reads the
-// file: that is done here.
+// After a failed write the library leaves what was there in the journal, for the next that reads
+// the file: that is done here.
 SqliteDatabase::~SqliteDatabase() {
     for (const char* const sql : {"ROLLBACK", "SELECT 1 FROM sqlite_schema"}) {
         if (database_ != nullptr) {

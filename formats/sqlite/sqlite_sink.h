@@ -3,7 +3,7 @@
 // Several rows go with one statement, which is a third faster than one each: they are kept until
 // there are enough, with their texts.
 //
-// Tested by tests/formats/conformance.py
+// Tested by tests/formats/databases.py
 #pragma once
 
 #include "client/schema/typed_value.h"

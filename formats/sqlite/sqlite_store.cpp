@@ -1,7 +1,6 @@
 // All tables of a document in one SQLite file: a new one, or one that has others already.
 //
-// Tested by tests/tool/golden/outputs.t, tests/formats/databases.py and
-// tests/formats/conformance.py
+// Tested by tests/formats/databases.py and tests/tool/golden/databases.t
 #include "client/error.h"
 #include "formats/database/database_tables.h"
 #include "formats/module.h"
