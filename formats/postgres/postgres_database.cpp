@@ -4,7 +4,6 @@
 #include "client/error.h"
 #include "formats/postgres/copy_rows.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace qvej {
@@ -32,12 +31,14 @@ std::string fieldOf(const PGresult* result, int field) {
 }
 
 // The library's messages end with a line feed, and may have several lines.
-std::string oneLine(std::string text) {
-    while (!text.empty() && text.back() == '\n') {
-        text.pop_back();
+std::string oneLine(const std::string& text) {
+    std::string line;
+    for (const char c : text) {
+        if (c != '\n') {
+            line += c == '\t' ? ' ' : c;
+        }
     }
-    std::replace(text.begin(), text.end(), '\n', ' ');
-    return text;
+    return line;
 }
 
 }  // namespace
