@@ -291,7 +291,7 @@ def check_reading(make_database, count, real):
 
 def lines(first, count):
     return "".join(
-        json.dumps({"id": i, "v": i / 4, "who": {"name": f"n{i}"}, "items": [{"sku": f"s{i}-{k}"} for k in range(i % 3)]}) + "\n"
+        json.dumps({"items": [{"sku": f"s{i}-{k}"} for k in range(i % 3)], "id": i, "v": i / 4, "who": {"name": f"n{i}"}}) + "\n"
         for i in range(first, first + count))
 
 
@@ -358,6 +358,20 @@ def check_refusals(make_database):
     # A child without a parent, where the table demands one.
     said = convert(database, write("b.json", '[{"c":[{"n":1}]},{"c":[{"n":2}],"id":1}]'), "--append", "--table", "c", code=5)
     assert "foreign key" in said, said
+
+
+    # A row without what the table has as its primary key, by a map that has another ordinal last.
+    database = make_database("no key")
+    write("own.map", '{"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root/o","VARIABLES":'
+          '[{"NAME":"n","TYPE":"ORDINAL","PATH":"/root/o/i"},{"NAME":"a","TYPE":"NUMERIC","PATH":"/root/o/a"}]}]}')
+    convert(database, write("a.json", '{"o":[{"a":1,"i":{"x":1}},{"a":2,"i":{"x":1}}]}'), "--map", "own.map")
+    said = convert(database, write("b.json", '{"o":[{"a":1},{"a":2,"i":{"x":1}}]}'), "--map", "own.map", "--append", code=5)
+    assert "t.n is the primary key, and a row of the document has none" in said, said
+    # The dictionary says what the values are, of both documents.
+    if database.name == "sqlite":
+        database = make_database("no date any more")
+        convert(database, write("a.json", '{"a":"2024-02-29"}')), convert(database, write("b.json", '{"a":"soon"}'), "--append")
+        assert database.sql("SELECT type FROM qvejmap_columns WHERE column_name = 'a'") == [["TEXT"]]
 
 
 def check_names(database):
