@@ -304,7 +304,7 @@ def check_again(make_database):
     write("a.jsonl", lines(1, 5)), write("b.jsonl", lines(6, 7)), write("ab.jsonl", lines(1, 12))
     one, two = make_database("one go"), make_database("two goes")
     convert(one, "ab.jsonl"), convert(two, "a.jsonl")
-    assert "has a table root already (--replace" in convert(two, "b.jsonl", code=5)
+    assert "already (--replace makes it anew" in convert(two, "b.jsonl", code=5)
     convert(two, "b.jsonl", "--append")
     assert all_rows(one) == all_rows(two)
     assert database_facts(one) == database_facts(two)
