@@ -367,6 +367,13 @@ def check_refusals(make_database):
     convert(database, write("a.json", '{"o":[{"a":1,"i":{"x":1}},{"a":2,"i":{"x":1}}]}'), "--map", "own.map")
     said = convert(database, write("b.json", '{"o":[{"a":1},{"a":2,"i":{"x":1}}]}'), "--map", "own.map", "--append", code=5)
     assert "t.n is the primary key, and a row of the document has none" in said, said
+    # Ordinals that are no numbers there cannot go on.
+    database = make_database("ordinals as texts")
+    write("own.map", '{"DATASETS":[{"DSNAME":"o","TABLEPATH":"/root/o","VARIABLES":'
+          '[{"NAME":"ordinal_root","TYPE":"CHARACTER","PATH":"/root/o/x"},{"NAME":"ordinal_o","TYPE":"ORDINAL","PATH":"/root/o"}]}]}')
+    convert(database, write("a.json", '{"o":[{"x":"1"}]}'), "--map", "own.map")
+    said = convert(database, write("b.json", '{"o":[{}]}'), "--append", code=5)
+    assert "o.ordinal_root has the type" in said, said
     # The dictionary says what the values are, of both documents.
     if database.name == "sqlite":
         database = make_database("no date any more")
