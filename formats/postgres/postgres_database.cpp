@@ -4,6 +4,8 @@
 #include "client/error.h"
 #include "formats/postgres/copy_rows.h"
 
+#include <libpq-fe.h>
+
 #include <utility>
 
 namespace qvej {
@@ -43,6 +45,14 @@ std::string oneLine(const std::string& text) {
 
 }  // namespace
 
+void PostgresDatabase::Finish::operator()(pg_conn* connection) const {
+    PQfinish(connection);
+}
+
+void PostgresDatabase::Clear::operator()(pg_result* result) const {
+    PQclear(result);
+}
+
 PostgresDatabase::PostgresDatabase(const std::string& address, std::string shownAddress,
                                    const std::string& schema)
     : shownAddress_(std::move(shownAddress)), connection_(PQconnectdb(address.c_str())) {
@@ -80,7 +90,7 @@ const DatabaseLimits& PostgresDatabase::limits() const {
     return limits;
 }
 
-void PostgresDatabase::fail(const PGresult* result) const {
+void PostgresDatabase::fail(const pg_result* result) const {
     std::string sentence = fieldOf(result, PG_DIAG_MESSAGE_PRIMARY);
     for (const int more : {PG_DIAG_MESSAGE_DETAIL, PG_DIAG_MESSAGE_HINT}) {
         const std::string text = fieldOf(result, more);
@@ -91,7 +101,7 @@ void PostgresDatabase::fail(const PGresult* result) const {
                 shownAddress_);
 }
 
-PostgresDatabase::Result PostgresDatabase::take(Result result, ExecStatusType expected) {
+PostgresDatabase::Result PostgresDatabase::take(Result result, int expected) {
     if (PQresultStatus(result.get()) != expected) {
         fail(result.get());
     }

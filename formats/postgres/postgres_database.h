@@ -5,12 +5,14 @@
 
 #include "formats/database/database.h"
 
-#include <libpq-fe.h>
-
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
+
+// Of the library.
+struct pg_conn;
+struct pg_result;
 
 namespace qvej {
 
@@ -38,18 +40,18 @@ class PostgresDatabase final : public Database {
 
    private:
     struct Finish {
-        void operator()(PGconn* connection) const { PQfinish(connection); }
+        void operator()(pg_conn* connection) const;
     };
     struct Clear {
-        void operator()(PGresult* result) const { PQclear(result); }
+        void operator()(pg_result* result) const;
     };
-    using Result = std::unique_ptr<PGresult, Clear>;
+    using Result = std::unique_ptr<pg_result, Clear>;
 
-    Result take(Result result, ExecStatusType expected);
-    [[noreturn]] void fail(const PGresult* result) const;
+    Result take(Result result, int expected);
+    [[noreturn]] void fail(const pg_result* result) const;
 
     std::string shownAddress_;
-    std::unique_ptr<PGconn, Finish> connection_;
+    std::unique_ptr<pg_conn, Finish> connection_;
 };
 
 }  // namespace qvej
