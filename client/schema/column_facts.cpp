@@ -71,8 +71,9 @@ void ColumnFacts::takeNumber(const Cell& cell) {
             std::max(timeFraction_, static_cast<uint8_t>(instant ? fractionOf(number) : 0));
         return;
     }
-    const bool whole = number == std::trunc(number) && std::abs(number) <= kMostExact &&
-                       !(number == 0 && std::signbit(number));
+    const bool minusZero = number == 0 && std::signbit(number);
+    const bool whole = number == std::trunc(number) && std::abs(number) <= kMostExact && !minusZero;
+    flags_ |= minusZero ? MINUS_ZERO : 0;
     flags_ |= whole ? WHOLE : OTHER;
     whole_ = std::max<int64_t>(whole_, std::abs(number) < 10 ? 1 : kMostExactDigits);
     noteCount(0);

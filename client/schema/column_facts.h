@@ -64,6 +64,9 @@ class ColumnFacts {
     // Bytes of the longest text or number.
     [[nodiscard]] std::size_t longest() const { return longest_; }
 
+    // Is a number -0?  Few types but DOUBLE keep that.
+    [[nodiscard]] bool minusZero() const { return (flags_ & MINUS_ZERO) != 0; }
+
     // The type that keeps all values.  `dates` false: texts are never taken for dates.
     [[nodiscard]] DataType type(bool dates) const;
 

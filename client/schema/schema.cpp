@@ -97,6 +97,7 @@ Schema SchemaBuilder::end() const {
         TableSchema table = {tables_[t], of.rows};
         for (const ColumnFacts& facts : of.columns) {
             table.fields.push_back({facts.type(options_.dates), facts.filled(), facts.longest(),
+                                    facts.minusZero(),
                                     facts.looksLikeSeconds()        ? Field::SECONDS
                                     : facts.looksLikeMilliseconds() ? Field::MILLISECONDS
                                                                     : Field::NO_UNIX});

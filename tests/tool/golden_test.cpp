@@ -99,13 +99,13 @@ TEST_P(ToolGolden, PrintsWhatTheFileSays) {
 
 INSTANTIATE_TEST_SUITE_P(Files, ToolGolden,
                          testing::Values("account", "automap", "carry", "cells", "check", "choice",
-                                         "completion", "convert", "convert_again", "dictionary",
-                                         "damage", "encodings", "events", "find", "formats",
-                                         "input", "inputs", "interrupt", "map", "map_check",
-                                         "map_explain", "map_diff", "map_merge", "map_merge_parts",
-                                         "map_mistakes", "map_use", "naming", "notes", "pictures",
-                                         "read", "records", "report", "shape", "shapes", "spill",
-                                         "tables", "terminal", "usage"),
+                                         "completion", "convert", "convert_again", "databases",
+                                         "dictionary", "damage", "encodings", "events", "find",
+                                         "formats", "input", "inputs", "interrupt", "map",
+                                         "map_check", "map_explain", "map_diff", "map_merge",
+                                         "map_merge_parts", "map_mistakes", "map_use", "naming",
+                                         "notes", "pictures", "read", "records", "report", "shape",
+                                         "shapes", "spill", "tables", "terminal", "usage"),
                          [](const auto& file) { return file.param; });
 
 }  // namespace

@@ -1,0 +1,30 @@
+// See database.h.
+#include "formats/database/database.h"
+
+namespace qvej {
+
+namespace {
+
+std::string quoted(std::string_view text, char quote) {
+    std::string sql(1, quote);
+    for (const char c : text) {
+        if (c == '\0') {
+            sql += "\\u0000";  // no statement can have the byte
+        } else {
+            sql.append(c == quote ? 2 : 1, c);
+        }
+    }
+    return sql += quote;
+}
+
+}  // namespace
+
+std::string quotedName(std::string_view name) {
+    return quoted(name, '"');
+}
+
+std::string quotedText(std::string_view text) {
+    return quoted(text, '\'');
+}
+
+}  // namespace qvej

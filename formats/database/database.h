@@ -1,0 +1,71 @@
+// A database as the tables of a document need it: what it can hold, what it has, and statements.
+//
+// Tested by tests/formats/databases.py
+#pragma once
+
+#include "client/schema/schema.h"
+#include "formats/target_names.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qvej {
+
+// The text between double quotes, as SQL has names; between single quotes, as it has texts.
+[[nodiscard]] std::string quotedName(std::string_view name);
+[[nodiscard]] std::string quotedText(std::string_view text);
+
+struct DatabaseLimits {
+    std::string_view product;  // as messages call it
+    NameRules tableNames, columnNames;
+    std::size_t columns;  // of a table
+    std::size_t joined;   // tables of a view
+    bool emptyTables;     // a table may have no columns
+    bool laterKeys;       // keys can be made after the rows, and tables dropped together
+    bool fewTypes;        // a type of the database stands for several
+    std::string_view tableEnd;
+};
+
+// A table or anything else that has a name which no table can have then.
+struct DatabaseObject {
+    std::string name;
+    bool table;
+};
+
+struct DatabaseColumn {
+    std::string name;
+    std::string type;  // as `typeOf` names it
+    bool key;          // of the primary key, or a part of it
+};
+
+// All throw qvej::Error.
+class Database {
+   public:
+    using Rows = std::vector<std::vector<std::string>>;  // null is empty
+
+    Database() = default;
+    virtual ~Database() = default;
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    [[nodiscard]] virtual const DatabaseLimits& limits() const = 0;
+
+    virtual void run(const std::string& sql) = 0;
+    [[nodiscard]] virtual Rows query(const std::string& sql) = 0;
+
+    [[nodiscard]] virtual std::vector<DatabaseObject> objects() = 0;
+    [[nodiscard]] virtual std::vector<DatabaseColumn> columnsOf(const std::string& table) = 0;
+
+    // The type that keeps the values of a column, as the database names it.
+    [[nodiscard]] virtual std::string typeOf(const Field& field) const = 0;
+
+    // How cells are written to a column that is there: a type for `typed_value.h`.  Nothing: the
+    // column does not keep all of them.
+    [[nodiscard]] virtual std::optional<DataType> writtenAs(const Field& field,
+                                                            const std::string& type) const = 0;
+};
+
+}  // namespace qvej
