@@ -31,6 +31,12 @@ std::string counted(uint64_t count, const std::string& noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
+// Bytes of memory for what is on its way to files: no large part of --memory.
+std::size_t mostHeld(const Options& options) {
+    const std::size_t most = options.format->mostHeld;
+    return options.reading.memory ? std::min<std::size_t>(most, *options.reading.memory / 4) : most;
+}
+
 // `tables`: of the map, as chosen; ALLDATA comes besides.
 ExitCode convert(const Options& options, const Session& session, std::vector<const Table*> tables) {
     const Document& document = session.document();
@@ -52,7 +58,7 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
         facts.emplace(document, tables, options.schema);
     }
     TableOutputs outputs(
-        document, tables, *destination,
+        document, tables, *destination, mostHeld(options),
         [&](const Table& table) { return rejects.handlerFor(table); }, facts ? &*facts : nullptr);
     TablePass pass(document, tables, options.retain, options.carry);
     runPass(pass, options.threads, [&](std::span<const PassItem> items) { outputs.take(items); });
