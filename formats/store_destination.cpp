@@ -3,6 +3,8 @@
 
 #include "formats/module.h"
 
+#include <algorithm>
+#include <string_view>
 #include <sys/stat.h>
 #include <utility>
 
@@ -18,14 +20,23 @@ bool hasContent(const std::string& path) {
 }  // namespace
 
 std::string withoutPassword(const std::string& address) {
-    const std::size_t begin = address.find("://");
-    const std::size_t at = address.find('@', begin == std::string::npos ? 0 : begin + 3);
-    const std::size_t slash = begin == std::string::npos ? begin : address.find('/', begin + 3);
-    if (begin == std::string::npos || at == std::string::npos || at > slash) {
+    static constexpr std::string_view kOption = "password=";
+    const std::size_t scheme = address.find("://");
+    if (scheme == std::string::npos) {
         return address;
     }
-    const std::size_t colon = address.find(':', begin + 3);
-    return colon < at ? address.substr(0, colon) + address.substr(at) : address;
+    std::string shown = address;
+    const std::size_t begin = scheme + 3;
+    const std::size_t host = shown.find_first_of("@/?", begin);
+    const std::size_t colon = shown.find(':', begin);
+    if (host != std::string::npos && shown[host] == '@' && colon < host) {
+        shown.erase(colon, host - colon);
+    }
+    for (std::size_t at = 0; (at = shown.find(kOption, at)) != std::string::npos;) {
+        at += kOption.size();
+        shown.erase(at, std::min(shown.find('&', at), shown.size()) - at);
+    }
+    return shown;
 }
 
 StoreDestination::StoreDestination(StoreTarget target, const Format& format, FormatOptions options,
@@ -42,6 +53,9 @@ void StoreDestination::open(const std::vector<const Table*>& /*tables*/, const S
     std::string name = target_.text;
     if (grows) {
         refuseSource(name, sources_);
+    }
+    if (grows || !target_.file) {
+        cleanup_.emplace(withoutPassword(target_.text));
     } else if (target_.file) {
         files_.reset(new OutputFiles(OutputFiles::single(target_.text, force_, sources_)));
         name = files_->made(0);
@@ -64,20 +78,28 @@ void StoreDestination::end(const Schema& /*schema*/) {
 
 // A database is changed last: that cannot be taken back.
 std::vector<std::string> StoreDestination::commit(OutputFiles* with) {
-    if (files_ != nullptr) {
+    const auto last = [this] {
+        const cleanup::Hold hold;
         store_->commit();
+        remarks_ = store_->remarks();
         store_.reset();
+        if (cleanup_) {
+            cleanup_->setState(cleanup::Output::COMPLETE);
+        }
+    };
+    if (files_ != nullptr) {
+        last();
         return files_->commit(with);
     }
-    if (with == nullptr) {
-        store_->commit();
-        return {};
+    if (with != nullptr) {
+        return with->commit(nullptr, last);
     }
-    return with->commit(nullptr, [this] { store_->commit(); });
+    last();
+    return {};
 }
 
 std::vector<std::string> StoreDestination::remarks() const {
-    return store_->remarks();
+    return store_ == nullptr ? remarks_ : store_->remarks();
 }
 
 }  // namespace qvej

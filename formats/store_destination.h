@@ -6,13 +6,16 @@
 // Tested by tests/tool/golden/dictionary.t
 #pragma once
 
+#include "formats/cleanup.h"
 #include "formats/destination.h"
 #include "formats/formats.h"
 #include "formats/output_files.h"
 #include "formats/store.h"
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace qvej {
 
@@ -44,8 +47,10 @@ class StoreDestination final : public Destination {
     FormatOptions options_;
     bool force_;
     Sources sources_;
-    std::unique_ptr<OutputFiles> files_;  // of a new file, once it is open
-    std::unique_ptr<Store> store_;        // once it is open
+    std::unique_ptr<OutputFiles> files_;      // of a new file, once it is open
+    std::optional<cleanup::Output> cleanup_;  // of a database or a file that grows: for a signal
+    std::unique_ptr<Store> store_;            // while it is open
+    std::vector<std::string> remarks_;        // of the store, when it is not any more
 };
 
 }  // namespace qvej

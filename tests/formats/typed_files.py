@@ -1,4 +1,5 @@
-"""Files with types hold what the documents have: Parquet and Arrow, read back by pyarrow and DuckDB.
+"""Files with types hold what the documents have: Parquet and Arrow, read back by pyarrow and DuckDB, and
+XLSX, by openpyxl.
 
 What is expected follows from the NDJSON output of the same document: from its cells the types, by a model
 of its own, and the values.  Keys are compared with datapackage.json.
@@ -28,6 +29,7 @@ if sys.prefix != SOURCE + "/build/python":
     os.execv(PYTHON, [PYTHON, *sys.argv])
 
 import duckdb
+import openpyxl
 import pyarrow
 import pyarrow.ipc
 import pyarrow.parquet
@@ -167,11 +169,13 @@ def check_metadata(schema, resource, resources, number):
         assert own.get("qvejmap.key") == key, (own, listed, number)
 
 
-def check(document):
+def check(document, sheets=True):
     """Cells that were compared."""
     cells = 0
     with tempfile.TemporaryDirectory(dir=".") as place:
         texts = convert(document, place + "/ndjson", "--format", "ndjson")
+        if sheets:
+            check_sheets(document, place, texts)
         for form, read in READERS.items():
             resources = convert(document, place + "/" + form, "--format", form)
             assert [r["rows"] for r in resources] == [r["rows"] for r in texts]
@@ -192,10 +196,59 @@ def check(document):
     return cells
 
 
+FIRST_DAY = datetime.datetime(1900, 3, 1)  # of those that a sheet has
+ESCAPE = re.compile("_x([0-9A-Fa-f]{4})_")
+
+
+def sheet_cell(cell, kind, as_text):
+    """A cell as a sheet has it, by what openpyxl makes of that."""
+    if cell is None or cell == "":
+        return None
+    if as_text or pyarrow.types.is_string(kind):
+        return str(cell)
+    if pyarrow.types.is_int64(kind):
+        return int(cell)
+    if pyarrow.types.is_float64(kind):
+        return float(f"{float(cell):.16G}")
+    if pyarrow.types.is_boolean(kind):
+        return cell
+    if pyarrow.types.is_date32(kind):
+        moment = datetime.datetime.fromisoformat(cell)
+    else:
+        moment = datetime.datetime(1970, 1, 1) + datetime.timedelta(milliseconds=time_parts(cell)[0] // 10**6)
+    return moment if moment >= FIRST_DAY else cell
+
+
+def check_sheets(document, place, texts):
+    subprocess.run([TOOL, "convert", "-q", document, "-o", place + "/book.xlsx"], check=True, stderr=subprocess.DEVNULL)
+    book = openpyxl.load_workbook(place + "/book.xlsx")
+    contents = [row[0:4] for row in book["Contents"].iter_rows(min_row=2, max_row=1 + len(texts), values_only=True)]
+    assert [row[0] for row in contents] == [text["title"] for text in texts], contents
+    assert len(book.worksheets) == 1 + len(texts)
+    for text, (_, sheet, rows, _) in zip(texts, contents):
+        with open(f"{place}/ndjson/{text['path']}", newline="\n") as lines:
+            records = [json.loads(line, parse_int=Digits, parse_float=Digits) for line in lines]
+        assert rows == len(records) == book[sheet].max_row - 1, (document, sheet)
+        for number, column in enumerate(book[sheet].iter_cols(values_only=True)):
+            name = text["schema"]["fields"][number]["name"]
+            assert column[0] == name, (document, sheet)
+            cells = [record.get(name) for record in records]
+            values = [cell for cell in cells if cell is not None]
+            kind = type_of(values)
+            as_text = pyarrow.types.is_decimal(kind) or getattr(kind, "unit", "") in ("us", "ns") or \
+                (pyarrow.types.is_int64(kind) and not name.startswith("ordinal_") and max(map(len, values)) > 15)
+            for cell, read in zip(cells, column[1:], strict=True):
+                if isinstance(read, str):
+                    read = ESCAPE.sub(lambda found: chr(int(found[1], 16)), read)
+                expected = sheet_cell(cell, kind, as_text)
+                same = type(read) is type(expected) or {type(read), type(expected)} <= {int, float}
+                assert same and read == expected, (document, sheet, name, read, expected)
+
+
 NUMBERS = ["0", "7", "-12", "9007199254740993", "9223372036854775807", "9223372036854775808", "1.10", "1E5", "-2.5e-3",
            "-0", "1e400", "1e-999", "0.1000000000000000055511151231257827", "12345678901234567890.5", "0e99"]
-TEXTS = ["", " ", "null", "日本 🂡", "\u0000\u0001\uffff", "2024-02-30", "x" * 300]
-DATES = ["2024-02-29", "0001-01-01", "9999-12-31", "1969-12-31"]
+TEXTS = ["", " ", "null", "日本 🂡", "\u0000\u0001\uffff", "_x0041_ _x005F_", "=1+1", "http://a.b", "2024-02-30", "x" * 300]
+DATES = ["2024-02-29", "1900-02-28", "1900-03-01", "0001-01-01", "9999-12-31", "1969-12-31"]
 TIMES = ["2024-02-29T13:05", "1677-01-01T00:00:00", "2024-02-29T23:59:59.25", "1969-12-31T23:59:59.123456", "2024-02-29T00:00:00.123456789"]
 
 
@@ -224,7 +277,7 @@ with tempfile.TemporaryDirectory(prefix="qvejmap-typed-") as folder:
     # Several batches, a dictionary that grows too large, and a parent without a row.
     with open("large.json", "w") as file:
         file.write('{"r":[' + ",".join(f'{{"t":"{i * 7919:040}","n":{i % 97}}}' for i in range(120000)) + "]}")
-    assert check("large.json") > 400000
+    assert check("large.json", sheets=False) > 400000
     with open("orphan.json", "w") as file:
         file.write('{"orders":[{"id":1,"items":[{"a":1}]},{"items":[{"a":2}]}],"none":[]}')
     assert check("orphan.json") > 5
