@@ -267,6 +267,18 @@ def random_document(make):
     return '{"r":[' + ",".join(rows) + "]}"
 
 
+def check_row_groups(make):
+    """Row groups end when memory is short, and hold the same rows."""
+    with open("r.json", "w") as file:
+        file.write('{"r":[' + ",".join(f'{{"t":"{make.getrandbits(640):x}","n":{i}}}' for i in range(250000)) + "]}")
+    convert("r.json", "whole", "--format", "arrow")
+    convert("r.json", "parts", "--format", "parquet", "--memory", "128M")
+    metadata = pyarrow.parquet.ParquetFile("parts/r.parquet").metadata
+    groups = [metadata.row_group(i).num_rows for i in range(metadata.num_row_groups)]
+    assert 1 < len(groups) < 9 and min(groups) > 0, groups
+    assert pyarrow.parquet.read_table("parts/r.parquet").equals(read_arrow("whole/r.arrow"))
+
+
 with tempfile.TemporaryDirectory(prefix="qvejmap-typed-") as folder:
     os.chdir(folder)
     make = random.Random(20240302)
@@ -278,6 +290,7 @@ with tempfile.TemporaryDirectory(prefix="qvejmap-typed-") as folder:
     with open("large.json", "w") as file:
         file.write('{"r":[' + ",".join(f'{{"t":"{i * 7919:040}","n":{i % 97}}}' for i in range(120000)) + "]}")
     assert check("large.json", sheets=False) > 400000
+    check_row_groups(make)
     with open("orphan.json", "w") as file:
         file.write('{"orders":[{"id":1,"items":[{"a":1}]},{"items":[{"a":2}]}],"none":[]}')
     assert check("orphan.json") > 5

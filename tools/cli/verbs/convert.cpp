@@ -34,7 +34,7 @@ std::string counted(uint64_t count, const std::string& noun) {
 // Bytes of memory for what is on its way to files: no large part of --memory.
 std::size_t mostHeld(const Options& options) {
     const std::size_t most = options.format->mostHeld;
-    return options.reading.memory ? std::min<std::size_t>(most, *options.reading.memory / 4) : most;
+    return options.reading.memory ? std::min<std::size_t>(most, *options.reading.memory / 8) : most;
 }
 
 // `tables`: of the map, as chosen; ALLDATA comes besides.
