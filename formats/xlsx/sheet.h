@@ -3,7 +3,7 @@
 // A text is never taken for a formula, a link or a number.  The library keeps each row in a file of
 // the sheet's own until the workbook is closed.
 //
-// Tested by tests/formats/xlsx_test.sh and tests/formats/typed_files.py
+// Tested by tests/formats/full_disk.py and tests/formats/typed_files.py
 #pragma once
 
 #include <xlsxwriter.h>

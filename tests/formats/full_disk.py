@@ -31,10 +31,11 @@ def limited(size):
     return lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (size, size))
 
 
-def check(output, document):
-    command = [TOOL, "convert", "-q", "--table", "r", document, "-o"]
+def check(output, *arguments):
+    command = [TOOL, "convert", "-q", *arguments, "-o"]
     subprocess.run([*command, "good" + output], check=True)
     good = contents("good" + output)
+    os.remove("good" + output)
     outcomes = set()
     for size in SIZES:
         # As the parent does, the child ignores the signal of the limit and sees the failure.
@@ -54,8 +55,12 @@ with tempfile.TemporaryDirectory(prefix="qvejmap-full-") as place:
     os.chdir(place)
     with open("r.json", "w") as file:
         file.write('{"r":[' + ",".join(f'{{"id":{i},"text":"{i * 104729 % 99991} {i * 7919}"}}' for i in range(1500)) + "]}")
+    # The workbook is larger than what is kept for any of its sheets.
+    with open("many.json", "w") as file:
+        file.write("{" + ",".join(f'"t{i}":[{{"v":{i}}}]' for i in range(150)) + "}")
+    check(".xlsx", "many.json")
     for ending, module in OUTPUTS.items():
         if os.path.exists(f"{os.path.dirname(TOOL)}/qvejmap_to_{module}.so"):
-            check(ending, "r.json")
+            check(ending, "r.json", "--table", "r")
         else:
             print(f"{ending} left out: there is no module {module}")

@@ -279,6 +279,14 @@ def check_row_groups(make):
     assert pyarrow.parquet.read_table("parts/r.parquet").equals(read_arrow("whole/r.arrow"))
 
 
+def check_page():
+    """The line of docs/FORMATS.md that reads Parquet."""
+    convert(SOURCE + "/examples/orders.json", "out", "--format", "parquet")
+    with open(SOURCE + "/docs/FORMATS.md") as page:
+        line, = [line for line in page if line.startswith("duckdb.sql(")]
+    assert sorted(eval(line).fetchall())[:3] == [(1001, "desk"), (1001, "lamp"), (1002, "chair")]
+
+
 with tempfile.TemporaryDirectory(prefix="qvejmap-typed-") as folder:
     os.chdir(folder)
     make = random.Random(20240302)
@@ -291,6 +299,7 @@ with tempfile.TemporaryDirectory(prefix="qvejmap-typed-") as folder:
         file.write('{"r":[' + ",".join(f'{{"t":"{i * 7919:040}","n":{i % 97}}}' for i in range(120000)) + "]}")
     assert check("large.json", sheets=False) > 400000
     check_row_groups(make)
+    check_page()
     with open("orphan.json", "w") as file:
         file.write('{"orders":[{"id":1,"items":[{"a":1}]},{"items":[{"a":2}]}],"none":[]}')
     assert check("orphan.json") > 5
