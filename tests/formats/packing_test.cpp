@@ -6,6 +6,8 @@
 #include <zlib.h>
 #include <zstd.h>
 
+#include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -71,7 +73,11 @@ Unpacked unzstd(const std::string& bytes) {
 }
 
 TEST(Packing, ReadsBackAsOneTextWhereverItWasReleased) {
-    const std::string large(300000, 'x');
+    // Does not get smaller, so that the end of it fills the room for output more than once.
+    std::string large;
+    for (uint32_t number = 1; large.size() < 300000; number = number * 1664525 + 1013904223) {
+        large += static_cast<char>(number >> 24);
+    }
     const struct {
         const char* name;
         std::vector<std::string> pieces;  // "" releases

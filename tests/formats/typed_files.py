@@ -279,6 +279,20 @@ def check_row_groups(make):
     assert pyarrow.parquet.read_table("parts/r.parquet").equals(read_arrow("whole/r.arrow"))
 
 
+def check_limits():
+    """What a sheet has no room for is told with the name of its table, and names are fitted."""
+    with open("wide.json", "w") as file:
+        file.write('{"wide":[{' + ",".join(f'"c{i}":1' for i in range(16384)) + "}]}")
+    run = subprocess.run([TOOL, "convert", "wide.json", "-o", "wide.xlsx"], capture_output=True, text=True)
+    assert run.returncode == 5 and "table wide has 16386 columns" in run.stderr, run.stderr
+    assert not os.path.exists("wide.xlsx")
+    with open("names.json", "w") as file:
+        file.write('{"Contents":[{"a":1}],"history":[{"a":1}],"it\'s [a]":[{"a":1}],"' + "n" * 40 + '":[{"a":1}]}')
+    subprocess.run([TOOL, "convert", "-q", "names.json", "-o", "names.xlsx", "--naming", "original"], check=True,
+                   stderr=subprocess.DEVNULL)
+    assert openpyxl.load_workbook("names.xlsx").sheetnames == ["Contents", "Contents~2", "history~2", "it_s _a_", "n" * 31]
+
+
 def check_page():
     """The line of docs/FORMATS.md that reads Parquet."""
     convert(SOURCE + "/examples/orders.json", "out", "--format", "parquet")
@@ -300,6 +314,7 @@ with tempfile.TemporaryDirectory(prefix="qvejmap-typed-") as folder:
     assert check("large.json", sheets=False) > 400000
     check_row_groups(make)
     check_page()
+    check_limits()
     with open("orphan.json", "w") as file:
         file.write('{"orders":[{"id":1,"items":[{"a":1}]},{"items":[{"a":2}]}],"none":[]}')
     assert check("orphan.json") > 5
