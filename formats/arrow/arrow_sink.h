@@ -1,7 +1,7 @@
 // What the sinks of Parquet and Arrow share: rows are collected until they are worth encoding, and
 // the file ends with the last row of the table, so that few of many files are open at a time.
 //
-// Tested by tests/formats/conformance.py
+// Tested by tests/formats/typed_files.py
 #pragma once
 
 #include "formats/arrow/arrow_stream.h"

@@ -1,6 +1,6 @@
 // What Apache Arrow writes goes to a Writer, and what fails there or in the library is thrown.
 //
-// Tested by tests/formats/conformance.py and tests/tool/outputs_test.sh
+// Tested by tests/formats/typed_files.py and tests/formats/full_disk.py
 #pragma once
 
 #include "formats/writer.h"

@@ -12,7 +12,7 @@
 //     qvejmap.parent       the table that its rows belong to, qvejmap.parent_column the ordinal
 //     here qvejmap.foreign_key  the same ordinal, when every row has its row there
 //
-// Tested by tests/formats/conformance.py
+// Tested by tests/formats/typed_files.py
 #pragma once
 
 #include "client/schema/schema.h"

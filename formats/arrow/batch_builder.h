@@ -1,6 +1,6 @@
 // Collects rows of one table as columns of Arrow.
 //
-// Tested by tests/formats/conformance.py
+// Tested by tests/formats/typed_files.py
 #pragma once
 
 #include "client/schema/schema.h"

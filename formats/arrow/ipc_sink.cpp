@@ -3,7 +3,7 @@
 // Texts are plain, not in a dictionary: the format cannot go back from one, and a type should not
 // depend on how many texts differ.
 //
-// Tested by tests/formats/conformance.py
+// Tested by tests/formats/typed_files.py
 #include "formats/arrow/arrow_sink.h"
 
 #include <arrow/ipc/writer.h>

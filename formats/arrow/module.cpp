@@ -1,6 +1,6 @@
 // The module `arrow`: formats parquet and arrow.
 //
-// Tested by tests/formats/conformance.py
+// Tested by tests/formats/typed_files.py
 #include "formats/module.h"
 
 #include "formats/arrow/arrow_sink.h"

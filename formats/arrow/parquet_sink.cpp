@@ -3,7 +3,7 @@
 // Texts go by a dictionary, until it gets large; whole numbers, dates and times as differences.
 // A row group is encoded on all threads and kept in memory until it is complete.
 //
-// Tested by tests/formats/conformance.py
+// Tested by tests/formats/typed_files.py
 #include "formats/arrow/arrow_sink.h"
 
 #include <parquet/arrow/writer.h>
