@@ -17,4 +17,6 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "libicu-dev, libzstd-dev, pkg-config, zlib1g-dev")
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)  # for packages of programs that link to libqvhost
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+# Without the module for Arrow, whose library no package of Debian has.
+set(CPACK_INSTALL_CMAKE_PROJECTS "${PROJECT_BINARY_DIR};qvejmap;Unspecified;/")
 include(CPack)

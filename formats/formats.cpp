@@ -9,6 +9,9 @@ namespace {
 
 constexpr std::string_view kTwiceInHeader = "the header has it more than once";
 
+// Row groups are in memory until they are complete, and good ones are large.
+constexpr std::size_t kOfRowGroups = std::size_t{128} << 20;
+
 constexpr Format kFormats[] = {
     {"csv", "csv", false, kTwiceInHeader, false, {}, makeCsvSink, false},
     {"tsv", "tsv", false, kTwiceInHeader, false, {}, makeTsvSink, false},
@@ -21,7 +24,7 @@ constexpr Format kFormats[] = {
      makeNdjsonSink,
      false},
     {"sqlite", "sqlite", true, {}, true, "sqlite", nullptr, true},
-    {"parquet", "parquet", true, {}, true, "arrow", nullptr, false},
+    {"parquet", "parquet", true, {}, true, "arrow", nullptr, false, kOfRowGroups},
     {"arrow", "arrow", true, {}, true, "arrow", nullptr, false},
     {"postgres", {}, true, {}, true, "postgres", nullptr, true},
     {"xlsx", "xlsx", true, {}, true, "xlsx", nullptr, true},

@@ -52,6 +52,8 @@ struct Format {
     std::unique_ptr<Sink> (*make)(Writer out, const SinkParms& parms);
     bool store;  // all tables are in one file or database
 
+    std::size_t mostHeld = std::size_t{32} << 20;  // bytes of memory that all sinks may take
+
     // Can rows be printed?
     [[nodiscard]] bool text() const { return make != nullptr; }
 };

@@ -7,7 +7,6 @@ namespace qvej {
 
 namespace {
 
-constexpr std::size_t kMostHeld = std::size_t{32} << 20;  // bytes, by all sinks
 constexpr std::size_t kItemsAhead = 6;
 
 // The texts are in the records, which the other thread has read: this one's cache lacks them.
@@ -20,10 +19,12 @@ void prefetchTexts(const PassItem& item) {
 }  // namespace
 
 TableOutputs::TableOutputs(const Document& document, const std::vector<const Table*>& tables,
-                           Destination& destination, RejectsOf rejectsOf, SchemaBuilder* facts)
+                           Destination& destination, std::size_t mostHeld, RejectsOf rejectsOf,
+                           SchemaBuilder* facts)
     : document_(document),
       tables_(tables),
       destination_(destination),
+      mostHeld_(mostHeld),
       rejectsOf_(std::move(rejectsOf)),
       outputs_(tables.size()),
       facts_(facts) {}
@@ -57,8 +58,8 @@ void TableOutputs::writeRow(std::size_t table, Output& output) {
     }
     output.sink->row(output.row);
     count(output);
-    if (held_ > kMostHeld) {
-        flushAll();
+    if (held_ > mostHeld_) {
+        flushLarge();
     }
 }
 
@@ -68,9 +69,12 @@ void TableOutputs::count(Output& output) {
     output.held = held;
 }
 
-void TableOutputs::flushAll() {
+// Those that hold at least half of an equal share: what is left is less than half of the limit, and
+// small tables need not be written piece by piece.
+void TableOutputs::flushLarge() {
+    const std::size_t least = mostHeld_ / outputs_.size() / 2;
     for (const std::unique_ptr<Output>& output : outputs_) {
-        if (output != nullptr) {
+        if (output != nullptr && output->held >= least) {
             output->sink->flush();
             count(*output);
         }

@@ -19,10 +19,12 @@ class TableOutputs {
     // What takes the rejected values of a table.
     using RejectsOf = std::function<RejectHandler(const Table&)>;
 
-    // `destination` is open for these tables.  `facts` sees each row; null: the schema is known.
-    // All must outlive this object.
+    // `destination` is open for these tables; `mostHeld` bytes of memory are for its sinks, of
+    // which some are flushed when they take more.  `facts` sees each row; null: the schema is
+    // known.  All must outlive this object.
     TableOutputs(const Document& document, const std::vector<const Table*>& tables,
-                 Destination& destination, RejectsOf rejectsOf, SchemaBuilder* facts);
+                 Destination& destination, std::size_t mostHeld, RejectsOf rejectsOf,
+                 SchemaBuilder* facts);
 
     // Takes items of a pass over the tables.  Throws Error.
     void take(std::span<const PassItem> items);
@@ -41,11 +43,12 @@ class TableOutputs {
     Output& outputOf(std::size_t table);
     void writeRow(std::size_t table, Output& output);
     void count(Output& output);
-    void flushAll();
+    void flushLarge();
 
     const Document& document_;
     const std::vector<const Table*>& tables_;
     Destination& destination_;
+    std::size_t mostHeld_;
     RejectsOf rejectsOf_;
     std::vector<std::unique_ptr<Output>> outputs_;
     SchemaBuilder* facts_;

@@ -18,15 +18,16 @@ struct Log {
     std::size_t most = 0;
 };
 
-// Holds 10 MiB for each row.
+// Holds 10 MiB for each row, for one of x_c 1 MiB.
 class HoldingSink final : public qvej::Sink {
    public:
     HoldingSink(Log& log, std::string name) : log_(log), name_(std::move(name)) {
         log_.calls += "made " + name_ + "\n";
     }
     void row(const qvej::PassRow& /*row*/) override {
-        held_ += 10 * kMiB;
-        log_.held += 10 * kMiB;
+        const std::size_t size = name_ == "x_c" ? kMiB : 10 * kMiB;
+        held_ += size;
+        log_.held += size;
         log_.most = std::max(log_.most, log_.held);
     }
     void end() override { log_.calls += "end " + name_ + "\n"; }
@@ -64,9 +65,9 @@ class Holding final : public qvej::Destination {
     std::vector<const qvej::Table*> tables_;
 };
 
-TEST(TableOutputs, ASinkIsMadeWithItsFirstRowAndFlushedWhenAllHoldTooMuch) {
+TEST(TableOutputs, ASinkIsMadeWithItsFirstRowAndLargeOnesFlushedWhenAllHoldTooMuch) {
     const jmap::test::ReadDocument read(
-        R"({"":1,"x":[{"b":{"v":1}},{"a":{"v":1}},{"b":{"v":2}},{"a":{"v":2}},{"a":{"v":3}}]})");
+        R"({"":1,"x":[{"b":{"v":1}},{"c":{"v":1}},{"a":{"v":1}},{"b":{"v":2}},{"a":{"v":2}},{"a":{"v":3}}]})");
     const qvej::Document& document = read.document;
     const std::vector<const qvej::Table*> tables = read.tables();
     Log log;
@@ -74,21 +75,22 @@ TEST(TableOutputs, ASinkIsMadeWithItsFirstRowAndFlushedWhenAllHoldTooMuch) {
     destination.open(tables, nullptr);
     qvej::SchemaBuilder facts(document, tables, {});
     qvej::TableOutputs outputs(
-        document, tables, destination, [](const qvej::Table& /*table*/) { return nullptr; },
-        &facts);
+        document, tables, destination, 32 * kMiB,
+        [](const qvej::Table& /*table*/) { return nullptr; }, &facts);
     qvej::TablePass pass(document, tables);
     for (qvej::PassItem item; pass.next(item);) {
         outputs.take({&item, 1});
     }
-    EXPECT_EQ(log.calls, "made x_b\nmade x_a\nflush x_b 20\nflush x_a 20\n");
-    EXPECT_EQ(log.most, 40 * kMiB);
+    EXPECT_EQ(log.calls, "made x_b\nmade x_c\nmade x_a\nflush x_b 20\nflush x_a 20\n");
+    EXPECT_EQ(log.most, 41 * kMiB);
     log.calls.clear();
     outputs.end();
-    EXPECT_EQ(log.calls, "made \nend \nend x_b\nend x_a\n");
+    EXPECT_EQ(log.calls, "made \nend \nend x_b\nend x_c\nend x_a\n");
     const qvej::Schema schema = facts.end();
     EXPECT_EQ(schema.tables[0].rows, 0U);
     EXPECT_EQ(schema.tables[1].rows, 2U);
-    EXPECT_EQ(schema.tables[2].rows, 3U);
+    EXPECT_EQ(schema.tables[2].rows, 1U);
+    EXPECT_EQ(schema.tables[3].rows, 3U);
 }
 
 }  // namespace

@@ -12,7 +12,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kFlags = " -fsyntax-only -Wall -Wextra -Wpedantic -Werror -I" JMAP_SOURCE_DIR
-                               "/include -I" JMAP_SOURCE_DIR "/src -I" JMAP_SOURCE_DIR;
+                               "/include -I" JMAP_SOURCE_DIR "/src -I" JMAP_SOURCE_DIR
+                               " -isystem " JMAP_SOURCE_DIR "/build/arrow/include";
 
 TEST(Headers, CompileAlone) {
     constexpr struct {
@@ -30,7 +31,11 @@ TEST(Headers, CompileAlone) {
              fs::recursive_directory_iterator(fs::path(JMAP_SOURCE_DIR) / c.folder)) {
             if (entry.path().extension() == ".h") {
                 const std::string source = scratchFile(c.source);
-                std::ofstream(source) << "#include " << entry.path() << "\nint unused_;\n";
+                // The library of formats/arrow need not be there.
+                const bool arrow = entry.path().parent_path().filename() == "arrow";
+                std::ofstream(source)
+                    << "#if " << (arrow ? "__has_include(<arrow/api.h>)" : "1") << "\n#include "
+                    << entry.path() << "\n#endif\nint unused_;\n";
                 command += " " + source;
             }
         }

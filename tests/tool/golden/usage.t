@@ -13,8 +13,8 @@ $ qvejmap --help
     map explain FILE TABLE.COLUMN  why a column is what it is, with places
     read FILE TABLE                print the rows of a table (name, path, ALLDATA)
     convert FILE... -o OUT         write every table: files, SQLite, Parquet, ...
-    report FILE -o OUT             one page of HTML: picture, columns, rows
-    diagram FILE [-o OUT]          the tables and their keys as a picture
+    report FILE... -o OUT          one page of HTML: picture, columns, rows
+    diagram FILE... [-o OUT]       the tables and their keys as a picture
     find FILE...                   where values are: line, column, path, value
     records FILE                   print every record: kind, path, value
     shape FILE [-o OUT]            print the shape that suits it, as rules

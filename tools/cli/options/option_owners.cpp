@@ -17,7 +17,8 @@ constexpr std::string_view kShapers =
 
 // Those that walk through its text at least.
 constexpr std::string_view kWalkers =
-    "tables, map, map check, map explain, read, convert, report, diagram, find, records, shape, check";
+    "tables, map, map check, map explain, read, convert, report, diagram, find, records, shape, "
+    "check";
 
 constexpr Owner kOwners[] = {
     {"--names", "tables"},
@@ -57,8 +58,8 @@ constexpr Owner kOwners[] = {
     {"--naming", "tables, read, convert, report, diagram"},
     {"--force", "map, map merge, shape, read, convert, report, diagram"},
     {"--lines", kWalkers},
-    {"--skip-bad-lines", "tables, map, read, convert, find, records, check"},
-    {"--skip-bad-files", "tables, map, convert, find, check"},
+    {"--skip-bad-lines", "tables, map, read, convert, report, diagram, find, records, check"},
+    {"--skip-bad-files", "tables, map, convert, report, diagram, find, check"},
     {"--encoding", kWalkers},
     {"--invalid", kWalkers},
     {"--depth", kWalkers},

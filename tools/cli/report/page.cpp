@@ -105,15 +105,21 @@ std::string valueText(const std::string& text) {
     return text.empty() ? tag("span", "empty", ofClass("soft")) : tag("bdi", markup(text));
 }
 
+// "a.json:"; whoever gets the page has no use for the folder.
+std::string withoutFolder(const std::string& file) {
+    return file.empty() ? "" : file.substr(file.rfind('/') + 1) + ":";
+}
+
 std::string examplesOf(const ColumnDetails& details) {
     std::string items;
     for (const Example& example : details.examples) {
-        const std::string at = example.place.line == 0
-                                   ? ""
-                                   : tag("span",
-                                         std::to_string(example.place.line) + ":" +
-                                             std::to_string(example.place.column),
-                                         " class=\"place\" title=\"line and column\"");
+        const std::string at =
+            example.place.line == 0
+                ? ""
+                : tag("span",
+                      markup(withoutFolder(example.file)) + std::to_string(example.place.line) +
+                          ":" + std::to_string(example.place.column),
+                      " class=\"place\" title=\"line and column\"");
         items += tag("li", valueText(example.text) + " " + at);
     }
     return items.empty() ? "" : tag("ul", items, ofClass("examples"));

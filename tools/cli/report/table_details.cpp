@@ -193,7 +193,8 @@ std::vector<Wanted> wantedOf(const PathStatistics& path) {
     }
     const bool isNew = std::none_of(wanted.begin(), wanted.end(), [&](const Wanted& one) {
         return one.example.place.line == path.longestAt.line &&
-               one.example.place.column == path.longestAt.column;
+               one.example.place.column == path.longestAt.column &&
+               one.example.place.text == path.longestAt.text;
     });
     if (isNew && wanted.size() < kMostExamples) {
         wanted.push_back({0, path.longest, {{}, path.longestAt}});
@@ -223,6 +224,9 @@ void findExamples(const Document& document, Examples& examples, std::size_t long
                 (wanted.size < 0 || wanted.size == static_cast<int64_t>(record.value.size()))) {
                 wanted.found = true;
                 wanted.example.text = shortened(record.value, longest);
+                if (!document.texts().empty()) {
+                    wanted.example.file = document.texts()[wanted.example.place.text].name;
+                }
             }
         }
     }

@@ -24,6 +24,7 @@ inline constexpr std::size_t kMostExamples = 3;
 struct Example {
     std::string text;
     Spot place;
+    std::string file = {};  // of several; else empty
 };
 
 struct ColumnDetails {

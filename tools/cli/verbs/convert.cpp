@@ -39,6 +39,12 @@ uint64_t rowsOf(std::span<const PassItem> items) {
                       [](const PassItem& item) { return item.kind == PassItem::ROW; }));
 }
 
+// Bytes of memory for what is on its way to files: no large part of --memory.
+std::size_t mostHeld(const Options& options) {
+    const std::size_t most = options.format->mostHeld;
+    return options.reading.memory ? std::min<std::size_t>(most, *options.reading.memory / 8) : most;
+}
+
 // `tables`: of the map, as chosen; ALLDATA comes besides.
 ExitCode convert(const Options& options, const Session& session, std::vector<const Table*> tables) {
     const Document& document = session.document();
@@ -63,7 +69,7 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
         facts.emplace(document, tables, typesAndKeys);
     }
     TableOutputs outputs(
-        document, tables, *destination,
+        document, tables, *destination, mostHeld(options),
         [&](const Table& table) { return rejects.handlerFor(table); }, facts ? &*facts : nullptr);
     TablePass pass(document, tables, options.retain, options.carry);
     runPass(pass, options.threads, [&](std::span<const PassItem> items) {

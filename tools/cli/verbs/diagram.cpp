@@ -38,9 +38,9 @@ std::string pictureOf(const Diagram& diagram, PictureFormat format) {
 }  // namespace
 
 ExitCode runDiagram(const Options& options) {
-    const Sources sources = sourcesOf(options.operands[0], options.map);
+    const Sources sources = sourcesOf(options.inputs.files, options.map);
     checkTextOutput(options, sources);
-    const Session session(options.reading, options.operands[0], options.map);
+    const Session session(options.reading, options.inputs, options.map);
     const Document& document = session.document();
     const std::vector<const Table*> tables = chosenTables(options, document.tables());
     if (session.map() != nullptr && !options.quiet) {

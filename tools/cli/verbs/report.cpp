@@ -23,10 +23,17 @@ namespace {
 
 constexpr std::size_t kMostDetailed = 300;
 
-std::optional<uint64_t> sizeOf(const std::string& file) {
-    struct stat found = {};
-    const bool isFile = file != "-" && ::stat(file.c_str(), &found) == 0 && S_ISREG(found.st_mode);
-    return isFile ? std::optional(static_cast<uint64_t>(found.st_size)) : std::nullopt;
+// Of all files; nothing when one is no file.
+std::optional<uint64_t> sizeOf(const std::vector<std::string>& files) {
+    uint64_t size = 0;
+    for (const std::string& file : files) {
+        struct stat found = {};
+        if (file == "-" || ::stat(file.c_str(), &found) != 0 || !S_ISREG(found.st_mode)) {
+            return std::nullopt;
+        }
+        size += static_cast<uint64_t>(found.st_size);
+    }
+    return size;
 }
 
 std::string now() {
@@ -42,7 +49,7 @@ ReportFacts factsOf(const Options& options, const Session& session) {
     const std::string& name = session.name();
     // Whoever gets the page has no use for the folder.
     ReportFacts facts = {name.substr(name.rfind('/') + 1),
-                         sizeOf(options.operands[0]),
+                         sizeOf(options.inputs.files),
                          document.totals().values,
                          now(),
                          {}};
@@ -105,13 +112,13 @@ ReportPage pageOf(const Options& options, const Session& session, Survey& survey
 }  // namespace
 
 ExitCode runReport(const Options& options) {
-    const Sources sources = sourcesOf(options.operands[0], options.map);
+    const Sources sources = sourcesOf(options.inputs.files, options.map);
     checkTextOutput(options, sources);
     Survey survey;
     Account account;
     std::optional<ReportPage> page;
     {
-        const Session session(options.reading, options.operands[0], options.map);
+        const Session session(options.reading, options.inputs, options.map);
         page.emplace(pageOf(options, session, survey, account));
     }
     page->putAccount(textOf(options, account));
