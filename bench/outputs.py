@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Times `qvejmap convert` into each format beside others that write the same format from the same JSON.
 
-    bench/outputs.py TOOL ORDERS.json SCRATCH [RUNS]
+    bench/outputs.py TOOL ORDERS.json SCRATCH [RUNS [FORMAT...]]
 
 $JMAP_PEERS_PYTHON is a Python with the packages of scripts/bench.  Wall and processor time in
 seconds and peak resident memory in MB of 1,000,000 bytes: medians of RUNS (default 3) in turn.
@@ -36,7 +36,8 @@ def main():
     listed = [line.split() for line in subprocess.check_output([*peers, "--list"], text=True).splitlines()]
     out = os.path.join(scratch, "outputs")
     print(f"{'':26}{'wall':>8}{'processor':>11}{'peak MB':>9}")
-    for form, target in TARGETS.items():
+    for form in sys.argv[5:] or TARGETS:
+        target = TARGETS[form]
         commands = {"qvejmap": [tool, "convert", "-q", document, "--format", form, "-o", f"{out}/{target}"]}
         for peer, its, version in listed:
             if its == form:

@@ -28,8 +28,8 @@ struct FormatModule {
 // are.
 [[nodiscard]] const char* formatBuild();
 
-// The module of that name; it stays loaded.  Throws Error (QV_IO_...): it is not there, with what to
-// do, or it is of another build.
+// The module of that name; it stays loaded.  Throws Error (QV_IO_...): it is not there, with what
+// to do, or it is of another build.
 [[nodiscard]] const FormatModule& formatModule(std::string_view name);
 
 }  // namespace qvej

@@ -14,7 +14,6 @@
 namespace qvej {
 namespace {
 
-
 class Gzip : public Decompressor {
    public:
     Gzip() {

@@ -48,8 +48,9 @@ SqliteDatabase::SqliteDatabase(const std::string& file, std::string shownFile, b
     : shownFile_(std::move(shownFile)) {
     sqlite3* database = nullptr;
     // With "./", no name means anything else to the library.
-    const int code = sqlite3_open_v2((file.starts_with('/') ? file : "./" + file).c_str(),
-                                     &database, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+    const int code =
+        sqlite3_open_v2((file.starts_with('/') ? file : "./" + file).c_str(), &database,
+                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
     database_.reset(database);
     check(code);
     check(sqlite3_extended_result_codes(database, 1));

@@ -131,10 +131,11 @@ std::string formatChoices(std::string_view verb) {
 
 void declareOutputOptions(CLI::App& app, RawOutput& raw, Options& options) {
     const std::string group = "Output";
-    app.add_option("--format", raw.format,
-                   "read: what rows are written as (default: csv); convert: what rows are written "
-                   "as (default: by OUT, else csv); tables: one JSON object, for programs; diagram: "
-                   "kind of picture (default: by OUT, else svg)")
+    app.add_option(
+           "--format", raw.format,
+           "read: what rows are written as (default: csv); convert: what rows are written "
+           "as (default: by OUT, else csv); tables: one JSON object, for programs; diagram: "
+           "kind of picture (default: by OUT, else svg)")
         ->type_name(formatChoices({}))
         ->group(group);
     app.add_option("--null", raw.null,
