@@ -8,6 +8,8 @@ it, up to the next command or the end of the block, are what it prints on both o
 carriage returns and without empty lines at the end.  A line "..." stands for any lines.  The commands
 of a page run one after the other in a new folder that holds a copy of examples/.
 
+What needs Parquet or DuckDB is left out, with a line, where these are not there.
+
 QVEJMAP_REFRESH=1 writes what is printed into the pages, but where a "..." stands.
 """
 
@@ -20,6 +22,9 @@ import sys
 import tempfile
 
 TOOL, SOURCE = map(os.path.abspath, sys.argv[1:3])
+PYTHON = SOURCE + "/build/python/bin/python3"  # by scripts/test-python
+# Commands of these words need these files.
+NEEDS = {"parquet": os.path.dirname(TOOL) + "/qvejmap_to_arrow.so", "duckdb": PYTHON}
 
 
 def without_end(lines):
@@ -57,11 +62,18 @@ def check(page):
         shutil.copytree(SOURCE + "/examples", folder + "/here/examples")
         os.mkdir(folder + "/bin")
         os.symlink(TOOL, folder + "/bin/qvejmap")
+        if os.path.exists(PYTHON):
+            with open(folder + "/bin/python3", "w", opener=lambda path, how: os.open(path, how, 0o755)) as wrapper:
+                wrapper.write(f'#!/bin/sh\nexec "{PYTHON}" "$@"\n')
         found_cases = list(cases(lines))
         assert found_cases, page + " shows no command"
         for at, body, end in found_cases:
             command = "\n".join(line[2:] for line in lines[at:body])
             shown = without_end(lines[body:end])
+            missing = [file for word, file in NEEDS.items() if word in command and not os.path.exists(file)]
+            if missing:
+                print(f"{page}:{at + 1}: left out, there is no {missing[0]}")
+                continue
             found = printed(command, folder)
             if not agree(shown, found):
                 good = False
