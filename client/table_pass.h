@@ -115,14 +115,17 @@ class PassRow final : public CellValues {
     // A number in a numeric column, or a text there that is one, is DIGITS unless the column has a
     // format or an informat; a boolean is BOOLEAN where all of the column are, else 1 or 0.  A text
     // lives until the next item is taken.
-    [[nodiscard]] Cell cell(std::size_t column) const override {
+    [[nodiscard]] Cell cell(std::size_t column) const override { return at(column); }
+
+    // The same in the caller's own code, for loops over all cells.
+    [[nodiscard]] [[gnu::always_inline]] Cell at(std::size_t column) const {
         const PassCell& cell = cells_[column];
         if (cell.kind == JMAP_CELL_MISSING) {
             return {};
         }
-        const Place& at = place(column);
-        if (at.converted != nullptr) {
-            return converted(at, cell);
+        const Place& place = this->place(column);
+        if (place.converted != nullptr) {
+            return converted(place, cell);
         }
         if (cell.kind == JMAP_CELL_COUNT) {
             return {Cell::COUNT, 0, {}, cell.count};
@@ -130,7 +133,7 @@ class PassRow final : public CellValues {
         if (cell.kind == JMAP_KIND_NULL) {
             return {Cell::NUL};
         }
-        return at.numeric ? number(at, cell) : character(column, at, cell);
+        return place.numeric ? number(place, cell) : character(column, place, cell);
     }
 
     // Rows completed so far.

@@ -33,7 +33,7 @@ class CsvSink final : public TextSink {
 
     void row(const PassRow& row) override {
         for (std::size_t i = 0; i < counts_.size(); ++i) {
-            write(row.cell(i), counts_[i]);
+            write(row.at(i), counts_[i]);
         }
         endLine();
     }

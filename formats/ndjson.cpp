@@ -35,7 +35,7 @@ class NdjsonSink final : public TextSink {
     void row(const PassRow& row) override {
         bool first = true;
         for (std::size_t i = 0; i < members_.size(); ++i) {
-            const Cell cell = row.cell(i);
+            const Cell cell = row.at(i);
             if (cell.kind != Cell::MISSING) {
                 const std::string_view head = members_[i].head;
                 put(first ? "{" : ",");

@@ -69,7 +69,7 @@ void SchemaBuilder::findParents() {
 void SchemaBuilder::takeOpen(OfTable& of, const PassRow& row) {
     bool settled = false;
     for (const std::size_t c : of.open) {
-        of.columns[c].take(row.cell(c));
+        of.columns[c].take(row.at(c));
         settled |= of.columns[c].settled();
     }
     if (settled && !options_.counts) {
