@@ -68,7 +68,8 @@ def in_sqlite(document, columns):
     convert(document, "tables.db")
     with sqlite3.connect("tables.db") as database:
         for name, values in columns.items():
-            counts = ", ".join(f'count("{value}")' for value in values)
+            # In brackets: in quotes, a column that is not there would be a text.
+            counts = ", ".join(f"count([{value}])" for value in values)
             yield sum(database.execute(f'select {counts} from "{name}"').fetchone()) if values else 0
 
 
