@@ -8,6 +8,7 @@ namespace qvej {
 namespace {
 
 constexpr std::string_view kTwiceInHeader = "the header has it more than once";
+constexpr std::string_view kNumbered = "files have the later ones as NAME~2 and so on";
 
 // Row groups are in memory until they are complete, and good ones are large.
 constexpr std::size_t kOfRowGroups = std::size_t{128} << 20;
@@ -24,10 +25,10 @@ constexpr Format kFormats[] = {
      makeNdjsonSink,
      false},
     {"sqlite", "sqlite", true, {}, true, "sqlite", nullptr, true},
-    {"parquet", "parquet", true, {}, true, "arrow", nullptr, false, kOfRowGroups},
-    {"arrow", "arrow", true, {}, true, "arrow", nullptr, false},
+    {"parquet", "parquet", true, kNumbered, true, "arrow", nullptr, false, kOfRowGroups},
+    {"arrow", "arrow", true, kNumbered, true, "arrow", nullptr, false},
     {"postgres", {}, true, {}, true, "postgres", nullptr, true},
-    {"xlsx", "xlsx", true, {}, true, "xlsx", nullptr, true},
+    {"xlsx", "xlsx", true, kTwiceInHeader, true, "xlsx", nullptr, true},
 };
 
 }  // namespace

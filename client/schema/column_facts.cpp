@@ -6,19 +6,12 @@
 namespace qvej {
 namespace {
 
-constexpr double kMicroseconds = 1e6;
 constexpr double kMostExact = 9007199254740992;  // 2^53: whole numbers up to it are all doubles
 constexpr int64_t kMostExactDigits = 16;
 constexpr int kNanoDigits = 9;
 
-// Instants are microseconds since 1970, whatever they came from.
-bool isInstant(double seconds) {
-    const double micros = std::round(seconds * kMicroseconds);
-    return std::abs(micros) <= kMostExact && micros / kMicroseconds == seconds;
-}
-
-int fractionOf(double seconds) {
-    const auto micros = static_cast<int64_t>(std::llround(seconds * kMicroseconds));
+// Digits after the second that microseconds need.
+uint8_t fractionOf(int64_t micros) {
     return micros % 1000000 == 0 ? 0 : micros % 1000 == 0 ? 3 : 6;
 }
 
@@ -65,10 +58,9 @@ void ColumnFacts::takeNumber(const Cell& cell) {
     }
     const double number = cell.number;
     if (unix_ != NO_UNIX) {
-        const bool instant = isInstant(number);
-        flags_ |= instant ? INSTANT : NO_INSTANT;
-        timeFraction_ =
-            std::max(timeFraction_, static_cast<uint8_t>(instant ? fractionOf(number) : 0));
+        const std::optional<int64_t> micros = microsecondsOf(number);
+        flags_ |= micros ? INSTANT : NO_INSTANT;
+        timeFraction_ = std::max(timeFraction_, micros ? fractionOf(*micros) : uint8_t{0});
         return;
     }
     const bool minusZero = number == 0 && std::signbit(number);

@@ -2,6 +2,7 @@
 #include "client/schema/iso_time.h"
 
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 
 namespace qvej {
@@ -136,6 +137,23 @@ std::optional<int64_t> unitsSince1970(const IsoTime& time, int digits) {
         return std::nullopt;
     }
     return units;
+}
+
+std::optional<int64_t> microsecondsOf(double seconds) {
+    constexpr double kFirst = -62167219200;
+    constexpr double kEnd = 253402300800;
+    if (!(seconds >= kFirst && seconds < kEnd)) {
+        return std::nullopt;
+    }
+    // In the largest unit that has it: the number of these is exact, and so is what follows from
+    // it.
+    for (const int64_t units : {int64_t{1}, kPowers[3], kPowers[6]}) {
+        const double count = std::round(seconds * static_cast<double>(units));
+        if (count / static_cast<double>(units) == seconds) {
+            return static_cast<int64_t>(count) * (kPowers[6] / units);
+        }
+    }
+    return std::nullopt;
 }
 
 std::string isoText(int64_t unitsSince1970, int digits) {

@@ -31,6 +31,10 @@ struct IsoTime {
 // nothing when 64 bits have no room for the number.
 [[nodiscard]] std::optional<int64_t> unitsSince1970(const IsoTime& time, int digits);
 
+// Of seconds since 1970, as microseconds; nothing when they are not exact, or outside the years 0
+// to 9999.
+[[nodiscard]] std::optional<int64_t> microsecondsOf(double seconds);
+
 // The instant as ISO 8601 has it: "2024-02-29T13:05:00.250Z" of 3 digits.
 [[nodiscard]] std::string isoText(int64_t unitsSince1970, int digits);
 

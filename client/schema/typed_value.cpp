@@ -4,7 +4,6 @@
 #include "client/schema/iso_time.h"
 
 #include <charconv>
-#include <cmath>
 
 namespace qvej {
 namespace {
@@ -14,7 +13,7 @@ constexpr int64_t kPowers[] = {1,      10,      100,      1000,      10000,
 
 // Times that come from numbers are exact to the microsecond.
 int64_t unitsOfSeconds(double seconds, int digits) {
-    const auto micros = static_cast<int64_t>(std::llround(seconds * 1e6));
+    const int64_t micros = *microsecondsOf(seconds);
     return digits >= 6 ? micros * kPowers[digits - 6] : micros / kPowers[6 - digits];
 }
 

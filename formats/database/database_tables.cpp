@@ -41,8 +41,10 @@ void DatabaseTables::make() {
         nameColumns(t);
     }
     findDictionary();
+    checkReplaced();
     if (parms_.options.existing == FormatOptions::APPEND) {
         for (std::size_t t = 0; t < tables_.size(); ++t) {
+            checkPath(t);
             if (tables_[t].there) {
                 checkAppended(t);
             }
@@ -189,6 +191,41 @@ void DatabaseTables::findDictionary() {
         }
     }
     dictionary_.name(names[0], there[0], names[1], there[1]);
+}
+
+// Tables that belong together are replaced together: the rows of one name rows of the other.
+void DatabaseTables::checkReplaced() {
+    const auto isReplaced = [&](const std::string& name) {
+        return std::any_of(replaced_.begin(), replaced_.end(),
+                           [&](std::size_t t) { return key(tables_[t].name) == key(name); });
+    };
+    if (replaced_.empty()) {
+        return;
+    }
+    for (const Dictionary::Earlier& earlier : dictionary_.tables()) {
+        if (!earlier.parent.empty() && isReplaced(earlier.name) != isReplaced(earlier.parent)) {
+            refuse("rows of " + shownName(earlier.name) + " belong to rows of " +
+                   shownName(earlier.parent) + ": --replace must make both anew");
+        }
+    }
+}
+
+// Names of the automatic map depend on what else is in a document, so the path tells which table
+// of the database the rows are of.
+void DatabaseTables::checkPath(std::size_t table) {
+    const std::string& name = tables_[table].name;
+    const std::string path = Dictionary::pathOf(*schema_.tables[table].table);
+    for (const Dictionary::Earlier& earlier : dictionary_.tables()) {
+        if (path.empty() || earlier.path.empty() ||
+            (earlier.path == path) == (key(earlier.name) == key(name))) {
+            continue;
+        }
+        refuse(earlier.path == path
+                   ? "the table of " + path + " is called " + shownName(earlier.name) +
+                         " there, and " + shownName(name) + " here (--map gives names that stay)"
+                   : shownName(name) + " there is the table of " + earlier.path + ", and here of " +
+                         path + " (--map gives names that stay)");
+    }
 }
 
 // Are the columns of the document there, do they keep its values, and its key the rows?

@@ -61,6 +61,8 @@ class DatabaseTables {
     void noteChanges(const FittedNames& fitted, const std::vector<std::string>& names,
                      const std::string& table);
     void findDictionary();
+    void checkReplaced();
+    void checkPath(std::size_t table);
     void checkAppended(std::size_t table);
     void shiftOrdinals();
     void dropReplaced();

@@ -67,10 +67,21 @@ void Dictionary::loadEarlier() {
     }
     if (tablesThere_) {
         for (std::vector<std::string>& row :
-             database_.query("SELECT table_name, joined FROM " + tables_)) {
-            views_[row[0]] = std::move(row[1]);
+             database_.query("SELECT table_name, joined, path, parent FROM " + tables_)) {
+            earlier_.push_back(
+                {std::move(row[0]), std::move(row[1]), std::move(row[2]), std::move(row[3])});
         }
     }
+}
+
+std::string Dictionary::pathOf(const Table& table) {
+    const std::string path = table.objectPath();
+    return withSlashes(path.empty() ? table.path() : path);
+}
+
+const std::vector<Dictionary::Earlier>& Dictionary::tables() {
+    loadEarlier();
+    return earlier_;
 }
 
 std::vector<Dictionary::Ordinal> Dictionary::ordinalsOf(std::string_view path) {
@@ -81,8 +92,9 @@ std::vector<Dictionary::Ordinal> Dictionary::ordinalsOf(std::string_view path) {
 
 std::optional<std::string> Dictionary::viewOf(const std::string& table) {
     loadEarlier();
-    const auto found = views_.find(table);
-    return found == views_.end() ? std::nullopt : std::optional(found->second);
+    const auto found = std::find_if(earlier_.begin(), earlier_.end(),
+                                    [&](const Earlier& one) { return one.name == table; });
+    return found == earlier_.end() ? std::nullopt : std::optional(found->view);
 }
 
 void Dictionary::write(const Schema& schema, const std::vector<TargetTable>& tables) {
@@ -135,8 +147,7 @@ void Dictionary::addTable(const Schema& schema, const std::vector<TargetTable>& 
     const TargetTable& target = tables[table];
     const bool below = of.parent.has_value();
     put(rows,
-        {quotedText(target.name), textOrNull(withSlashes(of.table->path())),
-         quotedText(of.table->name),
+        {quotedText(target.name), textOrNull(pathOf(*of.table)), quotedText(of.table->name),
          target.there ? "(SELECT count(*) FROM " + quotedName(target.name) + ")"
                       : std::to_string(of.rows),
          below ? quotedText(tables[of.parent->table].name) : "NULL",

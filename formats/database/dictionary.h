@@ -29,6 +29,15 @@ class Dictionary {
         std::string table, column;
     };
 
+    // A table of an earlier run.
+    struct Earlier {
+        std::string name, view, path, parent;  // empty: there is none
+    };
+
+    // What it calls the path of a table: that of its objects, which a table of ordinals alone has
+    // another path for.
+    [[nodiscard]] static std::string pathOf(const Table& table);
+
     explicit Dictionary(Database& database) : database_(database) {}
 
     // Was it made by an earlier run: the first of the two, or the second?
@@ -41,6 +50,7 @@ class Dictionary {
     // What earlier runs say: the columns that count the rows of a path; the view of a table, empty
     // when it has none, nothing when the table is not known.
     [[nodiscard]] std::vector<Ordinal> ordinalsOf(std::string_view path);
+    [[nodiscard]] const std::vector<Earlier>& tables();
     [[nodiscard]] std::optional<std::string> viewOf(const std::string& table);
 
     // Says what the tables are, once they have their rows.
@@ -68,7 +78,7 @@ class Dictionary {
     std::string tables_, columns_;  // in quotes
     bool tablesThere_ = false, columnsThere_ = false, loaded_ = false;
     std::unordered_map<std::string, std::vector<Ordinal>> ordinals_;  // by path
-    std::unordered_map<std::string, std::string> views_;              // by table
+    std::vector<Earlier> earlier_;
 };
 
 }  // namespace qvej

@@ -17,11 +17,11 @@ constexpr double kDaysTo1970 = 25569;  // of a sheet, from its day 0
 constexpr double kFirstDay = 61;       // 1900-03-01; sheets have a 1900-02-29 before it
 constexpr double kMillisOfDay = 86400e3;
 
-// The library writes 16 digits.
-bool isKept(double number) {
+// As the library writes it, with 16 digits.
+double written(double number) {
     char text[32];
     (void)std::snprintf(text, sizeof text, "%.16G", number);
-    return std::strtod(text, nullptr) == number;
+    return std::strtod(text, nullptr);
 }
 
 }  // namespace
@@ -73,7 +73,11 @@ void SheetSink::put(std::size_t column, const Cell& cell) {
             putNumber(column, static_cast<double>(bigintOf(cell)));
             break;
         case DataType::DOUBLE:
-            putNumber(column, doubleOf(cell));
+            if (const double number = doubleOf(cell); std::isfinite(written(number))) {
+                putNumber(column, number);
+            } else {  // or its digits would be too large for a double
+                sheet_.text(column, textOf(cell, type, buffer_));
+            }
             break;
         case DataType::DATE:
             putDate(column, cell, daysOf(cell), sheet_.looks().date);
@@ -89,7 +93,7 @@ void SheetSink::put(std::size_t column, const Cell& cell) {
 }
 
 void SheetSink::putNumber(std::size_t column, double number) {
-    if (!isKept(number)) {
+    if (written(number) != number) {
         losses_.rounded.insert(table_.table->name + "." + names_[column]);
     }
     sheet_.number(column, number);

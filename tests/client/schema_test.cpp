@@ -135,6 +135,9 @@ TEST(ColumnFacts, UnixTimesOfAMapAreInstants) {
               "-1=1969-12-31T23:59:59.999Z");
     EXPECT_EQ(typed("1709211900.000001", true, "unix"),
               "TIMESTAMP(6) UTC: 1709211900000001=2024-02-29T13:05:00.000001Z");
+    EXPECT_EQ(typed("9100000000 -62135596800.5", true, "unix"),
+              "TIMESTAMP(3) UTC: 9100000000000=2258-05-15T01:46:40.000Z "
+              "-62135596800500=0000-12-31T23:59:59.500Z");
     EXPECT_EQ(typed("0.0000001", true, "unix").substr(0, 6), "DOUBLE");
 }
 

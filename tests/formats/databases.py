@@ -360,6 +360,26 @@ def check_refusals(make_database):
     assert "foreign key" in said, said
 
 
+    # The same name, but of another path; the same path under another name.
+    for first, second, words in [
+        ('{"p":{"x":{"i":[{"v":1}]}}}', '{"x":{"i":[{"v":2}]}}', "x_i there is the table of /root/p/x/i, and here of /root/x/i"),
+        ('{"p":{"x":{"i":[{"v":1}]}},"x":{"i":[{"v":2}]}}', '{"x":{"i":[{"v":2}]}}', "x_i"),
+        ('{"o":[{"a":1}]}', '{"O":[{"a":1}]}', "of /root/o, and here of /root/O" if database.name == "sqlite" else None),
+    ]:
+        database = make_database("path " + first)
+        convert(database, write("a.json", first))
+        before = all_rows(database)
+        if words is not None:
+            said = convert(database, write("b.json", second), "--append", code=5)
+            assert words in said and all_rows(database) == before, said
+    # Tables that belong together are replaced together.
+    database = make_database("replaced together")
+    convert(database, write("a.json", '{"o":[{"id":1,"i":[{"s":"a"}]},{"id":2}]}'))
+    before = all_rows(database)
+    for part in "o", "o_i":
+        said = convert(database, "a.json", "--replace", "--table", part, code=5)
+        assert "rows of o_i belong to rows of o" in said and all_rows(database) == before, said
+    convert(database, "a.json", "--replace")
     # A row without what the table has as its primary key, by a map that has another ordinal last.
     database = make_database("no key")
     write("own.map", '{"DATASETS":[{"DSNAME":"t","TABLEPATH":"/root/o","VARIABLES":'

@@ -66,3 +66,8 @@ $ qvejmap read sep.json root --format sqlite; qvejmap convert sep.json -o x --fo
 ! qvejmap: --format: 'excel' is none of csv, tsv, ndjson, sqlite, parquet, arrow, postgres, xlsx (qvejmap --help tells more)
 ! qvejmap: --null: xlsx has a null of its own (qvejmap --help tells more)
 ? 2
+$ qvejmap convert sep.json -o x.DB --append --force; qvejmap convert sep.json -o postgres://h/d --schema ''; qvejmap convert sep.json -o postgres://h/d --schema $(printf 's%.0s' $(seq 64))
+! qvejmap: --append changes a database, and --force replaces the whole file: they exclude each other (qvejmap --help tells more)
+! qvejmap: --schema: a name has 1 to 63 bytes (qvejmap --help tells more)
+! qvejmap: --schema: a name has 1 to 63 bytes (qvejmap --help tells more)
+? 2

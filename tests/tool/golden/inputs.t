@@ -261,7 +261,7 @@ $ printf 'x\n{"id":1}\n' | qvejmap read - root --skip-bad-lines --lines
 ! qvejmap: 1 line skipped: <stdin>:1:1: not a JSON word: only true, false and null stand unquoted: "x"
 ? 1
 $ printf '{"a":1}\n{"a":1x}\n' | qvejmap map explain - root.a --skip-bad-lines
-! qvejmap: --skip-bad-lines belongs to tables, map, read, convert, find, records, check, not to map explain (qvejmap --help tells more)
+! qvejmap: --skip-bad-lines belongs to tables, map, read, convert, report, diagram, find, records, check, not to map explain (qvejmap --help tells more)
 ? 2
 
 # Bad files are left out, and told.

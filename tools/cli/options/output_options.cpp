@@ -2,6 +2,7 @@
 #include "tools/cli/options/output_options.h"
 
 #include "client/escape.h"
+#include "client/text.h"
 #include "tools/cli/options/option_values.h"
 #include "tools/cli/options/options.h"
 #include "tools/cli/verbs/verbs.h"
@@ -39,12 +40,15 @@ bool isAddress(std::string_view out) {
     return out.starts_with("postgres:") || out.starts_with("postgresql:");
 }
 
+constexpr std::size_t kLongestSchema = 63;  // bytes, in PostgreSQL
+
 struct Guess {
     std::string_view format;
     OutputPlace place;
 };
 
-Guess guessOf(std::string_view out) {
+Guess guessOf(const std::string& name) {
+    const std::string out = lowerCased(name);
     if (isAddress(out)) {
         return {"postgres", OutputPlace::DATABASE};
     }
@@ -189,8 +193,17 @@ void readOutputOptions(const CLI::App& app, const RawOutput& raw, Options& o) {
         usageError(std::string(raw.replace ? "--replace" : "--append") +
                    " is for SQLite and PostgreSQL");
     }
+    if ((raw.replace || raw.append) && o.force) {
+        usageError(std::string(raw.replace ? "--replace" : "--append") +
+                   " changes a database, and --force replaces the whole file: they exclude each "
+                   "other");
+    }
     if (app.count("--schema") != 0 && o.format->name != "postgres") {
         usageError("--schema is for PostgreSQL");
+    }
+    if (app.count("--schema") != 0 &&
+        (format.schema.empty() || format.schema.size() > kLongestSchema)) {
+        usageError("--schema: a name has 1 to " + std::to_string(kLongestSchema) + " bytes");
     }
     format.existing = raw.replace  ? FormatOptions::REPLACE
                       : raw.append ? FormatOptions::APPEND

@@ -17,11 +17,12 @@ namespace {
 class Summary {
    public:
     void add(const std::string& sentence) { first_ = count_++ == 0 ? sentence : first_; }
-    // `others`: "tables have no primary key either"
-    void tellAll(const std::string& others) const {
+    // `one`, `several`: what the others are, "table has none" and "tables have none".
+    void tellAll(const std::string& one, const std::string& several) const {
         if (count_ != 0) {
             tell(first_ + (count_ == 1 ? std::string()
-                                       : "; " + std::to_string(count_ - 1) + " other " + others));
+                                       : "; " + std::to_string(count_ - 1) + " other " +
+                                             (count_ == 2 ? one : several)));
         }
     }
 
@@ -56,8 +57,8 @@ void tellKeys(const Schema& schema) {
                         table.table->columns[table.parent->column].name + " is no foreign key");
         }
     }
-    keys.tellAll("tables have none");
-    parents.tellAll("tables have such rows");
+    keys.tellAll("table has none", "tables have none");
+    parents.tellAll("table has such rows", "tables have such rows");
 }
 
 void tellTypes(const Schema& schema) {
@@ -82,8 +83,8 @@ void tellTypes(const Schema& schema) {
             }
         }
     }
-    mixed.tellAll("columns have such values");
-    times.tellAll("columns look like times");
+    mixed.tellAll("column has such values", "columns have such values");
+    times.tellAll("column looks like times", "columns look like times");
 }
 
 }  // namespace

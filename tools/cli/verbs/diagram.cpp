@@ -60,7 +60,7 @@ ExitCode runDiagram(const Options& options) {
     if (shapeMayHelp(options)) {
         tellShapeHint(document.tables());
     }
-    return DONE;
+    return session.skipped().exitCode();
 }
 
 }  // namespace qvej::cli

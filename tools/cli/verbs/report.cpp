@@ -117,13 +117,15 @@ ExitCode runReport(const Options& options) {
     Survey survey;
     Account account;
     std::optional<ReportPage> page;
+    ExitCode code = DONE;
     {
         const Session session(options.reading, options.inputs, options.map);
         page.emplace(pageOf(options, session, survey, account));
+        code = session.skipped().exitCode();
     }
     page->putAccount(textOf(options, account));
     putText(page->text(), options, sources);
-    return DONE;
+    return code;
 }
 
 }  // namespace qvej::cli
