@@ -7,6 +7,9 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
 #include <system_error>
 
 namespace qvej {
@@ -26,15 +29,46 @@ bool isFolder(const std::string& path) {
     return fs::is_directory(path, error);
 }
 
+// The datapackage.json of an earlier run in a folder; empty: there is none of ours.
+std::string packageIn(const fs::path& folder) {
+    constexpr std::string_view kOurs = "{\"qvejmap\":{\"version\":";
+    std::ifstream in(folder / "datapackage.json", std::ios::binary);
+    std::string text(kOurs.size(), '\0');
+    if (!in.read(text.data(), static_cast<std::streamsize>(text.size())) || text != kOurs) {
+        return {};
+    }
+    return text.append(std::istreambuf_iterator<char>(in), {});
+}
+
+// Tells files that an earlier run wrote from others.
+class Outputs {
+   public:
+    [[nodiscard]] bool has(const fs::path& file) {
+        const auto [at, isNew] = packages_.try_emplace(file.parent_path().string());
+        if (isNew) {
+            at->second = packageIn(file.parent_path());
+        }
+        const std::string name = file.filename().string();
+        return !at->second.empty() &&
+               (name == "datapackage.json" ||
+                at->second.find("\"path\":\"" + name + "\",\"format\":") != std::string::npos);
+    }
+
+   private:
+    std::map<std::string, std::string> packages_;  // by folder
+};
+
 // Links to folders are not followed: they may lead around in a circle.
-void addFolder(const std::string& folder, std::vector<std::string>& files) {
+void addFolder(const std::string& folder, InputList& list) {
+    std::vector<std::string>& files = list.files;
     std::vector<std::string> found;
+    Outputs outputs;
     std::error_code error;
     fs::recursive_directory_iterator at(folder, error);
     for (; !error && at != fs::recursive_directory_iterator(); at.increment(error)) {
         const std::string path = at->path().string();
         if (isNamedAsJson(path) && !isFolder(path)) {
-            found.push_back(path);
+            (outputs.has(at->path()) ? list.outputs : found).push_back(path);
         }
     }
     if (error) {
@@ -48,11 +82,11 @@ void addFolder(const std::string& folder, std::vector<std::string>& files) {
     files.insert(files.end(), found.begin(), found.end());
 }
 
-void addPath(const std::string& path, std::vector<std::string>& files) {
+void addPath(const std::string& path, InputList& list) {
     if (isFolder(path)) {
-        addFolder(path, files);
+        addFolder(path, list);
     } else {
-        files.push_back(path);
+        list.files.push_back(path);
     }
 }
 
@@ -91,11 +125,11 @@ InputList inputList(const std::vector<std::string>& words) {
         } else if (isPattern(word)) {
             list.several = true;
             for (const std::string& path : matchesOf(word)) {
-                addPath(path, list.files);
+                addPath(path, list);
             }
         } else {
             list.several = list.several || isFolder(word);
-            addPath(word, list.files);
+            addPath(word, list);
         }
     }
     return list;

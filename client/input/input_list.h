@@ -13,6 +13,8 @@ struct InputList {
     // Each is one text of a document of several: there are two words or more, a folder, or a
     // pattern, even if that leads to one file.
     bool several = false;
+    // Files of folders that an earlier run wrote there, as its datapackage.json says: no inputs.
+    std::vector<std::string> outputs = {};
 };
 
 // A word is a file, "-", a folder (all files in it and below it whose names end as those of JSON

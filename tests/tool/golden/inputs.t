@@ -338,3 +338,11 @@ $ printf '[[1]]' > deep.json; qvejmap check deep.json a.json --depth 1 --skip-ba
 !     [[1]]
 !      ^
 ? 6
+# What an earlier run wrote into the folder is no input.
+$ mkdir grown; echo '{"a":1}' > grown/x.json; qvejmap convert grown -o grown/out --format ndjson -q; cp grown/x.json grown/out/own.json; qvejmap convert grown -o again; qvejmap find grown -q --path '/root/**'
+  grown/out/own.json\t1\t1\t/root\t{
+  grown/out/own.json\t1\t6\t/root/a\t1
+  grown/x.json\t1\t1\t/root\t{
+  grown/x.json\t1\t6\t/root/a\t1
+! qvejmap: 2 files of an earlier convert are left out, the first grown/out/datapackage.json
+! qvejmap: 1 table, 2 rows in again

@@ -11,6 +11,7 @@
 #include "tools/cli/options/man_page.h"
 #include "tools/cli/options/option_owners.h"
 #include "tools/cli/options/option_values.h"
+#include "tools/cli/reports/tell.h"
 #include "tools/cli/suggestion.h"
 #include "tools/cli/verbs/verbs.h"
 
@@ -497,6 +498,13 @@ Options readOptions(int argc, char** argv) {
     translate(app, raw, options);
     if (takesInputs(*options.verb)) {
         options.inputs = inputList(options.operands);
+        const std::vector<std::string>& outputs = options.inputs.outputs;
+        if (!outputs.empty() && !options.quiet) {
+            tell(std::to_string(outputs.size()) +
+                 (outputs.size() == 1 ? " file of an earlier convert is"
+                                      : " files of an earlier convert are") +
+                 " left out, the first " + outputs.front());
+        }
     }
     return options;
 }
