@@ -147,11 +147,12 @@ void failReading(const ReadingOptions& options, const DocumentReader& reader, co
 void readText(const ReadingOptions& options, const Engine& engine, DocumentReader& reader,
               TextConsumer& text, const std::function<void(const BadLine&)>& onBad,
               const std::function<void(std::string_view)>& observer) {
-    if (!options.skipBadLines) {
+    const bool lines = reader.form() == TextForm::LINES;
+    if (!options.skipBadLines || (options.several && !lines)) {
         reader.read(text, observer);
         return;
     }
-    if (reader.form() != TextForm::LINES) {
+    if (!lines) {
         throw Failure(WRONG_USAGE,
                       reader.name() +
                           ": --skip-bad-lines is for JSON Lines, and this does not look "

@@ -219,9 +219,11 @@ $ qvejmap read bad.jsonl root --skip-bad-lines
   2,7\r
 ! qvejmap: 4 lines skipped, the first: bad.jsonl:2:7: a value was expected: "{"id":}"
 ? 1
-$ qvejmap convert bad.jsonl a.json b.json --skip-bad-lines -o skipping
-! qvejmap: a.json: --skip-bad-lines is for JSON Lines, and this does not look like it (--lines says that it is)
-? 2
+# Files that are no JSON Lines are read as they are.
+$ qvejmap convert bad.jsonl a.json b.json --skip-bad-lines -o mixed
+! qvejmap: 4 lines skipped, the first: bad.jsonl:2:7: a value was expected: "{"id":}"
+! qvejmap: 2 tables, 6 rows in mixed
+? 1
 $ qvejmap convert bad.jsonl logs/c.jsonl.gz --skip-bad-lines -o skipping -q --rejects bad.csv; cat bad.csv skipping/root.csv
   table,row,column,path,ordinals,text,reason\r
   ,2,,bad.jsonl:2:7,,"{""id"":}",a value was expected\r

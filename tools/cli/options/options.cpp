@@ -498,6 +498,7 @@ Options readOptions(int argc, char** argv) {
     translate(app, raw, options);
     if (takesInputs(*options.verb)) {
         options.inputs = inputList(options.operands);
+        options.reading.several = options.inputs.several;
         const std::vector<std::string>& outputs = options.inputs.outputs;
         if (!outputs.empty() && !options.quiet) {
             tell(std::to_string(outputs.size()) +

@@ -15,6 +15,7 @@ namespace qvej::cli {
 struct ReadingOptions {
     TextOptions text;
     ShapeOptions shape;
+    bool several = false;  // documents, of which some may be JSON Lines
     bool skipBadLines = false;
     bool skipBadFiles = false;
     uint64_t depth = 1000;           // 0: any
