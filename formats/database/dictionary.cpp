@@ -37,6 +37,19 @@ std::string whereTable(const std::string& name) {
     return " WHERE table_name = " + quotedText(name);
 }
 
+// What a column of another type has that got values written as this one.
+std::string typeOfBoth(const DataType& added) {
+    switch (added.kind) {
+        case DataType::BOOLEAN:
+        case DataType::BIGINT:
+            return "BIGINT";
+        case DataType::DOUBLE:
+            return "DOUBLE";
+        default:
+            return "TEXT";
+    }
+}
+
 }  // namespace
 
 bool Dictionary::isEarlier(std::size_t which, const std::string& table) {
@@ -174,10 +187,10 @@ void Dictionary::updateAppended(const TableSchema& schema, const TargetTable& ta
     for (std::size_t c = 0; c < table.columns.size() && columnsThere_; ++c) {
         const Field& field = schema.fields[c];
         if (field.filled != 0 && database_.limits().fewTypes) {
-            database_.run(
-                "UPDATE " + columns_ + " SET type = " + quotedText(nameOf(table.columns[c].type)) +
-                whereTable(table.name) + " AND column_name = " + quotedText(table.columns[c].name) +
-                " AND type <> " + quotedText(nameOf(field.type)));
+            database_.run("UPDATE " + columns_ + " SET type = " +
+                          quotedText(typeOfBoth(table.columns[c].type)) + whereTable(table.name) +
+                          " AND column_name = " + quotedText(table.columns[c].name) +
+                          " AND type <> " + quotedText(nameOf(field.type)));
         }
     }
 }

@@ -396,9 +396,13 @@ def check_refusals(make_database):
     assert "o.ordinal_root has the type" in said, said
     # The dictionary says what the values are, of both documents.
     if database.name == "sqlite":
-        database = make_database("no date any more")
-        convert(database, write("a.json", '{"a":"2024-02-29"}')), convert(database, write("b.json", '{"a":"soon"}'), "--append")
-        assert database.sql("SELECT type FROM qvejmap_columns WHERE column_name = 'a'") == [["TEXT"]]
+        for first, second, type_ in [('"2024-02-29"', '"soon"', "TEXT"), ('"2024-02-29"', '"2024-02-29T00:00Z"', "TEXT"),
+                                     ("5", "true", "BIGINT"), ("true", "5", "BIGINT"), ("1.5", "7", "DOUBLE"),
+                                     ("5", "6", "BIGINT")]:
+            database = make_database(f"{first} and {second}")
+            convert(database, write("a.json", f'{{"a":{first}}}'))
+            convert(database, write("b.json", f'{{"a":{second}}}'), "--append")
+            assert database.sql("SELECT type FROM qvejmap_columns WHERE column_name = 'a'") == [[type_]], (first, second)
 
 
 def check_names(database):
