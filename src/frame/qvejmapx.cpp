@@ -11,9 +11,9 @@
 #include "core/status.h"
 #include "core/text.h"
 #include "driver.h"
+#include "reader/block_reader.h"
 #include "reader/number_cell.h"
 #include "reader/read_context.h"
-#include "reader/row_loop.h"
 #include "reader/table_pass.h"
 #include "scan/events.h"
 #include "scan/exact_number.h"
@@ -26,11 +26,10 @@
 #include <bit>
 #include <string_view>
 
-// A cursor loads blocks as an open table does, so it has the same state.  It uses `p`, `rpool`,
-// `z`, `rfp`, `curr` (null: before the first block), `records`, `pBuf`, `pBufi` and `pBufLen`, and
-// lives in `rpool`.
+// A cursor; it lives in its pool.
 struct JMAPRecordCursor {
-    JMAP_READPRIVATE rp;
+    QVPoolh pool;
+    BLOCKREADER blocks;
     QVStatus status;  // what ended the cursor; QV_OK: nothing yet
 };
 
@@ -55,13 +54,13 @@ template <class T>
 }
 
 // Loads blocks until there is a record to read.
-[[nodiscard]] QVStatus findRecord(JMAP_READPRIVATE* rp) noexcept {
-    while (rp->pBufi >= rp->pBufLen) {
-        COMPPATHS* next = rp->curr == nullptr ? rp->p->chead : rp->curr->next;
+[[nodiscard]] QVStatus findRecord(BLOCKREADER* blocks) noexcept {
+    while (blocks->pBufi >= blocks->pBufLen) {
+        COMPPATHS* next = nextBlock(*blocks);
         if (next == nullptr) {
             return QV_EOF;
         }
-        QV_TRY(loadBlock(rp, next));
+        QV_TRY(loadBlock(blocks, next));
     }
     return QV_OK;
 }
@@ -226,24 +225,21 @@ QVStatus jmapRecordsOpen(QVEJMAPJsonContexth inh, JMAPRecordCursorh* cursor) {
         return QV_NOMEM;
     }
     auto* opened = poolNew<JMAPRecordCursor>(pool);
-    char* block = opened == nullptr ? nullptr : poolBytes(pool, kBlockBytes);
-    if (block == nullptr) {
+    if (opened == nullptr || openBlocks(&opened->blocks, contextOf(inh), pool) != QV_OK) {
         (void)destroyHandle(pool);  // nothing is in it yet
         return QV_NOMEM;
     }
-    opened->rp.p = contextOf(inh);
-    opened->rp.rpool = pool;
-    opened->rp.pBuf = block;
+    opened->pool = pool;
     *cursor = opened;
     return QV_OK;
 }
 
 QVStatus jmapRecordsNext(JMAPRecordCursorh cursor, JMAPRecord* record) {
-    JMAP_READPRIVATE& rp = cursor->rp;
+    BLOCKREADER& blocks = cursor->blocks;
     QV_TRY(cursor->status);
-    cursor->status = findRecord(&rp);
+    cursor->status = findRecord(&blocks);
     QV_TRY(cursor->status);
-    const RECORD found = parseRecord(rp.records + rp.pBufi);
+    const RECORD found = parseRecord(blocks.records + blocks.pBufi);
     const std::string_view path = pathOf(found);
     const std::string_view value = valueOf(found);
     *record = {.kind = found.kind,
@@ -254,13 +250,13 @@ QVStatus jmapRecordsNext(JMAPRecordCursorh cursor, JMAPRecord* record) {
                .valueLen = lengthOf(value),
                .bytes = found.at,
                .bytesLen = found.size};
-    rp.pBufi += found.size;
+    blocks.pBufi += found.size;
     return QV_OK;
 }
 
 QVStatus jmapRecordsClose(JMAPRecordCursorh cursor) {
-    const QVStatus rc = destroyHandle(cursor->rp.rfp);
-    QVPoolh pool = cursor->rp.rpool;
+    const QVStatus rc = closeBlocks(&cursor->blocks);
+    QVPoolh pool = cursor->pool;
     (void)destroyHandle(pool);  // the cursor is gone with it
     return rc;
 }

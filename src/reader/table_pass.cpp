@@ -3,14 +3,13 @@
 // Tested by tests/reader/table_pass_test.cpp
 #include "table_pass.h"
 
+#include "block_reader.h"
 #include "consume.h"
 #include "core/guard.h"
 #include "core/list.h"
 #include "core/pool.h"
 #include "number_cell.h"
 #include "row_boundary.h"
-#include "row_loop.h"
-#include "scan/record_block.h"
 #include "scan/record_format.h"
 
 #include <algorithm>
@@ -100,7 +99,7 @@ void endRows(JMAPPass* pass, std::string_view path) {
         const std::string_view tablePath = view(pass->top->path, pass->top->pathLen);
         for (PASSTABLE* table = pass->top->tables; table != nullptr; table = table->samePath) {
             const BOUNDARY boundary =
-                rowBoundary(path, tablePath, pass->rp.p->sep, true, inVariables(*table));
+                rowBoundary(path, tablePath, pass->p->sep, true, inVariables(*table));
             if (boundary == BOUNDARY::INSIDE) {
                 return;  // likewise for all tables of this path and of those further down
             }
@@ -125,7 +124,7 @@ void countMarker(JMAPPass* pass, PASSPATH* found) noexcept {
 }
 
 bool isNoNumber(const JMAPPass* pass, std::string_view text) {
-    const NUMBERCELL number = numberCell(pass->rp.p->smh, text);
+    const NUMBERCELL number = numberCell(pass->p->smh, text);
     return number.status == QV_NOTNUM && number.word == nullptr;
 }
 
@@ -187,7 +186,7 @@ QVStatus setAlldataText(JMAPPass* pass, PASSTABLE& table, uint32_t column, std::
 // Every record but a placeholder and the root's marker is a row of ALLDATA.
 QVStatus makeAlldataRow(JMAPPass* pass, PASSTABLE* table, const RECORD& record, bool cut) {
     endRow(pass, table);
-    const int32_t most = pass->rp.p->labelCountMax + 1;  // labels that the table has columns for
+    const int32_t most = pass->p->labelCountMax + 1;  // labels that the table has columns for
     const auto flagColumn = static_cast<uint32_t>(most + 1);
     if (table->columnCount <= flagColumn + 1) {
         return QV_OK;  // the table could not be laid out in full
@@ -249,9 +248,9 @@ QVStatus takeMarker(JMAPPass* pass, const RECORD& record, bool* passed) {
 
 // Replays the records of the block until there is something to hand out.
 QVStatus replayBlock(JMAPPass* pass) {
-    JMAP_READPRIVATE& rp = pass->rp;
-    const char* at = rp.records + rp.pBufi;
-    const char* const end = rp.records + rp.pBufLen;
+    BLOCKREADER& blocks = pass->blocks;
+    const char* at = blocks.records + blocks.pBufi;
+    const char* const end = blocks.records + blocks.pBufLen;
     while (at < end && pass->endedHead == nullptr && pass->notNumber == nullptr) {
         __builtin_prefetch(at + kPrefetchBytes);
         const RECORD record = parseRecord(at);
@@ -263,7 +262,7 @@ QVStatus replayBlock(JMAPPass* pass) {
         }
         at += passed ? record.size : 0;
     }
-    rp.pBufi = at - rp.records;
+    blocks.pBufi = at - blocks.records;
     return QV_OK;
 }
 
@@ -281,17 +280,17 @@ QVStatus endStream(JMAPPass* pass) {
 
 // Replays records until there is something to hand out, or the next block is loaded.
 QVStatus replay(JMAPPass* pass) {
-    JMAP_READPRIVATE& rp = pass->rp;
-    if (rp.pBufi < rp.pBufLen) {
+    BLOCKREADER& blocks = pass->blocks;
+    if (blocks.pBufi < blocks.pBufLen) {
         return replayBlock(pass);
     }
     QV_TRY(parkRows(pass->rows));
-    COMPPATHS* next = rp.curr == nullptr ? rp.p->chead : rp.curr->next;
+    COMPPATHS* next = nextBlock(blocks);
     if (next == nullptr) {
         return endStream(pass);
     }
-    QV_TRY(loadBlock(&rp, next));
-    pass->rows.blockGoes = rp.records == rp.pBuf;
+    QV_TRY(loadBlock(&blocks, next));
+    pass->rows.blockGoes = blockGoes(blocks);
     return QV_OK;
 }
 
@@ -324,12 +323,12 @@ QVStatus addTables(JMAPPass* pass, DSINFO* const* tables) {
     for (QVStrSize i = 0; i < pass->tableCount; ++i) {
         columns += tables[i]->varcount + 1;
         if (columns >= kColumnsBetween) {
-            QV_TRY(askGuardOfMemory(pass->rp.p, static_cast<uint64_t>(i)));
+            QV_TRY(askGuardOfMemory(pass->p, static_cast<uint64_t>(i)));
             columns = 0;
         }
         PASSTABLE* table = pass->tables + i;
-        QV_TRY(addTable(&pass->paths, pass->rp.rpool, *tables[i], pass->retain, table));
-        if (tables[i] == pass->rp.p->alldataDs) {
+        QV_TRY(addTable(&pass->paths, pass->rows.pool, *tables[i], pass->retain, table));
+        if (tables[i] == pass->p->alldataDs) {
             table->samePath = pass->alldata;  // it has no table path
             pass->alldata = table;
         }
@@ -338,7 +337,7 @@ QVStatus addTables(JMAPPass* pass, DSINFO* const* tables) {
 }
 
 bool textsStay(const JMAPPass* pass) noexcept {
-    for (const COMPPATHS& block : each(pass->rp.p->chead)) {
+    for (const COMPPATHS& block : each(pass->p->chead)) {
         if (block.onDisk || block.compressed) {
             return false;
         }
@@ -347,12 +346,12 @@ bool textsStay(const JMAPPass* pass) noexcept {
 }
 
 QVStatus fillPass(JMAPPass* pass, DSINFO* const* tables) {
-    pass->rp.pBuf = poolBytes(pass->rp.rpool, kBlockBytes);
-    pass->tables = poolNew<PASSTABLE>(pass->rp.rpool, pass->tableCount);
-    if (pass->rp.pBuf == nullptr || pass->tables == nullptr) {
+    QV_TRY(openBlocks(&pass->blocks, pass->p, pass->rows.pool));
+    pass->tables = poolNew<PASSTABLE>(pass->rows.pool, pass->tableCount);
+    if (pass->tables == nullptr) {
         return QV_NOMEM;
     }
-    QV_TRY(openPaths(&pass->paths, pass->rp.p));
+    QV_TRY(openPaths(&pass->paths, pass->p));
     QV_TRY(addTables(pass, tables));
     pass->textsStay = textsStay(pass);
     return QV_OK;
@@ -371,8 +370,7 @@ QVStatus openPass(JMAP_PRIVATE* p, DSINFO* const* tables, QVStrSize tableCount, 
         (void)destroyHandle(pool);  // nothing is in it yet
         return QV_NOMEM;
     }
-    pass->rp.p = p;
-    pass->rp.rpool = pool;
+    pass->p = p;
     pass->rows.pool = pool;
     pass->tableCount = tableCount;
     pass->retain = (flags & QVEJMAP_RETAIN) != 0;
@@ -409,8 +407,8 @@ void passColumn(const JMAPPass* pass, QVStrSize table, QVStrSize column,
 
 QVStatus closePass(JMAPPass* pass) {
     (void)destroyHandle(pass->paths.byPath);
-    const QVStatus rc = destroyHandle(pass->rp.rfp);
-    QVPoolh pool = pass->rp.rpool;
+    const QVStatus rc = closeBlocks(&pass->blocks);
+    QVPoolh pool = pass->rows.pool;
     (void)destroyHandle(pool);  // the pass is gone with it
     return rc;
 }

@@ -17,9 +17,8 @@
 
 // An open pass; it lives in its pool.
 struct JMAPPass {
-    // Loads blocks as an open table does: `p`, `rpool`, `z`, `rfp`, `curr` (null: before the first
-    // block), `records`, `pBuf`, `pBufi` and `pBufLen` are used.
-    JMAP_READPRIVATE rp;
+    JMAP_PRIVATE* p;  // the document
+    BLOCKREADER blocks;
     QVStatus status;  // what ended the pass; QV_OK: nothing yet
     PASSROWS rows;
     PASSPATHS paths;

@@ -60,13 +60,13 @@ void damage(const Scan& scan) {
     ASSERT_QV_OK(newLevel(p, static_cast<WHAT>(9)));
     ASSERT_QV_OK(newLevel(p, WHAT_ARRAY));
     EXPECT_QV(QV_NOMEM, gotValue(p, "x", 1, static_cast<VALTYPE>(9)));
-    JMAP_READPRIVATE rp{};
-    rp.p = p;
+    BLOCKREADER reader{};
+    reader.p = p;
     std::string block(kBlockBytes, '\0');
     p->chead->uncompressedLen -= 1;
-    EXPECT_QV_OK(uncompressPathBuffer(&rp, p->chead, block.data()));
+    EXPECT_QV_OK(uncompressPathBuffer(&reader, p->chead, block.data()));
     p->chead->bufLen -= 1;
-    EXPECT_QV(QV_NOMEM, uncompressPathBuffer(&rp, p->chead, block.data()));
+    EXPECT_QV(QV_NOMEM, uncompressPathBuffer(&reader, p->chead, block.data()));
     p->zlibh->deflate = [](QVZStream*, int) { return 0; };  // never comes to an end
     p->cBufi = 1;
     EXPECT_QV(QV_NOMEM, compressPathBuffer(p));
