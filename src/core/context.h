@@ -123,6 +123,7 @@ struct JMAP_PRIVATE {
     QVZStream z;
     uint64_t pathCount;      // records written
     uint64_t longStrings;    // of them strings of kMaxStringLen bytes
+    bool valueCut;           // the last of these is cut
     WHOLESTRING* wholeHead;  // those of them that are not cut
     WHOLESTRING* wholeTail;
     uint64_t uncompressedPathBytes;

@@ -12,6 +12,7 @@
 #include "options.h"
 #include "scan/events.h"
 #include "scan/path_tree.h"
+#include "scan/record_stream.h"
 
 #include <algorithm>
 #include <cstring>
@@ -111,7 +112,7 @@ void noteBeginning(JMAP_PRIVATE* p) noexcept {
 // Makes the parser, with the callbacks of the scan.  Kept: without memory it stays null and
 // JsonInit succeeds; the first JsonInput then gives QV_NOMEM.
 void newParser(JMAP_PRIVATE* p) noexcept {
-    installScanCallbacks(&p->parseCB);
+    installScanCallbacks<RecordSink>(&p->parseCB);
     const JSNParserParms parms = {
         .textCei = p->inCei,
         .callbackCei = p->inCei,

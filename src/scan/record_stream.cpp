@@ -73,7 +73,7 @@ bool headReady(JMAP_PRIVATE* p, PATHNODE* node, QVStrSize valLen) {
 
 }  // namespace
 
-QVStatus generateMarker(JMAP_PRIVATE* p) {
+QVStatus RecordSink::marker(JMAP_PRIVATE* p) {
     PATHNODE* node = &p->pathAt->node;
     p->rootMarkers += node == &p->pathRoot.node ? 1 : 0;
     if (node->marked && inStep(p, node->labels + 1) && headReady(p, node, 0)) [[likely]] {
@@ -87,7 +87,7 @@ QVStatus generateMarker(JMAP_PRIVATE* p) {
     return generatePathVariableString(p, nullptr, {}, {}, VAL_NOVAL);
 }
 
-bool recordKnown(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value, VALTYPE type) {
+bool RecordSink::known(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value, VALTYPE type) {
     const QVStrSize valLen = lengthOf(value);
     if (node->info == nullptr || !inStep(p, node->labels) || !headReady(p, node, valLen))
         [[unlikely]] {
@@ -110,13 +110,17 @@ bool recordKnown(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value, VALTYP
     return true;
 }
 
-QVStatus recordValue(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value, VALTYPE type) {
-    if (recordKnown(p, node, value, type)) [[likely]] {
+QVStatus RecordSink::value(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value, VALTYPE type) {
+    if (known(p, node, value, type)) [[likely]] {
         return QV_OK;
     }
     // A label "" does not show in the text: its values count for the path before it.
     PATHNODE* place = node->nameLen != 0 ? node : &node->parent->node;
     return generatePathVariableString(p, place, nameOf(node), value, type);
+}
+
+QVStatus RecordSink::placeholder(JMAP_PRIVATE* p, PATHNODE* node) {
+    return generatePathVariableString(p, node, nameOf(node), "VAR", VAL_FAKEVARIABLE);
 }
 
 QVStatus generatePathVariableString(JMAP_PRIVATE* p, PATHNODE* node, std::string_view name,

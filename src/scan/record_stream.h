@@ -19,17 +19,22 @@ namespace jmap {
                                                   std::string_view name, std::string_view val,
                                                   VALTYPE type);
 
-// Writes the marker of a container: the labels on the stack, no value.
-[[nodiscard]] QVStatus generateMarker(JMAP_PRIVATE* p);
+// What a scan does that keeps records: see events.h.
+struct RecordSink {
+    // Writes the marker of a container: the labels on the stack, no value.
+    [[nodiscard]] static QVStatus marker(JMAP_PRIVATE* p);
 
-// Records the value of a label that has been popped.
-[[nodiscard]] QVStatus recordValue(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value,
-                                   VALTYPE type);
+    // Records the value of a label that has been popped.
+    [[nodiscard]] static QVStatus value(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value,
+                                        VALTYPE type);
 
-// The same, faster, for a path that has had a value.  False when it does not apply; nothing has
-// been done then.
-[[nodiscard]] bool recordKnown(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value,
-                               VALTYPE type);
+    // The same, faster, for a path that has had a value.
+    [[nodiscard]] static bool known(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value,
+                                    VALTYPE type);
+
+    // Writes the record that stands for an empty object or array.
+    [[nodiscard]] static QVStatus placeholder(JMAP_PRIVATE* p, PATHNODE* node);
+};
 
 // Appends a record with the text `path` (value part included) to the open block, closing the block
 // first when the record does not fit, and counts the value in the statistics of `node`.

@@ -6,6 +6,7 @@
 #include "scan/events.h"
 #include "scan/nesting.h"
 #include "scan/record_block.h"
+#include "scan/record_stream.h"
 #include "testkit/testkit.h"
 
 #include <algorithm>
@@ -59,7 +60,7 @@ void damage(const Scan& scan) {
     p->debugLevel = true;
     ASSERT_QV_OK(newLevel(p, static_cast<WHAT>(9)));
     ASSERT_QV_OK(newLevel(p, WHAT_ARRAY));
-    EXPECT_QV(QV_NOMEM, gotValue(p, "x", 1, static_cast<VALTYPE>(9)));
+    EXPECT_QV(QV_NOMEM, Events<RecordSink>::gotValue(p, "x", static_cast<VALTYPE>(9)));
     BLOCKREADER reader{};
     reader.p = p;
     std::string block(kBlockBytes, '\0');
