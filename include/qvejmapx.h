@@ -206,7 +206,7 @@ QVStatus jmapRecordsClose(JMAPRecordCursorh cursor);
 
 /* ---- Rows of many tables in one pass ------------------------------------------------------- */
 
-typedef struct JMAPPass* JMAPPassh; /* opaque */
+typedef struct ROWMACHINE* JMAPPassh; /* opaque */
 
 /* What a cell holds: nothing, a count, or, by its JMAP_KIND_..., a value. */
 enum {

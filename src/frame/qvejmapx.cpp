@@ -303,11 +303,11 @@ QVStatus jmapPassOpen(QVEJMAPJsonContexth inh, const JMAPTableh* tables, QVStrSi
 }
 
 QVStatus jmapPassNext(JMAPPassh pass, JMAPPassItem* item) {
-    return nextItem(pass, item);
+    return nextItem(reinterpret_cast<TABLEPASS*>(pass), item);
 }
 
 QVStatus jmapPassClose(JMAPPassh pass) {
-    return closePass(pass);
+    return closePass(reinterpret_cast<TABLEPASS*>(pass));
 }
 
 void jmapPassColumn(JMAPPassh pass, QVStrSize table, QVStrSize column, JMAPPassColumn* info) {
