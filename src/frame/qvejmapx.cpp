@@ -14,6 +14,7 @@
 #include "reader/block_reader.h"
 #include "reader/number_cell.h"
 #include "reader/read_context.h"
+#include "reader/row_walk.h"
 #include "reader/table_pass.h"
 #include "scan/events.h"
 #include "scan/exact_number.h"
@@ -303,11 +304,12 @@ QVStatus jmapPassOpen(QVEJMAPJsonContexth inh, const JMAPTableh* tables, QVStrSi
 }
 
 QVStatus jmapPassNext(JMAPPassh pass, JMAPPassItem* item) {
-    return nextItem(reinterpret_cast<TABLEPASS*>(pass), item);
+    return pass->walks ? QV_EOF : nextItem(reinterpret_cast<TABLEPASS*>(pass), item);
 }
 
 QVStatus jmapPassClose(JMAPPassh pass) {
-    return closePass(reinterpret_cast<TABLEPASS*>(pass));
+    return pass->walks ? closeWalk(reinterpret_cast<ROWWALK*>(pass))
+                       : closePass(reinterpret_cast<TABLEPASS*>(pass));
 }
 
 void jmapPassColumn(JMAPPassh pass, QVStrSize table, QVStrSize column, JMAPPassColumn* info) {
@@ -326,6 +328,31 @@ uint64_t jmapPassRoots(JMAPPassh pass) {
 
 QVBoolean jmapPassTextsStay(JMAPPassh pass) {
     return flag(pass->textsStay);
+}
+
+QVStatus jmapWalkOpen(QVEJMAPJsonContexth inh, QVEJMAPJsonContexth tablesOf,
+                      const JMAPTableh* tables, QVStrSize tableCount, uint64_t flags,
+                      QVStatus (*take)(void* arg, const JMAPPassItem* item), void* arg,
+                      JMAPPassh* walk) {
+    const DSINFO* alldata = contextOf(tablesOf)->alldataDs;
+    ROWWALK* opened = nullptr;
+    QV_TRY(openWalk(contextOf(inh), alldata, tables, tableCount, flags, &opened));
+    opened->take = take;
+    opened->arg = arg;
+    *walk = &opened->machine;
+    return QV_OK;
+}
+
+QVStatus jmapWalkPart(JMAPPassh walk, const char* next, QVStrSize nextLen) {
+    return setNext(reinterpret_cast<ROWWALK*>(walk), view(next, nextLen));
+}
+
+uint64_t* jmapWalkCount(JMAPPassh walk, QVStrSize table, QVStrSize column) {
+    return walkCount(reinterpret_cast<ROWWALK*>(walk), table, column);
+}
+
+QVBoolean jmapWalkLeft(JMAPPassh walk) {
+    return flag(hasValuesLeft(walk));
 }
 
 QVStatus jmapToNumber(QVEJMAPJsonContexth inh, const char* text, QVStrSize textLen,

@@ -29,7 +29,7 @@ struct HELDTEXT {
 // An ordinal of a table: it counts a path.
 struct PASSORDINAL {
     uint32_t column;
-    const PASSPATH* path;
+    PASSPATH* path;
 };
 
 // A table of a pass and its row.  The cells of its columns come first.  After them each ordinal

@@ -7,6 +7,7 @@
 #include "core/guard.h"
 #include "core/pool.h"
 #include "number_cell.h"
+#include "row_boundary.h"
 #include "scan/record_format.h"
 
 #include <algorithm>
@@ -51,6 +52,15 @@ uint64_t countedBy(const PASSTABLE& table) noexcept {
 // Whether the row has received a value.  In a table of ordinals counting makes a row.
 bool inVariables(const PASSTABLE& table) noexcept {
     return table.inVariables || (table.ordinalsOnly && countedBy(table) != table.countedBefore);
+}
+
+// Whether a cell keeps a value of an earlier row.
+bool keepsTexts(const PASSTABLE& table) noexcept {
+    const JMAPPassCell* cells = table.cells;
+    return std::any_of(cells, cells + table.cellCount, [&](const JMAPPassCell& cell) {
+        return table.retained[&cell - cells] && cell.kind != JMAP_CELL_MISSING &&
+               cell.kind != JMAP_CELL_COUNT;
+    });
 }
 
 void startRow(ROWMACHINE* machine, PASSTABLE* table) {
@@ -167,6 +177,17 @@ void endTop(ROWMACHINE* machine, bool again) {
     machine->top = machine->top->above;
 }
 
+void endRowsAt(ROWMACHINE* machine, std::string_view path) {
+    while (machine->top != nullptr) {
+        const std::string_view tablePath = view(machine->top->path, machine->top->pathLen);
+        const BOUNDARY boundary = rowBoundary(path, tablePath, machine->p->sep, true, true);
+        if (boundary == BOUNDARY::INSIDE) {
+            return;  // likewise for all paths further down
+        }
+        endTop(machine, boundary == BOUNDARY::AGAIN);
+    }
+}
+
 void endAll(ROWMACHINE* machine) {
     while (machine->top != nullptr) {
         endTop(machine, true);
@@ -230,6 +251,18 @@ void startHanded(ROWMACHINE* machine) {
     if (machine->handed != nullptr) {
         startRow(machine, std::exchange(machine->handed, nullptr));
     }
+}
+
+void startCounting(ROWMACHINE* machine) {
+    for (QVStrSize i = 0; i < machine->tableCount; ++i) {
+        machine->tables[i].countedBefore = countedBy(machine->tables[i]);
+    }
+}
+
+bool hasValuesLeft(const ROWMACHINE* machine) noexcept {
+    return std::any_of(
+        machine->tables, machine->tables + machine->tableCount,
+        [](const PASSTABLE& table) { return inVariables(table) || keepsTexts(table); });
 }
 
 void passColumn(const ROWMACHINE* machine, QVStrSize table, QVStrSize column,

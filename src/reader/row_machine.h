@@ -68,6 +68,10 @@ void closeMachine(ROWMACHINE* machine);
 //   again  the marker is at this very path: a row without values goes on
 void endTop(ROWMACHINE* machine, bool again);
 
+// Ends the rows that a marker at `path` ends, and pops the table paths that it does not lie below.
+// Its own path is popped too; `countMarker` pushes it again.
+void endRowsAt(ROWMACHINE* machine, std::string_view path);
+
 // Ends all rows that have begun, at the end of the document.
 void endAll(ROWMACHINE* machine);
 
@@ -122,6 +126,12 @@ void lookForNumber(ROWMACHINE* machine, const PASSPATH& found, std::string_view 
 
 // Begins the next row of the table whose row has been handed out.
 void startHanded(ROWMACHINE* machine);
+
+// Makes the rows of ordinals begin, once their first counts are set.
+void startCounting(ROWMACHINE* machine);
+
+// Whether a later row could still get a value that has come: see jmapWalkLeft.
+[[nodiscard]] bool hasValuesLeft(const ROWMACHINE* machine) noexcept;
 
 // See jmapPassColumn.
 void passColumn(const ROWMACHINE* machine, QVStrSize table, QVStrSize column,

@@ -6,7 +6,6 @@
 #include "block_reader.h"
 #include "core/list.h"
 #include "core/pool.h"
-#include "row_boundary.h"
 #include "scan/record_format.h"
 
 #include <cstddef>
@@ -20,19 +19,6 @@ namespace {
 constexpr QVStrSize kPrefetchBytes = 2048;
 
 // ---- Records --------------------------------------------------------------------------------
-
-// Ends the rows that a marker ends, and pops the table paths that it does not lie below.  Its own
-// path is popped too; `countMarker` pushes it again.
-void endRows(ROWMACHINE* machine, std::string_view path) {
-    while (machine->top != nullptr) {
-        const std::string_view tablePath = view(machine->top->path, machine->top->pathLen);
-        const BOUNDARY boundary = rowBoundary(path, tablePath, machine->p->sep, true, true);
-        if (boundary == BOUNDARY::INSIDE) {
-            return;  // likewise for all paths further down
-        }
-        endTop(machine, boundary == BOUNDARY::AGAIN);
-    }
-}
 
 // Whether the record keeps only the beginning of its value.  Call it once for each record with a
 // value, in order.
@@ -68,7 +54,7 @@ QVStatus takeMarker(TABLEPASS* pass, const RECORD& record, bool* passed) {
     ROWMACHINE* machine = &pass->machine;
     const std::string_view path = pathOf(record);
     if (!pass->asked) {
-        endRows(machine, path);
+        endRowsAt(machine, path);
         QV_TRY(makeAlldataRows(machine, record, false));
     }
     *passed = !hasItem(*machine);
