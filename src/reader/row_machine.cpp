@@ -83,15 +83,18 @@ void showOrdinals(PASSTABLE* table) noexcept {
     }
 }
 
-JMAPPassItem itemOf(const ROWMACHINE* machine, int32_t kind, PASSTABLE* table) noexcept {
+// Written in place: a copy of the item would wait for its own stores.
+void fillItem(const ROWMACHINE* machine, int32_t kind, PASSTABLE* table,
+              JMAPPassItem* item) noexcept {
     showOrdinals(table);
-    JMAPPassItem item = {};
-    item.kind = kind;
-    item.table = table - machine->tables;
-    item.cells = table->cells;
-    item.cellCount = table->columnCount;
-    item.textCount = table->cellCount - table->columnCount;
-    return item;
+    item->kind = kind;
+    item->table = table - machine->tables;
+    item->cells = table->cells;
+    item->cellCount = table->columnCount;
+    item->textCount = table->cellCount - table->columnCount;
+    item->column = 0;
+    item->text = nullptr;
+    item->textLen = 0;
 }
 
 // ---- Values ---------------------------------------------------------------------------------
@@ -230,7 +233,7 @@ bool handOut(ROWMACHINE* machine, JMAPPassItem* item) {
     while (machine->notNumber != nullptr) {
         const PASSUSE* use = std::exchange(machine->notNumber, machine->notNumber->next);
         if (use->number) {
-            *item = itemOf(machine, JMAP_PASS_NOT_NUMBER, use->table);
+            fillItem(machine, JMAP_PASS_NOT_NUMBER, use->table, item);
             item->column = use->cell;
             item->text = machine->notNumberText;
             item->textLen = machine->notNumberLen;
@@ -243,7 +246,7 @@ bool handOut(ROWMACHINE* machine, JMAPPassItem* item) {
     }
     machine->endedHead = table->nextEnded;
     machine->handed = table;
-    *item = itemOf(machine, JMAP_PASS_ROW, table);
+    fillItem(machine, JMAP_PASS_ROW, table, item);
     return true;
 }
 

@@ -106,12 +106,12 @@ const Scenario kScenarios[] = {
 };
 
 // No notes: names of pools, modules, trackers and of the device, words in notes, formats of names.
-const Texts kOtherTexts =
-    texts("qvejmap", "qvejmap context", "qvejmap read pool", "qvejmap record cursor", "qvejson",
-          "qvezlib", "qvefmt", "qvioe", "DISK    ", "pathinfo tracker", "pathinfo sub tracker",
-          "dsname tracker", "path tree tracker", "qvejmap pass", "qvejmap pass tracker", "NOVAL",
-          "NUMBER", "STRING", "NULL", "BOOLEAN", "FAKE_VARIABLE", "UNKNOWN?", "TRUE", "FALSE",
-          "ORDINAL", "DOUBLE", "CHAR", "UNKNOWN", "CHARACTER", "NUMERIC", "%d", "P%d");
+const Texts kOtherTexts = texts(
+    "qvejmap", "qvejmap context", "qvejmap read pool", "qvejmap record cursor", "qvejson",
+    "qvezlib", "qvefmt", "qvioe", "DISK    ", "pathinfo tracker", "pathinfo sub tracker",
+    "dsname tracker", "path tree tracker", "qvejmap pass", "qvejmap pass tracker", "qvejmap walk",
+    "NOVAL", "NUMBER", "STRING", "NULL", "BOOLEAN", "FAKE_VARIABLE", "UNKNOWN?", "TRUE", "FALSE",
+    "ORDINAL", "DOUBLE", "CHAR", "UNKNOWN", "CHARACTER", "NUMERIC", "%d", "P%d");
 
 // The host texts of a source, neighbours joined.
 Texts hostTexts(const std::string& file) {
