@@ -78,6 +78,7 @@ struct PATHCHILDREN {
     PATHNODE* elements[2];  // the first element named after the label, and the first plain one
     PATHNODE* lastElement;  // the element that was read last
     PATHINFO* group;        // head of the group of the children
+    uint64_t markers;       // of the container, in a scan that counts alone
 };
 
 // A node of the tree of known paths: the last label of a path.  Members are identified by name,
@@ -88,7 +89,10 @@ struct PATHCHILDREN {
 // have millions of them, and each takes one PATHNODE, so keep it small.
 struct PATHNODE {
     PATHINFO* info;      // its statistics; null: none, or not to be found again
-    char* head;          // see record_heads.h; null: none
+    union {
+        char* head;           // see record_heads.h; null: none
+        uint64_t partNumber;  // in a scan that counts alone: see partial_scan.h
+    };
     PATHNODE* follower;  // the member or element that came next the last time
     union {
         PATHCHILDREN* children;  // of a member; null: none yet
