@@ -143,6 +143,42 @@ uint64_t jmapBeginText(QVEJMAPJsonContexth inh);
  * hash tables, which else live until the host stops.  Only Term may follow. */
 void jmapEndInput(QVEJMAPJsonContexth inh);
 
+/* ---- Scans that count alone, and scans in parts ---------------------------------------------- */
+
+/* Before the first buffer: the document keeps no records.  It gets its maps and its statistics, but
+ * has no rows: a table, a pass or a cursor on it ends at once.  Memory: what its paths take.
+ *   part  it makes no map either; see jmapTakePart */
+void jmapCountOnly(QVEJMAPJsonContexth inh, QVBoolean part);
+
+/* Between the buffers of a part: what came before is not of the part but around it, such as the
+ * bracket of an array that the elements of the part are in.  It is not counted. */
+void jmapBeginPart(QVEJMAPJsonContexth inh);
+
+/* After the last buffer of a document that counts a part: what it has counted, as bytes that can be
+ * stored and sent.  They live until Term.  QV_NOMEM. */
+QVStatus jmapTakePart(QVEJMAPJsonContexth inh, const char** bytes, QVStrSize* bytesLen);
+
+/* Adds a part to a document that counts alone and gets no buffers.  Parts of one text, or texts one
+ * after the other, added in order, give what a scan of all of them would have given, unless
+ * jmapPartFlags says other.
+ *   line, column  where the part begins; of the line only the lowest 40 bits are a line, from 1
+ * Returns QV_OK; QV_BADPARMS for bytes that are no part; QV_NOMEM; a status of the guard.  After a
+ * failure only Term may follow. */
+QVStatus jmapAddPart(QVEJMAPJsonContexth inh, const char* bytes, QVStrSize bytesLen, int64_t line,
+                     int64_t column);
+
+/* After the last part: makes the map, as the last buffer does.  Returns what JsonInput would. */
+QVStatus jmapEndParts(QVEJMAPJsonContexth inh);
+
+/* Why parts may not give what the whole gives; 0: they do.  Of what has been scanned or added. */
+enum {
+    JMAP_PART_EMPTY_NAME = 1,    /* a member has the name "", which changes how labels are counted
+                                    from there on */
+    JMAP_PART_OTHER_ELEMENTS = 2 /* the outermost array has elements that are no objects: they are
+                                    numbered.  It does not matter to parts that are whole texts */
+};
+uint32_t jmapPartFlags(QVEJMAPJsonContexth inh);
+
 /* ---- Limits of a scan ---------------------------------------------------------------------- */
 
 /* The size of a document so far. */
@@ -311,13 +347,14 @@ QVStatus jmapWalkOpen(QVEJMAPJsonContexth inh, QVEJMAPJsonContexth tablesOf,
                       QVStatus (*take)(void* arg, const JMAPPassItem* item), void* arg,
                       JMAPPassh* walk);
 
-/* A text may be walked in parts, each a document of its own.  Before the last buffer of a part that
+/* A text may be walked in parts, each a document of its own, with jmapBeginPart after what is around
+ * it.  Before the last buffer of a part that
  * is not the last: the path of the marker with which the next part begins.  At its end the rows are
  * handed out that this marker ends.  QV_NOMEM. */
 QVStatus jmapWalkPart(JMAPPassh walk, const char* next, QVStrSize nextLen);
 
 /* What an ordinal has counted; columns of one path share it.  It may be set before the first buffer,
- * to what the parts before have counted.  Null: the column is no ordinal, or has no path. */
+ * or after jmapBeginPart, to what the parts before have counted.  Null: the column is no ordinal, or has no path. */
 uint64_t* jmapWalkCount(JMAPPassh walk, QVStrSize table, QVStrSize column);
 
 /* After the last buffer: whether values have come that a row of the next part would get, because

@@ -66,6 +66,7 @@ struct JMAP_PRIVATE {
     PATHBRANCH pathRoot;  // the root component
     PATHBRANCH* pathAt;   // the node of the labels on the nesting stack
     uint64_t pathNodes;   // nodes in the tree: the distinct paths of the document
+    uint64_t pathsAsked;  // of a scan that counts alone: nodes when the guard was asked
     ARENA pathArena;      // nodes, names, statistics, columns of the automatic map
     HEADSTORE heads;      // record heads of the nodes
     QVTrackerh members;   // parent and name -> PATHNODE, for parents that are `indexed`; owned,
@@ -109,10 +110,12 @@ struct JMAP_PRIVATE {
     int32_t* labelMaxes;    // [labelMaxesSize + 1] longest label at each depth
     int32_t labelMaxesSize;
     bool emptyName;         // a member had the name "": see inStep
+    bool otherElements;     // the outermost array has elements that are no objects
     QVStrSize valueMaxLen;  // longest value, bytes
     CALLBACKTYPE lastCallback;
     uint64_t rootMarkers;  // markers of the root component that have been written
     bool severalTexts;     // jmapBeginText has been called
+    bool isPart;           // [open, by jmapCountOnly] no map is made
     uint64_t textMarkers;  // of these markers, those before the text that is being scanned
 
     // ALLDATA [automap].

@@ -79,6 +79,7 @@ struct PATHCHILDREN {
     PATHNODE* elements[2];  // the first element named after the label, and the first plain one
     PATHNODE* lastElement;  // the element that was read last
     PATHINFO* group;        // head of the group of the children
+    uint64_t markers;       // of the container, in a scan that counts alone
 };
 
 // A node of the tree of known paths: the last label of a path.  Members are identified by name,
@@ -90,8 +91,9 @@ struct PATHCHILDREN {
 struct PATHNODE {
     PATHINFO* info;      // its statistics; null: none, or not to be found again
     union {
-        char* head;         // see record_heads.h; null: none
-        PASSPATH* meaning;  // of a walk: what the path means to its tables; null: not known yet
+        char* head;           // see record_heads.h; null: none
+        uint64_t partNumber;  // in a scan that counts alone: see partial_scan.h
+        PASSPATH* meaning;    // of a walk: what the path means to its tables; null: not known yet
     };
     PATHNODE* follower;  // the member or element that came next the last time
     union {

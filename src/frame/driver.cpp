@@ -132,7 +132,9 @@ QVStatus JsonInput(QVEJMAPJsonContexth inh, QVMemPtr inbuf, QVStrSize inlen, QVB
     }
     if (done != 0 && (rc == QV_OK || rc == QV_NEEDMORE)) {
         // Kept: on failure the trackers are not ended.  They live until the host stops.
-        QV_TRY(finish(p, caching));
+        if (!p->isPart) {
+            QV_TRY(finish(p, caching));
+        }
         rc = QV_OK;
     }
     releaseHashes(p);
@@ -147,6 +149,13 @@ QVStatus JsonInput(QVEJMAPJsonContexth inh, QVMemPtr inbuf, QVStrSize inlen, QVB
         myLogNote(p, U"Parsing of %.*hs ends with ERROR", noteLen(p->jsonDescLen), p->jsonDesc);
     }
     return p->vrc != QV_OK ? p->vrc : JMAP_PARSE;
+}
+
+QVStatus endParts(JMAP_PRIVATE* p) noexcept {
+    QVBoolean caching = 0;
+    QV_TRY(finish(p, &caching));
+    releaseHashes(p);
+    return QV_OK;
 }
 
 void endInput(JMAP_PRIVATE* p) noexcept {

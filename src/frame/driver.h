@@ -13,6 +13,9 @@ namespace jmap {
 QVStatus JsonInput(QVEJMAPJsonContexth inh, QVMemPtr inbuf, QVStrSize inlen, QVBoolean done,
                    QVBoolean* caching, QVJnlh jnl);
 
+// Finishes a document whose parts have all been added; see jmapEndParts.
+QVStatus endParts(JMAP_PRIVATE* p) noexcept;
+
 // Ends what a failed or unfinished scan keeps open; see jmapEndInput.
 void endInput(JMAP_PRIVATE* p) noexcept;
 

@@ -16,8 +16,10 @@
 #include "reader/read_context.h"
 #include "reader/row_walk.h"
 #include "reader/table_pass.h"
+#include "scan/count_sink.h"
 #include "scan/events.h"
 #include "scan/exact_number.h"
+#include "scan/partial_scan.h"
 #include "scan/path_stats.h"
 #include "scan/path_tree.h"
 #include "scan/path_watch.h"
@@ -218,6 +220,43 @@ uint64_t jmapBeginText(QVEJMAPJsonContexth inh) {
 
 void jmapEndInput(QVEJMAPJsonContexth inh) {
     endInput(contextOf(inh));
+}
+
+// ---- Scans in parts -----------------------------------------------------------------------------
+
+void jmapCountOnly(QVEJMAPJsonContexth inh, QVBoolean part) {
+    JMAP_PRIVATE* p = contextOf(inh);
+    installScanCallbacks<CountSink>(&p->parseCB);
+    p->isPart = part != 0;
+}
+
+void jmapBeginPart(QVEJMAPJsonContexth inh) {
+    JMAP_PRIVATE* p = contextOf(inh);
+    beginPart(p);
+    if (p->walk != nullptr) {
+        beginWalkPart(p->walk);
+    }
+}
+
+QVStatus jmapTakePart(QVEJMAPJsonContexth inh, const char** bytes, QVStrSize* bytesLen) {
+    std::string_view part;
+    QV_TRY(writePart(contextOf(inh), &part));
+    *bytes = part.data();
+    *bytesLen = lengthOf(part);
+    return QV_OK;
+}
+
+QVStatus jmapAddPart(QVEJMAPJsonContexth inh, const char* bytes, QVStrSize bytesLen, int64_t line,
+                     int64_t column) {
+    return addPart(contextOf(inh), view(bytes, bytesLen), {line, column});
+}
+
+QVStatus jmapEndParts(QVEJMAPJsonContexth inh) {
+    return endParts(contextOf(inh));
+}
+
+uint32_t jmapPartFlags(QVEJMAPJsonContexth inh) {
+    return partFlags(contextOf(inh));
 }
 
 QVStatus jmapRecordsOpen(QVEJMAPJsonContexth inh, JMAPRecordCursorh* cursor) {

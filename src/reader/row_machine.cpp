@@ -256,6 +256,16 @@ void startHanded(ROWMACHINE* machine) {
     }
 }
 
+void clearCounts(ROWMACHINE* machine) {
+    machine->roots = 0;
+    for (QVStrSize i = 0; i < machine->tableCount; ++i) {
+        const PASSTABLE& table = machine->tables[i];
+        for (uint32_t k = 0; k < table.ordinalCount; ++k) {
+            table.ordinals[k].path->count = 0;
+        }
+    }
+}
+
 void startCounting(ROWMACHINE* machine) {
     for (QVStrSize i = 0; i < machine->tableCount; ++i) {
         machine->tables[i].countedBefore = countedBy(machine->tables[i]);

@@ -127,6 +127,9 @@ void lookForNumber(ROWMACHINE* machine, const PASSPATH& found, std::string_view 
 // Begins the next row of the table whose row has been handed out.
 void startHanded(ROWMACHINE* machine);
 
+// Makes all ordinals begin at 0 again.
+void clearCounts(ROWMACHINE* machine);
+
 // Makes the rows of ordinals begin, once their first counts are set.
 void startCounting(ROWMACHINE* machine);
 

@@ -225,6 +225,11 @@ QVStatus openWalk(JMAP_PRIVATE* p, const DSINFO* alldata, DSINFO* const* tables,
     return QV_OK;
 }
 
+void beginWalkPart(ROWWALK* walk) {
+    clearCounts(&walk->machine);
+    walk->begun = false;
+}
+
 void beginBuffer(ROWWALK* walk, const void* buf, QVStrSize bufLen) {
     if (!walk->begun) {
         walk->begun = true;

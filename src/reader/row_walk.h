@@ -18,7 +18,7 @@ struct ROWWALK {
     QVStatus (*take)(void* arg, const JMAPPassItem* item);  // the caller's
     void* arg;
     QVStatus status;    // what ended the walk; QV_OK: nothing yet
-    bool begun;         // the first buffer has come
+    bool begun;         // its first buffer has come
     PASSPATH nothing;   // what a path means that means nothing to any table
     uintptr_t buf;      // the buffer that is being parsed
     uintptr_t bufLen;   // 0: none is
@@ -34,6 +34,9 @@ namespace jmap {
 //   alldata  the table ALLDATA of the other document, which no walk can make
 [[nodiscard]] QVStatus openWalk(JMAP_PRIVATE* p, const DSINFO* alldata, DSINFO* const* tables,
                                 QVStrSize tableCount, uint64_t flags, ROWWALK** out);
+
+// What has been counted is not of the document; see jmapBeginPart.
+void beginWalkPart(ROWWALK* walk);
 
 // To be called before and after a buffer is parsed.  Returns what ended the walk, or QV_OK.
 void beginBuffer(ROWWALK* walk, const void* buf, QVStrSize bufLen);

@@ -98,6 +98,11 @@ inline void noteEvent(JMAP_PRIVATE* p, const QVChar* event) {
 
 void noteValue(JMAP_PRIVATE* p, std::string_view name, std::string_view value);
 
+// Whether `top` of the stack is the only one.
+[[nodiscard]] inline bool isOutermost(const LEVEL* top) noexcept {
+    return top != nullptr && top->next == nullptr;
+}
+
 // ---- The handlers -------------------------------------------------------------------------------
 
 template <class Sink>
@@ -166,6 +171,7 @@ template <class Sink>
 QVStatus Events<Sink>::gotElement(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
     const LEVEL* below = peekLevel(p)->next;
     const bool plain = below == nullptr || below->what != WHAT_LABEL;
+    p->otherElements = p->otherElements || isOutermost(peekLevel(p));
     const bool beginsText = p->severalTexts && p->rootMarkers == p->textMarkers;
     if (beginsText || (!plain && p->elementCount == 0)) {
         QV_TRY(Sink::marker(p));
@@ -181,6 +187,7 @@ QVStatus Events<Sink>::farrayStart(JSNParseCB* cb) {
         QV_TRY(Sink::marker(p));
     }
     p->lastCallback = CB_ARRAYSTART;
+    p->otherElements = p->otherElements || isOutermost(peekLevel(p));
     return newLevel(p, WHAT_ARRAY);
 }
 

@@ -116,9 +116,7 @@ QVStatus pushMember(JMAP_PRIVATE* p, LEVEL* l, PATHNODE* node) {
     }
     QV_TRY(countLabel(p, node->nameLen));
     p->emptyName = p->emptyName || node->nameLen == 0;
-    if (p->pathAt->lastMember != nullptr) {
-        p->pathAt->lastMember->node.follower = node;
-    }
+    expectMember(p->pathAt, node);
     return pushMember(p, l, node);
 }
 
@@ -152,6 +150,16 @@ QVStatus newElementLabel(JMAP_PRIVATE* p, PATHNODE* node) {
     }
     QV_TRY(countLabel(p, node->nameLen));
     return push(p, l, WHAT_LABEL, nameOf(node), node);
+}
+
+QVStatus keepLabelLength(JMAP_PRIVATE* p, int32_t depth, int32_t len) {
+    while (depth >= p->labelMaxesSize) {
+        QV_TRY(growLabelArrays(p));
+    }
+    int32_t& longest = p->labelMaxes[depth];
+    longest = std::max(longest, len);
+    p->labelCountMax = std::max(p->labelCountMax, depth);
+    return QV_OK;
 }
 
 LEVEL* popLevel(JMAP_PRIVATE* p) {

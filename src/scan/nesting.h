@@ -26,6 +26,9 @@ namespace jmap {
 // The same for an element, whose node is known.
 [[nodiscard]] QVStatus newElementLabel(JMAP_PRIVATE* p, PATHNODE* node);
 
+// Enters the length of a label that was counted elsewhere, at the depth `labelCount` had.
+[[nodiscard]] QVStatus keepLabelLength(JMAP_PRIVATE* p, int32_t depth, int32_t len);
+
 // Pops and returns the top entry; null when the stack is empty.  The entry is valid until the next
 // push.
 LEVEL* popLevel(JMAP_PRIVATE* p);

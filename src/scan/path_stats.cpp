@@ -199,7 +199,7 @@ void lookAtNumber(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, std::string_vie
     }
 }
 
-PATHINFO* newPathInfo(JMAP_PRIVATE* p, const PATHNODE* node, VALTYPE type, std::string_view value) {
+PATHINFO* emptyPathInfo(JMAP_PRIVATE* p, const PATHNODE* node, bool ownParent) {
     char* mem = arenaBytes(&p->pathArena, p->cpool, sizeof(PATHINFO));
     if (mem == nullptr) {
         return nullptr;
@@ -207,7 +207,15 @@ PATHINFO* newPathInfo(JMAP_PRIVATE* p, const PATHNODE* node, VALTYPE type, std::
     std::memset(mem, 0, sizeof(PATHINFO));
     auto* info = reinterpret_cast<PATHINFO*>(mem);
     info->node = node;
-    info->ownParent = p->lastNameLen == 0;
+    info->ownParent = ownParent;
+    return info;
+}
+
+PATHINFO* newPathInfo(JMAP_PRIVATE* p, const PATHNODE* node, VALTYPE type, std::string_view value) {
+    PATHINFO* info = emptyPathInfo(p, node, p->lastNameLen == 0);
+    if (info == nullptr) {
+        return nullptr;
+    }
     info->count = 1;
     info->type = typeOf(type);
     info->pathMaxValLen = std::max<QVStrSize>(lengthOf(value), 1);
@@ -230,12 +238,8 @@ PATHINFO* groupByText(JMAP_PRIVATE* p, const PATHINFO* info, std::string_view pa
                 [](const PATHINFO* head) { return parentLenOf(head); });
 }
 
-QVStatus insertNewPath(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path, VALTYPE type,
-                       std::string_view value) {
-    PATHINFO* info = newPathInfo(p, node, type, value);
-    if (info == nullptr) {
-        return QV_NOMEM;
-    }
+// Enters a new path into its group, and where it can be found.
+void enterPath(JMAP_PRIVATE* p, PATHNODE* node, PATHINFO* info, std::string_view path) {
     PATHINFO** group = &p->pathAt->node.children->group;
     if (*group == nullptr && p->byText) {
         *group = groupByText(p, info, path);
@@ -249,11 +253,94 @@ QVStatus insertNewPath(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path, V
     if (p->byText) {
         enterByText(p, info, path);
     }
+    node->info = canBeFound(info) ? info : nullptr;
+}
+
+QVStatus insertNewPath(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path, VALTYPE type,
+                       std::string_view value) {
+    PATHINFO* info = newPathInfo(p, node, type, value);
+    if (info == nullptr) {
+        return QV_NOMEM;
+    }
+    enterPath(p, node, info, path);
     if (p->watches != nullptr) {
         noteWatched(p, info, path, type, info->longest);
     }
-    node->info = canBeFound(info) ? info : nullptr;
     return QV_OK;
+}
+
+void findByText(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path) {
+    if (node->info == nullptr && p->byText) {
+        node->info = find(p, p->hash, path,
+                          [](const PATHINFO* info) -> QVStrSize { return info->node->textLen; });
+    }
+}
+
+// ---- Values that were counted elsewhere ---------------------------------------------------------
+
+// Kept: as in addKind.
+void addKinds(JMAP_PRIVATE* p, PATHKIND* kinds, const COUNTEDPATH& path, int32_t from) {
+    for (int32_t i = from; i < path.kindCount; ++i) {
+        PATHKIND* kind = kinds;
+        while (kind->kind != path.kinds[i].kind && kind->next != nullptr) {
+            kind = kind->next;
+        }
+        if (kind->kind == path.kinds[i].kind) {
+            kind->count += path.kinds[i].count;
+        } else if (auto* added = poolNew<PATHKIND>(p->cpool); added != nullptr) {
+            *added = path.kinds[i];
+            kind->next = added;
+        }
+    }
+}
+
+void addInexact(JMAP_PRIVATE* p, PATHINFO* info, const COUNTEDPATH& path) {
+    if (path.inexact == 0) {
+        return;
+    }
+    PATHEXTRAS* extras = pathExtras(p, info);
+    if (extras == nullptr) {
+        ++p->lostLookups;
+        return;
+    }
+    if (extras->inexact == 0) {
+        extras->firstInexact = path.firstInexact;
+    }
+    extras->inexact += path.inexact;
+}
+
+bool hasStrings(const COUNTEDPATH& path) {
+    return path.type == VAR_CHAR ||
+           std::any_of(path.kinds, path.kinds + path.kindCount,
+                       [](const PATHKIND& kind) { return kind.kind == VAL_STRING; });
+}
+
+void addCounted(JMAP_PRIVATE* p, PATHINFO* info, const COUNTEDPATH& path) {
+    info->count += path.count;
+    addKinds(p, &info->kinds, path, 0);
+    addInexact(p, info, path);
+    if (info->type == VAR_DOUBLE && hasStrings(path)) {
+        info->type = VAR_CHAR;
+    }
+    if (path.longest > info->pathMaxValLen) {
+        info->pathMaxValLen = path.longest;
+        info->longest = path.longestAt;
+    }
+}
+
+PATHINFO* newCounted(JMAP_PRIVATE* p, const PATHNODE* node, const COUNTEDPATH& path) {
+    PATHINFO* info = emptyPathInfo(p, node, path.ownParent);
+    if (info == nullptr) {
+        return nullptr;
+    }
+    info->count = path.count;
+    info->type = path.type;
+    info->pathMaxValLen = path.longest;
+    info->longest = path.longestAt;
+    info->kinds = path.kinds[0];
+    addKinds(p, &info->kinds, path, 1);
+    addInexact(p, info, path);
+    return info;
 }
 
 }  // namespace
@@ -265,14 +352,35 @@ QVStatus insertPathInfo(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path, 
         myLogNote(p, U"insertPathInfo [%.*hs] type %s valLen %d", noteLen(lengthOf(slashed)),
                   slashed.data(), valtypeToHostString(type), noteLen(lengthOf(value)));
     }
-    if (node->info == nullptr && p->byText) {
-        node->info = find(p, p->hash, path,
-                          [](const PATHINFO* info) -> QVStrSize { return info->node->textLen; });
-    }
+    findByText(p, node, path);
     if (node->info == nullptr) {
         return insertNewPath(p, node, path, type, value);
     }
     countAgain(p, node->info, type, value);
+    return QV_OK;
+}
+
+QVStatus insertCounted(JMAP_PRIVATE* p, PATHNODE* node, const COUNTEDPATH& path) {
+    if (childrenOf(p, &p->pathAt->node) == nullptr) {
+        return QV_NOMEM;
+    }
+    std::string_view text;
+    if (p->byText) {
+        text = pathText(p, node, node->textLen);
+        if (text.data() == nullptr) {
+            return QV_NOMEM;
+        }
+        findByText(p, node, text);
+    }
+    if (node->info != nullptr) {
+        addCounted(p, node->info, path);
+        return QV_OK;
+    }
+    PATHINFO* info = newCounted(p, node, path);
+    if (info == nullptr) {
+        return QV_NOMEM;
+    }
+    enterPath(p, node, info, text);
     return QV_OK;
 }
 

@@ -28,8 +28,31 @@ namespace jmap {
 [[nodiscard]] QVStatus insertPathInfo(JMAP_PRIVATE* p, PATHNODE* node, std::string_view path,
                                       VALTYPE type, std::string_view value);
 
+// Whether insertPathInfo looks at `path`; else it may be empty.
+[[nodiscard]] inline bool needsPathText(const JMAP_PRIVATE* p) noexcept {
+    return p->byText || p->watches != nullptr || p->debugInsertPath;
+}
+
 // The same for a path whose entry is known.
 void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, std::string_view value);
+
+// Values of a path that were counted elsewhere.
+inline constexpr int32_t kKindsOfAPath = 5;
+struct COUNTEDPATH {
+    VARTYPE type;
+    bool ownParent;
+    int64_t count;
+    QVStrSize longest;  // bytes
+    PLACE longestAt;
+    int64_t inexact;
+    PLACE firstInexact;
+    int32_t kindCount;  // 1 or more
+    PATHKIND kinds[kKindsOfAPath];  // in order of appearance
+};
+
+// Records these as insertPathInfo does, after all that have been recorded.  `pathAt` is the parent
+// of the path, or the path itself if that is its own parent.
+[[nodiscard]] QVStatus insertCounted(JMAP_PRIVATE* p, PATHNODE* node, const COUNTEDPATH& path);
 
 // From now on paths are looked up by text when their nodes do not know them.
 void lookUpByText(JMAP_PRIVATE* p);

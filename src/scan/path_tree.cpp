@@ -40,10 +40,7 @@ T* newRecord(JMAP_PRIVATE* p) {
 template <class T>
 PATHNODE* newNode(JMAP_PRIVATE* p, std::string_view name) {
     PATHNODE* at = &p->pathAt->node;
-    if (at->children == nullptr) {
-        at->children = newRecord<PATHCHILDREN>(p);
-    }
-    if (at->children == nullptr || at->textLen + 1 + lengthOf(name) > INT32_MAX) {
+    if (childrenOf(p, at) == nullptr || at->textLen + 1 + lengthOf(name) > INT32_MAX) {
         return nullptr;
     }
     char* mem =
@@ -168,6 +165,13 @@ void startPathTree(JMAP_PRIVATE* p) {
     p->pathRoot = {};
     p->pathRoot.node.textLen = static_cast<int32_t>(p->rootL);
     p->pathAt = &p->pathRoot;
+}
+
+PATHCHILDREN* childrenOf(JMAP_PRIVATE* p, PATHNODE* node) {
+    if (node->children == nullptr) {
+        node->children = newRecord<PATHCHILDREN>(p);
+    }
+    return node->children;
 }
 
 PATHNODE* memberNode(JMAP_PRIVATE* p, std::string_view name) {

@@ -36,11 +36,22 @@ inline constexpr std::string_view kPlainBase = "element";
 // Begins an empty tree, with `pathAt` at its root.
 void startPathTree(JMAP_PRIVATE* p);
 
+// The children of the node, which is no element; made when there are none.  Null without memory.
+[[nodiscard]] PATHCHILDREN* childrenOf(JMAP_PRIVATE* p, PATHNODE* node);
+
 // The member of `at` that is expected next, if it has that name; else null.
 [[nodiscard]] inline PATHNODE* expectedMember(const PATHBRANCH* at,
                                               std::string_view name) noexcept {
     PATHNODE* expected = at->lastMember == nullptr ? nullptr : at->lastMember->node.follower;
     return expected != nullptr && equalShort(nameOf(expected), name) ? expected : nullptr;
+}
+
+// Expects the member after the one that was read last.
+inline void expectMember(PATHBRANCH* at, PATHNODE* node) noexcept {
+    if (at->lastMember != nullptr) {
+        at->lastMember->node.follower = node;
+    }
+    at->lastMember = branchOf(node);
 }
 
 // The member of `pathAt` with that name, made when there is none.  Null without memory.
