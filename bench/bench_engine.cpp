@@ -1,8 +1,12 @@
 // Speed of the engine in process, one thread, the document in memory: scan to the automatic map,
-// and reading each table.
+// reading each table, and the rows of all tables.
 //
 //   BM_Scan/orders         bytes of document a second, buffers of 1 MiB, records kept, uncompressed
 //   BM_Read/orders/TABLE   bytes of records a second
+//   BM_Pass/orders         the rows of all tables of the automatic map, by a scan and a pass over
+//   its
+//                          records: bytes of document a second
+//   BM_Walk/orders         the same rows by a walk
 //
 // The first scan of each document touches fresh memory; it is timed apart and shown as "cold_MBps".
 #include "qvejmapx.h"
@@ -71,6 +75,64 @@ void readTable(benchmark::State& state, QVEJMAPJsonContexth doc, JMAPTableh tabl
         benchmark::Counter(static_cast<double>(rows), benchmark::Counter::kIsRate);
 }
 
+std::vector<JMAPTableh> tablesOf(QVEJMAPJsonContexth doc) {
+    QVMemPtr map = nullptr;
+    check(engine()->GetAutoMap(doc, &map), "GetAutoMap");
+    std::vector<JMAPTableh> tables;
+    JMAPTableh table = nullptr;
+    while (jmapNextTable(map, &table) == QV_OK) {
+        tables.push_back(table);
+    }
+    return tables;
+}
+
+QVStatus countItem(void* count, const JMAPPassItem* item) {
+    benchmark::DoNotOptimize(item);
+    ++*static_cast<int64_t*>(count);
+    return QV_OK;
+}
+
+// Scans the text, and gives each row to `countItem`.
+void rowsOfPass(const std::string& text, int64_t* count) {
+    QVEJMAPJsonContexth doc = scan(text);
+    const std::vector<JMAPTableh> tables = tablesOf(doc);
+    JMAPPassh pass = nullptr;
+    check(jmapPassOpen(doc, tables.data(), static_cast<QVStrSize>(tables.size()), 0, &pass),
+          "jmapPassOpen");
+    for (JMAPPassItem item; jmapPassNext(pass, &item) == QV_OK;) {
+        (void)countItem(count, &item);
+    }
+    check(jmapPassClose(pass), "jmapPassClose");
+    check(engine()->Term(doc, nullptr), "Term");
+}
+
+void rowsOfWalk(const std::string& text, QVEJMAPJsonContexth tablesFrom, int64_t* count) {
+    const std::vector<JMAPTableh> tables = tablesOf(tablesFrom);
+    QVEJMAPJsonContexth doc = open();
+    JMAPPassh walk = nullptr;
+    check(jmapWalkOpen(doc, tablesFrom, tables.data(), static_cast<QVStrSize>(tables.size()), 0,
+                       countItem, count, &walk),
+          "jmapWalkOpen");
+    input(doc, text);
+    finish(doc);
+    check(jmapPassClose(walk), "jmapPassClose");
+    check(engine()->Term(doc, nullptr), "Term");
+}
+
+template <class Rows>
+void registerRows(const char* name, const Document& document, Rows rows) {
+    benchmark::RegisterBenchmark((name + document.name).c_str(), [&document,
+                                                                  rows](benchmark::State& state) {
+        int64_t count = 0;
+        for (auto _ : state) {
+            rows(document.text, &count);
+        }
+        state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * document.text.size()));
+        state.counters["rows"] =
+            benchmark::Counter(static_cast<double>(count), benchmark::Counter::kIsRate);
+    })->Unit(benchmark::kMillisecond);
+}
+
 void registerScan(const Prepared& prepared) {
     benchmark::RegisterBenchmark(
         ("BM_Scan/" + prepared.document->name).c_str(),
@@ -110,6 +172,12 @@ int main(int argc, char** argv) {
     }
     for (const Prepared& one : prepared) {
         registerTables(one);
+    }
+    for (const Prepared& one : prepared) {
+        registerRows("BM_Pass/", *one.document, rowsOfPass);
+        registerRows("BM_Walk/", *one.document, [doc = one.doc](const auto& text, int64_t* count) {
+            rowsOfWalk(text, doc, count);
+        });
     }
     benchmark::RunSpecifiedBenchmarks();
     return 0;

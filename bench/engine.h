@@ -42,17 +42,27 @@ void inBuffers(std::string_view text, Input input) {
     }
 }
 
-// A document that has got the text but not its end.
-inline QVEJMAPJsonContexth feed(std::string_view text) {
+// A document without a text yet.
+inline QVEJMAPJsonContexth open() {
     QVEJMAPJsonInitParms parms = {};
     parms.inCEI = U_UTF8_CE;
     parms.ordinalCount = UINT64_MAX;
     QVEJMAPJsonContexth doc = nullptr;
     check(engine()->JsonInit(&engine()->exth, &parms, &doc, nullptr), "JsonInit");
+    return doc;
+}
+
+inline void input(QVEJMAPJsonContexth doc, std::string_view text) {
     QVBoolean caching = 0;
     inBuffers(text, [&](char* buffer, QVStrSize size, bool /*last*/) {
         check(engine()->JsonInput(doc, buffer, size, 0, &caching, nullptr), "JsonInput");
     });
+}
+
+// A document that has got the text but not its end.
+inline QVEJMAPJsonContexth feed(std::string_view text) {
+    QVEJMAPJsonContexth doc = open();
+    input(doc, text);
     return doc;
 }
 
