@@ -1,6 +1,6 @@
-// The rows that a pass is making, one for each of its tables.
+// The rows that are being made, one for each table of a pass or a walk.
 //
-// Tested by tests/reader/table_pass_test.cpp
+// Tested by tests/reader/table_pass_test.cpp and tests/reader/row_walk_test.cpp
 #include "pass_rows.h"
 
 #include "core/pool.h"

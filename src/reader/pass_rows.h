@@ -1,12 +1,13 @@
-// The rows that a pass is making, one for each of its tables.
+// The rows that are being made, one for each table of a pass or a walk.
 //
-// A cell is a view of the value in its record.  Only cells that a row sets are listed and cleared,
-// so the cost of a row does not depend on the width of its table.  Some texts get memory of their
-// own, "held".  A buffer with a loaded block is overwritten by the next block, so values that are
-// needed after that are copied first.  A retained column copies its value at once, since its cell
-// is in no list when the block is overwritten.
+// A cell is a view of the value, in its record or in the document.  Only cells that a row sets are
+// listed and cleared, so the cost of a row does not depend on the width of its table.  Some texts
+// get memory of their own, "held".  A buffer with a loaded block, or with a part of the document,
+// is overwritten by the next one, so values that are needed after that are copied first.  A
+// retained column copies its value at once, since its cell is in no list when the buffer is
+// overwritten.
 //
-// Tested by tests/reader/table_pass_test.cpp
+// Tested by tests/reader/table_pass_test.cpp and tests/reader/row_walk_test.cpp
 #pragma once
 
 #include "qvejmapx.h"
@@ -45,19 +46,19 @@ struct PASSTABLE {
     uint32_t cellCount;
     uint32_t ordinalCount;
     uint32_t setCount;
-    uint32_t parkedCount;    // first entries of `set`, whose texts are not in the current block
+    uint32_t parkedCount;    // first entries of `set`, whose texts are not in the current buffer
     bool inVariables;        // the row has received a value
     bool open;               // its table path is on the stack of seen table paths
     bool strayed;            // the row has received a value while `open` was false
     bool ordinalsOnly;       // every column is an ordinal: counting makes rows
-    bool touched;            // in the list of tables with texts in the block
+    bool touched;            // in the list of tables with texts in the buffer
     uint64_t countedBefore;  // `ordinalsOnly`: sum of its counts when the row began
     PASSTABLE* samePath;     // the next table with the same table path
     PASSTABLE* nextEnded;    // in the queue of complete rows
     PASSTABLE* nextTouched;
 };
 
-// What the rows of a pass share.
+// What the rows of all tables share.
 struct PASSROWS {
     QVPoolh pool;        // owns all
     bool textsGo;        // the texts of values are overwritten later; `parkRows` is called before
@@ -69,10 +70,10 @@ namespace jmap {
 // Copies the text of a cell into memory of its own, unless it is there already.  QV_NOMEM.
 [[nodiscard]] QVStatus holdText(const PASSROWS& rows, PASSTABLE& table, uint32_t column);
 
-// Makes sure that the text survives the block: copies it, or lists its table.  QV_NOMEM.
+// Makes sure that the text survives the buffer: copies it, or lists its table.  QV_NOMEM.
 [[nodiscard]] QVStatus keepText(PASSROWS& rows, PASSTABLE& table, uint32_t column);
 
-// Copies the texts that open rows have in the block, before it is overwritten.  QV_NOMEM.
+// Copies the texts that open rows have in the buffer, before it is overwritten.  QV_NOMEM.
 [[nodiscard]] QVStatus parkRows(PASSROWS& rows);
 
 // Begins the table's next row: empties every cell that is not retained.
