@@ -53,7 +53,7 @@ void PartitionFinder::feed(std::string_view text, std::vector<Cut>& cuts) {
         return offset_ + static_cast<uint64_t>(block - bytesOf(text));
     };
     while (status_ == Status::LOOKING && end - p >= kSkimBytes) {
-        p = skim_(p, end, skimmed_, block_);
+        p = skim_(p, end, dueIn(text), skimmed_, block_);
         if (end - p >= kSkimBytes) {
             blockOffset_ = blockAt(p);
             look(p, 0, cuts);
@@ -70,7 +70,7 @@ void PartitionFinder::feed(std::string_view text, std::vector<Cut>& cuts) {
         std::memcpy(last + filled, p, left);
         last[filled - 1] = skimmed_.escaped != 0 ? '\\' : ' ';
         skimmed_.escaped = 0;
-        if (skim_(last, last + kSkimBytes, skimmed_, block_) == last) {
+        if (skim_(last, last + kSkimBytes, last, skimmed_, block_) == last) {
             blockOffset_ = blockAt(p) - filled;  // may wrap; no byte before `filled` has an offset
             look(last, static_cast<unsigned>(filled), cuts);
         }
@@ -122,11 +122,17 @@ Cut PartitionFinder::place(unsigned at, unsigned after) const {
             static_cast<int64_t>(offset - lineStart) + 1};
 }
 
+// From where on a cut may be made, or the beginning of the piece when that cannot be said.
+const uint8_t* PartitionFinder::dueIn(std::string_view text) const {
+    const uint64_t due = state_ == State::INSIDE_ELEMENT ? std::max(next_, offset_) - offset_ : 0;
+    return bytesOf(text) + std::min(due, uint64_t{text.size()});
+}
+
 // A block in which a value ends, or which is outside.
 void PartitionFinder::look(const uint8_t* bytes, unsigned at, std::vector<Cut>& cuts) {
     while (at < kSkimBytes && status_ == Status::LOOKING) {
         if (state_ >= State::INSIDE_ELEMENT) {
-            at = inside(bytes, at);
+            at = inside(at);
         } else if (state_ == State::NAME || state_ == State::STRING) {
             at = inString(bytes, at);
         } else if (isOneOf(bytes[at], " \t\r\n")) {
@@ -137,22 +143,15 @@ void PartitionFinder::look(const uint8_t* bytes, unsigned at, std::vector<Cut>& 
     }
 }
 
-// The rest of a container; its own bracket may come first.  Where elements are small and no cut is
-// due, most of the time goes here: the next element is begun at once when it follows a comma.
-unsigned PartitionFinder::inside(const uint8_t* bytes, unsigned at) {
-    const bool due = offsetOf(kSkimBytes) >= next_;
+// The rest of a container; its own bracket may come first.
+unsigned PartitionFinder::inside(unsigned at) {
     for (uint64_t brackets = from(block_.opens | block_.closes, at); brackets != 0;
          brackets &= brackets - 1) {
         const uint64_t bracket = brackets & -brackets;
         skimmed_.depth += (block_.opens & bracket) != 0 ? 1 : -1;
         if (skimmed_.depth == 0) {
-            const unsigned after = lowest(bracket) + 1;
-            if (state_ == State::INSIDE_ELEMENT && !due && after + 1 < kSkimBytes &&
-                bytes[after] == ',' && bytes[after + 1] == '{') {
-                continue;
-            }
             state_ = state_ == State::INSIDE_ELEMENT ? State::ELEMENT_NEXT : State::MEMBER_NEXT;
-            return after;
+            return lowest(bracket) + 1;
         }
     }
     return kSkimBytes;

@@ -78,7 +78,7 @@ class PartitionFinder {
 
     void feedLines(std::string_view text, std::vector<Cut>& cuts);
     void look(const uint8_t* bytes, unsigned from, std::vector<Cut>& cuts);
-    unsigned inside(const uint8_t* bytes, unsigned at);
+    unsigned inside(unsigned at);
     unsigned inString(const uint8_t* bytes, unsigned at);
     unsigned token(uint8_t byte, unsigned at, std::vector<Cut>& cuts);
     void value(uint8_t byte, unsigned at);
@@ -94,6 +94,7 @@ class PartitionFinder {
     [[nodiscard]] uint64_t offsetOf(unsigned at) const {
         return blockOffset_ + static_cast<uint64_t>(at);
     }
+    [[nodiscard]] const uint8_t* dueIn(std::string_view text) const;
     [[nodiscard]] Cut place(unsigned at, unsigned after) const;
 
     const Skim skim_;

@@ -32,10 +32,25 @@ constexpr uint8_t kBrace = 0x20;
     return escaped;
 }
 
+// Whether each element that ends in the block `p` is followed by the next one at once.
+[[gnu::always_inline]] inline bool goesOn(const uint8_t* p, int64_t depth, uint64_t opens,
+                                          uint64_t closes) {
+    for (; closes != 0; closes &= closes - 1) {
+        const int at = std::countr_zero(closes);
+        --depth;
+        if (depth + std::popcount(opens & ((uint64_t{1} << at) - 1)) == 0 &&
+            (at + 2 >= kSkimBytes || p[at + 1] != ',' || p[at + 2] != '{')) {
+            return false;
+        }
+    }
+    return true;
+}
+
 // Inlined into a routine for each kernel, so that all of it uses the instructions of that kernel.
 template <class Kernel>
 [[gnu::always_inline]] inline const uint8_t* skim(const uint8_t* p, const uint8_t* end,
-                                                  SkimState& state, SkimBlock& block) {
+                                                  const uint8_t* due, SkimState& state,
+                                                  SkimBlock& block) {
     SkimState now = state;
     for (; end - p >= kSkimBytes; p += kSkimBytes) {
         const Bytes bytes = Kernel::find(p);
@@ -46,7 +61,8 @@ template <class Kernel>
         const uint64_t closes = bytes.closes & ~inString;
         now.feeds += std::popcount(bytes.feeds);
         const int64_t closed = std::popcount(closes);
-        if (now.depth <= closed) {
+        if (now.depth <= closed &&
+            (now.depth == 0 || due - p < kSkimBytes || !goesOn(p, now.depth, opens, closes))) {
             block = {quotes, opens, closes, bytes.feeds};
             break;
         }
@@ -96,9 +112,9 @@ struct Portable {
     }
 };
 
-const uint8_t* skimPortable(const uint8_t* p, const uint8_t* end, SkimState& state,
-                            SkimBlock& block) {
-    return skim<Portable>(p, end, state, block);
+const uint8_t* skimPortable(const uint8_t* p, const uint8_t* end, const uint8_t* due,
+                            SkimState& state, SkimBlock& block) {
+    return skim<Portable>(p, end, due, state, block);
 }
 
 #if defined(__x86_64__)
@@ -126,16 +142,17 @@ struct Sse2 {
     }
 };
 
-const uint8_t* skimSse2(const uint8_t* p, const uint8_t* end, SkimState& state, SkimBlock& block) {
-    return skim<Sse2>(p, end, state, block);
+const uint8_t* skimSse2(const uint8_t* p, const uint8_t* end, const uint8_t* due, SkimState& state,
+                        SkimBlock& block) {
+    return skim<Sse2>(p, end, due, state, block);
 }
 
-#define QVEJ_AVX2 gnu::target("avx2,pclmul,popcnt")
+#define QVEJ_AVX2 gnu::target("avx2,bmi,pclmul,popcnt")
 
 struct Avx2 {
     static bool offered() {
-        return __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("pclmul") != 0 &&
-               __builtin_cpu_supports("popcnt") != 0;
+        return __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("bmi") != 0 &&
+               __builtin_cpu_supports("pclmul") != 0 && __builtin_cpu_supports("popcnt") != 0;
     }
 
     [[QVEJ_AVX2]] static Bytes find(const uint8_t* p) {
@@ -165,9 +182,9 @@ struct Avx2 {
     }
 };
 
-[[QVEJ_AVX2]] const uint8_t* skimAvx2(const uint8_t* p, const uint8_t* end, SkimState& state,
-                                      SkimBlock& block) {
-    return skim<Avx2>(p, end, state, block);
+[[QVEJ_AVX2]] const uint8_t* skimAvx2(const uint8_t* p, const uint8_t* end, const uint8_t* due,
+                                      SkimState& state, SkimBlock& block) {
+    return skim<Avx2>(p, end, due, state, block);
 }
 
 #endif

@@ -33,11 +33,12 @@ struct SkimBlock {
     uint64_t feeds;
 };
 
-// Passes whole blocks from `p` on, as long as the depth stays above zero in them.  Returns the
-// first other block: it is in `block`, and in `state` but for its depth.  Else returns where less
-// than a block is left.
-using Skim = const uint8_t* (*)(const uint8_t* p, const uint8_t* end, SkimState& state,
-                                SkimBlock& block);
+// Passes whole blocks from `p` on, as long as the depth stays above zero in them.  Up to `due` it
+// also passes from an element to the next one, where only a comma is between them: with small
+// elements nearly every block has such a place.  Returns the first other block: it is in `block`,
+// and in `state` but for its depth.  Else returns where less than a block is left.
+using Skim = const uint8_t* (*)(const uint8_t* p, const uint8_t* end, const uint8_t* due,
+                                SkimState& state, SkimBlock& block);
 
 enum class SkimKernel : uint8_t {
     BEST,  // the fastest that the machine offers
