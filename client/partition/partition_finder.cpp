@@ -70,7 +70,9 @@ void PartitionFinder::feed(std::string_view text, std::vector<Cut>& cuts) {
         std::memcpy(last + filled, p, left);
         last[filled - 1] = skimmed_.escaped != 0 ? '\\' : ' ';
         skimmed_.escaped = 0;
-        if (skim_(last, last + kSkimBytes, last, skimmed_, block_) == last) {
+        const bool passed = skim_(last, last + kSkimBytes, last, skimmed_, block_) != last;
+        skimmed_.feedBlock = skimmed_.feedBlock == last ? p : skimmed_.feedBlock;
+        if (!passed) {
             blockOffset_ = blockAt(p) - filled;  // may wrap; no byte before `filled` has an offset
             look(last, static_cast<unsigned>(filled), cuts);
         }
@@ -78,7 +80,7 @@ void PartitionFinder::feed(std::string_view text, std::vector<Cut>& cuts) {
     offset_ += text.size();
     if (skimmed_.feeds != feedsBefore_) {
         feedsBefore_ = skimmed_.feeds;
-        lineStart_ = offset_ - text.size() + text.rfind('\n') + 1;
+        lineStart_ = offset_ - text.size() + lastFeed(text.size()) + 1;
     }
     if (status_ == Status::LOOKING && !inArray() && offset_ > kHeadBytes) {
         stop();
@@ -106,6 +108,14 @@ void PartitionFinder::feedLines(std::string_view text, std::vector<Cut>& cuts) {
     offset_ += text.size();
 }
 
+// Where in the piece the last line feed before `end` stands.  There is one, mostly in the last
+// block that has any.
+std::size_t PartitionFinder::lastFeed(std::size_t end) const {
+    const auto block = static_cast<std::size_t>(skimmed_.feedBlock - bytesOf(piece_));
+    const std::string_view before = piece_.substr(0, end);
+    return before.rfind('\n', block + kSkimBytes);
+}
+
 // The place `after` bytes after the byte `at` of the block, which is no line feed.
 Cut PartitionFinder::place(unsigned at, unsigned after) const {
     const uint64_t feeds = block_.feeds;
@@ -115,7 +125,7 @@ Cut PartitionFinder::place(unsigned at, unsigned after) const {
     if (feedsBefore != 0) {
         lineStart = offsetOf(static_cast<unsigned>(std::bit_width(feedsBefore)));
     } else if (blockFeeds != feedsBefore_) {
-        lineStart = offset_ + piece_.rfind('\n', offsetOf(at) - offset_) + 1;
+        lineStart = offset_ + lastFeed(offsetOf(at) - offset_) + 1;
     }
     const uint64_t offset = offsetOf(at) + after;
     return {offset, blockFeeds + std::popcount(feedsBefore) + 1,

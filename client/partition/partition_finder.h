@@ -95,6 +95,7 @@ class PartitionFinder {
         return blockOffset_ + static_cast<uint64_t>(at);
     }
     [[nodiscard]] const uint8_t* dueIn(std::string_view text) const;
+    [[nodiscard]] std::size_t lastFeed(std::size_t end) const;
     [[nodiscard]] Cut place(unsigned at, unsigned after) const;
 
     const Skim skim_;

@@ -60,6 +60,7 @@ template <class Kernel>
         const uint64_t opens = bytes.opens & ~inString;
         const uint64_t closes = bytes.closes & ~inString;
         now.feeds += std::popcount(bytes.feeds);
+        now.feedBlock = bytes.feeds != 0 ? p : now.feedBlock;
         const int64_t closed = std::popcount(closes);
         if (now.depth <= closed &&
             (now.depth == 0 || due - p < kSkimBytes || !goesOn(p, now.depth, opens, closes))) {

@@ -23,6 +23,7 @@ struct SkimState {
     uint64_t escaped = 0;   // 1: its first byte comes after a backslash that escapes it
     int64_t depth = 0;      // brackets that are open
     int64_t feeds = 0;      // line feeds so far, those in strings too
+    const uint8_t* feedBlock = nullptr;  // the last block that has one
 };
 
 // A block that somebody has to look at.
