@@ -242,7 +242,7 @@ QVStatus jmapRecordsClose(JMAPRecordCursorh cursor);
 
 /* ---- Rows of many tables in one pass ------------------------------------------------------- */
 
-typedef struct JMAPPass* JMAPPassh; /* opaque */
+typedef struct ROWMACHINE* JMAPPassh; /* opaque */
 
 /* What a cell holds: nothing, a count, or, by its JMAP_KIND_..., a value. */
 enum {
@@ -327,6 +327,40 @@ uint64_t jmapPassRoots(JMAPPassh pass);
 /* Whether the texts of cells (not the cells) are valid until Term, because the records are in
  * memory and not compressed. */
 QVBoolean jmapPassTextsStay(JMAPPassh pass);
+
+/* ---- Rows as they come --------------------------------------------------------------------- */
+
+/* Opens a walk before the first buffer of a document `inh`: its scan makes the rows of tables of
+ * another document, `tablesOf`, of the same encoding.  It writes no records, and makes no map and
+ * no statistics.  JsonInput hands out what a pass over the records of the same text would give, the
+ * same items in the same order: `take` is called with each, which is valid until it returns.  The
+ * last buffer hands out the rows that are open.  Any status of `take` but QV_OK ends the scan, and
+ * JsonInput gives it.  It must not throw.
+ *
+ * Nothing of `tablesOf` is changed, and several threads may read it at the same time; it must live
+ * until the walk is closed.  jmapPassColumn, jmapPassLeft, jmapPassRoots and jmapPassClose take the
+ * handle too.  After jmapPassClose only Term, or jmapEndInput before it, may be called for `inh`.
+ * QV_NOMEM; JMAP_NOTABLE for ALLDATA, which a walk does not make; a status of the guard, which is
+ * also asked after each buffer. */
+QVStatus jmapWalkOpen(QVEJMAPJsonContexth inh, QVEJMAPJsonContexth tablesOf,
+                      const JMAPTableh* tables, QVStrSize tableCount, uint64_t flags,
+                      QVStatus (*take)(void* arg, const JMAPPassItem* item), void* arg,
+                      JMAPPassh* walk);
+
+/* A text may be walked in parts, each a document of its own.  Before the last buffer of a part that
+ * is not the last: the path of the marker with which the next part begins.  At its end the rows are
+ * handed out that this marker ends.  QV_NOMEM. */
+QVStatus jmapWalkPart(JMAPPassh walk, const char* next, QVStrSize nextLen);
+
+/* What an ordinal has counted; columns of one path share it.  It may be set before the first
+ * buffer, to what the parts before have counted.  Null: the column is no ordinal, or has no path.
+ */
+uint64_t* jmapWalkCount(JMAPPassh walk, QVStrSize table, QVStrSize column);
+
+/* After the last buffer: whether values have come that a row of the next part would get, because
+ * their own row has not ended, or they came before it began, or a column retains them.  The next
+ * part can then not be walked by itself. */
+QVBoolean jmapWalkLeft(JMAPPassh walk);
 
 /* The number that a NUMERIC column has for a text: that of a JSON number, or of the words true (1),
  * false (0) and null (missing).  Else QV_NOTNUM.  On any thread. */

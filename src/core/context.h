@@ -12,6 +12,8 @@
 
 inline constexpr QVStrSize kBlockBytes = 1048576;  // capacity of one block of the record stream
 
+struct ROWWALK;  // src/reader/row_walk.h
+
 // The instance.  It begins with the public table, so its address is also the QVExtensionh.
 struct JMAP_S {
     UserJMAP_S ujmap;  // must be first
@@ -84,6 +86,10 @@ struct JMAP_PRIVATE {
 
     // Says whether the document may grow on [open, by jmapGuard]; the caller's; null: it may.
     const JMAPGuard* guard;
+
+    // Makes rows of what is scanned [open, by jmapWalkOpen]; the caller's; null: records are
+    // written.
+    ROWWALK* walk;
 
     // Values whose place the caller wants [open, by jmapWatch; scan fills in the places].
     PATHWATCH** watches;  // in lists by path; null: none

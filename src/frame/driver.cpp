@@ -17,6 +17,7 @@
 #include "core/note.h"
 #include "core/pool.h"
 #include "core/status.h"
+#include "reader/row_walk.h"
 #include "scan/path_stats.h"
 #include "scan/record_block.h"
 
@@ -58,10 +59,13 @@ void noteLevels(JMAP_PRIVATE* p) noexcept {
     }
 }
 
-// Closes the record stream and builds the automatic map.
+// Closes the record stream and builds the automatic map.  A walk has neither.
 [[nodiscard]] QVStatus finish(JMAP_PRIVATE* p, QVBoolean* caching) noexcept {
     if (p->debugLevel && p->jsonDescLen != 0) {
         myLogNote(p, U"Parsing of %.*hs ends", noteLen(p->jsonDescLen), p->jsonDesc);
+    }
+    if (p->walk != nullptr) {
+        return endWalk(p->walk);
     }
     // Kept: when the last block cannot be stored, the call still gives QV_OK, and every table lacks
     // its values.  jmapTotals has its bytes and the reason.
@@ -87,6 +91,21 @@ void releaseHashes(JMAP_PRIVATE* p) noexcept {
     (void)destroyHandle(p->dsNameHash);
 }
 
+// Parses a buffer.  What ended a walk is the engine's own reason for the failure.
+[[nodiscard]] QVStatus parse(JMAP_PRIVATE* p, const void* buf, QVStrSize bufLen, QVBoolean done) {
+    if (p->walk == nullptr) {
+        return p->parser->parse(p->parser, buf, bufLen, done);
+    }
+    beginBuffer(p->walk, buf, bufLen);
+    const QVStatus rc = p->parser->parse(p->parser, buf, bufLen, done);
+    const QVStatus walked = endBuffer(p->walk);
+    if (walked == QV_OK) {
+        return rc;
+    }
+    p->vrc = walked;
+    return JMAP_PARSE;
+}
+
 void fillErrorInfo(JMAP_PRIVATE* p, QVStatus rc, ERRORINFO* e) noexcept {
     e->line = p->parser->line(p->parser);
     e->col = p->parser->column(p->parser);
@@ -106,7 +125,7 @@ QVStatus JsonInput(QVEJMAPJsonContexth inh, QVMemPtr inbuf, QVStrSize inlen, QVB
     if (p->parser == nullptr) {
         return QV_NOMEM;  // JsonInit could not make it
     }
-    QVStatus rc = p->parser->parse(p->parser, inbuf, inlen, done);
+    QVStatus rc = parse(p, inbuf, inlen, done);
     tellCaching(p, caching);
     if (done == 0 && (rc == QV_EOF || rc == QV_NEEDMORE)) {
         return QV_OK;

@@ -11,9 +11,10 @@
 #include "core/status.h"
 #include "core/text.h"
 #include "driver.h"
+#include "reader/block_reader.h"
 #include "reader/number_cell.h"
 #include "reader/read_context.h"
-#include "reader/row_loop.h"
+#include "reader/row_walk.h"
 #include "reader/table_pass.h"
 #include "scan/count_sink.h"
 #include "scan/events.h"
@@ -28,11 +29,10 @@
 #include <bit>
 #include <string_view>
 
-// A cursor loads blocks as an open table does, so it has the same state.  It uses `p`, `rpool`,
-// `z`, `rfp`, `curr` (null: before the first block), `records`, `pBuf`, `pBufi` and `pBufLen`, and
-// lives in `rpool`.
+// A cursor; it lives in its pool.
 struct JMAPRecordCursor {
-    JMAP_READPRIVATE rp;
+    QVPoolh pool;
+    BLOCKREADER blocks;
     QVStatus status;  // what ended the cursor; QV_OK: nothing yet
 };
 
@@ -57,13 +57,13 @@ template <class T>
 }
 
 // Loads blocks until there is a record to read.
-[[nodiscard]] QVStatus findRecord(JMAP_READPRIVATE* rp) noexcept {
-    while (rp->pBufi >= rp->pBufLen) {
-        COMPPATHS* next = rp->curr == nullptr ? rp->p->chead : rp->curr->next;
+[[nodiscard]] QVStatus findRecord(BLOCKREADER* blocks) noexcept {
+    while (blocks->pBufi >= blocks->pBufLen) {
+        COMPPATHS* next = nextBlock(*blocks);
         if (next == nullptr) {
             return QV_EOF;
         }
-        QV_TRY(loadBlock(rp, next));
+        QV_TRY(loadBlock(blocks, next));
     }
     return QV_OK;
 }
@@ -261,24 +261,21 @@ QVStatus jmapRecordsOpen(QVEJMAPJsonContexth inh, JMAPRecordCursorh* cursor) {
         return QV_NOMEM;
     }
     auto* opened = poolNew<JMAPRecordCursor>(pool);
-    char* block = opened == nullptr ? nullptr : poolBytes(pool, kBlockBytes);
-    if (block == nullptr) {
+    if (opened == nullptr || openBlocks(&opened->blocks, contextOf(inh), pool) != QV_OK) {
         (void)destroyHandle(pool);  // nothing is in it yet
         return QV_NOMEM;
     }
-    opened->rp.p = contextOf(inh);
-    opened->rp.rpool = pool;
-    opened->rp.pBuf = block;
+    opened->pool = pool;
     *cursor = opened;
     return QV_OK;
 }
 
 QVStatus jmapRecordsNext(JMAPRecordCursorh cursor, JMAPRecord* record) {
-    JMAP_READPRIVATE& rp = cursor->rp;
+    BLOCKREADER& blocks = cursor->blocks;
     QV_TRY(cursor->status);
-    cursor->status = findRecord(&rp);
+    cursor->status = findRecord(&blocks);
     QV_TRY(cursor->status);
-    const RECORD found = parseRecord(rp.records + rp.pBufi);
+    const RECORD found = parseRecord(blocks.records + blocks.pBufi);
     const std::string_view path = pathOf(found);
     const std::string_view value = valueOf(found);
     *record = {.kind = found.kind,
@@ -289,13 +286,13 @@ QVStatus jmapRecordsNext(JMAPRecordCursorh cursor, JMAPRecord* record) {
                .valueLen = lengthOf(value),
                .bytes = found.at,
                .bytesLen = found.size};
-    rp.pBufi += found.size;
+    blocks.pBufi += found.size;
     return QV_OK;
 }
 
 QVStatus jmapRecordsClose(JMAPRecordCursorh cursor) {
-    const QVStatus rc = destroyHandle(cursor->rp.rfp);
-    QVPoolh pool = cursor->rp.rpool;
+    const QVStatus rc = closeBlocks(&cursor->blocks);
+    QVPoolh pool = cursor->pool;
     (void)destroyHandle(pool);  // the cursor is gone with it
     return rc;
 }
@@ -342,11 +339,12 @@ QVStatus jmapPassOpen(QVEJMAPJsonContexth inh, const JMAPTableh* tables, QVStrSi
 }
 
 QVStatus jmapPassNext(JMAPPassh pass, JMAPPassItem* item) {
-    return nextItem(pass, item);
+    return pass->walks ? QV_EOF : nextItem(reinterpret_cast<TABLEPASS*>(pass), item);
 }
 
 QVStatus jmapPassClose(JMAPPassh pass) {
-    return closePass(pass);
+    return pass->walks ? closeWalk(reinterpret_cast<ROWWALK*>(pass))
+                       : closePass(reinterpret_cast<TABLEPASS*>(pass));
 }
 
 void jmapPassColumn(JMAPPassh pass, QVStrSize table, QVStrSize column, JMAPPassColumn* info) {
@@ -365,6 +363,31 @@ uint64_t jmapPassRoots(JMAPPassh pass) {
 
 QVBoolean jmapPassTextsStay(JMAPPassh pass) {
     return flag(pass->textsStay);
+}
+
+QVStatus jmapWalkOpen(QVEJMAPJsonContexth inh, QVEJMAPJsonContexth tablesOf,
+                      const JMAPTableh* tables, QVStrSize tableCount, uint64_t flags,
+                      QVStatus (*take)(void* arg, const JMAPPassItem* item), void* arg,
+                      JMAPPassh* walk) {
+    const DSINFO* alldata = contextOf(tablesOf)->alldataDs;
+    ROWWALK* opened = nullptr;
+    QV_TRY(openWalk(contextOf(inh), alldata, tables, tableCount, flags, &opened));
+    opened->take = take;
+    opened->arg = arg;
+    *walk = &opened->machine;
+    return QV_OK;
+}
+
+QVStatus jmapWalkPart(JMAPPassh walk, const char* next, QVStrSize nextLen) {
+    return setNext(reinterpret_cast<ROWWALK*>(walk), view(next, nextLen));
+}
+
+uint64_t* jmapWalkCount(JMAPPassh walk, QVStrSize table, QVStrSize column) {
+    return walkCount(reinterpret_cast<ROWWALK*>(walk), table, column);
+}
+
+QVBoolean jmapWalkLeft(JMAPPassh walk) {
+    return flag(hasValuesLeft(walk));
 }
 
 QVStatus jmapToNumber(QVEJMAPJsonContexth inh, const char* text, QVStrSize textLen,

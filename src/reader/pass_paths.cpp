@@ -45,7 +45,7 @@ PASSPATH* enterPath(PASSPATHS* paths, QVPoolh pool, std::string_view path) {
 
 QVStatus addOrdinal(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t i,
                     PASSTABLE* table) {
-    const PASSPATH* counted = enterPath(paths, pool, pathOf(paths->p, column));
+    PASSPATH* counted = enterPath(paths, pool, pathOf(paths->p, column));
     if (counted == nullptr) {
         return QV_NOMEM;
     }
@@ -181,6 +181,13 @@ QVStatus addTable(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, bool retain,
     return QV_OK;
 }
 
+PASSPATH* lookUpPath(const PASSPATHS& paths, std::string_view path) {
+    if ((paths.lengths & lengthBit(path)) == 0) {
+        return nullptr;
+    }
+    return static_cast<PASSPATH*>(paths.byPath->find(paths.byPath, path.data(), lengthOf(path)));
+}
+
 PASSPATH* searchPath(PASSPATHS* paths, std::string_view path) {
     if ((paths->lengths & lengthBit(path)) == 0) {
         return nullptr;
@@ -188,8 +195,7 @@ PASSPATH* searchPath(PASSPATHS* paths, std::string_view path) {
     PASSPATH* const last = paths->last;
     PASSPATH* found = last->other;
     if (found == nullptr || !equalShort(view(found->path, found->pathLen), path)) {
-        found =
-            static_cast<PASSPATH*>(paths->byPath->find(paths->byPath, path.data(), lengthOf(path)));
+        found = lookUpPath(*paths, path);
     }
     if (found != nullptr) {
         last->other = std::exchange(last->follower, found);

@@ -38,10 +38,11 @@ struct PASSPATH {
     PASSUSE* usesTail;
     PASSTABLE* tables;  // tables whose table path it is, through `samePath`
     PASSTABLE* tablesTail;
-    PASSPATH* above;  // on the stack of seen table paths: the one below it
-    bool numbers;     // one of its columns is numeric and has no informat
-    uint64_t count;   // markers so far
-    uint64_t values;  // so far
+    PASSPATH* above;       // on the stack of seen table paths: the one below it
+    const PATHNODE* node;  // of a walk: of its last marker
+    bool numbers;          // one of its columns is numeric and has no informat
+    uint64_t count;        // markers so far
+    uint64_t values;       // so far
 };
 
 struct PASSPATHS {
@@ -63,6 +64,9 @@ namespace jmap {
 // Returns QV_OK, QV_NOMEM or a status of the guard.
 [[nodiscard]] QVStatus addTable(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, bool retain,
                                 PASSTABLE* table);
+
+// Finds a path by its text.  Null: it means nothing to any table.
+[[nodiscard]] PASSPATH* lookUpPath(const PASSPATHS& paths, std::string_view path);
 
 // Finds the path when it is not the expected one.  Null: it means nothing to any table.
 [[nodiscard]] PASSPATH* searchPath(PASSPATHS* paths, std::string_view path);

@@ -29,7 +29,7 @@ struct HELDTEXT {
 // An ordinal of a table: it counts a path.
 struct PASSORDINAL {
     uint32_t column;
-    const PASSPATH* path;
+    PASSPATH* path;
 };
 
 // A table of a pass and its row.  The cells of its columns come first.  After them each ordinal
@@ -60,8 +60,8 @@ struct PASSTABLE {
 // What the rows of a pass share.
 struct PASSROWS {
     QVPoolh pool;        // owns all
-    bool blockGoes;      // the next block will overwrite the current one
-    PASSTABLE* touched;  // then: tables with texts in the current block
+    bool textsGo;        // the texts of values are overwritten later; `parkRows` is called before
+    PASSTABLE* touched;  // then: tables with texts that have not been copied
 };
 
 namespace jmap {
@@ -100,7 +100,7 @@ inline void setCountCell(PASSTABLE& table, uint32_t column, uint64_t count) noex
     cell.kind = kind;
     cell.text = text.data();
     cell.textLen = lengthOf(text);
-    return rows.blockGoes ? keepText(rows, table, column) : QV_OK;
+    return rows.textsGo ? keepText(rows, table, column) : QV_OK;
 }
 
 // The same for a cell of ALLDATA that keeps its value.

@@ -6,6 +6,7 @@
 #include "automap/map_index.h"
 #include "automap/names.h"
 #include "automap/path_parts.h"
+#include "block_reader.h"
 #include "core/note.h"
 #include "core/pool.h"
 #include "core/status.h"
@@ -45,15 +46,14 @@ QVStatus newReadContext(QVEJMAPJsonContexth inh, QVEJMAPReadContexth* out) {
     }
     auto* rctx = poolNew<qvejmapReadContext>(pool);
     auto* rp = poolNew<JMAP_READPRIVATE>(pool);
-    char* pBuf = poolBytes(pool, kBlockBytes);
-    if (rctx == nullptr || rp == nullptr || pBuf == nullptr) {
+    if (rctx == nullptr || rp == nullptr) {
         return QV_NOMEM;
     }
+    QV_TRY(openBlocks(&rp->blocks, contextOf(inh), pool));
     rctx->exth = inh->exth;
     rctx->p = rp;
     rp->p = contextOf(inh);
     rp->rpool = pool;
-    rp->pBuf = pBuf;
     *out = rctx;
     return QV_OK;
 }
@@ -110,14 +110,11 @@ QVStatus ReadReset(QVEJMAPReadContexth inrctx) {
     if (rp->p->debugReadReset) {
         myLogNote(rp->p, U"ReadReset ");
     }
-    rp->curr = nullptr;
+    rewindBlocks(&rp->blocks);
     rp->atEOF = false;
-    rp->pBufi = 0;
     for (QVStrSize i = 0; i < rp->varCount; ++i) {
         rp->varinfo[i].ordinalValue = 0;
     }
-    (void)destroyHandle(rp->rfp);  // read only: nothing can be lost
-    rp->rfpStatus = QV_OK;
     return QV_OK;
 }
 
@@ -126,9 +123,9 @@ QVStatus ReadTerm(QVEJMAPReadContexth rctx) {
     if (rp->p->debugRead) {
         myLogNote(rp->p, U"ReadTerm called");
     }
-    (void)destroyHandle(rp->rfp);  // read only: nothing can be lost
-    QVPoolh pool = rp->rpool;      // the pool holds `rp` itself
-    (void)destroyHandle(pool);     // Kept: ReadTerm gives QV_OK whatever this returns
+    (void)closeBlocks(&rp->blocks);  // read only: nothing can be lost
+    QVPoolh pool = rp->rpool;        // the pool holds `rp` itself
+    (void)destroyHandle(pool);       // Kept: ReadTerm gives QV_OK whatever this returns
     return QV_OK;
 }
 

@@ -3,6 +3,7 @@
 // Tested by tests/reader/row_loop_test.cpp
 #include "row_loop.h"
 
+#include "block_reader.h"
 #include "column_index.h"
 #include "consume.h"
 #include "core/note.h"
@@ -10,7 +11,6 @@
 #include "core/text.h"
 #include "row_layout.h"
 #include "scan/path_text.h"
-#include "scan/record_block.h"
 #include "scan/record_format.h"
 
 #include <algorithm>
@@ -120,8 +120,9 @@ void consume(QVEJMAPReadContexth rctx, JMAP_READPRIVATE* rp, const RECORD& recor
 bool replayBlock(QVEJMAPReadContexth rctx, JMAP_READPRIVATE* rp) {
     JMAP_PRIVATE* p = rp->p;
     const bool noted = p->debugRead || p->debugAllData;
-    const char* at = rp->records + rp->pBufi;
-    const char* const end = rp->records + rp->pBufLen;
+    BLOCKREADER& blocks = rp->blocks;
+    const char* at = blocks.records + blocks.pBufi;
+    const char* const end = blocks.records + blocks.pBufLen;
     const char* last = nullptr;
     bool done = false;
     while (!done && at < end) {
@@ -153,13 +154,13 @@ bool replayBlock(QVEJMAPReadContexth rctx, JMAP_READPRIVATE* rp) {
     if (last != nullptr) {
         storeLabels(p, parseRecord(last));
     }
-    rp->pBufi = at - rp->records;
+    blocks.pBufi = at - blocks.records;
     return done;
 }
 
 // At the end of the stream: the last row may be pending.
 QVStatus endOfStream(JMAP_READPRIVATE* rp) {
-    rp->curr = nullptr;
+    rp->blocks.curr = nullptr;
     rp->atEOF = true;
     if (rp->inVariables && rp->tablePathSeen) {
         noteTable(*rp, U"Read           [%.*hs] returning LAST OBSERVATION");
@@ -170,26 +171,6 @@ QVStatus endOfStream(JMAP_READPRIVATE* rp) {
 }
 
 }  // namespace
-
-QVStatus loadBlock(JMAP_READPRIVATE* rp, COMPPATHS* block) {
-    rp->curr = block;
-    rp->pBufi = 0;
-    rp->pBufLen = 0;
-    uint64_t loaded = block->uncompressedLen;
-    if (block->onDisk || block->compressed) {
-        QV_TRY(uncompressPathBuffer(rp, block, rp->pBuf));
-        rp->records = rp->pBuf;
-        if (block->compressed) {
-            // Fewer bytes than expected (a file read out of step) are noted only.  What the buffer
-            // held before is not read as records.
-            loaded = std::min<uint64_t>(loaded, rp->z.total_out);
-        }
-    } else {
-        rp->records = block->buf;
-    }
-    rp->pBufLen = static_cast<QVStrSize>(loaded);
-    return QV_OK;
-}
 
 QVStatus Read(QVEJMAPReadContexth rctx) {
     JMAP_READPRIVATE* rp = readContextOf(rctx);
@@ -203,15 +184,11 @@ QVStatus Read(QVEJMAPReadContexth rctx) {
         noteTable(*rp, U"Read           [%.*hs] atEOF set, returning QV_EOF");
         return QV_EOF;
     }
-    COMPPATHS* next = rp->p->chead;
-    if (rp->curr != nullptr) {
-        if (replayBlock(rctx, rp)) {
-            return QV_OK;
-        }
-        next = rp->curr->next;
+    if (rp->blocks.curr != nullptr && replayBlock(rctx, rp)) {
+        return QV_OK;
     }
-    for (; next != nullptr; next = rp->curr->next) {
-        QV_TRY(loadBlock(rp, next));
+    while (COMPPATHS* next = nextBlock(rp->blocks)) {
+        QV_TRY(loadBlock(&rp->blocks, next));
         if (replayBlock(rctx, rp)) {
             return QV_OK;
         }

@@ -14,10 +14,4 @@ namespace jmap {
 //   other    a block could not be loaded; the next call goes on after it
 QVStatus Read(QVEJMAPReadContexth rctx);
 
-// Makes `block` the current one and loads it: sets `records`, `pBufi` and `pBufLen`.  A block that
-// is in memory and not compressed is not copied: that would cost as much as replaying it.
-//   Kept: after a failure the block stays the current one, with no records.  The next call goes on
-//   after it, and its values are missing.
-[[nodiscard]] QVStatus loadBlock(JMAP_READPRIVATE* rp, COMPPATHS* block);
-
 }  // namespace jmap

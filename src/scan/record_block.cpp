@@ -145,11 +145,11 @@ QVStatus storeBlock(JMAP_PRIVATE* p, std::string_view stored, COMPPATHS* n) {
 }
 
 // Makes `n` refer to the next block of the cache file, until the next call on the file.
-QVStatus readBlock(JMAP_READPRIVATE* rp, COMPPATHS* n) {
-    QV_TRY(openCacheFile(rp->p, QVIO_INPUT, &rp->rfp));
+QVStatus readBlock(BLOCKREADER* reader, COMPPATHS* n) {
+    QV_TRY(openCacheFile(reader->p, QVIO_INPUT, &reader->rfp));
     char* buf = nullptr;
     QVStrSize bufLen = 0;
-    QV_TRY(rp->rfp->read(rp->rfp, &buf, &bufLen));
+    QV_TRY(reader->rfp->read(reader->rfp, &buf, &bufLen));
     // Other bytes would be read as records, so check.
     if (bufLen != n->bufLen) {
         return QV_IO_SHORT;
@@ -161,9 +161,9 @@ QVStatus readBlock(JMAP_READPRIVATE* rp, COMPPATHS* n) {
     return QV_OK;
 }
 
-QVStatus inflateBlock(JMAP_READPRIVATE* rp, const COMPPATHS* n, char* outbuf) {
-    QVZLIBh zlib = rp->p->zlibh;
-    QVZStream* z = &rp->z;
+QVStatus inflateBlock(BLOCKREADER* reader, const COMPPATHS* n, char* outbuf) {
+    QVZLIBh zlib = reader->p->zlibh;
+    QVZStream* z = &reader->z;
     *z = {};
     (void)zlib->inflateInit2(z, kRawWindowBits);  // if this fails, inflate fails
     z->next_in = reinterpret_cast<const uint8_t*>(n->buf);
@@ -172,11 +172,11 @@ QVStatus inflateBlock(JMAP_READPRIVATE* rp, const COMPPATHS* n, char* outbuf) {
     z->avail_out = static_cast<uint32_t>(kBlockBytes);
     if (zlib->inflate(z, QVZ_FINISH) != QVZ_STREAM_END) {
         (void)zlib->inflateEnd(z);  // the first failure is returned
-        myLogNote(rp->p, U"rc not Z_STREAM_END in uncompressPathBuffer");
+        myLogNote(reader->p, U"rc not Z_STREAM_END in uncompressPathBuffer");
         return QV_NOMEM;
     }
     if (z->total_out != n->uncompressedLen) {
-        myLogNote(rp->p,
+        myLogNote(reader->p,
                   U"!!!uncompressed length doesnt match save uncompressed length in "
                   U"uncompressPathBuffer");
     }
@@ -225,16 +225,16 @@ QVStatus compressPathBuffer(JMAP_PRIVATE* p) {
     return rc != QV_OK ? rc : endStatus;
 }
 
-QVStatus uncompressPathBuffer(JMAP_READPRIVATE* rp, COMPPATHS* n, char* outbuf) {
+QVStatus uncompressPathBuffer(BLOCKREADER* reader, COMPPATHS* n, char* outbuf) {
     if (n->onDisk) {
         // After a failure the position in the file is unknown, so no further block is read.
-        if (rp->rfpStatus == QV_OK) {
-            rp->rfpStatus = readBlock(rp, n);
+        if (reader->rfpStatus == QV_OK) {
+            reader->rfpStatus = readBlock(reader, n);
         }
-        QV_TRY(rp->rfpStatus);
+        QV_TRY(reader->rfpStatus);
     }
     if (n->compressed) {
-        return inflateBlock(rp, n, outbuf);
+        return inflateBlock(reader, n, outbuf);
     }
     std::memcpy(outbuf, n->buf, static_cast<std::size_t>(n->bufLen));
     return QV_OK;

@@ -19,12 +19,11 @@ namespace jmap {
 // block is closed and linked.
 [[nodiscard]] QVStatus compressPathBuffer(JMAP_PRIVATE* p);
 
-// Loads block `n` into `outbuf` (at least kBlockBytes) with the inflate state and the file of `rp`.
-// Blocks on disk must be loaded in stream order, each once until `rfp` is closed.  When one cannot
-// be read, it and all later ones give the same status.
-// Returns QV_OK; QV_NOMEM (also when inflate does not finish); QV_IO_SHORT or QV_IO_CHANGED when
-// the file gives back another length or other bytes than were written; a status of zlib or of the
-// cache file.
-[[nodiscard]] QVStatus uncompressPathBuffer(JMAP_READPRIVATE* rp, COMPPATHS* n, char* outbuf);
+// Loads block `n` into `outbuf` (at least kBlockBytes) with the inflate state and the file of
+// `reader`. Blocks on disk must be loaded in stream order, each once until `rfp` is closed.  When
+// one cannot be read, it and all later ones give the same status. Returns QV_OK; QV_NOMEM (also
+// when inflate does not finish); QV_IO_SHORT or QV_IO_CHANGED when the file gives back another
+// length or other bytes than were written; a status of zlib or of the cache file.
+[[nodiscard]] QVStatus uncompressPathBuffer(BLOCKREADER* reader, COMPPATHS* n, char* outbuf);
 
 }  // namespace jmap

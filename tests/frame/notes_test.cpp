@@ -61,13 +61,13 @@ void damage(const Scan& scan) {
     ASSERT_QV_OK(newLevel(p, static_cast<WHAT>(9)));
     ASSERT_QV_OK(newLevel(p, WHAT_ARRAY));
     EXPECT_QV(QV_NOMEM, Events<RecordSink>::gotValue(p, "x", static_cast<VALTYPE>(9)));
-    JMAP_READPRIVATE rp{};
-    rp.p = p;
+    BLOCKREADER reader{};
+    reader.p = p;
     std::string block(kBlockBytes, '\0');
     p->chead->uncompressedLen -= 1;
-    EXPECT_QV_OK(uncompressPathBuffer(&rp, p->chead, block.data()));
+    EXPECT_QV_OK(uncompressPathBuffer(&reader, p->chead, block.data()));
     p->chead->bufLen -= 1;
-    EXPECT_QV(QV_NOMEM, uncompressPathBuffer(&rp, p->chead, block.data()));
+    EXPECT_QV(QV_NOMEM, uncompressPathBuffer(&reader, p->chead, block.data()));
     p->zlibh->deflate = [](QVZStream*, int) { return 0; };  // never comes to an end
     p->cBufi = 1;
     EXPECT_QV(QV_NOMEM, compressPathBuffer(p));
@@ -106,12 +106,12 @@ const Scenario kScenarios[] = {
 };
 
 // No notes: names of pools, modules, trackers and of the device, words in notes, formats of names.
-const Texts kOtherTexts =
-    texts("qvejmap", "qvejmap context", "qvejmap read pool", "qvejmap record cursor", "qvejson",
-          "qvezlib", "qvefmt", "qvioe", "DISK    ", "pathinfo tracker", "pathinfo sub tracker",
-          "dsname tracker", "path tree tracker", "qvejmap pass", "qvejmap pass tracker", "NOVAL",
-          "NUMBER", "STRING", "NULL", "BOOLEAN", "FAKE_VARIABLE", "UNKNOWN?", "TRUE", "FALSE",
-          "ORDINAL", "DOUBLE", "CHAR", "UNKNOWN", "CHARACTER", "NUMERIC", "%d", "P%d");
+const Texts kOtherTexts = texts(
+    "qvejmap", "qvejmap context", "qvejmap read pool", "qvejmap record cursor", "qvejson",
+    "qvezlib", "qvefmt", "qvioe", "DISK    ", "pathinfo tracker", "pathinfo sub tracker",
+    "dsname tracker", "path tree tracker", "qvejmap pass", "qvejmap pass tracker", "qvejmap walk",
+    "NOVAL", "NUMBER", "STRING", "NULL", "BOOLEAN", "FAKE_VARIABLE", "UNKNOWN?", "TRUE", "FALSE",
+    "ORDINAL", "DOUBLE", "CHAR", "UNKNOWN", "CHARACTER", "NUMERIC", "%d", "P%d");
 
 // The host texts of a source, neighbours joined.
 Texts hostTexts(const std::string& file) {

@@ -50,7 +50,7 @@ TEST(RowLoop, ABlockThatDoesNotLoadIsReportedAndPassed) {
         char* const kept = std::exchange(bad->buf, garbage.data());
         table.reset();
         std::string before = table.rows();
-        EXPECT_TRUE(before.ends_with("status QV_NOMEM\n") && table.rp()->curr == bad);
+        EXPECT_TRUE(before.ends_with("status QV_NOMEM\n") && table.rp()->blocks.curr == bad);
         before.resize(before.size() - std::strlen("status QV_NOMEM\n"));
         const std::string after = table.rows();
         EXPECT_EQ(before.empty(), bad == first);

@@ -62,18 +62,18 @@ struct OpenBlock : HandDocument {
         p.tempNameLen = 5;
         p.rlmemMin = 1000;
         p.compress = compress;
-        rp.p = &p;
+        reader.p = &p;
         host.setAvailable(spill ? 999 : 1000);
         std::memset(p.cBuf, 'a', 100);
         p.cBufi = 100;
     }
     ~OpenBlock() { p.qvioeh = nullptr; }  // it has no end of its own
     QVStatus close() { return compressPathBuffer(&p); }
-    QVStatus load() { return uncompressPathBuffer(&rp, p.ctail, out.data()); }
+    QVStatus load() { return uncompressPathBuffer(&reader, p.ctail, out.data()); }
     QVZLIB zlib = {};
     QVIOE io = {};
     QVChar name[5] = {'c', 'a', 'c', 'h', 'e'};
-    JMAP_READPRIVATE rp = {};
+    BLOCKREADER reader = {};
     std::string out = std::string(kBlockBytes, '.');
 };
 

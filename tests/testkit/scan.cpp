@@ -149,15 +149,15 @@ std::string Scan::rowsOf(UserJMAP_S* engine, QVEJMAPReadContexth rctx) {
 }
 
 std::vector<std::string> Scan::blocks() const {
-    JMAP_READPRIVATE rp{};
-    rp.p = p();
+    BLOCKREADER reader{};
+    reader.p = p();
     std::vector<std::string> all;
     std::string buffer(kBlockBytes, '\0');
     for (COMPPATHS& block : each(p()->chead)) {
-        EXPECT_QV_OK(uncompressPathBuffer(&rp, &block, buffer.data()));
+        EXPECT_QV_OK(uncompressPathBuffer(&reader, &block, buffer.data()));
         all.push_back(buffer.substr(0, block.uncompressedLen));
     }
-    EXPECT_QV_OK(destroyHandle(rp.rfp));
+    EXPECT_QV_OK(destroyHandle(reader.rfp));
     return all;
 }
 
