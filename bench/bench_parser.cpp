@@ -6,6 +6,7 @@
 //   BM_ParsePortable/orders  ours, without vectors
 //   BM_BoostParse/orders     boost::json::basic_parser, the reference: compare within one run
 //   BM_Cut/orders            finding where partitions begin: at most a quarter of BM_Parse
+//   BM_CutSse2/orders        the same, as on a machine without AVX2
 //   BM_CutPortable/orders    the same without vectors
 //   BM_CutAndCopy/orders     the same as BM_Cut, with the text collected into partitions
 //
@@ -181,6 +182,7 @@ int main(int argc, char** argv) {
         registerOurs("BM_ParseSse2", document, ScanKernel::SSE2);
         registerOurs("BM_ParsePortable", document, ScanKernel::PORTABLE);
         registerCut("BM_Cut", document, SkimKernel::BEST);
+        registerCut("BM_CutSse2", document, SkimKernel::SSE2);
         registerCut("BM_CutPortable", document, SkimKernel::PORTABLE);
         registerRun("BM_CutAndCopy", document, cutAndCopy);
     }

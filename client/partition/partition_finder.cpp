@@ -132,10 +132,9 @@ Cut PartitionFinder::place(unsigned at, unsigned after) const {
             static_cast<int64_t>(offset - lineStart) + 1};
 }
 
-// From where on a cut may be made, or the beginning of the piece when that cannot be said.
+// From where on a cut may be made.
 const uint8_t* PartitionFinder::dueIn(std::string_view text) const {
-    const uint64_t due = state_ == State::INSIDE_ELEMENT ? std::max(next_, offset_) - offset_ : 0;
-    return bytesOf(text) + std::min(due, uint64_t{text.size()});
+    return bytesOf(text) + std::min(std::max(next_, offset_) - offset_, uint64_t{text.size()});
 }
 
 // A block in which a value ends, or which is outside.

@@ -166,9 +166,9 @@ TEST(Partition, CutsBetweenElementsAndLines) {
 TEST(Partition, GivesOutTheRestInParts) {
     const std::string more(1000, ' ');
     const std::string far(std::size_t{17} << 20, 'x');
-    const std::string tests[] = {"[1" + more, "[{},{},1" + more, "[{},{}]" + more,
-                                 "{\"a\":[{},{}]" + more + "}",
-                                 "{\"a\":\"" + far + "\",\"b\":[{},{},{}]}"};
+    const std::string tests[] = {"[1" + more,       "[{},{},1" + more,
+                                 "[{},{}]" + more,  "{\"a\":[{},{}]" + more + "}",
+                                 "{\"a\":\"" + far, "{\"a\":\"" + far + "\",\"b\":[{},{},{}]}"};
     for (const std::string& text : tests) {
         const std::size_t piece = text.size() > far.size() ? 1 << 20 : 10;
         const Found found = divide(text, TextForm::DOCUMENT, 3, piece, SkimKernel::BEST);
@@ -364,7 +364,7 @@ TEST(Partition, RandomTextsAreCutAsOneWhoReadsByteByByteWouldCutThem) {
     for (unsigned seed = 0; seed < 500; ++seed) {
         Writer write(seed);
         const std::string text = write.document();
-        const uint64_t target = 1 + write.below(50);
+        const uint64_t target = 1 + write.below(write.below(2) == 0 ? 50 : 500);
         std::vector<uint64_t> expected = expectedCuts(text, target);
         expected.insert(expected.begin(), 0);
         divided += expected.size() > 1 ? 1 : 0;
@@ -380,7 +380,7 @@ TEST(Partition, RandomTextsAreCutAsOneWhoReadsByteByByteWouldCutThem) {
             }
         }
     }
-    EXPECT_GT(divided, 200U);
+    EXPECT_GT(divided, 150U);
 }
 
 TEST(Partition, RandomLinesAreCutAfterLineFeeds) {
