@@ -5,11 +5,16 @@
 //   BM_ParseSse2/orders      ours, as on a machine without AVX2
 //   BM_ParsePortable/orders  ours, without vectors
 //   BM_BoostParse/orders     boost::json::basic_parser, the reference: compare within one run
+//   BM_Cut/orders            finding where partitions begin: at most a quarter of BM_Parse
+//   BM_CutSse2/orders        the same, as on a machine without AVX2
+//   BM_CutPortable/orders    the same without vectors
+//   BM_CutAndCopy/orders     the same as BM_Cut, with the text collected into partitions
 //
 // Only times of one run compare; bytes a second are of the processor time of the thread.
 #include "qvportable.h"
 
 #include "bench/documents.h"
+#include "client/partition/partition_reader.h"
 #include "host/json/parser.h"
 
 #include <benchmark/benchmark.h>
@@ -111,6 +116,39 @@ void boostParse(benchmark::State& state, const Document& document) {
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * document.text.size()));
 }
 
+qvej::PartitionFinder finder(qvej::SkimKernel kernel) {
+    return qvej::PartitionFinder(qvej::TextForm::DOCUMENT, qvej::kPartitionBytes, kernel);
+}
+
+void cut(benchmark::State& state, const Document& document, qvej::SkimKernel kernel) {
+    std::vector<qvej::Cut> cuts;
+    for (auto _ : state) {
+        qvej::PartitionFinder finds = finder(kernel);
+        cuts.clear();
+        eachBuffer(document.text, [&](std::string_view buffer, bool) { finds.feed(buffer, cuts); });
+        benchmark::DoNotOptimize(cuts.data());
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * document.text.size()));
+    state.counters["cuts"] = static_cast<double>(cuts.size());
+}
+
+void cutAndCopy(benchmark::State& state, const Document& document) {
+    for (auto _ : state) {
+        qvej::PartitionFinder finds = finder(qvej::SkimKernel::BEST);
+        std::size_t bytes = 0;
+        qvej::PartitionReader* gets = nullptr;
+        qvej::PartitionReader reader(finds, [&](qvej::Partition partition) {
+            bytes += partition.text.size();
+            gets->giveBack(std::move(partition.text));
+        });
+        gets = &reader;
+        eachBuffer(document.text, [&](std::string_view buffer, bool) { reader.feed(buffer); });
+        reader.finish();
+        require(bytes == document.text.size(), document.name);
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * document.text.size()));
+}
+
 template <class Run>
 void registerRun(const char* what, const Document& document, Run run) {
     const std::string name = std::string(what) + "/" + document.name;
@@ -124,6 +162,7 @@ void registerRun(const char* what, const Document& document, Run run) {
 
 int main(int argc, char** argv) {
     using namespace jmap::bench;
+    using qvej::SkimKernel;
     using qvhost::ScanKernel;
     benchmark::Initialize(&argc, argv);
     const std::vector<Document> documents = loadDocuments();
@@ -132,11 +171,20 @@ int main(int argc, char** argv) {
             parse(state, d, kernel);
         });
     };
+    const auto registerCut = [](const char* what, const Document& document, SkimKernel kernel) {
+        registerRun(what, document, [kernel](benchmark::State& state, const Document& d) {
+            cut(state, d, kernel);
+        });
+    };
     for (const Document& document : documents) {
         registerOurs("BM_Parse", document, ScanKernel::BEST);
         registerRun("BM_BoostParse", document, boostParse);
         registerOurs("BM_ParseSse2", document, ScanKernel::SSE2);
         registerOurs("BM_ParsePortable", document, ScanKernel::PORTABLE);
+        registerCut("BM_Cut", document, SkimKernel::BEST);
+        registerCut("BM_CutSse2", document, SkimKernel::SSE2);
+        registerCut("BM_CutPortable", document, SkimKernel::PORTABLE);
+        registerRun("BM_CutAndCopy", document, cutAndCopy);
     }
     benchmark::RunSpecifiedBenchmarks();
     return 0;

@@ -331,8 +331,8 @@ QVBoolean jmapPassTextsStay(JMAPPassh pass);
 /* ---- Rows as they come --------------------------------------------------------------------- */
 
 /* Opens a walk before the first buffer of a document `inh`: its scan makes the rows of tables of
- * another document, `tablesOf`, of the same encoding.  It writes no records, and makes no map and no
- * statistics.  JsonInput hands out what a pass over the records of the same text would give, the
+ * another document, `tablesOf`, of the same encoding.  It writes no records, and makes no map and
+ * no statistics.  JsonInput hands out what a pass over the records of the same text would give, the
  * same items in the same order: `take` is called with each, which is valid until it returns.  The
  * last buffer hands out the rows that are open.  Any status of `take` but QV_OK ends the scan, and
  * JsonInput gives it.  It must not throw.
@@ -347,14 +347,15 @@ QVStatus jmapWalkOpen(QVEJMAPJsonContexth inh, QVEJMAPJsonContexth tablesOf,
                       QVStatus (*take)(void* arg, const JMAPPassItem* item), void* arg,
                       JMAPPassh* walk);
 
-/* A text may be walked in parts, each a document of its own, with jmapBeginPart after what is around
- * it.  Before the last buffer of a part that
- * is not the last: the path of the marker with which the next part begins.  At its end the rows are
- * handed out that this marker ends.  QV_NOMEM. */
+/* A text may be walked in parts, each a document of its own, with jmapBeginPart after what is
+ * around it.  Before the last buffer of a part that is not the last: the path of the marker with
+ * which the next part begins.  At its end the rows are handed out that this marker ends.  QV_NOMEM.
+ */
 QVStatus jmapWalkPart(JMAPPassh walk, const char* next, QVStrSize nextLen);
 
-/* What an ordinal has counted; columns of one path share it.  It may be set before the first buffer,
- * or after jmapBeginPart, to what the parts before have counted.  Null: the column is no ordinal, or has no path. */
+/* What an ordinal has counted; columns of one path share it.  It may be set before the first
+ * buffer, or after jmapBeginPart, to what the parts before have counted.  Null: the column is no
+ * ordinal, or has no path. */
 uint64_t* jmapWalkCount(JMAPPassh walk, QVStrSize table, QVStrSize column);
 
 /* After the last buffer: whether values have come that a row of the next part would get, because

@@ -89,11 +89,11 @@ struct PATHCHILDREN {
 // needed.  Elements have no children, since only a scalar is an element with a label.  An array may
 // have millions of them, and each takes one PATHNODE, so keep it small.
 struct PATHNODE {
-    PATHINFO* info;      // its statistics; null: none, or not to be found again
+    PATHINFO* info;  // its statistics; null: none, or not to be found again
     union {
         char* head;           // see record_heads.h; null: none
-        uint64_t partNumber;  // in a scan that counts alone: see partial_scan.h
         PASSPATH* meaning;    // of a walk: what the path means to its tables; null: not known yet
+        uint64_t partNumber;  // in a scan that counts alone: see partial_scan.h
     };
     PATHNODE* follower;  // the member or element that came next the last time
     union {

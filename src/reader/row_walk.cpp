@@ -116,12 +116,6 @@ QVStatus handOutAll(ROWWALK* walk) {
     return hasItem(walk->machine) ? handOutItems(walk) : QV_OK;
 }
 
-// A scan with records refuses a record that no block can hold, and so does a walk.
-//   labelCount  as when the record is written
-bool fitsBlock(QVStrSize textLen, QVStrSize labelCount) {
-    return textLen + labelCount + kRecordRoomBytes < kBlockBytes;
-}
-
 QVStatus takeMarker(ROWWALK* walk, PATHNODE* node, bool root) {
     ROWMACHINE* machine = &walk->machine;
     QV_TRY(endRowsAtNode(machine, node));

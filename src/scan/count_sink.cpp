@@ -24,6 +24,9 @@ QVStatus mindGrowth(JMAP_PRIVATE* p) {
     if (below == nullptr) {
         return QV_NOMEM;
     }
+    if (!fitsBlock(node->textLen, p->labelCount)) {
+        return QV_NOMEM;
+    }
     ++below->markers;
     return mindGrowth(p);
 }
@@ -33,6 +36,10 @@ QVStatus mindGrowth(JMAP_PRIVATE* p) {
     // A label "" does not show in the text: its values count for the path before it.
     PATHNODE* place = node->nameLen != 0 ? node : &node->parent->node;
     p->lastNameLen = node->nameLen != 0 ? node->nameLen + 1 : 0;
+    const QVStrSize named = node->nameLen != 0 ? 1 : 0;
+    if (!fitsBlock(place->textLen + 1 + lengthOf(value), p->labelCount + named)) {
+        return QV_NOMEM;
+    }
     ++p->pathCount;
     p->valueMaxLen = std::max(p->valueMaxLen, lengthOf(value));
     std::string_view path;

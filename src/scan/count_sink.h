@@ -10,6 +10,7 @@
 #include "core/text.h"
 #include "nesting.h"
 #include "path_stats.h"
+#include "record_format.h"
 
 #include <algorithm>
 #include <string_view>
@@ -40,7 +41,9 @@ struct CountSink {
 
     [[nodiscard]] static bool known(JMAP_PRIVATE* p, PATHNODE* node, std::string_view value,
                                     VALTYPE type) {
-        if (node->info == nullptr || !inStep(p, node->labels)) [[unlikely]] {
+        const QVStrSize textLen = node->textLen + 1 + lengthOf(value);
+        if (node->info == nullptr || !inStep(p, node->labels) || !fitsBlock(textLen, p->labelCount))
+            [[unlikely]] {
             return false;
         }
         ++p->pathCount;

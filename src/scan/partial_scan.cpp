@@ -3,12 +3,12 @@
 // Tested by tests/scan/partial_scan_test.cpp
 #include "partial_scan.h"
 
-#include "count_sink.h"
 #include "core/hash.h"
 #include "core/list.h"
 #include "core/pool.h"
 #include "core/status.h"
 #include "core/text.h"
+#include "count_sink.h"
 #include "nesting.h"
 #include "path_stats.h"
 #include "path_tree.h"
@@ -243,9 +243,8 @@ QVStatus takeNode(JMAP_PRIVATE* p, PARTREADER& from, PARTNODES& of) {
         return QV_BADPARMS;
     }
     p->pathAt = branchOf(of.nodes[parent]);
-    PATHNODE* node = kind == PARTNODE_MEMBER
-                         ? takeMember(p, name, number)
-                         : elementNode(p, kind == PARTNODE_PLAIN, number, name);
+    PATHNODE* node = kind == PARTNODE_MEMBER ? takeMember(p, name, number)
+                                             : elementNode(p, kind == PARTNODE_PLAIN, number, name);
     ++of.known;
     of.nodes[of.known] = node;
     of.elements[of.known] = kind != PARTNODE_MEMBER;

@@ -46,7 +46,7 @@ struct COUNTEDPATH {
     PLACE longestAt;
     int64_t inexact;
     PLACE firstInexact;
-    int32_t kindCount;  // 1 or more
+    int32_t kindCount;              // 1 or more
     PATHKIND kinds[kKindsOfAPath];  // in order of appearance
 };
 

@@ -41,6 +41,12 @@ inline constexpr QVStrSize kRecordFixedBytes =
 // below kBlockBytes, so at least 4 bytes of a block are never used.
 inline constexpr QVStrSize kRecordRoomBytes = 26;
 
+// Whether a block can hold a record of that text.  Scans without records refuse the same values.
+//   labelCount  as when the record is written
+[[nodiscard]] constexpr bool fitsBlock(QVStrSize textLen, QVStrSize labelCount) noexcept {
+    return textLen + labelCount + kRecordRoomBytes < kBlockBytes;
+}
+
 // A record in place.  All pointers go into the block.
 struct RECORD {
     const char* at;

@@ -38,6 +38,7 @@ const Layer kLayers[] = {
      R"re(|client/(text|text_consumer|text_form)\.h|include/.*|<.*>)re"},
     {"client/shape/",
      R"re(client/(shape/.*|(error|escape|handle|text|text_form|text_relay)\.h)|include/.*|<.*>)re"},
+    {"client/partition/", R"re(client/(partition/.*|text_form\.h)|<.*>)re"},
     {"client/schema/",
      R"re(client/(schema/.*|(columns|document|error|pass_pipe|row|table_pass)\.h)|include/.*|<.*>)re"},
     {"client/", R"re(client/([^/]*|shape/shape\.h|shape/reshaper\.h)|include/.*|<.*>)re"},

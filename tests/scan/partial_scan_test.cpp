@@ -24,9 +24,9 @@ std::string pathsOf(QVEJMAPJsonContexth doc) {
         std::string name(static_cast<std::size_t>(info.pathLen), ' ');
         jmapPathText(path, name.data());
         text += slashes(name) + " ";
-        text += numbers({info.count, info.type, info.maxValueLen, info.longestLine,
-                         info.longestColumn, info.inexact.count, info.inexact.line,
-                         info.inexact.column});
+        text +=
+            numbers({info.count, info.type, info.maxValueLen, info.longestLine, info.longestColumn,
+                     info.inexact.count, info.inexact.line, info.inexact.column});
         for (const JMAPPathKind& kind : info.kinds) {
             text += "[" + numbers({kind.count, kind.line, kind.column}) + "]";
         }
@@ -243,7 +243,8 @@ TEST(PartialScan, RefusesOtherBytes) {
 // A checksum is no proof of who wrote them.
 TEST(PartialScan, BytesWithTheirChecksumDoNoHarm) {
     FakeHost host;
-    const std::string part = partOf(host, "", R"([{"a":[1,2.5,"x"],"b":{"c":1e999}},{"b":{}}])", "");
+    const std::string part =
+        partOf(host, "", R"([{"a":[1,2.5,"x"],"b":{"c":1e999}},{"b":{}}])", "");
     for (std::size_t i = 0; i + 8 < part.size(); ++i) {
         for (const char byte : {'\0', '\1', '\x02', '\x7f', '\xff'}) {
             std::string other = part.substr(0, part.size() - 8);
