@@ -29,9 +29,10 @@ $ qvejmap --help
   Options of map, shape, convert, report and diagram:
     -o,--output OUT         map: file to write; shape: file to write; report:
                             file to write, such as report.html; diagram: file to
-                            write; convert: a directory, made when missing, or a
-                            file NAME.sqlite, .db, .xlsx or of one table .parquet,
-                            .arrow, or postgresql://HOST/DATABASE
+                            write, such as tables.svg; convert: a directory, made
+                            when missing, or a file NAME.sqlite, .db, .xlsx or of
+                            one table .parquet, .arrow, or
+                            postgresql://HOST/DATABASE
     --exact                 map: columns with numbers that a double does not keep
                             are CHARACTER
     --compact               map: all in one line, without blanks

@@ -199,7 +199,8 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     const std::string ofFiles = "Options of map, shape, convert, report and diagram";
     app.add_option("-o,--output", o.out,
                    "map: file to write; shape: file to write; report: file to write, such as "
-                   "report.html; diagram: file to write; convert: a directory, made when "
+                   "report.html; diagram: file to write, such as tables.svg; convert: a directory, "
+                   "made when "
                    "missing, or a file "
                    "NAME.sqlite, .db, .xlsx or of one table .parquet, .arrow, or "
                    "postgresql://HOST/DATABASE")
