@@ -27,4 +27,9 @@ std::string quotedText(std::string_view text) {
     return quoted(text, '\'');
 }
 
+std::string parentsMissing(const std::string& rows, const std::string& parent) {
+    return rows + " would have no row in " + parent +
+           ", which a foreign key demands (convert both tables together, or drop that key first)";
+}
+
 }  // namespace qvej

@@ -18,6 +18,10 @@ namespace qvej {
 [[nodiscard]] std::string quotedName(std::string_view name);
 [[nodiscard]] std::string quotedText(std::string_view text);
 
+// Why rows are refused whose parents are not there.
+//   rows  "2 rows of orders_items"
+[[nodiscard]] std::string parentsMissing(const std::string& rows, const std::string& parent);
+
 struct DatabaseLimits {
     std::string_view product;  // as messages call it
     NameRules tableNames, columnNames;

@@ -35,6 +35,9 @@ class PostgresDatabase final : public Database {
     //   sql   COPY ... FROM STDIN
     void copy(const std::string& sql, std::string_view rows);
 
+    // Checks the foreign keys that have been deferred: from now on they are not.
+    void checkForeignKeys();
+
     // What messages call it.
     [[nodiscard]] const std::string& shownAddress() const { return shownAddress_; }
 
@@ -48,6 +51,7 @@ class PostgresDatabase final : public Database {
     using Result = std::unique_ptr<pg_result, Clear>;
 
     Result take(Result result, int expected);
+    [[nodiscard]] std::string sentenceOf(const pg_result* result) const;
     [[noreturn]] void fail(const pg_result* result) const;
 
     std::string shownAddress_;

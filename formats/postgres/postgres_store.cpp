@@ -82,7 +82,7 @@ class PostgresStore final : public Store {
         return std::make_unique<PostgresSink>(database_, tables_[table], tables_.columnList(table));
     }
     void end() override {
-        database_.run("SET CONSTRAINTS ALL IMMEDIATE");
+        database_.checkForeignKeys();
         tables_.finish();
     }
     void commit() override { database_.run("COMMIT"); }

@@ -46,11 +46,12 @@ class SqliteStore final : public Store {
         const Database::Rows broken = database_.query(
             "SELECT \"table\", parent, count(*) FROM pragma_foreign_key_check GROUP BY 1, 2");
         if (!broken.empty()) {
-            throw Error(QV_IO_REFUSED,
-                        broken[0][2] + (broken[0][2] == "1" ? " row" : " rows") + " of " +
-                            broken[0][0] + " would have no row in " + broken[0][1] +
-                            ", which its foreign key demands",
-                        parms_.shownTarget);
+            throw Error(
+                QV_IO_REFUSED,
+                parentsMissing(
+                    broken[0][2] + (broken[0][2] == "1" ? " row of " : " rows of ") + broken[0][0],
+                    broken[0][1]),
+                parms_.shownTarget);
         }
     }
 
