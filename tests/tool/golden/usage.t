@@ -40,9 +40,9 @@ $ qvejmap --help
     --alldata               convert: ALLDATA too (every value with its full path)
   
   Options of convert:
-    --per-file              a directory OUT/NAME for each input, with tables and
-                            a map of its own (default: all inputs are one data
-                            set, with a column source)
+    --per-file              a directory OUT/NAME for each input, as if each were
+                            converted alone (default: all inputs are one data set,
+                            with a column source)
     --threads N             at most N threads (default: as many as there are
                             cores)
   
@@ -163,9 +163,10 @@ $ qvejmap --help
   ./map.
   
   Exit codes: 0 done, 1 done but some values were rejected, cut, overwritten or
-  strayed or, with --account, lost (map check, map diff: not the same), 2 wrong
-  usage, 3 not valid JSON, 4 no such table or trouble with the map, 5 trouble with
-  a file, 6 a limit was reached.
+  strayed or, with --account, lost, or --skip-bad-lines or --skip-bad-files left
+  some out (map check, map diff: not the same), 2 wrong usage, 3 not valid JSON,
+  4 no such table or trouble with the map, 5 trouble with a file, 6 a limit was
+  reached.
 $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
   qvejmap convert: write every table: files, SQLite, Parquet, ...
   
@@ -176,9 +177,9 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
                             NAME.sqlite, .db, .xlsx or of one table .parquet,
                             .arrow, or postgresql://HOST/DATABASE
     --alldata               ALLDATA too (every value with its full path)
-    --per-file              a directory OUT/NAME for each input, with tables and
-                            a map of its own (default: all inputs are one data
-                            set, with a column source)
+    --per-file              a directory OUT/NAME for each input, as if each were
+                            converted alone (default: all inputs are one data set,
+                            with a column source)
     --threads N             at most N threads (default: as many as there are
                             cores)
     --account               count what becomes of every value, and tell which are

@@ -214,9 +214,10 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
         ->group(ofFiles);
     app.add_flag("--alldata", o.alldata, "convert: ALLDATA too (every value with its full path)")
         ->group(ofFiles);
-    app.add_flag("--per-file", o.perFile,
-                 "a directory OUT/NAME for each input, with tables and a map of its own (default: "
-                 "all inputs are one data set, with a column source)")
+    app.add_flag(
+           "--per-file", o.perFile,
+           "a directory OUT/NAME for each input, as if each were converted alone (default: all "
+           "inputs are one data set, with a column source)")
         ->group("Options of convert");
     app.add_option("--threads", raw.threads,
                    "at most N threads (default: as many as there are cores)")
