@@ -210,6 +210,21 @@ $ qvejmap convert a.json b.json --per-file -o apart
 $ qvejmap convert a.json b.json --per-file -o more --rejects r.csv
 ! qvejmap: --per-file: neither --rejects nor --cache can be for several documents (qvejmap --help tells more)
 ? 2
+# Rejected values of several files come with the name of theirs.
+$ printf '{"DATASETS":[{"DSNAME":"r","TABLEPATH":"/root","VARIABLES":[{"NAME":"n","TYPE":"NUMERIC","PATH":"/root/id"},{"NAME":"c","TYPE":"CHARACTER","PATH":"/root/id","LENGTH":2,"INFORMAT":["upper"]},{"NAME":"o","PATH":"/root"}]}]}' > bad.map
+$ qvejmap convert a.json b.json logs --map bad.map -o rejecting --rejects rejecting.csv; cat rejecting.csv
+  source,table,row,column,path,ordinals,text,reason\r
+  b.json,r,3,n,/root/id,o=3,three,not a number\r
+  b.json,r,3,c,/root/id,o=3,three,cut to 2 bytes\r
+! qvejmap: 1 table, 5 rows in rejecting
+! qvejmap: r.n: 1 value rejected, in row 3: "three" is not a number
+! qvejmap: r.c: 1 value cut to 2 bytes, in row 3: "three"
+$ printf '{"id":"x"}\n{"id":}\n' > x.jsonl; qvejmap convert b.json x.jsonl --map bad.map --skip-bad-lines -o rejecting2 -q --rejects rejecting2.csv 2>&-; cat rejecting2.csv
+  source,table,row,column,path,ordinals,text,reason\r
+  x.jsonl,,2,,x.jsonl:2:7,,"{""id"":}",a value was expected\r
+  b.json,r,2,n,/root/id,o=2,three,not a number\r
+  b.json,r,2,c,/root/id,o=2,three,cut to 2 bytes\r
+  x.jsonl,r,3,n,/root/id,o=3,x,not a number\r
 
 # Bad lines are left out, and told.
 $ printf '{"id":1}\n{"id":}\n\n{"id":4} 5\n{"id":6,"o":"caf\351"}\n{"id":7}\n{"id"' > bad.jsonl
@@ -225,11 +240,11 @@ $ qvejmap convert bad.jsonl a.json b.json --skip-bad-lines -o mixed
 ! qvejmap: 2 tables, 6 rows in mixed
 ? 1
 $ qvejmap convert bad.jsonl logs/c.jsonl.gz --skip-bad-lines -o skipping -q --rejects bad.csv; cat bad.csv skipping/root.csv
-  table,row,column,path,ordinals,text,reason\r
-  ,2,,bad.jsonl:2:7,,"{""id"":}",a value was expected\r
-  ,4,,bad.jsonl:4:10,,"{""id"":4} 5",only white space may follow the value in its line\r
-  ,5,,bad.jsonl:5:17,,"{""id"":6,""o"":""caf�""}",invalid UTF-8\r
-  ,7,,bad.jsonl:7:6,,"{""id""",the value does not end in its line\r
+  source,table,row,column,path,ordinals,text,reason\r
+  bad.jsonl,,2,,bad.jsonl:2:7,,"{""id"":}",a value was expected\r
+  bad.jsonl,,4,,bad.jsonl:4:10,,"{""id"":4} 5",only white space may follow the value in its line\r
+  bad.jsonl,,5,,bad.jsonl:5:17,,"{""id"":6,""o"":""caf�""}",invalid UTF-8\r
+  bad.jsonl,,7,,bad.jsonl:7:6,,"{""id""",the value does not end in its line\r
   source_1,ordinal_root,id,Source\r
   bad.jsonl,1,1,\r
   bad.jsonl,2,7,\r

@@ -60,7 +60,8 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
     const Sources sources = sourcesOf(options.inputs.files, options.map);
     const std::unique_ptr<Destination> destination = makeDestination(options, sources);
     destination->open(tables, schema ? &*schema : nullptr);
-    Rejects rejects(options.rejects, options.force, sources, destination.get());
+    Rejects rejects(options.rejects, options.force, sources, document.hasSourceColumn(),
+                    destination.get());
     rejects.takeLines(session.skipped());
     std::optional<SchemaBuilder> facts;
     if (!schema) {
