@@ -4,6 +4,7 @@
 #include "formats/module.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <string_view>
 #include <sys/stat.h>
 #include <utility>
@@ -12,9 +13,11 @@ namespace qvej {
 
 namespace {
 
-bool hasContent(const std::string& path) {
+// Is a file changed that is there?  It may be empty: a database without tables.
+bool changesFile(const StoreTarget& target, bool force) {
     struct stat found = {};
-    return ::stat(path.c_str(), &found) == 0 && S_ISREG(found.st_mode) && found.st_size != 0;
+    return target.grows && !force && ::stat(target.text.c_str(), &found) == 0 &&
+           S_ISREG(found.st_mode);
 }
 
 }  // namespace
@@ -47,14 +50,25 @@ StoreDestination::StoreDestination(StoreTarget target, const Format& format, For
       force_(force),
       sources_(std::move(sources)) {}
 
+void StoreDestination::checkFile(const StoreTarget& target, bool force, const Sources& sources) {
+    if (!changesFile(target, force)) {
+        OutputFiles::checkFile(target.text, force, sources);
+        return;
+    }
+    refuseSource(target.text, sources);
+    const bool linked = std::filesystem::is_symlink(target.text);
+    OutputFiles::checkFile(linked ? std::filesystem::canonical(target.text).string() : target.text,
+                           true, sources);
+}
+
 void StoreDestination::open(const std::vector<const Table*>& /*tables*/, const Schema* schema) {
     const FormatModule& module = formatModule(format_.module);
-    const bool grows = target_.grows && !force_ && hasContent(target_.text);
+    const bool changes = changesFile(target_, force_);
     std::string name = target_.text;
-    if (grows) {
+    if (changes) {
         refuseSource(name, sources_);
     }
-    if (grows || !target_.file) {
+    if (changes || !target_.file) {
         cleanup_.emplace(withoutPassword(target_.text));
     } else if (target_.file) {
         files_.reset(new OutputFiles(OutputFiles::single(target_.text, force_, sources_)));

@@ -1,7 +1,7 @@
 // All tables in one file or database, by the store of a module.
 //
-// A new file is made under a temporary name and renamed.  A database, and a file that has tables
-// already, are changed in one transaction.
+// A new file is made under a temporary name and renamed.  A database, and a file that is there
+// already, are changed in one transaction; a link to such a file is followed.
 //
 // Tested by tests/tool/golden/dictionary.t
 #pragma once
@@ -33,6 +33,9 @@ class StoreDestination final : public Destination {
    public:
     StoreDestination(StoreTarget target, const Format& format, FormatOptions options, bool force,
                      Sources sources);
+
+    // What can be told of a file before there is anything to write.  Throws qvej::Error.
+    static void checkFile(const StoreTarget& target, bool force, const Sources& sources);
 
     void open(const std::vector<const Table*>& tables, const Schema* schema) override;
     [[nodiscard]] bool shares(const OutputFiles& files) const override;

@@ -79,11 +79,12 @@ void checkOutput(const Options& options) {
         (void)formatModule(options.format->module);
     }
     const Sources sources = sourcesOf(options.inputs.files, options.map);
-    const bool grows = storeTarget(options).grows;
     if (options.place == OutputPlace::DIRECTORY) {
         OutputFiles::checkDirectory(options.out);
-    } else if (options.place != OutputPlace::DATABASE) {
-        OutputFiles::checkFile(options.out, options.force || grows, sources);
+    } else if (options.place == OutputPlace::STORE_FILE) {
+        StoreDestination::checkFile(storeTarget(options), options.force, sources);
+    } else if (options.place == OutputPlace::TABLE_FILE) {
+        OutputFiles::checkFile(options.out, options.force, sources);
     }
     if (!options.rejects.empty()) {
         OutputFiles::checkFile(options.rejects, options.force, sources,
