@@ -13,6 +13,7 @@ $ qvejmap convert a.json b.json -o out && head out/*.csv
   source,ordinal_root,ordinal_tags,tags1,tags2\r
   a.json,1,1,x,y\r
 ! qvejmap: 2 tables, 4 rows in out
+! qvejmap: root.id has values of several kinds, all as texts
 $ qvejmap convert a.json logs -o folder && head folder/*.csv
   ==> folder/o.csv <==
   source,ordinal_root,ordinal_o,n\r
@@ -76,6 +77,7 @@ $ qvejmap convert - a.json -o in < b.json && cat in/root.csv
   <stdin>,2,three\r
   a.json,3,1\r
 ! qvejmap: 2 tables, 4 rows in in
+! qvejmap: root.id has values of several kinds, all as texts
 $ qvejmap convert a.json a.json -o twice && cat twice/root.csv
   source,ordinal_root,id\r
   a.json,1,1\r
@@ -169,6 +171,7 @@ $ ls none
 $ qvejmap convert a.json b.json -o . --force
 ! qvejmap: . had no datapackage.json of qvejmap: files were replaced by name, and no others removed
 ! qvejmap: 2 tables, 4 rows in .
+! qvejmap: root.id has values of several kinds, all as texts
 $ cp a.json root.csv; qvejmap convert root.csv b.json -o . --force
 ! qvejmap: root.csv: the document itself, not replaced
 ? 5
@@ -192,6 +195,7 @@ $ qvejmap convert a.json logs ./a.json - --per-file -o apart < b.json && find ap
 ! qvejmap: logs/deep/d.json: 2 values are in no cell (qvejmap check --account tells which)
 ! qvejmap: 2 tables, 2 rows in apart/a_2
 ! qvejmap: 1 table, 2 rows in apart/stdin
+! qvejmap: root.id has values of several kinds, all as texts
 $ qvejmap convert a.json bad.json b.json --per-file -o some; find some -name '*.csv' | sort
   some/a/root.csv
   some/a/tags.csv
@@ -238,6 +242,7 @@ $ qvejmap read bad.jsonl root --skip-bad-lines
 $ qvejmap convert bad.jsonl a.json b.json --skip-bad-lines -o mixed
 ! qvejmap: 4 lines skipped, the first: bad.jsonl:2:7: a value was expected: "{"id":}"
 ! qvejmap: 2 tables, 6 rows in mixed
+! qvejmap: root.id has values of several kinds, all as texts
 ? 1
 $ qvejmap convert bad.jsonl logs/c.jsonl.gz --skip-bad-lines -o skipping -q --rejects bad.csv; cat bad.csv skipping/root.csv
   source,table,row,column,path,ordinals,text,reason\r
@@ -302,6 +307,7 @@ $ qvejmap convert bad.json a.json short.json empty.json missing.json scalar.json
 !     12
 !     ^
 ! qvejmap: 3 tables, 8 rows in good
+! qvejmap: root.id has values of several kinds, all as texts
 ! qvejmap: the column of file names has another name where source is taken: root.source_1
 $ qvejmap check bad.json a.json --skip-bad-files; qvejmap map bad.json b.json --skip-bad-files --compact
   a.json: well formed
@@ -338,6 +344,7 @@ $ qvejmap convert bad.json - short.json --skip-bad-files --per-file -o each --sh
 !      1,}
 !        ^
 ! qvejmap: 1 table, 2 rows in each/stdin
+! qvejmap: root.id has values of several kinds, all as texts
 ! qvejmap: skipped: short.json:1:7: the document ends before a complete object or array
 !     {"id":
 !           ^
