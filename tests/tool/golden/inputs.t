@@ -370,3 +370,13 @@ $ mkdir grown; echo '{"a":1}' > grown/x.json; qvejmap convert grown -o grown/out
   grown/x.json\t1\t6\t/root/a\t1
 ! qvejmap: 2 files of an earlier convert are left out, the first grown/out/datapackage.json
 ! qvejmap: 1 table, 2 rows in again
+
+# Each walk over the files is told while it lasts: here the first one waits for more than a second.
+$ slow() { printf '[{"id":1}'; sleep 1.1; printf ',{"id":2}]'; }
+> mkfifo 1 2 3 4; qvejmap tables 1 a.json --skip-bad-files --shape auto --progress json > of1 2>&1 & slow > 1 &
+> qvejmap tables 2 --shape auto --progress json > of2 2>&1 & slow > 2 & qvejmap shape 3 --progress json > of3 2>&1 & slow > 3 &
+> qvejmap tables 4 --progress json > of4 2>&1 & slow > 4 & wait; head -qn 1 of1 of2 of3 of4 | cut -d, -f 1
+  {"phase":"files"
+  {"phase":"shape"
+  {"phase":"shape"
+  {"phase":"scan"

@@ -237,7 +237,7 @@ $ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read c
   convert: -o,--output --alldata --per-file --threads --account --table --path --map --rejects --ordinals --alldata-name --naming --retain --carry --format --null --gzip --zstd --dates --schema --replace --append --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force --progress -q,--quiet -h,--help --version
   find: --limit --value --regex --ignore-case --path --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth -q,--quiet -h,--help --version
   records: --lines --skip-bad-lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --progress -q,--quiet -h,--help --version
-  shape: -o,--output --lines --encoding --invalid --depth --key-names --key-containers --fixed-length --inline-columns --force -q,--quiet -h,--help --version
+  shape: -o,--output --lines --encoding --invalid --depth --key-names --key-containers --fixed-length --inline-columns --force --progress -q,--quiet -h,--help --version
   check: --account --map --retain --carry --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --progress -q,--quiet -h,--help --version
   completion: -q,--quiet -h,--help --version
 
