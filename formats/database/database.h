@@ -1,12 +1,14 @@
-// A database as the tables of a document need it: what it can hold, what it has, and statements.
+// A database as the tables of a document need it: what it can hold, what it has, statements, rows.
 //
 // Tested by tests/formats/databases.py
 #pragma once
 
 #include "client/schema/schema.h"
+#include "formats/sink.h"
 #include "formats/target_names.h"
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,6 +23,8 @@ namespace qvej {
 // Why rows are refused whose parents are not there.
 //   rows  "2 rows of orders_items"
 [[nodiscard]] std::string parentsMissing(const std::string& rows, const std::string& parent);
+
+struct TargetTable;
 
 struct DatabaseLimits {
     std::string_view product;  // as messages call it
@@ -45,7 +49,7 @@ struct DatabaseColumn {
     bool key;          // of the primary key, or a part of it
 };
 
-// All throw qvej::Error.
+// One transaction, which its end takes back unless it is committed.  All throw qvej::Error.
 class Database {
    public:
     using Rows = std::vector<std::vector<std::string>>;  // null is empty
@@ -70,6 +74,18 @@ class Database {
     // column does not keep all of them.
     [[nodiscard]] virtual std::optional<DataType> writtenAs(const Field& field,
                                                             const std::string& type) const = 0;
+
+    // The sink of a table that is there.  Rows may come before those of their parents.
+    //   columnList  of an INSERT
+    // All must outlive it.
+    [[nodiscard]] virtual std::unique_ptr<Sink> sink(const TargetTable& table,
+                                                     const std::string& columnList) = 0;
+
+    // When all sinks have ended: throws when a foreign key that was there finds no row.
+    virtual void checkForeignKeys() = 0;
+
+    // Ends the transaction.
+    virtual void commit() = 0;
 };
 
 }  // namespace qvej

@@ -3,6 +3,7 @@
 
 #include "client/error.h"
 #include "formats/postgres/copy_rows.h"
+#include "formats/postgres/postgres_sink.h"
 
 #include <libpq-fe.h>
 
@@ -71,6 +72,7 @@ PostgresDatabase::PostgresDatabase(const std::string& address, std::string shown
     }
     run("SET standard_conforming_strings = on");
     run("BEGIN");
+    run("SET CONSTRAINTS ALL DEFERRED");
     if (!schema.empty()) {
         run("CREATE SCHEMA IF NOT EXISTS " + quotedName(schema));
         run("SET LOCAL search_path TO " + quotedName(schema));
@@ -149,6 +151,11 @@ void PostgresDatabase::copy(const std::string& sql, std::string_view rows) {
     }
     (void)take(Result(PQgetResult(connection)), PGRES_COMMAND_OK);
     (void)PQgetResult(connection);  // null: there are no more
+}
+
+std::unique_ptr<Sink> PostgresDatabase::sink(const TargetTable& table,
+                                             const std::string& columnList) {
+    return std::make_unique<PostgresSink>(*this, table, columnList);
 }
 
 // The server names the key and its table; which table that refers to, it tells only when the failed

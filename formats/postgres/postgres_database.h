@@ -30,13 +30,14 @@ class PostgresDatabase final : public Database {
     [[nodiscard]] std::string typeOf(const Field& field) const override;
     [[nodiscard]] std::optional<DataType> writtenAs(const Field& field,
                                                     const std::string& type) const override;
+    [[nodiscard]] std::unique_ptr<Sink> sink(const TargetTable& table,
+                                             const std::string& columnList) override;
+    void checkForeignKeys() override;
+    void commit() override { run("COMMIT"); }
 
     // Sends rows by a COPY of its own.
     //   sql   COPY ... FROM STDIN
     void copy(const std::string& sql, std::string_view rows);
-
-    // Checks the foreign keys that have been deferred: from now on they are not.
-    void checkForeignKeys();
 
     // What messages call it.
     [[nodiscard]] const std::string& shownAddress() const { return shownAddress_; }
