@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace qvej {
@@ -19,6 +20,12 @@ namespace qvej {
 // The text between double quotes, as SQL has names; between single quotes, as it has texts.
 [[nodiscard]] std::string quotedName(std::string_view name);
 [[nodiscard]] std::string quotedText(std::string_view text);
+
+// A name as messages have it: even an empty one can be seen.
+[[nodiscard]] std::string shownName(const std::string& name);
+
+// Equal for names that are the same to the database.
+[[nodiscard]] std::string nameKey(const std::string& name, const NameRules& rules);
 
 // Why rows are refused whose parents are not there.
 //   rows  "2 rows of orders_items"
@@ -42,6 +49,9 @@ struct DatabaseObject {
     std::string name;
     bool table;
 };
+
+// By `nameKey`: is it a table?
+using ObjectKinds = std::unordered_map<std::string, bool>;
 
 struct DatabaseColumn {
     std::string name;
