@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <string_view>
 #include <sys/stat.h>
-#include <utility>
 
 namespace qvej {
 
@@ -42,14 +41,6 @@ std::string withoutPassword(const std::string& address) {
     return shown;
 }
 
-StoreDestination::StoreDestination(StoreTarget target, const Format& format, FormatOptions options,
-                                   bool force, Sources sources)
-    : target_(std::move(target)),
-      format_(format),
-      options_(std::move(options)),
-      force_(force),
-      sources_(std::move(sources)) {}
-
 void StoreDestination::checkFile(const StoreTarget& target, bool force, const Sources& sources) {
     if (!changesFile(target, force)) {
         OutputFiles::checkFile(target.text, force, sources);
@@ -62,20 +53,21 @@ void StoreDestination::checkFile(const StoreTarget& target, bool force, const So
 }
 
 void StoreDestination::open(const std::vector<const Table*>& /*tables*/, const Schema* schema) {
-    const FormatModule& module = formatModule(format_.module);
-    const bool changes = changesFile(target_, force_);
+    const FormatModule& module = formatModule(parms_.format.module);
+    const bool changes = changesFile(target_, parms_.force);
     std::string name = target_.text;
     if (changes) {
-        refuseSource(name, sources_);
+        refuseSource(name, parms_.sources);
     }
     if (changes || !target_.file) {
         cleanup_.emplace(withoutPassword(target_.text));
     } else if (target_.file) {
-        files_.reset(new OutputFiles(OutputFiles::single(target_.text, force_, sources_)));
+        files_.reset(
+            new OutputFiles(OutputFiles::single(target_.text, parms_.force, parms_.sources)));
         name = files_->made(0);
     }
     store_ = module.openStore(
-        {name, withoutPassword(target_.text), files_ != nullptr, *schema, options_});
+        {name, withoutPassword(target_.text), files_ != nullptr, *schema, parms_.options});
 }
 
 bool StoreDestination::shares(const OutputFiles& files) const {

@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace qvej {
@@ -31,8 +32,8 @@ struct StoreTarget {
 
 class StoreDestination final : public Destination {
    public:
-    StoreDestination(StoreTarget target, const Format& format, FormatOptions options, bool force,
-                     Sources sources);
+    StoreDestination(StoreTarget target, DestinationParms parms)
+        : target_(std::move(target)), parms_(std::move(parms)) {}
 
     // What can be told of a file before there is anything to write.  Throws qvej::Error.
     static void checkFile(const StoreTarget& target, bool force, const Sources& sources);
@@ -46,10 +47,7 @@ class StoreDestination final : public Destination {
 
    private:
     StoreTarget target_;
-    const Format& format_;
-    FormatOptions options_;
-    bool force_;
-    Sources sources_;
+    DestinationParms parms_;
     std::unique_ptr<OutputFiles> files_;      // of a new file, once it is open
     std::optional<cleanup::Output> cleanup_;  // of a database or a file that grows: for a signal
     std::unique_ptr<Store> store_;            // while it is open
