@@ -166,7 +166,10 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
       shape_(shapeOf(options_.shape,
                      [this] {
                          progress_->begin(Progress::SHAPE);
-                         return cli::findShape(engine_, rereadable_, options_, *progress_).shape();
+                         Shape found =
+                             cli::findShape(engine_, rereadable_, options_, *progress_).shape();
+                         progress_->begin(Progress::SCAN);
+                         return found;
                      })),
       reader_(inputs_, options_.text,
               [this, next = std::size_t{0}](const std::string& file) mutable {
@@ -181,7 +184,6 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
     if (!options_.cache.empty()) {
         checkNamedCache(options_.cache, sourcesOf(inputs_.files, map));
     }
-    progress_->begin(Progress::SCAN);
     try {
         read(wishes);
         useMap();
@@ -235,6 +237,7 @@ InputList Session::goodOf(InputList inputs, bool tells) {
         }
     }
     rereadable_ = std::move(files);
+    progress_->begin(Progress::SCAN);
     return good;
 }
 

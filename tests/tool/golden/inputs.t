@@ -375,8 +375,9 @@ $ mkdir grown; echo '{"a":1}' > grown/x.json; qvejmap convert grown -o grown/out
 $ slow() { printf '[{"id":1}'; sleep 1.1; printf ',{"id":2}]'; }
 > mkfifo 1 2 3 4; qvejmap tables 1 a.json --skip-bad-files --shape auto --progress json > of1 2>&1 & slow > 1 &
 > qvejmap tables 2 --shape auto --progress json > of2 2>&1 & slow > 2 & qvejmap shape 3 --progress json > of3 2>&1 & slow > 3 &
-> qvejmap tables 4 --progress json > of4 2>&1 & slow > 4 & wait; head -qn 1 of1 of2 of3 of4 | cut -d, -f 1
+> qvejmap tables 4 --progress json > of4 2>&1 & { head -c 2000000 /dev/zero | tr '\0' ' '; sleep 1.5; echo '[{"id":1}]'; } > 4 &
+> wait; head -qn 1 of1 of2 of3 | cut -d, -f 1; grep phase of4 | tail -n 1 | cut -d, -f 1,2
   {"phase":"files"
   {"phase":"shape"
   {"phase":"shape"
-  {"phase":"scan"
+  {"phase":"scan","bytes":2000011
