@@ -43,8 +43,9 @@ void readText(const ReadingOptions& options, const Engine& engine, DocumentReade
               const std::function<void(std::string_view)>& observer = {});
 
 // What is wrong with a file that cannot be read or is not well formed; nothing is.
+//   open  gives its bytes
 std::optional<Error> mistakeOf(const ReadingOptions& options, const Engine& engine,
-                               RereadableFile& file);
+                               const std::function<ByteSource()>& open);
 
 class Session {
    public:

@@ -9,6 +9,7 @@
 #include "tools/cli/reports/shape_report.h"
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"
+#include "tools/cli/survey.h"
 #include "tools/cli/text_output.h"
 #include "tools/cli/verbs/verbs.h"
 
@@ -48,7 +49,7 @@ ExitCode runDiagram(const Options& options) {
     }
     Schema schema;
     try {
-        schema = schemaOf(document, tables, false, false, options.threads, options.schema);
+        schema = typesOf(session, tables, options);
     } catch (const Error& error) {
         session.failReading(error);
     }

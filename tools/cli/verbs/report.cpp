@@ -97,7 +97,7 @@ ReportPage pageOf(const Options& options, const Session& session, Survey& survey
         tellShapeHint(document.tables());
     }
     try {
-        survey = surveyOf(document, tables, options);
+        survey = surveyOf(session, tables, options);
         ReportPage page(factsOf(options, session), survey);
         const std::vector<std::size_t> detailed = detailedTables(survey.schema);
         page.putTables(detailed,
