@@ -2,6 +2,8 @@
 #include "tools/cli/session.h"
 
 #include "client/error.h"
+#include "client/parts/input_parts.h"
+#include "client/parts/scan_parts.h"
 #include "formats/sources.h"
 #include "tools/cli/auto_shape.h"
 #include "tools/cli/counted_input.h"
@@ -9,6 +11,7 @@
 #include "tools/cli/reports/shape_report.h"
 #include "tools/cli/reports/tell.h"
 
+#include <atomic>
 #include <memory>
 #include <sys/stat.h>
 #include <utility>
@@ -201,11 +204,52 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
     }
 }
 
+// Whether the inputs are worth to be read in parts, and nothing needs their records.
+bool Session::mayDivide(const ReadingWishes& wishes) const {
+    constexpr uint64_t kWorthIt = uint64_t{4} << 20;        // bytes
+    constexpr uint64_t kLeastMemory = uint64_t{256} << 20;  // for parts on their way
+    const bool needsRecords = !options_.debug.empty() || !options_.cache.empty() ||
+                              options_.compress || !shape_.empty() || options_.skipBadLines ||
+                              !wishes.watches.empty() ||
+                              options_.memory.value_or(kLeastMemory) < kLeastMemory;
+    return wishes.partThreads > 1 && !needsRecords &&
+           rereadableBytes(inputs_).value_or(0) >= kWorthIt;
+}
+
+bool Session::readParts(const DocumentOptions& options, const ReadingWishes& wishes) {
+    auto parts = std::make_shared<PartsOfDocument>();
+    parts->engine = &engine_;
+    parts->options = options;
+    parts->options.several = inputs_.several;
+    parts->threads = wishes.partThreads;
+    const auto scanned = std::make_shared<std::atomic<bool>>(false);
+    parts->read = partsOf(
+        inputs_, options_.text,
+        [this, scanned](const std::string& file) {
+            // Once the paths are counted, the rows show how far it is.
+            return *scanned ? ByteSource::file(file) : counted(ByteSource::file(file), *progress_);
+        },
+        wishes.observer);
+    DocumentOptions whole = parts->options;
+    whole.ofParts = true;
+    document_.emplace(engine_, whole);
+    if (!scanParts(*parts, *document_)) {
+        document_.reset();
+        return false;
+    }
+    *scanned = true;
+    document_->setParts(std::move(parts));
+    return true;
+}
+
 void Session::read(const ReadingWishes& wishes) {
     DocumentOptions document = documentOptions(options_, engine_);
     document.watches = wishes.watches;
     document.shape = shape_;
     document.sourceColumn = wishes.sourceColumn;
+    if (mayDivide(wishes) && readParts(document, wishes)) {
+        return;
+    }
     document_.emplace(engine_, reader_.documentOptions(document));
     if (wishes.keepBadLines) {
         skipped_.keepLines();

@@ -122,8 +122,9 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
 ExitCode convertAndAccount(const Options& options, Account& account) {
     std::optional<cleanup::Output> output(
         shownOutput(options));  // for a signal while the document is read
-    const Session session(options.reading, options.inputs, options.map,
-                          {.keepBadLines = !options.rejects.empty()});
+    const Session session(
+        options.reading, options.inputs, options.map,
+        {.keepBadLines = !options.rejects.empty(), .partThreads = partThreads(options)});
     output.reset();
     const std::vector<const Table*> tables = chosenTables(options, session.document().tables());
     if (session.map() != nullptr && !options.quiet) {

@@ -41,7 +41,8 @@ std::string pictureOf(const Diagram& diagram, PictureFormat format) {
 ExitCode runDiagram(const Options& options) {
     const Sources sources = sourcesOf(options.inputs.files, options.map);
     checkTextOutput(options, sources);
-    const Session session(options.reading, options.inputs, options.map);
+    const Session session(options.reading, options.inputs, options.map,
+                          {.partThreads = partThreads(options)});
     const Document& document = session.document();
     const std::vector<const Table*> tables = chosenTables(options, document.tables());
     if (session.map() != nullptr && !options.quiet) {

@@ -119,7 +119,8 @@ ExitCode runReport(const Options& options) {
     std::optional<ReportPage> page;
     ExitCode code = DONE;
     {
-        const Session session(options.reading, options.inputs, options.map);
+        const Session session(options.reading, options.inputs, options.map,
+                              {.partThreads = partThreads(options)});
         page.emplace(pageOf(options, session, survey, account));
         code = session.skipped().exitCode();
     }

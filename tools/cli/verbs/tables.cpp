@@ -92,7 +92,8 @@ void putTables(const Options& options, const Session& session,
 }  // namespace
 
 ExitCode runTables(const Options& options) {
-    const Session session(options.reading, options.inputs, options.map);
+    const Session session(options.reading, options.inputs, options.map,
+                          {.partThreads = partThreads(options)});
     const Document& document = session.document();
     const std::vector<const Table*> tables = chosenTables(options, document.tables());
     if (session.map() != nullptr) {
