@@ -20,14 +20,6 @@ namespace qvej::cli {
 
 namespace {
 
-EngineOptions engineOptions(const ReadingOptions& options) {
-    EngineOptions engine;
-    engine.memoryBudget = options.memory.value_or(0);
-    engine.maxDepth = options.depth;
-    engine.journal = [](std::string_view note) { tellPlain(note); };
-    return engine;
-}
-
 DocumentOptions documentOptions(const ReadingOptions& options, const Engine& engine) {
     DocumentOptions document;
     document.debug = options.debug;
@@ -101,6 +93,14 @@ std::string aboutLimit(const ReadingOptions& options, QVStatus status) {
 
 }  // namespace
 
+EngineOptions engineOptions(const ReadingOptions& options) {
+    EngineOptions engine;
+    engine.memoryBudget = options.memory.value_or(0);
+    engine.maxDepth = options.depth;
+    engine.journal = [](std::string_view note) { tellPlain(note); };
+    return engine;
+}
+
 void failReading(const ReadingOptions& options, const DocumentReader& reader, const Error& error) {
     const ExitCode code = exitCodeOf(error.status());
     if (code == FILE_TROUBLE) {
@@ -139,12 +139,20 @@ void readText(const ReadingOptions& options, const Engine& engine, DocumentReade
 }
 
 std::optional<Error> mistakeOf(const ReadingOptions& options, const Engine& engine,
-                               const std::function<ByteSource()>& open) {
+                               const std::function<ByteSource()>& open, const OnBadLine& onBad,
+                               std::string* name) {
     try {
         DocumentReader reader(open(), options.text);
+        if (name != nullptr) {
+            *name = reader.name();
+        }
         try {
             TextCheck check(engine, reader.documentOptions());
-            readText(options, engine, reader, check, [](const BadLine&) {});
+            readText(options, engine, reader, check, [&](const BadLine& line) {
+                if (onBad) {
+                    onBad(reader.name(), line);
+                }
+            });
         } catch (const Error& error) {
             failReading(options, reader, error);
         }

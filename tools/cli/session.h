@@ -46,9 +46,16 @@ void readText(const ReadingOptions& options, const Engine& engine, DocumentReade
               const std::function<void(std::string_view)>& observer = {});
 
 // What is wrong with a file that cannot be read or is not well formed; nothing is.
-//   open  gives its bytes
+//   open   gives its bytes
+//   onBad  sees the lines that the options skip, and the name of the file; may be empty
+//   name   gets what messages call it, if that is not null
+using OnBadLine = std::function<void(const std::string& name, const BadLine& line)>;
 std::optional<Error> mistakeOf(const ReadingOptions& options, const Engine& engine,
-                               const std::function<ByteSource()>& open);
+                               const std::function<ByteSource()>& open,
+                               const OnBadLine& onBad = {}, std::string* name = nullptr);
+
+// What an engine is to know of the options.
+EngineOptions engineOptions(const ReadingOptions& options);
 
 class Session {
    public:

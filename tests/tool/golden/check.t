@@ -153,8 +153,8 @@ $ printf '%01500d' 0 | tr 0 '[' | qvejmap check -
 $ { printf '%01500d' 0 | tr 0 '['; printf '%01500d' 0 | tr 0 ']'; } | qvejmap check - --depth 0
   <stdin>: well formed
 
-# A path that no record block can hold.
-$ { printf '{"'; head -c 1100000 /dev/zero | tr '\0' k; printf '":1}'; } | qvejmap check -
+# A path that no record can hold is JSON all the same, but has no table.
+$ { printf '{"'; head -c 1100000 /dev/zero | tr '\0' k; printf '":1}'; } | qvejmap map -
 ! qvejmap: <stdin>:1:1100006: memory could not be obtained, or a path or a number is longer than 1 MiB
 !     ...kkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkk":1}
 !                                                                    ^
