@@ -38,6 +38,7 @@ Document::Document(Engine& engine, const DocumentOptions& options)
       cacheFile_(options.cacheFile.empty() ? privateCacheDirectory() : options.cacheFile),
       columnOf_(options.columnOf),
       sourceColumn_(options.several ? options.sourceColumn : std::string()),
+      part_(options.part),
       guard_(options.maxPaths, options.leastMemory,
              {[&engine] { return engine.availableMemory(); },
               [file = cacheFile_] { return freeDiskOf(file); }}),
@@ -66,11 +67,16 @@ Document::Document(Engine& engine, const DocumentOptions& options)
 
     QVStatus status =
         operations()->JsonInit(&operations()->exth, &parms, &handle_, engine.host()->jnl);
-    if (status == QV_OK && (options.several || !options.shape.empty())) {
+    const bool fed = !options.ofParts;
+    if (status == QV_OK && fed && (options.several || !options.shape.empty())) {
         status = setParser(options);
     }
-    if (status == QV_OK && !options.several && (options.lines || options.sequence || columnOf_)) {
+    if (status == QV_OK && fed && !options.several &&
+        (options.lines || options.sequence || columnOf_)) {
         status = setRules(options);
+    }
+    if (status == QV_OK && options.ofParts) {
+        jmapCountOnly(handle_, 0);
     }
     if (status == QV_OK) {
         jmapGuard(handle_, &engineGuard_);
@@ -142,6 +148,35 @@ void Document::endText() {
     input("", false);
 }
 
+void Document::setForm(const DocumentOptions& options) {
+    if (const QVStatus status = setRules(options); status != QV_OK) {
+        fail(status, qvStatusText(status));
+    }
+}
+
+void Document::addText(const std::string& name) {
+    std::string utf8;
+    appendEscaped(utf8, name, 0);
+    texts_.push_back({utf8, 0});
+}
+
+void Document::addPart(std::string_view bytes, int64_t line, int64_t column) {
+    const std::size_t text = texts_.empty() ? 0 : texts_.size() - 1;
+    const QVStatus status = jmapAddPart(handle_, bytes.data(), static_cast<QVStrSize>(bytes.size()),
+                                        TextRelay::lineIn(text, line), column);
+    failIfLimited(status);
+    if (status != QV_OK) {
+        fail(status, qvStatusText(status));
+    }
+}
+
+void Document::finishParts() {
+    const QVStatus status = jmapEndParts(handle_);
+    failIfLimited(status);
+    check(status);
+    describeAll();
+}
+
 QVStatus Document::watchFor(const Watch& watch) {
     const std::string path = codec_.encoded(watch.path);
     return jmapWatch(handle_, path.data(), static_cast<QVStrSize>(path.size()),
@@ -166,11 +201,15 @@ void Document::input(std::string_view text, bool done) {
     const QVStatus status = operations()->JsonInput(handle_, const_cast<char*>(text.data()),
                                                     static_cast<QVStrSize>(text.size()),
                                                     done ? 1 : 0, &caching, engine_.host()->jnl);
-    if (guard_.failure()) {
-        failAtLimit(*guard_.failure(), status);
-    }
+    failIfLimited(status);
     if (status != QV_OK) {
         fail(status);
+    }
+}
+
+void Document::failIfLimited(QVStatus status) const {
+    if (guard_.failure()) {
+        failAtLimit(*guard_.failure(), status);
     }
 }
 
@@ -226,7 +265,13 @@ void Document::feed(std::string_view text) {
 
 void Document::finish() {
     input("", true);
+    if (!part_) {
+        describeAll();
+    }
+}
 
+// What the engine passed over is a failure here.
+void Document::describeAll() {
     const JMAPTotals counted = totals();
     if (counted.unstoredBytes != 0) {
         fail(counted.unstoredStatus, std::string(qvStatusText(counted.unstoredStatus)) +

@@ -17,6 +17,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,6 +27,7 @@ namespace qvej {
 
 class Reshaper;
 class TextRelay;
+struct PartsOfDocument;
 
 // A value whose place is asked for.
 struct Watch {
@@ -60,6 +62,11 @@ struct DocumentOptions {
     // Of several texts: each table begins with a column that has the name of the text that a row is
     // of.  It is called so; empty: no such column.
     std::string sourceColumn = {};
+    // Paths are counted alone, no records are kept: see jmapCountOnly.  The document is not fed,
+    // but gets what its parts have counted.
+    bool ofParts = false;
+    // It is only a part of a document: it has no tables.
+    bool part = false;
 };
 
 // One record of the document.  The texts live until the next call on its cursor.
@@ -123,6 +130,22 @@ class Document : public TextConsumer {
     // JMAP_INCOMPLETE when the text is not complete.
     void beginText(const std::string& name, const DocumentOptions& options);
     void endText();
+
+    // Of a part, before its first piece: likewise, when it is one text.
+    void setForm(const DocumentOptions& options);
+
+    // Of a document of parts: the texts begin that parts are added of, and a part that was counted
+    // (jmapTakePart) is added; its text begins at that place of the last text.  Throws QV_NOMEM,
+    // QV_LIMIT_....
+    void addText(const std::string& name);
+    void addPart(std::string_view bytes, int64_t line, int64_t column);
+
+    // After the last part: builds the tables.  Throws as `finish`.
+    void finishParts();
+
+    // How rows can be read that are in no records; null: they are in records.
+    void setParts(std::shared_ptr<const PartsOfDocument> parts) { parts_ = std::move(parts); }
+    [[nodiscard]] const PartsOfDocument* parts() const { return parts_.get(); }
 
     // Ends the text and builds the tables.  Throws as `feed`, and JMAP_INCOMPLETE when the document
     // is not complete.  The engine passes over a last block that it cannot store, a table that it
@@ -189,12 +212,14 @@ class Document : public TextConsumer {
     [[nodiscard]] QVEJMAPJsonContexth handle() const { return handle_; }
 
    private:
+    void describeAll();
     QVStatus setParser(const DocumentOptions& options);
     QVStatus setRules(const DocumentOptions& options);
     QVStatus watchFor(const Watch& watch);
     void input(std::string_view text, bool done);
     [[noreturn]] void fail(QVStatus status) const;
     [[noreturn]] void fail(QVStatus status, const std::string& sentence) const;
+    void failIfLimited(QVStatus status) const;
     [[noreturn]] void failAtLimit(const Error& limit, QVStatus status) const;
     [[nodiscard]] Column sourceColumn(const Columns& columns) const;
     [[nodiscard]] Table describe(JMAPTableh handle, bool alldata,
@@ -216,6 +241,8 @@ class Document : public TextConsumer {
     TextRelay* relay_ = nullptr;          // likewise; null: there is one text
     std::vector<TextSource> texts_;
     std::string sourceColumn_;  // its name; empty: there is none
+    bool part_;
+    std::shared_ptr<const PartsOfDocument> parts_;
     mutable ScanGuard guard_;
     const JMAPGuard engineGuard_;
     std::vector<JMAPWatchh> watches_;

@@ -173,7 +173,7 @@ void runAlone(TablePass& pass, const std::function<void(std::span<const PassItem
 
 void runPass(TablePass& pass, unsigned threads,
              const std::function<void(std::span<const PassItem>)>& take) {
-    if (threads < 2) {
+    if (threads < 2 || pass.walks()) {
         runAlone(pass, take);
         return;
     }

@@ -3,6 +3,7 @@
 
 #include "client/carried_columns.h"
 #include "client/error.h"
+#include "client/parts/walked_rows.h"
 
 #include <cmath>
 #include <utility>
@@ -38,6 +39,13 @@ TablePass::TablePass(const Document& document, const std::vector<JMAPTableh>& ta
 }
 
 void TablePass::open(const std::vector<JMAPTableh>& tables, bool retain) {
+    if (document_.parts() != nullptr) {
+        if (retain) {
+            throw Error(QV_UNSUPPORTED, "values are retained in records alone");
+        }
+        walked_ = std::make_unique<WalkedRows>(document_, tables);
+        return;
+    }
     const QVStatus status =
         jmapPassOpen(document_.handle(), tables.data(), static_cast<QVStrSize>(tables.size()),
                      retain ? uint64_t{QVEJMAP_RETAIN} : 0, &handle_);
@@ -49,7 +57,9 @@ void TablePass::open(const std::vector<JMAPTableh>& tables, bool retain) {
 }
 
 TablePass::~TablePass() {
-    (void)jmapPassClose(handle_);  // only read from: nothing can be lost
+    if (handle_ != nullptr) {
+        (void)jmapPassClose(handle_);  // only read from: nothing can be lost
+    }
 }
 
 bool TablePass::next(PassItem& item) {
@@ -66,8 +76,9 @@ bool TablePass::next(PassItem& item) {
 // root that the row may be of.
 void TablePass::addSource(PassItem& item) {
     const std::vector<TextSource>& texts = document_.texts();
-    const uint64_t roots = jmapPassRoots(handle_);
-    while (text_ + 1 < texts.size() && texts[text_ + 1].rootsBefore < roots) {
+    const uint64_t roots = walked_ == nullptr ? jmapPassRoots(handle_) : 0;
+    text_ = walked_ == nullptr ? text_ : walked_->text();
+    while (walked_ == nullptr && text_ + 1 < texts.size() && texts[text_ + 1].rootsBefore < roots) {
         ++text_;
     }
     PassCell name = {};
@@ -96,6 +107,9 @@ bool TablePass::nextOfEngine(PassItem& item) {
 }
 
 bool TablePass::read(PassItem& item) {
+    if (walked_ != nullptr) {
+        return walked_->next(item);
+    }
     JMAPPassItem raw = {};
     const QVStatus status = jmapPassNext(handle_, &raw);
     if (status == QV_EOF) {
@@ -125,6 +139,9 @@ JMAPPassColumn TablePass::column(std::size_t table, std::size_t column) const {
             return count->column;
         }
     }
+    if (walked_ != nullptr) {
+        return walked_->column(table, column);
+    }
     JMAPPassColumn info = {};
     jmapPassColumn(handle_, static_cast<QVStrSize>(table), static_cast<QVStrSize>(column), &info);
     return info;
@@ -138,6 +155,9 @@ std::optional<uint64_t> TablePass::shown(std::size_t table, std::size_t column) 
 }
 
 const PassCell& TablePass::left(std::size_t table, std::size_t column) const {
+    if (walked_ != nullptr) {
+        return walked_->left(table, column - sourceColumns_);
+    }
     const PassCell* cells = nullptr;
     QVStrSize count = 0;
     jmapPassLeft(handle_, static_cast<QVStrSize>(table), &cells, &count);

@@ -47,6 +47,7 @@ struct PassItem {
 };
 
 class CarriedColumns;
+class WalkedRows;
 
 class TablePass {
    public:
@@ -72,6 +73,9 @@ class TablePass {
     // records are in memory, uncompressed.
     [[nodiscard]] bool textsStay() const { return textsStay_; }
 
+    // Whether other threads make the rows: the document keeps no records.
+    [[nodiscard]] bool walks() const { return walked_ != nullptr; }
+
     // What has come for a column so far; see qvejmapx.h.
     [[nodiscard]] JMAPPassColumn column(std::size_t table, std::size_t column) const;
 
@@ -91,6 +95,7 @@ class TablePass {
     const Document& document_;
     std::unique_ptr<CarriedColumns> carried_;  // null: there are none
     std::size_t unchecked_ = 0;                // cells since the last look at the memory
+    std::unique_ptr<WalkedRows> walked_;       // null: the rows are made of records
     JMAPPassh handle_ = nullptr;
     bool textsStay_ = false;
 

@@ -18,9 +18,9 @@ TextRelay::TextRelay(QVHndlp host, const JSNParserParms& parms)
     JSNParser::parse = &parseText;
     JSNParser::line = [](JSNParserh self) {
         const TextRelay& relay = of(self);
-        return relay.texts_ == 0
-                   ? 0
-                   : asked<&JSNParser::line>(self) | ((relay.texts_ - 1) << kLineBits);
+        return relay.texts_ == 0 ? 0
+                                 : lineIn(static_cast<std::size_t>(relay.texts_ - 1),
+                                          asked<&JSNParser::line>(self));
     };
     JSNParser::column = &asked<&JSNParser::column>;
     JSNParser::eventColumn = &asked<&JSNParser::eventColumn>;

@@ -41,6 +41,9 @@ class TextRelay final : private JSNParser {
     [[nodiscard]] static std::size_t textOf(int64_t line) {
         return static_cast<std::size_t>(line >> kLineBits);
     }
+    [[nodiscard]] static int64_t lineIn(std::size_t text, int64_t line) {
+        return line | (static_cast<int64_t>(text) << kLineBits);
+    }
     [[nodiscard]] static int64_t lineOf(int64_t line) {
         return line & ((int64_t{1} << kLineBits) - 1);
     }

@@ -15,7 +15,9 @@
 
 #include "client/document.h"
 #include "client/schema/schema.h"
+#include "formats/formats.h"
 #include "formats/sink.h"
+#include "formats/sources.h"
 
 #include <cstdint>
 #include <memory>
@@ -25,6 +27,15 @@
 namespace qvej {
 
 class OutputFiles;
+
+// How tables are written.  Files that exist are replaced with `force` only, and never one of the
+// `sources`.
+struct DestinationParms {
+    const Format& format;
+    FormatOptions options;
+    bool force;
+    Sources sources;
+};
 
 // Takes the rows of many tables.  What it has made goes away with it unless it is committed.  All
 // throw qvej::Error.

@@ -4,17 +4,19 @@
 #include "formats/module.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <string_view>
 #include <sys/stat.h>
-#include <utility>
 
 namespace qvej {
 
 namespace {
 
-bool hasContent(const std::string& path) {
+// Is a file changed that is there?  It may be empty: a database without tables.
+bool changesFile(const StoreTarget& target, bool force) {
     struct stat found = {};
-    return ::stat(path.c_str(), &found) == 0 && S_ISREG(found.st_mode) && found.st_size != 0;
+    return target.grows && !force && ::stat(target.text.c_str(), &found) == 0 &&
+           S_ISREG(found.st_mode);
 }
 
 }  // namespace
@@ -39,29 +41,33 @@ std::string withoutPassword(const std::string& address) {
     return shown;
 }
 
-StoreDestination::StoreDestination(StoreTarget target, const Format& format, FormatOptions options,
-                                   bool force, Sources sources)
-    : target_(std::move(target)),
-      format_(format),
-      options_(std::move(options)),
-      force_(force),
-      sources_(std::move(sources)) {}
+void StoreDestination::checkFile(const StoreTarget& target, bool force, const Sources& sources) {
+    if (!changesFile(target, force)) {
+        OutputFiles::checkFile(target.text, force, sources);
+        return;
+    }
+    refuseSource(target.text, sources);
+    const bool linked = std::filesystem::is_symlink(target.text);
+    OutputFiles::checkFile(linked ? std::filesystem::canonical(target.text).string() : target.text,
+                           true, sources);
+}
 
 void StoreDestination::open(const std::vector<const Table*>& /*tables*/, const Schema* schema) {
-    const FormatModule& module = formatModule(format_.module);
-    const bool grows = target_.grows && !force_ && hasContent(target_.text);
+    const FormatModule& module = formatModule(parms_.format.module);
+    const bool changes = changesFile(target_, parms_.force);
     std::string name = target_.text;
-    if (grows) {
-        refuseSource(name, sources_);
+    if (changes) {
+        refuseSource(name, parms_.sources);
     }
-    if (grows || !target_.file) {
+    if (changes || !target_.file) {
         cleanup_.emplace(withoutPassword(target_.text));
     } else if (target_.file) {
-        files_.reset(new OutputFiles(OutputFiles::single(target_.text, force_, sources_)));
+        files_.reset(
+            new OutputFiles(OutputFiles::single(target_.text, parms_.force, parms_.sources)));
         name = files_->made(0);
     }
     store_ = module.openStore(
-        {name, withoutPassword(target_.text), files_ != nullptr, *schema, options_});
+        {name, withoutPassword(target_.text), files_ != nullptr, *schema, parms_.options});
 }
 
 bool StoreDestination::shares(const OutputFiles& files) const {

@@ -1,7 +1,7 @@
 // All tables in one file or database, by the store of a module.
 //
-// A new file is made under a temporary name and renamed.  A database, and a file that has tables
-// already, are changed in one transaction.
+// A new file is made under a temporary name and renamed.  A database, and a file that is there
+// already, are changed in one transaction; a link to such a file is followed.
 //
 // Tested by tests/tool/golden/dictionary.t
 #pragma once
@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace qvej {
@@ -31,8 +32,11 @@ struct StoreTarget {
 
 class StoreDestination final : public Destination {
    public:
-    StoreDestination(StoreTarget target, const Format& format, FormatOptions options, bool force,
-                     Sources sources);
+    StoreDestination(StoreTarget target, DestinationParms parms)
+        : target_(std::move(target)), parms_(std::move(parms)) {}
+
+    // What can be told of a file before there is anything to write.  Throws qvej::Error.
+    static void checkFile(const StoreTarget& target, bool force, const Sources& sources);
 
     void open(const std::vector<const Table*>& tables, const Schema* schema) override;
     [[nodiscard]] bool shares(const OutputFiles& files) const override;
@@ -43,10 +47,7 @@ class StoreDestination final : public Destination {
 
    private:
     StoreTarget target_;
-    const Format& format_;
-    FormatOptions options_;
-    bool force_;
-    Sources sources_;
+    DestinationParms parms_;
     std::unique_ptr<OutputFiles> files_;      // of a new file, once it is open
     std::optional<cleanup::Output> cleanup_;  // of a database or a file that grows: for a signal
     std::unique_ptr<Store> store_;            // while it is open

@@ -7,16 +7,6 @@
 
 namespace qvej {
 
-TableDirectory::TableDirectory(std::string directory, const Format& format,
-                               FormatOptions formatOptions, bool force, Sources sources,
-                               PackageRun run)
-    : directory_(std::move(directory)),
-      format_(format),
-      formatOptions_(std::move(formatOptions)),
-      force_(force),
-      sources_(std::move(sources)),
-      run_(std::move(run)) {}
-
 void TableDirectory::open(const std::vector<const Table*>& tables, const Schema* schema) {
     tables_ = tables;
     schema_ = schema;
@@ -26,22 +16,22 @@ void TableDirectory::open(const std::vector<const Table*>& tables, const Schema*
         names.push_back(table->name);
     }
     FileNames files = uniqueFileNames(
-        names, std::string(format_.extension).append(extensionOf(formatOptions_.packing)));
+        names, std::string(parms_.format.extension).append(extensionOf(parms_.options.packing)));
     cutNames_ = files.cut;
     names_ = std::move(files.names);
     names_.emplace_back(kPackageFile);
-    files_.emplace(directory_, true, names_, force_, sources_);
+    files_.emplace(directory_, true, names_, parms_.force, parms_.sources);
     removeEarlier();
 }
 
 void TableDirectory::removeEarlier() {
-    if (!force_ || !files_->foundFiles()) {
+    if (!parms_.force || !files_->foundFiles()) {
         return;
     }
     std::optional<std::vector<ListedFile>> earlier = readPackage(directory_ + "/" + kPackageFile);
     earlierKnown_ = earlier.has_value();
     if (earlier) {
-        files_->removeEarlier(std::move(*earlier), sources_);
+        files_->removeEarlier(std::move(*earlier), parms_.sources);
     }
 }
 
@@ -50,14 +40,14 @@ bool TableDirectory::shares(const OutputFiles& files) const {
 }
 
 std::unique_ptr<Sink> TableDirectory::sink(std::size_t table) {
-    return makeSink(format_, Writer(packed(files_->target(table), formatOptions_.packing)),
-                    {*tables_[table], formatOptions_, schema_, table});
+    return makeSink(parms_.format, Writer(packed(files_->target(table), parms_.options.packing)),
+                    {*tables_[table], parms_.options, schema_, table});
 }
 
 // Lists the tables' files, of which all is written, in the last file.
 void TableDirectory::end(const Schema& schema) {
     Writer out = files_->writer(tables_.size());
-    PackageWriter package(out, run_, schema, names_, format_, formatOptions_);
+    PackageWriter package(out, run_, schema, names_, parms_.format, parms_.options);
     for (std::size_t i = 0; i < tables_.size(); ++i) {
         package.add(i, files_->closed(i));
     }

@@ -11,16 +11,18 @@
 
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace qvej {
 
 class TableDirectory final : public Destination {
    public:
-    // The directory is made when it is missing.  Files there are replaced with `force` only, and
-    // never one of the `sources`; `force` also removes those that an earlier run has listed.
+    // The directory is made when it is missing.  `force` also removes files that an earlier run has
+    // listed.
     //   run  what the list says of this run
-    TableDirectory(std::string directory, const Format& format, FormatOptions formatOptions,
-                   bool force, Sources sources, PackageRun run);
+    TableDirectory(std::string directory, DestinationParms parms, PackageRun run)
+        : directory_(std::move(directory)), parms_(std::move(parms)), run_(std::move(run)) {}
 
     void open(const std::vector<const Table*>& tables, const Schema* schema) override;
     [[nodiscard]] bool shares(const OutputFiles& files) const override;
@@ -34,10 +36,7 @@ class TableDirectory final : public Destination {
     void removeEarlier();
 
     std::string directory_;
-    const Format& format_;
-    FormatOptions formatOptions_;
-    bool force_;
-    Sources sources_;
+    DestinationParms parms_;
     PackageRun run_;
     // False when the directory had files and no list of ours: then files of the earlier run that
     // are not replaced stay.

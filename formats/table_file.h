@@ -9,14 +9,14 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace qvej {
 
 class TableFile final : public Destination {
    public:
-    // A file that exists is replaced with `force` only, and never one of the `sources`.
-    TableFile(std::string path, const Format& format, FormatOptions options, bool force,
-              Sources sources);
+    TableFile(std::string path, DestinationParms parms)
+        : path_(std::move(path)), parms_(std::move(parms)) {}
 
     // Throws when it is not one table.
     void open(const std::vector<const Table*>& tables, const Schema* schema) override;
@@ -27,10 +27,7 @@ class TableFile final : public Destination {
 
    private:
     std::string path_;
-    const Format& format_;
-    FormatOptions options_;
-    bool force_;
-    Sources sources_;
+    DestinationParms parms_;
     const Table* table_ = nullptr;
     const Schema* schema_ = nullptr;
     std::unique_ptr<OutputFiles> files_;  // once it is open

@@ -53,6 +53,9 @@ class DocumentReader {
     // else the beginning of the text.
     [[nodiscard]] TextForm form() const { return form_; }
 
+    // Is its encoding another than UTF-8?
+    [[nodiscard]] bool recoded() const { return text_.recoded(); }
+
     // What messages call the source.
     [[nodiscard]] const std::string& name() const { return text_.name(); }
 

@@ -34,16 +34,22 @@ void InputsReader::read(Document& document, const ReadText& readText) {
         read(document);
         return;
     }
+    each([&](std::size_t /*text*/, DocumentReader& reader) {
+        TextOfDocument text(document, reader.name(), reader.documentOptions());
+        read(text);
+    });
+    document.finish();
+}
+
+void InputsReader::each(const std::function<void(std::size_t text, DocumentReader& reader)>& read) {
     for (std::size_t i = 0; i < inputs_.files.size(); ++i) {
         lookAhead();
         if (i != 0) {
             current_ = coming_.front().get();
             coming_.pop_front();
         }
-        TextOfDocument text(document, current_->name(), current_->documentOptions());
-        read(text);
+        read(i, *current_);
     }
-    document.finish();
 }
 
 void InputsReader::lookAhead() {

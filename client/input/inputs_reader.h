@@ -37,6 +37,9 @@ class InputsReader {
     // Error.
     void read(Document& document, const ReadText& readText = {});
 
+    // Calls `read` for each text in order.  Throws what it throws, and Error.
+    void each(const std::function<void(std::size_t text, DocumentReader& reader)>& read);
+
     // Of the text that is read, or was read last.
     [[nodiscard]] const DocumentReader& current() const { return *current_; }
 

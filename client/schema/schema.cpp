@@ -127,10 +127,12 @@ Schema schemaOf(const Document& document, const std::vector<const Table*>& table
 }
 
 Schema schemaOf(const Document& document, const std::vector<const Table*>& tables, TablePass& pass,
-                unsigned threads, const SchemaOptions& options) {
+                unsigned threads, const SchemaOptions& options,
+                const std::function<void(uint64_t)>& onRows) {
     SchemaBuilder builder(document, tables, options);
     std::vector<std::unique_ptr<PassRow>> rows(tables.size());
     runPass(pass, threads, [&](std::span<const PassItem> items) {
+        uint64_t count = 0;
         for (const PassItem& item : items) {
             std::unique_ptr<PassRow>& row = rows[item.table];
             if (row == nullptr) {
@@ -138,7 +140,11 @@ Schema schemaOf(const Document& document, const std::vector<const Table*>& table
             }
             if (row->take(item)) {
                 builder.take(item.table, *row);
+                ++count;
             }
+        }
+        if (onRows) {
+            onRows(count);
         }
     });
     return builder.end();

@@ -19,6 +19,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -99,7 +100,9 @@ class SchemaBuilder {
                               const SchemaOptions& options);
 
 // The same by that pass, which is at its end afterwards.
+//   onRows  when there is one: is told of further rows, how many
 [[nodiscard]] Schema schemaOf(const Document& document, const std::vector<const Table*>& tables,
-                              TablePass& pass, unsigned threads, const SchemaOptions& options);
+                              TablePass& pass, unsigned threads, const SchemaOptions& options,
+                              const std::function<void(uint64_t)>& onRows = {});
 
 }  // namespace qvej

@@ -23,6 +23,12 @@ struct Place {
     arrow::MemoryPool* memory;
 };
 
+std::shared_ptr<arrow::Array> arrayOf(arrow::ArrayBuilder& builder) {
+    std::shared_ptr<arrow::Array> array;
+    checkArrow(builder.Finish(&array));
+    return array;
+}
+
 // Values of a fixed size.  `Read` makes what the library's builder takes of a cell.
 template <class Builder, class Read>
 class FixedColumn final : public ColumnBuilder {
@@ -34,11 +40,7 @@ class FixedColumn final : public ColumnBuilder {
         checkArrow(hasValue(cell) ? builder_.Append(read_(cell)) : builder_.AppendNull());
         return size_;
     }
-    [[nodiscard]] std::shared_ptr<arrow::Array> finish() override {
-        std::shared_ptr<arrow::Array> array;
-        checkArrow(builder_.Finish(&array));
-        return array;
-    }
+    [[nodiscard]] std::shared_ptr<arrow::Array> finish() override { return arrayOf(builder_); }
 
    private:
     Builder builder_;
@@ -60,11 +62,7 @@ class TextColumn final : public ColumnBuilder {
         checkArrow(builder_.Append(text));
         return kOffset + text.size();
     }
-    [[nodiscard]] std::shared_ptr<arrow::Array> finish() override {
-        std::shared_ptr<arrow::Array> array;
-        checkArrow(builder_.Finish(&array));
-        return array;
-    }
+    [[nodiscard]] std::shared_ptr<arrow::Array> finish() override { return arrayOf(builder_); }
 
    private:
     DataType type_;

@@ -1,6 +1,8 @@
 // See database.h.
 #include "formats/database/database.h"
 
+#include "client/text.h"
+
 namespace qvej {
 
 namespace {
@@ -25,6 +27,19 @@ std::string quotedName(std::string_view name) {
 
 std::string quotedText(std::string_view text) {
     return quoted(text, '\'');
+}
+
+std::string shownName(const std::string& name) {
+    return name.empty() ? "\"\"" : name;
+}
+
+std::string nameKey(const std::string& name, const NameRules& rules) {
+    return rules.same == NameRules::EXACT ? name : lowerCased(name);
+}
+
+std::string parentsMissing(const std::string& rows, const std::string& parent) {
+    return rows + " would have no row in " + parent +
+           ", which a foreign key demands (convert both tables together, or drop that key first)";
 }
 
 }  // namespace qvej

@@ -1,15 +1,18 @@
-// A database as the tables of a document need it: what it can hold, what it has, and statements.
+// A database as the tables of a document need it: what it can hold, what it has, statements, rows.
 //
 // Tested by tests/formats/databases.py
 #pragma once
 
 #include "client/schema/schema.h"
+#include "formats/sink.h"
 #include "formats/target_names.h"
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace qvej {
@@ -17,6 +20,18 @@ namespace qvej {
 // The text between double quotes, as SQL has names; between single quotes, as it has texts.
 [[nodiscard]] std::string quotedName(std::string_view name);
 [[nodiscard]] std::string quotedText(std::string_view text);
+
+// A name as messages have it: even an empty one can be seen.
+[[nodiscard]] std::string shownName(const std::string& name);
+
+// Equal for names that are the same to the database.
+[[nodiscard]] std::string nameKey(const std::string& name, const NameRules& rules);
+
+// Why rows are refused whose parents are not there.
+//   rows  "2 rows of orders_items"
+[[nodiscard]] std::string parentsMissing(const std::string& rows, const std::string& parent);
+
+struct TargetTable;
 
 struct DatabaseLimits {
     std::string_view product;  // as messages call it
@@ -35,13 +50,16 @@ struct DatabaseObject {
     bool table;
 };
 
+// By `nameKey`: is it a table?
+using ObjectKinds = std::unordered_map<std::string, bool>;
+
 struct DatabaseColumn {
     std::string name;
     std::string type;  // as `typeOf` names it
     bool key;          // of the primary key, or a part of it
 };
 
-// All throw qvej::Error.
+// One transaction, which its end takes back unless it is committed.  All throw qvej::Error.
 class Database {
    public:
     using Rows = std::vector<std::vector<std::string>>;  // null is empty
@@ -66,6 +84,18 @@ class Database {
     // column does not keep all of them.
     [[nodiscard]] virtual std::optional<DataType> writtenAs(const Field& field,
                                                             const std::string& type) const = 0;
+
+    // The sink of a table that is there.  Rows may come before those of their parents.
+    //   columnList  of an INSERT
+    // All must outlive it.
+    [[nodiscard]] virtual std::unique_ptr<Sink> sink(const TargetTable& table,
+                                                     const std::string& columnList) = 0;
+
+    // When all sinks have ended: throws when a foreign key that was there finds no row.
+    virtual void checkForeignKeys() = 0;
+
+    // Ends the transaction.
+    virtual void commit() = 0;
 };
 
 }  // namespace qvej

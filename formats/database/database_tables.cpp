@@ -3,19 +3,15 @@
 
 #include "client/error.h"
 #include "client/text.h"
+#include "formats/database/appended_tables.h"
 #include "formats/database/joined_view.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 namespace qvej {
 
 namespace {
-
-std::string shownName(const std::string& name) {
-    return name.empty() ? "\"\"" : name;
-}
 
 std::vector<std::string> namesOf(const Columns& columns) {
     std::vector<std::string> names;
@@ -43,13 +39,9 @@ void DatabaseTables::make() {
     findDictionary();
     checkReplaced();
     if (parms_.options.existing == FormatOptions::APPEND) {
-        for (std::size_t t = 0; t < tables_.size(); ++t) {
-            checkPath(t);
-            if (tables_[t].there) {
-                checkAppended(t);
-            }
-        }
-        shiftOrdinals();
+        AppendedTables appended(database_, objects_, dictionary_, parms_, tables_);
+        appended.check();
+        appended.shiftOrdinals();
     }
     dropReplaced();
     nameTheRest();
@@ -69,9 +61,8 @@ void DatabaseTables::loadObjects() {
     }
 }
 
-// Equal for names that are the same to the database.
 std::string DatabaseTables::key(const std::string& name) const {
-    return database_.limits().tableNames.same == NameRules::EXACT ? name : lowerCased(name);
+    return nameKey(name, database_.limits().tableNames);
 }
 
 void DatabaseTables::refuse(const std::string& sentence) const {
@@ -210,102 +201,6 @@ void DatabaseTables::checkReplaced() {
     }
 }
 
-// Names of the automatic map depend on what else is in a document, so the path tells which table
-// of the database the rows are of.
-void DatabaseTables::checkPath(std::size_t table) {
-    const std::string& name = tables_[table].name;
-    const std::string path = Dictionary::pathOf(*schema_.tables[table].table);
-    for (const Dictionary::Earlier& earlier : dictionary_.tables()) {
-        if (path.empty() || earlier.path.empty() ||
-            (earlier.path == path) == (key(earlier.name) == key(name))) {
-            continue;
-        }
-        refuse(earlier.path == path
-                   ? "the table of " + path + " is called " + shownName(earlier.name) +
-                         " there, and " + shownName(name) + " here (--map gives names that stay)"
-                   : shownName(name) + " there is the table of " + earlier.path + ", and here of " +
-                         path + " (--map gives names that stay)");
-    }
-}
-
-// Are the columns of the document there, do they keep its values, and its key the rows?
-void DatabaseTables::checkAppended(std::size_t table) {
-    TargetTable& target = tables_[table];
-    const TableSchema& of = schema_.tables[table];
-    const std::vector<DatabaseColumn> columns = database_.columnsOf(target.name);
-    std::string missing;
-    for (std::size_t c = 0; c < target.columns.size(); ++c) {
-        TargetColumn& column = target.columns[c];
-        const auto found = std::find_if(columns.begin(), columns.end(), [&](const auto& there) {
-            return columnKey(there.name) == columnKey(column.name);
-        });
-        if (found == columns.end()) {
-            missing += (missing.empty() ? "" : ", ") + shownName(column.name);
-            continue;
-        }
-        const Field& field = of.fields[c];
-        const std::string place = shownName(target.name) + "." + shownName(column.name);
-        const std::optional<DataType> type = database_.writtenAs(field, found->type);
-        const bool counts = of.table->columns.type(c) == ColumnType::ORDINAL;
-        const bool shifts = type && type->kind == DataType::BIGINT;  // else it could not go on
-        if ((!type || (counts && !shifts)) && field.filled != 0) {
-            refuse(place + " has the type " + found->type + ", and values of the document need " +
-                   database_.typeOf(field));
-        }
-        if (found->key && field.filled != of.rows) {
-            refuse(place + " is the primary key, and a row of the document has none");
-        }
-        column.type = type.value_or(field.type);
-    }
-    if (!missing.empty()) {
-        refuse(shownName(target.name) + " lacks columns of the document: " + missing +
-               " (--replace makes it anew)");
-    }
-}
-
-std::string DatabaseTables::columnKey(const std::string& name) const {
-    return database_.limits().columnNames.same == NameRules::EXACT ? name : lowerCased(name);
-}
-
-// The ordinals of one path go on after the greatest of all tables that have it.
-void DatabaseTables::shiftOrdinals() {
-    std::unordered_map<std::string, std::vector<TargetColumn*>> ordinals;  // by path
-    std::unordered_map<std::string, int64_t> greatest;
-    const auto look = [&](const std::string& path, const std::string& table,
-                          const std::string& column) {
-        const Database::Rows rows =
-            database_.query("SELECT max(" + quotedName(column) + ") FROM " + quotedName(table));
-        int64_t& most = greatest[path];
-        most = std::max<int64_t>(most, std::strtoll(rows[0][0].c_str(), nullptr, 10));
-    };
-    for (std::size_t t = 0; t < tables_.size(); ++t) {
-        for (std::size_t c = 0; c < tables_[t].columns.size(); ++c) {
-            const Column column = schema_.tables[t].table->columns[c];
-            if (column.type != ColumnType::ORDINAL || column.path.empty()) {
-                continue;
-            }
-            TargetColumn& target = tables_[t].columns[c];
-            if (ordinals[column.path].empty()) {
-                for (const auto& [table, name] : dictionary_.ordinalsOf(column.path)) {
-                    const auto object = objects_.find(key(table));
-                    if (object != objects_.end() && object->second) {
-                        look(column.path, table, name);
-                    }
-                }
-            }
-            if (tables_[t].there && !dictionary_.viewOf(tables_[t].name)) {
-                look(column.path, tables_[t].name, target.name);
-            }
-            ordinals[column.path].push_back(&target);
-        }
-    }
-    for (const auto& [path, columns] : ordinals) {
-        for (TargetColumn* const column : columns) {
-            column->shift = greatest[path];
-        }
-    }
-}
-
 void DatabaseTables::dropReplaced() {
     std::string all;
     for (const std::size_t t : replaced_) {
@@ -358,11 +253,12 @@ bool DatabaseTables::hasParentKey(std::size_t table) {
     if (!above.there) {
         return true;
     }
-    const std::string name = columnKey(above.columns[parent->ordinal].name);
+    const NameRules& rules = database_.limits().columnNames;
+    const std::string name = nameKey(above.columns[parent->ordinal].name, rules);
     const std::vector<DatabaseColumn> columns = database_.columnsOf(above.name);
     const auto isKey = [](const DatabaseColumn& column) { return column.key; };
     return std::count_if(columns.begin(), columns.end(), isKey) == 1 &&
-           columnKey(std::find_if(columns.begin(), columns.end(), isKey)->name) == name;
+           nameKey(std::find_if(columns.begin(), columns.end(), isKey)->name, rules) == name;
 }
 
 std::string DatabaseTables::reference(std::size_t table) const {

@@ -1,9 +1,6 @@
 // The tables of a document in a database: made before the rows; keys, indexes, views and a
 // dictionary after them.
 //
-// Ordinals of rows that are appended go on after the greatest that the database has for the same
-// path, so that they name the new rows alone.
-//
 // Tested by tests/formats/databases.py and tests/tool/golden/databases.t
 #pragma once
 
@@ -14,7 +11,6 @@
 
 #include <cstdint>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace qvej {
@@ -62,9 +58,6 @@ class DatabaseTables {
                      const std::string& table);
     void findDictionary();
     void checkReplaced();
-    void checkPath(std::size_t table);
-    void checkAppended(std::size_t table);
-    void shiftOrdinals();
     void dropReplaced();
     void nameTheRest();
     [[nodiscard]] std::vector<std::string> freeNames(const std::vector<std::string>& wanted) const;
@@ -75,7 +68,6 @@ class DatabaseTables {
     void makeViews();
     void keepView(TargetTable& table);
     [[nodiscard]] std::string key(const std::string& name) const;
-    [[nodiscard]] std::string columnKey(const std::string& name) const;
     [[noreturn]] void refuse(const std::string& sentence) const;
 
     Database& database_;
@@ -85,7 +77,7 @@ class DatabaseTables {
     std::vector<std::size_t> replaced_;               // tables that are made anew
     std::vector<std::vector<std::size_t>> children_;  // of each table, one-to-one
     Dictionary dictionary_;
-    std::unordered_map<std::string, bool> objects_;  // of the database, by key: is it a table?
+    ObjectKinds objects_;  // of the database
     std::vector<std::string> objectNames_;
     std::size_t changedNames_ = 0;
     std::string firstChanged_;  // "Orders is Orders~2"

@@ -3,6 +3,7 @@
 
 #include "client/error.h"
 #include "formats/postgres/copy_rows.h"
+#include "formats/postgres/postgres_sink.h"
 
 #include <libpq-fe.h>
 
@@ -16,6 +17,8 @@ constexpr std::size_t kLongestName = 63;  // bytes
 constexpr std::size_t kColumns = 1600;
 constexpr std::size_t kExactDigits = 15;
 constexpr int kPiece = 1 << 20;  // bytes that go to the library at once
+
+constexpr std::string_view kForeignKeyViolation = "23503";
 
 // Columns that every table has.
 const std::vector<std::string> kSystemColumns = {"cmax",     "cmin", "ctid",
@@ -69,6 +72,7 @@ PostgresDatabase::PostgresDatabase(const std::string& address, std::string shown
     }
     run("SET standard_conforming_strings = on");
     run("BEGIN");
+    run("SET CONSTRAINTS ALL DEFERRED");
     if (!schema.empty()) {
         run("CREATE SCHEMA IF NOT EXISTS " + quotedName(schema));
         run("SET LOCAL search_path TO " + quotedName(schema));
@@ -90,15 +94,18 @@ const DatabaseLimits& PostgresDatabase::limits() const {
     return limits;
 }
 
-void PostgresDatabase::fail(const pg_result* result) const {
+// What the server says, or else the library.
+std::string PostgresDatabase::sentenceOf(const pg_result* result) const {
     std::string sentence = fieldOf(result, PG_DIAG_MESSAGE_PRIMARY);
     for (const int more : {PG_DIAG_MESSAGE_DETAIL, PG_DIAG_MESSAGE_HINT}) {
         const std::string text = fieldOf(result, more);
         sentence += text.empty() ? text : "; " + text;
     }
-    throw Error(QV_IO_WRITE,
-                oneLine(sentence.empty() ? PQerrorMessage(connection_.get()) : sentence),
-                shownAddress_);
+    return oneLine(sentence.empty() ? PQerrorMessage(connection_.get()) : sentence);
+}
+
+void PostgresDatabase::fail(const pg_result* result) const {
+    throw Error(QV_IO_WRITE, sentenceOf(result), shownAddress_);
 }
 
 PostgresDatabase::Result PostgresDatabase::take(Result result, int expected) {
@@ -144,6 +151,39 @@ void PostgresDatabase::copy(const std::string& sql, std::string_view rows) {
     }
     (void)take(Result(PQgetResult(connection)), PGRES_COMMAND_OK);
     (void)PQgetResult(connection);  // null: there are no more
+}
+
+std::unique_ptr<Sink> PostgresDatabase::sink(const TargetTable& table,
+                                             const std::string& columnList) {
+    return std::make_unique<PostgresSink>(*this, table, columnList);
+}
+
+// The server names the key and its table; which table that refers to, it tells only when the failed
+// statement has been taken back.
+void PostgresDatabase::checkForeignKeys() {
+    run("SAVEPOINT rows");
+    const Result result(PQexec(connection_.get(), "SET CONSTRAINTS ALL IMMEDIATE"));
+    if (PQresultStatus(result.get()) == PGRES_COMMAND_OK) {
+        return;
+    }
+    if (fieldOf(result.get(), PG_DIAG_SQLSTATE) != kForeignKeyViolation) {
+        fail(result.get());
+    }
+    run("ROLLBACK TO rows");
+    const std::string table = fieldOf(result.get(), PG_DIAG_TABLE_NAME);
+    const Rows parents = query(
+        "SELECT p.relname FROM pg_constraint k JOIN pg_class c ON c.oid = k.conrelid JOIN "
+        "pg_namespace n ON n.oid = c.relnamespace JOIN pg_class p ON p.oid = k.confrelid "
+        "WHERE k.conname = " +
+        quotedText(fieldOf(result.get(), PG_DIAG_CONSTRAINT_NAME)) +
+        " AND c.relname = " + quotedText(table) +
+        " AND n.nspname = " + quotedText(fieldOf(result.get(), PG_DIAG_SCHEMA_NAME)));
+    if (parents.empty()) {
+        fail(result.get());
+    }
+    throw Error(QV_IO_REFUSED,
+                parentsMissing("rows of " + table, parents[0][0]) + ": " + sentenceOf(result.get()),
+                shownAddress_);
 }
 
 std::vector<DatabaseObject> PostgresDatabase::objects() {

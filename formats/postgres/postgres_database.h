@@ -30,6 +30,10 @@ class PostgresDatabase final : public Database {
     [[nodiscard]] std::string typeOf(const Field& field) const override;
     [[nodiscard]] std::optional<DataType> writtenAs(const Field& field,
                                                     const std::string& type) const override;
+    [[nodiscard]] std::unique_ptr<Sink> sink(const TargetTable& table,
+                                             const std::string& columnList) override;
+    void checkForeignKeys() override;
+    void commit() override { run("COMMIT"); }
 
     // Sends rows by a COPY of its own.
     //   sql   COPY ... FROM STDIN
@@ -48,6 +52,7 @@ class PostgresDatabase final : public Database {
     using Result = std::unique_ptr<pg_result, Clear>;
 
     Result take(Result result, int expected);
+    [[nodiscard]] std::string sentenceOf(const pg_result* result) const;
     [[noreturn]] void fail(const pg_result* result) const;
 
     std::string shownAddress_;

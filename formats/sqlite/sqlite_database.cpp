@@ -2,6 +2,7 @@
 #include "formats/sqlite/sqlite_database.h"
 
 #include "client/error.h"
+#include "formats/sqlite/sqlite_sink.h"
 
 #include <utility>
 
@@ -177,6 +178,23 @@ std::optional<DataType> SqliteDatabase::writtenAs(const Field& field,
         return DataType{DataType::DOUBLE};
     }
     return std::nullopt;
+}
+
+std::unique_ptr<Sink> SqliteDatabase::sink(const TargetTable& table,
+                                           const std::string& columnList) {
+    return std::make_unique<SqliteSink>(*this, table, columnList);
+}
+
+void SqliteDatabase::checkForeignKeys() {
+    const Rows broken =
+        query("SELECT \"table\", parent, count(*) FROM pragma_foreign_key_check GROUP BY 1, 2");
+    if (!broken.empty()) {
+        const std::string& count = broken[0][2];
+        throw Error(QV_IO_REFUSED,
+                    parentsMissing(count + (count == "1" ? " row of " : " rows of ") + broken[0][0],
+                                   broken[0][1]),
+                    shownFile_);
+    }
 }
 
 void SqliteDatabase::commit() {

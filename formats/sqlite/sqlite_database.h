@@ -34,13 +34,15 @@ class SqliteDatabase final : public Database {
     [[nodiscard]] std::string typeOf(const Field& field) const override;
     [[nodiscard]] std::optional<DataType> writtenAs(const Field& field,
                                                     const std::string& type) const override;
+    [[nodiscard]] std::unique_ptr<Sink> sink(const TargetTable& table,
+                                             const std::string& columnList) override;
+    void checkForeignKeys() override;
+    // The file is closed, too.
+    void commit() override;
 
     [[nodiscard]] SqliteStatement prepare(const std::string& sql);
     // Runs a statement without result, with what is bound to it.
     void step(const SqliteStatement& statement);
-
-    // Ends the transaction and closes the file.
-    void commit();
 
    private:
     struct Close {

@@ -39,9 +39,11 @@ const Layer kLayers[] = {
     {"client/shape/",
      R"re(client/(shape/.*|(error|escape|handle|text|text_form|text_relay)\.h)|include/.*|<.*>)re"},
     {"client/partition/", R"re(client/(partition/.*|text_form\.h)|<.*>)re"},
+    {"client/parts/", R"re(client/((parts|partition|input)/.*|[^/]*)|include/.*|<.*>)re"},
     {"client/schema/",
      R"re(client/(schema/.*|(columns|document|error|pass_pipe|row|table_pass)\.h)|include/.*|<.*>)re"},
-    {"client/", R"re(client/([^/]*|shape/shape\.h|shape/reshaper\.h)|include/.*|<.*>)re"},
+    {"client/",
+     R"re(client/([^/]*|shape/(shape|reshaper)\.h|parts/walked_rows\.h)|include/.*|<.*>)re"},
     {"formats/", "(formats|client)/.*|include/.*|<.*>"},
     {"tools/", "(tools|formats|client)/.*|include/.*|<.*>"},
 };

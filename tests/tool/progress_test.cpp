@@ -36,6 +36,8 @@ TEST(Progress, DrawsALineAfterASecondAndTenTimesASecondAtMost) {
     EXPECT_EQ(run.at(1.09, 1), "");
     EXPECT_EQ(run.at(2, 300'000'000 - 1),
               "\r\033[Kqvejmap: 400.0 MB of 400.0 MB (100%), 200.0 MB/s|");
+    run.now = 104;
+    run.progress.begin(Progress::ROWS);
     EXPECT_EQ(run.at(4, 0, 1), "\r\033[Kqvejmap: 1 rows|");
     EXPECT_EQ(run.at(6, 0, 2'999'999), "\r\033[Kqvejmap: 3,000,000 rows, 1,500,000 rows/s|");
     run.out.clear();
@@ -66,12 +68,47 @@ TEST(Progress, TellsWhatIsKnown) {
     }
 }
 
+// Each walk counts from its own beginning; the bytes of the last one stay while rows are read.
+TEST(Progress, SaysWhatIsDone) {
+    const struct {
+        Progress::Phase phase;
+        const char* line;
+        const char* json;
+    } cases[] = {
+        {Progress::FILES, "checking files, 40 B of 50 B (80%), 20 B/s, 1 s left",
+         R"("files","bytes":40,"total":50,"rows":0)"},
+        {Progress::SHAPE, "finding the shape, 40 B of 50 B (80%), 20 B/s, 1 s left",
+         R"("shape","bytes":40,"total":50,"rows":0)"},
+        {Progress::SCAN, "40 B of 50 B (80%), 20 B/s, 1 s left",
+         R"("scan","bytes":40,"total":50,"rows":0)"},
+        {Progress::TYPES, "finding types, 6 rows, 3 rows/s",
+         R"("types","bytes":40,"total":50,"rows":6)"},
+        {Progress::ROWS, "6 rows, 3 rows/s", R"("rows","bytes":40,"total":50,"rows":6)"},
+    };
+    Watched line(ProgressForm::LINE, 50);
+    Watched json(ProgressForm::JSON, 50);
+    double time = 10;
+    for (const auto& c : cases) {
+        for (Watched* run : {&line, &json}) {
+            run->now = 100 + time;
+            run->progress.begin(c.phase);
+        }
+        time += 2;
+        const uint64_t bytes = c.phase < Progress::TYPES ? 40 : 0;
+        const uint64_t rows = bytes == 0 ? 6 : 0;
+        EXPECT_EQ(line.at(time, bytes, rows), "\r\033[Kqvejmap: " + std::string(c.line) + "|");
+        const std::string text = json.at(time, bytes, rows);
+        EXPECT_TRUE(text.starts_with(R"({"phase":)" + std::string(c.json))) << text;
+    }
+}
+
 TEST(Progress, WritesALineOfJsonASecond) {
     Watched run(ProgressForm::JSON, 50);
     EXPECT_EQ(run.at(0.9, 10), "");
     EXPECT_EQ(run.at(1.25, 10),
               "{\"phase\":\"scan\",\"bytes\":20,\"total\":50,\"rows\":0,\"seconds\":1.2}\n|");
     EXPECT_EQ(run.at(2.2, 10), "");
+    run.progress.begin(Progress::ROWS);
     EXPECT_EQ(run.at(2.5, 0, 7),
               "{\"phase\":\"rows\",\"bytes\":30,\"total\":50,\"rows\":7,\"seconds\":2.5}\n|");
     run.out.clear();

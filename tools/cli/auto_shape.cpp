@@ -2,16 +2,17 @@
 #include "tools/cli/auto_shape.h"
 
 #include "client/input/document_reader.h"
+#include "tools/cli/counted_input.h"
 
 #include <optional>
 
 namespace qvej::cli {
 
 FoundShape findShape(const Engine& engine, std::span<RereadableFile> files,
-                     const ReadingOptions& reading) {
+                     const ReadingOptions& reading, Progress& progress) {
     std::optional<ShapeFinder> finder;
     for (RereadableFile& file : files) {
-        DocumentReader reader(file.walk(), reading.text);
+        DocumentReader reader(counted(file.walk(), progress), reading.text);
         if (finder) {
             finder->nextText(reader.form());
         } else {

@@ -7,6 +7,7 @@
 #include "client/input/rereadable_file.h"
 #include "client/shape/shape_finder.h"
 #include "tools/cli/options/reading_options.h"
+#include "tools/cli/reports/progress.h"
 
 #include <span>
 
@@ -16,6 +17,6 @@ namespace qvej::cli {
 // that is not well formed gives the shape of what stands before the mistake.  Throws Error when a
 // file cannot be read.
 FoundShape findShape(const Engine& engine, std::span<RereadableFile> files,
-                     const ReadingOptions& reading);
+                     const ReadingOptions& reading, Progress& progress);
 
 }  // namespace qvej::cli

@@ -8,6 +8,7 @@
 #include "formats/table_file.h"
 #include "tools/cli/failure.h"
 
+#include <utility>
 #include <vector>
 
 namespace qvej::cli {
@@ -79,11 +80,12 @@ void checkOutput(const Options& options) {
         (void)formatModule(options.format->module);
     }
     const Sources sources = sourcesOf(options.inputs.files, options.map);
-    const bool grows = storeTarget(options).grows;
     if (options.place == OutputPlace::DIRECTORY) {
         OutputFiles::checkDirectory(options.out);
-    } else if (options.place != OutputPlace::DATABASE) {
-        OutputFiles::checkFile(options.out, options.force || grows, sources);
+    } else if (options.place == OutputPlace::STORE_FILE) {
+        StoreDestination::checkFile(storeTarget(options), options.force, sources);
+    } else if (options.place == OutputPlace::TABLE_FILE) {
+        OutputFiles::checkFile(options.out, options.force, sources);
     }
     if (!options.rejects.empty()) {
         OutputFiles::checkFile(options.rejects, options.force, sources,
@@ -92,18 +94,16 @@ void checkOutput(const Options& options) {
 }
 
 std::unique_ptr<Destination> makeDestination(const Options& options, const Sources& sources) {
+    DestinationParms parms = {*options.format, options.formatOptions, options.force, sources};
     switch (options.place) {
         case OutputPlace::DIRECTORY:
             return std::make_unique<TableDirectory>(
-                options.out, *options.format, options.formatOptions, options.force, sources,
+                options.out, std::move(parms),
                 PackageRun{QVEJMAP_VERSION, joined(options.operands), wordsOf(options)});
         case OutputPlace::TABLE_FILE:
-            return std::make_unique<TableFile>(options.out, *options.format, options.formatOptions,
-                                               options.force, sources);
+            return std::make_unique<TableFile>(options.out, std::move(parms));
         default:
-            return std::make_unique<StoreDestination>(storeTarget(options), *options.format,
-                                                      options.formatOptions, options.force,
-                                                      sources);
+            return std::make_unique<StoreDestination>(storeTarget(options), std::move(parms));
     }
 }
 

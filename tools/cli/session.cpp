@@ -2,15 +2,18 @@
 #include "tools/cli/session.h"
 
 #include "client/error.h"
+#include "client/parts/input_parts.h"
+#include "client/parts/scan_parts.h"
 #include "formats/sources.h"
 #include "tools/cli/auto_shape.h"
+#include "tools/cli/counted_input.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/reports/shape_report.h"
 #include "tools/cli/reports/tell.h"
 
+#include <atomic>
 #include <memory>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 
 namespace qvej::cli {
@@ -54,33 +57,6 @@ void checkNamedCache(const std::string& path, const Sources& sources) {
         throw Failure(FILE_TROUBLE,
                       path + ": the file is not empty (--cache takes a new or an empty one)");
     }
-}
-
-// Bytes of all the files as they are stored; nothing when one is no regular file.
-std::optional<uint64_t> bytesOf(const InputList& inputs) {
-    uint64_t bytes = 0;
-    for (const std::string& file : inputs.files) {
-        struct stat found = {};
-        const int result =
-            file == "-" ? ::fstat(STDIN_FILENO, &found) : ::stat(file.c_str(), &found);
-        if (result != 0 || !S_ISREG(found.st_mode)) {
-            return std::nullopt;
-        }
-        bytes += static_cast<uint64_t>(found.st_size);
-    }
-    return bytes;
-}
-
-// The same bytes; the progress counts them as they are read.
-ByteSource counted(ByteSource source, Progress& progress) {
-    const auto from = std::make_shared<ByteSource>(std::move(source));
-    return ByteSource::pulled(
-        [from, &progress] {
-            const std::string_view piece = from->next();
-            progress.addBytes(piece.size());
-            return piece;
-        },
-        from->name(), from->isFile());
 }
 
 std::vector<RereadableFile> rereadable(const InputList& inputs) {
@@ -163,9 +139,9 @@ void readText(const ReadingOptions& options, const Engine& engine, DocumentReade
 }
 
 std::optional<Error> mistakeOf(const ReadingOptions& options, const Engine& engine,
-                               RereadableFile& file) {
+                               const std::function<ByteSource()>& open) {
     try {
-        DocumentReader reader(file.walk(), options.text);
+        DocumentReader reader(open(), options.text);
         try {
             TextCheck check(engine, reader.documentOptions());
             readText(options, engine, reader, check, [](const BadLine&) {});
@@ -186,12 +162,18 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
                  const ReadingWishes& wishes)
     : options_(options),
       engine_(engineOptions(options_)),
-      progress_(std::make_unique<Progress>(options_.progress, bytesOf(inputs))),
+      progress_(std::make_unique<Progress>(options_.progress, bytesOf(inputs.files))),
       rereadable_(options_.shape.finds() || options_.skipBadFiles ? rereadable(inputs)
                                                                   : std::vector<RereadableFile>()),
       inputs_(options_.skipBadFiles ? goodOf(inputs, !wishes.again) : inputs),
       shape_(shapeOf(options_.shape,
-                     [this] { return cli::findShape(engine_, rereadable_, options_).shape(); })),
+                     [this] {
+                         progress_->begin(Progress::SHAPE);
+                         Shape found =
+                             cli::findShape(engine_, rereadable_, options_, *progress_).shape();
+                         progress_->begin(Progress::SCAN);
+                         return found;
+                     })),
       reader_(inputs_, options_.text,
               [this, next = std::size_t{0}](const std::string& file) mutable {
                   return counted(
@@ -222,11 +204,52 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
     }
 }
 
+// Whether the inputs are worth to be read in parts, and nothing needs their records.
+bool Session::mayDivide(const ReadingWishes& wishes) const {
+    constexpr uint64_t kWorthIt = uint64_t{4} << 20;        // bytes
+    constexpr uint64_t kLeastMemory = uint64_t{256} << 20;  // for parts on their way
+    const bool needsRecords = !options_.debug.empty() || !options_.cache.empty() ||
+                              options_.compress || !shape_.empty() || options_.skipBadLines ||
+                              !wishes.watches.empty() ||
+                              options_.memory.value_or(kLeastMemory) < kLeastMemory;
+    return wishes.partThreads > 1 && !needsRecords &&
+           rereadableBytes(inputs_).value_or(0) >= kWorthIt;
+}
+
+bool Session::readParts(const DocumentOptions& options, const ReadingWishes& wishes) {
+    auto parts = std::make_shared<PartsOfDocument>();
+    parts->engine = &engine_;
+    parts->options = options;
+    parts->options.several = inputs_.several;
+    parts->threads = wishes.partThreads;
+    const auto scanned = std::make_shared<std::atomic<bool>>(false);
+    parts->read = partsOf(
+        inputs_, options_.text,
+        [this, scanned](const std::string& file) {
+            // Once the paths are counted, the rows show how far it is.
+            return *scanned ? ByteSource::file(file) : counted(ByteSource::file(file), *progress_);
+        },
+        wishes.observer);
+    DocumentOptions whole = parts->options;
+    whole.ofParts = true;
+    document_.emplace(engine_, whole);
+    if (!scanParts(*parts, *document_)) {
+        document_.reset();
+        return false;
+    }
+    *scanned = true;
+    document_->setParts(std::move(parts));
+    return true;
+}
+
 void Session::read(const ReadingWishes& wishes) {
     DocumentOptions document = documentOptions(options_, engine_);
     document.watches = wishes.watches;
     document.shape = shape_;
     document.sourceColumn = wishes.sourceColumn;
+    if (mayDivide(wishes) && readParts(document, wishes)) {
+        return;
+    }
     document_.emplace(engine_, reader_.documentOptions(document));
     if (wishes.keepBadLines) {
         skipped_.keepLines();
@@ -244,8 +267,10 @@ void Session::read(const ReadingWishes& wishes) {
 InputList Session::goodOf(InputList inputs, bool tells) {
     InputList good = {{}, inputs.several};
     std::vector<RereadableFile> files;
+    progress_->begin(Progress::FILES);
     for (std::size_t i = 0; i < inputs.files.size(); ++i) {
-        const std::optional<Error> mistake = mistakeOf(options_, engine_, rereadable_[i]);
+        const std::optional<Error> mistake = mistakeOf(
+            options_, engine_, [&] { return counted(rereadable_[i].walk(), *progress_); });
         if (!mistake) {
             good.files.push_back(inputs.files[i]);
             files.push_back(rereadable_[i]);
@@ -256,6 +281,7 @@ InputList Session::goodOf(InputList inputs, bool tells) {
         }
     }
     rereadable_ = std::move(files);
+    progress_->begin(Progress::SCAN);
     return good;
 }
 

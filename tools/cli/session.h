@@ -30,6 +30,9 @@ struct ReadingWishes {
     std::string sourceColumn = kSourceColumn;             // see DocumentOptions
     bool keepBadLines = false;                            // that are skipped: see Skipped
     bool again = false;                                   // what is skipped has been told
+    // Rows are wanted of tables alone, without what only records have (ALLDATA, retained or carried
+    // values): the document may then be read in parts on so many threads, and again for its rows.
+    unsigned partThreads = 1;
 };
 
 // Turns a mistake of a document that was read into the tool's, which names the options that would
@@ -43,8 +46,9 @@ void readText(const ReadingOptions& options, const Engine& engine, DocumentReade
               const std::function<void(std::string_view)>& observer = {});
 
 // What is wrong with a file that cannot be read or is not well formed; nothing is.
+//   open  gives its bytes
 std::optional<Error> mistakeOf(const ReadingOptions& options, const Engine& engine,
-                               RereadableFile& file);
+                               const std::function<ByteSource()>& open);
 
 class Session {
    public:
@@ -81,6 +85,8 @@ class Session {
 
    private:
     InputList goodOf(InputList inputs, bool tells);
+    [[nodiscard]] bool mayDivide(const ReadingWishes& wishes) const;
+    bool readParts(const DocumentOptions& options, const ReadingWishes& wishes);
     void read(const ReadingWishes& wishes);
     void useMap();
 

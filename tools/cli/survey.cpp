@@ -17,13 +17,30 @@ RowLosses lossesOf(const TablePass& pass, std::size_t table, std::size_t columns
     return sum;
 }
 
+Schema typesOf(const Session& session, const std::vector<const Table*>& tables, TablePass& pass,
+               const Options& options) {
+    Progress& progress = session.progress();
+    progress.begin(Progress::TYPES);
+    Schema schema = schemaOf(session.document(), tables, pass, options.threads, options.schema,
+                             [&](uint64_t rows) { progress.addRows(rows); });
+    progress.erase();
+    return schema;
+}
+
 }  // namespace
 
-Survey surveyOf(const Document& document, const std::vector<const Table*>& tables,
+Schema typesOf(const Session& session, const std::vector<const Table*>& tables,
+               const Options& options) {
+    TablePass pass(session.document(), tables, options.retain, options.carry);
+    return typesOf(session, tables, pass, options);
+}
+
+Survey surveyOf(const Session& session, const std::vector<const Table*>& tables,
                 const Options& options) {
+    const Document& document = session.document();
     Survey survey;
     TablePass pass(document, tables, options.retain, options.carry);
-    survey.schema = schemaOf(document, tables, pass, options.threads, options.schema);
+    survey.schema = typesOf(session, tables, pass, options);
     for (std::size_t t = 0; t < tables.size(); ++t) {
         survey.losses.push_back(lossesOf(pass, t, tables[t]->columns.size()));
     }

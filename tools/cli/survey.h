@@ -6,6 +6,7 @@
 #include "client/account.h"
 #include "client/schema/schema.h"
 #include "tools/cli/options/options.h"
+#include "tools/cli/session.h"
 
 #include <cstdint>
 #include <vector>
@@ -19,8 +20,10 @@ struct Survey {
     uint64_t inNoCell = 0;          // see lostOf()
 };
 
-// Throws as TablePass and PassRow.
-[[nodiscard]] Survey surveyOf(const Document& document, const std::vector<const Table*>& tables,
+// These walks move the progress on, and throw as TablePass and PassRow.
+[[nodiscard]] Schema typesOf(const Session& session, const std::vector<const Table*>& tables,
+                             const Options& options);
+[[nodiscard]] Survey surveyOf(const Session& session, const std::vector<const Table*>& tables,
                               const Options& options);
 
 // The tables of a schema as a tree: each after its parent, in the order of the schema otherwise.

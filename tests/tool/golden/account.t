@@ -27,6 +27,7 @@ $ qvejmap check - --account < doc.json
 # convert says that there are such values, or counts them too.
 $ qvejmap convert doc.json -o out
 ! qvejmap: 4 tables, 6 rows in out
+! qvejmap: root.element1 has values of several kinds, all as texts
 ! qvejmap: doc.json: 3 values are in no cell, 2 overwritten (qvejmap check --account tells which)
 ! qvejmap: doc.json: 2 values strayed into rows that may be another parent's (qvejmap check --account tells which)
 ? 1

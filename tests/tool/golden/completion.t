@@ -72,6 +72,7 @@ $ qvejmap --complete -- shape orders.json --k
   --fixed-length\tarrays of one length stay columns up to N elements (default: 4)
   --inline-columns\tobjects become columns of their parents up to N columns (default: 16)
   --force\treplace existing files, and remove those of an earlier convert
+  --progress\tjson: a line of JSON a second on standard error, for programs (default: a line that says how far it is, on a terminal and after a second; neither with -q)
   --quiet\tno summary; what is lost is still said
   --help\tthe verbs and options; with VERB what that verb takes
   --version\tthe version

@@ -27,6 +27,24 @@ $ echo '{"more":[{"orders":true,"at":"2024-02-29"}]}' > more.json; qvejmap conve
 $ qvejmap convert more.json -o o.db --force; sqlite3 o.db .tables
   more             qvejmap_columns  qvejmap_tables 
 ! qvejmap: 1 table, 1 row in o.db
+# An empty file is a new database; a link leads to one that is changed, and stays a link.  Links are not replaced.
+$ touch empty.db; qvejmap convert orders.json -o empty.db --append; sqlite3 empty.db 'SELECT count(*) FROM orders'
+  2
+! qvejmap: 4 tables, 9 rows in empty.db
+$ mkdir -p far; mv empty.db far; ln -s far/empty.db link.db; qvejmap convert orders.json -o link.db --append -q; qvejmap convert more.json -o link.db; ls -A far; readlink link.db; sqlite3 far/empty.db 'SELECT count(*) FROM orders; SELECT count(*) FROM more'
+  empty.db
+  far/empty.db
+  4
+  1
+! qvejmap: 1 table, 1 row in link.db
+$ qvejmap convert orders.json -o link.db --replace -q; sqlite3 far/empty.db 'SELECT count(*) FROM orders'; qvejmap convert orders.json -o link.db --force
+  2
+! qvejmap: link.db: not a regular file, not replaced
+? 5
+$ ln -s none.db dangling.db; qvejmap convert orders.json -o dangling.db; ln -s ../orders.json far/o.db; qvejmap convert orders.json -o far/o.db --append
+! qvejmap: dangling.db: not a regular file, not replaced
+! qvejmap: far/o.db: the document itself, not replaced
+? 5
 
 # What an appended document must be.
 $ echo '{"more":[{"orders":2,"why":null,"at":1}]}' > other.json; qvejmap convert other.json -o o.db --append

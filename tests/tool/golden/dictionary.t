@@ -51,6 +51,29 @@ $ qvejmap convert sep.json -o x --gzip --zstd; qvejmap convert sep.json -o x --f
 ! qvejmap: --gzip and --zstd exclude each other (qvejmap --help tells more)
 ! qvejmap: --gzip: parquet has a compression of its own, or none (qvejmap --help tells more)
 ? 2
+# Columns of several kinds, and numbers that look like times, are told in every format.
+$ printf '[{"n":1,"t":"x","created":1700000000,"sent_at":1700000000000,"count":1700000000},{"n":true,"t":2,"created":1700000001,"sent_at":1700000000001,"count":1700000001},{"t":null}]' > kinds.json
+$ for format in csv tsv ndjson sqlite; do qvejmap convert kinds.json -o kinds.$format --format $format; done; cat kinds.tsv/root.tsv
+  ordinal_root\tn\tt\tcreated\tsent_at\tcount\r
+  1\t1\tx\t1700000000\t1700000000000\t1700000000\r
+  2\t1\t2\t1700000001\t1700000000001\t1700000001\r
+  3\t\t\t\t\t\r
+! qvejmap: 1 table, 3 rows in kinds.csv
+! qvejmap: root.n has values of several kinds, all as numbers: true is 1, false is 0; 1 other column has such values
+! qvejmap: root.created looks like seconds since 1970: with INFORMAT unix in a map it is a time; 1 other column looks like times
+! qvejmap: 1 table, 3 rows in kinds.tsv
+! qvejmap: root.n has values of several kinds, all as numbers: true is 1, false is 0; 1 other column has such values
+! qvejmap: root.created looks like seconds since 1970: with INFORMAT unix in a map it is a time; 1 other column looks like times
+! qvejmap: 1 table, 3 rows in kinds.ndjson
+! qvejmap: root.n has values of several kinds, all as numbers: true is 1, false is 0; 1 other column has such values
+! qvejmap: root.created looks like seconds since 1970: with INFORMAT unix in a map it is a time; 1 other column looks like times
+! qvejmap: 1 table, 3 rows in kinds.sqlite
+! qvejmap: root.n has values of several kinds, all as numbers: true is 1, false is 0; 1 other column has such values
+! qvejmap: root.created looks like seconds since 1970: with INFORMAT unix in a map it is a time; 1 other column looks like times
+$ echo '[{"n":1,"created":1700000000},{"n":true,"created":"1700000000"},{"n":"x"}]' | qvejmap convert - -o one; echo '[{"n":1,"created":1700000000},{"n":2,"created":17}]' | qvejmap convert - -o none
+! qvejmap: 1 table, 3 rows in one
+! qvejmap: root.n has values of several kinds, all as texts; 1 other column has such values
+! qvejmap: 1 table, 2 rows in none
 $ qvejmap convert sep.json -o x --replace; qvejmap convert sep.json -o x.db --replace --append; qvejmap convert sep.json -o x --schema s
 ! qvejmap: --replace is for SQLite and PostgreSQL (qvejmap --help tells more)
 ! qvejmap: --replace and --append exclude each other (qvejmap --help tells more)

@@ -13,6 +13,7 @@ $ qvejmap convert a.json b.json -o out && head out/*.csv
   source,ordinal_root,ordinal_tags,tags1,tags2\r
   a.json,1,1,x,y\r
 ! qvejmap: 2 tables, 4 rows in out
+! qvejmap: root.id has values of several kinds, all as texts
 $ qvejmap convert a.json logs -o folder && head folder/*.csv
   ==> folder/o.csv <==
   source,ordinal_root,ordinal_o,n\r
@@ -76,6 +77,7 @@ $ qvejmap convert - a.json -o in < b.json && cat in/root.csv
   <stdin>,2,three\r
   a.json,3,1\r
 ! qvejmap: 2 tables, 4 rows in in
+! qvejmap: root.id has values of several kinds, all as texts
 $ qvejmap convert a.json a.json -o twice && cat twice/root.csv
   source,ordinal_root,id\r
   a.json,1,1\r
@@ -169,6 +171,7 @@ $ ls none
 $ qvejmap convert a.json b.json -o . --force
 ! qvejmap: . had no datapackage.json of qvejmap: files were replaced by name, and no others removed
 ! qvejmap: 2 tables, 4 rows in .
+! qvejmap: root.id has values of several kinds, all as texts
 $ cp a.json root.csv; qvejmap convert root.csv b.json -o . --force
 ! qvejmap: root.csv: the document itself, not replaced
 ? 5
@@ -192,6 +195,7 @@ $ qvejmap convert a.json logs ./a.json - --per-file -o apart < b.json && find ap
 ! qvejmap: logs/deep/d.json: 2 values are in no cell (qvejmap check --account tells which)
 ! qvejmap: 2 tables, 2 rows in apart/a_2
 ! qvejmap: 1 table, 2 rows in apart/stdin
+! qvejmap: root.id has values of several kinds, all as texts
 $ qvejmap convert a.json bad.json b.json --per-file -o some; find some -name '*.csv' | sort
   some/a/root.csv
   some/a/tags.csv
@@ -210,6 +214,21 @@ $ qvejmap convert a.json b.json --per-file -o apart
 $ qvejmap convert a.json b.json --per-file -o more --rejects r.csv
 ! qvejmap: --per-file: neither --rejects nor --cache can be for several documents (qvejmap --help tells more)
 ? 2
+# Rejected values of several files come with the name of theirs.
+$ printf '{"DATASETS":[{"DSNAME":"r","TABLEPATH":"/root","VARIABLES":[{"NAME":"n","TYPE":"NUMERIC","PATH":"/root/id"},{"NAME":"c","TYPE":"CHARACTER","PATH":"/root/id","LENGTH":2,"INFORMAT":["upper"]},{"NAME":"o","PATH":"/root"}]}]}' > bad.map
+$ qvejmap convert a.json b.json logs --map bad.map -o rejecting --rejects rejecting.csv; cat rejecting.csv
+  source,table,row,column,path,ordinals,text,reason\r
+  b.json,r,3,n,/root/id,o=3,three,not a number\r
+  b.json,r,3,c,/root/id,o=3,three,cut to 2 bytes\r
+! qvejmap: 1 table, 5 rows in rejecting
+! qvejmap: r.n: 1 value rejected, in row 3: "three" is not a number
+! qvejmap: r.c: 1 value cut to 2 bytes, in row 3: "three"
+$ printf '{"id":"x"}\n{"id":}\n' > x.jsonl; qvejmap convert b.json x.jsonl --map bad.map --skip-bad-lines -o rejecting2 -q --rejects rejecting2.csv 2>&-; cat rejecting2.csv
+  source,table,row,column,path,ordinals,text,reason\r
+  x.jsonl,,2,,x.jsonl:2:7,,"{""id"":}",a value was expected\r
+  b.json,r,2,n,/root/id,o=2,three,not a number\r
+  b.json,r,2,c,/root/id,o=2,three,cut to 2 bytes\r
+  x.jsonl,r,3,n,/root/id,o=3,x,not a number\r
 
 # Bad lines are left out, and told.
 $ printf '{"id":1}\n{"id":}\n\n{"id":4} 5\n{"id":6,"o":"caf\351"}\n{"id":7}\n{"id"' > bad.jsonl
@@ -223,13 +242,14 @@ $ qvejmap read bad.jsonl root --skip-bad-lines
 $ qvejmap convert bad.jsonl a.json b.json --skip-bad-lines -o mixed
 ! qvejmap: 4 lines skipped, the first: bad.jsonl:2:7: a value was expected: "{"id":}"
 ! qvejmap: 2 tables, 6 rows in mixed
+! qvejmap: root.id has values of several kinds, all as texts
 ? 1
 $ qvejmap convert bad.jsonl logs/c.jsonl.gz --skip-bad-lines -o skipping -q --rejects bad.csv; cat bad.csv skipping/root.csv
-  table,row,column,path,ordinals,text,reason\r
-  ,2,,bad.jsonl:2:7,,"{""id"":}",a value was expected\r
-  ,4,,bad.jsonl:4:10,,"{""id"":4} 5",only white space may follow the value in its line\r
-  ,5,,bad.jsonl:5:17,,"{""id"":6,""o"":""caf�""}",invalid UTF-8\r
-  ,7,,bad.jsonl:7:6,,"{""id""",the value does not end in its line\r
+  source,table,row,column,path,ordinals,text,reason\r
+  bad.jsonl,,2,,bad.jsonl:2:7,,"{""id"":}",a value was expected\r
+  bad.jsonl,,4,,bad.jsonl:4:10,,"{""id"":4} 5",only white space may follow the value in its line\r
+  bad.jsonl,,5,,bad.jsonl:5:17,,"{""id"":6,""o"":""caf�""}",invalid UTF-8\r
+  bad.jsonl,,7,,bad.jsonl:7:6,,"{""id""",the value does not end in its line\r
   source_1,ordinal_root,id,Source\r
   bad.jsonl,1,1,\r
   bad.jsonl,2,7,\r
@@ -287,6 +307,7 @@ $ qvejmap convert bad.json a.json short.json empty.json missing.json scalar.json
 !     12
 !     ^
 ! qvejmap: 3 tables, 8 rows in good
+! qvejmap: root.id has values of several kinds, all as texts
 ! qvejmap: the column of file names has another name where source is taken: root.source_1
 $ qvejmap check bad.json a.json --skip-bad-files; qvejmap map bad.json b.json --skip-bad-files --compact
   a.json: well formed
@@ -323,6 +344,7 @@ $ qvejmap convert bad.json - short.json --skip-bad-files --per-file -o each --sh
 !      1,}
 !        ^
 ! qvejmap: 1 table, 2 rows in each/stdin
+! qvejmap: root.id has values of several kinds, all as texts
 ! qvejmap: skipped: short.json:1:7: the document ends before a complete object or array
 !     {"id":
 !           ^
@@ -348,3 +370,14 @@ $ mkdir grown; echo '{"a":1}' > grown/x.json; qvejmap convert grown -o grown/out
   grown/x.json\t1\t6\t/root/a\t1
 ! qvejmap: 2 files of an earlier convert are left out, the first grown/out/datapackage.json
 ! qvejmap: 1 table, 2 rows in again
+
+# Each walk over the files is told while it lasts: here the first one waits for more than a second.
+$ slow() { printf '[{"id":1}'; sleep 1.1; printf ',{"id":2}]'; }
+> mkfifo 1 2 3 4; qvejmap tables 1 a.json --skip-bad-files --shape auto --progress json > of1 2>&1 & slow > 1 &
+> qvejmap tables 2 --shape auto --progress json > of2 2>&1 & slow > 2 & qvejmap shape 3 --progress json > of3 2>&1 & slow > 3 &
+> qvejmap tables 4 --progress json > of4 2>&1 & { head -c 2000000 /dev/zero | tr '\0' ' '; sleep 1.5; echo '[{"id":1}]'; } > 4 &
+> wait; head -qn 1 of1 of2 of3 | cut -d, -f 1; grep phase of4 | tail -n 1 | cut -d, -f 1,2
+  {"phase":"files"
+  {"phase":"shape"
+  {"phase":"shape"
+  {"phase":"scan","bytes":2000011

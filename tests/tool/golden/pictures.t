@@ -211,16 +211,25 @@ $ qvejmap diagram odd.json --format mermaid --map map.json
 $ qvejmap diagram odd.json --format png
 ! qvejmap: --format: 'png' is none of svg, dot, mermaid, dbml (qvejmap --help tells more)
 ? 2
-# The format is that of the name, when there is one.
-$ for name in a.gv a.dot a.mmd a.dbml a.svg a; do
+# The format is that of the ending, when there is one.
+$ mkdir -p v1.0; for name in a.gv a.dot a.mmd a.mermaid a.dbml a.svg b.SVG v1.0/a; do
 >     sh own orders.json -o $name && head -c 9 $name | head -1; echo
 > done
   digraph t
   digraph t
   erDiagram
+  erDiagram
   Table "or
   <svg xmln
   <svg xmln
+  <svg xmln
+# An ending of no picture needs to be told.
+$ qvejmap diagram orders.json -o a.png; ls a.png
+! qvejmap: -o a.png: no picture has this ending; --format says which of svg, dot, mermaid, dbml it is (qvejmap --help tells more)
+! ls: cannot access 'a.png': No such file or directory
+? 2
+$ qvejmap diagram orders.json -o a.txt --format mermaid && head -1 a.txt
+  erDiagram
 $ qvejmap diagram orders.json -o a.dbml
 ! qvejmap: a.dbml: the file exists (--force replaces it)
 ? 5

@@ -29,9 +29,10 @@ $ qvejmap --help
   Options of map, shape, convert, report and diagram:
     -o,--output OUT         map: file to write; shape: file to write; report:
                             file to write, such as report.html; diagram: file to
-                            write; convert: a directory, made when missing, or a
-                            file NAME.sqlite, .db, .xlsx or of one table .parquet,
-                            .arrow, or postgresql://HOST/DATABASE
+                            write, such as tables.svg; convert: a directory, made
+                            when missing, or a file NAME.sqlite, .db, .xlsx or of
+                            one table .parquet, .arrow, or
+                            postgresql://HOST/DATABASE
     --exact                 map: columns with numbers that a double does not keep
                             are CHARACTER
     --compact               map: all in one line, without blanks
@@ -39,9 +40,9 @@ $ qvejmap --help
     --alldata               convert: ALLDATA too (every value with its full path)
   
   Options of convert:
-    --per-file              a directory OUT/NAME for each input, with tables and
-                            a map of its own (default: all inputs are one data
-                            set, with a column source)
+    --per-file              a directory OUT/NAME for each input, as if each were
+                            converted alone (default: all inputs are one data set,
+                            with a column source)
     --threads N             at most N threads (default: as many as there are
                             cores)
   
@@ -162,9 +163,10 @@ $ qvejmap --help
   ./map.
   
   Exit codes: 0 done, 1 done but some values were rejected, cut, overwritten or
-  strayed or, with --account, lost (map check, map diff: not the same), 2 wrong
-  usage, 3 not valid JSON, 4 no such table or trouble with the map, 5 trouble with
-  a file, 6 a limit was reached.
+  strayed or, with --account, lost, or --skip-bad-lines or --skip-bad-files left
+  some out (map check, map diff: not the same), 2 wrong usage, 3 not valid JSON,
+  4 no such table or trouble with the map, 5 trouble with a file, 6 a limit was
+  reached.
 $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
   qvejmap convert: write every table: files, SQLite, Parquet, ...
   
@@ -175,9 +177,9 @@ $ qvejmap orders.json -q convert --help | sed -n '1,/^Reading/p'
                             NAME.sqlite, .db, .xlsx or of one table .parquet,
                             .arrow, or postgresql://HOST/DATABASE
     --alldata               ALLDATA too (every value with its full path)
-    --per-file              a directory OUT/NAME for each input, with tables and
-                            a map of its own (default: all inputs are one data
-                            set, with a column source)
+    --per-file              a directory OUT/NAME for each input, as if each were
+                            converted alone (default: all inputs are one data set,
+                            with a column source)
     --threads N             at most N threads (default: as many as there are
                             cores)
     --account               count what becomes of every value, and tell which are
@@ -235,7 +237,7 @@ $ for verb in tables map 'map check' 'map diff' 'map merge' 'map explain' read c
   convert: -o,--output --alldata --per-file --threads --account --table --path --map --rejects --ordinals --alldata-name --naming --retain --carry --format --null --gzip --zstd --dates --schema --replace --append --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --force --progress -q,--quiet -h,--help --version
   find: --limit --value --regex --ignore-case --path --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth -q,--quiet -h,--help --version
   records: --lines --skip-bad-lines --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --progress -q,--quiet -h,--help --version
-  shape: -o,--output --lines --encoding --invalid --depth --key-names --key-containers --fixed-length --inline-columns --force -q,--quiet -h,--help --version
+  shape: -o,--output --lines --encoding --invalid --depth --key-names --key-containers --fixed-length --inline-columns --force --progress -q,--quiet -h,--help --version
   check: --account --map --retain --carry --lines --skip-bad-lines --skip-bad-files --encoding --invalid --depth --max-paths --compress --memory --keep-free --cache --shape --rows --inline --as-text --drop --only --keep --drop-empty --key-names --key-containers --fixed-length --inline-columns --debug --progress -q,--quiet -h,--help --version
   completion: -q,--quiet -h,--help --version
 

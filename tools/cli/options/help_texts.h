@@ -16,9 +16,10 @@ Options work in any position.  A file that is named like a verb is written
 
 inline constexpr std::string_view kExitCodes =
     R"(Exit codes: 0 done, 1 done but some values were rejected, cut, overwritten or
-strayed or, with --account, lost (map check, map diff: not the same), 2 wrong
-usage, 3 not valid JSON, 4 no such table or trouble with the map, 5 trouble with
-a file, 6 a limit was reached.
+strayed or, with --account, lost, or --skip-bad-lines or --skip-bad-files left
+some out (map check, map diff: not the same), 2 wrong usage, 3 not valid JSON,
+4 no such table or trouble with the map, 5 trouble with a file, 6 a limit was
+reached.
 )";
 
 }  // namespace qvej::cli

@@ -77,7 +77,7 @@ constexpr Owner kOwners[] = {
     {"--keep", kReaders},
     {"--drop-empty", kReaders},
     {"--debug", kReaders},
-    {"--progress", kReaders},
+    {"--progress", kShapers},
 };
 
 }  // namespace

@@ -199,7 +199,8 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     const std::string ofFiles = "Options of map, shape, convert, report and diagram";
     app.add_option("-o,--output", o.out,
                    "map: file to write; shape: file to write; report: file to write, such as "
-                   "report.html; diagram: file to write; convert: a directory, made when "
+                   "report.html; diagram: file to write, such as tables.svg; convert: a directory, "
+                   "made when "
                    "missing, or a file "
                    "NAME.sqlite, .db, .xlsx or of one table .parquet, .arrow, or "
                    "postgresql://HOST/DATABASE")
@@ -213,9 +214,10 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
         ->group(ofFiles);
     app.add_flag("--alldata", o.alldata, "convert: ALLDATA too (every value with its full path)")
         ->group(ofFiles);
-    app.add_flag("--per-file", o.perFile,
-                 "a directory OUT/NAME for each input, with tables and a map of its own (default: "
-                 "all inputs are one data set, with a column source)")
+    app.add_flag(
+           "--per-file", o.perFile,
+           "a directory OUT/NAME for each input, as if each were converted alone (default: all "
+           "inputs are one data set, with a column source)")
         ->group("Options of convert");
     app.add_option("--threads", raw.threads,
                    "at most N threads (default: as many as there are cores)")

@@ -65,6 +65,11 @@ struct Options {
     return !options.reading.naming && options.map.empty() && !options.quiet;
 }
 
+// On how many threads a document may be read in parts: see ReadingWishes.
+[[nodiscard]] inline unsigned partThreads(const Options& options) {
+    return options.retain || options.carry || options.alldata ? 1 : options.threads;
+}
+
 // May a shape be proposed?
 [[nodiscard]] inline bool shapeMayHelp(const Options& options) {
     return !options.quiet && options.map.empty() && options.reading.shape.empty() &&

@@ -88,6 +88,10 @@ void readOtherFormat(const CLI::App& app, const RawOutput& raw, Options& o) {
     } else if (o.verb->name == "diagram") {
         const std::optional<PictureFormat> picture =
             given ? pictureNamed(raw.format) : pictureOf(o.out);
+        if (!picture && !given) {
+            usageError("-o " + o.out + ": no picture has this ending; --format says which of " +
+                       commaSeparated(pictureNames()) + " it is");
+        }
         if (!picture) {
             usageError("--format: " + inQuotes(raw.format) + " is none of " +
                        commaSeparated(pictureNames()));

@@ -1,6 +1,8 @@
 // See picture_format.h.
 #include "tools/cli/pictures/picture_format.h"
 
+#include "client/text.h"
+
 namespace qvej::cli {
 
 namespace {
@@ -27,7 +29,8 @@ std::optional<PictureFormat> pictureNamed(std::string_view name) {
     return std::nullopt;
 }
 
-PictureFormat pictureOf(std::string_view file) {
+std::optional<PictureFormat> pictureOf(std::string_view path) {
+    const std::string file = lowerCased(path.substr(path.rfind('/') + 1));
     for (const Kind& kind : kKinds) {
         for (const std::string_view ending : kind.endings) {
             if (file.ends_with(ending)) {
@@ -35,7 +38,7 @@ PictureFormat pictureOf(std::string_view file) {
             }
         }
     }
-    return PictureFormat::SVG;
+    return file.find('.') == std::string::npos ? std::optional(PictureFormat::SVG) : std::nullopt;
 }
 
 std::string pictureNames() {

@@ -13,8 +13,9 @@ enum class PictureFormat { SVG, DOT, MERMAID, DBML };
 
 [[nodiscard]] std::optional<PictureFormat> pictureNamed(std::string_view name);
 
-// The one that the end of a file's name says, else SVG.
-[[nodiscard]] PictureFormat pictureOf(std::string_view file);
+// The one that the ending of a file's name says: SVG when it has none, nothing when no format has
+// that ending.
+[[nodiscard]] std::optional<PictureFormat> pictureOf(std::string_view path);
 
 // "svg|dot|mermaid|dbml"
 [[nodiscard]] std::string pictureNames();

@@ -18,6 +18,15 @@ namespace {
 constexpr double kFirst = 1.0;  // seconds
 constexpr double kBetweenLines = 0.1;
 constexpr double kBetweenJson = 1.0;
+struct PhaseWords {
+    std::string_view name;   // in JSON
+    std::string_view start;  // of the line
+};
+constexpr std::array<PhaseWords, 5> kPhases = {{{"files", "checking files, "},
+                                                {"shape", "finding the shape, "},
+                                                {"scan", ""},
+                                                {"types", "finding types, "},
+                                                {"rows", ""}}};
 constexpr std::string_view kErase = "\r\033[K";
 
 std::mutex drawing;           // for all of them: there is one terminal
@@ -58,6 +67,7 @@ Progress::Progress(ProgressForm form, std::optional<uint64_t> total, Clock clock
       clock_(std::move(clock)),
       out_(std::move(out)),
       begun_(form == ProgressForm::NONE ? 0 : clock_()),
+      phaseBegun_(begun_),
       due_(begun_ + kFirst) {}
 
 Progress::Clock Progress::steadyClock() {
@@ -73,6 +83,14 @@ Progress::Out Progress::standardError() {
     };
 }
 
+void Progress::begin(Phase phase) {
+    const std::lock_guard lock(drawing);
+    phase_ = phase;
+    phaseBegun_ = form_ == ProgressForm::NONE ? 0 : clock_();
+    bytes_ = phase < TYPES ? 0 : bytes_;
+    rows_ = 0;
+}
+
 void Progress::addBytes(uint64_t bytes) {
     const std::lock_guard lock(drawing);
     bytes_ += bytes;
@@ -81,9 +99,6 @@ void Progress::addBytes(uint64_t bytes) {
 
 void Progress::addRows(uint64_t rows) {
     const std::lock_guard lock(drawing);
-    if (rows_ == 0 && form_ != ProgressForm::NONE) {
-        rowsBegun_ = clock_();
-    }
     rows_ += rows;
     showWhenDue();
 }
@@ -128,22 +143,32 @@ void Progress::eraseAny() {
 }
 
 std::string Progress::line(double now) const {
-    if (rows_ != 0) {
-        const double seconds = now - rowsBegun_;
-        const std::string text = "qvejmap: " + withCommas(rows_) + " rows";
-        return seconds <= 0
-                   ? text
-                   : text + ", " +
-                         withCommas(static_cast<uint64_t>(static_cast<double>(rows_) / seconds)) +
-                         " rows/s";
+    const std::string start = "qvejmap: " + std::string(kPhases[phase_].start);
+    return start + (phase_ < TYPES ? bytesText(now) : rowsText(now));
+}
+
+std::string Progress::rowsText(double now) const {
+    const double seconds = now - phaseBegun_;
+    const std::string text = withCommas(rows_) + " rows";
+    if (seconds <= 0) {
+        return text;
     }
+    const double rate = static_cast<double>(rows_) / seconds;
+    return text + ", " + withCommas(static_cast<uint64_t>(rate)) + " rows/s";
+}
+
+std::string Progress::bytesText(double now) const {
     const auto bytes = static_cast<double>(bytes_);
-    const double rate = bytes / (now - begun_);
-    std::string text = "qvejmap: " + sizeText(bytes);
+    const double seconds = now - phaseBegun_;
+    std::string text = sizeText(bytes);
     if (total_ && *total_ != 0) {
         text += " of " + sizeText(static_cast<double>(*total_)) +
                 formatted(" (%.0f%%)", 100 * bytes / static_cast<double>(*total_));
     }
+    if (seconds <= 0) {
+        return text;
+    }
+    const double rate = bytes / seconds;
     text += ", " + sizeText(rate) + "/s";
     if (total_ && bytes_ != 0 && *total_ > bytes_) {
         text += ", " + timeText(static_cast<double>(*total_ - bytes_) / rate) + " left";
@@ -152,7 +177,7 @@ std::string Progress::line(double now) const {
 }
 
 std::string Progress::json(double now) const {
-    return std::string(R"({"phase":")") + (rows_ == 0 ? "scan" : "rows") + R"(","bytes":)" +
+    return R"({"phase":")" + std::string(kPhases[phase_].name) + R"(","bytes":)" +
            std::to_string(bytes_) + R"(,"total":)" + (total_ ? std::to_string(*total_) : "null") +
            R"(,"rows":)" + std::to_string(rows_) + formatted(R"(,"seconds":%.1f})", now - begun_);
 }

@@ -14,9 +14,16 @@ namespace qvej::cli {
 
 enum class ProgressForm : uint8_t { NONE, LINE, JSON };
 
-// First the input is read, then, perhaps, rows are written.  On any thread.
+// The input is read, perhaps several times, and then rows.  On any thread.
 class Progress {
    public:
+    enum Phase : uint8_t {
+        FILES,  // is each file well formed?
+        SHAPE,  // of the document
+        SCAN,   // of its values
+        TYPES,  // of its rows
+        ROWS    // are written
+    };
     using Clock = std::function<double()>;  // in seconds
     using Out = std::function<void(std::string_view)>;
 
@@ -27,9 +34,12 @@ class Progress {
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    // Further bytes of the input have been read.
+    // What is done from now on; at first it is SCAN.
+    void begin(Phase phase);
+
+    // Further bytes of the input have been read, by one of the first three.
     void addBytes(uint64_t bytes);
-    // Further rows have been written.
+    // Further rows have been read, by one of the last two.
     void addRows(uint64_t rows);
 
     // Takes the line away, if there is one.
@@ -45,16 +55,19 @@ class Progress {
     void eraseLine();
     void showWhenDue();
     [[nodiscard]] std::string line(double now) const;
+    [[nodiscard]] std::string bytesText(double now) const;
+    [[nodiscard]] std::string rowsText(double now) const;
     [[nodiscard]] std::string json(double now) const;
 
     ProgressForm form_;
     std::optional<uint64_t> total_;
     Clock clock_;
     Out out_;
-    uint64_t bytes_ = 0;
-    uint64_t rows_ = 0;
+    Phase phase_ = SCAN;
+    uint64_t bytes_ = 0;  // of the phase, or of the last one that read any
+    uint64_t rows_ = 0;   // of the phase
     double begun_;
-    double rowsBegun_ = 0;
+    double phaseBegun_;
     double due_;
     bool shown_ = false;  // a line is there
 };

@@ -30,17 +30,23 @@ std::string ordinalsOf(const qvej::Row& row) {
 
 }  // namespace
 
-Rejects::File::File(const std::string& file, bool force, const Sources& sources)
-    : output(OutputFiles::single(file, force, sources)), writer(output.writer(0)), fields(writer) {
+Rejects::File::File(const std::string& file, bool force, const Sources& sources, bool several)
+    : output(OutputFiles::single(file, force, sources)),
+      writer(output.writer(0)),
+      fields(writer),
+      namesSources(several) {
+    if (namesSources) {
+        fields.text("source");
+    }
     for (const char* name : kHeader) {
         fields.text(name);
     }
     fields.endLine();
 }
 
-Rejects::Rejects(const std::string& file, bool force, const Sources& sources,
+Rejects::Rejects(const std::string& file, bool force, const Sources& sources, bool several,
                  const Destination* tables)
-    : file_(file.empty() ? nullptr : std::make_unique<File>(file, force, sources)) {
+    : file_(file.empty() ? nullptr : std::make_unique<File>(file, force, sources, several)) {
     if (file_ != nullptr && tables != nullptr && tables->shares(file_->output)) {
         throw Failure(WRONG_USAGE, "--rejects: " + file + " is also the file of a table");
     }
@@ -69,6 +75,9 @@ void Rejects::take(const Table& table, const qvej::Row& row, const Rejected& rej
 void Rejects::writeLine(const Table& table, const qvej::Row& row, const Rejected& rejected) {
     CsvFields& fields = file_->fields;
     const Column& column = table.columns[rejected.column];
+    if (file_->namesSources) {
+        fields.text(row.cell(0).text);
+    }
     fields.text(table.name);
     fields.text(std::to_string(rejected.row));
     fields.text(column.name);
@@ -85,6 +94,9 @@ void Rejects::takeLines(const Skipped& skipped) {
     }
     CsvFields& fields = file_->fields;
     for (const Skipped::Line& line : skipped.lines()) {
+        if (file_->namesSources) {
+            fields.text(line.file);
+        }
         fields.text("");
         fields.text(std::to_string(line.spot.line));
         fields.text("");

@@ -22,8 +22,9 @@ namespace qvej::cli {
 class Rejects {
    public:
     // `file`: gets a line of CSV for each value; empty: none.  It is there after `commit` only, and
-    // must be neither one of the `sources` nor one that `tables` writes.  Throws a Failure.
-    Rejects(const std::string& file, bool force, const Sources& sources,
+    // must be neither one of the `sources` nor one that `tables` writes.  `several`: of a document
+    // of several texts, whose tables begin with the column of their names.  Throws a Failure.
+    Rejects(const std::string& file, bool force, const Sources& sources, bool several = false,
             const Destination* tables = nullptr);
 
     // What the row of a table calls.  This object and the table must outlive it.
@@ -49,10 +50,11 @@ class Rejects {
         bool cut;
     };
     struct File {
-        File(const std::string& file, bool force, const Sources& sources);
+        File(const std::string& file, bool force, const Sources& sources, bool several);
         OutputFiles output;
         Writer writer;
         CsvFields fields;
+        bool namesSources;  // each line begins with the name of its text
     };
 
     void take(const Table& table, const qvej::Row& row, const Rejected& rejected);

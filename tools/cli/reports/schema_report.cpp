@@ -95,9 +95,7 @@ void tellSchema(const Options& options, const Document& document, const Schema& 
         &document.tables() == &document.automaticTables()) {
         tellKeys(schema);
     }
-    if (options.format->typed) {
-        tellTypes(schema);
-    }
+    tellTypes(schema);
 }
 
 }  // namespace qvej::cli

@@ -10,7 +10,7 @@
 namespace qvej::cli {
 
 // Tells on standard error, a line for each kind: tables without a primary key, rows without a
-// parent; for a format with types also columns of mixed values and numbers that look like times.
+// parent, columns of mixed values, and numbers that look like times.
 void tellSchema(const Options& options, const Document& document, const Schema& schema);
 
 }  // namespace qvej::cli

@@ -34,7 +34,8 @@ ExitCode checkAccount(const Options& options) {
     Account account;
     ExitCode code = DONE;
     {
-        const Session session(options.reading, options.inputs, options.map);
+        const Session session(options.reading, options.inputs, options.map,
+                              {.partThreads = partThreads(options)});
         try {
             account = takeAccount(session.document(), each(session.document().tables()),
                                   options.retain, options.carry);
@@ -52,7 +53,8 @@ ExitCode runCheck(const Options& options) {
     if (options.account) {
         return checkAccount(options);
     }
-    const Session session(options.reading, options.inputs);
+    const Session session(options.reading, options.inputs, {},
+                          {.partThreads = partThreads(options)});
     if (!options.quiet) {
         tellWellFormed(session);
     }

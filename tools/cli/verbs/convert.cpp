@@ -19,6 +19,7 @@
 #include "tools/cli/reports/skipped.h"
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"
+#include "tools/cli/survey.h"
 #include "tools/cli/verbs/folder_names.h"
 #include "tools/cli/verbs/verbs.h"
 
@@ -54,13 +55,13 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
     }
     std::optional<Schema> schema;
     if (options.format->typed) {
-        schema = schemaOf(document, tables, options.retain, options.carry, options.threads,
-                          options.schema);
+        schema = typesOf(session, tables, options);
     }
     const Sources sources = sourcesOf(options.inputs.files, options.map);
     const std::unique_ptr<Destination> destination = makeDestination(options, sources);
     destination->open(tables, schema ? &*schema : nullptr);
-    Rejects rejects(options.rejects, options.force, sources, destination.get());
+    Rejects rejects(options.rejects, options.force, sources, document.hasSourceColumn(),
+                    destination.get());
     rejects.takeLines(session.skipped());
     std::optional<SchemaBuilder> facts;
     if (!schema) {
@@ -72,6 +73,7 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
         document, tables, *destination, mostHeld(options),
         [&](const Table& table) { return rejects.handlerFor(table); }, facts ? &*facts : nullptr);
     TablePass pass(document, tables, options.retain, options.carry);
+    session.progress().begin(Progress::ROWS);
     runPass(pass, options.threads, [&](std::span<const PassItem> items) {
         outputs.take(items);
         session.progress().addRows(rowsOf(items));
@@ -120,8 +122,9 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
 ExitCode convertAndAccount(const Options& options, Account& account) {
     std::optional<cleanup::Output> output(
         shownOutput(options));  // for a signal while the document is read
-    const Session session(options.reading, options.inputs, options.map,
-                          {.keepBadLines = !options.rejects.empty()});
+    const Session session(
+        options.reading, options.inputs, options.map,
+        {.keepBadLines = !options.rejects.empty(), .partThreads = partThreads(options)});
     output.reset();
     const std::vector<const Table*> tables = chosenTables(options, session.document().tables());
     if (session.map() != nullptr && !options.quiet) {

@@ -9,6 +9,7 @@
 #include "tools/cli/reports/shape_report.h"
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"
+#include "tools/cli/survey.h"
 #include "tools/cli/text_output.h"
 #include "tools/cli/verbs/verbs.h"
 
@@ -40,7 +41,8 @@ std::string pictureOf(const Diagram& diagram, PictureFormat format) {
 ExitCode runDiagram(const Options& options) {
     const Sources sources = sourcesOf(options.inputs.files, options.map);
     checkTextOutput(options, sources);
-    const Session session(options.reading, options.inputs, options.map);
+    const Session session(options.reading, options.inputs, options.map,
+                          {.partThreads = partThreads(options)});
     const Document& document = session.document();
     const std::vector<const Table*> tables = chosenTables(options, document.tables());
     if (session.map() != nullptr && !options.quiet) {
@@ -48,7 +50,7 @@ ExitCode runDiagram(const Options& options) {
     }
     Schema schema;
     try {
-        schema = schemaOf(document, tables, false, false, options.threads, options.schema);
+        schema = typesOf(session, tables, options);
     } catch (const Error& error) {
         session.failReading(error);
     }

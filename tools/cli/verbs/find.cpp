@@ -93,7 +93,8 @@ ExitCode runFind(const Options& options) {
                 continue;
             }
             RereadableFile file(name);
-            const std::optional<Error> mistake = mistakeOf(options.reading, engine, file);
+            const std::optional<Error> mistake =
+                mistakeOf(options.reading, engine, [&] { return file.walk(); });
             if (!mistake) {
                 good = true;
                 walkOver(file.walk());

@@ -129,9 +129,10 @@ ExitCode runMap(const Options& options) {
     const Sources sources = sourcesOf(options.inputs.files, {});
     checkMapOutput(options, sources);
     SeparatorWatch separators;
-    const Session session(
-        options.reading, options.inputs, {},
-        {.observer = [&](std::string_view piece) { separators.take(piece); }, .sourceColumn = {}});
+    const Session session(options.reading, options.inputs, {},
+                          {.observer = [&](std::string_view piece) { separators.take(piece); },
+                           .sourceColumn = {},
+                           .partThreads = partThreads(options)});
     const Document& document = session.document();
     const std::vector<const Table*> tables = chosenTables(options, document.tables());
     putMap(mapOf(session, tables, options), options, sources);

@@ -97,7 +97,7 @@ ReportPage pageOf(const Options& options, const Session& session, Survey& survey
         tellShapeHint(document.tables());
     }
     try {
-        survey = surveyOf(document, tables, options);
+        survey = surveyOf(session, tables, options);
         ReportPage page(factsOf(options, session), survey);
         const std::vector<std::size_t> detailed = detailedTables(survey.schema);
         page.putTables(detailed,
@@ -119,7 +119,8 @@ ExitCode runReport(const Options& options) {
     std::optional<ReportPage> page;
     ExitCode code = DONE;
     {
-        const Session session(options.reading, options.inputs, options.map);
+        const Session session(options.reading, options.inputs, options.map,
+                              {.partThreads = partThreads(options)});
         page.emplace(pageOf(options, session, survey, account));
         code = session.skipped().exitCode();
     }

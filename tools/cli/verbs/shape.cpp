@@ -6,6 +6,7 @@
 #include "formats/output_files.h"
 #include "formats/writer.h"
 #include "tools/cli/auto_shape.h"
+#include "tools/cli/counted_input.h"
 #include "tools/cli/find/value_walk.h"
 #include "tools/cli/maps/map_output.h"
 #include "tools/cli/reports/tell.h"
@@ -56,7 +57,10 @@ ExitCode runShape(const Options& options) {
     engineOptions.maxDepth = options.reading.depth;
     const Engine engine(engineOptions);
     RereadableFile file(options.operands[0]);
-    const FoundShape found = findShape(engine, {&file, 1}, options.reading);
+    Progress progress(options.reading.progress, bytesOf(options.operands));
+    progress.begin(Progress::SHAPE);
+    const FoundShape found = findShape(engine, {&file, 1}, options.reading, progress);
+    progress.erase();
     if (!found.whole) {
         tellMistake(engine, file, options.reading);
     }

@@ -59,8 +59,7 @@ std::vector<Row> listColumns(const std::vector<const Table*>& tables) {
 void putJson(const Options& options, const Session& session,
              const std::vector<const Table*>& tables) {
     const Document& document = session.document();
-    const Schema schema =
-        schemaOf(document, tables, options.retain, options.carry, options.threads, options.schema);
+    const Schema schema = typesOf(session, tables, options);
     Writer out = standardOutput();
     printJson(out, session.name(), schema,
               accountOf(document, tables, options.retain, options.carry));
@@ -69,7 +68,7 @@ void putJson(const Options& options, const Session& session,
 
 void putTree(const Options& options, const Session& session,
              const std::vector<const Table*>& tables, Writer& out) {
-    const Survey survey = surveyOf(session.document(), tables, options);
+    const Survey survey = surveyOf(session, tables, options);
     printTree(out, survey);
     out.flush();
     if (!options.quiet) {
@@ -93,7 +92,8 @@ void putTables(const Options& options, const Session& session,
 }  // namespace
 
 ExitCode runTables(const Options& options) {
-    const Session session(options.reading, options.inputs, options.map);
+    const Session session(options.reading, options.inputs, options.map,
+                          {.partThreads = partThreads(options)});
     const Document& document = session.document();
     const std::vector<const Table*> tables = chosenTables(options, document.tables());
     if (session.map() != nullptr) {

@@ -1,0 +1,21 @@
+// The parts of the files of a list, read as often as they are asked for.
+//
+// Tested by tests/client/parts_test.cpp
+#pragma once
+
+#include "../input/inputs_reader.h"
+#include "text_part.h"
+
+namespace qvej {
+
+// Regular files in UTF-8.  In another encoding a text throws Indivisible (part_sequence.h).  A file
+// that has changed since this call is an Error (QV_IO_CHANGED).
+//   observer  sees each piece of the text, on the thread that reads; may be empty
+[[nodiscard]] ReadParts partsOf(const InputList& inputs, const TextOptions& options,
+                                InputsReader::Open open,
+                                std::function<void(std::string_view)> observer = {});
+
+// Whether all are files that can be read again, and how many bytes they have; nothing: they are not.
+[[nodiscard]] std::optional<uint64_t> rereadableBytes(const InputList& inputs);
+
+}  // namespace qvej

@@ -1,0 +1,111 @@
+// Items of a walk with all that they point to, on their way to another thread.
+#pragma once
+
+#include "../table_pass.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qvej {
+
+// Memory in pieces that stay where they are.
+class Stretches {
+   public:
+    // Room for `count` of T, not initialised.
+    template <class T>
+    T* room(std::size_t count) {
+        static_assert(std::is_trivially_copyable_v<T>);
+        return reinterpret_cast<T*>(bytes(count * sizeof(T)));
+    }
+    // Bytes that are used, about.
+    [[nodiscard]] std::size_t used() const { return used_; }
+
+   private:
+    static constexpr std::size_t kStretch = 65536;
+    static constexpr std::size_t kAlignment = alignof(std::max_align_t);
+
+    std::byte* bytes(std::size_t size) {
+        size = (size + kAlignment - 1) / kAlignment * kAlignment;
+        used_ += size;
+        if (size > left_) {
+            left_ = std::max(size, kStretch);
+            stretches_.push_back(std::make_unique_for_overwrite<std::byte[]>(left_));
+            at_ = stretches_.back().get();
+        }
+        std::byte* const room = at_;
+        at_ += size;
+        left_ -= size;
+        return room;
+    }
+
+    std::vector<std::unique_ptr<std::byte[]>> stretches_;
+    std::byte* at_ = nullptr;
+    std::size_t left_ = 0;
+    std::size_t used_ = 0;
+};
+
+// Texts that lie in one of the buffers of the batch are not copied.
+class ItemBatch {
+   public:
+    // Bytes of cells and copied texts after which a batch is full.
+    static constexpr std::size_t kFull = std::size_t{1} << 20;
+
+    // The batch keeps what holds a text in which values lie.
+    void hold(std::shared_ptr<const void> text) { held_.push_back(std::move(text)); }
+
+    // Copies the item.  `stays`: a text that the batch holds.
+    void add(const JMAPPassItem& raw, std::string_view stays) {
+        const std::span<PassCell> cells =
+            copied({raw.cells, static_cast<std::size_t>(raw.cellCount)}, stays);
+        PassItem& item = items_.emplace_back();
+        item.kind = raw.kind == JMAP_PASS_ROW ? PassItem::ROW : PassItem::NOT_NUMBER;
+        item.table = static_cast<std::size_t>(raw.table);
+        item.cells = cells;
+        item.column = static_cast<std::size_t>(raw.column);
+        item.text = {kept(raw.text, raw.textLen, stays), static_cast<std::size_t>(raw.textLen)};
+    }
+
+    // Copies cells, which live as long as the batch.
+    std::span<PassCell> copied(std::span<const PassCell> from, std::string_view stays) {
+        auto* cells = memory_.room<PassCell>(from.size());
+        std::copy(from.begin(), from.end(), cells);
+        for (PassCell& cell : std::span(cells, from.size())) {
+            if (cell.kind != JMAP_CELL_MISSING && cell.kind != JMAP_CELL_COUNT) {
+                cell.text = kept(cell.text, cell.textLen, stays);
+            }
+        }
+        return {cells, from.size()};
+    }
+
+    [[nodiscard]] bool full() const { return memory_.used() >= kFull; }
+    [[nodiscard]] const std::vector<PassItem>& items() const { return items_; }
+
+    // The cells of an item may be changed.
+    [[nodiscard]] static PassCell* cellsOf(const PassItem& item) {
+        return const_cast<PassCell*>(item.cells.data());  // they are the batch's own
+    }
+
+   private:
+    const char* kept(const char* text, QVStrSize textLen, std::string_view stays) {
+        const auto offset = reinterpret_cast<uintptr_t>(text) -
+                            reinterpret_cast<uintptr_t>(stays.data());
+        if (offset < stays.size() || textLen == 0) {
+            return text;
+        }
+        char* copy = memory_.room<char>(static_cast<std::size_t>(textLen));
+        std::memcpy(copy, text, static_cast<std::size_t>(textLen));
+        return copy;
+    }
+
+    std::vector<PassItem> items_;
+    Stretches memory_;  // of cells and texts
+    std::vector<std::shared_ptr<const void>> held_;
+};
+
+}  // namespace qvej

@@ -1,0 +1,42 @@
+// One part of a document as a document of its own, with what its parser must find around it.
+//
+// Tested by tests/client/parts_test.cpp
+#pragma once
+
+#include "../document.h"
+#include "text_part.h"
+
+#include <optional>
+#include <string_view>
+
+namespace qvej {
+
+class PartDocument {
+   public:
+    // Of that document.
+    explicit PartDocument(const PartsOfDocument& parts);
+
+    // The next piece: all are of one part, or all pieces of all texts.  It is parsed where it is.
+    // Throws as Document::feed.
+    void feed(const TextPart& piece);
+
+    // After the last piece.  Throws as Document::finish.
+    void finish() { document_.finish(); }
+
+    // Bytes that stand before the first piece, which are not in it.
+    [[nodiscard]] int64_t before() const { return before_; }
+
+    [[nodiscard]] const Document& document() const { return document_; }
+    [[nodiscard]] QVEJMAPJsonContexth handle() const { return document_.handle(); }
+
+   private:
+    void begin(const TextPart& piece);
+    void end(const TextPart& piece);
+
+    const bool several_;
+    Document document_;
+    std::optional<std::size_t> text_;  // that is being fed
+    int64_t before_ = 0;
+};
+
+}  // namespace qvej

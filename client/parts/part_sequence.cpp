@@ -1,0 +1,90 @@
+// See part_sequence.h.
+#include "client/parts/part_sequence.h"
+
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace qvej {
+namespace {
+
+using Kind = Partition::Kind;
+
+constexpr uint64_t kPieceBytes = uint64_t{1} << 20;  // of what is one part
+
+// Whether the text ends with the piece.
+bool endsText(const Partition& partition) {
+    return !partition.more && partition.kind != Kind::FIRST && partition.kind != Kind::MIDDLE &&
+           partition.kind != Kind::HEAD;
+}
+
+bool isBlank(std::string_view text) {
+    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
+
+// Holds back one piece, to see what comes after it.
+class Sequence {
+   public:
+    explicit Sequence(const TakePart& take) : take_(take) {}
+
+    void add(TextPart piece) {
+        if (held_) {
+            take_(std::move(*held_));
+        }
+        held_ = std::move(piece);
+    }
+
+    void end() {
+        if (held_) {
+            held_->endsPart = held_->last = true;
+            take_(std::move(*held_));
+        }
+    }
+
+   private:
+    const TakePart& take_;
+    std::optional<TextPart> held_;
+};
+
+}  // namespace
+
+void readInParts(const PartsOfDocument& parts, uint64_t bytes, const TakePart& take) {
+    Sequence sequence(take);
+    std::optional<std::size_t> undivided;  // the text that is one part
+    parts.read(bytes, [&](TextPart piece) {
+        Partition& partition = piece.partition;
+        if (partition.kind == Kind::REST) {
+            throw Indivisible();
+        }
+        if (partition.kind == Kind::HEAD) {
+            undivided = piece.text;
+        }
+        if (undivided == piece.text) {
+            partition.more = !endsText(partition);
+            partition.kind = Kind::WHOLE;
+        }
+        // Blank lines are no part: to a parser they would be an empty array.
+        if (partition.kind != Kind::WHOLE && isBlank(partition.text)) {
+            if (partition.kind != Kind::LAST) {
+                throw Indivisible();
+            }
+            return;
+        }
+        piece.endsPart = !partition.more;
+        sequence.add(std::move(piece));
+    });
+    sequence.end();
+}
+
+void readAsOne(const PartsOfDocument& parts, const TakePart& take) {
+    Sequence sequence(take);
+    parts.read(kPieceBytes, [&](TextPart piece) {
+        piece.partition.more = !endsText(piece.partition);
+        piece.partition.kind = Kind::WHOLE;
+        piece.endsPart = false;
+        sequence.add(std::move(piece));
+    });
+    sequence.end();
+}
+
+}  // namespace qvej

@@ -1,0 +1,39 @@
+// A document's texts in parts, which can be scanned apart from each other.
+#pragma once
+
+#include "../document.h"
+#include "../partition/partition_reader.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace qvej {
+
+// A piece of a part of one text: the next one goes on with the text while `partition.more` says so.
+struct TextPart {
+    std::size_t text = 0;  // which of the document's texts
+    std::string name;      // of that text
+    TextForm form = TextForm::DOCUMENT;
+    Partition partition;
+    bool endsPart = true;  // the last piece of what one scan takes
+    bool last = false;     // the last piece of the document
+};
+
+using TakePart = std::function<void(TextPart)>;
+
+// Reads all texts of a document from their beginning, and gives their parts in order to `take`.
+// Parts have at least so many bytes, but for the last ones.  Throws what the reading throws, and
+// what `take` does.
+using ReadParts = std::function<void(uint64_t bytes, const TakePart& take)>;
+
+// A document that is read in parts, as often as its rows are.
+struct PartsOfDocument {
+    Engine* engine = nullptr;
+    DocumentOptions options = {};  // of all of it
+    ReadParts read = {};
+    unsigned threads = 1;
+};
+
+}  // namespace qvej
