@@ -1,6 +1,6 @@
 // Loads the blocks of the record stream one after the other.
 //
-// Tested by tests/reader/row_loop_test.cpp and tests/scan/record_block_test.cpp
+// Tested by tests/reader/row_loop_test.cpp
 #pragma once
 
 #include "core/readctx.h"

@@ -39,7 +39,7 @@ struct PASSPATH {
     PASSTABLE* tables;  // tables whose table path it is, through `samePath`
     PASSTABLE* tablesTail;
     PASSPATH* above;       // on the stack of seen table paths: the one below it
-    const PATHNODE* node;  // of a walk: of its last marker
+    const PATHNODE* node;  // of a walk: that has this path
     bool numbers;          // one of its columns is numeric and has no informat
     uint64_t count;        // markers so far
     uint64_t values;       // so far

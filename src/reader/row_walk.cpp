@@ -28,8 +28,12 @@ constexpr QVStrSize kTextBytes = 65536;  // room for copies, more when one text 
         return &walk->nothing;
     }
     PASSPATH* found = lookUpPath(walk->machine.paths, path);
-    node->meaning = found == nullptr ? &walk->nothing : found;
-    return node->meaning;
+    if (found == nullptr) {
+        found = &walk->nothing;
+    }
+    found->node = node;  // the only one, unless texts decide
+    node->meaning = found;
+    return found;
 }
 
 PASSPATH* meaningOf(ROWWALK* walk, PATHNODE* node) {
@@ -122,7 +126,6 @@ QVStatus takeMarker(ROWWALK* walk, PATHNODE* node, bool root) {
     QV_TRY(handOutAll(walk));
     machine->roots += root ? 1 : 0;
     if (PASSPATH* found = meaningOf(walk, node); found != &walk->nothing) {
-        found->node = node;
         countMarker(machine, found);
     }
     return walk->status;
