@@ -69,7 +69,9 @@ ReadParts partsOf(const InputList& inputs, const TextOptions& options, InputsRea
             }
             PartitionFinder finder(reader.form(), bytes);
             PartitionReader partitions(finder, [&](Partition partition) {
-                take({text, reader.name(), reader.form(), std::move(partition)});
+                const bool ofMember = finder.ofMember() && partition.kind != Partition::Kind::HEAD;
+                take({text, reader.name(), reader.form(), std::move(partition),
+                      ofMember ? std::string(finder.member()) : std::string()});
             });
             Divider divider(partitions);
             reader.read(divider, observer);

@@ -15,7 +15,8 @@ namespace qvej {
                                 InputsReader::Open open,
                                 std::function<void(std::string_view)> observer = {});
 
-// Whether all are files that can be read again, and how many bytes they have; nothing: they are not.
+// Whether all are files that can be read again, and how many bytes they have; nothing: they are
+// not.
 [[nodiscard]] std::optional<uint64_t> rereadableBytes(const InputList& inputs);
 
 }  // namespace qvej

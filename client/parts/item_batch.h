@@ -93,8 +93,8 @@ class ItemBatch {
 
    private:
     const char* kept(const char* text, QVStrSize textLen, std::string_view stays) {
-        const auto offset = reinterpret_cast<uintptr_t>(text) -
-                            reinterpret_cast<uintptr_t>(stays.data());
+        const auto offset =
+            reinterpret_cast<uintptr_t>(text) - reinterpret_cast<uintptr_t>(stays.data());
         if (offset < stays.size() || textLen == 0) {
             return text;
         }

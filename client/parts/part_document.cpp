@@ -13,9 +13,19 @@ DocumentOptions optionsOfPart(DocumentOptions options) {
     return options;
 }
 
-bool hasComma(const TextPart& piece) {
+// Whether other elements come after those of the part, or before them.
+bool goesOn(const TextPart& piece) {
     const Kind kind = piece.partition.kind;
     return piece.form == TextForm::DOCUMENT && (kind == Kind::FIRST || kind == Kind::MIDDLE);
+}
+bool cameBefore(const TextPart& piece) {
+    const Kind kind = piece.partition.kind;
+    return piece.form == TextForm::DOCUMENT &&
+           (kind == Kind::MIDDLE || kind == Kind::LAST || kind == Kind::TAIL);
+}
+
+bool isOfMember(const TextPart& piece) {
+    return !piece.member.empty();
 }
 
 }  // namespace
@@ -33,16 +43,17 @@ void PartDocument::begin(const TextPart& piece) {
     } else if (options.lines || options.sequence) {
         document_.setForm(options);
     }
-    const Kind kind = piece.partition.kind;
-    if (piece.form == TextForm::DOCUMENT && (kind == Kind::MIDDLE || kind == Kind::LAST)) {
-        document_.feed("[");
-        before_ = 1;
+    if (cameBefore(piece)) {
+        const std::string before = isOfMember(piece) ? "{\"" + piece.member + "\":[" : "[";
+        document_.feed(before);
+        before_ = static_cast<int64_t>(before.size());
+        jmapBeginPart(document_.handle());
     }
 }
 
 void PartDocument::end(const TextPart& piece) {
-    if (hasComma(piece)) {
-        document_.feed("]");
+    if (goesOn(piece)) {
+        document_.feed(isOfMember(piece) ? "]}" : "]");
     }
     if (several_) {
         document_.endText();
@@ -54,10 +65,18 @@ void PartDocument::feed(const TextPart& piece) {
         begin(piece);
     }
     std::string_view text = piece.partition.text;
-    text.remove_suffix(hasComma(piece) ? 1 : 0);
+    // The last elements of a member have none.
+    text.remove_suffix(goesOn(piece) && text.ends_with(',') ? 1 : 0);
     document_.feed(text);
-    if (!piece.partition.more) {
+    open_ = piece.partition.kind == Kind::HEAD;
+    if (!piece.partition.more && !open_) {
         end(piece);
+    }
+}
+
+void PartDocument::finish() {
+    if (!open_) {
+        document_.finish();
     }
 }
 

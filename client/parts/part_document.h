@@ -20,8 +20,9 @@ class PartDocument {
     // Throws as Document::feed.
     void feed(const TextPart& piece);
 
-    // After the last piece.  Throws as Document::finish.
-    void finish() { document_.finish(); }
+    // After the last piece.  Throws as Document::finish.  What is before the elements of a member
+    // is no whole text, so it is not looked at whether it ends.
+    void finish();
 
     // Bytes that stand before the first piece, which are not in it.
     [[nodiscard]] int64_t before() const { return before_; }
@@ -36,6 +37,7 @@ class PartDocument {
     const bool several_;
     Document document_;
     std::optional<std::size_t> text_;  // that is being fed
+    bool open_ = false;
     int64_t before_ = 0;
 };
 

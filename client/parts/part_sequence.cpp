@@ -48,7 +48,8 @@ class Sequence {
 
 }  // namespace
 
-void readInParts(const PartsOfDocument& parts, uint64_t bytes, const TakePart& take) {
+void readInParts(const PartsOfDocument& parts, uint64_t bytes, Members members,
+                 const TakePart& take) {
     Sequence sequence(take);
     std::optional<std::size_t> undivided;  // the text that is one part
     parts.read(bytes, [&](TextPart piece) {
@@ -56,7 +57,7 @@ void readInParts(const PartsOfDocument& parts, uint64_t bytes, const TakePart& t
         if (partition.kind == Kind::REST) {
             throw Indivisible();
         }
-        if (partition.kind == Kind::HEAD) {
+        if (partition.kind == Kind::HEAD && members == Members::WHOLE) {
             undivided = piece.text;
         }
         if (undivided == piece.text) {

@@ -11,9 +11,11 @@ namespace qvej {
 // Thrown when it turns out too late that a text cannot be divided.
 struct Indivisible {};
 
-// The parts that can be scanned apart.  The elements of a member are one part with what is around
-// them.
-void readInParts(const PartsOfDocument& parts, uint64_t bytes, const TakePart& take);
+// The parts that can be scanned apart.
+//   Members  whether the elements of a member are: else they are one part with what is around them
+enum class Members : bool { WHOLE, DIVIDED };
+void readInParts(const PartsOfDocument& parts, uint64_t bytes, Members members,
+                 const TakePart& take);
 
 // All as one part.
 void readAsOne(const PartsOfDocument& parts, const TakePart& take);

@@ -81,7 +81,8 @@ bool addAll(PartPipeline<CountedPart>& line, Document& sum, bool several) {
 bool scanParts(const PartsOfDocument& parts, Document& sum) {
     try {
         PartPipeline<CountedPart> line(
-            [&](const TakePart& take) { readInParts(parts, kPartBytes, take); }, parts.threads,
+            [&](const TakePart& take) { readInParts(parts, kPartBytes, Members::DIVIDED, take); },
+            parts.threads,
             [&](PieceSource& pieces, const PartPipeline<CountedPart>::Put& put) {
                 put(countPart(parts, pieces));
             });

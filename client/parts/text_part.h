@@ -17,6 +17,7 @@ struct TextPart {
     std::string name;      // of that text
     TextForm form = TextForm::DOCUMENT;
     Partition partition;
+    std::string member;    // of the elements of a large member: its name as it stands in the text
     bool endsPart = true;  // the last piece of what one scan takes
     bool last = false;     // the last piece of the document
 };

@@ -42,8 +42,8 @@ class WalkedRows::Walk {
         }
         batch_.items->hold(piece_);
         if (piece_->endsPart && !piece_->last) {
-            check(jmapWalkPart(handle_, kRootPath.data(),
-                               static_cast<QVStrSize>(kRootPath.size())));
+            check(
+                jmapWalkPart(handle_, kRootPath.data(), static_cast<QVStrSize>(kRootPath.size())));
         }
         last_ = piece_->last;
         guarded([&] { part_.feed(*piece_); });
@@ -178,7 +178,7 @@ void WalkedRows::start() {
     const uint64_t bytes = std::max(kPartBytes, firstColumn_.back() * kBytesForAColumn);
     line_ = std::make_unique<Line>(
         [this, bytes](const TakePart& take) {
-            asOne_ ? readAsOne(parts_, take) : readInParts(parts_, bytes, take);
+            asOne_ ? readAsOne(parts_, take) : readInParts(parts_, bytes, Members::WHOLE, take);
         },
         asOne_ ? 1 : parts_.threads,
         [this](PieceSource& pieces, const Line::Put& put) {

@@ -1,4 +1,5 @@
-// The rows of a document that keeps no records: its text is read again, in parts on several threads.
+// The rows of a document that keeps no records: its text is read again, in parts on several
+// threads.
 //
 // Each part is walked as a document of its own (jmapWalkOpen) and counts its ordinals from 0; what
 // the parts before it have counted is added when its rows are handed out.  When a value of one part
@@ -70,7 +71,7 @@ class WalkedRows {
     const Document& document_;
     const PartsOfDocument& parts_;
     const std::vector<JMAPTableh> tables_;
-    std::vector<std::vector<Ordinal>> ordinals_;  // of each table
+    std::vector<std::vector<Ordinal>> ordinals_;                // of each table
     std::vector<std::pair<std::size_t, std::size_t>> counted_;  // a table and a column of each path
     std::vector<std::size_t> firstColumn_;  // of each table in lists of all columns, and their end
     bool asOne_ = false;

@@ -338,7 +338,8 @@ void beginPart(JMAP_PRIVATE* p) {
     }
     p->pathInfoHead = p->pathInfoTail = nullptr;
     p->pathCount = 0;
-    p->rootMarkers = p->textMarkers = 0;
+    p->rootMarkers = 0;
+    p->textMarkers = UINT64_MAX;  // no text begins here
     p->valueMaxLen = 0;
     p->lastCallback = CB_OBJECTEND;  // as after another element
 }

@@ -51,8 +51,8 @@ void readText(const ReadingOptions& options, const Engine& engine, DocumentReade
 //   name   gets what messages call it, if that is not null
 using OnBadLine = std::function<void(const std::string& name, const BadLine& line)>;
 std::optional<Error> mistakeOf(const ReadingOptions& options, const Engine& engine,
-                               const std::function<ByteSource()>& open,
-                               const OnBadLine& onBad = {}, std::string* name = nullptr);
+                               const std::function<ByteSource()>& open, const OnBadLine& onBad = {},
+                               std::string* name = nullptr);
 
 // What an engine is to know of the options.
 EngineOptions engineOptions(const ReadingOptions& options);

@@ -38,7 +38,8 @@ std::vector<std::string> namesOf(const Session& session) {
     return names;
 }
 
-// Options that are about more than the text: its values, its paths, and what the records of it take.
+// Options that are about more than the text: its values, its paths, and what the records of it
+// take.
 bool asksForTheScan(const ReadingOptions& options) {
     return !options.shape.empty() || !options.debug.empty() || !options.cache.empty() ||
            options.compress || options.keepFree || options.memory ||
