@@ -100,6 +100,7 @@ class PartPipeline {
         }
     }
 
+    void stop();
     void give(TextPart piece);
     void readAll(const Read& read);
     void workAll();
@@ -126,12 +127,19 @@ PartPipeline<Result>::PartPipeline(const Read& read, unsigned workers, Work work
         threads_.push_back(startQuietly([this] { workAll(); }));
     }
     if (!threads_.front().joinable() || !threads_.back().joinable()) {
+        stop();
         throw Error(QV_NOMEM, "the system has no thread to give");
     }
 }
 
 template <class Result>
 PartPipeline<Result>::~PartPipeline() {
+    stop();
+}
+
+// Ends all threads.
+template <class Result>
+void PartPipeline<Result>::stop() {
     {
         const std::lock_guard lock(mutex_);
         stopped_ = true;

@@ -52,6 +52,7 @@ void readInParts(const PartsOfDocument& parts, uint64_t bytes, Members members,
                  const TakePart& take) {
     Sequence sequence(take);
     std::optional<std::size_t> undivided;  // the text that is one part
+    bool begins = true;                    // the next piece begins a part
     parts.read(bytes, [&](TextPart piece) {
         Partition& partition = piece.partition;
         if (partition.kind == Kind::REST) {
@@ -65,13 +66,13 @@ void readInParts(const PartsOfDocument& parts, uint64_t bytes, Members members,
             partition.kind = Kind::WHOLE;
         }
         // Blank lines are no part: to a parser they would be an empty array.
-        if (partition.kind != Kind::WHOLE && isBlank(partition.text)) {
+        if (begins && partition.kind != Kind::WHOLE && isBlank(partition.text)) {
             if (partition.kind != Kind::LAST) {
                 throw Indivisible();
             }
             return;
         }
-        piece.endsPart = !partition.more;
+        piece.endsPart = begins = !partition.more;
         sequence.add(std::move(piece));
     });
     sequence.end();

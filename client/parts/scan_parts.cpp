@@ -29,9 +29,12 @@ CountedPart countPart(const PartsOfDocument& of, PieceSource& pieces) {
     jmapCountOnly(part.handle(), 1);
     CountedPart counted;
     TextPart piece;
-    while (pieces.next(piece)) {
+    for (bool first = true; pieces.next(piece); first = false) {
         const Partition& partition = piece.partition;
         part.feed(piece);
+        if (!first) {
+            continue;
+        }
         counted.text = piece.text;
         counted.name = piece.name;
         counted.wholeText = partition.kind == Partition::Kind::WHOLE;
@@ -49,10 +52,8 @@ CountedPart countPart(const PartsOfDocument& of, PieceSource& pieces) {
 
 // Whether the sum of the parts is that of the whole.
 bool addsUp(const CountedPart& part) {
-    const uint32_t matters =
-        part.wholeText ? uint32_t{JMAP_PART_EMPTY_NAME}
-                       : uint32_t{JMAP_PART_EMPTY_NAME} | uint32_t{JMAP_PART_OTHER_ELEMENTS};
-    return (part.flags & matters) == 0;
+    const uint32_t harmless = part.wholeText ? uint32_t{JMAP_PART_OTHER_ELEMENTS} : 0;
+    return (part.flags & ~harmless) == 0;
 }
 
 bool addAll(PartPipeline<CountedPart>& line, Document& sum, bool several) {

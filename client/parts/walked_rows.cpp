@@ -26,10 +26,10 @@ class WalkedRows::Walk {
    public:
     Walk(const WalkedRows& rows, const Line::Put& put)
         : rows_(rows), put_(put), part_(rows.parts_) {
+        begin(0);
         check(jmapWalkOpen(part_.handle(), rows.document_.handle(), rows.tables_.data(),
                            static_cast<QVStrSize>(rows.tables_.size()), 0, &Walk::take, this,
                            &handle_));
-        begin(0);
     }
     ~Walk() { (void)jmapPassClose(handle_); }  // it has no file
     Walk(const Walk&) = delete;
@@ -234,6 +234,16 @@ void WalkedRows::takeEnd(PartEnd end) {
     }
 }
 
+// Larger parts than those that were counted may not be divided as those were.
+bool WalkedRows::nextBatch() {
+    try {
+        return line_->next(batch_);
+    } catch (const Indivisible&) {
+        startAsOne();
+        return line_->next(batch_);
+    }
+}
+
 bool WalkedRows::next(PassItem& item) {
     for (;;) {
         while (batch_.items != nullptr && at_ < batch_.items->items().size()) {
@@ -248,7 +258,7 @@ bool WalkedRows::next(PassItem& item) {
         if (batch_.end) {
             takeEnd(*std::exchange(batch_.end, {}));
         }
-        if (ended_ || !line_->next(batch_)) {
+        if (ended_ || !nextBatch()) {
             ended_ = true;
             return false;
         }

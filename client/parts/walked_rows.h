@@ -64,6 +64,7 @@ class WalkedRows {
 
     void findOrdinals();
     void start();
+    bool nextBatch();
     void takeEnd(PartEnd end);
     void startAsOne();
     void addCounts(const PassItem& item) const;

@@ -111,6 +111,7 @@ struct JMAP_PRIVATE {
     int32_t labelMaxesSize;
     bool emptyName;         // a member had the name "": see inStep
     bool otherElements;     // the outermost array has elements that are no objects
+    bool longElements;      // an element's name did not fit, or might not have
     QVStrSize valueMaxLen;  // longest value, bytes
     CALLBACKTYPE lastCallback;
     uint64_t rootMarkers;  // markers of the root component that have been written

@@ -89,6 +89,7 @@ QVStatus pushElement(JMAP_PRIVATE* p, bool plain, std::string_view value) {
     QV_TRY(elementRoom(p, lengthOf(base)));
     ++p->elementCount;
     const ELEMENTNAME name = formElementName(p, base, p->elementCount);
+    p->longElements = p->longElements || !name.whole || lengthOf(name.text) >= kElementSlack;
     const auto number = static_cast<int64_t>(p->elementCount);
     PATHNODE* node =
         name.whole ? elementNode(p, plain, number, name.text) : memberNode(p, name.text);

@@ -308,6 +308,7 @@ QVStatus takeTotals(JMAP_PRIVATE* p, PARTREADER& from) {
     const uint64_t flags = takeNumber(from);
     p->emptyName = p->emptyName || (flags & PART_EMPTYNAME) != 0;
     p->otherElements = p->otherElements || (flags & PART_OTHERELEMENTS) != 0;
+    p->longElements = p->longElements || (flags & PART_LONGELEMENTS) != 0;
     p->pathCount += takeNumber(from);
     p->valueMaxLen = std::max<QVStrSize>(p->valueMaxLen, takeCount(from));
     const uint64_t markers = takeNumber(from);
@@ -346,7 +347,8 @@ void beginPart(JMAP_PRIVATE* p) {
 
 uint32_t partFlags(const JMAP_PRIVATE* p) noexcept {
     return (p->emptyName ? uint32_t{PART_EMPTYNAME} : 0) |
-           (p->otherElements ? uint32_t{PART_OTHERELEMENTS} : 0);
+           (p->otherElements ? uint32_t{PART_OTHERELEMENTS} : 0) |
+           (p->longElements ? uint32_t{PART_LONGELEMENTS} : 0);
 }
 
 QVStatus writePart(JMAP_PRIVATE* p, std::string_view* bytes) {

@@ -35,8 +35,9 @@ namespace jmap {
 
 // Set by the scan of a part: what the scan of the next one would have to know.
 enum PARTFLAG : uint32_t {
-    PART_EMPTYNAME = 1,     // a member had the name "": see inStep
-    PART_OTHERELEMENTS = 2  // the outermost array has elements that are no objects
+    PART_EMPTYNAME = 1,      // a member had the name "": see inStep
+    PART_OTHERELEMENTS = 2,  // the outermost array has elements that are no objects
+    PART_LONGELEMENTS = 4  // an element's name may be cut, or not, by names before: see elementRoom
 };
 
 // What has been scanned so far is not of the part, but around it: nothing of it is counted.

@@ -1,0 +1,742 @@
+// A document that is counted and walked in parts, on threads, against one that keeps records.
+#include "client/parts/input_parts.h"
+#include "client/parts/part_pipeline.h"
+#include "client/parts/part_sequence.h"
+#include "client/parts/scan_parts.h"
+#include "client/table_pass.h"
+#include "tests/client/read_document.h"
+#include "tests/testkit/random_document.h"
+#include "tests/testkit/scratch_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <sys/resource.h>
+
+namespace {
+
+using qvej::Document;
+using qvej::Partition;
+using qvej::PassItem;
+using qvej::TablePass;
+using qvej::TextForm;
+using Lines = std::vector<std::string>;
+
+// A text, or several that are one document.
+struct Text {
+    std::string text;
+    TextForm form = TextForm::DOCUMENT;
+};
+struct Texts {
+    std::vector<Text> texts;
+    bool several = false;
+    bool source = false;     // tables have a column of their names
+    bool refusable = false;  // it may be refused in parts
+
+    [[nodiscard]] qvej::DocumentOptions options() const {
+        qvej::DocumentOptions options;
+        options.several = several;
+        options.sourceColumn = source ? "source" : "";
+        if (!several) {
+            setForm(options, texts[0].form);
+        }
+        return options;
+    }
+    static void setForm(qvej::DocumentOptions& options, TextForm form) {
+        options.lines = form == TextForm::LINES;
+        options.sequence = form == TextForm::SEQUENCE;
+    }
+    static std::string nameOf(std::size_t text) { return "text " + std::to_string(text); }
+    [[nodiscard]] std::string shown() const {
+        std::string all;
+        for (const Text& text : texts) {
+            all += std::to_string(static_cast<int>(text.form)) + " " + text.text + "\n---\n";
+        }
+        return all;
+    }
+};
+
+// How a document is divided.
+struct Cutting {
+    uint64_t bytes;     // of a part, whatever is asked for
+    std::size_t piece;  // of the text as it comes
+    unsigned threads;
+};
+
+qvej::PartsOfDocument partsOf(qvej::Engine& engine, const Texts& of, const Cutting& cutting) {
+    qvej::PartsOfDocument parts;
+    parts.engine = &engine;
+    parts.options = of.options();
+    parts.threads = cutting.threads;
+    parts.read = [of, cutting](uint64_t /*bytes*/, const qvej::TakePart& take) {
+        for (std::size_t i = 0; i < of.texts.size(); ++i) {
+            const Text& text = of.texts[i];
+            qvej::PartitionFinder finder(text.form, cutting.bytes);
+            qvej::PartitionReader reader(finder, [&](Partition partition) {
+                take({i, Texts::nameOf(i), text.form, std::move(partition)});
+            });
+            for (std::size_t at = 0; at < text.text.size(); at += cutting.piece) {
+                reader.feed(std::string_view(text.text).substr(at, cutting.piece));
+            }
+            reader.finish();
+        }
+    };
+    return parts;
+}
+
+// A document with records.
+struct Whole {
+    explicit Whole(const Texts& of) : document(engine, of.options()) {
+        for (std::size_t i = 0; i < of.texts.size(); ++i) {
+            if (of.several) {
+                qvej::DocumentOptions options;
+                Texts::setForm(options, of.texts[i].form);
+                document.beginText(Texts::nameOf(i), options);
+            }
+            document.feed(of.texts[i].text);
+            if (of.several) {
+                document.endText();
+            }
+        }
+        document.finish();
+    }
+    qvej::Engine engine;
+    Document document;
+};
+
+// One without.
+struct InParts {
+    InParts(const Texts& of, const Cutting& cutting)
+        : parts(std::make_shared<qvej::PartsOfDocument>(partsOf(engine, of, cutting))),
+          document(engine, optionsOf(*parts)),
+          counted(qvej::scanParts(*parts, document)) {
+        document.setParts(parts);
+    }
+    static qvej::DocumentOptions optionsOf(const qvej::PartsOfDocument& parts) {
+        qvej::DocumentOptions options = parts.options;
+        options.ofParts = true;
+        return options;
+    }
+    qvej::Engine engine;
+    std::shared_ptr<qvej::PartsOfDocument> parts;
+    Document document;
+    bool counted;
+};
+
+std::string shown(const qvej::Spot& spot) {
+    return std::to_string(spot.text) + ":" + std::to_string(spot.line) + ":" +
+           std::to_string(spot.column) + " ";
+}
+
+// All that a scan leaves but its records.
+std::string described(const Document& document) {
+    std::ostringstream out;
+    out << document.mapText() << "\n";
+    for (const qvej::Table& table : document.tables()) {
+        out << table.name << ":";
+        for (const qvej::Column& column : table.columns) {
+            out << " " << column.name << "=" << column.path << " " << static_cast<int>(column.type)
+                << " " << column.length;
+        }
+        out << "\n";
+    }
+    for (const qvej::PathStatistics& path : document.pathStatistics()) {
+        out << path.path << " " << path.count << " " << path.type << " " << path.longest << "@"
+            << shown(path.longestAt) << path.inexact << "@" << shown(path.firstInexact);
+        for (const qvej::KindStatistics& kind : path.kinds) {
+            out << kind.kindName << " " << kind.count << "@" << shown(kind.first);
+        }
+        out << "\n";
+    }
+    for (const qvej::TextSource& text : document.texts()) {
+        out << text.name << "\n";
+    }
+    const JMAPTotals totals = document.totals();
+    out << totals.records << " " << totals.values << " " << int{totals.labelsSlip};
+    return out.str();
+}
+
+std::string shown(const qvej::PassCell& cell) {
+    std::string text =
+        "|" + std::to_string(cell.kind) + (cell.fresh ? "+" : "-") + (cell.strayed ? "!" : "");
+    if (cell.kind == JMAP_CELL_COUNT) {
+        return text + std::to_string(cell.count);
+    }
+    return cell.kind == JMAP_CELL_MISSING
+               ? text
+               : text.append(cell.text, static_cast<std::size_t>(cell.textLen));
+}
+
+std::vector<const qvej::Table*> tablesOf(const Document& document) {
+    std::vector<const qvej::Table*> tables;
+    for (const qvej::Table& table : document.tables()) {
+        tables.push_back(&table);
+    }
+    return tables;
+}
+
+std::string shown(const PassItem& item) {
+    std::string line = std::to_string(item.kind) + " " + std::to_string(item.table);
+    for (const qvej::PassCell& cell : item.cells) {
+        line += shown(cell);
+    }
+    return item.kind == PassItem::ROW
+               ? line
+               : line + " column " + std::to_string(item.column) + " " + std::string(item.text);
+}
+
+// All items in order, then what the pass tells of each column.
+Lines itemsOf(const Document& document, bool carry) {
+    const std::vector<const qvej::Table*> tables = tablesOf(document);
+    TablePass pass(document, tables, false, carry);
+    Lines lines;
+    for (PassItem item; pass.next(item);) {
+        lines.push_back(shown(item));
+    }
+    const std::size_t first = document.hasSourceColumn() ? 1 : 0;
+    for (std::size_t t = 0; t < tables.size(); ++t) {
+        std::string& line = lines.emplace_back("columns of " + tables[t]->name);
+        for (std::size_t c = first; c < tables[t]->columns.size(); ++c) {
+            const JMAPPassColumn of = pass.column(t, c);
+            for (const uint64_t count : {of.values, of.overwritten, of.firstOverwritten, of.strayed,
+                                         uint64_t{of.below}, pass.shown(t, c).value_or(0)}) {
+                line += " " + std::to_string(count);
+            }
+            const qvej::PassCell& left = pass.left(t, c);  // what an ordinal has is no value
+            const bool value = left.kind != JMAP_CELL_COUNT && left.kind != JMAP_CELL_MISSING;
+            line += value ? shown(left) : "|";
+        }
+    }
+    return lines;
+}
+
+void expectSame(const Lines& want, const Lines& got) {
+    for (std::size_t i = 0; i < std::min(want.size(), got.size()); ++i) {
+        ASSERT_EQ(want[i], got[i]) << "item " << i;
+    }
+    ASSERT_EQ(want.size(), got.size());
+}
+
+// Of tables below /root of the names a, b, c and x.
+constexpr const char* kMaps[] = {
+    // A column of an ancestor, which may come after the children; two columns of one path.
+    R"({"DATASETS":[{"DSNAME":"a","TABLEPATH":"/root/a","VARIABLES":[
+        {"NAME":"o","TYPE":"ORDINAL","PATH":"/root"},{"NAME":"oa","TYPE":"ORDINAL","PATH":"/root/a"},
+        {"NAME":"c","TYPE":"CHARACTER","PATH":"/root/a/c"},
+        {"NAME":"n","TYPE":"NUMERIC","PATH":"/root/a/c"},
+        {"NAME":"x","TYPE":"CHARACTER","PATH":"/root/x"}]}]})",
+    // Ordinals alone, and of paths beside the table; informats.
+    R"({"DATASETS":[{"DSNAME":"o","TABLEPATH":"/root/a","VARIABLES":[
+        {"NAME":"o","TYPE":"ORDINAL","PATH":"/root"},{"NAME":"ob","TYPE":"ORDINAL","PATH":"/root/b"},
+        {"NAME":"oa","TYPE":"ORDINAL","PATH":"/root/a","OPTIONS":["NORETAIN"]}]},
+       {"DSNAME":"r","TABLEPATH":"/root","VARIABLES":[
+        {"NAME":"oa","TYPE":"ORDINAL","PATH":"/root/a"},{"NAME":"ob","TYPE":"ORDINAL","PATH":"/root/b"},
+        {"NAME":"ix","TYPE":"ORDINAL","PATH":"/root/x","INFORMAT":["comma"]},
+        {"NAME":"x","TYPE":"NUMERIC","PATH":"/root/x","INFORMAT":["comma"]},
+        {"NAME":"xc","TYPE":"NUMERIC","PATH":"/root/x"}]},
+       {"DSNAME":"oo","TABLEPATH":"/root","VARIABLES":[
+        {"NAME":"o","TYPE":"ORDINAL","PATH":"/root"}]}]})",
+    // A value that is kept from row to row.
+    R"({"DATASETS":[{"DSNAME":"k","TABLEPATH":"/root","VARIABLES":[
+        {"NAME":"o","TYPE":"ORDINAL","PATH":"/root"},
+        {"NAME":"k","TYPE":"CHARACTER","PATH":"/root/b","OPTIONS":["RETAIN"]},
+        {"NAME":"x","TYPE":"CHARACTER","PATH":"/root/x"}]}]})",
+};
+
+// What has been compared, so that a test can tell that it was enough.
+struct Count {
+    std::size_t divided = 0;
+    std::size_t refused = 0;
+    std::size_t items = 0;
+};
+
+constexpr Cutting kCuttings[] = {
+    {1, 64, 2}, {7, 1, 5}, {100, 1000, 2}, {1000, 17, 5}, {1'000'000, 1'000'000, 2}};
+
+// Requires of the document in parts what it gives with records, with the automatic map and the
+// others.
+void compare(const Texts& of, const std::vector<Cutting>& cuttings, Count& count) {
+    SCOPED_TRACE(of.shown().substr(0, 4000));
+    const Whole plain(of);
+    const std::string want = described(plain.document);
+    std::vector<std::pair<Lines, Lines>> items = {
+        {itemsOf(plain.document, false), itemsOf(plain.document, true)}};
+    for (const char* map : kMaps) {
+        Whole mapped(of);
+        mapped.document.useMap(map);
+        items.emplace_back(itemsOf(mapped.document, false), itemsOf(mapped.document, true));
+    }
+    for (const Cutting& cutting : cuttings) {
+        SCOPED_TRACE("parts of " + std::to_string(cutting.bytes));
+        for (std::size_t map = 0; map < items.size(); ++map) {
+            InParts divided(of, cutting);
+            if (!divided.counted) {
+                ASSERT_TRUE(of.refusable);
+                ++count.refused;
+                break;
+            }
+            if (map != 0) {
+                divided.document.useMap(kMaps[map - 1]);
+            } else {
+                ASSERT_EQ(want, described(divided.document));
+            }
+            SCOPED_TRACE("map " + std::to_string(map));
+            ASSERT_NO_FATAL_FAILURE(expectSame(items[map].first, itemsOf(divided.document, false)));
+            ASSERT_NO_FATAL_FAILURE(expectSame(items[map].second, itemsOf(divided.document, true)));
+            count.items += items[map].first.size();
+            ++count.divided;
+        }
+    }
+}
+
+// ---- Documents ----------------------------------------------------------------------------------
+
+enum Shape { ARRAY, LINES, SEQUENCE, MEMBER, ANY, SHAPES };
+
+// Elements as a text of that shape.
+std::string joined(const Lines& elements, Shape shape, unsigned seed) {
+    constexpr const char* kBetween[] = {",", ",\n", " , \r\n"};
+    constexpr const char* kFeeds[] = {"\n", "\r\n"};
+    const std::string between = shape == LINES      ? kFeeds[seed % 2]
+                                : shape == SEQUENCE ? " "
+                                                    : kBetween[seed % 3];
+    std::string text = shape == MEMBER                       ? R"({"x":"\n","b":[1,{"x":2}],
+                                             "a":[)"
+                       : shape == LINES || shape == SEQUENCE ? ""
+                                                             : " [";
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        text += (i == 0 ? "" : between) + elements[i];
+        text += shape == LINES && seed % 7 == 6 && i % 3 == 1 ? "\n \n" : "";
+    }
+    switch (shape) {
+        case MEMBER:
+            return text + "\n],\n\"c\":[{\"x\":3},4],\"x\":1}";
+        case LINES:
+            return seed % 3 == 0 ? text : text + between;
+        case SEQUENCE:
+            return text;
+        default:
+            return text + "]\n";
+    }
+}
+
+// A text of objects, of which one in `others` cases has elements of other kinds too.
+Text randomText(unsigned seed, const Lines& names, bool* refusable) {
+    jmap::test::RandomDocument values(seed, names, 40, 6);
+    const auto shape = static_cast<Shape>(seed % SHAPES);
+    const bool others = seed % 8 == 7;
+    Lines elements;
+    const bool hasElements = seed % 11 != 10;
+    for (unsigned i = 0; hasElements && i < 3 + seed % 9; ++i) {
+        const std::string x = i % 4 == 3 ? ""
+                                         : R"(,"x":)" + std::string(i % 3 == 0   ? R"("\t12")"
+                                                                    : i % 3 == 1 ? "3e400"
+                                                                                 : "\"y\"");
+        elements.push_back(R"({"b":)" + values.text(1 + static_cast<int>(seed % 3)) + R"(,"a":)" +
+                           values.text(1 + static_cast<int>(i % 2)) + x + "}");
+        if (others && i % 3 == 2) {
+            elements.push_back(i % 2 == 0 ? "7" : values.text(2));
+        }
+    }
+    const bool blank = shape == LINES && (seed % 7 == 6 || !hasElements);
+    *refusable = *refusable || others || blank || shape == ANY ||
+                 std::find(names.begin(), names.end(), "") != names.end();
+    const std::string text = shape == ANY ? values.text(6) : joined(elements, shape, seed);
+    return {shape == LINES && !hasElements ? "{}\n" : text, shape == LINES ? TextForm::LINES
+                                                            : shape == SEQUENCE
+                                                                ? TextForm::SEQUENCE
+                                                                : TextForm::DOCUMENT};
+}
+
+const Lines kNames[] = {{"a", "b", "c"}, {"a", "b", "a\\u0002b", "FAKE", "a1"}, {"a", "", "c"}};
+
+TEST(Parts, GiveWhatRecordsGive) {
+    Count count;
+    for (unsigned seed = 0; seed < 60; ++seed) {
+        Texts of;
+        of.texts = {randomText(seed, kNames[seed / 5 % 3], &of.refusable)};
+        ASSERT_NO_FATAL_FAILURE(compare(of, {kCuttings[seed / 5 % 5]}, count)) << seed;
+    }
+    EXPECT_GT(count.divided, 120U);
+    EXPECT_GT(count.refused, 5U);
+    EXPECT_GT(count.items, 3000U);
+}
+
+TEST(Parts, GiveWhatRecordsGiveOfSeveralTexts) {
+    Count count;
+    for (unsigned seed = 0; seed < 30; ++seed) {
+        Texts of;
+        of.several = true;
+        of.source = seed % 2 == 0;
+        for (unsigned i = 0; i <= seed % 5; ++i) {
+            of.texts.push_back(randomText(7 * seed + i, kNames[0], &of.refusable));
+        }
+        ASSERT_NO_FATAL_FAILURE(compare(of, {kCuttings[seed / 5 % 5]}, count)) << seed;
+    }
+    EXPECT_GT(count.divided, 40U);
+    EXPECT_GT(count.items, 1000U);
+}
+
+// Whether a text that is divided is refused.
+TEST(Parts, OfOddTexts) {
+    const std::string longName(31, 'n');
+    const std::string large = "\"" + std::string(5000, 'z') + "\"";
+    const auto ofLength = [](std::size_t size) {
+        return R"({"x":")" + std::string(size, 's') + R"(","a":{"c":"\u00e9)" +
+               std::string(size - 2, 'c') + "\"}}";
+    };
+    const struct {
+        std::vector<Text> texts;
+        bool refused;
+    } cases[] = {
+        {{{"[]"}}, false},
+        {{{"{}"}}, false},
+        {{{"[1,[2],{}]"}}, false},
+        {{{R"([{"x":1},{"":2}])"}}, true},
+        {{{R"([{"x":1},{"x":2},3])"}}, true},
+        {{{R"([{"x":1},{"x":2}]  )"}}, false},
+        {{{"{}\n1\n{}\n", TextForm::LINES}}, true},
+        {{{"{}\n\n\n\n\n\n\n\n\n{}", TextForm::LINES}}, true},
+        {{{"{\"a\":1}\r\n{\"x\":1}\r\n", TextForm::LINES}}, false},
+        {{{R"({"x":1} {"x":2}{"a":[{}]})", TextForm::SEQUENCE}}, false},
+        // The number of an element is cut when its array comes after one of a shorter name.
+        {{{R"([{"x":[1]},{")" + longName + R"(":[1,2]}])"}}, true},
+        {{{R"([{")" + longName + R"(":[1]},{"x":1}])"}}, true},
+        {{{R"([{"x":[1]},{")" + longName.substr(3) + R"(":[1,2]}])"}}, false},
+        {{{"[" + ofLength(32766) + "," + ofLength(32767) + "," + ofLength(32768) + "," +
+           ofLength(70000) + "]"}},
+         false},
+        {{{R"({"x":1,"b":[{"x":2},{"x":3},{"x":"é"}],"x":[1]})"}}, false},
+        // Several texts: arrays of anything, and elements that are larger than a part.
+        {{{"[1,2]"}, {"[[3]]"}, {"[]"}, {R"({"x":4})"}}, false},
+        {{{R"([{"x":1},{"a":[{"c":)" + large + "}]}]"}, {"[" + large + "]\n"}, {"{}"}}, false},
+        {{{R"([{"x":[1]},{"x":2}])"}, {"[{\"" + longName + R"(":[1,2]}])"}}, true},
+        {{{R"([{"x":1}])"}, {R"({"":{"x":1}})"}}, true},
+    };
+    Count count;
+    for (const auto& c : cases) {
+        for (const Cutting& cutting : {Cutting{1, 100'000, 2}, Cutting{4, 700, 5}}) {
+            Texts of;
+            of.texts = c.texts;
+            of.several = of.source = c.texts.size() > 1;
+            of.refusable = c.refused;
+            const std::size_t refused = count.refused;
+            ASSERT_NO_FATAL_FAILURE(compare(of, {cutting}, count));
+            EXPECT_EQ(c.refused, count.refused != refused) << of.shown().substr(0, 300);
+        }
+    }
+}
+
+TEST(Parts, OfRealDocuments) {
+    const std::string folder = std::string(JMAP_SOURCE_DIR) + "/../shared/data/";
+    std::size_t items = 0;
+    for (const char* name : {"apache_builds.json", "github_events.json", "random.json",
+                             "twitter_timeline.json", "amazon_cellphones.ndjson"}) {
+        std::ifstream file(folder + name);
+        if (!file) {
+            GTEST_SKIP() << "no " << name;
+        }
+        SCOPED_TRACE(name);
+        std::string text{std::istreambuf_iterator<char>(file), {}};
+        const bool lines = std::string_view(name).ends_with("ndjson");
+        const Texts of = {{{std::move(text), lines ? TextForm::LINES : TextForm::DOCUMENT}}};
+        const Whole whole(of);
+        const InParts parts(of, {20'000, 4096, 2});
+        EXPECT_EQ(parts.counted, !lines) << "these lines are arrays";
+        if (parts.counted) {
+            ASSERT_EQ(described(whole.document), described(parts.document));
+            const Lines want = itemsOf(whole.document, false);
+            ASSERT_NO_FATAL_FAILURE(expectSame(want, itemsOf(parts.document, false)));
+            items += want.size();
+        }
+    }
+    EXPECT_GT(items, 3000U);
+}
+
+// The parts of a walk may be others than those that were counted.
+TEST(Parts, AreWalkedAsOneWhenTheyCannotBeDividedAsTheyWereCounted) {
+    for (const Text& text : {Text{"{\"x\":1}\n\n\n{\"x\":2}\n", TextForm::LINES},
+                             Text{R"({"a":[{"c":1},{"c":2},3],"b":[{"x":4}]})"}}) {
+        const Texts of = {{text}};
+        const Whole whole(of);
+        InParts parts(of, {1000, 1000, 2});
+        ASSERT_TRUE(parts.counted);
+        parts.parts->read = partsOf(parts.engine, of, {2, 1000, 2}).read;
+        expectSame(itemsOf(whole.document, false), itemsOf(parts.document, false));
+    }
+}
+
+// ---- What goes wrong ----------------------------------------------------------------------------
+
+// Of a broken text there is no other result than of the whole.
+TEST(Parts, OfABrokenTextAreRefused) {
+    std::size_t broken = 0;
+    std::mt19937 random(1);
+    for (unsigned seed = 0; seed < 400; ++seed) {
+        Texts of;
+        of.several = seed % 3 == 0;
+        for (unsigned i = 0; i <= (of.several ? 2U : 0U); ++i) {
+            of.texts.push_back(randomText(5 * seed + i, kNames[0], &of.refusable));
+        }
+        std::string& text = of.texts[random() % of.texts.size()].text;
+        const std::size_t at = random() % (text.size() + 1);
+        if (seed % 4 == 0) {
+            text.resize(at);
+        } else {
+            constexpr std::string_view kBytes = "{}[],:\"\\\n 1x\xff";
+            text.replace(at, 1, 1, kBytes[random() % kBytes.size()]);
+        }
+        SCOPED_TRACE(of.shown());
+        const InParts parts(of, kCuttings[seed % 3]);
+        try {
+            const Whole whole(of);
+            if (parts.counted) {
+                ASSERT_EQ(described(whole.document), described(parts.document));
+                expectSame(itemsOf(whole.document, false), itemsOf(parts.document, false));
+            }
+        } catch (const qvej::Error&) {
+            ASSERT_FALSE(parts.counted);
+            ++broken;
+        }
+    }
+    EXPECT_GT(broken, 200U);
+}
+
+Texts manyObjects(int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i) {
+        text += (i == 0 ? "[" : ",") + std::string(R"({"a":[{"c":)") + std::to_string(i) + "}]}";
+    }
+    return {{{text + "]"}}};
+}
+
+TEST(Parts, MayBeLeftAtAnyItem) {
+    const Texts of = manyObjects(100);
+    const Whole whole(of);
+    const Lines want = itemsOf(whole.document, false);
+    for (const unsigned threads : {1U, 2U, 5U}) {
+        const InParts parts(of, {1, 100, threads});
+        for (int items = 0; items < 60; items += 1 + items / 5) {
+            TablePass pass(parts.document, tablesOf(parts.document));
+            PassItem item;
+            for (int i = 0; i < items; ++i) {
+                ASSERT_TRUE(pass.next(item));
+            }
+        }
+        expectSame(want, itemsOf(parts.document, false));
+    }
+}
+
+// Of two readings each fails at some time; what has come before is right.
+TEST(Parts, ThrowWhatReadingThrows) {
+    const Texts of = manyObjects(50);
+    const auto failing = [&](qvej::ReadParts read, int last) {
+        return [=](uint64_t bytes, const qvej::TakePart& take) {
+            int left = last;
+            read(bytes, [&](qvej::TextPart part) {
+                if (left-- == 0) {
+                    throw qvej::Error(QV_IO_READ, "no more", qvej::Place{"the file"});
+                }
+                take(std::move(part));
+            });
+        };
+    };
+    for (int last = 0; last < 50; last += 7) {
+        InParts parts(of, {1, 100, 2});
+        ASSERT_TRUE(parts.counted);
+        const Lines want = itemsOf(parts.document, false);
+        parts.parts->read = failing(parts.parts->read, last);
+        TablePass pass(parts.document, tablesOf(parts.document));
+        std::size_t items = 0;
+        PassItem item;
+        try {
+            for (; pass.next(item); ++items) {
+                ASSERT_EQ(want[items], shown(item));
+            }
+            ADD_FAILURE() << "it has not failed";
+        } catch (const qvej::Error& error) {
+            EXPECT_EQ(QV_IO_READ, error.status());
+            EXPECT_EQ("the file", error.file());
+        }
+        EXPECT_THROW((void)pass.next(item), qvej::Error);
+        Document sum(parts.engine, InParts::optionsOf(*parts.parts));
+        EXPECT_THROW((void)qvej::scanParts(*parts.parts, sum), qvej::Error);
+    }
+}
+
+TEST(Parts, KeepTheLimitsOfTheDocument) {
+    const Texts of = manyObjects(50);
+    InParts parts(of, {1, 100, 3});
+    ASSERT_TRUE(parts.counted);
+    const auto counted = [&](const char* limit, auto set) {
+        SCOPED_TRACE(limit);
+        qvej::PartsOfDocument limited = *parts.parts;
+        set(limited.options);
+        Document sum(parts.engine, InParts::optionsOf(limited));
+        return qvej::scanParts(limited, sum);
+    };
+    EXPECT_FALSE(counted("memory", [](auto& options) { options.leastMemory = UINT64_MAX; }));
+    EXPECT_FALSE(counted("paths", [](auto& options) { options.maxPaths = 1; }));
+    EXPECT_TRUE(counted("none", [](auto& options) { options.maxPaths = 10; }));
+    parts.parts->options.leastMemory = UINT64_MAX;
+    try {
+        (void)itemsOf(parts.document, false);
+        ADD_FAILURE() << "it has not failed";
+    } catch (const qvej::Error& error) {
+        EXPECT_EQ(QV_LIMIT_MEMORY, error.status());
+    }
+}
+
+// ---- The pipeline -------------------------------------------------------------------------------
+
+using Line = qvej::PartPipeline<std::string>;
+
+// Parts of `pieces` pieces each, whose texts are numbers.
+Line::Read numbered(int parts, int pieces) {
+    return [=](const qvej::TakePart& take) {
+        for (int i = 0; i < parts * pieces; ++i) {
+            qvej::TextPart piece;
+            piece.partition.text = std::to_string(i);
+            piece.endsPart = i % pieces == pieces - 1;
+            take(std::move(piece));
+        }
+    };
+}
+
+// Gives each piece back, twice.
+void echo(qvej::PieceSource& pieces, const Line::Put& put) {
+    for (qvej::TextPart piece; pieces.next(piece);) {
+        put(piece.partition.text);
+        put(piece.partition.text);
+    }
+}
+
+TEST(PartPipeline, GivesTheResultsInOrderWhateverItsThreadsDo) {
+    for (const unsigned workers : {1U, 2U, 7U}) {
+        Line line(numbered(40, 9), workers, echo);
+        std::string result;
+        for (int i = 0; i < 2 * 40 * 9; ++i) {
+            ASSERT_TRUE(line.next(result));
+            ASSERT_EQ(std::to_string(i / 2), result);
+        }
+        EXPECT_FALSE(line.next(result));
+        EXPECT_FALSE(line.next(result));
+    }
+}
+
+TEST(PartPipeline, ThrowsAFailureAfterWhatCameBeforeIt) {
+    for (const unsigned workers : {1U, 2U, 7U}) {
+        for (const int bad : {0, 1, 12, 19}) {
+            Line line(numbered(20, 5), workers, [&](qvej::PieceSource& pieces, const auto& put) {
+                for (qvej::TextPart piece; pieces.next(piece);) {
+                    put(piece.partition.text);
+                    if (piece.partition.text == std::to_string(5 * bad)) {
+                        throw std::runtime_error("bad");
+                    }
+                }
+            });
+            std::string result;
+            for (int i = 0; i <= 5 * bad; ++i) {
+                ASSERT_TRUE(line.next(result));
+                EXPECT_EQ(std::to_string(i), result);
+            }
+            EXPECT_THROW((void)line.next(result), std::runtime_error);
+            EXPECT_THROW((void)line.next(result), std::runtime_error);
+        }
+    }
+}
+
+TEST(PartPipeline, HoldsAFewParts) {
+    std::atomic<int> taken = 0;
+    Line line(
+        [&](const qvej::TakePart& take) {
+            for (int i = 0; i < 1000; ++i) {
+                take({});
+                ++taken;
+            }
+        },
+        2,
+        [](qvej::PieceSource& pieces, const Line::Put& put) {
+            for (qvej::TextPart piece; pieces.next(piece);) {
+                put("");
+            }
+        });
+    std::string result;
+    for (int i = 0; i < 500; ++i) {
+        ASSERT_TRUE(line.next(result));
+        ASSERT_LE(taken, i + 1 + 5) << "two workers, and two more parts";
+    }
+}
+
+#if !defined(__SANITIZE_THREAD__) && !defined(__SANITIZE_ADDRESS__)
+// Of so many workers the last ones get no memory for their stacks.
+TEST(PartPipeline, FailsWithoutThreads) {
+    rlimit before = {};
+    ASSERT_EQ(0, ::getrlimit(RLIMIT_AS, &before));
+    std::size_t pages = 0;
+    ASSERT_TRUE(std::ifstream("/proc/self/statm") >> pages);
+    rlimit less = before;
+    less.rlim_cur = pages * 4096 + (rlim_t{100} << 20);
+    ASSERT_EQ(0, ::setrlimit(RLIMIT_AS, &less));
+    EXPECT_THROW(Line(numbered(40, 9), 100, echo), qvej::Error);
+    ASSERT_EQ(0, ::setrlimit(RLIMIT_AS, &before));
+}
+#endif
+
+// ---- Files --------------------------------------------------------------------------------------
+
+TEST(InputParts, AreOfFilesThatDoNotChange) {
+    const jmap::test::ScratchFolder folder;
+    const std::string text = manyObjects(300).texts[0].text;
+    const std::string first = folder.write("1.json", text);
+    const std::string second = folder.write("2.json", text);
+    const qvej::InputList inputs = {{first, second}, true};
+    EXPECT_EQ(2 * text.size(), qvej::rereadableBytes(inputs));
+    EXPECT_EQ(std::nullopt, qvej::rereadableBytes({{first, "-"}, true}));
+    EXPECT_EQ(std::nullopt, qvej::rereadableBytes({{first, "/dev/null"}, true}));
+    const qvej::ReadParts read = qvej::partsOf(inputs, {}, &qvej::ByteSource::file);
+    std::string both;
+    read(100, [&](qvej::TextPart part) {
+        EXPECT_EQ(part.text == 0 ? first : second, part.name);
+        both += part.partition.text;
+    });
+    EXPECT_EQ(text + text, both);
+    const auto changes = [&](const std::function<void()>& change) {
+        const qvej::ReadParts again = qvej::partsOf(inputs, {}, &qvej::ByteSource::file);
+        bool changed = false;
+        try {
+            again(100,
+                  [&](const qvej::TextPart& /*part*/) { changed || (change(), changed = true); });
+            return std::string("nothing");
+        } catch (const qvej::Error& error) {
+            EXPECT_EQ(QV_IO_CHANGED, error.status());
+            return error.file();
+        }
+    };
+    EXPECT_EQ("nothing", changes([] {}));
+    EXPECT_EQ(first, changes([&] { std::ofstream(first, std::ios::app) << "\n"; }));
+    EXPECT_EQ(second, changes([&] {
+                  folder.write("3.json", text),
+                      std::filesystem::rename(folder.path / "3.json", second);
+              }));
+    EXPECT_EQ(second, changes([&] {
+                  std::filesystem::last_write_time(
+                      second, std::filesystem::last_write_time(second) - std::chrono::hours(1));
+              }));
+    std::filesystem::remove(first);
+    EXPECT_THROW(read(100, [](const qvej::TextPart& /*part*/) {}), qvej::Error);
+}
+
+TEST(InputParts, AreNoneInAnotherEncoding) {
+    const jmap::test::ScratchFolder folder;
+    const std::string file = folder.write("1.json", std::string_view("[\0{\0}\0]\0", 8));
+    const qvej::ReadParts read = qvej::partsOf({{file}}, {}, &qvej::ByteSource::file);
+    EXPECT_THROW(read(100, [](const qvej::TextPart& /*part*/) {}), qvej::Indivisible);
+}
+
+}  // namespace
