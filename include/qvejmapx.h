@@ -172,8 +172,8 @@ QVStatus jmapEndParts(QVEJMAPJsonContexth inh);
 
 /* Why parts may not give what the whole gives; 0: they do.  Of what has been scanned or added. */
 enum {
-    JMAP_PART_EMPTY_NAME = 1,    /* a member has the name "", which changes how labels are counted
-                                    from there on */
+    JMAP_PART_EMPTY_NAME = 1,     /* a member has the name "", which changes how labels are counted
+                                     from there on */
     JMAP_PART_OTHER_ELEMENTS = 2, /* the outermost array has elements that are no objects: they are
                                      numbered.  It does not matter to parts that are whole texts */
     JMAP_PART_LONG_ELEMENTS = 4   /* an element of an array has a name of 30 bytes or more: how many

@@ -6,10 +6,13 @@ namespace {
 
 using Kind = Partition::Kind;
 
-DocumentOptions optionsOfPart(DocumentOptions options) {
+DocumentOptions optionsOfPart(DocumentOptions options, uint64_t mostPaths) {
     options.part = true;
     options.ofParts = false;
     options.lines = options.sequence = false;  // a piece says it
+    if (mostPaths != 0 && (options.maxPaths == 0 || options.maxPaths > mostPaths)) {
+        options.maxPaths = mostPaths;
+    }
     return options;
 }
 
@@ -30,8 +33,9 @@ bool isOfMember(const TextPart& piece) {
 
 }  // namespace
 
-PartDocument::PartDocument(const PartsOfDocument& parts)
-    : several_(parts.options.several), document_(*parts.engine, optionsOfPart(parts.options)) {}
+PartDocument::PartDocument(const PartsOfDocument& parts, uint64_t mostPaths)
+    : several_(parts.options.several),
+      document_(*parts.engine, optionsOfPart(parts.options, mostPaths)) {}
 
 void PartDocument::begin(const TextPart& piece) {
     text_ = piece.text;

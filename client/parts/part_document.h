@@ -14,7 +14,8 @@ namespace qvej {
 class PartDocument {
    public:
     // Of that document.
-    explicit PartDocument(const PartsOfDocument& parts);
+    //   mostPaths  that the part may have, QV_LIMIT_PATHS; 0: as many as the document
+    explicit PartDocument(const PartsOfDocument& parts, uint64_t mostPaths = 0);
 
     // The next piece: all are of one part, or all pieces of all texts.  It is parsed where it is.
     // Throws as Document::feed.

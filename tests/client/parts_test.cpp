@@ -78,7 +78,9 @@ qvej::PartsOfDocument partsOf(qvej::Engine& engine, const Texts& of, const Cutti
             const Text& text = of.texts[i];
             qvej::PartitionFinder finder(text.form, cutting.bytes);
             qvej::PartitionReader reader(finder, [&](Partition partition) {
-                take({i, Texts::nameOf(i), text.form, std::move(partition)});
+                const bool ofMember = finder.ofMember() && partition.kind != Partition::Kind::HEAD;
+                take({i, Texts::nameOf(i), text.form, std::move(partition),
+                      ofMember ? std::string(finder.member()) : std::string()});
             });
             for (std::size_t at = 0; at < text.text.size(); at += cutting.piece) {
                 reader.feed(std::string_view(text.text).substr(at, cutting.piece));
