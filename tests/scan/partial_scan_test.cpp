@@ -209,6 +209,8 @@ TEST(PartialScan, TellsWhatThePartAfterItWouldHaveToKnow) {
         {R"([{"a":{"":1}}])", JMAP_PART_EMPTY_NAME},
         {R"([{"a":1},2])", JMAP_PART_OTHER_ELEMENTS},
         {R"([{"a":1},[]])", JMAP_PART_OTHER_ELEMENTS},
+        {R"([{"abcdefghijklmnopqrstuvwxyzab":[1]}])", 0},
+        {R"([{"abcdefghijklmnopqrstuvwxyzabc":[1]}])", JMAP_PART_LONG_ELEMENTS},
         {R"([{"":1},null])", JMAP_PART_OTHER_ELEMENTS | JMAP_PART_EMPTY_NAME},
     };
     FakeHost host;
