@@ -1,4 +1,5 @@
-// The rows of a document that keeps no records: its text is read again, in parts on several threads.
+// The rows of a document that keeps no records: its text is read again, in parts on several
+// threads.
 //
 // Each part is walked as a document of its own (jmapWalkOpen) and counts its ordinals from 0; what
 // the parts before it have counted is added when its rows are handed out.  When a value of one part
@@ -9,6 +10,7 @@
 #pragma once
 
 #include "../document.h"
+#include "../row_source.h"
 #include "../table_pass.h"
 #include "item_batch.h"
 #include "part_pipeline.h"
@@ -21,23 +23,16 @@
 
 namespace qvej {
 
-class WalkedRows {
+class WalkedRows final : public RowSource {
    public:
     // Tables of the document's maps; it has parts, and must outlive this object.  Throws QV_NOMEM.
     WalkedRows(const Document& document, std::vector<JMAPTableh> tables);
-    ~WalkedRows();
-    WalkedRows(const WalkedRows&) = delete;
-    WalkedRows& operator=(const WalkedRows&) = delete;
+    ~WalkedRows() override;
 
-    // As TablePass::next.
-    bool next(PassItem& item);
-
-    // As of TablePass.
-    [[nodiscard]] JMAPPassColumn column(std::size_t table, std::size_t column) const;
-    [[nodiscard]] const PassCell& left(std::size_t table, std::size_t column) const;
-
-    // Which text the last row is of.
-    [[nodiscard]] std::size_t text() const { return batch_.text; }
+    bool next(PassItem& item) override;
+    [[nodiscard]] JMAPPassColumn column(std::size_t table, std::size_t column) const override;
+    [[nodiscard]] const PassCell& left(std::size_t table, std::size_t column) const override;
+    [[nodiscard]] std::size_t text() const override { return batch_.text; }
 
    private:
     // An ordinal column of a table: its cell, and which of the counted paths it shows.
@@ -70,7 +65,7 @@ class WalkedRows {
     const Document& document_;
     const PartsOfDocument& parts_;
     const std::vector<JMAPTableh> tables_;
-    std::vector<std::vector<Ordinal>> ordinals_;  // of each table
+    std::vector<std::vector<Ordinal>> ordinals_;                // of each table
     std::vector<std::pair<std::size_t, std::size_t>> counted_;  // a table and a column of each path
     std::vector<std::size_t> firstColumn_;  // of each table in lists of all columns, and their end
     bool asOne_ = false;
