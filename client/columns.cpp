@@ -95,8 +95,9 @@ Column Columns::operator[](std::size_t i) const {
     Column column = {text(info.name, info.nameLen),
                      codec_->decoded(pathOf(jmapColumnPath, handle, info.pathLen)),
                      static_cast<ColumnType>(info.type), logicalTypeOf(info), kNumberBytes};
+    const bool greatest = uncounted_ && info.length == 0;
     if (column.type == ColumnType::CHARACTER) {
-        column.length = std::min(info.length, kLongestCell);
+        column.length = greatest ? kLongestCell : std::min(info.length, kLongestCell);
     }
     if (original_ != nullptr) {
         const bool ordinal = column.type == ColumnType::ORDINAL;
@@ -113,7 +114,7 @@ Column Columns::operator[](std::size_t i) const {
     column.noretain = info.noretain != 0;
     column.currentLength = info.currentLength;
     column.truncated = info.truncation != 0;
-    column.lengthFromDocument = info.lengthFromAutomap != 0;
+    column.lengthFromDocument = info.lengthFromAutomap != 0 || greatest;
     return column;
 }
 

@@ -101,6 +101,10 @@ class Columns {
     // Puts a column before the others that is none of the engine.
     void addFirst(Column column) { first_ = std::make_shared<const Column>(std::move(column)); }
 
+    // Nothing is known of the document's values: of a user's map, a length that is not given is the
+    // greatest.
+    void setUncounted() { uncounted_ = true; }
+
     [[nodiscard]] std::size_t size() const { return handles_.size() + ownColumns(); }
     [[nodiscard]] bool empty() const { return size() == 0; }
     [[nodiscard]] Column operator[](std::size_t i) const;
@@ -116,6 +120,7 @@ class Columns {
     const TextCodec* codec_;
     std::shared_ptr<const Column> first_;  // null: none
     std::vector<JMAPColumnh> handles_;     // of the others
+    bool uncounted_ = false;
     // Of the document's own names, in order; empty: each is its last piece.  Null: the map's names.
     std::shared_ptr<const std::vector<PathName>> original_;
 };

@@ -39,6 +39,7 @@ Document::Document(Engine& engine, const DocumentOptions& options)
       columnOf_(options.columnOf),
       sourceColumn_(options.several ? options.sourceColumn : std::string()),
       part_(options.part),
+      uncounted_(options.uncounted),
       guard_(options.maxPaths, options.leastMemory,
              {[&engine] { return engine.availableMemory(); },
               [file = cacheFile_] { return freeDiskOf(file); }}),
@@ -67,7 +68,7 @@ Document::Document(Engine& engine, const DocumentOptions& options)
 
     QVStatus status =
         operations()->JsonInit(&operations()->exth, &parms, &handle_, engine.host()->jnl);
-    const bool fed = !options.ofParts;
+    const bool fed = !options.ofParts && !options.uncounted;
     if (status == QV_OK && fed && (options.several || !options.shape.empty())) {
         status = setParser(options);
     }
@@ -75,7 +76,7 @@ Document::Document(Engine& engine, const DocumentOptions& options)
         (options.lines || options.sequence || columnOf_)) {
         status = setRules(options);
     }
-    if (status == QV_OK && options.ofParts) {
+    if (status == QV_OK && !fed) {
         jmapCountOnly(handle_, 0);
     }
     if (status == QV_OK) {
@@ -328,6 +329,9 @@ Table Document::describe(JMAPTableh handle, bool alldata, Naming naming) const {
     JMAPTableInfo info = {};
     jmapTableInfo(handle, &info);
     Columns columns(handle, codec_, naming);
+    if (uncounted_) {
+        columns.setUncounted();
+    }
     if (hasSourceColumn()) {
         columns.addFirst(sourceColumn(columns));
     }

@@ -28,6 +28,7 @@ namespace qvej {
 class Reshaper;
 class TextRelay;
 struct PartsOfDocument;
+struct RowStream;
 
 // A value whose place is asked for.
 struct Watch {
@@ -65,6 +66,9 @@ struct DocumentOptions {
     // Paths are counted alone, no records are kept: see jmapCountOnly.  The document is not fed,
     // but gets what its parts have counted.
     bool ofParts = false;
+    // Its rows are made while its text is read, which is not counted at all: it has no paths and no
+    // automatic tables.  It is not fed; finishParts() makes it ready for a user's map.
+    bool uncounted = false;
     // It is only a part of a document: it has no tables.
     bool part = false;
 };
@@ -146,6 +150,11 @@ class Document : public TextConsumer {
     // How rows can be read that are in no records; null: they are in records.
     void setParts(std::shared_ptr<const PartsOfDocument> parts) { parts_ = std::move(parts); }
     [[nodiscard]] const PartsOfDocument* parts() const { return parts_.get(); }
+
+    // Likewise: they are made once, while the text is read.
+    void setStream(std::shared_ptr<const RowStream> stream) { stream_ = std::move(stream); }
+    [[nodiscard]] const RowStream* stream() const { return stream_.get(); }
+    [[nodiscard]] bool uncounted() const { return uncounted_; }
 
     // Ends the text and builds the tables.  Throws as `feed`, and JMAP_INCOMPLETE when the document
     // is not complete.  The engine passes over a last block that it cannot store, a table that it
@@ -242,7 +251,9 @@ class Document : public TextConsumer {
     std::vector<TextSource> texts_;
     std::string sourceColumn_;  // its name; empty: there is none
     bool part_;
+    bool uncounted_;
     std::shared_ptr<const PartsOfDocument> parts_;
+    std::shared_ptr<const RowStream> stream_;
     mutable ScanGuard guard_;
     const JMAPGuard engineGuard_;
     std::vector<JMAPWatchh> watches_;

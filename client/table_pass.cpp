@@ -4,6 +4,7 @@
 #include "client/carried_columns.h"
 #include "client/error.h"
 #include "client/parts/walked_rows.h"
+#include "client/streamed_rows.h"
 
 #include <cmath>
 #include <utility>
@@ -39,11 +40,15 @@ TablePass::TablePass(const Document& document, const std::vector<JMAPTableh>& ta
 }
 
 void TablePass::open(const std::vector<JMAPTableh>& tables, bool retain) {
-    if (document_.parts() != nullptr) {
+    if (document_.parts() != nullptr || document_.stream() != nullptr) {
         if (retain) {
             throw Error(QV_UNSUPPORTED, "values are retained in records alone");
         }
-        walked_ = std::make_unique<WalkedRows>(document_, tables);
+        if (document_.stream() != nullptr) {
+            walked_ = std::make_unique<StreamedRows>(document_, tables);
+        } else {
+            walked_ = std::make_unique<WalkedRows>(document_, tables);
+        }
         return;
     }
     const QVStatus status =
@@ -70,6 +75,12 @@ bool TablePass::next(PassItem& item) {
         addSource(item);
     }
     return true;
+}
+
+void TablePass::flushInTime(std::function<void()> flush) {
+    if (walked_ != nullptr) {
+        walked_->flushInTime(std::move(flush));
+    }
 }
 
 // Rows are handed out before the marker that ends them is counted, so the count is that of the last

@@ -23,6 +23,7 @@
 #include "row.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -47,7 +48,7 @@ struct PassItem {
 };
 
 class CarriedColumns;
-class WalkedRows;
+class RowSource;
 
 class TablePass {
    public:
@@ -68,6 +69,10 @@ class TablePass {
     // QV_IO_..., QV_NOMEM; the pass is over then, a further call throws the same.  Throws
     // QV_LIMIT_MEMORY as the scan does, for what the caller holds counts as well.
     bool next(PassItem& item);
+
+    // Rows that come while the text is read may come slowly: then `flush` is called by `next`,
+    // about a second after a row at the latest.
+    void flushInTime(std::function<void()> flush);
 
     // Whether the texts that cells point to (not the cells) live as long as the document: all its
     // records are in memory, uncompressed.
@@ -95,7 +100,7 @@ class TablePass {
     const Document& document_;
     std::unique_ptr<CarriedColumns> carried_;  // null: there are none
     std::size_t unchecked_ = 0;                // cells since the last look at the memory
-    std::unique_ptr<WalkedRows> walked_;       // null: the rows are made of records
+    std::unique_ptr<RowSource> walked_;        // null: the rows are made of records
     JMAPPassh handle_ = nullptr;
     bool textsStay_ = false;
 

@@ -109,7 +109,7 @@ QVMemPtr completeUserMap(const Document& document) {
         if (*entry->informatWidth == 0) {
             *entry->informatWidth = informat->defaultWidth;
         }
-        if (*entry->length == 0) {  // the document has no such path
+        if (*entry->length == 0 && !document.uncounted()) {  // the document has no such path
             *entry->length = *entry->informatWidth;
         }
     }

@@ -72,7 +72,14 @@ void TableOutputs::count(Output& output) {
 // Those that hold at least half of an equal share: what is left is less than half of the limit, and
 // small tables need not be written piece by piece.
 void TableOutputs::flushLarge() {
-    const std::size_t least = mostHeld_ / outputs_.size() / 2;
+    flushFrom(mostHeld_ / outputs_.size() / 2);
+}
+
+void TableOutputs::flush() {
+    flushFrom(1);
+}
+
+void TableOutputs::flushFrom(std::size_t least) {
     for (const std::unique_ptr<Output>& output : outputs_) {
         if (output != nullptr && output->held >= least) {
             output->sink->flush();

@@ -29,6 +29,9 @@ class TableOutputs {
     // Takes items of a pass over the tables.  Throws Error.
     void take(std::span<const PassItem> items);
 
+    // Passes on what the sinks hold.
+    void flush();
+
     // Ends all sinks, those of tables without rows too.
     void end();
 
@@ -44,6 +47,7 @@ class TableOutputs {
     void writeRow(std::size_t table, Output& output);
     void count(Output& output);
     void flushLarge();
+    void flushFrom(std::size_t least);
 
     const Document& document_;
     const std::vector<const Table*>& tables_;

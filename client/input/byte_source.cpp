@@ -15,8 +15,17 @@ constexpr std::size_t kTellingBytes = 4;  // of a byte order mark, or of a packe
 }  // namespace
 
 ByteSource ByteSource::file(const std::string& path) {
-    const auto file = std::make_shared<RawFile>(path);
-    return {[file] { return file->next(); }, file->name(), file->isRegular()};
+    return of(std::make_shared<RawFile>(path));
+}
+
+ByteSource ByteSource::asItComes(const std::string& path, std::shared_ptr<const ReadingStop> stop) {
+    return of(std::make_shared<RawFile>(path, std::move(stop)));
+}
+
+ByteSource ByteSource::of(std::shared_ptr<RawFile> file) {
+    const std::string name = file->name();
+    const bool isRegular = file->isRegular();
+    return {[file = std::move(file)] { return file->next(); }, name, isRegular};
 }
 
 ByteSource ByteSource::memory(std::string_view bytes, std::string name) {

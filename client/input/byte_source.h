@@ -3,11 +3,16 @@
 // Tested by tests/client/document_reader_test.cpp
 #pragma once
 
+#include "reading_stop.h"
+
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 
 namespace qvej {
+
+class RawFile;
 
 // Gives the next bytes of a text, empty at its end.  They live until the next call.
 using Pull = std::function<std::string_view()>;
@@ -16,6 +21,9 @@ class ByteSource {
    public:
     // A file, or standard input: "-".  Throws Error (QV_IO_OPEN).
     static ByteSource file(const std::string& path);
+    // The same, for one who cannot wait: a piece is what has come of a pipe, and with `stop` the
+    // bytes end.
+    static ByteSource asItComes(const std::string& path, std::shared_ptr<const ReadingStop> stop);
     // `bytes` must outlive the source.
     static ByteSource memory(std::string_view bytes, std::string name = "<memory>");
     // Pieces of any size.  What `pull` throws goes to the caller of `next`.  `isFile`: they come
@@ -33,6 +41,7 @@ class ByteSource {
     [[nodiscard]] bool isFile() const { return isFile_; }
 
    private:
+    static ByteSource of(std::shared_ptr<RawFile> file);
     ByteSource(Pull pull, std::string name, bool isFile)
         : pull_(std::move(pull)), name_(std::move(name)), isFile_(isFile) {}
     std::string_view pull();

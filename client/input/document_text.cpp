@@ -24,15 +24,32 @@ DocumentText::DocumentText(ByteSource source, const std::string& encoding, bool 
     }
 }
 
+// The first piece of a pipe may be what has come so far.
+void DocumentText::awaitBeginning() {
+    if (bytes_.isFile() || piece_.empty() || piece_.size() >= beginningBytes()) {
+        return;
+    }
+    beginning_ = piece_;
+    for (std::string_view more = bytes_.next(); !more.empty(); more = bytes_.next()) {
+        beginning_ += more;
+        if (beginning_.size() >= beginningBytes()) {
+            break;
+        }
+    }
+    piece_ = beginning_;
+}
+
 // A text that is converted is converted once more here.  The recoder knows where in the input its
 // last piece came from, so that one must not run ahead.
-TextForm DocumentText::form() const {
+TextForm DocumentText::form() {
+    awaitBeginning();
+    const std::string_view start = piece_.substr(0, beginningBytes());
     if (!recoder_) {
-        return textFormOf(piece_);
+        return textFormOf(start);
     }
     Recoder recoder(encoding_, piece_, invalid_);
     std::string text;
-    for (std::string_view rest = piece_; !rest.empty() && !recoder.broken();) {
+    for (std::string_view rest = start; !rest.empty() && !recoder.broken();) {
         text += recoder.convert(rest);
     }
     return textFormOf(text);

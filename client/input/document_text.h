@@ -7,6 +7,7 @@
 #include "read_ahead.h"
 #include "recoder.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -19,8 +20,9 @@ class DocumentText {
     // `encoding`: a name, or "auto" to go by the first bytes.  Throws Error.
     DocumentText(ByteSource source, const std::string& encoding, bool replaceInvalid);
 
-    // Before `next`: what the text is by its beginning, a mebibyte of the unpacked document.
-    [[nodiscard]] TextForm form() const;
+    // Before `next`: what the text is by its beginning, a mebibyte of the unpacked document, for
+    // which it waits.  Throws Error.
+    [[nodiscard]] TextForm form();
 
     // The next piece, empty at the end and where the text is broken.  It lives until the next call.
     // Throws Error.
@@ -51,7 +53,14 @@ class DocumentText {
     [[nodiscard]] const std::string& name() const { return bytes_.name(); }
 
    private:
+    // Of the text, without its mark.
+    [[nodiscard]] std::size_t beginningBytes() const {
+        return (std::size_t{1} << 20) - static_cast<std::size_t>(markBytes_);
+    }
+    void awaitBeginning();
+
     ReadAhead bytes_;
+    std::string beginning_;   // several pieces that were waited for
     std::string_view piece_;  // what is not converted yet
     std::string guess_;
     std::string encoding_;

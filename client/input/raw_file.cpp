@@ -7,15 +7,17 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace qvej {
 namespace {
 constexpr std::size_t kPieceBytes = std::size_t{1} << 20;
 }
 
-RawFile::RawFile(const std::string& file)
+RawFile::RawFile(const std::string& file, std::shared_ptr<const ReadingStop> stop)
     : descriptor_(file == "-" ? STDIN_FILENO
                               : ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY)),
+      stop_(std::move(stop)),
       name_(file == "-" ? "<stdin>" : file),
       buffer_(kPieceBytes) {
     if (descriptor_ < 0) {
@@ -38,6 +40,13 @@ bool RawFile::isRegular() const {
 std::string_view RawFile::next() {
     std::size_t size = 0;
     while (size < buffer_.size() && !ended_) {
+        if (stop_ != nullptr && size != 0 && !isRegular()) {
+            break;  // it may be long until more comes
+        }
+        if (stop_ != nullptr && !stop_->waitFor(descriptor_)) {
+            ended_ = true;
+            break;
+        }
         const ssize_t read = ::read(descriptor_, buffer_.data() + size, buffer_.size() - size);
         if (read < 0 && errno != EINTR) {
             throw fileError(QV_IO_READ, name_);

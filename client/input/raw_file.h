@@ -1,6 +1,9 @@
 // The bytes of a file.
 #pragma once
 
+#include "reading_stop.h"
+
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,13 +13,14 @@ namespace qvej {
 // A file or standard input ("-"), read in large pieces.
 class RawFile {
    public:
-    explicit RawFile(const std::string& file);  // throws Error
+    // With a stop, `next` gives what has come, and ends when the stop says so.  Throws Error.
+    explicit RawFile(const std::string& file, std::shared_ptr<const ReadingStop> stop = {});
     ~RawFile();
     RawFile(const RawFile&) = delete;
     RawFile& operator=(const RawFile&) = delete;
 
-    // The next piece, short only before the end and empty at it.  It lives until the next call.
-    // Throws Error.
+    // The next piece, empty at the end; without a stop it is short only before that.  It lives
+    // until the next call.  Throws Error.
     std::string_view next();
 
     // What messages call it: the file as given, or "<stdin>".
@@ -28,6 +32,7 @@ class RawFile {
    private:
     int descriptor_;
     bool ended_ = false;
+    std::shared_ptr<const ReadingStop> stop_;
     std::string name_;
     std::vector<char> buffer_;
 };

@@ -30,6 +30,7 @@ class ReadAhead {
     std::string_view next();
 
     [[nodiscard]] const std::string& name() const { return source_.name(); }
+    [[nodiscard]] bool isFile() const { return source_.isFile(); }
 
    private:
     using Piece = std::vector<char>;

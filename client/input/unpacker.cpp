@@ -14,6 +14,8 @@
 namespace qvej {
 namespace {
 
+constexpr std::size_t kTellingBytes = 4;  // of a byte order mark
+
 class Gzip : public Decompressor {
    public:
     Gzip() {
@@ -127,6 +129,9 @@ std::string_view Unpacker::next() {
     std::size_t size = 0;
     while (size < buffer_.size()) {
         const bool starved = packed_.empty();
+        if (starved && size >= kTellingBytes && !isFile()) {
+            break;  // it may be long until more comes
+        }
         std::size_t more = 0;
         try {
             more = format_->decompress(packed_, buffer_.data() + size, buffer_.size() - size);

@@ -41,11 +41,14 @@ class Unpacker {
 
     explicit Unpacker(ByteSource source) : input_(std::move(source)) {}
 
-    // As of ByteSource; a piece of what was compressed is shorter only at the end.  Data that are
+    // As of ByteSource; of a compressed file a piece is shorter only at the end.  Data that are
     // damaged or end too soon are an Error (QV_IO_DAMAGED).
     std::string_view next();
 
     [[nodiscard]] const std::string& name() const { return input_.name(); }
+
+    // Does it come from a regular file?
+    [[nodiscard]] bool isFile() const { return input_.isFile(); }
 
     // After the first piece: is it a file whose data are compressed?
     [[nodiscard]] bool packedFile() const { return format_ != nullptr && input_.isFile(); }

@@ -10,6 +10,7 @@
 #pragma once
 
 #include "../document.h"
+#include "../row_source.h"
 #include "../table_pass.h"
 #include "item_batch.h"
 #include "part_pipeline.h"
@@ -22,23 +23,16 @@
 
 namespace qvej {
 
-class WalkedRows {
+class WalkedRows final : public RowSource {
    public:
     // Tables of the document's maps; it has parts, and must outlive this object.  Throws QV_NOMEM.
     WalkedRows(const Document& document, std::vector<JMAPTableh> tables);
-    ~WalkedRows();
-    WalkedRows(const WalkedRows&) = delete;
-    WalkedRows& operator=(const WalkedRows&) = delete;
+    ~WalkedRows() override;
 
-    // As TablePass::next.
-    bool next(PassItem& item);
-
-    // As of TablePass.
-    [[nodiscard]] JMAPPassColumn column(std::size_t table, std::size_t column) const;
-    [[nodiscard]] const PassCell& left(std::size_t table, std::size_t column) const;
-
-    // Which text the last row is of.
-    [[nodiscard]] std::size_t text() const { return batch_.text; }
+    bool next(PassItem& item) override;
+    [[nodiscard]] JMAPPassColumn column(std::size_t table, std::size_t column) const override;
+    [[nodiscard]] const PassCell& left(std::size_t table, std::size_t column) const override;
+    [[nodiscard]] std::size_t text() const override { return batch_.text; }
 
    private:
     // An ordinal column of a table: its cell, and which of the counted paths it shows.

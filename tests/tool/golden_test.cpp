@@ -104,8 +104,8 @@ INSTANTIATE_TEST_SUITE_P(Files, ToolGolden,
                                          "formats", "input", "inputs", "interrupt", "map",
                                          "map_check", "map_explain", "map_diff", "map_merge",
                                          "map_merge_parts", "map_mistakes", "map_use", "naming",
-                                         "notes", "pictures", "read", "records", "report", "shape",
-                                         "shapes", "spill", "tables", "terminal", "usage"),
+                                         "notes", "pictures", "plan", "read", "records", "report",
+                                         "shape", "shapes", "spill", "tables", "terminal", "usage"),
                          [](const auto& file) { return file.param; });
 
 }  // namespace

@@ -4,10 +4,12 @@
 #include "client/error.h"
 #include "client/parts/input_parts.h"
 #include "client/parts/scan_parts.h"
+#include "client/row_stream.h"
 #include "formats/sources.h"
 #include "tools/cli/auto_shape.h"
 #include "tools/cli/counted_input.h"
 #include "tools/cli/failure.h"
+#include "tools/cli/plan.h"
 #include "tools/cli/reports/shape_report.h"
 #include "tools/cli/reports/tell.h"
 
@@ -50,6 +52,22 @@ void checkNamedCache(const std::string& path, const Sources& sources) {
                       path + ": the file is not empty (--cache takes a new or an empty one)");
     }
 }
+
+// A text on its way; `fed` is called after each piece.
+class FedText final : public TextConsumer {
+   public:
+    FedText(TextConsumer& to, const std::function<void()>& fed) : to_(to), fed_(fed) {}
+    void feed(std::string_view text) override {
+        to_.feed(text);
+        fed_();
+    }
+    void finish() override { to_.finish(); }
+    [[nodiscard]] Place end() const override { return to_.end(); }
+
+   private:
+    TextConsumer& to_;
+    const std::function<void()>& fed_;
+};
 
 std::vector<RereadableFile> rereadable(const InputList& inputs) {
     return {inputs.files.begin(), inputs.files.end()};
@@ -182,11 +200,13 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
                          progress_->begin(Progress::SCAN);
                          return found;
                      })),
+      stop_(wishes.notStreamed.empty() && rereadable_.empty() ? std::make_shared<ReadingStop>()
+                                                              : nullptr),
       reader_(inputs_, options_.text,
               [this, next = std::size_t{0}](const std::string& file) mutable {
-                  return counted(
-                      rereadable_.empty() ? ByteSource::file(file) : rereadable_[next++].walk(),
-                      *progress_);
+                  return counted(rereadable_.empty() ? ByteSource::asItComes(file, stop_)
+                                                     : rereadable_[next++].walk(),
+                                 *progress_);
               }),
       name_(reader_.name()) {
     if (!map.empty()) {
@@ -196,8 +216,10 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
         checkNamedCache(options_.cache, sourcesOf(inputs_.files, map));
     }
     try {
-        read(wishes);
-        useMap();
+        if (!stream(wishes)) {
+            read(wishes);
+            useMap();
+        }
     } catch (const Error& error) {
         cli::failReading(options_, reader_.current(), error);
     }
@@ -212,16 +234,71 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
     }
 }
 
-// Whether the inputs are worth to be read in parts, and nothing needs their records.
-bool Session::mayDivide(const ReadingWishes& wishes) const {
+// Whether the document's rows are to be made while it is read; if so, all is ready for that.
+bool Session::stream(const ReadingWishes& wishes) {
+    if (stop_ == nullptr || !whyRecords(options_, shape_).empty()) {
+        return false;
+    }
+    DocumentOptions options = documentOptions(options_, engine_);
+    options.sourceColumn = wishes.sourceColumn;
+    options.several = inputs_.several;
+    options.uncounted = true;
+    document_.emplace(engine_, options);
+    if (inputs_.several) {
+        for (const std::string& file : inputs_.files) {
+            document_->addText(file == "-" ? "<stdin>" : file);
+        }
+    }
+    document_->finishParts();
+    useMap();
+    whyCounted_ = whyCounted(*document_, wishes.table);
+    if (!whyCounted_.empty()) {
+        document_.reset();
+        return false;
+    }
+    auto stream = std::make_shared<RowStream>();
+    stream->engine = &engine_;
+    stream->options = reader_.documentOptions(options);
+    stream->read = [this](Document& walk, const std::function<void()>& fed) {
+        readStream(walk, fed);
+    };
+    stream->stop = [this] { stop_->stop(); };
+    document_->setStream(std::move(stream));
+    tellPlan(options_, "one walk, rows as they come");
+    return true;
+}
+
+void Session::readStream(Document& walk, const std::function<void()>& fed) {
+    try {
+        reader_.read(walk, [&](DocumentReader& reader, TextConsumer& text) {
+            FedText all(text, fed);
+            reader.read(all);
+        });
+    } catch (const Error& error) {
+        cli::failReading(options_, reader_.current(), error);
+    }
+}
+
+// What keeps the inputs from being read in parts; empty: nothing does.
+std::string Session::whyNotDivided(const ReadingWishes& wishes) const {
     constexpr uint64_t kWorthIt = uint64_t{4} << 20;        // bytes
     constexpr uint64_t kLeastMemory = uint64_t{256} << 20;  // for parts on their way
-    const bool needsRecords = !options_.debug.empty() || !options_.cache.empty() ||
-                              options_.compress || !shape_.empty() || options_.skipBadLines ||
-                              !wishes.watches.empty() ||
-                              options_.memory.value_or(kLeastMemory) < kLeastMemory;
-    return wishes.partThreads > 1 && !needsRecords &&
-           rereadableBytes(inputs_).value_or(0) >= kWorthIt;
+    if (const std::string why = whyRecords(options_, shape_); !why.empty()) {
+        return why;
+    }
+    if (!wishes.watches.empty()) {
+        return "places of values are asked for";
+    }
+    if (const std::string why = whyOnce(inputs_); !why.empty()) {
+        return why;
+    }
+    if (wishes.partThreads < 2) {
+        const std::string& why = wishes.notStreamed.empty() ? whyCounted_ : wishes.notStreamed;
+        return why.empty() ? "there is one thread" : why;
+    }
+    return options_.memory.value_or(kLeastMemory) < kLeastMemory ? "--memory is below 256M"
+           : rereadableBytes(inputs_).value_or(0) < kWorthIt     ? "the input is small"
+                                                                 : "";
 }
 
 bool Session::readParts(const DocumentOptions& options, const ReadingWishes& wishes) {
@@ -255,9 +332,14 @@ void Session::read(const ReadingWishes& wishes) {
     document.watches = wishes.watches;
     document.shape = shape_;
     document.sourceColumn = wishes.sourceColumn;
-    if (mayDivide(wishes) && readParts(document, wishes)) {
+    std::string why = whyNotDivided(wishes);
+    if (why.empty() && readParts(document, wishes)) {
+        tellPlan(options_, "counted in parts on " + std::to_string(wishes.partThreads) +
+                               " threads, then read again for the rows");
         return;
     }
+    why = why.empty() ? "the text cannot be divided" : why;
+    tellPlan(options_, "records, since " + why);
     document_.emplace(engine_, reader_.documentOptions(document));
     if (wishes.keepBadLines) {
         skipped_.keepLines();

@@ -6,6 +6,7 @@
 #include "client/engine.h"
 #include "client/error.h"
 #include "client/input/inputs_reader.h"
+#include "client/input/reading_stop.h"
 #include "client/input/rereadable_file.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/maps/map_file.h"
@@ -33,6 +34,9 @@ struct ReadingWishes {
     // Rows are wanted of tables alone, without what only records have (ALLDATA, retained or carried
     // values): the document may then be read in parts on so many threads, and again for its rows.
     unsigned partThreads = 1;
+    // Rows are wanted once: they may be made while the text is read, unless this says why not.
+    std::string notStreamed = "more than rows is wanted";
+    std::string table = {};  // the only one that rows are wanted of; empty: all are
 };
 
 // Turns a mistake of a document that was read into the tool's, which names the options that would
@@ -92,7 +96,9 @@ class Session {
 
    private:
     InputList goodOf(InputList inputs, bool tells);
-    [[nodiscard]] bool mayDivide(const ReadingWishes& wishes) const;
+    bool stream(const ReadingWishes& wishes);
+    void readStream(Document& walk, const std::function<void()>& fed);
+    [[nodiscard]] std::string whyNotDivided(const ReadingWishes& wishes) const;
     bool readParts(const DocumentOptions& options, const ReadingWishes& wishes);
     void read(const ReadingWishes& wishes);
     void useMap();
@@ -105,6 +111,8 @@ class Session {
     std::vector<RereadableFile> rereadable_;
     InputList inputs_;  // without the bad ones
     Shape shape_;
+    std::shared_ptr<const ReadingStop> stop_;  // of a document whose rows may be made as it is read
+    std::string whyCounted_;                   // see plan.h
     InputsReader reader_;
     std::string name_;
     std::optional<MapFile> map_;

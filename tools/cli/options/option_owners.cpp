@@ -31,6 +31,7 @@ constexpr Owner kOwners[] = {
     {"--alldata", "convert"},
     {"--per-file", "convert"},
     {"--threads", "convert"},
+    {"--plan", "read, convert"},
     {"--limit", "read, find"},
     {"--value", "find"},
     {"--regex", "find"},

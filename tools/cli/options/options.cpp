@@ -340,6 +340,10 @@ void declare(CLI::App& app, Options& o, Raw& raw) {
     app.add_flag("--force", o.force,
                  "replace existing files, and remove those of an earlier convert")
         ->group(general);
+    app.add_flag("--plan", o.reading.plan,
+                 "say on standard error how the rows come about: in one walk over the text, in two "
+                 "readings, or from records")
+        ->group(general);
     app.add_option("--progress", raw.progress,
                    "json: a line of JSON a second on standard error, for programs (default: a line "
                    "that says how far it is, on a terminal and after a second; neither with -q)")

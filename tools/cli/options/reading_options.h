@@ -28,6 +28,7 @@ struct ReadingOptions {
     std::string alldataName = "ALLDATA";
     std::optional<Naming> naming;  // nothing: MAP, and names that differ much are told
     ProgressForm progress = ProgressForm::NONE;
+    bool plan = false;  // is told: see plan.h
     std::string debug;  // as the engine wants it: ",MAP,READ,"; empty: none
 };
 

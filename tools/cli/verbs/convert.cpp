@@ -10,6 +10,7 @@
 #include "tools/cli/choice.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/outputs.h"
+#include "tools/cli/plan.h"
 #include "tools/cli/reports/account_report.h"
 #include "tools/cli/reports/changed_names.h"
 #include "tools/cli/reports/rejects.h"
@@ -73,6 +74,9 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
         document, tables, *destination, mostHeld(options),
         [&](const Table& table) { return rejects.handlerFor(table); }, facts ? &*facts : nullptr);
     TablePass pass(document, tables, options.retain, options.carry);
+    if (options.formatOptions.packing == Packing::NONE) {  // a flush ends what is packed
+        pass.flushInTime([&] { outputs.flush(); });
+    }
     session.progress().begin(Progress::ROWS);
     runPass(pass, options.threads, [&](std::span<const PassItem> items) {
         outputs.take(items);
@@ -122,9 +126,10 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
 ExitCode convertAndAccount(const Options& options, Account& account) {
     std::optional<cleanup::Output> output(
         shownOutput(options));  // for a signal while the document is read
-    const Session session(
-        options.reading, options.inputs, options.map,
-        {.keepBadLines = !options.rejects.empty(), .partThreads = partThreads(options)});
+    const Session session(options.reading, options.inputs, options.map,
+                          {.keepBadLines = !options.rejects.empty(),
+                           .partThreads = partThreads(options),
+                           .notStreamed = whyNotStreamed(options)});
     output.reset();
     const std::vector<const Table*> tables = chosenTables(options, session.document().tables());
     if (session.map() != nullptr && !options.quiet) {

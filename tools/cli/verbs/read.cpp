@@ -8,6 +8,7 @@
 #include "formats/writer.h"
 #include "tools/cli/choice.h"
 #include "tools/cli/failure.h"
+#include "tools/cli/plan.h"
 #include "tools/cli/reports/account_report.h"
 #include "tools/cli/reports/changed_names.h"
 #include "tools/cli/reports/rejects.h"
@@ -73,6 +74,7 @@ Written writeRows(const Document& document, const Table& table, const Options& o
         makeSink(*options.format, standardOutput(), {table, options.formatOptions});
     PassRow row(document, table, rejects.handlerFor(table));
     TablePass pass(document, {&table}, options.retain, options.carry);
+    pass.flushInTime([&] { sink->flush(); });
     for (PassItem item; row.rows() < options.limit && pass.next(item);) {
         if (row.take(item)) {
             sink->row(row);
@@ -90,7 +92,9 @@ ExitCode runRead(const Options& options) {
         OutputFiles::checkFile(options.rejects, options.force, sources);
     }
     const Session session(options.reading, options.operands[0], options.map,
-                          {.keepBadLines = !options.rejects.empty()});
+                          {.keepBadLines = !options.rejects.empty(),
+                           .notStreamed = whyNotStreamed(options),
+                           .table = options.operands[1]});
     const Document& document = session.document();
     if (session.map() != nullptr && !options.quiet) {
         tellMapOddities(session.map()->name(), each(document.tables()));
