@@ -43,7 +43,7 @@ const Layer kLayers[] = {
     {"client/schema/",
      R"re(client/(schema/.*|(columns|document|error|pass_pipe|row|table_pass)\.h)|include/.*|<.*>)re"},
     {"client/",
-     R"re(client/([^/]*|shape/(shape|reshaper)\.h|parts/walked_rows\.h)|include/.*|<.*>)re"},
+     R"re(client/([^/]*|shape/(shape|reshaper)\.h|parts/(item_batch|walked_rows)\.h)|include/.*|<.*>)re"},
     {"formats/", "(formats|client)/.*|include/.*|<.*>"},
     {"tools/", "(tools|formats|client)/.*|include/.*|<.*>"},
 };

@@ -139,7 +139,9 @@ def check_equal(folder, seen):
             file.write(broken(text))
     more = R.choice([[], ["--format", "ndjson"], ["--rejects", "rejects.csv"], ["--gzip"], ["--threads", "1"]])
     several = R.random() < 0.3
-    options = {"inputs": [name, name] if several else [name], "more": more + ["--force"]}
+    other = name.replace("d.", "e.")
+    subprocess.run(["cp", name, other], cwd=folder, check=True)
+    options = {"inputs": [name, other] if several else [name], "more": more + ["--force"]}
     plan, records = converted(folder, options, ["--compress"], path)
     assert plan.startswith(b"plan: records"), plan
     ways = [[]] + ([] if several or name == "d.jsonl" else [["-"]])
