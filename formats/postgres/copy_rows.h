@@ -34,7 +34,7 @@ class CopyRows {
     [[nodiscard]] const std::string& bytes() const { return bytes_; }
     [[nodiscard]] std::size_t held() const { return bytes_.capacity(); }
     void clear() { bytes_.clear(); }
-    void release() { bytes_ = {}; }
+    void release() { std::string().swap(bytes_); }  // an assignment keeps the memory
 
    private:
     template <class Number>
