@@ -26,7 +26,7 @@ struct SkimState {
     const uint8_t* feedBlock = nullptr;  // the last block that has one
 };
 
-// A block that somebody has to look at.
+// A block in which the caller looks for the byte that it wants.
 struct SkimBlock {
     uint64_t quotes;  // that begin or end a string
     uint64_t opens;   // brackets outside strings
