@@ -7,7 +7,7 @@
 // Memory: so many parts as there are workers and two more, each with a few pieces and a few results
 // that have not been taken.
 //
-// Tested by tests/client/parts_test.cpp
+// Tested by tests/client/part_pipeline_test.cpp
 #pragma once
 
 #include "../error.h"
