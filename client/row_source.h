@@ -3,6 +3,8 @@
 
 #include "qvejmapx.h"
 
+#include "row_work.h"
+
 #include <cstddef>
 #include <functional>
 
@@ -20,6 +22,12 @@ class RowSource {
     // As TablePass::next and TablePass::flushInTime.
     virtual bool next(PassItem& item) = 0;
     virtual void flushInTime(std::function<void()> /*flush*/) {}
+
+    // As TablePass::work.
+    //   source  items begin with the name of their text
+    virtual bool work(const MakeRowWork& /*make*/, bool /*source*/, const TakeRowResult& /*take*/) {
+        return false;
+    }
 
     // After the last item, as of TablePass.
     [[nodiscard]] virtual JMAPPassColumn column(std::size_t table, std::size_t column) const = 0;

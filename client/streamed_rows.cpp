@@ -79,7 +79,7 @@ void StreamedRows::add(const JMAPPassItem& item) {
         handOver();
         made_.text = text;
     }
-    made_.items->add(item, {});
+    made_.items->add(itemOf(item), {});
     if (made_.items->full()) {
         handOver();
     }

@@ -17,6 +17,17 @@ constexpr std::size_t kCellsBetweenChecks = 262144;
 
 }  // namespace
 
+PassItem withSource(const PassItem& item, const TextSource& text, std::vector<PassCell>& cells) {
+    PassCell name = {};
+    name.kind = JMAP_KIND_STRING;
+    name.fresh = 1;
+    name.text = text.name.data();
+    name.textLen = static_cast<QVStrSize>(text.name.size());
+    cells.assign(1, name);
+    cells.insert(cells.end(), item.cells.begin(), item.cells.end());
+    return {item.kind, item.table, cells, item.column + 1, item.text};
+}
+
 TablePass::TablePass(const Document& document, const std::vector<const Table*>& tables, bool retain,
                      bool carry)
     : document_(document), sourceColumns_(document.hasSourceColumn() ? 1 : 0) {
@@ -77,6 +88,11 @@ bool TablePass::next(PassItem& item) {
     return true;
 }
 
+bool TablePass::work(const MakeRowWork& make, const TakeRowResult& take) {
+    return carried_ == nullptr && walked_ != nullptr &&
+           walked_->work(make, sourceColumns_ != 0, take);
+}
+
 void TablePass::flushInTime(std::function<void()> flush) {
     if (walked_ != nullptr) {
         walked_->flushInTime(std::move(flush));
@@ -92,15 +108,7 @@ void TablePass::addSource(PassItem& item) {
     while (walked_ == nullptr && text_ + 1 < texts.size() && texts[text_ + 1].rootsBefore < roots) {
         ++text_;
     }
-    PassCell name = {};
-    name.kind = JMAP_KIND_STRING;
-    name.fresh = 1;
-    name.text = texts[text_].name.data();
-    name.textLen = static_cast<QVStrSize>(texts[text_].name.size());
-    row_.assign(1, name);
-    row_.insert(row_.end(), item.cells.begin(), item.cells.end());
-    item.cells = row_;
-    item.column += sourceColumns_;
+    item = withSource(item, texts[text_], row_);
 }
 
 bool TablePass::nextOfEngine(PassItem& item) {
@@ -127,11 +135,7 @@ bool TablePass::read(PassItem& item) {
         return false;
     }
     check(status);
-    item.kind = raw.kind == JMAP_PASS_ROW ? PassItem::ROW : PassItem::NOT_NUMBER;
-    item.table = static_cast<std::size_t>(raw.table);
-    item.cells = {raw.cells, static_cast<std::size_t>(raw.cellCount)};
-    item.column = static_cast<std::size_t>(raw.column);
-    item.text = {raw.text, static_cast<std::size_t>(raw.textLen)};
+    item = itemOf(raw);
     unchecked_ += item.cells.size() + 1;
     if (unchecked_ >= kCellsBetweenChecks) {
         unchecked_ = 0;

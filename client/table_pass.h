@@ -21,6 +21,7 @@
 #include "cell_values.h"
 #include "document.h"
 #include "row.h"
+#include "row_work.h"
 
 #include <cstdint>
 #include <functional>
@@ -47,6 +48,20 @@ struct PassItem {
     std::string_view text;            // in the encoding of the document
 };
 
+// An item of the engine's.
+[[nodiscard]] inline PassItem itemOf(const JMAPPassItem& raw) {
+    return {raw.kind == JMAP_PASS_ROW ? PassItem::ROW : PassItem::NOT_NUMBER,
+            static_cast<std::size_t>(raw.table),
+            {raw.cells, static_cast<std::size_t>(raw.cellCount)},
+            static_cast<std::size_t>(raw.column),
+            {raw.text, static_cast<std::size_t>(raw.textLen)}};
+}
+
+// The item of a table that has a column for the name of its text in front, which the engine knows
+// nothing of.  `cells` gets them; the item lives as long as they do.
+[[nodiscard]] PassItem withSource(const PassItem& item, const TextSource& text,
+                                  std::vector<PassCell>& cells);
+
 class CarriedColumns;
 class RowSource;
 
@@ -69,6 +84,11 @@ class TablePass {
     // QV_IO_..., QV_NOMEM; the pass is over then, a further call throws the same.  Throws
     // QV_LIMIT_MEMORY as the scan does, for what the caller holds counts as well.
     bool next(PassItem& item);
+
+    // Before the first item: lets others work on all of them, on the threads where they are made,
+    // and takes the results in order, on this one.  False: that is not possible, and `next` gives
+    // the items.  Throws as `next`, and what the work throws.
+    [[nodiscard]] bool work(const MakeRowWork& make, const TakeRowResult& take);
 
     // Rows that come while the text is read may come slowly: then `flush` is called by `next`,
     // about a second after a row at the latest.

@@ -170,6 +170,19 @@ QVStatus jmapAddPart(QVEJMAPJsonContexth inh, const char* bytes, QVStrSize bytes
 /* After the last part: makes the map, as the last buffer does.  Returns what JsonInput would. */
 QVStatus jmapEndParts(QVEJMAPJsonContexth inh);
 
+/* As jmapNextTable, over the paths of objects and arrays that have come in a document that counts
+ * alone, each after those that it lies below.  Two may have one path when a name has a separator in
+ * it. */
+typedef struct PATHBRANCH* JMAPContainerh; /* opaque */
+QVStatus jmapNextContainer(QVEJMAPJsonContexth inh, JMAPContainerh* container);
+
+/* How often it has come, which is what ordinals count. */
+uint64_t jmapContainerCount(JMAPContainerh container);
+
+/* The path: `*pathLen` bytes.  Valid until the next call for this document; null: no memory. */
+const char* jmapContainerPath(QVEJMAPJsonContexth inh, JMAPContainerh container,
+                              QVStrSize* pathLen);
+
 /* Why parts may not give what the whole gives; 0: they do.  Of what has been scanned or added. */
 enum {
     JMAP_PART_EMPTY_NAME = 1,     /* a member has the name "", which changes how labels are counted

@@ -1,6 +1,7 @@
 // Items of a walk with all that they point to, on their way to another thread.
 #pragma once
 
+#include "../row_work.h"
 #include "../table_pass.h"
 
 #include <algorithm>
@@ -51,7 +52,7 @@ class Stretches {
 };
 
 // Texts that lie in one of the buffers of the batch are not copied.
-class ItemBatch {
+class ItemBatch final : public RowResult {
    public:
     // Bytes of cells and copied texts after which a batch is full.
     static constexpr std::size_t kFull = std::size_t{1} << 20;
@@ -60,46 +61,35 @@ class ItemBatch {
     void hold(std::shared_ptr<const void> text) { held_.push_back(std::move(text)); }
 
     // Copies the item.  `stays`: a text that the batch holds.
-    void add(const JMAPPassItem& raw, std::string_view stays) {
-        const std::span<PassCell> cells =
-            copied({raw.cells, static_cast<std::size_t>(raw.cellCount)}, stays);
-        PassItem& item = items_.emplace_back();
-        item.kind = raw.kind == JMAP_PASS_ROW ? PassItem::ROW : PassItem::NOT_NUMBER;
-        item.table = static_cast<std::size_t>(raw.table);
-        item.cells = cells;
-        item.column = static_cast<std::size_t>(raw.column);
-        item.text = {kept(raw.text, raw.textLen, stays), static_cast<std::size_t>(raw.textLen)};
-    }
-
-    // Copies cells, which live as long as the batch.
-    std::span<PassCell> copied(std::span<const PassCell> from, std::string_view stays) {
-        auto* cells = memory_.room<PassCell>(from.size());
-        std::copy(from.begin(), from.end(), cells);
-        for (PassCell& cell : std::span(cells, from.size())) {
-            if (cell.kind != JMAP_CELL_MISSING && cell.kind != JMAP_CELL_COUNT) {
-                cell.text = kept(cell.text, cell.textLen, stays);
-            }
-        }
-        return {cells, from.size()};
+    void add(const PassItem& from, std::string_view stays) {
+        PassItem& item = items_.emplace_back(from);
+        item.cells = copied(from.cells, stays);
+        item.text = {kept(from.text.data(), from.text.size(), stays), from.text.size()};
     }
 
     [[nodiscard]] bool full() const { return memory_.used() >= kFull; }
     [[nodiscard]] const std::vector<PassItem>& items() const { return items_; }
 
-    // The cells of an item may be changed.
-    [[nodiscard]] static PassCell* cellsOf(const PassItem& item) {
-        return const_cast<PassCell*>(item.cells.data());  // they are the batch's own
+   private:
+    std::span<const PassCell> copied(std::span<const PassCell> from, std::string_view stays) {
+        auto* cells = memory_.room<PassCell>(from.size());
+        std::copy(from.begin(), from.end(), cells);
+        for (PassCell& cell : std::span(cells, from.size())) {
+            if (cell.kind != JMAP_CELL_MISSING && cell.kind != JMAP_CELL_COUNT) {
+                cell.text = kept(cell.text, static_cast<std::size_t>(cell.textLen), stays);
+            }
+        }
+        return {cells, from.size()};
     }
 
-   private:
-    const char* kept(const char* text, QVStrSize textLen, std::string_view stays) {
+    const char* kept(const char* text, std::size_t textLen, std::string_view stays) {
         const auto offset =
             reinterpret_cast<uintptr_t>(text) - reinterpret_cast<uintptr_t>(stays.data());
         if (offset < stays.size() || textLen == 0) {
             return text;
         }
-        char* copy = memory_.room<char>(static_cast<std::size_t>(textLen));
-        std::memcpy(copy, text, static_cast<std::size_t>(textLen));
+        char* copy = memory_.room<char>(textLen);
+        std::memcpy(copy, text, textLen);
         return copy;
     }
 

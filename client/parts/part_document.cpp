@@ -70,7 +70,8 @@ void PartDocument::feed(const TextPart& piece) {
     }
     std::string_view text = piece.partition.text;
     // The last elements of a member have none.
-    text.remove_suffix(goesOn(piece) && text.ends_with(',') ? 1 : 0);
+    const bool comma = goesOn(piece) && !piece.partition.more && text.ends_with(',');
+    text.remove_suffix(comma ? 1 : 0);
     document_.feed(text);
     open_ = piece.partition.kind == Kind::HEAD;
     if (!piece.partition.more && !open_) {

@@ -17,6 +17,9 @@ class PartDocument {
     //   mostPaths  that the part may have, QV_LIMIT_PATHS; 0: as many as the document
     explicit PartDocument(const PartsOfDocument& parts, uint64_t mostPaths = 0);
 
+    // What stands before the first piece of a part is parsed; `feed` does it otherwise.
+    void begin(const TextPart& piece);
+
     // The next piece: all are of one part, or all pieces of all texts.  It is parsed where it is.
     // Throws as Document::feed.
     void feed(const TextPart& piece);
@@ -32,7 +35,6 @@ class PartDocument {
     [[nodiscard]] QVEJMAPJsonContexth handle() const { return document_.handle(); }
 
    private:
-    void begin(const TextPart& piece);
     void end(const TextPart& piece);
 
     const bool several_;

@@ -12,10 +12,14 @@ using Kind = Partition::Kind;
 
 constexpr uint64_t kPieceBytes = uint64_t{1} << 20;  // of what is one part
 
+// Whether more of the same elements or lines come after the piece.
+bool goesOn(const Partition& partition) {
+    return partition.kind == Kind::FIRST || partition.kind == Kind::MIDDLE;
+}
+
 // Whether the text ends with the piece.
 bool endsText(const Partition& partition) {
-    return !partition.more && partition.kind != Kind::FIRST && partition.kind != Kind::MIDDLE &&
-           partition.kind != Kind::HEAD;
+    return !partition.more && !goesOn(partition) && partition.kind != Kind::HEAD;
 }
 
 bool isBlank(std::string_view text) {
@@ -48,16 +52,19 @@ class Sequence {
 
 }  // namespace
 
-void readInParts(const PartsOfDocument& parts, uint64_t bytes, Members members,
+void readInParts(const PartsOfDocument& parts, uint64_t least, Members members,
                  const TakePart& take) {
     Sequence sequence(take);
     std::optional<std::size_t> undivided;  // the text that is one part
-    bool begins = true;                    // the next piece begins a part
-    parts.read(bytes, [&](TextPart piece) {
+    bool begins = true;                    // the next piece begins a part of the text
+    std::size_t number = 0;                // of that part
+    uint64_t bytes = 0;                    // of the part that is given
+    parts.read(PartsOfDocument::kPartBytes, [&](TextPart piece) {
         Partition& partition = piece.partition;
         if (partition.kind == Kind::REST) {
             throw Indivisible();
         }
+        const bool endsHere = !partition.more;
         if (partition.kind == Kind::HEAD && members == Members::WHOLE) {
             undivided = piece.text;
         }
@@ -72,7 +79,13 @@ void readInParts(const PartsOfDocument& parts, uint64_t bytes, Members members,
             }
             return;
         }
-        piece.endsPart = begins = !partition.more;
+        piece.number = number;
+        begins = !partition.more;
+        number += endsHere ? 1 : 0;
+        bytes += partition.text.size();
+        partition.more = partition.more || (goesOn(partition) && bytes < least);
+        piece.endsPart = !partition.more;
+        bytes = piece.endsPart ? 0 : bytes;
         sequence.add(std::move(piece));
     });
     sequence.end();

@@ -12,9 +12,10 @@ namespace qvej {
 struct Indivisible {};
 
 // The parts that can be scanned apart.
+//   least    bytes of a part: smaller ones are taken together
 //   Members  whether the elements of a member are: else they are one part with what is around them
 enum class Members : bool { WHOLE, DIVIDED };
-void readInParts(const PartsOfDocument& parts, uint64_t bytes, Members members,
+void readInParts(const PartsOfDocument& parts, uint64_t least, Members members,
                  const TakePart& take);
 
 // All as one part.

@@ -12,19 +12,30 @@
 namespace qvej {
 namespace {
 
-constexpr uint64_t kPartBytes = uint64_t{1} << 20;
 // Where names are data, adding up the parts costs more than counting the whole.
 constexpr uint64_t kMostPaths = 30'000;
 
 struct CountedPart {
     std::string bytes;  // see jmapTakePart
     uint32_t flags = 0;
+    std::vector<ContainerCount> containers = {};
     std::size_t text = 0;
     std::string name;
     bool wholeText = false;
     int64_t line = 0;  // where it begins
     int64_t column = 0;
 };
+
+std::vector<ContainerCount> containersOf(QVEJMAPJsonContexth document) {
+    std::vector<ContainerCount> containers;
+    for (JMAPContainerh at = nullptr; jmapNextContainer(document, &at) == QV_OK;) {
+        QVStrSize pathLen = 0;
+        const char* path = jmapContainerPath(document, at, &pathLen);
+        check(path == nullptr ? QV_NOMEM : QV_OK);
+        containers.push_back({std::string(view(path, pathLen)), jmapContainerCount(at)});
+    }
+    return containers;
+}
 
 CountedPart countPart(const PartsOfDocument& of, PieceSource& pieces) {
     PartDocument part(of, kMostPaths);
@@ -49,6 +60,7 @@ CountedPart countPart(const PartsOfDocument& of, PieceSource& pieces) {
     check(jmapTakePart(part.handle(), &bytes, &bytesLen));
     counted.bytes = std::string(view(bytes, bytesLen));
     counted.flags = jmapPartFlags(part.handle());
+    counted.containers = containersOf(part.handle());
     return counted;
 }
 
@@ -58,7 +70,7 @@ bool addsUp(const CountedPart& part) {
     return (part.flags & ~harmless) == 0;
 }
 
-bool addAll(PartPipeline<CountedPart>& line, Document& sum, bool several) {
+bool addAll(PartPipeline<CountedPart>& line, Document& sum, bool several, PartCounts& counts) {
     std::size_t texts = 0;
     std::size_t parts = 0;
     bool firstAddsUp = true;
@@ -74,6 +86,7 @@ bool addAll(PartPipeline<CountedPart>& line, Document& sum, bool several) {
             ++texts;
         }
         sum.addPart(part.bytes, part.line, part.column);
+        counts.add(part.containers);
     }
     sum.finishParts();
     return true;
@@ -81,15 +94,15 @@ bool addAll(PartPipeline<CountedPart>& line, Document& sum, bool several) {
 
 }  // namespace
 
-bool scanParts(const PartsOfDocument& parts, Document& sum) {
+bool scanParts(PartsOfDocument& parts, Document& sum) {
     try {
         PartPipeline<CountedPart> line(
-            [&](const TakePart& take) { readInParts(parts, kPartBytes, Members::DIVIDED, take); },
+            [&](const TakePart& take) { readInParts(parts, 0, Members::DIVIDED, take); },
             parts.threads,
             [&](PieceSource& pieces, const PartPipeline<CountedPart>::Put& put) {
                 put(countPart(parts, pieces));
             });
-        return addAll(line, sum, parts.options.several);
+        return addAll(line, sum, parts.options.several, parts.counts);
     } catch (const Indivisible&) {
         return false;
     } catch (const Error& error) {

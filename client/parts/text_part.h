@@ -3,11 +3,13 @@
 
 #include "../document.h"
 #include "../partition/partition_reader.h"
+#include "part_counts.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace qvej {
 
@@ -17,9 +19,11 @@ struct TextPart {
     std::string name;      // of that text
     TextForm form = TextForm::DOCUMENT;
     Partition partition;
-    std::string member;    // of the elements of a large member: its name as it stands in the text
-    bool endsPart = true;  // the last piece of what one scan takes
-    bool last = false;     // the last piece of the document
+    std::string member;      // of the elements of a large member: its name as it stands in the text
+    bool endsPart = true;    // the last piece of what one scan takes
+    bool last = false;       // the last piece of the document
+    std::size_t number = 0;  // of the part as it is cut from the text, of all parts, from 0
+    std::vector<uint64_t> before = {};  // what ordinals have counted before the part; see PartWalk
 };
 
 using TakePart = std::function<void(TextPart)>;
@@ -31,10 +35,13 @@ using ReadParts = std::function<void(uint64_t bytes, const TakePart& take)>;
 
 // A document that is read in parts, as often as its rows are.
 struct PartsOfDocument {
+    static constexpr uint64_t kPartBytes = uint64_t{1} << 20;  // of each part, at least
+
     Engine* engine = nullptr;
     DocumentOptions options = {};  // of all of it
     ReadParts read = {};
     unsigned threads = 1;
+    PartCounts counts = {};  // what scanParts has counted
 };
 
 }  // namespace qvej

@@ -255,6 +255,31 @@ QVStatus jmapEndParts(QVEJMAPJsonContexth inh) {
     return endParts(contextOf(inh));
 }
 
+QVStatus jmapNextContainer(QVEJMAPJsonContexth inh, JMAPContainerh* container) {
+    PATHBRANCH* at = *container == nullptr ? &contextOf(inh)->pathRoot : nextBranch(*container);
+    while (at != nullptr && jmapContainerCount(at) == 0) {
+        at = nextBranch(at);
+    }
+    if (at == nullptr) {
+        return QV_EOF;
+    }
+    *container = at;
+    return QV_OK;
+}
+
+uint64_t jmapContainerCount(JMAPContainerh container) {
+    const PATHCHILDREN* below = container->node.children;
+    return below == nullptr ? 0 : below->markers;
+}
+
+const char* jmapContainerPath(QVEJMAPJsonContexth inh, JMAPContainerh container,
+                              QVStrSize* pathLen) {
+    const PATHNODE* node = &container->node;
+    const std::string_view path = pathText(contextOf(inh), node, node->textLen);
+    *pathLen = lengthOf(path);
+    return path.data();
+}
+
 uint32_t jmapPartFlags(QVEJMAPJsonContexth inh) {
     return partFlags(contextOf(inh));
 }

@@ -85,24 +85,12 @@ void putElements(PARTWRITER& to, const PATHCHILDREN& of, uint64_t& count) {
     }
 }
 
-// The member to visit after `at`: below it, else beside it or what it is in; null: none.
-PATHBRANCH* nextMember(PATHBRANCH* at) {
-    const PATHCHILDREN* below = at->node.children;
-    if (below != nullptr && below->members != nullptr) {
-        return below->members;
-    }
-    while (at != nullptr && at->sibling == nullptr) {
-        at = at->node.parent;
-    }
-    return at == nullptr ? nullptr : at->sibling;
-}
-
 void putNodes(PARTWRITER& to) {
     JMAP_PRIVATE* p = to.p;
     putNumber(to, p->pathNodes);
     uint64_t count = 0;
     p->pathRoot.node.partNumber = 0;
-    for (PATHBRANCH* at = &p->pathRoot; at != nullptr; at = nextMember(at)) {
+    for (PATHBRANCH* at = &p->pathRoot; at != nullptr; at = nextBranch(at)) {
         if (at != &p->pathRoot) {
             putNode(to, &at->node, PARTNODE_MEMBER, count);
         }
@@ -330,7 +318,7 @@ QVStatus takeTotals(JMAP_PRIVATE* p, PARTREADER& from) {
 }  // namespace
 
 void beginPart(JMAP_PRIVATE* p) {
-    for (PATHBRANCH* at = &p->pathRoot; at != nullptr; at = nextMember(at)) {
+    for (PATHBRANCH* at = &p->pathRoot; at != nullptr; at = nextBranch(at)) {
         at->node.info = nullptr;
         if (at->node.children != nullptr) {
             at->node.children->group = nullptr;

@@ -106,6 +106,19 @@ inline void writePath(const PATHNODE* node, char* to) {
 // Whether both paths differ in their last component at most.
 [[nodiscard]] bool sameParent(JMAP_PRIVATE* p, const PATHNODE* a, const PATHNODE* b);
 
+// The member after `at` in a walk over the tree, each after what it is in: below it, else beside it
+// or what it is in; null: none.  The first is the root.
+[[nodiscard]] inline PATHBRANCH* nextBranch(PATHBRANCH* at) noexcept {
+    const PATHCHILDREN* below = at->node.children;
+    if (below != nullptr && below->members != nullptr) {
+        return below->members;
+    }
+    while (at != nullptr && at->sibling == nullptr) {
+        at = at->node.parent;
+    }
+    return at == nullptr ? nullptr : at->sibling;
+}
+
 // The innermost label that has more than half of all paths below it.  `*count`: how many.
 [[nodiscard]] const PATHNODE* mostPathsBelow(JMAP_PRIVATE* p, uint64_t* count);
 
