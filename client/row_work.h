@@ -35,6 +35,9 @@ class RowWork {
     // The next item, valid until this returns.  Its ordinals are those of the whole document.
     virtual void take(const PassItem& item) = 0;
 
+    // The next item, which has been worked on before: by another, which then began anew.
+    virtual void passOver(const PassItem& /*item*/) {}
+
     // Texts of items that lie in `text` need not be copied for as long as `holder` is kept.
     virtual void holdText(const std::shared_ptr<const void>& /*holder*/,
                           std::string_view /*text*/) {}

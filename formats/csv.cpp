@@ -21,6 +21,9 @@ class CsvSink final : public TextSink {
           fields_(out_, separator, parms.options.null),
           nullGiven_(parms.options.null.has_value()),
           counts_(parms.table.columns.size()) {
+        if (parms.pieces) {
+            return;
+        }
         for (const Column& column : parms.table.columns) {
             if (column.name.empty() && alone()) {
                 fields_.quotedNothing();

@@ -57,6 +57,14 @@ class Destination {
     // Tables are many and most are small: it is asked for when there is a row, else at the end.
     [[nodiscard]] virtual std::unique_ptr<Sink> sink(std::size_t table) = 0;
 
+    // Whether the rows of a table can be shared among threads.
+    [[nodiscard]] virtual bool makesPieces() const { return false; }
+
+    // Another sink of the table then, on any thread, which makes pieces for that one.
+    [[nodiscard]] virtual std::unique_ptr<Sink> pieceSink(std::size_t /*table*/) const {
+        return nullptr;
+    }
+
     // When all sinks have ended.
     virtual void end(const Schema& schema) = 0;
 

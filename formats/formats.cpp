@@ -54,6 +54,11 @@ std::string formatNames(bool textOnly) {
     return names;
 }
 
+std::unique_ptr<Sink> makePieceSink(const Format& format, SinkParms parms) {
+    parms.pieces = true;
+    return format.make(memoryWriter(), parms);
+}
+
 std::unique_ptr<Sink> makeSink(const Format& format, Writer out, const SinkParms& parms) {
     return format.make != nullptr
                ? format.make(std::move(out), parms)

@@ -37,6 +37,7 @@ struct SinkParms {
     const FormatOptions& options;
     const Schema* schema = nullptr;  // of all tables, for a typed format; else null
     std::size_t position = 0;        // of the table in the schema
+    bool pieces = false;             // it makes pieces: nothing before the first row
 };
 
 struct Format {
@@ -54,7 +55,7 @@ struct Format {
 
     std::size_t mostHeld = std::size_t{32} << 20;  // bytes of memory that all sinks may take
 
-    // Can rows be printed?
+    // Can rows be printed?  Then sinks can make pieces of them, too.
     [[nodiscard]] bool text() const { return make != nullptr; }
 };
 
@@ -63,6 +64,9 @@ const Format* findFormat(std::string_view name);
 
 // "csv, ndjson"; of those that can be printed, or all.
 std::string formatNames(bool textOnly);
+
+// A sink that makes pieces, of a format that can; on any thread.
+[[nodiscard]] std::unique_ptr<Sink> makePieceSink(const Format& format, SinkParms parms);
 
 // A sink of a format that is no store.  Throws Error, also when its module is not there.
 [[nodiscard]] std::unique_ptr<Sink> makeSink(const Format& format, Writer out,

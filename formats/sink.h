@@ -1,13 +1,26 @@
 // Takes the rows of one table and writes them down, in some format.
 //
+// Rows can be shared among threads: each has a sink that makes pieces, and the pieces are appended
+// in order to the one that writes.
+//
 // Tested by tests/formats/table_outputs_test.cpp
 #pragma once
 
 #include "client/table_pass.h"
 
 #include <cstddef>
+#include <memory>
 
 namespace qvej {
+
+// What a sink has made of some rows, to be appended to what another one writes.
+class Piece {
+   public:
+    Piece() = default;
+    virtual ~Piece() = default;
+    Piece(const Piece&) = delete;
+    Piece& operator=(const Piece&) = delete;
+};
 
 // All throw qvej::Error.
 class Sink {
@@ -28,6 +41,12 @@ class Sink {
 
     // Passes on what is held, and gives the memory back.
     virtual void flush() {}
+
+    // Of a sink that makes pieces (Destination::pieceSink): the rows since the last one.
+    [[nodiscard]] virtual std::unique_ptr<Piece> piece() { return nullptr; }
+
+    // Writes rows that such a sink of the same table has made, after those that have come.
+    virtual void append(std::unique_ptr<Piece> /*piece*/) {}
 };
 
 }  // namespace qvej

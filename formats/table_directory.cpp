@@ -44,6 +44,10 @@ std::unique_ptr<Sink> TableDirectory::sink(std::size_t table) {
                     {*tables_[table], parms_.options, schema_, table});
 }
 
+std::unique_ptr<Sink> TableDirectory::pieceSink(std::size_t table) const {
+    return makePieceSink(parms_.format, {*tables_[table], parms_.options, schema_, table});
+}
+
 // Lists the tables' files, of which all is written, in the last file.
 void TableDirectory::end(const Schema& schema) {
     Writer out = files_->writer(tables_.size());

@@ -26,6 +26,10 @@ std::unique_ptr<Sink> TableFile::sink(std::size_t /*table*/) {
                     {*table_, parms_.options, schema_, 0});
 }
 
+std::unique_ptr<Sink> TableFile::pieceSink(std::size_t /*table*/) const {
+    return makePieceSink(parms_.format, {*table_, parms_.options, schema_, 0});
+}
+
 std::vector<std::string> TableFile::commit(OutputFiles* with) {
     return files_->commit(with);
 }

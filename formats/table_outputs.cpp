@@ -57,6 +57,26 @@ void TableOutputs::writeRow(std::size_t table, Output& output) {
         facts_->take(table, output.row);
     }
     output.sink->row(output.row);
+    countAndFlush(output);
+}
+
+void TableOutputs::take(OutputPieces& pieces) {
+    if (facts_ != nullptr && pieces.facts != nullptr) {
+        facts_->add(*pieces.facts);
+    }
+    for (const std::unique_ptr<KeptReject>& reject : pieces.rejects) {
+        const std::size_t table = reject->table();
+        reject->giveTo(rejectsOf_(*tables_[table]), outputOf(table).rows);
+    }
+    for (OutputPieces::OfTable& of : pieces.tables) {
+        Output& output = outputOf(of.table);
+        output.rows += of.rows;
+        output.sink->append(std::move(of.piece));
+        countAndFlush(output);
+    }
+}
+
+void TableOutputs::countAndFlush(Output& output) {
     count(output);
     if (held_ > mostHeld_) {
         flushLarge();

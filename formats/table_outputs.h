@@ -6,6 +6,7 @@
 #include "client/schema/schema.h"
 #include "client/table_pass.h"
 #include "formats/destination.h"
+#include "formats/output_work.h"
 
 #include <functional>
 #include <memory>
@@ -29,6 +30,9 @@ class TableOutputs {
     // Takes items of a pass over the tables.  Throws Error.
     void take(std::span<const PassItem> items);
 
+    // Takes what workers have made of them, in order, each of one part.  Throws Error.
+    void take(OutputPieces& pieces);
+
     // Passes on what the sinks hold.
     void flush();
 
@@ -40,12 +44,14 @@ class TableOutputs {
     struct Output {
         std::unique_ptr<Sink> sink;
         PassRow row;
-        std::size_t held;  // by the sink
+        std::size_t held;   // by the sink
+        uint64_t rows = 0;  // that came in pieces
     };
 
     Output& outputOf(std::size_t table);
     void writeRow(std::size_t table, Output& output);
     void count(Output& output);
+    void countAndFlush(Output& output);
     void flushLarge();
     void flushFrom(std::size_t least);
 

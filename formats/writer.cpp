@@ -4,14 +4,15 @@
 #include "client/error.h"
 
 #include <algorithm>
+#include <bit>
 #include <cerrno>
+#include <cstdint>
 #include <unistd.h>
+#include <utility>
 
 namespace qvej {
 
 namespace {
-
-constexpr std::size_t kLeast = 256;  // bytes of a buffer
 
 class StandardOutput final : public Target {
    public:
@@ -21,6 +22,11 @@ class StandardOutput final : public Target {
         }
     }
     [[nodiscard]] bool terminal() const override { return ::isatty(STDOUT_FILENO) == 1; }
+};
+
+class Nowhere final : public Target {
+   public:
+    void write(const char* /*text*/, std::size_t /*size*/) override {}
 };
 
 }  // namespace
@@ -60,7 +66,7 @@ void Writer::makeRoom(std::size_t size) {
     if (used_ + size > most_) {
         flush();
     }
-    std::size_t capacity = std::max(capacity_, kLeast);
+    std::size_t capacity = std::max(capacity_, least_);
     while (capacity < used_ + size) {
         capacity *= 2;
     }
@@ -80,6 +86,17 @@ void Writer::appendSlowly(const char* text, std::size_t size) {
     }
     makeRoom(size);
     append(text, size);
+}
+
+// The next text will be as long, about.
+Writer::Text Writer::take() {
+    least_ = std::max(kLeast, std::bit_ceil(used_ + 1));
+    capacity_ = 0;
+    return {std::move(buffer_), std::exchange(used_, 0)};
+}
+
+Writer memoryWriter() {
+    return Writer(std::make_unique<Nowhere>(), SIZE_MAX / 2);
 }
 
 Writer standardOutput() {

@@ -70,8 +70,16 @@ class Writer {
 
     [[nodiscard]] bool terminal() const { return target_->terminal(); }
 
+    // Of a writer to memory: what has been written since the last call.
+    struct Text {
+        std::unique_ptr<char[]> bytes;
+        std::size_t size;
+    };
+    [[nodiscard]] Text take();
+
    private:
     static constexpr std::size_t kMost = std::size_t{1} << 18;
+    static constexpr std::size_t kLeast = 256;
 
     void appendSlowly(const char* text, std::size_t size);
     void makeRoom(std::size_t size);
@@ -81,10 +89,14 @@ class Writer {
     std::unique_ptr<char[]> buffer_;
     std::size_t capacity_ = 0;
     std::size_t used_ = 0;
+    std::size_t least_ = kLeast;  // bytes of a new buffer
 };
 
 // Standard output.
 Writer standardOutput();
+
+// Memory: all stays in the buffer until it is taken.
+Writer memoryWriter();
 
 // Writes to a descriptor, all of it.  False with errno.
 bool writeAll(int descriptor, const char* text, std::size_t size);

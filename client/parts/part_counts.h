@@ -1,5 +1,5 @@
-// How often objects and arrays have come in each part of a document: the sums say what ordinals have
-// counted before a part, so that its rows can be made without those before it.
+// How often objects and arrays have come in each part of a document: the sums say what ordinals
+// have counted before a part, so that its rows can be made without those before it.
 //
 // Memory: 16 bytes for each path of a container and part that has it.
 //

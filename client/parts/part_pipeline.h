@@ -27,31 +27,39 @@
 
 namespace qvej {
 
-// The pieces of one part, as a worker takes them.
-class PieceSource {
-   public:
-    virtual ~PieceSource() = default;
-    // False after the last piece.
-    virtual bool next(TextPart& piece) = 0;
-};
-
 template <class Result>
 class PartPipeline {
    public:
-    // Works on one part, on whatever thread.  What it throws is thrown by `next` in its place.
+    // Works on one part, on whatever thread; it is made, used and destroyed there.  What it throws
+    // is thrown by `next` in the place of its results.
+    class Worker {
+       public:
+        Worker() = default;
+        virtual ~Worker() = default;
+        Worker(const Worker&) = delete;
+        Worker& operator=(const Worker&) = delete;
+
+        // The next piece of the part, and its end.
+        virtual void feed(TextPart piece) = 0;
+        virtual void finish() = 0;
+    };
+    // Takes a result of a worker.
     using Put = std::function<void(Result)>;
-    using Work = std::function<void(PieceSource& pieces, const Put& put)>;
+    using Make = std::function<std::unique_ptr<Worker>(Put put)>;
 
     // Starts the threads.
     //   read  gives all pieces in order
     using Read = std::function<void(const TakePart& take)>;
-    PartPipeline(const Read& read, unsigned workers, Work work);
+    PartPipeline(const Read& read, unsigned workers, Make make);
     ~PartPipeline();
     PartPipeline(const PartPipeline&) = delete;
     PartPipeline& operator=(const PartPipeline&) = delete;
 
     // The next result; false after the last.  Throws what reading or working threw.
     bool next(Result& result);
+
+    // The same without threads: one part after the other.
+    static void run(const Read& read, const Make& make, const Put& put);
 
    private:
     static constexpr std::size_t kMostPieces = 2;
@@ -68,29 +76,6 @@ class PartPipeline {
         std::exception_ptr failure = {};
     };
 
-    class Pieces final : public PieceSource {
-       public:
-        Pieces(PartPipeline& line, Job& job) : line_(line), job_(job) {}
-        bool next(TextPart& piece) override {
-            std::unique_lock lock(line_.mutex_);
-            line_.wait(lock, [&] { return !job_.pieces.empty() || job_.whole || line_.read_; });
-            if (job_.pieces.empty()) {
-                if (!job_.whole) {
-                    throw Stopped();  // the reading has failed
-                }
-                return false;
-            }
-            piece = std::move(job_.pieces.front());
-            job_.pieces.pop_front();
-            line_.changed_.notify_all();
-            return true;
-        }
-
-       private:
-        PartPipeline& line_;
-        Job& job_;
-    };
-
     // Waits until `ready`; throws Stopped when the pipeline ends.
     template <class Ready>
     void wait(std::unique_lock<std::mutex>& lock, const Ready& ready) {
@@ -104,11 +89,12 @@ class PartPipeline {
     void give(TextPart piece);
     void readAll(const Read& read);
     void workAll();
+    bool takePiece(Job& job, TextPart& piece);
     void workOn(Job& job);
     void put(Job& job, Result result);
 
     const unsigned workers_;
-    const Work work_;
+    const Make make_;
     std::mutex mutex_;
     std::condition_variable changed_;
     std::deque<std::shared_ptr<Job>> jobs_;     // not taken to the end, in order
@@ -120,8 +106,8 @@ class PartPipeline {
 };
 
 template <class Result>
-PartPipeline<Result>::PartPipeline(const Read& read, unsigned workers, Work work)
-    : workers_(workers), work_(std::move(work)) {
+PartPipeline<Result>::PartPipeline(const Read& read, unsigned workers, Make make)
+    : workers_(workers), make_(std::move(make)) {
     threads_.push_back(startQuietly([this, read] { readAll(read); }));
     for (unsigned i = 0; i < workers; ++i) {
         threads_.push_back(startQuietly([this] { workAll(); }));
@@ -201,12 +187,33 @@ void PartPipeline<Result>::workAll() {
     }
 }
 
+// False after the last piece.
+template <class Result>
+bool PartPipeline<Result>::takePiece(Job& job, TextPart& piece) {
+    std::unique_lock lock(mutex_);
+    wait(lock, [&] { return !job.pieces.empty() || job.whole || read_; });
+    if (job.pieces.empty()) {
+        if (!job.whole) {
+            throw Stopped();  // the reading has failed
+        }
+        return false;
+    }
+    piece = std::move(job.pieces.front());
+    job.pieces.pop_front();
+    changed_.notify_all();
+    return true;
+}
+
 template <class Result>
 void PartPipeline<Result>::workOn(Job& job) {
     std::exception_ptr failure;
     try {
-        Pieces pieces(*this, job);
-        work_(pieces, [&](Result result) { put(job, std::move(result)); });
+        const std::unique_ptr<Worker> worker =
+            make_([&](Result result) { put(job, std::move(result)); });
+        for (TextPart piece; takePiece(job, piece);) {
+            worker->feed(std::move(piece));
+        }
+        worker->finish();
     } catch (const Stopped&) {
         const std::lock_guard lock(mutex_);
         if (stopped_) {
@@ -228,6 +235,22 @@ void PartPipeline<Result>::put(Job& job, Result result) {
     wait(lock, [&] { return job.results.size() < kMostResults; });
     job.results.push_back(std::move(result));
     changed_.notify_all();
+}
+
+template <class Result>
+void PartPipeline<Result>::run(const Read& read, const Make& make, const Put& put) {
+    std::unique_ptr<Worker> worker;
+    read([&](TextPart piece) {
+        if (worker == nullptr) {
+            worker = make(put);
+        }
+        const bool ends = piece.endsPart;
+        worker->feed(std::move(piece));
+        if (ends) {
+            worker->finish();
+            worker.reset();
+        }
+    });
 }
 
 template <class Result>

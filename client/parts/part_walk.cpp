@@ -19,21 +19,17 @@ constexpr std::string_view kRootPath = "\x02root";
 }  // namespace
 
 // The walk of one part, or of all as one.
-class PartWalk::Walk {
+class PartWalk::Walk final : public Line::Worker {
    public:
-    using Put = Line::Put;
-
-    Walk(PartWalk& rows, Put put)
+    Walk(PartWalk& rows, Line::Put put)
         : rows_(rows), put_(std::move(put)), part_(rows.parts_), work_(rows.borrowWork()) {
         check(jmapWalkOpen(part_.handle(), rows.document_.handle(), rows.tables_.data(),
                            static_cast<QVStrSize>(rows.tables_.size()), 0, &Walk::take, this,
                            &handle_));
     }
-    ~Walk() { (void)jmapPassClose(handle_); }  // it has no file
-    Walk(const Walk&) = delete;
-    Walk& operator=(const Walk&) = delete;
+    ~Walk() override { (void)jmapPassClose(handle_); }  // it has no file
 
-    void feed(TextPart next) {
+    void feed(TextPart next) override {
         const bool first = piece_ == nullptr;
         piece_ = std::make_shared<TextPart>(std::move(next));
         work_->holdText(piece_, piece_->partition.text);
@@ -51,7 +47,7 @@ class PartWalk::Walk {
         guarded([&] { part_.feed(*piece_); });
     }
 
-    void finish() {
+    void finish() override {
         guarded([&] { part_.finish(); });
         Result last = takeResult();
         PartEnd& end = last.end.emplace();
@@ -108,14 +104,15 @@ class PartWalk::Walk {
     }
 
     void add(PassItem item) {
-        if (seen_++ < rows_.passed_) {
-            return;
-        }
         if (rows_.asOne_) {
             findText();
         }
         if (rows_.source_) {
             item = withSource(item, rows_.document_.texts()[text_], row_);
+        }
+        if (seen_++ < rows_.passed_) {
+            work_->passOver(item);
+            return;
         }
         work_->take(item);
         ++items_;
@@ -136,9 +133,7 @@ class PartWalk::Walk {
             text_ = text;
         }
     }
-    Result takeResult() {
-        return {work_->result(), std::exchange(items_, 0), text_};
-    }
+    Result takeResult() { return {work_->result(), std::exchange(items_, 0), text_}; }
     void deliver() {
         put_(takeResult());
         work_->holdText(piece_, piece_->partition.text);
@@ -151,7 +146,7 @@ class PartWalk::Walk {
     }
 
     PartWalk& rows_;
-    const Put put_;
+    const Line::Put put_;
     PartDocument part_;
     std::unique_ptr<RowWork> work_;
     JMAPPassh handle_ = nullptr;
@@ -212,6 +207,9 @@ void PartWalk::read(const TakePart& take) const {
     bool begins = true;
     readInParts(parts_, firstColumn_.back() * kBytesForAColumn, Members::WHOLE,
                 [&](TextPart piece) {
+                    if (piece.number >= parts_.counts.parts()) {
+                        throw Indivisible();  // these are others than those that were counted
+                    }
                     if (begins) {
                         piece.before = sums.before(piece.number);
                     }
@@ -223,19 +221,17 @@ void PartWalk::read(const TakePart& take) const {
 void PartWalk::start() {
     line_ = std::make_unique<Line>([this](const TakePart& take) { read(take); },
                                    asOne_ ? 1 : parts_.threads,
-                                   [this](PieceSource& pieces, const Line::Put& put) {
-                                       Walk walk(*this, put);
-                                       TextPart piece;
-                                       while (pieces.next(piece)) {
-                                           walk.feed(std::move(piece));
-                                       }
-                                       walk.finish();
-                                   });
+                                   [this](Line::Put put) { return makeWalk(std::move(put)); });
+}
+
+std::unique_ptr<PartWalk::Line::Worker> PartWalk::makeWalk(Line::Put put) {
+    return std::make_unique<Walk>(*this, std::move(put));
 }
 
 void PartWalk::walkAsOne() {
     line_.reset();
     asOne_ = true;
+    idle_.clear();  // what they know is of the parts
     notApart_ = false;
     passed_ = taken_;
     columns_.assign(firstColumn_.back(), {});
@@ -315,27 +311,17 @@ void PartWalk::run(const TakeRowResult& take) {
 
 // False: the parts cannot be walked apart.
 bool PartWalk::walkAlone(const TakeRowResult& take) {
-    const Line::Put put = [&](Result result) {
-        if (std::unique_ptr<RowResult> rows = accept(std::move(result))) {
-            take(std::move(rows));
-        }
-    };
-    std::unique_ptr<Walk> walk;
     try {
-        read([&](TextPart piece) {
-            if (walk == nullptr) {
-                walk = std::make_unique<Walk>(*this, put);
-            }
-            const bool ends = piece.endsPart;
-            walk->feed(std::move(piece));
-            if (ends) {
-                walk->finish();
-                walk.reset();
-            }
-            if (notApart_) {
-                throw Indivisible();
-            }
-        });
+        Line::run([this](const TakePart& pieces) { read(pieces); },
+                  [this](Line::Put put) { return makeWalk(std::move(put)); },
+                  [&](Result result) {
+                      if (std::unique_ptr<RowResult> rows = accept(std::move(result))) {
+                          take(std::move(rows));
+                      }
+                      if (notApart_) {
+                          throw Indivisible();
+                      }
+                  });
         return true;
     } catch (const Indivisible&) {
         return false;

@@ -80,6 +80,7 @@ class PartWalk {
     void findOrdinals();
     void read(const TakePart& take) const;
     void start();
+    [[nodiscard]] std::unique_ptr<Line::Worker> makeWalk(Line::Put put);
     void walkAsOne();
     bool walkAlone(const TakeRowResult& take);
     bool nextResult(Result& result);

@@ -37,32 +37,44 @@ std::vector<ContainerCount> containersOf(QVEJMAPJsonContexth document) {
     return containers;
 }
 
-CountedPart countPart(const PartsOfDocument& of, PieceSource& pieces) {
-    PartDocument part(of, kMostPaths);
-    jmapCountOnly(part.handle(), 1);
-    CountedPart counted;
-    TextPart piece;
-    for (bool first = true; pieces.next(piece); first = false) {
-        const Partition& partition = piece.partition;
-        part.feed(piece);
-        if (!first) {
-            continue;
-        }
-        counted.text = piece.text;
-        counted.name = piece.name;
-        counted.wholeText = partition.kind == Partition::Kind::WHOLE;
-        counted.line = partition.begin.line;
-        counted.column = partition.begin.column - part.before();
+using Line = PartPipeline<CountedPart>;
+
+class PartCounter final : public Line::Worker {
+   public:
+    PartCounter(const PartsOfDocument& of, Line::Put put)
+        : put_(std::move(put)), part_(of, kMostPaths) {
+        jmapCountOnly(part_.handle(), 1);
     }
-    part.finish();
-    const char* bytes = nullptr;
-    QVStrSize bytesLen = 0;
-    check(jmapTakePart(part.handle(), &bytes, &bytesLen));
-    counted.bytes = std::string(view(bytes, bytesLen));
-    counted.flags = jmapPartFlags(part.handle());
-    counted.containers = containersOf(part.handle());
-    return counted;
-}
+
+    void feed(TextPart piece) override {
+        const Partition& partition = piece.partition;
+        part_.feed(piece);
+        if (std::exchange(first_, false)) {
+            counted_.text = piece.text;
+            counted_.name = piece.name;
+            counted_.wholeText = partition.kind == Partition::Kind::WHOLE;
+            counted_.line = partition.begin.line;
+            counted_.column = partition.begin.column - part_.before();
+        }
+    }
+
+    void finish() override {
+        part_.finish();
+        const char* bytes = nullptr;
+        QVStrSize bytesLen = 0;
+        check(jmapTakePart(part_.handle(), &bytes, &bytesLen));
+        counted_.bytes = std::string(view(bytes, bytesLen));
+        counted_.flags = jmapPartFlags(part_.handle());
+        counted_.containers = containersOf(part_.handle());
+        put_(std::move(counted_));
+    }
+
+   private:
+    const Line::Put put_;
+    PartDocument part_;
+    CountedPart counted_;
+    bool first_ = true;
+};
 
 // Whether the sum of the parts is that of the whole.
 bool addsUp(const CountedPart& part) {
@@ -70,39 +82,54 @@ bool addsUp(const CountedPart& part) {
     return (part.flags & ~harmless) == 0;
 }
 
-bool addAll(PartPipeline<CountedPart>& line, Document& sum, bool several, PartCounts& counts) {
-    std::size_t texts = 0;
-    std::size_t parts = 0;
-    bool firstAddsUp = true;
-    CountedPart part;
-    while (line.next(part)) {
-        firstAddsUp = parts == 0 ? addsUp(part) : firstAddsUp;
-        ++parts;
-        if (parts > 1 && !(firstAddsUp && addsUp(part))) {
-            return false;
+// Adds the parts up, as far as that gives what the whole gives.
+class PartSum {
+   public:
+    PartSum(PartsOfDocument& parts, Document& sum) : parts_(parts), sum_(sum) {}
+
+    void add(const CountedPart& part) {
+        firstAddsUp_ = count_ == 0 ? addsUp(part) : firstAddsUp_;
+        ++count_;
+        if (count_ > 1 && !(firstAddsUp_ && addsUp(part))) {
+            throw Indivisible();
         }
-        if (several && part.text == texts) {
-            sum.addText(part.name);
-            ++texts;
+        if (parts_.options.several && part.text == texts_) {
+            sum_.addText(part.name);
+            ++texts_;
         }
-        sum.addPart(part.bytes, part.line, part.column);
-        counts.add(part.containers);
+        sum_.addPart(part.bytes, part.line, part.column);
+        parts_.counts.add(part.containers);
     }
-    sum.finishParts();
-    return true;
-}
+
+   private:
+    PartsOfDocument& parts_;
+    Document& sum_;
+    std::size_t texts_ = 0;
+    std::size_t count_ = 0;
+    bool firstAddsUp_ = true;
+};
 
 }  // namespace
 
 bool scanParts(PartsOfDocument& parts, Document& sum) {
+    const Line::Read read = [&](const TakePart& take) {
+        readInParts(parts, 0, Members::DIVIDED, take);
+    };
+    const Line::Make make = [&](Line::Put put) {
+        return std::make_unique<PartCounter>(parts, std::move(put));
+    };
+    PartSum all(parts, sum);
     try {
-        PartPipeline<CountedPart> line(
-            [&](const TakePart& take) { readInParts(parts, 0, Members::DIVIDED, take); },
-            parts.threads,
-            [&](PieceSource& pieces, const PartPipeline<CountedPart>::Put& put) {
-                put(countPart(parts, pieces));
-            });
-        return addAll(line, sum, parts.options.several, parts.counts);
+        if (parts.threads > 1) {
+            Line line(read, parts.threads, make);
+            for (CountedPart part; line.next(part);) {
+                all.add(part);
+            }
+        } else {
+            Line::run(read, make, [&](const CountedPart& part) { all.add(part); });
+        }
+        sum.finishParts();
+        return true;
     } catch (const Indivisible&) {
         return false;
     } catch (const Error& error) {

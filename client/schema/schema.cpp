@@ -20,6 +20,59 @@ bool isOrdinal(const Column& column) {
     return column.type == ColumnType::ORDINAL && !column.path.empty();
 }
 
+// The rows of the items, for a builder.
+class ItemRows {
+   public:
+    ItemRows(const Document& document, const std::vector<const Table*>& tables)
+        : document_(document), tables_(tables), rows_(tables.size()) {}
+
+    // The number of rows that it completed: 0 or 1.
+    uint64_t take(const PassItem& item, SchemaBuilder& builder) {
+        std::unique_ptr<PassRow>& row = rows_[item.table];
+        if (row == nullptr) {
+            row = std::make_unique<PassRow>(document_, *tables_[item.table]);
+        }
+        if (!row->take(item)) {
+            return 0;
+        }
+        builder.take(item.table, *row);
+        return 1;
+    }
+
+   private:
+    const Document& document_;
+    const std::vector<const Table*>& tables_;
+    std::vector<std::unique_ptr<PassRow>> rows_;
+};
+
+// Facts of the rows of a part, found where they are made.
+struct PartFacts final : RowResult {
+    explicit PartFacts(const SchemaBuilder& noRows) : builder(noRows) {}
+    SchemaBuilder builder;
+    uint64_t rows = 0;
+};
+
+class FactsWork final : public RowWork {
+   public:
+    FactsWork(const Document& document, const std::vector<const Table*>& tables,
+              const SchemaBuilder& noRows)
+        : noRows_(noRows), rows_(document, tables) {}
+
+    void take(const PassItem& item) override {
+        if (facts_ == nullptr) {
+            facts_ = std::make_unique<PartFacts>(noRows_);
+        }
+        facts_->rows += rows_.take(item, facts_->builder);
+    }
+    [[nodiscard]] bool full() const override { return false; }
+    [[nodiscard]] std::unique_ptr<RowResult> result() override { return std::move(facts_); }
+
+   private:
+    const SchemaBuilder& noRows_;
+    ItemRows rows_;
+    std::unique_ptr<PartFacts> facts_;
+};
+
 }  // namespace
 
 SchemaBuilder::SchemaBuilder(const Document& document, const std::vector<const Table*>& tables,
@@ -167,24 +220,30 @@ Schema schemaOf(const Document& document, const std::vector<const Table*>& table
 Schema schemaOf(const Document& document, const std::vector<const Table*>& tables, TablePass& pass,
                 unsigned threads, const SchemaOptions& options,
                 const std::function<void(uint64_t)>& onRows) {
-    SchemaBuilder builder(document, tables, options);
-    std::vector<std::unique_ptr<PassRow>> rows(tables.size());
-    runPass(pass, threads, [&](std::span<const PassItem> items) {
-        uint64_t count = 0;
-        for (const PassItem& item : items) {
-            std::unique_ptr<PassRow>& row = rows[item.table];
-            if (row == nullptr) {
-                row = std::make_unique<PassRow>(document, *tables[item.table]);
-            }
-            if (row->take(item)) {
-                builder.take(item.table, *row);
-                ++count;
-            }
-        }
+    const SchemaBuilder noRows(document, tables, options);
+    SchemaBuilder builder(noRows);
+    const auto tell = [&](uint64_t rows) {
         if (onRows) {
-            onRows(count);
+            onRows(rows);
         }
-    });
+    };
+    const bool apart =
+        pass.work([&] { return std::make_unique<FactsWork>(document, tables, noRows); },
+                  [&](std::unique_ptr<RowResult> result) {
+                      const auto& part = static_cast<const PartFacts&>(*result);
+                      builder.add(part.builder);
+                      tell(part.rows);
+                  });
+    if (!apart) {
+        ItemRows rows(document, tables);
+        runPass(pass, threads, [&](std::span<const PassItem> items) {
+            uint64_t count = 0;
+            for (const PassItem& item : items) {
+                count += rows.take(item, builder);
+            }
+            tell(count);
+        });
+    }
     return builder.end();
 }
 

@@ -6,10 +6,12 @@
 #include <atomic>
 #include <chrono>
 #include <fstream>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <sys/resource.h>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -27,43 +29,68 @@ Line::Read numbered(int parts, int pieces) {
     };
 }
 
-// Gives each piece back, twice.
-void echo(qvej::PieceSource& pieces, const Line::Put& put) {
-    for (qvej::TextPart piece; pieces.next(piece);) {
-        put(piece.partition.text);
-        put(piece.partition.text);
+// Gives the text of each piece back, and again at the end of its part.
+class Echo final : public Line::Worker {
+   public:
+    Echo(Line::Put put, std::string bad) : put_(std::move(put)), bad_(std::move(bad)) {}
+    void feed(qvej::TextPart piece) override {
+        texts_ += piece.partition.text;
+        put_(piece.partition.text);
+        if (piece.partition.text == bad_) {
+            throw std::runtime_error("bad");
+        }
     }
+    void finish() override { put_("end " + texts_); }
+
+   private:
+    const Line::Put put_;
+    const std::string bad_;  // a text that makes it fail
+    std::string texts_;
+};
+Line::Make echo(const std::string& bad = "none") {
+    return [bad](Line::Put put) { return std::make_unique<Echo>(std::move(put), bad); };
+}
+
+// What comes of that.
+std::vector<std::string> echoed(int parts, int pieces) {
+    std::vector<std::string> results;
+    for (int i = 0; i < parts; ++i) {
+        std::string texts;
+        for (int k = 0; k < pieces; ++k) {
+            texts += results.emplace_back(std::to_string(i * pieces + k));
+        }
+        results.push_back("end " + texts);
+    }
+    return results;
 }
 
 TEST(PartPipeline, GivesTheResultsInOrderWhateverItsThreadsDo) {
     for (const unsigned workers : {1U, 2U, 7U}) {
-        Line line(numbered(40, 9), workers, echo);
+        Line line(numbered(40, 9), workers, echo());
         std::string result;
-        for (int i = 0; i < 2 * 40 * 9; ++i) {
+        for (const std::string& want : echoed(40, 9)) {
             ASSERT_TRUE(line.next(result));
-            ASSERT_EQ(std::to_string(i / 2), result);
+            ASSERT_EQ(want, result);
         }
         EXPECT_FALSE(line.next(result));
         EXPECT_FALSE(line.next(result));
     }
+    std::vector<std::string> alone;
+    Line::run(numbered(40, 9), echo(), [&](std::string result) { alone.push_back(result); });
+    EXPECT_EQ(echoed(40, 9), alone);
 }
 
 TEST(PartPipeline, ThrowsAFailureAfterWhatCameBeforeIt) {
     for (const unsigned workers : {1U, 2U, 7U}) {
         for (const int bad : {0, 1, 12, 19}) {
-            Line line(numbered(20, 5), workers, [&](qvej::PieceSource& pieces, const auto& put) {
-                for (qvej::TextPart piece; pieces.next(piece);) {
-                    put(piece.partition.text);
-                    if (piece.partition.text == std::to_string(5 * bad)) {
-                        throw std::runtime_error("bad");
-                    }
-                }
-            });
+            Line line(numbered(20, 5), workers, echo(std::to_string(5 * bad)));
             std::string result;
-            for (int i = 0; i <= 5 * bad; ++i) {
+            for (const std::string& want : echoed(bad, 5)) {
                 ASSERT_TRUE(line.next(result));
-                EXPECT_EQ(std::to_string(i), result);
+                EXPECT_EQ(want, result);
             }
+            ASSERT_TRUE(line.next(result));
+            EXPECT_EQ(std::to_string(5 * bad), result);
             EXPECT_THROW((void)line.next(result), std::runtime_error);
             EXPECT_THROW((void)line.next(result), std::runtime_error);
         }
@@ -79,15 +106,10 @@ TEST(PartPipeline, HoldsAFewParts) {
                 ++taken;
             }
         },
-        2,
-        [](qvej::PieceSource& pieces, const Line::Put& put) {
-            for (qvej::TextPart piece; pieces.next(piece);) {
-                put("");
-            }
-        });
+        2, echo());
     std::string result;
     for (int i = 0; i < 500; ++i) {
-        ASSERT_TRUE(line.next(result));
+        ASSERT_TRUE(line.next(result) && line.next(result));
         ASSERT_LE(taken, i + 1 + 5) << "two workers, and two more parts";
     }
 }
@@ -102,7 +124,7 @@ TEST(PartPipeline, FailsWithoutThreads) {
     rlimit less = before;
     less.rlim_cur = pages * 4096 + (rlim_t{100} << 20);
     ASSERT_EQ(0, ::setrlimit(RLIMIT_AS, &less));
-    EXPECT_THROW(Line(numbered(40, 9), 100, echo), qvej::Error);
+    EXPECT_THROW(Line(numbered(40, 9), 100, echo()), qvej::Error);
     ASSERT_EQ(0, ::setrlimit(RLIMIT_AS, &before));
 }
 #endif

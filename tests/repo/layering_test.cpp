@@ -41,7 +41,7 @@ const Layer kLayers[] = {
     {"client/partition/", R"re(client/(partition/.*|text_form\.h)|<.*>)re"},
     {"client/parts/", R"re(client/((parts|partition|input)/.*|[^/]*)|include/.*|<.*>)re"},
     {"client/schema/",
-     R"re(client/(schema/.*|(columns|document|error|pass_pipe|row|table_pass)\.h)|include/.*|<.*>)re"},
+     R"re(client/(schema/.*|(columns|document|error|pass_pipe|row|row_work|table_pass)\.h)|include/.*|<.*>)re"},
     {"client/",
      R"re(client/([^/]*|shape/(shape|reshaper)\.h|parts/(item_batch|walked_rows)\.h)|include/.*|<.*>)re"},
     {"formats/", "(formats|client)/.*|include/.*|<.*>"},

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Rows that are made while the text is read, against those from records.
+"""Rows that are made while the text is read, or in parts of it, against those from records.
 
     stream.py QVEJMAP [DOCUMENTS [SEED]]     JMAP_LONG=1 in the environment: 1,000 documents
 
-For random documents and maps, good and broken ones, both give the same files, the same words and the
+For random documents and maps, good and broken ones, all give the same files, the same words and the
 same exit code.  And of a pipe that stays open the rows come before it ends.
 """
 
@@ -42,8 +42,12 @@ def value(depth):
     return [value(depth - 1) for _ in range(R.randrange(4))]
 
 
+def some_rows():
+    return [{R.choice(NAMES): value(3) for _ in range(R.randrange(1, 7))} for _ in range(R.randrange(1, 12))]
+
+
 def document():
-    rows = [{R.choice(NAMES): value(3) for _ in range(R.randrange(1, 7))} for _ in range(R.randrange(1, 12))]
+    rows = some_rows()
     how = R.randrange(4)
     if how == 0:
         return "\n".join(json.dumps(row) for row in rows) + "\n", "d.jsonl"
@@ -52,6 +56,16 @@ def document():
     if text[0] not in "[{":
         text = "[" + text + "]"
     return text, "d.json"
+
+
+def large_document():
+    """Of several parts."""
+    # A name "" would keep the text in one piece.
+    rows = [json.dumps(row).replace('"":', '"n":') for row in some_rows()]
+    how = R.randrange(3)
+    between = "\n" if how == 0 else ","
+    text = between.join(rows * ((9 << 19) // len(between.join(rows)) + 1))
+    return [(text + "\n", "d.jsonl"), ("[" + text + "]", "d.json"), ('{"rows":[' + text + '],"x":1}', "d.json")][how]
 
 
 def broken(text):
@@ -71,8 +85,9 @@ def changed(column):
     return column
 
 
-def user_map(automatic):
-    """The tables of the document with other types and lengths, some columns in other tables as well."""
+def user_map(automatic, shown=False):
+    """The tables of the document with other types and lengths, some columns in other tables as well.
+    `shown`: there is a number with a format, so that a walk must come first."""
     columns = [c for t in automatic["DATASETS"] for c in t["VARIABLES"]]
     tables = []
     for table in automatic["DATASETS"]:
@@ -82,6 +97,11 @@ def user_map(automatic):
         own += [changed(dict(R.choice(columns), NAME="other")) for _ in range(R.randrange(2))]
         if own:
             tables.append(dict(table, DSNAME=table["DSNAME"] or "t", VARIABLES=own))
+    if shown:
+        place = R.choice(columns)["PATH"]
+        tables.append({"DSNAME": "shown", "TABLEPATH": place.rpartition("/")[0], "VARIABLES": [
+            {"NAME": "n", "TYPE": "ORDINAL", "PATH": "/root"},
+            {"NAME": "f", "TYPE": "NUMERIC", "PATH": place, "FORMAT": ["comma", 12, 2]}]})
     rows = {"NAME": "n", "TYPE": "ORDINAL", "PATH": "/root"}
     return {"DATASETS": tables or [{"DSNAME": "t", "TABLEPATH": "/root", "VARIABLES": [rows]}]}
 
@@ -110,8 +130,8 @@ def files_of(folder):
 def converted(folder, options, how, source):
     out = os.path.join(folder, "out")
     name = os.path.basename(source)
-    done = run(folder, "convert", *(["-"] if source and "-" in how else options["inputs"]), "-o", "out", "--map",
-               "m.json", "--plan", *options["more"], *[w for w in how if w != "-"], source=source if "-" in how else None)
+    done = run(folder, "convert", *(["-"] if source and "-" in how else options["inputs"]), "-o", "out",
+               *options.get("map", ["--map", "m.json"]), "--plan", *options["more"], *[w for w in how if w != "-"], source=source if "-" in how else None)
     plan, _, words = done.stderr.partition(b"\n")
     files = files_of(out)
     rejects = os.path.join(folder, "rejects.csv")
@@ -156,6 +176,25 @@ def check_equal(folder, seen):
             rows = (rows[0], rows[1][-len(records[1]):], rows[2])
         assert rows == records, "\n".join(["", folder, str(how), str(more), str(records), str(rows)])
     os.remove(path)
+
+
+def check_parts(folder, seen):
+    text, name = large_document()
+    with open(os.path.join(folder, name), "w", encoding="utf-8") as file:
+        file.write(text)
+    mapped = R.random() < 0.7
+    if mapped:
+        automatic = run(folder, "map", name)
+        with open(os.path.join(folder, "m.json"), "w", encoding="utf-8") as file:
+            json.dump(user_map(json.loads(automatic.stdout), shown=True), file)
+    options = {"inputs": [name] * R.choice([1, 1, 2]), "map": ["--map", "m.json"] if mapped else [],
+               "more": R.choice([[], ["--format", "ndjson"], ["--rejects", "rejects.csv"], ["--gzip"]]) + ["--force"]}
+    _, records = converted(folder, options, ["--compress"], name)
+    for threads in "1", "2", "5":
+        plan, rows = converted(folder, options, ["--threads", threads], name)
+        assert plan.startswith(b"plan: counted in parts on " + threads.encode()), plan
+        assert rows == records, "\n".join(["", folder, threads, str(options), str(records)[:3000], str(rows)[:3000]])
+    seen["parts", records[0]] = seen.get(("parts", records[0]), 0) + 1
 
 
 # ---- Pipes that stay open --------------------------------------------------------------------------
@@ -250,8 +289,10 @@ def main():
         seen = {}
         for i in range(COUNT):
             check_equal(folder, seen)
+        for i in range(COUNT // 10):
+            check_parts(folder, seen)
         # Both plans, and good, lossy and broken documents have come.
-        assert {0, 1, 3, "not"} <= set(seen) or COUNT < 60, seen
+        assert {0, 1, 3, "not", ("parts", 0), ("parts", 1)} <= set(seen) or COUNT < 60, seen
     print(f"{COUNT} documents: {seen}")
 
 

@@ -292,9 +292,8 @@ std::string Session::whyNotDivided(const ReadingWishes& wishes) const {
     if (const std::string why = whyOnce(inputs_); !why.empty()) {
         return why;
     }
-    if (wishes.partThreads < 2) {
-        const std::string& why = wishes.notStreamed.empty() ? whyCounted_ : wishes.notStreamed;
-        return why.empty() ? "there is one thread" : why;
+    if (wishes.partThreads == 0) {
+        return wishes.notStreamed.empty() ? whyCounted_ : wishes.notStreamed;
     }
     return options_.memory.value_or(kLeastMemory) < kLeastMemory ? "--memory is below 256M"
            : rereadableBytes(inputs_).value_or(0) < kWorthIt     ? "the input is small"
@@ -335,7 +334,8 @@ void Session::read(const ReadingWishes& wishes) {
     std::string why = whyNotDivided(wishes);
     if (why.empty() && readParts(document, wishes)) {
         tellPlan(options_, "counted in parts on " + std::to_string(wishes.partThreads) +
-                               " threads, then read again for the rows");
+                               (wishes.partThreads == 1 ? " thread" : " threads") +
+                               ", then read again for the rows");
         return;
     }
     why = why.empty() ? "the text cannot be divided" : why;

@@ -33,7 +33,7 @@ struct ReadingWishes {
     bool again = false;                                   // what is skipped has been told
     // Rows are wanted of tables alone, without what only records have (ALLDATA, retained or carried
     // values): the document may then be read in parts on so many threads, and again for its rows.
-    unsigned partThreads = 1;
+    unsigned partThreads = 0;
     // Rows are wanted once: they may be made while the text is read, unless this says why not.
     std::string notStreamed = "more than rows is wanted";
     std::string table = {};  // the only one that rows are wanted of; empty: all are

@@ -65,9 +65,9 @@ struct Options {
     return !options.reading.naming && options.map.empty() && !options.quiet;
 }
 
-// On how many threads a document may be read in parts: see ReadingWishes.
+// On how many threads a document may be read in parts, or 0: see ReadingWishes.
 [[nodiscard]] inline unsigned partThreads(const Options& options) {
-    return options.retain || options.carry || options.alldata ? 1 : options.threads;
+    return options.retain || options.carry || options.alldata ? 0 : options.threads;
 }
 
 // May a shape be proposed?

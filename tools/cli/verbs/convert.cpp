@@ -6,6 +6,7 @@
 #include "client/schema/schema.h"
 #include "formats/cleanup.h"
 #include "formats/destination.h"
+#include "formats/output_work.h"
 #include "formats/table_outputs.h"
 #include "tools/cli/choice.h"
 #include "tools/cli/failure.h"
@@ -64,11 +65,13 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
     Rejects rejects(options.rejects, options.force, sources, document.hasSourceColumn(),
                     destination.get());
     rejects.takeLines(session.skipped());
+    std::optional<const SchemaBuilder> noRows;
     std::optional<SchemaBuilder> facts;
     if (!schema) {
         SchemaOptions typesAndKeys = options.schema;
         typesAndKeys.counts = false;
-        facts.emplace(document, tables, typesAndKeys);
+        noRows.emplace(document, tables, typesAndKeys);
+        facts.emplace(*noRows);
     }
     TableOutputs outputs(
         document, tables, *destination, mostHeld(options),
@@ -78,10 +81,23 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
         pass.flushInTime([&] { outputs.flush(); });
     }
     session.progress().begin(Progress::ROWS);
-    runPass(pass, options.threads, [&](std::span<const PassItem> items) {
-        outputs.take(items);
-        session.progress().addRows(rowsOf(items));
-    });
+    const bool inPieces = destination->makesPieces() &&
+                          pass.work(
+                              [&] {
+                                  return std::make_unique<OutputWork>(
+                                      document, tables, *destination, noRows ? &*noRows : nullptr);
+                              },
+                              [&](std::unique_ptr<RowResult> result) {
+                                  auto& pieces = static_cast<OutputPieces&>(*result);
+                                  outputs.take(pieces);
+                                  session.progress().addRows(pieces.rows);
+                              });
+    if (!inPieces) {
+        runPass(pass, options.threads, [&](std::span<const PassItem> items) {
+            outputs.take(items);
+            session.progress().addRows(rowsOf(items));
+        });
+    }
     session.progress().erase();
     outputs.end();
     if (!schema) {

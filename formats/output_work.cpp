@@ -1,0 +1,111 @@
+// See output_work.h.
+#include "formats/output_work.h"
+
+#include <utility>
+
+namespace qvej {
+
+KeptReject::KeptReject(std::size_t table, const Row& row, const Rejected& rejected,
+                       uint64_t rowsBefore)
+    : table_(table),
+      columns_(row.columns()),
+      column_(rejected.column),
+      row_(rejected.row - rowsBefore),
+      text_(rejected.text),
+      reason_(rejected.reason),
+      cut_(rejected.cut) {
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+        if (columns_[i].type == ColumnType::ORDINAL) {
+            ordinals_.push_back(row.cell(i));
+            ordinals_.back().text = {};
+        }
+    }
+    source_ = row.cell(0).text;
+}
+
+Cell KeptReject::cell(std::size_t column) const {
+    std::size_t ordinal = 0;
+    for (std::size_t i = 0; i < column; ++i) {
+        ordinal += columns_[i].type == ColumnType::ORDINAL ? 1 : 0;
+    }
+    return columns_[column].type == ColumnType::ORDINAL ? ordinals_[ordinal]
+           : column == 0                                ? Cell{Cell::TEXT, 0, source_}
+                                                        : Cell{};
+}
+
+void KeptReject::giveTo(const RejectHandler& handler, uint64_t rowsBefore) const {
+    if (handler) {
+        handler(*this, {column_, rowsBefore + row_, text_, reason_, cut_});
+    }
+}
+
+OutputWork::OutputWork(const Document& document, const std::vector<const Table*>& tables,
+                       const Destination& destination, const SchemaBuilder* noRows)
+    : document_(document),
+      tables_(tables),
+      destination_(destination),
+      noRows_(noRows),
+      outputs_(tables.size()) {}
+
+OutputWork::Output& OutputWork::outputOf(std::size_t table) {
+    std::unique_ptr<Output>& output = outputs_[table];
+    if (output == nullptr) {
+        const RejectHandler keep = [this, table](const Row& row, const Rejected& rejected) {
+            if (!passesOver_) {
+                rejects_.push_back(std::make_unique<KeptReject>(table, row, rejected,
+                                                                outputs_[table]->rowsBefore));
+            }
+        };
+        output.reset(
+            new Output{{document_, *tables_[table], keep}, destination_.pieceSink(table)});
+    }
+    return *output;
+}
+
+void OutputWork::take(const PassItem& item) {
+    Output& output = outputOf(item.table);
+    if (!output.row.take(item)) {
+        return;
+    }
+    if (output.row.rows() == output.rowsBefore + 1) {
+        used_.push_back(item.table);
+    }
+    if (noRows_ != nullptr) {
+        if (facts_ == nullptr) {
+            facts_ = std::make_unique<SchemaBuilder>(*noRows_);
+        }
+        facts_->take(item.table, output.row);
+    }
+    output.sink->row(output.row);
+    const std::size_t held = output.sink->held();
+    held_ += held - output.held;
+    output.held = held;
+}
+
+// A value may have come before that belongs to a row to come.
+void OutputWork::passOver(const PassItem& item) {
+    Output& output = outputOf(item.table);
+    passesOver_ = true;
+    output.row.take(item);
+    output.rowsBefore = output.row.rows();
+    passesOver_ = false;
+}
+
+std::unique_ptr<RowResult> OutputWork::result() {
+    auto result = std::make_unique<OutputPieces>();
+    for (const std::size_t table : used_) {
+        Output& output = *outputs_[table];
+        const uint64_t rows = output.row.rows();
+        result->tables.push_back({table, rows - output.rowsBefore, output.sink->piece()});
+        result->rows += rows - output.rowsBefore;
+        output.rowsBefore = rows;
+        output.held = output.sink->held();
+    }
+    result->rejects = std::exchange(rejects_, {});
+    result->facts = std::move(facts_);
+    used_.clear();
+    held_ = 0;
+    return result;
+}
+
+}  // namespace qvej
