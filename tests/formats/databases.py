@@ -480,6 +480,17 @@ def check_postgres_failures(server):
         assert "tester" in said and "secret" not in said, said
 
 
+def check_copies(server):
+    """Rows of several tables go to the server many at a time, also after the first of them had to."""
+    rows = ",".join('{"id":%d,"a":[{"text":"%s"}],"b":[{"text":"%s"}]}' % (i, "x" * 100, "y" * 100) for i in range(20000))
+    server.sql("ALTER DATABASE postgres SET log_statement = 'all'")
+    tool("convert", write("copies.json", "[" + rows + "]"), "-o", server.address, "--memory", "64M", "--replace")
+    server.sql("ALTER DATABASE postgres RESET log_statement")
+    with open(server.place + "/log") as log:
+        copies = len(re.findall(r"statement: COPY .* FROM STDIN", log.read()))
+    assert 3 < copies < 30, copies
+
+
 def main():
     paths = iter(range(1000))
     check_reading(lambda name: Sqlite(f"d{next(paths)}.db"), 40, REAL)
@@ -497,6 +508,7 @@ def main():
         check_refusals(lambda name: Postgres(server, name))
         check_names(Postgres(server, "names"))
         check_postgres_failures(server)
+        check_copies(server)
 
 
 with tempfile.TemporaryDirectory(prefix="qvejmap-databases-") as place:
