@@ -14,8 +14,8 @@ constexpr std::string_view kNumbered = "files have the later ones as NAME~2 and 
 constexpr std::size_t kOfRowGroups = std::size_t{128} << 20;
 
 constexpr Format kFormats[] = {
-    {"csv", "csv", false, kTwiceInHeader, false, {}, makeCsvSink, false},
-    {"tsv", "tsv", false, kTwiceInHeader, false, {}, makeTsvSink, false},
+    {"csv", "csv", false, kTwiceInHeader, false, {}, makeCsvSink, false, true},
+    {"tsv", "tsv", false, kTwiceInHeader, false, {}, makeTsvSink, false, true},
     {"ndjson",
      "ndjson",
      true,
@@ -23,12 +23,13 @@ constexpr Format kFormats[] = {
      false,
      {},
      makeNdjsonSink,
-     false},
-    {"sqlite", "sqlite", true, {}, true, "sqlite", nullptr, true},
-    {"parquet", "parquet", true, kNumbered, true, "arrow", nullptr, false, kOfRowGroups},
-    {"arrow", "arrow", true, kNumbered, true, "arrow", nullptr, false},
-    {"postgres", {}, true, {}, true, "postgres", nullptr, true},
-    {"xlsx", "xlsx", true, kTwiceInHeader, true, "xlsx", nullptr, true},
+     false,
+     true},
+    {"sqlite", "sqlite", true, {}, true, "sqlite", nullptr, true, false},
+    {"parquet", "parquet", true, kNumbered, true, "arrow", nullptr, false, true, kOfRowGroups},
+    {"arrow", "arrow", true, kNumbered, true, "arrow", nullptr, false, true},
+    {"postgres", {}, true, {}, true, "postgres", nullptr, true, false},
+    {"xlsx", "xlsx", true, kTwiceInHeader, true, "xlsx", nullptr, true, false},
 };
 
 }  // namespace
@@ -56,7 +57,7 @@ std::string formatNames(bool textOnly) {
 
 std::unique_ptr<Sink> makePieceSink(const Format& format, SinkParms parms) {
     parms.pieces = true;
-    return format.make(memoryWriter(), parms);
+    return makeSink(format, memoryWriter(), parms);
 }
 
 std::unique_ptr<Sink> makeSink(const Format& format, Writer out, const SinkParms& parms) {

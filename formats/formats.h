@@ -51,11 +51,12 @@ struct Format {
     // A sink for the rows of one table, in a file of its own; null: a module has it, or the format
     // is a store.
     std::unique_ptr<Sink> (*make)(Writer out, const SinkParms& parms);
-    bool store;  // all tables are in one file or database
+    bool store;   // all tables are in one file or database
+    bool pieces;  // its sinks make pieces of rows and append them
 
     std::size_t mostHeld = std::size_t{32} << 20;  // bytes of memory that all sinks may take
 
-    // Can rows be printed?  Then sinks can make pieces of them, too.
+    // Can rows be printed?
     [[nodiscard]] bool text() const { return make != nullptr; }
 };
 

@@ -6,6 +6,7 @@
 
 #include "formats/arrow/arrow_stream.h"
 #include "formats/arrow/batch_builder.h"
+#include "formats/arrow/batch_sink.h"
 #include "formats/formats.h"
 
 #include <arrow/memory_pool.h>
@@ -15,6 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 namespace qvej {
 
@@ -38,8 +40,9 @@ class ArrowSink : public Sink {
     }
     // All that the library has for this file.
     [[nodiscard]] std::size_t held() const final {
-        return static_cast<std::size_t>(memory_.bytes_allocated());
+        return static_cast<std::size_t>(memory_.bytes_allocated()) + waitingBytes_;
     }
+    void append(std::unique_ptr<Piece> piece) final;
 
    protected:
     // Encodes the rows that are held; there are some.
@@ -47,8 +50,8 @@ class ArrowSink : public Sink {
     // Likewise if there are any, and ends the file.
     virtual void close() = 0;
 
-    [[nodiscard]] bool holdsRows() const { return rows_.rows() != 0; }
-    [[nodiscard]] std::shared_ptr<arrow::RecordBatch> takeRows() { return rows_.finish(); }
+    [[nodiscard]] bool holdsRows() const { return rows_.rows() != 0 || !waiting_.empty(); }
+    [[nodiscard]] std::shared_ptr<arrow::RecordBatch> takeRows();
 
     const TableSchema& table_;
     const bool threads_;  // several may be used
@@ -64,8 +67,11 @@ class ArrowSink : public Sink {
     void finish();
 
     BatchBuilder rows_;
+    std::vector<std::unique_ptr<BatchPiece>> waiting_;  // others have made them
+    std::size_t waitingBytes_ = 0;
     uint64_t left_;  // rows to come
 };
+
 
 [[nodiscard]] std::unique_ptr<Sink> makeParquetSink(Writer out, const SinkParms& parms);
 [[nodiscard]] std::unique_ptr<Sink> makeIpcSink(Writer out, const SinkParms& parms);

@@ -4,6 +4,7 @@
 #include "formats/module.h"
 
 #include "formats/arrow/arrow_sink.h"
+#include "formats/arrow/batch_sink.h"
 
 #include <utility>
 
@@ -11,7 +12,8 @@ namespace {
 
 std::unique_ptr<qvej::Sink> makeSink(std::string_view format, qvej::Writer out,
                                      const qvej::SinkParms& parms) {
-    return format == "parquet" ? qvej::makeParquetSink(std::move(out), parms)
+    return parms.pieces          ? qvej::makeBatchSink(parms)
+           : format == "parquet" ? qvej::makeParquetSink(std::move(out), parms)
                                : qvej::makeIpcSink(std::move(out), parms);
 }
 
