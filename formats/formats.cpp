@@ -25,10 +25,10 @@ constexpr Format kFormats[] = {
      makeNdjsonSink,
      false,
      true},
-    {"sqlite", "sqlite", true, {}, true, "sqlite", nullptr, true, false},
+    {"sqlite", "sqlite", true, {}, true, "sqlite", nullptr, true, true},
     {"parquet", "parquet", true, kNumbered, true, "arrow", nullptr, false, true, kOfRowGroups},
     {"arrow", "arrow", true, kNumbered, true, "arrow", nullptr, false, true},
-    {"postgres", {}, true, {}, true, "postgres", nullptr, true, false},
+    {"postgres", {}, true, {}, true, "postgres", nullptr, true, true},
     {"xlsx", "xlsx", true, kTwiceInHeader, true, "xlsx", nullptr, true, false},
 };
 

@@ -56,8 +56,7 @@ OutputWork::Output& OutputWork::outputOf(std::size_t table) {
                                                                 outputs_[table]->rowsBefore));
             }
         };
-        output.reset(
-            new Output{{document_, *tables_[table], keep}, destination_.pieceSink(table)});
+        output.reset(new Output{{document_, *tables_[table], keep}, destination_.pieceSink(table)});
     }
     return *output;
 }

@@ -51,8 +51,8 @@ class OutputPieces final : public RowResult {
     };
     std::vector<OfTable> tables;
     std::vector<std::unique_ptr<KeptReject>> rejects;  // as they came; rows count from this result
-    uint64_t rows = 0;                   // of all tables
-    std::unique_ptr<SchemaBuilder> facts;  // null: they are known
+    uint64_t rows = 0;                                 // of all tables
+    std::unique_ptr<SchemaBuilder> facts;              // null: they are known
 };
 
 class OutputWork final : public RowWork {

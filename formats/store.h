@@ -46,6 +46,11 @@ class Store {
     // The sink of a table, by its position in the schema; once each.
     [[nodiscard]] virtual std::unique_ptr<Sink> sink(std::size_t table) = 0;
 
+    // Of a format whose sinks make pieces: as of a Destination.
+    [[nodiscard]] virtual std::unique_ptr<Sink> pieceSink(std::size_t /*table*/) const {
+        return nullptr;
+    }
+
     // When all sinks have ended: what is left to do, such as keys and views.
     virtual void end() = 0;
 

@@ -41,6 +41,10 @@ class StoreDestination final : public Destination {
     void open(const std::vector<const Table*>& tables, const Schema* schema) override;
     [[nodiscard]] bool shares(const OutputFiles& files) const override;
     [[nodiscard]] std::unique_ptr<Sink> sink(std::size_t table) override;
+    [[nodiscard]] bool makesPieces() const override { return parms_.format.pieces; }
+    [[nodiscard]] std::unique_ptr<Sink> pieceSink(std::size_t table) const override {
+        return store_->pieceSink(table);
+    }
     void end(const Schema& schema) override;
     [[nodiscard]] std::vector<std::string> commit(OutputFiles* with) override;
     [[nodiscard]] std::vector<std::string> remarks() const override;

@@ -72,7 +72,6 @@ class ArrowSink : public Sink {
     uint64_t left_;  // rows to come
 };
 
-
 [[nodiscard]] std::unique_ptr<Sink> makeParquetSink(Writer out, const SinkParms& parms);
 [[nodiscard]] std::unique_ptr<Sink> makeIpcSink(Writer out, const SinkParms& parms);
 

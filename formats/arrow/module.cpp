@@ -14,7 +14,7 @@ std::unique_ptr<qvej::Sink> makeSink(std::string_view format, qvej::Writer out,
                                      const qvej::SinkParms& parms) {
     return parms.pieces          ? qvej::makeBatchSink(parms)
            : format == "parquet" ? qvej::makeParquetSink(std::move(out), parms)
-                               : qvej::makeIpcSink(std::move(out), parms);
+                                 : qvej::makeIpcSink(std::move(out), parms);
 }
 
 }  // namespace

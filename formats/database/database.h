@@ -91,6 +91,9 @@ class Database {
     [[nodiscard]] virtual std::unique_ptr<Sink> sink(const TargetTable& table,
                                                      const std::string& columnList) = 0;
 
+    // A sink that makes pieces for that one, on any thread.
+    [[nodiscard]] virtual std::unique_ptr<Sink> pieceSink(const TargetTable& table) const = 0;
+
     // When all sinks have ended: throws when a foreign key that was there finds no row.
     virtual void checkForeignKeys() = 0;
 

@@ -18,6 +18,9 @@ class DatabaseStore final : public Store {
     DatabaseStore(std::unique_ptr<Database> database, const StoreParms& parms);
 
     [[nodiscard]] std::unique_ptr<Sink> sink(std::size_t table) override;
+    [[nodiscard]] std::unique_ptr<Sink> pieceSink(std::size_t table) const override {
+        return database_->pieceSink(tables_[table]);
+    }
     void end() override;
     void commit() override;
     [[nodiscard]] std::vector<std::string> remarks() const override;

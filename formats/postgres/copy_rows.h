@@ -31,6 +31,8 @@ class CopyRows {
     // False: a text has U+0000, and nothing was added.
     [[nodiscard]] bool add(const Cell& cell, const DataType& type, int64_t shift);
 
+    void append(const CopyRows& rows) { bytes_ += rows.bytes_; }
+
     [[nodiscard]] const std::string& bytes() const { return bytes_; }
     [[nodiscard]] std::size_t held() const { return bytes_.capacity(); }
     void clear() { bytes_.clear(); }

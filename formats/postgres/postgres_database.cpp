@@ -158,6 +158,10 @@ std::unique_ptr<Sink> PostgresDatabase::sink(const TargetTable& table,
     return std::make_unique<PostgresSink>(*this, table, columnList);
 }
 
+std::unique_ptr<Sink> PostgresDatabase::pieceSink(const TargetTable& table) const {
+    return std::make_unique<CopyRowSink>(*this, table);
+}
+
 // The server names the key and its table; which table that refers to, it tells only when the failed
 // statement has been taken back.
 void PostgresDatabase::checkForeignKeys() {

@@ -32,6 +32,7 @@ class PostgresDatabase final : public Database {
                                                     const std::string& type) const override;
     [[nodiscard]] std::unique_ptr<Sink> sink(const TargetTable& table,
                                              const std::string& columnList) override;
+    [[nodiscard]] std::unique_ptr<Sink> pieceSink(const TargetTable& table) const override;
     void checkForeignKeys() override;
     void commit() override { run("COMMIT"); }
 

@@ -12,9 +12,40 @@
 #include "formats/sink.h"
 
 #include <cstddef>
+#include <memory>
 #include <string>
+#include <utility>
 
 namespace qvej {
+
+// Throws Error when the database does not take a text.
+void addRow(CopyRows& rows, const PassRow& row, const TargetTable& table,
+            const PostgresDatabase& database);
+
+// Makes rows for a PostgresSink, on any thread.
+class CopyRowSink final : public Sink {
+   public:
+    struct Rows final : Piece {
+        explicit Rows(CopyRows made) : rows(std::move(made)) {}
+        CopyRows rows;
+    };
+
+    // All must outlive this object.
+    CopyRowSink(const PostgresDatabase& database, const TargetTable& table)
+        : database_(database), table_(table) {}
+
+    void row(const PassRow& row) override { addRow(rows_, row, table_, database_); }
+    void end() override {}
+    [[nodiscard]] std::size_t held() const override { return rows_.held(); }
+    [[nodiscard]] std::unique_ptr<Piece> piece() override {
+        return std::make_unique<Rows>(std::exchange(rows_, {}));
+    }
+
+   private:
+    const PostgresDatabase& database_;
+    const TargetTable& table_;
+    CopyRows rows_;
+};
 
 class PostgresSink final : public Sink {
    public:
@@ -26,8 +57,10 @@ class PostgresSink final : public Sink {
     void end() override { flush(); }
     [[nodiscard]] std::size_t held() const override { return rows_.held(); }
     void flush() override;
+    void append(std::unique_ptr<Piece> piece) override;
 
    private:
+    void sendMany();
     void send();
 
     PostgresDatabase& database_;

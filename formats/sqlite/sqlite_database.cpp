@@ -185,6 +185,10 @@ std::unique_ptr<Sink> SqliteDatabase::sink(const TargetTable& table,
     return std::make_unique<SqliteSink>(*this, table, columnList);
 }
 
+std::unique_ptr<Sink> SqliteDatabase::pieceSink(const TargetTable& table) const {
+    return std::make_unique<SqliteRowSink>(table);
+}
+
 void SqliteDatabase::checkForeignKeys() {
     const Rows broken =
         query("SELECT \"table\", parent, count(*) FROM pragma_foreign_key_check GROUP BY 1, 2");

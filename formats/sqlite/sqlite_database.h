@@ -36,6 +36,7 @@ class SqliteDatabase final : public Database {
                                                     const std::string& type) const override;
     [[nodiscard]] std::unique_ptr<Sink> sink(const TargetTable& table,
                                              const std::string& columnList) override;
+    [[nodiscard]] std::unique_ptr<Sink> pieceSink(const TargetTable& table) const override;
     void checkForeignKeys() override;
     // The file is closed, too.
     void commit() override;

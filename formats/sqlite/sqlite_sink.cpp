@@ -20,45 +20,31 @@ SqliteSink::SqliteSink(SqliteDatabase& database, const TargetTable& table,
       atOnce_(std::clamp<std::size_t>(kValuesAtOnce / table.columns.size(), 1, kMostAtOnce)) {}
 
 void SqliteSink::row(const PassRow& row) {
-    for (std::size_t c = 0; c < table_.columns.size(); ++c) {
-        values_.push_back(valueOf(row.cell(c), table_.columns[c]));
-    }
-    if (++rows_ == atOnce_) {
-        insert(several_, atOnce_, 0);
-        values_.clear();
-        texts_.clear();
-        rows_ = 0;
+    rows_.add(row, table_);
+    if (rows_.rows() == atOnce_) {
+        insertAll(rows_);
+        rows_.clear();
     }
 }
 
-SqliteSink::Value SqliteSink::valueOf(const Cell& cell, const TargetColumn& column) {
-    if (!hasValue(cell)) {
-        return {Value::NUL, 0, {0}};
+void SqliteSink::append(std::unique_ptr<Piece> piece) {
+    insertAll(static_cast<const SqliteRowSink::Rows&>(*piece).rows);
+}
+
+void SqliteSink::insertAll(const SqliteRows& rows) {
+    std::size_t from = 0;
+    for (; from + atOnce_ <= rows.rows(); from += atOnce_) {
+        insert(several_, atOnce_, rows, from);
     }
-    switch (column.type.kind) {
-        case DataType::BOOLEAN:
-            return {Value::WHOLE, 0, {booleanOf(cell) ? 1 : 0}};
-        case DataType::BIGINT:
-            return {Value::WHOLE, 0, {bigintOf(cell) + column.shift}};
-        case DataType::DOUBLE: {
-            Value value = {Value::REAL, 0, {0}};
-            value.real = doubleOf(cell);
-            return value;
-        }
-        default:
-            return text(textOf(cell, column.type, buffer_));
+    for (; from < rows.rows(); ++from) {
+        insert(one_, 1, rows, from);
     }
 }
 
-SqliteSink::Value SqliteSink::text(std::string_view text) {
-    Value value = {Value::TEXT, text.size(), {0}};
-    value.offset = texts_.size();
-    texts_ += text;
-    return value;
-}
-
-// Inserts so many of the rows that are held.
-void SqliteSink::insert(SqliteStatement& statement, std::size_t rows, std::size_t from) {
+// Inserts `count` rows.  Binding fails for a position that is not there, or for a text beyond a
+// GiB: neither can be.
+void SqliteSink::insert(SqliteStatement& statement, std::size_t count, const SqliteRows& rows,
+                        std::size_t from) {
     const std::size_t columns = table_.columns.size();
     if (statement == nullptr) {
         std::string row = "(?";
@@ -67,47 +53,36 @@ void SqliteSink::insert(SqliteStatement& statement, std::size_t rows, std::size_
         }
         row += ")";
         std::string sql = head_ + row;
-        for (std::size_t r = 1; r < rows; ++r) {
+        for (std::size_t r = 1; r < count; ++r) {
             sql += "," + row;
         }
         statement = database_.prepare(sql);
     }
-    for (std::size_t i = 0; i < rows * columns; ++i) {
-        bind(statement.get(), static_cast<int>(i) + 1, values_[from * columns + i]);
+    int position = 0;
+    for (std::size_t i = from * columns; i < (from + count) * columns; ++i) {
+        const SqliteRows::Value& value = rows.values()[i];
+        ++position;
+        switch (value.kind) {
+            case SqliteRows::Value::NUL:
+                (void)sqlite3_bind_null(statement.get(), position);
+                break;
+            case SqliteRows::Value::WHOLE:
+                (void)sqlite3_bind_int64(statement.get(), position, value.whole);
+                break;
+            case SqliteRows::Value::REAL:
+                (void)sqlite3_bind_double(statement.get(), position, value.real);
+                break;
+            case SqliteRows::Value::TEXT:
+                (void)sqlite3_bind_text(statement.get(), position, rows.text(value),
+                                        static_cast<int>(value.length), SQLITE_STATIC);
+        }
     }
     database_.step(statement);
 }
 
-// Binding fails for a position that is not there, or for a text beyond a GiB: neither can be.
-void SqliteSink::bind(sqlite3_stmt* statement, int position, const Value& value) const {
-    switch (value.kind) {
-        case Value::NUL:
-            (void)sqlite3_bind_null(statement, position);
-            break;
-        case Value::WHOLE:
-            (void)sqlite3_bind_int64(statement, position, value.whole);
-            break;
-        case Value::REAL:
-            (void)sqlite3_bind_double(statement, position, value.real);
-            break;
-        case Value::TEXT:
-            (void)sqlite3_bind_text(statement, position, texts_.data() + value.offset,
-                                    static_cast<int>(value.length), SQLITE_STATIC);
-    }
-}
-
-std::size_t SqliteSink::held() const {
-    return values_.capacity() * sizeof(Value) + texts_.capacity();
-}
-
-// Inserts what is held, row by row.
 void SqliteSink::flush() {
-    for (std::size_t r = 0; r < rows_; ++r) {
-        insert(one_, 1, r);
-    }
-    rows_ = 0;
-    values_ = {};
-    texts_ = {};
+    insertAll(rows_);
+    rows_ = {};
 }
 
 void SqliteSink::end() {

@@ -6,16 +6,14 @@
 // Tested by tests/formats/databases.py
 #pragma once
 
-#include "client/schema/typed_value.h"
 #include "formats/database/database_tables.h"
 #include "formats/sink.h"
 #include "formats/sqlite/sqlite_database.h"
+#include "formats/sqlite/sqlite_rows.h"
 
 #include <cstddef>
-#include <cstdint>
+#include <memory>
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace qvej {
 
@@ -26,35 +24,22 @@ class SqliteSink final : public Sink {
 
     void row(const PassRow& row) override;
     void end() override;
-    [[nodiscard]] std::size_t held() const override;
+    [[nodiscard]] std::size_t held() const override { return rows_.held(); }
     void flush() override;
 
-   private:
-    // What a cell becomes.
-    struct Value {
-        enum : uint8_t { NUL, WHOLE, REAL, TEXT } kind;
-        std::size_t length;  // of a TEXT, which is in `texts_`
-        union {
-            int64_t whole;
-            double real;
-            std::size_t offset;
-        };
-    };
+    void append(std::unique_ptr<Piece> piece) override;
 
-    [[nodiscard]] Value valueOf(const Cell& cell, const TargetColumn& column);
-    [[nodiscard]] Value text(std::string_view text);
-    void insert(SqliteStatement& statement, std::size_t rows, std::size_t from);
-    void bind(sqlite3_stmt* statement, int position, const Value& value) const;
+   private:
+    void insertAll(const SqliteRows& rows);
+    void insert(SqliteStatement& statement, std::size_t count, const SqliteRows& rows,
+                std::size_t from);
 
     SqliteDatabase& database_;
     const TargetTable& table_;
     const std::string head_;    // INSERT ... VALUES
     const std::size_t atOnce_;  // rows of a statement
     SqliteStatement one_, several_;
-    std::size_t rows_ = 0;
-    std::vector<Value> values_;
-    std::string texts_;
-    std::string buffer_;
+    SqliteRows rows_;
 };
 
 }  // namespace qvej
