@@ -126,6 +126,9 @@ bool TablePass::read(PassItem& item) {
     if (status == QV_EOF) {
         return false;
     }
+    if (status == QV_LIMIT_MEMORY) {
+        document_.checkMemory("the rows of a pass");
+    }
     check(status);
     item.kind = raw.kind == JMAP_PASS_ROW ? PassItem::ROW : PassItem::NOT_NUMBER;
     item.table = static_cast<std::size_t>(raw.table);
@@ -138,6 +141,10 @@ bool TablePass::read(PassItem& item) {
         document_.checkMemory("the rows of a pass");
     }
     return true;
+}
+
+void TablePass::checkRoom(std::size_t bytes) const {
+    document_.checkMemory("the rows of a pass", bytes);
 }
 
 JMAPPassColumn TablePass::column(std::size_t table, std::size_t column) const {

@@ -78,6 +78,9 @@ class TablePass {
     // records are in memory, uncompressed.
     [[nodiscard]] bool textsStay() const { return textsStay_; }
 
+    // Before the caller copies so much of an item.  Throws QV_LIMIT_MEMORY when there is no room.
+    void checkRoom(std::size_t bytes) const;
+
     // Whether other threads make the rows: the document keeps no records.
     [[nodiscard]] bool walks() const { return walked_ != nullptr; }
 
@@ -116,6 +119,11 @@ class PassRow final : public CellValues {
    public:
     // Throws QV_NOMEM and the status of an informat or format that cannot be opened.
     PassRow(const Document& document, const Table& table, RejectHandler onReject = {});
+
+    // Between two rows: whether another object that begins after as many rows can take this one's
+    // place.
+    [[nodiscard]] bool replaceable() const { return startsAfresh(); }
+    void beginAfter(uint64_t rows) { goOnAfter(rows); }
 
     // Takes an item of the table; its cells and texts must live until the next one is taken.  True:
     // the row is complete, and its rejected values have been reported.  Throws what the reject
