@@ -37,6 +37,7 @@ struct SinkParms {
     const FormatOptions& options;
     const Schema* schema = nullptr;  // of all tables, for a typed format; else null
     std::size_t position = 0;        // of the table in the schema
+    bool resumed = false;            // an earlier sink of the table rests: see Sink::rest
 };
 
 struct Format {

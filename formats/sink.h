@@ -28,6 +28,11 @@ class Sink {
 
     // Passes on what is held, and gives the memory back.
     virtual void flush() {}
+
+    // Between two rows, when none has come for a while: passes on what is held.  True: this sink
+    // may be destroyed, and another one of the table (SinkParms::resumed) goes on where it ended.
+    // Then `end` is not called for it.
+    virtual bool rest() { return false; }
 };
 
 }  // namespace qvej

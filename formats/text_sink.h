@@ -15,6 +15,10 @@ class TextSink : public Sink {
     void end() override { out_.release(); }
     [[nodiscard]] std::size_t held() const override { return out_.held(); }
     void flush() override { out_.release(); }
+    bool rest() override {
+        out_.release();
+        return true;
+    }
 
    protected:
     explicit TextSink(Writer out) : out_(std::move(out)) {}
