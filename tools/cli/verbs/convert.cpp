@@ -25,6 +25,7 @@
 #include "tools/cli/verbs/verbs.h"
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 
 namespace qvej::cli {
@@ -68,22 +69,31 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
     if (!schema) {
         SchemaOptions typesAndKeys = options.schema;
         typesAndKeys.counts = false;
+        checkRoomForTypes(document, tables);
         facts.emplace(document, tables, typesAndKeys);
     }
     TableOutputs outputs(
         document, tables, *destination, mostHeld(options),
         [&](const Table& table) { return rejects.handlerFor(table); }, facts ? &*facts : nullptr);
-    TablePass pass(document, tables, options.retain, options.carry);
+    auto pass = std::make_unique<TablePass>(document, tables, options.retain, options.carry);
     if (options.formatOptions.packing == Packing::NONE) {  // a flush ends what is packed
-        pass.flushInTime([&] { outputs.flush(); });
+        pass->flushInTime([&] { outputs.flush(); });
     }
     session.progress().begin(Progress::ROWS);
-    runPass(pass, options.threads, [&](std::span<const PassItem> items) {
+    runPass(*pass, options.threads, [&](std::span<const PassItem> items) {
         outputs.take(items);
         session.progress().addRows(rowsOf(items));
     });
     session.progress().erase();
     outputs.end();
+    RowLosses losses;
+    uint64_t lost = 0;
+    if (!options.account) {
+        lost = options.alldata ? 0 : lostOf(document, *pass, tables);
+        losses = rowLossesOf(*pass, tables);
+    }
+    pass.reset();  // what follows needs its memory
+    document.checkMemory("types and keys");
     if (!schema) {
         schema = facts->end();
     }
@@ -116,8 +126,7 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
     tellLosses(session.name(), document, written);
     ExitCode code = DONE;
     if (!options.account) {
-        const uint64_t lost = options.alldata ? 0 : lostOf(document, pass, tables);
-        code = tellLost(session.name(), document, rowLossesOf(pass, tables), lost);
+        code = tellLost(session.name(), document, losses, lost);
     }
     tellSharedNames(session.mapName(), tables, *options.format);
     return std::max({code, rejects.tellAll(), session.skipped().exitCode()});
