@@ -90,6 +90,10 @@ class CellValues : public Row {
     [[nodiscard]] const Table& table() const { return table_; }
     [[nodiscard]] uint64_t rowsEnded() const { return rows_; }
     void restart() { rows_ = 0; }
+    void goOnAfter(uint64_t rows) { rows_ = rows; }
+
+    // Does nothing of an earlier value matter to the next row?
+    [[nodiscard]] bool startsAfresh() const { return converted_.empty() && pending_.empty(); }
 
    private:
     // A value that came before its row was complete.

@@ -218,11 +218,9 @@ void Document::failIfLimited(QVStatus status) const {
 void Document::failAtLimit(const Error& limit, QVStatus status) const {
     std::string sentence = limit.what();
     if (limit.status() == QV_LIMIT_PATHS) {
-        uint64_t count = 0;
-        std::string path(static_cast<std::size_t>(jmapMostPaths(handle_, &count, nullptr)), '\0');
-        (void)jmapMostPaths(handle_, &count, path.data());
-        sentence += "; most are below " + withSlashes(codec_.decoded(path)) + " (" +
-                    withCommas(count) + ")";
+        const MostPaths most = mostPaths();
+        sentence +=
+            "; most are below " + withSlashes(most.path) + " (" + withCommas(most.count) + ")";
     }
     if (limit.status() == QV_LIMIT_DISK) {
         sentence += " in " + cacheFile_;
@@ -301,6 +299,12 @@ void Document::describeAll() {
 std::vector<Table> Document::describeMap(QVMemPtr map, Naming naming) {
     std::vector<Table> tables;
     JMAPTableh table = nullptr;
+    std::size_t count = 0;
+    while (jmapNextTable(map, &table) == QV_OK) {
+        ++count;
+    }
+    tables.reserve(count);  // there may be as many as memory has room for once
+    table = nullptr;
     while (jmapNextTable(map, &table) == QV_OK) {
         if (tables.size() % kTablesBetweenChecks == 0) {
             guard_.checkMemory("the tables of the map");
@@ -367,11 +371,11 @@ void Document::useMap(std::string_view text) {
     checkConversions(engine_, *userTables_, text);
 }
 
-void Document::checkMemory(const std::string& what) const {
+void Document::checkMemory(const std::string& what, uint64_t more) const {
+    guard_.checkMemory(what, more);
     if (guard_.failure()) {
         throw Error(*guard_.failure());
     }
-    guard_.checkMemory(what);
 }
 
 const Table* Document::find(std::string_view name) const {
@@ -396,8 +400,14 @@ std::string Document::mapText() const {
     const QVStatus status =
         operations()->GetAutoMapBuf(handle_, &text, &textLen, engine_.host()->jnl);
     std::string document;
-    if (status == QV_OK) {
-        document = codec_.decoded(view(text, textLen));
+    try {
+        if (status == QV_OK || status == QV_LIMIT_MEMORY) {
+            checkMemory("the text of the map", static_cast<uint64_t>(textLen));
+            document = codec_.decoded(view(text, textLen));
+        }
+    } catch (...) {
+        (void)operations()->GetAutoMapBufFree(handle_);  // the first failure is the one to report
+        throw;
     }
     const QVStatus freed = operations()->GetAutoMapBufFree(handle_);
     check(status);
@@ -446,6 +456,14 @@ std::vector<PathStatistics> Document::describePaths(bool (*wanted)(const JMAPPat
         }
     }
     return statistics;
+}
+
+MostPaths Document::mostPaths() const {
+    MostPaths most;
+    std::string path(static_cast<std::size_t>(jmapMostPaths(handle_, &most.count, nullptr)), '\0');
+    (void)jmapMostPaths(handle_, &most.count, path.data());
+    most.path = codec_.decoded(path);
+    return most;
 }
 
 JMAPTotals Document::totals() const {

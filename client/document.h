@@ -116,6 +116,12 @@ struct PathStatistics {
     Spot firstInexact;
 };
 
+// Where more than half of all distinct paths are.
+struct MostPaths {
+    std::string path;    // the longest that they are below; separator 0x02
+    uint64_t count = 0;  // of them
+};
+
 class Document : public TextConsumer {
    public:
     // Throws QV_BADPARMS (options), QV_UNMAPPABLE (a name that its encoding cannot hold), QV_NOMEM.
@@ -162,6 +168,9 @@ class Document : public TextConsumer {
     void finish() override;
 
     [[nodiscard]] Place end() const override;
+
+    // Also after a failure.
+    [[nodiscard]] MostPaths mostPaths() const;
 
     // ---- after `finish` ----
 
@@ -212,9 +221,9 @@ class Document : public TextConsumer {
 
     // ---- for cursors ----
 
-    // Throws QV_LIMIT_MEMORY when less memory is available than `leastMemory`, or when it was so
-    // before.  `what` says in the sentence what has come so far.
-    void checkMemory(const std::string& what) const;
+    // Throws QV_LIMIT_MEMORY when less memory is available than `leastMemory` and `more`, or when
+    // it was so before.  `what` says in the sentence what has come so far.
+    void checkMemory(const std::string& what, uint64_t more = 0) const;
     [[nodiscard]] const TextCodec& codec() const { return codec_; }
     [[nodiscard]] const Engine& engine() const { return engine_; }
     [[nodiscard]] UserJMAP_S* operations() const { return engine_.operations(); }

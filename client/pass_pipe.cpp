@@ -22,11 +22,16 @@ constexpr std::size_t kBatches = 4;
 constexpr std::size_t kBatchItems = 4096;
 constexpr std::size_t kBatchCells = 32768;
 constexpr std::size_t kBatchBytes = std::size_t{1} << 20;  // of texts
+constexpr std::size_t kMostText = 32767;                   // bytes of a cell
 
 // Items with all that they point to.
 class Batch {
    public:
-    void add(const PassItem& item, bool copyTexts) {
+    //   pass  that the item is of
+    void add(const PassItem& item, bool copyTexts, const TablePass& pass) {
+        if (copyTexts && item.cells.size() * kMostText > kBatchBytes) {
+            makeRoom(item, pass);
+        }
         items_.push_back(item);
         cells_.insert(cells_.end(), item.cells.begin(), item.cells.end());
         copied_ = copyTexts;
@@ -60,9 +65,23 @@ class Batch {
         items_.clear();
         cells_.clear();
         texts_.clear();
+        if (texts_.capacity() > 2 * kBatchBytes) {
+            texts_ = {};  // there are few such rows
+        }
     }
 
    private:
+    // A row may hold as much as memory has room for once.
+    void makeRoom(const PassItem& item, const TablePass& pass) {
+        std::size_t size = item.text.size();
+        for (const PassCell& cell : item.cells) {
+            size += holdsText(cell) ? static_cast<std::size_t>(cell.textLen) : 0;
+        }
+        if (size > kBatchBytes) {
+            pass.checkRoom(size);
+            texts_.reserve(texts_.size() + size);
+        }
+    }
     static bool holdsText(const PassCell& cell) {
         return cell.kind != JMAP_CELL_MISSING && cell.kind != JMAP_CELL_COUNT;
     }
@@ -151,7 +170,7 @@ void fill(Pipe& pipe, TablePass& pass) {
     std::unique_ptr<Batch> batch = pipe.takeEmpty();
     PassItem item = {};
     while (batch != nullptr && pass.next(item)) {
-        batch->add(item, copyTexts);
+        batch->add(item, copyTexts, pass);
         if (batch->full()) {
             pipe.putFull(std::move(batch));
             batch = pipe.takeEmpty();

@@ -25,8 +25,8 @@ class RowSource {
 
     // As TablePass::work.
     //   source  items begin with the name of their text
-    virtual bool work(const MakeRowWork& /*make*/, bool /*source*/, const TakeRowResult& /*take*/) {
-        return false;
+    [[nodiscard]] virtual bool works() const { return false; }
+    virtual void work(const MakeRowWork& /*make*/, bool /*source*/, const TakeRowResult& /*take*/) {
     }
 
     // After the last item, as of TablePass.

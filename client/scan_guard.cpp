@@ -47,15 +47,15 @@ QVStatus ScanGuard::look(const JMAPGrowth& growth) {
                                            : withCommas(growth.paths) + " distinct paths so far");
 }
 
-void ScanGuard::checkMemory(const std::string& what) {
-    if (lookAtMemory(what) != QV_OK) {
+void ScanGuard::checkMemory(const std::string& what, uint64_t more) {
+    if (lookAtMemory(what, more) != QV_OK) {
         throw Error(*failure_);
     }
 }
 
-QVStatus ScanGuard::lookAtMemory(const std::string& what) {
+QVStatus ScanGuard::lookAtMemory(const std::string& what, uint64_t more) {
     const uint64_t available = surroundings_.availableMemory();
-    if (available >= leastMemory_ && available != 0) {
+    if (available >= leastMemory_ + more && available != 0) {
         return QV_OK;
     }
     return fail(QV_LIMIT_MEMORY,

@@ -36,14 +36,15 @@ class ScanGuard {
     // QV_OK, or why the scan must end; `failure` has the sentence then.
     [[nodiscard]] QVStatus check(const JMAPGrowth& growth) noexcept;
 
-    // Memory alone, for `what` is held beyond the engine.  Throws the failure.
-    void checkMemory(const std::string& what);
+    // Memory alone, for `what` is held beyond the engine, and `more` bytes will be.  Throws the
+    // failure.
+    void checkMemory(const std::string& what, uint64_t more = 0);
 
     [[nodiscard]] const std::optional<Error>& failure() const { return failure_; }
 
    private:
     QVStatus look(const JMAPGrowth& growth);
-    QVStatus lookAtMemory(const std::string& what);
+    QVStatus lookAtMemory(const std::string& what, uint64_t more = 0);
     QVStatus lookAtDisk(uint64_t spilled);
     QVStatus fail(QVStatus status, const std::string& sentence);
 

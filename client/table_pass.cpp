@@ -88,9 +88,12 @@ bool TablePass::next(PassItem& item) {
     return true;
 }
 
-bool TablePass::work(const MakeRowWork& make, const TakeRowResult& take) {
-    return carried_ == nullptr && walked_ != nullptr &&
-           walked_->work(make, sourceColumns_ != 0, take);
+bool TablePass::works() const {
+    return carried_ == nullptr && walked_ != nullptr && walked_->works();
+}
+
+void TablePass::work(const MakeRowWork& make, const TakeRowResult& take) {
+    walked_->work(make, sourceColumns_ != 0, take);
 }
 
 void TablePass::flushInTime(std::function<void()> flush) {
@@ -134,6 +137,9 @@ bool TablePass::read(PassItem& item) {
     if (status == QV_EOF) {
         return false;
     }
+    if (status == QV_LIMIT_MEMORY) {
+        document_.checkMemory("the rows of a pass");
+    }
     check(status);
     item = itemOf(raw);
     unchecked_ += item.cells.size() + 1;
@@ -142,6 +148,10 @@ bool TablePass::read(PassItem& item) {
         document_.checkMemory("the rows of a pass");
     }
     return true;
+}
+
+void TablePass::checkRoom(std::size_t bytes) const {
+    document_.checkMemory("the rows of a pass", bytes);
 }
 
 JMAPPassColumn TablePass::column(std::size_t table, std::size_t column) const {

@@ -85,10 +85,11 @@ class TablePass {
     // QV_LIMIT_MEMORY as the scan does, for what the caller holds counts as well.
     bool next(PassItem& item);
 
-    // Before the first item: lets others work on all of them, on the threads where they are made,
-    // and takes the results in order, on this one.  False: that is not possible, and `next` gives
-    // the items.  Throws as `next`, and what the work throws.
-    [[nodiscard]] bool work(const MakeRowWork& make, const TakeRowResult& take);
+    // Before the first item, if it `works`: lets others work on all of them, on the threads where
+    // they are made, and takes the results in order, on this one.  Throws as `next`, and what the
+    // work throws.
+    void work(const MakeRowWork& make, const TakeRowResult& take);
+    [[nodiscard]] bool works() const;
 
     // Rows that come while the text is read may come slowly: then `flush` is called by `next`,
     // about a second after a row at the latest.
@@ -97,6 +98,9 @@ class TablePass {
     // Whether the texts that cells point to (not the cells) live as long as the document: all its
     // records are in memory, uncompressed.
     [[nodiscard]] bool textsStay() const { return textsStay_; }
+
+    // Before the caller copies so much of an item.  Throws QV_LIMIT_MEMORY when there is no room.
+    void checkRoom(std::size_t bytes) const;
 
     // Whether other threads make the rows: the document keeps no records.
     [[nodiscard]] bool walks() const { return walked_ != nullptr; }
@@ -136,6 +140,11 @@ class PassRow final : public CellValues {
    public:
     // Throws QV_NOMEM and the status of an informat or format that cannot be opened.
     PassRow(const Document& document, const Table& table, RejectHandler onReject = {});
+
+    // Between two rows: whether another object that begins after as many rows can take this one's
+    // place.
+    [[nodiscard]] bool replaceable() const { return startsAfresh(); }
+    void beginAfter(uint64_t rows) { goOnAfter(rows); }
 
     // Takes an item of the table; its cells and texts must live until the next one is taken.  True:
     // the row is complete, and its rejected values have been reported.  Throws what the reject

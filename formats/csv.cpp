@@ -21,17 +21,9 @@ class CsvSink final : public TextSink {
           fields_(out_, separator, parms.options.null),
           nullGiven_(parms.options.null.has_value()),
           counts_(parms.table.columns.size()) {
-        if (parms.pieces) {
-            return;
+        if (!parms.pieces && !parms.resumed) {
+            writeNames(parms.table);
         }
-        for (const Column& column : parms.table.columns) {
-            if (column.name.empty() && alone()) {
-                fields_.quotedNothing();
-            } else {
-                fields_.text(column.name);
-            }
-        }
-        endLine();
     }
 
     void row(const PassRow& row) override {
@@ -42,6 +34,17 @@ class CsvSink final : public TextSink {
     }
 
    private:
+    void writeNames(const Table& table) {
+        for (const Column& column : table.columns) {
+            if (column.name.empty() && alone()) {
+                fields_.quotedNothing();
+            } else {
+                fields_.text(column.name);
+            }
+        }
+        endLine();
+    }
+
     void write(const Cell& cell, CountText& counts) {
         switch (cell.kind) {
             case Cell::MISSING:

@@ -53,8 +53,9 @@ class Destination {
     // Does it write a file that is one of `files`?
     [[nodiscard]] virtual bool shares(const OutputFiles& files) const = 0;
 
-    // The sink of a table, by its position in the list; once each.  This object must outlive it.
-    // Tables are many and most are small: it is asked for when there is a row, else at the end.
+    // The sink of a table, by its position in the list; once each, and again after one that rests.
+    // This object must outlive it.  Tables are many and most are small: it is asked for when there
+    // is a row, else at the end.
     [[nodiscard]] virtual std::unique_ptr<Sink> sink(std::size_t table) = 0;
 
     // Whether the rows of a table can be shared among threads.

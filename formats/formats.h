@@ -38,6 +38,7 @@ struct SinkParms {
     const Schema* schema = nullptr;  // of all tables, for a typed format; else null
     std::size_t position = 0;        // of the table in the schema
     bool pieces = false;             // it makes pieces: nothing before the first row
+    bool resumed = false;            // an earlier sink of the table rests: see Sink::rest
 };
 
 struct Format {

@@ -48,6 +48,8 @@ class OutputFiles {
     OutputFiles(const OutputFiles&) = delete;
     OutputFiles& operator=(const OutputFiles&) = delete;
 
+    [[nodiscard]] const std::vector<std::string>& names() const { return names_; }
+
     // Have the two a file in common?
     [[nodiscard]] bool shares(const OutputFiles& other) const;
 

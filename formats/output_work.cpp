@@ -5,12 +5,11 @@
 
 namespace qvej {
 
-KeptReject::KeptReject(std::size_t table, const Row& row, const Rejected& rejected,
-                       uint64_t rowsBefore)
+KeptReject::KeptReject(std::size_t table, const Row& row, const Rejected& rejected)
     : table_(table),
       columns_(row.columns()),
       column_(rejected.column),
-      row_(rejected.row - rowsBefore),
+      row_(rejected.row),
       text_(rejected.text),
       reason_(rejected.reason),
       cut_(rejected.cut) {
@@ -52,8 +51,7 @@ OutputWork::Output& OutputWork::outputOf(std::size_t table) {
     if (output == nullptr) {
         const RejectHandler keep = [this, table](const Row& row, const Rejected& rejected) {
             if (!passesOver_) {
-                rejects_.push_back(std::make_unique<KeptReject>(table, row, rejected,
-                                                                outputs_[table]->rowsBefore));
+                rejects_.push_back(std::make_unique<KeptReject>(table, row, rejected));
             }
         };
         output.reset(new Output{{document_, *tables_[table], keep}, destination_.pieceSink(table)});
@@ -66,7 +64,7 @@ void OutputWork::take(const PassItem& item) {
     if (!output.row.take(item)) {
         return;
     }
-    if (output.row.rows() == output.rowsBefore + 1) {
+    if (output.row.rows() == 1) {
         used_.push_back(item.table);
     }
     if (noRows_ != nullptr) {
@@ -86,7 +84,7 @@ void OutputWork::passOver(const PassItem& item) {
     Output& output = outputOf(item.table);
     passesOver_ = true;
     output.row.take(item);
-    output.rowsBefore = output.row.rows();
+    output.row.beginAfter(0);
     passesOver_ = false;
 }
 
@@ -95,9 +93,9 @@ std::unique_ptr<RowResult> OutputWork::result() {
     for (const std::size_t table : used_) {
         Output& output = *outputs_[table];
         const uint64_t rows = output.row.rows();
-        result->tables.push_back({table, rows - output.rowsBefore, output.sink->piece()});
-        result->rows += rows - output.rowsBefore;
-        output.rowsBefore = rows;
+        result->tables.push_back({table, rows, output.sink->piece()});
+        result->rows += rows;
+        output.row.beginAfter(0);
         output.held = output.sink->held();
     }
     result->rejects = std::exchange(rejects_, {});

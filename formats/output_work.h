@@ -20,14 +20,13 @@ namespace qvej {
 // A rejected value with what its handler may ask of the row: ordinals, and the name of the text.
 class KeptReject final : public Row {
    public:
-    //   rowsBefore  rows of the table that do not count
-    KeptReject(std::size_t table, const Row& row, const Rejected& rejected, uint64_t rowsBefore);
+    KeptReject(std::size_t table, const Row& row, const Rejected& rejected);
 
     [[nodiscard]] std::size_t table() const { return table_; }
     [[nodiscard]] const Columns& columns() const override { return columns_; }
     [[nodiscard]] Cell cell(std::size_t column) const override;
 
-    // `rowsBefore`: rows of the table that count as well.
+    // `rowsBefore`: rows of the table that come before those of the result.
     void giveTo(const RejectHandler& handler, uint64_t rowsBefore) const;
 
    private:
@@ -72,10 +71,9 @@ class OutputWork final : public RowWork {
 
     // Made with the first row of a table.
     struct Output {
-        PassRow row;
+        PassRow row;  // counts the rows of the open result
         std::unique_ptr<Sink> sink;
-        std::size_t held = 0;     // by the sink
-        uint64_t rowsBefore = 0;  // those of earlier results
+        std::size_t held = 0;  // by the sink
     };
     Output& outputOf(std::size_t table);
 

@@ -47,6 +47,11 @@ class Sink {
 
     // Writes rows that such a sink of the same table has made, after those that have come.
     virtual void append(std::unique_ptr<Piece> /*piece*/) {}
+
+    // Between two rows, when none has come for a while: passes on what is held.  True: this sink
+    // may be destroyed, and another one of the table (SinkParms::resumed) goes on where it ended.
+    // Then `end` is not called for it.
+    virtual bool rest() { return false; }
 };
 
 }  // namespace qvej

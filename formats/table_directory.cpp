@@ -9,6 +9,7 @@ namespace qvej {
 
 void TableDirectory::open(const std::vector<const Table*>& tables, const Schema* schema) {
     tables_ = tables;
+    begun_.resize(tables.size());
     schema_ = schema;
     std::vector<std::string> names;
     names.reserve(tables.size());
@@ -18,9 +19,8 @@ void TableDirectory::open(const std::vector<const Table*>& tables, const Schema*
     FileNames files = uniqueFileNames(
         names, std::string(parms_.format.extension).append(extensionOf(parms_.options.packing)));
     cutNames_ = files.cut;
-    names_ = std::move(files.names);
-    names_.emplace_back(kPackageFile);
-    files_.emplace(directory_, true, names_, parms_.force, parms_.sources);
+    files.names.emplace_back(kPackageFile);
+    files_.emplace(directory_, true, std::move(files.names), parms_.force, parms_.sources);
     removeEarlier();
 }
 
@@ -40,8 +40,10 @@ bool TableDirectory::shares(const OutputFiles& files) const {
 }
 
 std::unique_ptr<Sink> TableDirectory::sink(std::size_t table) {
+    const bool resumed = begun_[table];
+    begun_[table] = true;
     return makeSink(parms_.format, Writer(packed(files_->target(table), parms_.options.packing)),
-                    {*tables_[table], parms_.options, schema_, table});
+                    {*tables_[table], parms_.options, schema_, table, resumed});
 }
 
 std::unique_ptr<Sink> TableDirectory::pieceSink(std::size_t table) const {
@@ -51,7 +53,7 @@ std::unique_ptr<Sink> TableDirectory::pieceSink(std::size_t table) const {
 // Lists the tables' files, of which all is written, in the last file.
 void TableDirectory::end(const Schema& schema) {
     Writer out = files_->writer(tables_.size());
-    PackageWriter package(out, run_, schema, names_, parms_.format, parms_.options);
+    PackageWriter package(out, run_, schema, files_->names(), parms_.format, parms_.options);
     for (std::size_t i = 0; i < tables_.size(); ++i) {
         package.add(i, files_->closed(i));
     }

@@ -44,10 +44,10 @@ class TableDirectory final : public Destination {
     // are not replaced stay.
     bool earlierKnown_ = true;
     std::size_t cutNames_ = 0;  // files whose names are cut, since file systems take no longer ones
-    std::vector<std::string> names_;  // of the tables' files and, last, of the list
     std::vector<const Table*> tables_;
+    std::vector<bool> begun_;  // tables that a sink was made for
     const Schema* schema_ = nullptr;
-    std::optional<OutputFiles> files_;  // once it is open
+    std::optional<OutputFiles> files_;  // once it is open: of the tables and, last, the list
 };
 
 }  // namespace qvej

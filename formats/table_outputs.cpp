@@ -1,6 +1,7 @@
 // See table_outputs.h.
 #include "formats/table_outputs.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace qvej {
@@ -26,17 +27,48 @@ TableOutputs::TableOutputs(const Document& document, const std::vector<const Tab
       destination_(destination),
       mostHeld_(mostHeld),
       rejectsOf_(std::move(rejectsOf)),
-      outputs_(tables.size()),
+      places_(tables.size()),
       facts_(facts) {}
 
+std::unique_ptr<TableOutputs::Output> TableOutputs::makeOutput(std::size_t table) {
+    const Table& of = *tables_[table];
+    return std::unique_ptr<Output>(
+        new Output{destination_.sink(table), {document_, of, rejectsOf_(of)}, 0});
+}
+
 TableOutputs::Output& TableOutputs::outputOf(std::size_t table) {
-    std::unique_ptr<Output>& output = outputs_[table];
-    if (output == nullptr) {
-        const Table& of = *tables_[table];
-        output.reset(new Output{destination_.sink(table), {document_, of, rejectsOf_(of)}, 0});
-        count(*output);
+    Place& place = places_[table];
+    if (place.output == nullptr) {
+        if (awake_.size() >= std::max(mostAwake_, 4 * resumed_)) {
+            letIdleRest();
+        }
+        place.output = makeOutput(table);
+        place.output->row.beginAfter(place.rows);
+        resumed_ += std::exchange(place.rests, false) ? 1 : 0;
+        awake_.push_back(table);
+        count(*place.output);
     }
-    return *output;
+    return *place.output;
+}
+
+// Where tables come one after the other, those that are done need no memory.  Those with rows since
+// the last time stay.  Where rows of many tables come in turns, more stay awake with each that had
+// to be woken, so that few are.
+void TableOutputs::letIdleRest() {
+    std::erase_if(awake_, [&](std::size_t table) {
+        Place& place = places_[table];
+        Output& output = *place.output;
+        if (std::exchange(output.busy, false) || !output.row.replaceable() ||
+            !output.sink->rest()) {
+            return false;
+        }
+        held_ -= output.held;
+        place.rows = output.row.rows();
+        place.rests = true;
+        place.output.reset();
+        return true;
+    });
+    mostAwake_ = std::max(kLeastAwake, 2 * awake_.size());
 }
 
 void TableOutputs::take(std::span<const PassItem> items) {
@@ -46,6 +78,7 @@ void TableOutputs::take(std::span<const PassItem> items) {
             prefetchTexts(items[i + kItemsAhead]);
         }
         Output& output = outputOf(item.table);
+        output.busy = true;
         if (output.row.take(item)) {
             writeRow(item.table, output);
         }
@@ -66,11 +99,12 @@ void TableOutputs::take(OutputPieces& pieces) {
     }
     for (const std::unique_ptr<KeptReject>& reject : pieces.rejects) {
         const std::size_t table = reject->table();
-        reject->giveTo(rejectsOf_(*tables_[table]), outputOf(table).rows);
+        reject->giveTo(rejectsOf_(*tables_[table]), outputOf(table).row.rows());
     }
     for (OutputPieces::OfTable& of : pieces.tables) {
         Output& output = outputOf(of.table);
-        output.rows += of.rows;
+        output.busy = true;
+        output.row.beginAfter(output.row.rows() + of.rows);
         output.sink->append(std::move(of.piece));
         countAndFlush(output);
     }
@@ -92,7 +126,7 @@ void TableOutputs::count(Output& output) {
 // Those that hold at least half of an equal share: what is left is less than half of the limit, and
 // small tables need not be written piece by piece.
 void TableOutputs::flushLarge() {
-    flushFrom(mostHeld_ / outputs_.size() / 2);
+    flushFrom(mostHeld_ / places_.size() / 2);
 }
 
 void TableOutputs::flush() {
@@ -100,18 +134,22 @@ void TableOutputs::flush() {
 }
 
 void TableOutputs::flushFrom(std::size_t least) {
-    for (const std::unique_ptr<Output>& output : outputs_) {
-        if (output != nullptr && output->held >= least) {
-            output->sink->flush();
-            count(*output);
+    for (const std::size_t table : awake_) {
+        Output& output = *places_[table].output;
+        if (output.held >= least) {
+            output.sink->flush();
+            count(output);
         }
     }
 }
 
 void TableOutputs::end() {
-    for (std::size_t table = 0; table < outputs_.size(); ++table) {
-        outputOf(table).sink->end();
-        outputs_[table].reset();
+    awake_.clear();
+    for (std::size_t table = 0; table < places_.size(); ++table) {
+        Place& place = places_[table];
+        if (!place.rests) {
+            (place.output == nullptr ? makeOutput(table) : std::move(place.output))->sink->end();
+        }
     }
 }
 

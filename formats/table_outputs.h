@@ -40,18 +40,28 @@ class TableOutputs {
     void end();
 
    private:
-    // Made with the first row: of many tables most are small.
+    // Made with the first row, as of many tables most are small; it may rest when none has come for
+    // a while.
     struct Output {
         std::unique_ptr<Sink> sink;
         PassRow row;
-        std::size_t held;   // by the sink
-        uint64_t rows = 0;  // that came in pieces
+        std::size_t held;  // by the sink
+        bool busy = true;  // there was a row since the last look
     };
+    // What there is of a table's output.
+    struct Place {
+        std::unique_ptr<Output> output = {};  // null: none yet, or it rests
+        uint64_t rows = 0;                    // that it has had
+        bool rests = false;
+    };
+    static constexpr std::size_t kLeastAwake = 4096;
 
+    std::unique_ptr<Output> makeOutput(std::size_t table);
     Output& outputOf(std::size_t table);
     void writeRow(std::size_t table, Output& output);
     void count(Output& output);
     void countAndFlush(Output& output);
+    void letIdleRest();
     void flushLarge();
     void flushFrom(std::size_t least);
 
@@ -60,7 +70,10 @@ class TableOutputs {
     Destination& destination_;
     std::size_t mostHeld_;
     RejectsOf rejectsOf_;
-    std::vector<std::unique_ptr<Output>> outputs_;
+    std::vector<Place> places_;
+    std::vector<std::size_t> awake_;  // tables with an output
+    std::size_t mostAwake_ = kLeastAwake;
+    std::size_t resumed_ = 0;  // outputs that were made again
     SchemaBuilder* facts_;
     std::size_t held_ = 0;  // bytes, by all sinks
 };

@@ -32,6 +32,10 @@ class TextSink : public Sink {
     void append(std::unique_ptr<Piece> piece) final {
         out_.append(static_cast<const TextPiece&>(*piece).text());
     }
+    bool rest() override {
+        out_.release();
+        return true;
+    }
 
    protected:
     explicit TextSink(Writer out) : out_(std::move(out)) {}

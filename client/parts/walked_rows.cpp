@@ -47,10 +47,9 @@ bool WalkedRows::next(PassItem& item) {
     return true;
 }
 
-bool WalkedRows::work(const MakeRowWork& make, bool source, const TakeRowResult& take) {
+void WalkedRows::work(const MakeRowWork& make, bool source, const TakeRowResult& take) {
     walk_ = std::make_unique<PartWalk>(document_, tables_, make, source);
     walk_->run(take);
-    return true;
 }
 
 }  // namespace qvej

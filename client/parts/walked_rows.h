@@ -28,7 +28,8 @@ class WalkedRows final : public RowSource {
         return walk_->left(table, column);
     }
     [[nodiscard]] std::size_t text() const override { return walk_->text(); }
-    bool work(const MakeRowWork& make, bool source, const TakeRowResult& take) override;
+    [[nodiscard]] bool works() const override { return true; }
+    void work(const MakeRowWork& make, bool source, const TakeRowResult& take) override;
 
    private:
     const Document& document_;

@@ -93,7 +93,6 @@ SchemaBuilder::SchemaBuilder(const Document& document, const std::vector<const T
         }
     }
     findParents();
-    noRows_ = std::make_shared<const std::vector<OfTable>>(facts_);
 }
 
 // The parent of a table is the one whose own ordinal is the deepest of those above the own one.
@@ -172,14 +171,6 @@ void SchemaBuilder::add(const SchemaBuilder& later) {
     }
 }
 
-void SchemaBuilder::clear() {
-    for (std::size_t t = 0; t < facts_.size(); ++t) {
-        if (facts_[t].rows != 0) {
-            facts_[t] = (*noRows_)[t];
-        }
-    }
-}
-
 Schema SchemaBuilder::end() const {
     Schema schema;
     schema.tables.reserve(tables_.size());
@@ -220,21 +211,21 @@ Schema schemaOf(const Document& document, const std::vector<const Table*>& table
 Schema schemaOf(const Document& document, const std::vector<const Table*>& tables, TablePass& pass,
                 unsigned threads, const SchemaOptions& options,
                 const std::function<void(uint64_t)>& onRows) {
-    const SchemaBuilder noRows(document, tables, options);
-    SchemaBuilder builder(noRows);
+    SchemaBuilder builder(document, tables, options);
     const auto tell = [&](uint64_t rows) {
         if (onRows) {
             onRows(rows);
         }
     };
-    const bool apart =
+    if (pass.works()) {
+        const SchemaBuilder noRows = builder;
         pass.work([&] { return std::make_unique<FactsWork>(document, tables, noRows); },
                   [&](std::unique_ptr<RowResult> result) {
                       const auto& part = static_cast<const PartFacts&>(*result);
                       builder.add(part.builder);
                       tell(part.rows);
                   });
-    if (!apart) {
+    } else {
         ItemRows rows(document, tables);
         runPass(pass, threads, [&](std::span<const PassItem> items) {
             uint64_t count = 0;

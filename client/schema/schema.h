@@ -9,10 +9,9 @@
 // Several threads can share the rows: each takes some that follow one another, with a builder of
 // its own, and the builders are added in the order of the rows.
 //
-//     qvej::SchemaBuilder ofBatch(builder);  // a copy of one without rows, which is cheap
+//     qvej::SchemaBuilder ofBatch(builder);  // a copy of one without rows
 //     ... ofBatch.take(item.table, row) ...  // on any thread
 //     builder.add(ofBatch);
-//     ofBatch.clear();                       // for the next batch
 //
 // Types and keys are found from the rows, so they hold for every row.
 //
@@ -87,9 +86,6 @@ class SchemaBuilder {
     // However the rows are divided, the schema is that of one builder that takes all.
     void add(const SchemaBuilder& later);
 
-    // Back to no rows.
-    void clear();
-
     // After the last row.
     [[nodiscard]] Schema end() const;
 
@@ -110,7 +106,6 @@ class SchemaBuilder {
     const std::vector<const Table*>& tables_;
     SchemaOptions options_;
     std::vector<OfTable> facts_;
-    std::shared_ptr<const std::vector<OfTable>> noRows_;  // as they begin; copies share it
 };
 
 // By a pass of its own over the tables.  Throws as TablePass and PassRow.

@@ -20,6 +20,35 @@ namespace {
 
 constexpr std::string_view kPrefix = "ordinal_";
 
+QVStrSize nameLenOf(std::string_view last) noexcept {
+    return lengthOf(kPrefix) + std::min(lengthOf(last), kNameMax - lengthOf(kPrefix));
+}
+
+// The name of an ordinal that counts a path with this last component.  Null without memory.
+char* newName(JMAP_PRIVATE* p, std::string_view last) {
+    const QVStrSize nameLen = nameLenOf(last);
+    char* const name = arenaBytes(&p->pathArena, p->cpool, nameLen);
+    if (name != nullptr) {
+        std::copy_n(last.data(), nameLen - lengthOf(kPrefix),
+                    std::copy_n(kPrefix.data(), kPrefix.size(), name));
+        validateName(name, nameLen);
+    }
+    return name;
+}
+
+// The same, made once for all tables below the node.  It must not be changed.
+char* sharedName(JMAP_PRIVATE* p, const PATHNODE* node, std::string_view path,
+                 std::string_view last) {
+    if (node->textLen != lengthOf(path)) {
+        return newName(p, last);  // the name of a member holds the separator
+    }
+    PATHCHILDREN* const below = node->children;  // it has some: the table's values are below it
+    if (below->ordinalName == nullptr) {
+        below->ordinalName = newName(p, last);
+    }
+    return below->ordinalName;
+}
+
 // Makes the ordinal that counts `path`, the beginning of the path of `node`, and puts it first.
 //   Kept: for an empty last component no ordinal is made.
 QVStatus addOrdinal(JMAP_PRIVATE* p, DSINFO* ds, const PATHNODE* node, std::string_view path) {
@@ -31,17 +60,14 @@ QVStatus addOrdinal(JMAP_PRIVATE* p, DSINFO* ds, const PATHNODE* node, std::stri
     if (column == nullptr) {
         return QV_NOMEM;
     }
+    column->inTree = true;
     column->node = node;
     column->pathLen = lengthOf(path);
-    const QVStrSize lastLen = std::min(lengthOf(last), kNameMax - lengthOf(kPrefix));
-    column->nameLen = lengthOf(kPrefix) + lastLen;
-    column->name = poolBytes(p->cpool, column->nameLen + 1);
+    column->nameLen = nameLenOf(last);
+    column->name = sharedName(p, node, path, last);
     if (column->name == nullptr) {
         return QV_NOMEM;
     }
-    std::copy_n(last.data(), lastLen, std::copy_n(kPrefix.data(), kPrefix.size(), column->name));
-    validateName(column->name, column->nameLen);
-
     column->next = ds->vhead;
     ds->vhead = column;
     if (ds->vtail == nullptr) {
@@ -51,13 +77,13 @@ QVStatus addOrdinal(JMAP_PRIVATE* p, DSINFO* ds, const PATHNODE* node, std::stri
     return QV_OK;
 }
 
-// Appends one character to a name.
+// Gives a column a name of its own, with one more character.
 QVStatus appendCharacter(JMAP_PRIVATE* p, VARINFO& column, char c) {
-    auto* grown =
-        static_cast<char*>(p->cpool->reallocate(p->cpool, column.name, column.nameLen + 1, 0));
+    char* const grown = arenaBytes(&p->pathArena, p->cpool, column.nameLen + 1);
     if (grown == nullptr) {
         return QV_NOMEM;
     }
+    std::copy_n(column.name, column.nameLen, grown);
     column.name = grown;
     column.name[column.nameLen] = c;
     column.nameLen += 1;

@@ -39,8 +39,8 @@ struct PATHPARTS {
 }
 
 [[nodiscard]] inline std::string_view pathOf(JMAP_PRIVATE* p, const VARINFO& column) {
-    return column.node == nullptr ? view(column.path, column.pathLen)
-                                  : pathText(p, column.node, column.pathLen);
+    return column.inTree ? pathText(p, column.node, column.pathLen)
+                         : view(column.path, column.pathLen);
 }
 
 [[nodiscard]] inline std::string_view tablePathOf(JMAP_PRIVATE* p, const DSINFO& ds) {
@@ -49,8 +49,8 @@ struct PATHPARTS {
 }
 
 [[nodiscard]] inline bool hasPath(const VARINFO& column, std::string_view path) {
-    return column.node == nullptr ? view(column.path, column.pathLen) == path
-                                  : pathIs(column.node, column.pathLen, path);
+    return column.inTree ? pathIs(column.node, column.pathLen, path)
+                         : view(column.path, column.pathLen) == path;
 }
 
 // What a user's map says of the column; nothing of an automatic one.

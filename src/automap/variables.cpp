@@ -64,6 +64,7 @@ QVStatus addColumn(JMAP_PRIVATE* p, DSINFO* ds, const PATHINFO& info, COLUMNNAME
         return QV_NOMEM;
     }
     column->nameLen = nameLen;
+    column->inTree = true;
     column->node = info.node;
     column->pathLen = info.node->textLen;
     column->type = info.type;

@@ -45,20 +45,22 @@ struct VARINFO {
     VARINFO* next;
     char* name;
     QVStrSize nameLen;
-    const PATHNODE* node;  // automatic map; else null
-    char* path;            // of any other map.  Both null: the column has none (ALLDATA)
+    union {
+        const PATHNODE* node;  // `inTree`: the automatic map's
+        char* path;            // any other; null: the column has none (ALLDATA)
+    };
     QVStrSize pathLen;
-    uint64_t length;  // bytes; VAR_CHAR: longest value, not yet capped
+    uint64_t length;    // bytes; VAR_CHAR: longest value, not yet capped
+    USERVARINFO* user;  // user map; else null
     VARTYPE type;
     uint8_t kinds;  // automatic map: the bit 1 << VALTYPE for each kind of its values, or 0
-    bool lengthFromAutomap;  // user map: `length` came from the automatic map
-    bool retain;
-    bool noretain;
-    bool truncation;        // user map: `length` cuts the longest value
-    uint64_t offset;        // in the row buffer; the reader's
-    uint64_t ordinalValue;  // running count; the reader's
-    USERVARINFO* user;      // user map; else null
+    bool inTree : 1;
+    bool lengthFromAutomap : 1;  // user map: `length` came from the automatic map
+    bool retain : 1;
+    bool noretain : 1;
+    bool truncation : 1;  // user map: `length` cuts the longest value
 };
+static_assert(sizeof(VARINFO) <= 64);
 
 struct DSINFO {
     DSINFO* next;

@@ -19,6 +19,12 @@ struct BLOCKREADER {
     QVStrSize pBufLen;    // valid bytes in `records`
 };
 
+// A column of an open table: a copy of the map's, with its path as a text.
+struct ROWCOLUMN : VARINFO {
+    uint64_t offset;        // in the row buffer
+    uint64_t ordinalValue;  // running count
+};
+
 // The private state of an open table.  It lives in the read pool; `rp` is the name everywhere.
 struct JMAP_READPRIVATE {
     JMAP_PRIVATE* p;  // the document
@@ -27,10 +33,10 @@ struct JMAP_READPRIVATE {
     QVStrSize varCount;
     char dsname[32];
     QVStrSize dsnameLen;
-    VARINFO* varinfo;  // [varCount] copies of the map's columns, each with its path as a text
-    bool inVariables;  // the row has received a value
-    bool atEOF;        // the next Read gives QV_EOF
-    char* obsbuf;      // the row buffer, the caller's context points to the same
+    ROWCOLUMN* varinfo;  // [varCount]
+    bool inVariables;    // the row has received a value
+    bool atEOF;          // the next Read gives QV_EOF
+    char* obsbuf;        // the row buffer, the caller's context points to the same
     QVStrSize obsbufLen;
     char* tablePath;  // null for a table without one
     QVStrSize tablePathLen;

@@ -80,6 +80,7 @@ struct PATHCHILDREN {
     PATHNODE* lastElement;  // the element that was read last
     PATHINFO* group;        // head of the group of the children
     uint64_t markers;       // of the container, in a scan that counts alone
+    char* ordinalName;      // that all ordinals of the label share; null: there is none yet
 };
 
 // A node of the tree of known paths: the last label of a path.  Members are identified by name,

@@ -145,7 +145,8 @@ QVStrSize jmapTableObject(JMAPTableh table, char* path) {
 }
 
 void jmapColumnPath(JMAPColumnh column, char* path) {
-    putPath(column->node, view(column->path, column->pathLen), path);
+    putPath(column->inTree ? column->node : nullptr,
+            view(column->inTree ? nullptr : column->path, column->pathLen), path);
 }
 
 QVStatus jmapNextColumn(JMAPTableh table, JMAPColumnh* column) {

@@ -4,6 +4,7 @@
 #include "map_writer.h"
 
 #include "automap/path_parts.h"
+#include "core/guard.h"
 #include "core/list.h"
 #include "core/pool.h"
 #include "core/status.h"
@@ -98,7 +99,13 @@ QVStatus writeMap(JMAP_PRIVATE* p, const MAP* map) {
     QV_TRY(writer->open(writer, JSN_OPEN_OBJECT));
     QV_TRY(openMember(writer, "DATASETS", JSN_OPEN_ARRAY));
     if (map != nullptr) {
+        uint64_t columns = 0;  // since the guard was asked
         for (const DSINFO& ds : each(map->dshead)) {
+            columns += ds.varcount + 1;
+            if (columns >= kColumnsBetween) {
+                QV_TRY(askGuardOfMemory(p, 0));
+                columns = 0;
+            }
             QV_TRY(writeTable(p, ds));
         }
     }

@@ -9,7 +9,7 @@
 
 namespace jmap {
 
-COLUMNINDEX* newColumnIndex(QVPoolh pool, const VARINFO* columns, QVStrSize count) {
+COLUMNINDEX* newColumnIndex(QVPoolh pool, const ROWCOLUMN* columns, QVStrSize count) {
     const auto buckets = std::bit_ceil(static_cast<uint64_t>(count) * 2 + 1);
     auto* index = poolNew<COLUMNINDEX>(pool);
     auto* first = poolNew<uint32_t>(pool, static_cast<QVStrSize>(buckets));

@@ -27,7 +27,7 @@ struct COLUMNINDEX {
 namespace jmap {
 
 // Indexes the columns that have a path.  Null when there is no memory.
-[[nodiscard]] COLUMNINDEX* newColumnIndex(QVPoolh pool, const VARINFO* columns, QVStrSize count);
+[[nodiscard]] COLUMNINDEX* newColumnIndex(QVPoolh pool, const ROWCOLUMN* columns, QVStrSize count);
 
 // Whether a column may have a path of that length.
 [[nodiscard]] inline bool mayHoldLength(const COLUMNINDEX& index, std::size_t pathLen) noexcept {

@@ -25,12 +25,13 @@ std::string_view nameOf(const JMAP_READPRIVATE& rp) noexcept {
     return view(rp.dsname, rp.dsnameLen);
 }
 
-void storeDouble(const JMAP_READPRIVATE& rp, const VARINFO& column, double number) noexcept {
+void storeDouble(const JMAP_READPRIVATE& rp, const ROWCOLUMN& column, double number) noexcept {
     storeBits(rp, column, std::bit_cast<uint64_t>(number));
 }
 
 // Copies as much of the text as the column holds.
-void storeText(const JMAP_READPRIVATE& rp, const VARINFO& column, std::string_view text) noexcept {
+void storeText(const JMAP_READPRIVATE& rp, const ROWCOLUMN& column,
+               std::string_view text) noexcept {
     std::copy_n(text.data(), std::min<uint64_t>(text.size(), column.length), cellOf(rp, column));
 }
 
@@ -69,7 +70,7 @@ void noteBoundary(const JMAP_READPRIVATE& rp, BOUNDARY boundary, std::string_vie
               noteLen(lengthOf(b)), b.data());
 }
 
-void countOrdinal(JMAP_READPRIVATE* rp, VARINFO& column, std::string_view path) {
+void countOrdinal(JMAP_READPRIVATE* rp, ROWCOLUMN& column, std::string_view path) {
     column.ordinalValue += 1;
     storeDouble(*rp, column, static_cast<double>(column.ordinalValue));
     if (rp->ordinalsOnly) {
@@ -96,7 +97,7 @@ struct STORE {
     bool wordSeen;    // the value was a word for a column: later numeric columns are not noted
 };
 
-void noteStored(const STORE& store, const VARINFO& column) {
+void noteStored(const STORE& store, const ROWCOLUMN& column) {
     JMAP_PRIVATE* p = store.rp->p;
     if (p->debugRead) {
         const std::string_view name = nameOf(*store.rp);
@@ -106,7 +107,7 @@ void noteStored(const STORE& store, const VARINFO& column) {
     }
 }
 
-void noteWord(const STORE& store, const VARINFO& column, const WORD& word) {
+void noteWord(const STORE& store, const ROWCOLUMN& column, const WORD& word) {
     JMAP_PRIVATE* p = store.rp->p;
     if (p->debugRead) {
         const std::string_view name = nameOf(*store.rp);
@@ -156,7 +157,7 @@ void flagBad(const STORE& store, uint32_t i) {
 // Returns QV_OK unless the call must end.  The status of the conversion goes into `store`.
 QVStatus storeNumber(STORE& store, uint32_t i) {
     JMAP_READPRIVATE* rp = store.rp;
-    const VARINFO& column = rp->varinfo[i];
+    const ROWCOLUMN& column = rp->varinfo[i];
     const NUMBERCELL number = numberCell(rp->p->smh, store.value);
     store.status = number.status;
     storeBits(*rp, column, number.bits);
@@ -177,7 +178,7 @@ QVStatus storeNumber(STORE& store, uint32_t i) {
     return QV_OK;
 }
 
-void storeCharacter(const STORE& store, const VARINFO& column) {
+void storeCharacter(const STORE& store, const ROWCOLUMN& column) {
     storeBlanks(*store.rp, column);
     if (store.kind != VAL_NULL) {
         storeText(*store.rp, column, store.value);
@@ -188,7 +189,7 @@ void storeCharacter(const STORE& store, const VARINFO& column) {
 
 // Stores the value into column `i`.
 QVStatus storeValue(STORE& store, uint32_t i) {
-    const VARINFO& column = store.rp->varinfo[i];
+    const ROWCOLUMN& column = store.rp->varinfo[i];
     if (store.rctx->varinfo[i].informat != nullptr) {
         return storeRaw(store, i);
     }

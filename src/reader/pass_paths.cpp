@@ -9,6 +9,8 @@
 #include "core/pool.h"
 #include "row_boundary.h"
 
+#include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace jmap {
@@ -16,6 +18,45 @@ namespace {
 
 constexpr uint64_t lengthBit(std::string_view path) noexcept {
     return uint64_t{1} << (path.size() % 64);
+}
+
+// A zero-filled record, or several.  Null without memory.
+template <class T>
+T* newRecords(PASSPATHS* paths, QVPoolh pool, QVStrSize count = 1) {
+    const QVStrSize size = std::max<QVStrSize>(count, 1) * static_cast<QVStrSize>(sizeof(T));
+    char* const mem = arenaBytes(&paths->records, pool, size);
+    if (mem != nullptr) {
+        std::memset(mem, 0, static_cast<std::size_t>(size));
+    }
+    return reinterpret_cast<T*>(mem);
+}
+
+constexpr QVStrSize inArena(QVStrSize size) noexcept {
+    return (size + 7) / 8 * 8;
+}
+
+// A copy of a path's text.  A table comes after the object that it is in, and its columns after
+// the table, so that many texts only go on where the newest one ends: the two share it.
+char* newText(PASSPATHS* paths, QVPoolh pool, std::string_view path) {
+    ARENA& texts = paths->texts;
+    if (paths->newest != nullptr) {
+        const std::string_view begin = view(paths->newest->path, paths->newest->pathLen);
+        const QVStrSize more = inArena(lengthOf(path)) - inArena(lengthOf(begin));
+        if (path.starts_with(begin) && begin.data() + inArena(lengthOf(begin)) == texts.at &&
+            more <= texts.left) {
+            texts.at += more;
+            texts.left -= more;
+            path.remove_prefix(begin.size());
+            char* const text = const_cast<char*>(begin.data());  // it is in `texts`
+            std::copy_n(path.data(), path.size(), text + begin.size());
+            return text;
+        }
+    }
+    char* const text = arenaBytes(&texts, pool, lengthOf(path));
+    if (text != nullptr) {
+        copyShort(text, path);
+    }
+    return text;
 }
 
 // The entry of a path.  A new path gets an entry, with a copy of its text.  Null without memory.
@@ -26,17 +67,17 @@ PASSPATH* enterPath(PASSPATHS* paths, QVPoolh pool, std::string_view path) {
     if (PASSPATH* known = findPath(paths, path); known != nullptr) {
         return known;
     }
-    auto* entry = poolNew<PASSPATH>(pool);
-    char* copy = arenaBytes(&paths->texts, pool, lengthOf(path));
+    auto* entry = newRecords<PASSPATH>(paths, pool);
+    char* copy = newText(paths, pool, path);
     if (entry == nullptr || copy == nullptr) {
         return nullptr;
     }
-    copyShort(copy, path);
     if (paths->byPath->insert(paths->byPath, copy, lengthOf(path), entry) != QV_OK) {
         return nullptr;
     }
     entry->path = copy;
-    entry->pathLen = lengthOf(path);
+    entry->pathLen = static_cast<int32_t>(path.size());
+    paths->newest = entry;
     paths->lengths |= lengthBit(path);
     paths->last->follower = entry;  // columns mostly come in the order of the map
     paths->last = entry;
@@ -56,7 +97,7 @@ QVStatus addOrdinal(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint3
 QVStatus addUse(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32_t i, uint32_t cell,
                 PASSTABLE* table) {
     PASSPATH* entry = enterPath(paths, pool, pathOf(paths->p, column));
-    auto* use = poolNew<PASSUSE>(pool);
+    auto* use = newRecords<PASSUSE>(paths, pool);
     if (entry == nullptr || use == nullptr) {
         return QV_NOMEM;
     }
@@ -148,11 +189,11 @@ QVStatus openPaths(PASSPATHS* paths, JMAP_PRIVATE* p) {
 
 QVStatus addTable(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, bool retain, PASSTABLE* table) {
     const SIZES sizes = sizesOf(ds);
-    auto* retained = poolNew<bool>(pool, sizes.cells);
-    table->cells = poolNew<JMAPPassCell>(pool, sizes.cells);
-    table->set = poolNew<uint32_t>(pool, sizes.cells);
-    table->uses = poolNew<PASSUSE*>(pool, static_cast<QVStrSize>(ds.varcount));
-    table->ordinals = poolNew<PASSORDINAL>(pool, sizes.ordinals);
+    auto* retained = newRecords<bool>(paths, pool, sizes.cells);
+    table->cells = newRecords<JMAPPassCell>(paths, pool, sizes.cells);
+    table->set = newRecords<uint32_t>(paths, pool, sizes.cells);
+    table->uses = newRecords<PASSUSE*>(paths, pool, static_cast<QVStrSize>(ds.varcount));
+    table->ordinals = newRecords<PASSORDINAL>(paths, pool, sizes.ordinals);
     if (retained == nullptr || table->cells == nullptr || table->set == nullptr ||
         table->uses == nullptr || table->ordinals == nullptr) {
         return QV_NOMEM;

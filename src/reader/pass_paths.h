@@ -30,28 +30,34 @@ struct PASSUSE {
 
 // A path that means something to a table.
 struct PASSPATH {
-    const char* path;  // in `texts`
-    QVStrSize pathLen;
+    const char* path;    // in `texts`
     PASSPATH* follower;  // the path that came next the last time
     PASSPATH* other;     // the follower before that one; it comes again at the end of an array
     PASSUSE* uses;       // columns that take its values
-    PASSUSE* usesTail;
-    PASSTABLE* tables;  // tables whose table path it is, through `samePath`
-    PASSTABLE* tablesTail;
-    PASSPATH* above;       // on the stack of seen table paths: the one below it
-    const PATHNODE* node;  // of a walk: that has this path
-    bool numbers;          // one of its columns is numeric and has no informat
-    uint64_t count;        // markers so far
-    uint64_t values;       // so far
+    PASSTABLE* tables;   // tables whose table path it is, through `samePath`
+    union {
+        PASSUSE* usesTail;  // while tables are added
+        PASSPATH* above;    // on the stack of seen table paths: the one below it
+    };
+    union {
+        PASSTABLE* tablesTail;  // while tables are added
+        const PATHNODE* node;   // of a walk: that has this path, once it has come
+    };
+    uint64_t count;   // markers so far
+    uint64_t values;  // so far
+    int32_t pathLen;
+    bool numbers;  // one of its columns is numeric and has no informat
 };
 
 struct PASSPATHS {
     JMAP_PRIVATE* p;    // the document
     QVTrackerh byPath;  // path -> PASSPATH; owned
-    ARENA texts;
-    uint64_t lengths;  // bit (length mod 64) of each path
-    PASSPATH* last;    // found last
-    PASSPATH start;    // before the first
+    ARENA texts;        // of paths; that of a path may go on as that of the next one
+    PASSPATH* newest;   // whose text is the last one there; null: none
+    ARENA records;      // entries, uses, and what a table has
+    uint64_t lengths;   // bit (length mod 64) of each path
+    PASSPATH* last;     // found last
+    PASSPATH start;     // before the first
 };
 
 namespace jmap {

@@ -3,6 +3,7 @@
 // Tested by tests/reader/table_pass_test.cpp and tests/reader/row_walk_test.cpp
 #include "pass_rows.h"
 
+#include "core/guard.h"
 #include "core/pool.h"
 
 #include <algorithm>
@@ -13,8 +14,11 @@ namespace {
 // The least memory of a cell that has its own, even for an empty text.
 constexpr QVStrSize kLeastHeld = 16;
 
+// Bytes of texts that are copied between two questions to the guard.
+constexpr QVStrSize kBytesBetween = 1 << 20;
+
 // Gives a cell memory of its own for `size` bytes.  When it must grow its text is lost.
-QVStatus makeRoom(const PASSROWS& rows, PASSTABLE& table, uint32_t column, QVStrSize size) {
+QVStatus makeRoom(PASSROWS& rows, PASSTABLE& table, uint32_t column, QVStrSize size) {
     if (table.held == nullptr) {
         table.held = poolNew<HELDTEXT>(rows.pool, table.cellCount);
         if (table.held == nullptr) {
@@ -32,7 +36,12 @@ QVStatus makeRoom(const PASSROWS& rows, PASSTABLE& table, uint32_t column, QVStr
         return QV_NOMEM;
     }
     held = {text, std::max(size, kLeastHeld)};
-    return QV_OK;
+    rows.unasked += held.alloc;
+    if (rows.unasked < kBytesBetween) {
+        return QV_OK;
+    }
+    rows.unasked = 0;
+    return askGuardOfMemory(rows.p, 0);
 }
 
 bool hasRoom(const PASSTABLE& table, uint32_t column) noexcept {
@@ -41,7 +50,7 @@ bool hasRoom(const PASSTABLE& table, uint32_t column) noexcept {
 
 }  // namespace
 
-QVStatus holdText(const PASSROWS& rows, PASSTABLE& table, uint32_t column) {
+QVStatus holdText(PASSROWS& rows, PASSTABLE& table, uint32_t column) {
     JMAPPassCell& cell = table.cells[column];
     if (hasRoom(table, column) && cell.text == table.held[column].text) {
         return QV_OK;
@@ -101,7 +110,7 @@ void clearRow(const PASSROWS& rows, PASSTABLE& table) {
     table.strayed = false;
 }
 
-QVStatus overlayText(const PASSROWS& rows, PASSTABLE& table, uint32_t column, int32_t kind,
+QVStatus overlayText(PASSROWS& rows, PASSTABLE& table, uint32_t column, int32_t kind,
                      std::string_view text) {
     JMAPPassCell& cell = freshCell(table, column);
     const bool missing = cell.kind == JMAP_CELL_MISSING;

@@ -18,6 +18,7 @@
 #include <cstdint>
 #include <string_view>
 
+struct JMAP_PRIVATE;
 struct PASSPATH;
 struct PASSUSE;
 
@@ -60,20 +61,24 @@ struct PASSTABLE {
 
 // What the rows of all tables share.
 struct PASSROWS {
+    JMAP_PRIVATE* p;     // the document that feeds them
     QVPoolh pool;        // owns all
+    QVStrSize unasked;   // bytes of texts since the guard was asked
     bool textsGo;        // the texts of values are overwritten later; `parkRows` is called before
     PASSTABLE* touched;  // then: tables with texts that have not been copied
 };
 
 namespace jmap {
 
-// Copies the text of a cell into memory of its own, unless it is there already.  QV_NOMEM.
-[[nodiscard]] QVStatus holdText(const PASSROWS& rows, PASSTABLE& table, uint32_t column);
+// Copies the text of a cell into memory of its own, unless it is there already.  QV_NOMEM,
+// or a status of the guard: an open row can hold any number of texts.
+[[nodiscard]] QVStatus holdText(PASSROWS& rows, PASSTABLE& table, uint32_t column);
 
-// Makes sure that the text survives the buffer: copies it, or lists its table.  QV_NOMEM.
+// Makes sure that the text survives the buffer: copies it, or lists its table.  As
+// holdText.
 [[nodiscard]] QVStatus keepText(PASSROWS& rows, PASSTABLE& table, uint32_t column);
 
-// Copies the texts that open rows have in the buffer, before it is overwritten.  QV_NOMEM.
+// Copies the texts that open rows have in the buffer, before it is overwritten.  As holdText.
 [[nodiscard]] QVStatus parkRows(PASSROWS& rows);
 
 // Begins the table's next row: empties every cell that is not retained.
@@ -106,7 +111,7 @@ inline void setCountCell(PASSTABLE& table, uint32_t column, uint64_t count) noex
 
 // The same for a cell of ALLDATA that keeps its value.
 //   Kept: a shorter text leaves the bytes after it in the cell, as in the row buffer of Read.
-[[nodiscard]] QVStatus overlayText(const PASSROWS& rows, PASSTABLE& table, uint32_t column,
-                                   int32_t kind, std::string_view text);
+[[nodiscard]] QVStatus overlayText(PASSROWS& rows, PASSTABLE& table, uint32_t column, int32_t kind,
+                                   std::string_view text);
 
 }  // namespace jmap

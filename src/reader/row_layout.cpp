@@ -57,7 +57,7 @@ void setType(const VARINFO& from, VARIABLEINFO& info, VARINFO& column,
 
 // Copies the path of a map's column as a text.
 QVStatus copyPath(JMAP_READPRIVATE* rp, const VARINFO& from, VARINFO& column) {
-    if (from.node == nullptr) {
+    if (!from.inTree) {
         return from.path == nullptr ? QV_OK
                                     : copyText(rp->rpool, view(from.path, from.pathLen),
                                                column.path, column.pathLen);
@@ -89,7 +89,7 @@ QVStatus copyFormats(QVPoolh pool, const USERVARINFO& from, VARIABLEINFO& info) 
 
 // Makes one column in both structures, at `offset`.
 QVStatus layoutColumn(JMAP_READPRIVATE* rp, const VARINFO& from, VARIABLEINFO& info,
-                      VARINFO& column, uint64_t offset) {
+                      ROWCOLUMN& column, uint64_t offset) {
     const std::string_view name = view(from.name, from.nameLen);
     QV_TRY(copyText(rp->rpool, name, info.name, info.nameLen));
     QV_TRY(copyText(rp->rpool, name, column.name, column.nameLen));
@@ -136,7 +136,7 @@ void dumpCallerColumn(JMAP_PRIVATE* p, const VARIABLEINFO& info) {
               static_cast<long>(info.formatWidth), static_cast<long>(info.formatDec));
 }
 
-void dumpPrivateColumn(JMAP_PRIVATE* p, const VARINFO& column) {
+void dumpPrivateColumn(JMAP_PRIVATE* p, const ROWCOLUMN& column) {
     const std::string_view path = shown(p, view(column.path, column.pathLen));
     myLogNote(p, U"rp   var %-20.*hs %-10s %-40.*hs length %3ld offset %3ld%hs",
               noteLen(column.nameLen), column.name, privateTypeToString(column.type),
@@ -152,7 +152,7 @@ QVStatus layoutRow(QVEJMAPReadContexth rctx, const DSINFO& ds, uint64_t flags) {
     rctx->varCount = count;
     rp->varCount = count;
     rctx->varinfo = poolNew<VARIABLEINFO>(rp->rpool, count);
-    rp->varinfo = poolNew<VARINFO>(rp->rpool, count);
+    rp->varinfo = poolNew<ROWCOLUMN>(rp->rpool, count);
     if (rctx->varinfo == nullptr || rp->varinfo == nullptr) {
         return QV_NOMEM;
     }
@@ -160,7 +160,7 @@ QVStatus layoutRow(QVEJMAPReadContexth rctx, const DSINFO& ds, uint64_t flags) {
     uint64_t totOffset = 0;
     QVStrSize i = 0;
     for (const VARINFO& from : each(ds.vhead)) {
-        VARINFO& column = rp->varinfo[i];
+        ROWCOLUMN& column = rp->varinfo[i];
         column.retain = (flags & QVEJMAP_RETAIN) != 0;
         QV_TRY(layoutColumn(rp, from, rctx->varinfo[i], column, totOffset));
         totOffset += column.length;

@@ -25,16 +25,16 @@ inline constexpr QVStrSize kNumberBytes = 8;    // bytes of a numeric column
 void dumpLayout(QVEJMAPReadContexth rctx);
 
 // The cell of a column in the row buffer.
-[[nodiscard]] inline char* cellOf(const JMAP_READPRIVATE& rp, const VARINFO& column) noexcept {
+[[nodiscard]] inline char* cellOf(const JMAP_READPRIVATE& rp, const ROWCOLUMN& column) noexcept {
     return rp.obsbuf + column.offset;
 }
 
 // Stores a number's bits in a numeric column.
-inline void storeBits(const JMAP_READPRIVATE& rp, const VARINFO& column, uint64_t bits) noexcept {
+inline void storeBits(const JMAP_READPRIVATE& rp, const ROWCOLUMN& column, uint64_t bits) noexcept {
     std::memcpy(cellOf(rp, column), &bits, sizeof bits);
 }
 
-inline void storeBlanks(const JMAP_READPRIVATE& rp, const VARINFO& column) noexcept {
+inline void storeBlanks(const JMAP_READPRIVATE& rp, const ROWCOLUMN& column) noexcept {
     std::memset(cellOf(rp, column), ' ', column.length);
 }
 

@@ -36,7 +36,7 @@ void clearOnce(JMAP_READPRIVATE* rp) noexcept {
         return;
     }
     for (QVStrSize i = 0; i < rp->varCount; ++i) {
-        const VARINFO& column = rp->varinfo[i];
+        const ROWCOLUMN& column = rp->varinfo[i];
         if (column.type == VAR_CHAR || column.type == VAR_FAKEVARIABLE) {
             storeBlanks(*rp, column);
         } else {
@@ -49,7 +49,7 @@ void clearOnce(JMAP_READPRIVATE* rp) noexcept {
 // Clears the columns that are not retained.  An ordinal always shows its running count.
 void startRow(QVEJMAPReadContexth rctx, JMAP_READPRIVATE* rp) noexcept {
     for (QVStrSize i = 0; i < rp->varCount; ++i) {
-        const VARINFO& column = rp->varinfo[i];
+        const ROWCOLUMN& column = rp->varinfo[i];
         if (column.retain) {
             continue;
         }

@@ -155,6 +155,7 @@ QVStatus addTables(ROWMACHINE* machine, const DSINFO* alldata, DSINFO* const* ta
 QVStatus openMachine(ROWMACHINE* machine, JMAP_PRIVATE* p, QVPoolh pool, const DSINFO* alldata,
                      DSINFO* const* tables, QVStrSize tableCount, uint64_t flags) {
     machine->p = p;
+    machine->rows.p = p;
     machine->rows.pool = pool;
     machine->tableCount = tableCount;
     machine->retain = (flags & QVEJMAP_RETAIN) != 0;

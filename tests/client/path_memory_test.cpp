@@ -2,7 +2,9 @@
 // the paths, from the scan to the map.
 #include "qvportable.h"
 
+#include "bench/shapes.h"
 #include "client/document.h"
+#include "client/table_pass.h"
 
 #include <gtest/gtest.h>
 
@@ -67,6 +69,30 @@ TEST(PathMemory, IsBoundedForEachPathHoweverLong) {
         EXPECT_LT(bytesInUse(engine) - before, c.paths * (kMostBytes + kNameBytes) + kMostBesides);
         EXPECT_GT(document.automaticTables().front().columns.size(), c.paths);
     }
+}
+
+// Objects keyed by names: seven tables for each ten values, with ordinals of all that is around.
+TEST(PathMemory, IsBoundedForEachTableAndItsOrdinals) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "red zones count as memory in use";
+#endif
+    constexpr uint64_t kPaths = 100'000;  // with values
+    constexpr uint64_t kMostOfMap = 700;  // bytes for each
+    constexpr uint64_t kMostOfPass = 760;
+    qvej::Engine engine;
+    const uint64_t before = bytesInUse(engine);
+    qvej::Document document(engine, {.keepFree = UINT64_MAX});
+    document.feed(jmap::bench::pathsOf(kPaths));
+    document.finish();
+    const uint64_t mapped = bytesInUse(engine);
+    EXPECT_LT((mapped - before - kMostBesides) / kPaths, kMostOfMap);
+    std::vector<const qvej::Table*> tables;
+    for (const qvej::Table& table : document.tables()) {
+        tables.push_back(&table);
+    }
+    EXPECT_EQ(tables.size(), kPaths / 10 * 7);
+    const qvej::TablePass pass(document, tables);
+    EXPECT_LT((bytesInUse(engine) - mapped) / kPaths, kMostOfPass);
 }
 
 }  // namespace

@@ -5,7 +5,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <memory>
+#include <numeric>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -91,6 +96,103 @@ TEST(TableOutputs, ASinkIsMadeWithItsFirstRowAndLargeOnesFlushedWhenAllHoldTooMu
     EXPECT_EQ(schema.tables[1].rows, 2U);
     EXPECT_EQ(schema.tables[2].rows, 1U);
     EXPECT_EQ(schema.tables[3].rows, 3U);
+}
+
+// Keeps what is written, of each table.
+class Kept final : public qvej::Destination {
+   public:
+    void open(const std::vector<const qvej::Table*>& tables,
+              const qvej::Schema* /*schema*/) override {
+        tables_ = tables;
+        texts.resize(tables.size());
+        made.resize(tables.size());
+    }
+    [[nodiscard]] bool shares(const qvej::OutputFiles& /*files*/) const override { return false; }
+    [[nodiscard]] std::unique_ptr<qvej::Sink> sink(std::size_t table) override {
+        return std::make_unique<Counted>(
+            *this,
+            qvej::makeCsvSink(qvej::Writer(std::make_unique<Appending>(texts[table])),
+                              {*tables_[table], options_, nullptr, table, made[table]++ != 0}));
+    }
+    void end(const qvej::Schema& /*schema*/) override {}
+    [[nodiscard]] std::vector<std::string> commit(qvej::OutputFiles* /*with*/) override {
+        return {};
+    }
+
+    std::vector<std::string> texts;  // of each table
+    std::vector<int> made;           // sinks of each
+    std::size_t alive = 0;           // sinks
+    std::size_t mostAlive = 0;
+
+   private:
+    class Appending final : public qvej::Target {
+       public:
+        explicit Appending(std::string& to) : to_(to) {}
+        void write(const char* text, std::size_t size) override { to_.append(text, size); }
+
+       private:
+        std::string& to_;
+    };
+    class Counted final : public qvej::Sink {
+       public:
+        Counted(Kept& kept, std::unique_ptr<qvej::Sink> sink)
+            : kept_(kept), sink_(std::move(sink)) {
+            kept_.mostAlive = std::max(kept_.mostAlive, ++kept_.alive);
+        }
+        ~Counted() override { --kept_.alive; }
+        void row(const qvej::PassRow& row) override { sink_->row(row); }
+        void end() override { sink_->end(); }
+        [[nodiscard]] std::size_t held() const override { return sink_->held(); }
+        void flush() override { sink_->flush(); }
+        bool rest() override { return sink_->rest(); }
+
+       private:
+        Kept& kept_;
+        std::unique_ptr<qvej::Sink> sink_;
+    };
+
+    qvej::FormatOptions options_;
+    std::vector<const qvej::Table*> tables_;
+};
+
+// Of many tables that come one after the other few sinks are alive, and one that is woken goes on
+// where it ended.  Those of tables that come in turns are left awake.
+TEST(TableOutputs, SinksOfTablesThatAreDoneRest) {
+    constexpr int kTables = 20'000;
+    const struct {
+        const char* name;
+        int turns;
+        std::size_t mostAlive;
+        int mostMade;  // sinks, of all tables
+    } cases[] = {{"in order", 1, 8192, kTables + 1}, {"in turns", 5, kTables, 2 * kTables}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::string text = "[";
+        for (int i = 0; i < c.turns * kTables; ++i) {
+            text += "{\"t" + std::to_string(i % kTables) + "\":{\"v\":1}},";
+        }
+        const jmap::test::ReadDocument read(text + R"({"t0":{"v":"no"}}])");
+        const std::vector<const qvej::Table*> tables = read.tables();
+        Kept destination;
+        destination.open(tables, nullptr);
+        qvej::TableOutputs outputs(
+            read.document, tables, destination, 32 * kMiB,
+            [](const qvej::Table& /*table*/) { return nullptr; }, nullptr);
+        qvej::TablePass pass(read.document, tables);
+        for (qvej::PassItem item; pass.next(item);) {
+            outputs.take({&item, 1});
+        }
+        outputs.end();
+        EXPECT_LE(destination.mostAlive, c.mostAlive);
+        EXPECT_LE(std::accumulate(destination.made.begin(), destination.made.end(), 0), c.mostMade);
+        std::string first = "ordinal_root,ordinal_t0,v\r\n";
+        for (int turn = 0; turn < c.turns; ++turn) {
+            first += std::to_string(turn * kTables + 1) + "," + std::to_string(turn + 1) + ",1\r\n";
+        }
+        first += std::to_string(c.turns * kTables + 1) + "," + std::to_string(c.turns + 1);
+        EXPECT_EQ(destination.texts[0], first + ",no\r\n");
+        EXPECT_EQ(destination.alive, 0U);
+    }
 }
 
 }  // namespace

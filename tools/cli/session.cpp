@@ -2,9 +2,11 @@
 #include "tools/cli/session.h"
 
 #include "client/error.h"
+#include "client/escape.h"
 #include "client/parts/input_parts.h"
 #include "client/parts/scan_parts.h"
 #include "client/row_stream.h"
+#include "client/text.h"
 #include "formats/sources.h"
 #include "tools/cli/auto_shape.h"
 #include "tools/cli/counted_input.h"
@@ -109,6 +111,21 @@ std::string aboutLimit(const ReadingOptions& options, QVStatus status) {
     }
 }
 
+// When memory is too little for the names alone: where most of them are, and what to do.
+std::string aboutNames(const Document& document, QVStatus status) {
+    constexpr uint64_t kMany = 30'000;
+    constexpr std::size_t kShownCharacters = 120;
+    const MostPaths most = status == QV_LIMIT_MEMORY ? document.mostPaths() : MostPaths();
+    if (most.count < kMany) {
+        return {};
+    }
+    const std::string path = escaped(withSlashes(most.path));
+    const std::string_view shown = firstCharacters(path, kShownCharacters);
+    return "; most paths are below " + std::string(shown) +
+           (shown.size() < path.size() ? "..." : "") + " (" + withCommas(most.count) +
+           "): --shape auto or --rows PATH makes rows of such names";
+}
+
 }  // namespace
 
 EngineOptions engineOptions(const ReadingOptions& options) {
@@ -119,7 +136,8 @@ EngineOptions engineOptions(const ReadingOptions& options) {
     return engine;
 }
 
-void failReading(const ReadingOptions& options, const DocumentReader& reader, const Error& error) {
+void failReading(const ReadingOptions& options, const DocumentReader& reader, const Error& error,
+                 const Document* document) {
     const ExitCode code = exitCodeOf(error.status());
     if (code == FILE_TROUBLE) {
         throw error;
@@ -132,6 +150,7 @@ void failReading(const ReadingOptions& options, const DocumentReader& reader, co
         what += ", or a path or a number is longer than 1 MiB";
     }
     what += aboutLimit(options, error.status());
+    what += document == nullptr ? std::string() : aboutNames(*document, error.status());
     Place place = error.place();
     place.file = reader.name();
     what += place.line == 0 ? "" : hint(reader, error);
@@ -221,7 +240,7 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
             useMap();
         }
     } catch (const Error& error) {
-        cli::failReading(options_, reader_.current(), error);
+        cli::failReading(options_, reader_.current(), error, document_ ? &*document_ : nullptr);
     }
     progress_->erase();
     tellUnmatched(name(), shape_, *document_);
@@ -391,7 +410,9 @@ void Session::failReading(const Error& error) const {
         throw error;  // of an output
     }
     const bool cache = exitCodeOf(error.status()) == FILE_TROUBLE;
-    throw Error(error.status(), error.what() + aboutLimit(options_, error.status()),
+    throw Error(error.status(),
+                error.what() + aboutLimit(options_, error.status()) +
+                    aboutNames(*document_, error.status()),
                 cache ? document_->cacheFile() : name());
 }
 

@@ -41,8 +41,9 @@ struct ReadingWishes {
 
 // Turns a mistake of a document that was read into the tool's, which names the options that would
 // help.
+//   document  as far as it has been read; null: it is not kept
 [[noreturn]] void failReading(const ReadingOptions& options, const DocumentReader& reader,
-                              const Error& error);
+                              const Error& error, const Document* document = nullptr);
 
 // Has a text read into what takes it, without its bad lines when the options say so.
 void readText(const ReadingOptions& options, const Engine& engine, DocumentReader& reader,

@@ -1,6 +1,7 @@
 // See survey.h.
 #include "tools/cli/survey.h"
 
+#include "client/schema/column_facts.h"
 #include "client/table_pass.h"
 
 namespace qvej::cli {
@@ -19,6 +20,7 @@ RowLosses lossesOf(const TablePass& pass, std::size_t table, std::size_t columns
 
 Schema typesOf(const Session& session, const std::vector<const Table*>& tables, TablePass& pass,
                const Options& options) {
+    checkRoomForTypes(session.document(), tables);
     Progress& progress = session.progress();
     progress.begin(Progress::TYPES);
     Schema schema = schemaOf(session.document(), tables, pass, options.threads, options.schema,
@@ -28,6 +30,15 @@ Schema typesOf(const Session& session, const std::vector<const Table*>& tables, 
 }
 
 }  // namespace
+
+void checkRoomForTypes(const Document& document, const std::vector<const Table*>& tables) {
+    constexpr std::size_t kOfTable = 256;  // bytes, about
+    std::size_t size = 0;
+    for (const Table* table : tables) {
+        size += kOfTable + table->columns.size() * sizeof(ColumnFacts);
+    }
+    document.checkMemory("types and keys", size);
+}
 
 Schema typesOf(const Session& session, const std::vector<const Table*>& tables,
                const Options& options) {

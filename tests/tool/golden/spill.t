@@ -60,3 +60,11 @@ $ qvejmap check large.json --keep-free 9999G --cache none/file
 $ qvejmap check orders.json --keep-free 9999G --cache none/file
 ! qvejmap: none/file: the file could not be opened: the last records could not be stored
 ? 5
+
+# Names alone are too many: how many there are, where most of them are, and what to do.
+$ { printf '{"a":1,"packages":{'; seq 200000 | sed 's/.*/"name-&":&,/'; printf '"z":0}}'; } > names.json
+$ qvejmap check names.json --memory 32M 2>&1 | head -1 | sed 's/[0-9][0-9,]*/N/g'
+  qvejmap: names.json:N:N: more memory is needed than may be used, even without the records, for N distinct paths so far (--memory); most paths are below /root/packages (N): --shape auto or --rows PATH makes rows of such names
+$ qvejmap check names.json --memory 32M -q 2> mistake; echo $?; qvejmap check names.json --memory 32M --shape auto
+  6
+  names.json: well formed

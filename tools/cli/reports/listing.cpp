@@ -4,6 +4,8 @@
 #include "client/escape.h"
 
 #include <algorithm>
+#include <string_view>
+#include <utility>
 
 namespace qvej::cli {
 
@@ -25,19 +27,36 @@ void align(std::vector<Row>& rows) {
     }
 }
 
+void putLine(Writer& out, const Row& row, std::string_view separator) {
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        out.append(i == 0 ? std::string_view() : separator);
+        out.append(row[i]);
+    }
+    out.put('\n');
+}
+
 }  // namespace
 
 void print(Writer& out, std::vector<Row> rows) {
-    const bool terminal = out.terminal();
-    if (terminal) {
-        align(rows);
+    Listing list(out);
+    for (Row& row : rows) {
+        list.add(std::move(row));
     }
-    for (const Row& row : rows) {
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            out.append(i == 0 ? "" : terminal ? " " : "\t");
-            out.append(row[i]);
-        }
-        out.put('\n');
+    list.end();
+}
+
+void Listing::add(Row row) {
+    if (terminal_) {
+        rows_.push_back(std::move(row));
+    } else {
+        putLine(out_, row, "\t");
+    }
+}
+
+void Listing::end() {
+    align(rows_);
+    for (const Row& row : rows_) {
+        putLine(out_, row, " ");
     }
 }
 

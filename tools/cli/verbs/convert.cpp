@@ -26,6 +26,7 @@
 #include "tools/cli/verbs/verbs.h"
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 
 namespace qvej::cli {
@@ -48,6 +49,31 @@ std::size_t mostHeld(const Options& options) {
     return options.reading.memory ? std::min<std::size_t>(most, *options.reading.memory / 8) : most;
 }
 
+// Lets the threads that make the rows write them down, too, where that can be.
+void writeRows(const Document& document, const std::vector<const Table*>& tables, TablePass& pass,
+               const Destination& destination, TableOutputs& outputs, const SchemaBuilder* facts,
+               unsigned threads, Progress& progress) {
+    if (destination.makesPieces() && pass.works()) {
+        const std::optional<const SchemaBuilder> noRows =
+            facts == nullptr ? std::nullopt : std::optional<const SchemaBuilder>(*facts);
+        pass.work(
+            [&] {
+                return std::make_unique<OutputWork>(document, tables, destination,
+                                                    noRows ? &*noRows : nullptr);
+            },
+            [&](std::unique_ptr<RowResult> result) {
+                auto& pieces = static_cast<OutputPieces&>(*result);
+                outputs.take(pieces);
+                progress.addRows(pieces.rows);
+            });
+        return;
+    }
+    runPass(pass, threads, [&](std::span<const PassItem> items) {
+        outputs.take(items);
+        progress.addRows(rowsOf(items));
+    });
+}
+
 // `tables`: of the map, as chosen; ALLDATA comes besides.
 ExitCode convert(const Options& options, const Session& session, std::vector<const Table*> tables) {
     const Document& document = session.document();
@@ -65,41 +91,33 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
     Rejects rejects(options.rejects, options.force, sources, document.hasSourceColumn(),
                     destination.get());
     rejects.takeLines(session.skipped());
-    std::optional<const SchemaBuilder> noRows;
     std::optional<SchemaBuilder> facts;
     if (!schema) {
         SchemaOptions typesAndKeys = options.schema;
         typesAndKeys.counts = false;
-        noRows.emplace(document, tables, typesAndKeys);
-        facts.emplace(*noRows);
+        checkRoomForTypes(document, tables);
+        facts.emplace(document, tables, typesAndKeys);
     }
     TableOutputs outputs(
         document, tables, *destination, mostHeld(options),
         [&](const Table& table) { return rejects.handlerFor(table); }, facts ? &*facts : nullptr);
-    TablePass pass(document, tables, options.retain, options.carry);
+    auto pass = std::make_unique<TablePass>(document, tables, options.retain, options.carry);
     if (options.formatOptions.packing == Packing::NONE) {  // a flush ends what is packed
-        pass.flushInTime([&] { outputs.flush(); });
+        pass->flushInTime([&] { outputs.flush(); });
     }
     session.progress().begin(Progress::ROWS);
-    const bool inPieces = destination->makesPieces() &&
-                          pass.work(
-                              [&] {
-                                  return std::make_unique<OutputWork>(
-                                      document, tables, *destination, noRows ? &*noRows : nullptr);
-                              },
-                              [&](std::unique_ptr<RowResult> result) {
-                                  auto& pieces = static_cast<OutputPieces&>(*result);
-                                  outputs.take(pieces);
-                                  session.progress().addRows(pieces.rows);
-                              });
-    if (!inPieces) {
-        runPass(pass, options.threads, [&](std::span<const PassItem> items) {
-            outputs.take(items);
-            session.progress().addRows(rowsOf(items));
-        });
-    }
+    writeRows(document, tables, *pass, *destination, outputs, facts ? &*facts : nullptr,
+              options.threads, session.progress());
     session.progress().erase();
     outputs.end();
+    RowLosses losses;
+    uint64_t lost = 0;
+    if (!options.account) {
+        lost = options.alldata ? 0 : lostOf(document, *pass, tables);
+        losses = rowLossesOf(*pass, tables);
+    }
+    pass.reset();  // what follows needs its memory
+    document.checkMemory("types and keys");
     if (!schema) {
         schema = facts->end();
     }
@@ -132,8 +150,7 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
     tellLosses(session.name(), document, written);
     ExitCode code = DONE;
     if (!options.account) {
-        const uint64_t lost = options.alldata ? 0 : lostOf(document, pass, tables);
-        code = tellLost(session.name(), document, rowLossesOf(pass, tables), lost);
+        code = tellLost(session.name(), document, losses, lost);
     }
     tellSharedNames(session.mapName(), tables, *options.format);
     return std::max({code, rejects.tellAll(), session.skipped().exitCode()});

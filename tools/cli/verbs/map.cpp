@@ -135,8 +135,8 @@ ExitCode runMap(const Options& options) {
                            .partThreads = partThreads(options)});
     const Document& document = session.document();
     const std::vector<const Table*> tables = chosenTables(options, document.tables());
-    putMap(mapOf(session, tables, options), options, sources);
     try {
+        putMap(mapOf(session, tables, options), options, sources);
         tellGaps(session, tables, !isChoosing(options), separators.found());
     } catch (const Error& error) {
         session.failReading(error);

@@ -32,28 +32,34 @@ std::string shownPath(const std::string& path) {
     return escaped(withSlashes(path));
 }
 
-std::vector<Row> listTables(const std::vector<const Table*>& tables, bool namesOnly) {
-    std::vector<Row> rows;
-    for (const Table* table : tables) {
-        rows.push_back({escaped(table->name)});
-        if (!namesOnly) {
-            rows.back().push_back(std::to_string(table->columns.size()));
-            rows.back().push_back(shownPath(table->path()));
-        }
+Row rowOf(const Table& table, bool namesOnly) {
+    Row row = {escaped(table.name)};
+    if (!namesOnly) {
+        row.push_back(std::to_string(table.columns.size()));
+        row.push_back(shownPath(table.path()));
     }
-    return rows;
+    return row;
 }
 
-std::vector<Row> listColumns(const std::vector<const Table*>& tables) {
-    std::vector<Row> rows;
+Row rowOf(const Table& table, const Column& column) {
+    return {escaped(table.name), escaped(column.name),
+            std::string(kTypeNames[static_cast<std::size_t>(column.type)]),
+            std::to_string(column.length), shownPath(column.path)};
+}
+
+void putList(const Options& options, const std::vector<const Table*>& tables, Writer& out) {
+    Listing list(out);
     for (const Table* table : tables) {
+        if (!options.columns) {
+            list.add(rowOf(*table, options.names));
+            continue;
+        }
         for (const Column& column : table->columns) {
-            rows.push_back({escaped(table->name), escaped(column.name),
-                            std::string(kTypeNames[static_cast<std::size_t>(column.type)]),
-                            std::to_string(column.length), shownPath(column.path)});
+            list.add(rowOf(*table, column));
         }
     }
-    return rows;
+    list.end();
+    out.flush();
 }
 
 void putJson(const Options& options, const Session& session,
@@ -84,8 +90,7 @@ void putTables(const Options& options, const Session& session,
     } else if (out.terminal() && !options.names && !options.columns) {
         putTree(options, session, tables, out);
     } else {
-        print(out, options.columns ? listColumns(tables) : listTables(tables, options.names));
-        out.flush();
+        putList(options, tables, out);
     }
 }
 
