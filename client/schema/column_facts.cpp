@@ -31,6 +31,18 @@ ColumnFacts::ColumnFacts(const Document& document, const Column& column)
     known_ = flags_ != 0;
 }
 
+void ColumnFacts::add(const ColumnFacts& later) {
+    timeFraction_ = std::max(timeFraction_, later.timeFraction_);
+    flags_ |= later.flags_;
+    if (later.digits_ != kNoCount) {
+        noteCount(later.digits_);
+    }
+    whole_ = std::max(whole_, later.whole_);
+    fraction_ = std::max(fraction_, later.fraction_);
+    filled_ += later.filled_;
+    longest_ = std::max(longest_, later.longest_);
+}
+
 void ColumnFacts::noteInexact(std::string_view digits) {
     if ((flags_ & INEXACT) == 0 && jmapIsInexact(document_->handle(), digits.data(),
                                                  static_cast<QVStrSize>(digits.size())) != 0) {

@@ -33,7 +33,6 @@ class ColumnFacts {
     // A cell of the next row.
     void take(const Cell& cell) {
         if (cell.kind == Cell::MISSING || cell.kind == Cell::NUL) {
-            ++empty_;
             return;
         }
         ++filled_;
@@ -55,11 +54,13 @@ class ColumnFacts {
         }
     }
 
+    // The cells of the rows that come after those of this one.
+    void add(const ColumnFacts& later);
+
     // Is the type known whatever comes?
     [[nodiscard]] bool settled() const { return known_ || (flags_ & OTHER_TEXT) != 0; }
 
     [[nodiscard]] uint64_t filled() const { return filled_; }
-    [[nodiscard]] uint64_t empty() const { return empty_; }  // rows with null or no value
 
     // Bytes of the longest text or number.
     [[nodiscard]] std::size_t longest() const { return longest_; }
@@ -151,7 +152,6 @@ class ColumnFacts {
     int64_t whole_ = 0;      // digits before the point
     int64_t fraction_ = 0;   // digits after it
     uint64_t filled_ = 0;
-    uint64_t empty_ = 0;
     std::size_t longest_ = 0;
 };
 

@@ -5,6 +5,20 @@
 
 namespace qvej {
 
+uint64_t NumberRuns::append(const NumberRuns& later) {
+    uint64_t notAbove = 0;
+    for (const Run& run : later.runs_) {
+        if (runs_.empty() || run.begin > runs_.back().end) {
+            runs_.push_back(run);
+            continue;
+        }
+        uint64_t& end = runs_.back().end;
+        notAbove += std::min(run.end, end) - run.begin;
+        end = std::max(run.end, end);
+    }
+    return notAbove;
+}
+
 bool NumberRuns::has(uint64_t number) const {
     // Mostly the newest.
     if (!runs_.empty() && number >= runs_.back().begin) {
@@ -13,6 +27,32 @@ bool NumberRuns::has(uint64_t number) const {
     const auto after = std::upper_bound(runs_.begin(), runs_.end(), number,
                                         [](uint64_t n, const Run& run) { return n < run.begin; });
     return after != runs_.begin() && number < std::prev(after)->end;
+}
+
+void ParentOrdinals::add(const ParentOrdinals& later, const OwnOrdinals& parents) {
+    missing_ += later.missing_;
+    if (later.count_ == 0) {
+        return;
+    }
+    several_ |= later.several_;
+    if (count_ == 0) {
+        first_ = later.first_;
+        changed_ = later.changed_;
+    } else {
+        several_ |= later.first_ <= current_;
+        if (later.first_ == current_ && !later.changed_) {
+            count_ += later.count_;
+            return;
+        }
+        settle({current_, count_}, parents);
+        changed_ = true;
+    }
+    // The parents of most of them came before `later` began.
+    for (const Late& late : later.late_) {
+        settle(late, parents);
+    }
+    current_ = later.current_;
+    count_ = later.count_;
 }
 
 uint64_t ParentOrdinals::orphans(const OwnOrdinals& parents) const {

@@ -30,6 +30,10 @@ class NumberRuns {
         runs_.push_back({number, number + 1});
         return true;
     }
+    // As if the numbers of `later` were appended one by one.  Returns how many are not above the
+    // last one.
+    uint64_t append(const NumberRuns& later);
+
     [[nodiscard]] bool has(uint64_t number) const;
 
    private:
@@ -49,6 +53,12 @@ class OwnOrdinals {
             ++repeated_;
         }
     }
+    // The rows that come after those of this one.
+    void add(const OwnOrdinals& later) {
+        missing_ += later.missing_;
+        repeated_ += later.repeated_ + seen_.append(later.seen_);
+    }
+
     [[nodiscard]] bool has(uint64_t ordinal) const { return seen_.has(ordinal); }
 
     // Rows without, or with one that is not above that of the row before.
@@ -77,11 +87,19 @@ class ParentOrdinals {
             several_ = true;
             return;
         }
-        settle(parents);
-        several_ |= count_ != 0 && *ordinal < current_;
+        if (count_ == 0) {
+            first_ = *ordinal;
+        } else {
+            settle({current_, count_}, parents);
+            several_ |= *ordinal < current_;
+            changed_ = true;
+        }
         current_ = *ordinal;
         count_ = 1;
     }
+
+    // The rows that come after those of this one.  `parents`: all that have come by their end.
+    void add(const ParentOrdinals& later, const OwnOrdinals& parents);
 
     // After the last row: rows whose parent is no row.
     [[nodiscard]] uint64_t orphans(const OwnOrdinals& parents) const;
@@ -90,20 +108,23 @@ class ParentOrdinals {
     [[nodiscard]] bool onePerParent() const { return !several_ && missing_ == 0; }
 
    private:
+    // Rows in turn with one ordinal.
     struct Late {
         uint64_t ordinal, count;
     };
-    void settle(const OwnOrdinals& parents) {
-        if (count_ != 0 && !parents.has(current_)) {
-            late_.push_back({current_, count_});
+    void settle(const Late& rows, const OwnOrdinals& parents) {
+        if (!parents.has(rows.ordinal)) {
+            late_.push_back(rows);
         }
     }
 
+    uint64_t first_ = 0;
     uint64_t current_ = 0;
     uint64_t count_ = 0;  // rows in turn with that one
     uint64_t missing_ = 0;
     bool several_ = false;
-    std::vector<Late> late_;
+    bool changed_ = false;    // not all have the first ordinal
+    std::vector<Late> late_;  // their parents had not come
 };
 
 }  // namespace qvej

@@ -40,6 +40,7 @@ SchemaBuilder::SchemaBuilder(const Document& document, const std::vector<const T
         }
     }
     findParents();
+    noRows_ = std::make_shared<const std::vector<OfTable>>(facts_);
 }
 
 // The parent of a table is the one whose own ordinal is the deepest of those above the own one.
@@ -72,7 +73,13 @@ void SchemaBuilder::takeOpen(OfTable& of, const PassRow& row) {
         of.columns[c].take(row.at(c));
         settled |= of.columns[c].settled();
     }
-    if (settled && !options_.counts) {
+    if (settled) {
+        closeSettled(of);
+    }
+}
+
+void SchemaBuilder::closeSettled(OfTable& of) const {
+    if (!options_.counts) {
         std::erase_if(of.open, [&](std::size_t c) { return of.columns[c].settled(); });
     }
 }
@@ -86,6 +93,37 @@ void SchemaBuilder::take(std::size_t table, const PassRow& row) {
     }
     if (of.parent) {
         of.parents.take(countOf(row, of.parent->column), facts_[of.parent->table].ordinals);
+    }
+}
+
+void SchemaBuilder::add(const SchemaBuilder& later) {
+    for (std::size_t t = 0; t < facts_.size(); ++t) {
+        OfTable& of = facts_[t];
+        const OfTable& more = later.facts_[t];
+        if (more.rows == 0) {
+            continue;
+        }
+        of.rows += more.rows;
+        for (const std::size_t c : of.open) {
+            of.columns[c].add(more.columns[c]);
+        }
+        closeSettled(of);
+        of.ordinals.add(more.ordinals);
+    }
+    // Now that all rows above are known.
+    for (std::size_t t = 0; t < facts_.size(); ++t) {
+        OfTable& of = facts_[t];
+        if (of.parent && later.facts_[t].rows != 0) {
+            of.parents.add(later.facts_[t].parents, facts_[of.parent->table].ordinals);
+        }
+    }
+}
+
+void SchemaBuilder::clear() {
+    for (std::size_t t = 0; t < facts_.size(); ++t) {
+        if (facts_[t].rows != 0) {
+            facts_[t] = (*noRows_)[t];
+        }
     }
 }
 

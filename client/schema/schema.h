@@ -6,6 +6,14 @@
 //         builder.take(item.table, row);
 //     const qvej::Schema schema = builder.end();
 //
+// Several threads can share the rows: each takes some that follow one another, with a builder of
+// its own, and the builders are added in the order of the rows.
+//
+//     qvej::SchemaBuilder ofBatch(builder);  // a copy of one without rows, which is cheap
+//     ... ofBatch.take(item.table, row) ...  // on any thread
+//     builder.add(ofBatch);
+//     ofBatch.clear();                       // for the next batch
+//
 // Types and keys are found from the rows, so they hold for every row.
 //
 // Tested by tests/client/schema_test.cpp
@@ -20,6 +28,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -63,14 +72,23 @@ struct SchemaOptions {
     bool counts = true;  // Field::filled and Field::longest are asked for, too
 };
 
+// Made on the document's thread.  All else is for any thread, one at a time: of the document it
+// asks what any thread may ask (jmapIsInexact).
 class SchemaBuilder {
    public:
-    // All must outlive this object.
+    // All must outlive this object and its copies.
     SchemaBuilder(const Document& document, const std::vector<const Table*>& tables,
                   const SchemaOptions& options);
 
     // A complete row of the table at that position.
     void take(std::size_t table, const PassRow& row);
+
+    // The rows that come after those of this one; `later` is of the same tables and options.
+    // However the rows are divided, the schema is that of one builder that takes all.
+    void add(const SchemaBuilder& later);
+
+    // Back to no rows.
+    void clear();
 
     // After the last row.
     [[nodiscard]] Schema end() const;
@@ -87,10 +105,12 @@ class SchemaBuilder {
     };
     void findParents();
     void takeOpen(OfTable& of, const PassRow& row);
+    void closeSettled(OfTable& of) const;
 
     const std::vector<const Table*>& tables_;
     SchemaOptions options_;
     std::vector<OfTable> facts_;
+    std::shared_ptr<const std::vector<OfTable>> noRows_;  // as they begin; copies share it
 };
 
 // By a pass of its own over the tables.  Throws as TablePass and PassRow.

@@ -9,6 +9,7 @@
 
 #include <map>
 #include <memory>
+#include <random>
 #include <set>
 
 namespace {
@@ -245,6 +246,184 @@ TEST(Schema, AgreesWithAllRowsOfRandomDocuments) {
             }
             EXPECT_EQ(table.parent->orphans, orphans) << text << " " << table.table->name;
             EXPECT_EQ(table.parent->one, one) << text << " " << table.table->name;
+        }
+    }
+}
+
+// What ordinals say, and the same of their parts added.
+TEST(KeyFacts, PartsAddUpToTheWhole) {
+    for (unsigned seed = 0; seed < 3000; ++seed) {
+        SCOPED_TRACE(seed);
+        std::mt19937 random(seed);
+        const auto draw = [&](uint64_t below) { return random() % below; };
+        const bool ordered = seed % 2 == 0;  // own ordinals, as documents have them
+        struct Facts {
+            qvej::OwnOrdinals own;
+            qvej::ParentOrdinals parents;
+
+            void add(Facts& later) {
+                own.add(later.own);
+                parents.add(later.parents, own);
+                later = {};
+            }
+        } whole, sum, part, smallPart;
+        uint64_t atOwn = 80;
+        uint64_t atParent = 80;
+        for (uint64_t row = draw(14); row > 0; --row) {
+            if (draw(3) == 0) {
+                atOwn += !ordered && draw(8) == 0 ? draw(9) - 5 : draw(3);
+                const auto ordinal = draw(9) == 0 ? std::nullopt : std::optional(atOwn);
+                whole.own.take(ordinal);
+                smallPart.own.take(ordinal);
+            } else {
+                atParent += draw(8) == 0 ? draw(9) - 5 : draw(3);
+                const auto ordinal = draw(9) == 0 ? std::nullopt : std::optional(atParent);
+                whole.parents.take(ordinal, whole.own);
+                smallPart.parents.take(ordinal, smallPart.own);
+            }
+            if (row == 1 || draw(3) == 0) {
+                part.add(smallPart);
+            }
+            if (row == 1 || draw(6) == 0) {
+                sum.add(part);
+            }
+        }
+        EXPECT_EQ(sum.own.missing(), whole.own.missing());
+        EXPECT_EQ(sum.own.repeated(), whole.own.repeated());
+        for (uint64_t ordinal = 10; ordinal < 120; ++ordinal) {
+            EXPECT_EQ(sum.own.has(ordinal), whole.own.has(ordinal)) << ordinal;
+        }
+        if (ordered) {
+            EXPECT_EQ(sum.parents.orphans(sum.own), whole.parents.orphans(whole.own));
+        }
+        EXPECT_EQ(sum.parents.onePerParent(), whole.parents.onePerParent());
+    }
+}
+
+// Every field of a schema.
+std::string textOf(const qvej::Schema& schema) {
+    std::string text = keysOf(schema);
+    for (const qvej::TableSchema& table : schema.tables) {
+        for (const qvej::Field& field : table.fields) {
+            text += " | " + nameOf(field.type) + " " + std::to_string(field.filled) + " " +
+                    std::to_string(field.longest) + (field.minusZero ? " -0" : "") +
+                    (field.unixLike == qvej::Field::SECONDS        ? " s"
+                     : field.unixLike == qvej::Field::MILLISECONDS ? " ms"
+                                                                   : "");
+        }
+    }
+    return text;
+}
+
+// Values of few kinds at each path, so that columns have all types.
+class TypedRows {
+   public:
+    explicit TypedRows(unsigned seed) : random_(seed) {}
+
+    // {"o":[{"a":1,"c":[{"a":2},...]},...]}
+    std::string text() {
+        std::string text;
+        for (std::size_t rows = 1 + draw(12); rows > 0; --rows) {
+            text += (text.empty() ? "" : ",") + object(0);
+        }
+        return "{\"o\":[" + text + "]}";
+    }
+
+   private:
+    static constexpr const char* kNames[] = {"a", "b", "u"};
+    static constexpr const char* kValues[] = {
+        "1",
+        "-27",
+        "1709211900",
+        "1709211901",
+        "1709211900250",
+        "1709211900.000001",
+        "0.5",
+        "12.0625",
+        "-0",
+        "9007199254740993",
+        "12345678901234567890.12",
+        "0.10000000000000000555",
+        "1e400",
+        "true",
+        "false",
+        "null",
+        "\"2024-02-29\"",
+        "\"1500-01-01T00:00\"",
+        "\"2024-02-29T00:00:00.123456789\"",
+        "\"2024-02-29T00:00:00.25\"",
+        "\"2024-02-29T00:00Z\"",
+        "\"\"",
+        "\"letters\"",
+    };
+
+    std::size_t draw(std::size_t below) { return random_() % below; }
+
+    std::string object(int depth) {
+        std::string text;
+        for (const char* name : kNames) {
+            // Unix times come in order in the list, texts too.
+            std::size_t& first = firsts_[std::to_string(depth) + name];
+            first = first != 0 ? first : 1 + draw(std::size(kValues));
+            if (draw(5) != 0) {
+                const std::size_t value = std::min(first + draw(3), std::size(kValues)) - 1;
+                text += (text.empty() ? "\"" : ",\"") + std::string(name) + "\":" + kValues[value];
+            }
+        }
+        std::string below;
+        for (std::size_t rows = depth == 2 ? 0 : draw(4); rows > 0; --rows) {
+            below += (below.empty() ? "" : ",") + object(depth + 1);
+        }
+        if (!below.empty()) {
+            below = "\"c" + std::to_string(depth) + "\":[" + below + "]";
+            const bool after = draw(2) == 0;
+            text = text.empty() ? below : after ? text + "," + below : below + "," + text;
+        }
+        return "{" + text + "}";
+    }
+
+    std::mt19937 random_;
+    std::map<std::string, std::size_t> firsts_;
+};
+
+// However the rows of a document are divided.
+TEST(Schema, BatchesAddUpToTheWhole) {
+    for (unsigned seed = 0; seed < 400; ++seed) {
+        const std::string text = seed % 4 == 0
+                                     ? jmap::test::RandomDocument(seed, {"a", "b", "c"}).text(6)
+                                     : TypedRows(seed).text();
+        SCOPED_TRACE(text);
+        ReadDocument read(text);
+        if (seed % 4 == 1) {
+            read.document.useMap(R"({"DATASETS":[{"DSNAME":"o","TABLEPATH":"/root/o","VARIABLES":[
+                {"NAME":"a","PATH":"/root/o/a","TYPE":"NUMERIC","INFORMAT":["unix",0,0]},
+                {"NAME":"u","PATH":"/root/o/u","TYPE":"NUMERIC","INFORMAT":["unix",0,0]}]}]})");
+        }
+        const auto tables = read.tables();
+        for (const bool counts : {false, true}) {
+            const qvej::SchemaOptions options = {true, counts};
+            qvej::SchemaBuilder whole(read.document, tables, options);
+            qvej::SchemaBuilder sum = whole;
+            qvej::SchemaBuilder batch = whole;
+            std::mt19937 random(seed);
+            std::vector<std::unique_ptr<qvej::PassRow>> rows;
+            for (const qvej::Table* table : tables) {
+                rows.push_back(std::make_unique<qvej::PassRow>(read.document, *table));
+            }
+            qvej::TablePass pass(read.document, tables);
+            for (qvej::PassItem item = {}; pass.next(item);) {
+                if (!rows[item.table]->take(item)) {
+                    continue;
+                }
+                whole.take(item.table, *rows[item.table]);
+                batch.take(item.table, *rows[item.table]);
+                if (random() % 4 == 0) {
+                    sum.add(batch);
+                    batch.clear();
+                }
+            }
+            sum.add(batch);
+            EXPECT_EQ(textOf(sum.end()), textOf(whole.end()));
         }
     }
 }
