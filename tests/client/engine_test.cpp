@@ -30,7 +30,7 @@ void onTwoThreads(const std::function<void(int)>& work) {
 
 void feed(Document& document, const DocumentOptions& options, std::string_view text) {
     if (options.several) {
-        document.beginText("a", options);
+        document.beginText("a", {});
         document.feed(text);
         document.endText();
     } else {
