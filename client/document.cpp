@@ -2,6 +2,7 @@
 #include "client/document.h"
 
 #include "qvehost.h"
+#include "qvportable.h"
 
 #include "client/cache_file.h"
 #include "client/error.h"
@@ -23,6 +24,19 @@ namespace {
 constexpr std::size_t kTablesBetweenChecks = 256;
 constexpr std::size_t kPathsBetweenChecks = 4096;
 
+// Null when nobody wants the notes.  `notes` must outlive it.
+QVJnlh newJournal(std::function<void(std::string_view)>& notes) {
+    QVJnlh journal = nullptr;
+    if (notes) {
+        check(qvPortableJournal(
+            [](void* arg, const char* note, size_t noteLen) {
+                (*static_cast<std::function<void(std::string_view)>*>(arg))({note, noteLen});
+            },
+            &notes, &journal));
+    }
+    return journal;
+}
+
 // A place as the engine has it, of one text or of several.
 Spot spotOf(int64_t line, int64_t column) {
     return {TextRelay::lineOf(line), column, TextRelay::textOf(line)};
@@ -37,14 +51,21 @@ Document::Document(Engine& engine, const DocumentOptions& options)
       naming_(options.naming),
       cacheFile_(options.cacheFile.empty() ? privateCacheDirectory() : options.cacheFile),
       columnOf_(options.columnOf),
+      maxDepth_(options.maxDepth),
+      notes_(options.journal),
+      journal_(newJournal(notes_)),
       sourceColumn_(options.several ? options.sourceColumn : std::string()),
       part_(options.part),
       uncounted_(options.uncounted),
       guard_(options.maxPaths, options.leastMemory,
-             {[&engine] { return engine.availableMemory(); },
+             {[&engine, budget = options.memoryBudget] { return engine.availableMemory(budget); },
               [file = cacheFile_] { return freeDiskOf(file); }}),
-      engineGuard_{&guard_, [](void* arg, const JMAPGrowth* growth) {
+      engineGuard_{&guard_,
+                   [](void* arg, const JMAPGrowth* growth) {
                        return static_cast<ScanGuard*>(arg)->check(*growth);
+                   },
+                   [](void* arg, uint64_t* bytes) {
+                       return static_cast<ScanGuard*>(arg)->available(*bytes);
                    }} {
     std::u32string cacheName = toHostCharacters(cacheFile_);
     std::string alldataName = codec_.encoded(options.alldataName);
@@ -59,21 +80,20 @@ Document::Document(Engine& engine, const DocumentOptions& options)
     parms.descLen = static_cast<QVStrSize>(descLen);
     parms.tempName = cacheName.data();
     parms.tempNameLen = static_cast<QVStrSize>(cacheName.size());
-    parms.rlmemSize = engine.availableMemory();
+    parms.rlmemSize = engine.availableMemory(options.memoryBudget);
     parms.memLeave = options.keepFree;
     parms.compress = options.compress ? 1 : 0;
     parms.ordinalCount = options.ordinals;
     parms.alldataName = alldataName.data();
     parms.alldataNameLen = static_cast<QVStrSize>(alldataName.size());
 
-    QVStatus status =
-        operations()->JsonInit(&operations()->exth, &parms, &handle_, engine.host()->jnl);
+    QVStatus status = operations()->JsonInit(&operations()->exth, &parms, &handle_, journal());
     const bool fed = !options.ofParts && !options.uncounted;
     if (status == QV_OK && fed && (options.several || !options.shape.empty())) {
         status = setParser(options);
     }
     if (status == QV_OK && fed && !options.several &&
-        (options.lines || options.sequence || columnOf_)) {
+        (options.lines || options.sequence || columnOf_ || maxDepth_ != 0)) {
         status = setRules(options);
     }
     if (status == QV_OK && !fed) {
@@ -101,7 +121,7 @@ QVStatus Document::setParser(const DocumentOptions& options) {
     JSNParserParms parms = {};
     parms.textCei = parms.callbackCei = codec_.isUtf8() ? U_UTF8_CE : 0;
     parms.flags = JSN_PARSER_FLAGS;
-    parms.jnl = engine_.host()->jnl;
+    parms.jnl = journal();
     parms.callbacks = jmapCallbacks(handle_);
     try {
         std::unique_ptr<TextRelay> relay;
@@ -131,14 +151,21 @@ QVStatus Document::setRules(const DocumentOptions& options) {
     if (parser->setRules == nullptr) {
         return QV_UNSUPPORTED;
     }
-    const JSNTextRules rules = textRules(options, columnOf_);
+    const JSNTextRules rules = rulesOf(options);
     parser->setRules(parser, &rules);
     return QV_OK;
 }
 
+// The depth is that of the document, whatever the options of its text say.
+JSNTextRules Document::rulesOf(const DocumentOptions& options) {
+    JSNTextRules rules = textRules(options, columnOf_);
+    rules.maxDepth = maxDepth_;
+    return rules;
+}
+
 void Document::beginText(const std::string& name, const DocumentOptions& options) {
     columnOf_ = options.columnOf;
-    relay_->begin(textRules(options, columnOf_));
+    relay_->begin(rulesOf(options));
     std::string utf8;
     appendEscaped(utf8, name, 0);
     texts_.push_back({utf8, jmapBeginText(handle_)});
@@ -193,7 +220,7 @@ Spot Document::watched(std::size_t watch) const {
 
 Document::~Document() {
     jmapEndInput(handle_);
-    (void)operations()->Term(handle_, engine_.host()->jnl);  // a destructor cannot report it
+    (void)operations()->Term(handle_, journal());  // a destructor cannot report it
 }
 
 void Document::input(std::string_view text, bool done) {
@@ -201,7 +228,7 @@ void Document::input(std::string_view text, bool done) {
     // The engine only reads the buffer; its table just has no const.
     const QVStatus status = operations()->JsonInput(handle_, const_cast<char*>(text.data()),
                                                     static_cast<QVStrSize>(text.size()),
-                                                    done ? 1 : 0, &caching, engine_.host()->jnl);
+                                                    done ? 1 : 0, &caching, journal());
     failIfLimited(status);
     if (status != QV_OK) {
         fail(status);
@@ -397,8 +424,7 @@ const Table* Document::find(std::string_view name) const {
 std::string Document::mapText() const {
     char* text = nullptr;
     QVStrSize textLen = 0;
-    const QVStatus status =
-        operations()->GetAutoMapBuf(handle_, &text, &textLen, engine_.host()->jnl);
+    const QVStatus status = operations()->GetAutoMapBuf(handle_, &text, &textLen, journal());
     std::string document;
     try {
         if (status == QV_OK || status == QV_LIMIT_MEMORY) {

@@ -5,11 +5,13 @@
 // Tested by tests/client/client_test.cpp
 #pragma once
 
+#include "qvehost.h"
 #include "qvejmapx.h"
 
 #include "columns.h"
 #include "engine.h"
 #include "error.h"
+#include "handle.h"
 #include "scan_guard.h"
 #include "shape/shape.h"
 #include "text.h"
@@ -56,6 +58,14 @@ struct DocumentOptions {
     std::string alldataName = "ALLDATA";  // at most 40 bytes
     Naming naming = Naming::MAP;          // of the automatic tables and their columns
     std::vector<Watch> watches = {};
+    uint64_t maxDepth = 0;  // nesting limit; 0: none
+    // Bytes that the process may hold, as far as this document is concerned: what is available to
+    // it is counted down from them.  Memory is not divided, so what other documents hold counts
+    // too. 0: what the machine has.
+    uint64_t memoryBudget = 0;
+    // Takes each note of this document (UTF-8, no line end).  It must not throw.  A document whose
+    // parts are read on several threads calls it on them.  Empty: notes are dropped.
+    std::function<void(std::string_view)> journal = {};
     Shape shape = {};  // rules for the document's events; the text must be UTF-8
     // The document is several texts in UTF-8, one after the other: see Document::beginText.
     // `lines`, `sequence` and `columnOf` are then those of each text.
@@ -228,11 +238,13 @@ class Document : public TextConsumer {
     [[nodiscard]] const Engine& engine() const { return engine_; }
     [[nodiscard]] UserJMAP_S* operations() const { return engine_.operations(); }
     [[nodiscard]] QVEJMAPJsonContexth handle() const { return handle_; }
+    [[nodiscard]] QVJnlh journal() const { return journal_.get(); }  // null: notes are dropped
 
    private:
     void describeAll();
     QVStatus setParser(const DocumentOptions& options);
     QVStatus setRules(const DocumentOptions& options);
+    JSNTextRules rulesOf(const DocumentOptions& options);
     QVStatus watchFor(const Watch& watch);
     void input(std::string_view text, bool done);
     [[noreturn]] void fail(QVStatus status) const;
@@ -254,6 +266,9 @@ class Document : public TextConsumer {
     Naming naming_;            // of the tables in use
     std::string cacheFile_;    // or its directory: what failures call it
     std::function<int64_t(int64_t)> columnOf_;
+    const uint64_t maxDepth_;
+    std::function<void(std::string_view)> notes_;
+    Handle<QVJnl> journal_;
     QVEJMAPJsonContexth handle_ = nullptr;
     const Reshaper* reshaper_ = nullptr;  // the engine's
     TextRelay* relay_ = nullptr;          // likewise; null: there is one text

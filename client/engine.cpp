@@ -5,61 +5,90 @@
 
 #include "client/error.h"
 
+#include <algorithm>
+#include <mutex>
+
 namespace qvej {
 namespace {
 
-void passNote(void* arg, const char* note, size_t noteLen) {
-    const auto* options = static_cast<const EngineOptions*>(arg);
-    if (options->journal) {
-        options->journal({note, noteLen});
+// The host that all engines share, since an engine looks for its host by the global handle.
+constinit std::mutex hostMutex;
+constinit QVHndlp sharedHost = nullptr;
+constinit uint64_t hostUsers = 0;
+
+QVHndlp startHost() {
+    QVPortableOptions portable = {};
+    portable.structSize = sizeof portable;
+    // Notes that are of no document are dropped.
+    portable.journalCallback = [](void*, const char*, size_t) {};
+    QVHndlp host = nullptr;
+    check(qvPortableStart(&portable, &host));
+    if (const QVStatus status = qvPortableRegister(host, "qvejmap", ::qvejmap); status != QV_OK) {
+        (void)qvPortableStop(host);  // the first failure is the one to report
+        throw Error(status);
+    }
+    return host;
+}
+
+QVHndlp takeHost() {
+    const std::lock_guard lock(hostMutex);
+    if (hostUsers == 0) {
+        sharedHost = startHost();
+    }
+    ++hostUsers;
+    return sharedHost;
+}
+
+void leaveHost() {
+    const std::lock_guard lock(hostMutex);
+    if (--hostUsers == 0) {
+        (void)qvPortableStop(sharedHost);  // a destructor cannot report it
     }
 }
 
 }  // namespace
 
-Engine::Engine(EngineOptions options) : options_(std::move(options)) {
-    if (jmapVersion() != QVEJMAPX_VERSION || options_.headers != QVEJMAPX_VERSION) {
+Engine::Engine(int32_t headers) {
+    if (jmapVersion() != QVEJMAPX_VERSION || headers != QVEJMAPX_VERSION) {
         throw Error(QV_UNSUPPORTED, "headers and libraries are of different versions");
     }
-    QVPortableOptions portable = {};
-    portable.structSize = sizeof portable;
-    portable.journalCallback = passNote;
-    portable.journalArg = &options_;
-    portable.memoryBudget = options_.memoryBudget;
-    portable.maxDepth = options_.maxDepth;
-    check(qvPortableStart(&portable, &host_));
-
-    QVStatus status = qvPortableRegister(host_, "qvejmap", ::qvejmap);
-    if (status == QV_OK) {
-        // The instance begins with the operation table.
-        operations_ =
-            reinterpret_cast<UserJMAP_S*>(host_->loadExtension(host_, U"qvejmap", 7, host_->jnl));
-        formats_.reset(
-            reinterpret_cast<QVFMTh>(host_->loadExtension(host_, U"qvefmt", 6, host_->jnl)));
-        status = operations_ == nullptr || !formats_ ? QV_NOMEM : QV_OK;
-    }
-    if (status != QV_OK) {
-        formats_.reset();
-        (void)qvPortableStop(host_);  // the first failure is the one to report
-        throw Error(status);
+    host_ = takeHost();
+    // The instance begins with the operation table.
+    operations_ =
+        reinterpret_cast<UserJMAP_S*>(host_->loadExtension(host_, U"qvejmap", 7, host_->jnl));
+    formats_.reset(reinterpret_cast<QVFMTh>(host_->loadExtension(host_, U"qvefmt", 6, host_->jnl)));
+    if (operations_ == nullptr || !formats_) {
+        end();
+        throw Error(QV_NOMEM);
     }
 }
 
 Engine::~Engine() {
-    // A destructor cannot report a failure; the host frees what is left.
+    end();
+}
+
+// Cannot report a failure; the host frees what is left.
+void Engine::end() {
     formats_.reset();
-    (void)operations_->exth.generic.destroy(&operations_->exth.generic);
-    (void)qvPortableStop(host_);
+    if (operations_ != nullptr) {
+        (void)operations_->exth.generic.destroy(&operations_->exth.generic);
+    }
+    leaveHost();
 }
 
 QVCEI Engine::encodingId(std::string_view name) const {
     return host_->nls->encodingId(host_->nls, name.data(), static_cast<QVStrSize>(name.size()));
 }
 
-uint64_t Engine::availableMemory() const {
+uint64_t Engine::availableMemory(uint64_t budget) const {
     uint64_t available = 0;
-    check(host_->qvmrlmem(host_, &available));
-    return available;
+    const QVStatus status = host_->qvmrlmem(host_, &available);
+    if (budget == 0) {
+        check(status);
+        return available;
+    }
+    const uint64_t left = budget - std::min(budget, qvPortableHeld(host_));
+    return status == QV_OK ? std::min(available, left) : left;
 }
 
 }  // namespace qvej

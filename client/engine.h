@@ -1,4 +1,4 @@
-// A running engine: the portable host and the engine's operation table, ended together.
+// A running engine: the operation table, and the portable host, which all engines share.
 //
 //     qvej::Engine engine;
 //     qvej::Document document(engine);
@@ -9,11 +9,13 @@
 //         while (cursor.next()) { ... cursor.cell(i) ... }
 //     }
 //
-// Lifetimes nest: Engine, Document, Cursor.  One engine serves any number of documents.  While it
-// lives its host is the process's global one, so engines are made and ended on one thread and in
-// reverse order; all else follows the threading rule of qvejmap.h.
+// Lifetimes nest: Engine, Document, Cursor.  One engine serves any number of documents, on any
+// threads; limits and notes are a matter of each document (DocumentOptions).  Engines are made and
+// ended on any thread and in any order: the first starts the host and makes it the global one of
+// the process, the last stops it.  A program that starts hosts of its own (qvportable.h) does so
+// while there is no Engine.  All else follows the threading rule of qvejmap.h.
 //
-// Tested by tests/client/client_test.cpp
+// Tested by tests/client/client_test.cpp and tests/client/engine_test.cpp
 #pragma once
 
 #include "qvejmapx.h"
@@ -21,23 +23,15 @@
 #include "handle.h"
 
 #include <cstdint>
-#include <functional>
 #include <string_view>
 
 namespace qvej {
 
-struct EngineOptions {
-    uint64_t memoryBudget = 0;  // bytes; what the memory query counts down from; 0: the machine's
-    uint64_t maxDepth = 0;      // nesting limit of documents; 0: none
-    // Takes each diagnostic note (UTF-8, no line end).  Must not throw.  Empty: notes are dropped.
-    std::function<void(std::string_view)> journal = {};
-    int32_t headers = QVEJMAPX_VERSION;  // that the caller was compiled with
-};
-
 class Engine {
    public:
-    // Throws QV_UNSUPPORTED when headers and libraries are not of one version; QV_NOMEM.
-    explicit Engine(EngineOptions options = {});
+    // `headers`: that the caller was compiled with.  Throws QV_UNSUPPORTED when headers and
+    // libraries are not of one version; QV_NOMEM.
+    explicit Engine(int32_t headers = QVEJMAPX_VERSION);
     ~Engine();
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
@@ -46,8 +40,9 @@ class Engine {
     // are (they can be converted to UTF-8 first).
     [[nodiscard]] QVCEI encodingId(std::string_view name) const;
 
-    // Bytes of memory that are still available; counted from the budget when there is one.
-    [[nodiscard]] uint64_t availableMemory() const;
+    // Bytes of memory that are still available.  With a budget (0: none) no more than it leaves,
+    // less what the process holds.
+    [[nodiscard]] uint64_t availableMemory(uint64_t budget = 0) const;
 
     // Formats and informats.
     [[nodiscard]] QVFMTh formats() const { return formats_.get(); }
@@ -57,7 +52,8 @@ class Engine {
     [[nodiscard]] QVHndlp host() const { return host_; }
 
    private:
-    EngineOptions options_;
+    void end();
+
     QVHndlp host_ = nullptr;
     UserJMAP_S* operations_ = nullptr;
     Handle<QVFMT> formats_;

@@ -7,14 +7,15 @@
 namespace qvej {
 
 LineSieve::LineSieve(const Engine& engine, TextConsumer& takes,
-                     std::function<void(const BadLine&)> onBad)
-    : engine_(engine), takes_(takes), onBad_(std::move(onBad)) {
+                     std::function<void(const BadLine&)> onBad, uint64_t maxDepth)
+    : engine_(engine), takes_(takes), onBad_(std::move(onBad)), maxDepth_(maxDepth) {
     newCheck();
 }
 
 void LineSieve::newCheck() {
     DocumentOptions options;
     options.lines = true;
+    options.maxDepth = maxDepth_;
     check_ = std::make_unique<TextCheck>(engine_, options);
 }
 

@@ -30,10 +30,11 @@ struct BadLine {
 class LineSieve final : public TextConsumer {
    public:
     // `takes` gets the text, and must outlive the sieve.  `onBad`: gets each bad line; its text
-    // lives until that returns.
-    LineSieve(const Engine& engine, TextConsumer& takes, std::function<void(const BadLine&)> onBad);
+    // lives until that returns.  `maxDepth`: as of DocumentOptions.
+    LineSieve(const Engine& engine, TextConsumer& takes, std::function<void(const BadLine&)> onBad,
+              uint64_t maxDepth = 0);
 
-    // What is deeper than the engine allows is no bad line: it is passed on, to be told as a limit.
+    // What is too deep is no bad line: it is passed on, to be told as a limit.
     void feed(std::string_view text) override;
     void finish() override;
     [[nodiscard]] Place end() const override { return takes_.end(); }
@@ -46,6 +47,7 @@ class LineSieve final : public TextConsumer {
     const Engine& engine_;
     TextConsumer& takes_;
     std::function<void(const BadLine&)> onBad_;
+    const uint64_t maxDepth_;
     std::unique_ptr<TextCheck> check_;
     int64_t linesBefore_ = 0;  // the first one that the check sees
     std::string lines_;        // not yet passed on

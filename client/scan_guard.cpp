@@ -11,6 +11,18 @@ namespace {
 
 constexpr uint64_t kReservedPart = 16;  // of the disk: what other programs keep
 
+// What a routine returns, or throws.
+template <class Routine>
+QVStatus statusOf(const Routine& routine) noexcept {
+    try {
+        return routine();
+    } catch (const Error& error) {
+        return error.status();
+    } catch (...) {
+        return QV_NOMEM;
+    }
+}
+
 }  // namespace
 
 std::optional<uint64_t> freeDiskOf(const std::string& path) {
@@ -27,13 +39,14 @@ ScanGuard::ScanGuard(uint64_t maxPaths, uint64_t leastMemory, Surroundings surro
     : maxPaths_(maxPaths), leastMemory_(leastMemory), surroundings_(std::move(surroundings)) {}
 
 QVStatus ScanGuard::check(const JMAPGrowth& growth) noexcept {
-    try {
-        return look(growth);
-    } catch (const Error& error) {
-        return error.status();
-    } catch (...) {
-        return QV_NOMEM;
-    }
+    return statusOf([&] { return look(growth); });
+}
+
+QVStatus ScanGuard::available(uint64_t& bytes) noexcept {
+    return statusOf([&] {
+        bytes = surroundings_.availableMemory();
+        return QVStatus{QV_OK};
+    });
 }
 
 QVStatus ScanGuard::look(const JMAPGrowth& growth) {

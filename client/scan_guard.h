@@ -36,6 +36,9 @@ class ScanGuard {
     // QV_OK, or why the scan must end; `failure` has the sentence then.
     [[nodiscard]] QVStatus check(const JMAPGrowth& growth) noexcept;
 
+    // Bytes of memory that the document may still take, or why they are not known.
+    [[nodiscard]] QVStatus available(uint64_t& bytes) noexcept;
+
     // Memory alone, for `what` is held beyond the engine, and `more` bytes will be.  Throws the
     // failure.
     void checkMemory(const std::string& what, uint64_t more = 0);

@@ -17,8 +17,8 @@ namespace qvej {
 class TextParser final : public TextConsumer {
    public:
     // `callbacks` must live as long, and must not throw; one that gives JMAP_INCOMPLETE says that a
-    // scalar is no document.  Of the options `lines`, `sequence` and `columnOf` count.  Throws
-    // QV_NOMEM.
+    // scalar is no document.  Of the options `lines`, `sequence`, `columnOf` and `maxDepth`
+    // count.  Throws QV_NOMEM.
     TextParser(const Engine& engine, JSNParseCB& callbacks, const DocumentOptions& options);
 
     void feed(std::string_view text) override;

@@ -7,6 +7,7 @@ JSNTextRules textRules(const DocumentOptions& options, std::function<int64_t(int
     JSNTextRules rules = {};
     rules.lines = options.lines ? 1 : 0;
     rules.sequence = options.sequence ? 1 : 0;
+    rules.maxDepth = options.maxDepth;
     if (columnOf) {
         rules.arg = &columnOf;
         rules.columnOf = [](void* arg, int64_t offset) {

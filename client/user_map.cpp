@@ -21,7 +21,7 @@ struct Refusal {
 
 Refusal readMap(const Document& document, std::string& text) {
     UserJMAP_S* operations = document.operations();
-    QVJnlh journal = document.engine().host()->jnl;
+    QVJnlh journal = document.journal();
     QVEJMAPMapInitParms parms = {};
     QVEJMAPMapContexth map = nullptr;
     check(operations->MapInit(document.handle(), &parms, &map, journal));

@@ -46,9 +46,9 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        qvej::Engine engine({.maxDepth = 1000});
+        qvej::Engine engine;
         qvej::DocumentReader reader(qvej::ByteSource::file(argv[1]), {});
-        qvej::Document document(engine, reader.documentOptions());
+        qvej::Document document(engine, reader.documentOptions({.maxDepth = 1000}));
         reader.read(document);  // all of it, or an Error
         for (const qvej::Table& table : document.tables()) {
             print(document, table);

@@ -265,6 +265,7 @@ typedef struct JSNTextRules {
     void* arg;
     /* As `lines`, but with any white space between the values, or none. */
     QVBoolean sequence;
+    uint64_t maxDepth; /* containers that may be open at once; 0: as many as the host allows */
 } JSNTextRules;
 
 /* A push parser for one JSON document. */

@@ -211,6 +211,9 @@ typedef struct JMAPGrowth {
 typedef struct JMAPGuard {
     void* arg;
     QVStatus (*check)(void* arg, const JMAPGrowth* growth);
+    /* Asked in place of the host's `qvmrlmem` whether records go to the cache file.  Null: the host
+     * is asked. */
+    QVStatus (*available)(void* arg, uint64_t* bytes);
 } JMAPGuard;
 
 /* Before the first buffer; `guard` must live until Term. */

@@ -59,6 +59,14 @@ QV_EXPORT QVHndlp qvPortableInstall(QVHndlp host);
 /* Changes the memory budget of a running host. */
 QV_EXPORT void qvPortableSetBudget(QVHndlp host, uint64_t bytes);
 
+/* Bytes that the process holds, in pools and elsewhere, as a memory budget counts them. */
+QV_EXPORT uint64_t qvPortableHeld(QVHndlp host);
+
+/* A journal that belongs to no host, for the notes of one document: each goes to the callback, as
+ * to `journalCallback`.  It ends with its `destroy`.  QV_NOMEM. */
+QV_EXPORT QVStatus qvPortableJournal(void (*callback)(void* arg, const char* note, size_t noteLen),
+                                     void* arg, QVJnlh* journal);
+
 /* What the pools of a host hold and did. */
 typedef struct QVPortableCounts {
     uint64_t poolsAlive;

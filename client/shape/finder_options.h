@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 namespace qvej {
 
 struct FinderOptions {
+    uint64_t maxDepth = 0;  // nesting limit of the text; 0: none
     // Names with scalars of one kind are data from this many different names on, if they come in
     // several objects and each object has at most a third of them.  In an object that occurs once
     // it takes kLoneNames times as many.

@@ -76,6 +76,7 @@ void ShapeFinder::newParser(TextForm form) {
     JSNTextRules rules = {};
     rules.lines = form == TextForm::LINES ? 1 : 0;
     rules.sequence = form == TextForm::SEQUENCE ? 1 : 0;
+    rules.maxDepth = options_.maxDepth;
     parser_->setRules(parser_.get(), &rules);
 }
 

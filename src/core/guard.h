@@ -1,4 +1,4 @@
-// Asks the caller's guard (JMAPGuard) whether a document may grow on.
+// Asks the caller's guard (JMAPGuard) whether a document may grow on, and how much memory it has.
 #pragma once
 
 #include "context.h"
@@ -23,6 +23,15 @@ inline constexpr uint64_t kColumnsBetween = 4096;
 // The same when no record is written any more, so that the disk does not matter.
 [[nodiscard]] inline QVStatus askGuardOfMemory(const JMAP_PRIVATE* p, uint64_t tables) {
     return askGuard(p, tables, 0);
+}
+
+// Bytes of memory that are available: to this document, or to all when the guard does not say.
+[[nodiscard]] inline QVStatus availableMemory(const JMAP_PRIVATE* p, uint64_t* bytes) {
+    if (p->guard != nullptr && p->guard->available != nullptr) {
+        return p->guard->available(p->guard->arg, bytes);
+    }
+    QVHndlp host = qvGlobalHandle();
+    return host->qvmrlmem(host, bytes);
 }
 
 }  // namespace jmap

@@ -103,6 +103,21 @@ std::unique_ptr<Journal> Journal::open(const QVPortableOptions& options) {
     return journal;
 }
 
+QVStatus Journal::make(void (*callback)(void* arg, const char* note, size_t noteLen), void* arg,
+                       QVJnlh* out) {
+    auto* journal = new Journal;
+    journal->generic.destroy = &endJournal;
+    journal->callback_ = callback;
+    journal->callbackArg_ = arg;
+    *out = journal;
+    return QV_OK;
+}
+
+QVStatus Journal::endJournal(QVGeneric* self) {
+    delete static_cast<Journal*>(reinterpret_cast<QVJnlh>(self));  // it begins with its head
+    return QV_OK;
+}
+
 QVStatus Journal::writeNote(QVJnlh jnl, int32_t /*kind*/, const QVChar* fmt, QVStrSize fmtLen,
                             va_list args) {
     const std::string note = formatUtf8(fmt, fmtLen, args);

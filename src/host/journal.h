@@ -25,12 +25,17 @@ class Journal : public QVJnl {
    public:
     // The journal that the options ask for.  Null when its file cannot be opened.
     [[nodiscard]] static std::unique_ptr<Journal> open(const QVPortableOptions& options);
+    // One that belongs to its user.
+    [[nodiscard]] static QVStatus make(void (*callback)(void* arg, const char* note,
+                                                        size_t noteLen),
+                                       void* arg, QVJnlh* out);
     ~Journal();
     Journal(const Journal&) = delete;
     Journal& operator=(const Journal&) = delete;
 
    private:
     Journal() noexcept;
+    static QVStatus endJournal(QVGeneric* self);
     static QVStatus writeNote(QVJnlh jnl, int32_t kind, const QVChar* fmt, QVStrSize fmtLen,
                               va_list args);
     QVStatus emit(const std::string& note);

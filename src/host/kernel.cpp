@@ -65,14 +65,18 @@ QVTrackerh createTrackerSlot(QVHndlp host, int32_t kind, int32_t /*resourceTypes
     return createTracker(hostOf(host), name, nameLen);
 }
 
+// Pools, or all pages of the process when the system tells them.
+uint64_t heldBy(Host& host) {
+    return std::max(host.memory().held(), host.memoryQuery().held());
+}
+
 // The smaller of what the system leaves and what the budget leaves.
 QVStatus availableMemory(QVHndlp handle, uint64_t* available) {
     Host& host = hostOf(handle);
     const uint64_t budget = host.budget();
     std::optional<uint64_t> bytes = host.memoryQuery().available();
     if (budget != 0) {
-        const uint64_t held = std::max(host.memory().held(), host.memoryQuery().held());
-        const uint64_t left = budget - std::min(budget, held);
+        const uint64_t left = budget - std::min(budget, heldBy(host));
         bytes = std::min(left, bytes.value_or(left));
     }
     if (!bytes) {
@@ -209,6 +213,19 @@ void qvPortableSetBudget(QVHndlp host, uint64_t bytes) {
     if (Host* const known = Host::of(host)) {
         known->setBudget(bytes);
     }
+}
+
+uint64_t qvPortableHeld(QVHndlp host) {
+    Host* const known = Host::of(host);
+    return known == nullptr ? 0 : qvhost::heldBy(*known);
+}
+
+QVStatus qvPortableJournal(void (*callback)(void* arg, const char* note, size_t noteLen), void* arg,
+                           QVJnlh* journal) {
+    if (callback == nullptr || journal == nullptr) {
+        return QV_BADPARMS;
+    }
+    return qvhost::Rim<&qvhost::Journal::make>::call(callback, arg, journal);
 }
 
 void qvPortableCounts(QVHndlp host, QVPortableCounts* counts) {

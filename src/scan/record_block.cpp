@@ -34,9 +34,8 @@ constexpr std::string_view kFileDesc = "json cache file";
 // Kept: when the query fails, blocks stay where they went before.  An uncompressed block then
 // returns the status of the query, although it is stored.
 QVStatus checkMemory(JMAP_PRIVATE* p) {
-    QVHndlp host = qvGlobalHandle();
     uint64_t available = UINT64_MAX;
-    const QVStatus rc = host->qvmrlmem(host, &available);
+    const QVStatus rc = availableMemory(p, &available);
     if (available < p->rlmemMin) {
         p->usingTemp = true;
     }

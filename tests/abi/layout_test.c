@@ -110,7 +110,7 @@ static void checkToolLayouts(void) {
     LAYOUT(JMAPPathInfo, 240, AT(pathLen, 0), AT(count, 8), AT(type, 16), AT(maxValueLen, 24),
            AT(longestLine, 32), AT(longestColumn, 40), AT(kinds, 48), AT(inexact, 216));
     LAYOUT(JMAPGrowth, 32, AT(paths, 0), AT(recordBytes, 8), AT(spilledBytes, 16), AT(tables, 24));
-    LAYOUT(JMAPGuard, 16, AT(arg, 0), AT(check, 8));
+    LAYOUT(JMAPGuard, 24, AT(arg, 0), AT(check, 8), AT(available, 16));
     LAYOUT(JMAPTotals, 88, AT(records, 0), AT(values, 8), AT(recordBytes, 16), AT(storedBytes, 24),
            AT(blocks, 32), AT(blocksOnDisk, 40), AT(unstoredBytes, 48), AT(unstoredStatus, 56),
            AT(droppedTables, 64), AT(lostLookups, 72), AT(labelsSlip, 80));

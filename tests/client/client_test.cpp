@@ -26,7 +26,7 @@ TEST(Client, AnEngineIsOfTheVersionOfItsHeaders) {
     for (const int32_t headers : {0, QVEJMAPX_VERSION, QVEJMAPX_VERSION + 1}) {
         QVStatus status = QV_OK;
         try {
-            const qvej::Engine engine({.headers = headers});
+            const qvej::Engine engine(headers);
         } catch (const qvej::Error& error) {
             status = error.status();
         }

@@ -38,17 +38,18 @@ TEST(LineSieve, BlanksBadLinesAndTellsThem) {
         {"1\n2 ,\r\n\n3\n}", "1\n    \n\n3\n ", "2:3 2 ,\r|5:1 }|"},
         {"[[[[]]]]\n]\n", "[[[[]]]]\n \n", "2:1 ]|"},  // too deep, but JSON
     };
-    const qvej::Engine engine({.maxDepth = 3});
+    const qvej::Engine engine;
     for (const auto& c : cases) {
         for (const std::size_t piece : {1, 2, 3, 5, 100}) {
             SCOPED_TRACE(std::string(c.text) + " by " + std::to_string(piece));
             Kept kept;
             std::string told;
-            qvej::LineSieve sieve(engine, kept, [&](const qvej::BadLine& bad) {
+            const auto onBad = [&](const qvej::BadLine& bad) {
                 told += std::to_string(bad.line) + ":" + std::to_string(bad.column) + " " +
                         std::string(bad.text) + "|";
                 EXPECT_FALSE(bad.reason.empty());
-            });
+            };
+            qvej::LineSieve sieve(engine, kept, onBad, 3);
             for (std::size_t at = 0; at < c.text.size(); at += piece) {
                 sieve.feed(c.text.substr(at, piece));
             }

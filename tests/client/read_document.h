@@ -9,9 +9,8 @@
 namespace jmap::test {
 
 struct ReadDocument {
-    explicit ReadDocument(std::string_view text, const qvej::DocumentOptions& options = {},
-                          const qvej::EngineOptions& engineOptions = {})
-        : engine(engineOptions), document(engine, options) {
+    explicit ReadDocument(std::string_view text, const qvej::DocumentOptions& options = {})
+        : document(engine, options) {
         document.feed(text);
         document.finish();
     }

@@ -65,7 +65,7 @@ TEST(ScanGuard, EndsAPass) {
         text += R"({"v":1},)";
     }
     text += R"({"v":2}]})";
-    const jmap::test::ReadDocument read(text, {}, {.memoryBudget = uint64_t{512} << 20});
+    const jmap::test::ReadDocument read(text, {.memoryBudget = uint64_t{512} << 20});
     const qvej::Document& document = read.document;
     const std::vector<const qvej::Table*> tables = read.tables();
     const auto statusOf = [](const auto& routine) {

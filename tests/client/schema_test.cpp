@@ -403,8 +403,9 @@ TEST(Schema, BatchesAddUpToTheWhole) {
         for (const bool counts : {false, true}) {
             const qvej::SchemaOptions options = {true, counts};
             qvej::SchemaBuilder whole(read.document, tables, options);
-            qvej::SchemaBuilder sum = whole;
-            qvej::SchemaBuilder batch = whole;
+            const qvej::SchemaBuilder none = whole;
+            qvej::SchemaBuilder sum = none;
+            auto batch = std::make_unique<qvej::SchemaBuilder>(none);
             std::mt19937 random(seed);
             std::vector<std::unique_ptr<qvej::PassRow>> rows;
             for (const qvej::Table* table : tables) {
@@ -416,13 +417,13 @@ TEST(Schema, BatchesAddUpToTheWhole) {
                     continue;
                 }
                 whole.take(item.table, *rows[item.table]);
-                batch.take(item.table, *rows[item.table]);
+                batch->take(item.table, *rows[item.table]);
                 if (random() % 4 == 0) {
-                    sum.add(batch);
-                    batch.clear();
+                    sum.add(*batch);
+                    batch = std::make_unique<qvej::SchemaBuilder>(none);
                 }
             }
-            sum.add(batch);
+            sum.add(*batch);
             EXPECT_EQ(textOf(sum.end()), textOf(whole.end()));
         }
     }

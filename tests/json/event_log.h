@@ -36,6 +36,7 @@ struct ParseOptions {
     QVStatus failStatus = QV_OK;
     bool lines = false;
     bool sequence = false;
+    uint64_t rulesDepth = 0;  // the limit as a rule for the text
 };
 
 // Callbacks that write the events down.
@@ -89,7 +90,7 @@ class LoggedParser {
         const qvhost::ParserSettings settings = {options.maxDepth, options.kernel};
         log.parser = parser_ = new qvhost::Parser(nullptr, parms, settings);
         const JSNTextRules rules = {QVBoolean{options.lines}, nullptr, nullptr,
-                                    QVBoolean{options.sequence}};
+                                    QVBoolean{options.sequence}, options.rulesDepth};
         parser_->setRules(parser_, &rules);
     }
     ~LoggedParser() { (void)parser_->generic.destroy(&parser_->generic); }

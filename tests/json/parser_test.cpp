@@ -296,7 +296,8 @@ TEST(Parser, AsksForColumnsByOffset) {
                                             return offset * 10;
                                         },
                                     .arg = &buffer,
-                                    .sequence = 0};
+                                    .sequence = 0,
+                                    .maxDepth = 0};
         parser.log.parser->setRules(parser.log.parser, &rules);
         (void)parser.feed(kText.substr(0, cut));
         buffer = {buffer.end, kText.size(), buffer.asked};
@@ -307,17 +308,23 @@ TEST(Parser, AsksForColumnsByOffset) {
 }
 
 TEST(Parser, LimitsTheDepthOnlyWhenAsked) {
-    const ParseOptions three = {.maxDepth = 3};
-    EXPECT_EQ("QV_OK 1:15 [ [ ] { name \"a\" [ ] } ] ", parseEveryWay(R"([[],{"a":[]} ])", three));
-    EXPECT_EQ("QV_JSON_DEPTH 1:8 [ { name \"a\" [ ", parseEveryWay(R"([{"a":[[]]}])", three));
-    EXPECT_EQ("QV_JSON_DEPTH 1:4 [ [ [ ", parseEveryWay("[[[{", three));
-    for (const std::size_t most : {1, 63, 64, 65, 128, 1000}) {
-        const ParseOptions options = {.maxDepth = most};
-        const std::string whole = std::string(most, '[') + std::string(most, ']');
-        EXPECT_TRUE(parseIn(whole, 0, options).starts_with("QV_OK")) << most;
-        EXPECT_TRUE(parseIn("[" + whole + "]", 0, options)
-                        .starts_with("QV_JSON_DEPTH 1:" + std::to_string(most + 1) + " "))
-            << most;
+    // The host's limit, or that of the text, which counts when there are both.
+    const auto limits = {&ParseOptions::maxDepth, &ParseOptions::rulesDepth};
+    for (const auto limit : limits) {
+        ParseOptions options = {.maxDepth = 2};
+        options.*limit = 3;
+        EXPECT_EQ("QV_OK 1:15 [ [ ] { name \"a\" [ ] } ] ",
+                  parseEveryWay(R"([[],{"a":[]} ])", options));
+        EXPECT_EQ("QV_JSON_DEPTH 1:8 [ { name \"a\" [ ", parseEveryWay(R"([{"a":[[]]}])", options));
+        EXPECT_EQ("QV_JSON_DEPTH 1:4 [ [ [ ", parseEveryWay("[[[{", options));
+        for (const std::size_t most : {1, 63, 64, 65, 128, 1000}) {
+            options.*limit = most;
+            const std::string whole = std::string(most, '[') + std::string(most, ']');
+            EXPECT_TRUE(parseIn(whole, 0, options).starts_with("QV_OK")) << most;
+            EXPECT_TRUE(parseIn("[" + whole + "]", 0, options)
+                            .starts_with("QV_JSON_DEPTH 1:" + std::to_string(most + 1) + " "))
+                << most;
+        }
     }
 }
 

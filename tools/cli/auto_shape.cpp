@@ -10,13 +10,15 @@ namespace qvej::cli {
 
 FoundShape findShape(const Engine& engine, std::span<RereadableFile> files,
                      const ReadingOptions& reading, Progress& progress) {
+    FinderOptions options = reading.shape.finding;
+    options.maxDepth = reading.depth;
     std::optional<ShapeFinder> finder;
     for (RereadableFile& file : files) {
         DocumentReader reader(counted(file.walk(), progress), reading.text);
         if (finder) {
             finder->nextText(reader.form());
         } else {
-            finder.emplace(engine.host(), reader.form(), reading.shape.finding);
+            finder.emplace(engine.host(), reader.form(), options);
         }
         try {
             reader.pass([&](std::string_view piece) { return finder->feed(piece); });

@@ -34,6 +34,9 @@ DocumentOptions documentOptions(const ReadingOptions& options, const Engine& eng
     document.naming = options.naming.value_or(Naming::MAP);
     document.keepFree = options.keepFree.value_or(options.memory ? (*options.memory - 1) / 2 + 1
                                                                  : engine.availableMemory() / 8);
+    document.memoryBudget = options.memory.value_or(0);
+    document.maxDepth = options.depth;
+    document.journal = [](std::string_view note) { tellPlain(note); };
     document.leastMemory = options.memory ? 0 : engine.availableMemory() / 16;
     document.maxPaths = options.maxPaths;
     return document;
@@ -128,14 +131,6 @@ std::string aboutNames(const Document& document, QVStatus status) {
 
 }  // namespace
 
-EngineOptions engineOptions(const ReadingOptions& options) {
-    EngineOptions engine;
-    engine.memoryBudget = options.memory.value_or(0);
-    engine.maxDepth = options.depth;
-    engine.journal = [](std::string_view note) { tellPlain(note); };
-    return engine;
-}
-
 void failReading(const ReadingOptions& options, const DocumentReader& reader, const Error& error,
                  const Document* document) {
     const ExitCode code = exitCodeOf(error.status());
@@ -171,7 +166,7 @@ void readText(const ReadingOptions& options, const Engine& engine, DocumentReade
                           ": --skip-bad-lines is for JSON Lines, and this does not look "
                           "like it (--lines says that it is)");
     }
-    LineSieve sieve(engine, text, onBad);
+    LineSieve sieve(engine, text, onBad, options.depth);
     reader.read(sieve, observer);
 }
 
@@ -184,7 +179,7 @@ std::optional<Error> mistakeOf(const ReadingOptions& options, const Engine& engi
             *name = reader.name();
         }
         try {
-            TextCheck check(engine, reader.documentOptions());
+            TextCheck check(engine, reader.documentOptions({.maxDepth = options.depth}));
             readText(options, engine, reader, check, [&](const BadLine& line) {
                 if (onBad) {
                     onBad(reader.name(), line);
@@ -206,7 +201,6 @@ std::optional<Error> mistakeOf(const ReadingOptions& options, const Engine& engi
 Session::Session(const ReadingOptions& options, const InputList& inputs, const std::string& map,
                  const ReadingWishes& wishes)
     : options_(options),
-      engine_(engineOptions(options_)),
       progress_(std::make_unique<Progress>(options_.progress, bytesOf(inputs.files))),
       rereadable_(options_.shape.finds() || options_.skipBadFiles ? rereadable(inputs)
                                                                   : std::vector<RereadableFile>()),

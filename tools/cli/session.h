@@ -1,4 +1,4 @@
-// From FILE to a finished document: starts the engine as the options say and reads the text.  A
+// From FILE to a finished document: reads the text as the options say.  A
 // failure names the options that would help.
 #pragma once
 
@@ -58,9 +58,6 @@ using OnBadLine = std::function<void(const std::string& name, const BadLine& lin
 std::optional<Error> mistakeOf(const ReadingOptions& options, const Engine& engine,
                                const std::function<ByteSource()>& open, const OnBadLine& onBad = {},
                                std::string* name = nullptr);
-
-// What an engine is to know of the options.
-EngineOptions engineOptions(const ReadingOptions& options);
 
 class Session {
    public:

@@ -96,7 +96,11 @@ int64_t Parser::columnOf(const uint8_t* p) const {
 }
 
 void Parser::setRules(JSNParserh self, const JSNTextRules* rules) {
-    static_cast<Parser*>(self)->rules_ = *rules;
+    auto* parser = static_cast<Parser*>(self);
+    parser->rules_ = *rules;
+    if (rules->maxDepth != 0) {
+        parser->containers_.limit(rules->maxDepth);
+    }
 }
 
 QVStatus Parser::parseBytes(const uint8_t* buf, std::size_t bufLen, bool done) {

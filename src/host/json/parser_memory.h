@@ -100,6 +100,12 @@ class ContainerStack {
     ContainerStack(const ContainerStack&) = delete;
     ContainerStack& operator=(const ContainerStack&) = delete;
 
+    // Before the first one: another limit.
+    void limit(uint64_t most) {
+        most_ = most;
+        reach(kFew);
+    }
+
     [[nodiscard]] Container innermost() const { return static_cast<Container>(*top_); }
 
     // False, and nothing has happened: as many are open as may be.

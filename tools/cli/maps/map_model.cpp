@@ -89,7 +89,7 @@ void addTable(std::string& out, const MapTable& table) {
 
 }  // namespace
 
-MapModel mapModel(Engine& engine, std::string_view text, const std::vector<Table>& tables) {
+MapModel mapModel(const Engine& engine, std::string_view text, const std::vector<Table>& tables) {
     const std::vector<TableText> texts = readMapText(engine, text);
     MapModel model;
     for (std::size_t t = 0; t < texts.size(); ++t) {

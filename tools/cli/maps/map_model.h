@@ -35,7 +35,7 @@ struct MapTable {
 using MapModel = std::vector<MapTable>;
 
 // A map by its text and the tables that have been read from it.
-MapModel mapModel(Engine& engine, std::string_view text, const std::vector<Table>& tables);
+MapModel mapModel(const Engine& engine, std::string_view text, const std::vector<Table>& tables);
 
 // The maps of some files, one of which may be standard input.  Throws a Failure, as MapFile.
 std::vector<MapModel> readMapModels(const std::vector<std::string>& files);

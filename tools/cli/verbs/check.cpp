@@ -49,8 +49,7 @@ bool asksForTheScan(const ReadingOptions& options) {
 // The parser alone, over one text after the other: nothing is kept of them.
 class TextChecks {
    public:
-    explicit TextChecks(const ReadingOptions& options)
-        : options_(options), engine_(engineOptions(options)) {}
+    explicit TextChecks(const ReadingOptions& options) : options_(options) {}
 
     // The names of those that are well formed.  Throws the first mistake, or AllBad.
     std::vector<std::string> run(const InputList& inputs) {

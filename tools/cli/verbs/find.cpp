@@ -61,7 +61,7 @@ class PromptWalk final : public ValueWalk {
 
 ExitCode runFind(const Options& options) {
     const ValueTest test(options.value, options.regex, options.ignoreCase);
-    const Engine engine({.maxDepth = options.reading.depth});
+    const Engine engine;
     Writer out = standardOutput();
     uint64_t left = options.limit;
     Skipped skipped;
@@ -76,7 +76,8 @@ ExitCode runFind(const Options& options) {
             }
             --left;
         };
-        PromptWalk walk(out, engine, reader.documentOptions(), options.paths, test, take);
+        PromptWalk walk(out, engine, reader.documentOptions({.maxDepth = options.reading.depth}),
+                        options.paths, test, take);
         try {
             readText(options.reading, engine, reader, walk,
                      [&](const BadLine& line) { skipped.takeLine(reader.name(), line); });

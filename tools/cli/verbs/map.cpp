@@ -73,8 +73,7 @@ void tellGaps(const Session& session, const std::vector<const Table*>& tables, b
 
 // The map of some tables of the document.
 MapModel modelOf(const Document& document, const std::vector<const Table*>& tables) {
-    Engine engine;
-    MapModel all = mapModel(engine, document.mapText(), document.tables());
+    MapModel all = mapModel(document.engine(), document.mapText(), document.tables());
     MapModel map;
     for (const Table* table : tables) {
         map.push_back(std::move(all[static_cast<std::size_t>(table - document.tables().data())]));

@@ -21,7 +21,8 @@ namespace {
 void tellMistake(const Engine& engine, RereadableFile& file, const ReadingOptions& reading) {
     DocumentReader reader(file.walk(), reading.text);
     const ValueTest any({}, {}, false);
-    ValueWalk walk(engine, reader.documentOptions(), {}, any, [](const FoundValue&) {});
+    ValueWalk walk(engine, reader.documentOptions({.maxDepth = reading.depth}), {}, any,
+                   [](const FoundValue&) {});
     try {
         reader.read(walk);
     } catch (const Error& error) {
@@ -53,9 +54,7 @@ void writeFile(const Options& options, const std::string& text, const Sources& s
 ExitCode runShape(const Options& options) {
     const Sources sources = sourcesOf(options.operands[0], {});
     checkMapOutput(options, sources);
-    EngineOptions engineOptions;
-    engineOptions.maxDepth = options.reading.depth;
-    const Engine engine(engineOptions);
+    const Engine engine;
     RereadableFile file(options.operands[0]);
     Progress progress(options.reading.progress, bytesOf(options.operands));
     progress.begin(Progress::SHAPE);
