@@ -12,8 +12,9 @@ namespace qvej {
 struct Indivisible {};
 
 // The parts that can be scanned apart.
-//   Members  whether the elements of a member are: else they are one part with what is around them
-enum class Members : bool { WHOLE, DIVIDED };
+//   Members  whether what comes before and after the elements of a large member is a part each, or
+//            of one part with the first elements, and of one with the last
+enum class Members : bool { APART, JOINED };
 void readInParts(const PartsOfDocument& parts, uint64_t bytes, Members members,
                  const TakePart& take);
 

@@ -84,7 +84,7 @@ bool addAll(PartPipeline<CountedPart>& line, Document& sum, bool several) {
 bool scanParts(const PartsOfDocument& parts, Document& sum) {
     try {
         PartPipeline<CountedPart> line(
-            [&](const TakePart& take) { readInParts(parts, kPartBytes, Members::DIVIDED, take); },
+            [&](const TakePart& take) { readInParts(parts, kPartBytes, Members::APART, take); },
             parts.threads,
             [&](PieceSource& pieces, const PartPipeline<CountedPart>::Put& put) {
                 put(countPart(parts, pieces));

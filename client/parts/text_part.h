@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace qvej {
@@ -17,7 +18,10 @@ struct TextPart {
     std::string name;      // of that text
     TextForm form = TextForm::DOCUMENT;
     Partition partition;
-    std::string member;    // of the elements of a large member: its name as it stands in the text
+    std::string member;  // of the elements of a large member: its name as it stands in the text
+    // Of its last elements, when what comes after them is of the same part: all text before its
+    // first element.
+    std::shared_ptr<const std::string> head = {};
     bool endsPart = true;  // the last piece of what one scan takes
     bool last = false;     // the last piece of the document
 };

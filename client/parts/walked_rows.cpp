@@ -17,7 +17,6 @@ namespace {
 // A part needs memory for all columns, and time to make it: it must be worth that.
 constexpr uint64_t kBytesForAColumn = 64;
 constexpr uint64_t kPartBytes = uint64_t{1} << 20;
-constexpr std::string_view kRootPath = "\x02root";
 
 }  // namespace
 
@@ -41,10 +40,6 @@ class WalkedRows::Walk {
             batch_.text = piece_->text;
         }
         batch_.items->hold(piece_);
-        if (piece_->endsPart && !piece_->last) {
-            check(
-                jmapWalkPart(handle_, kRootPath.data(), static_cast<QVStrSize>(kRootPath.size())));
-        }
         last_ = piece_->last;
         guarded([&] { part_.feed(*piece_); });
     }
@@ -77,7 +72,9 @@ class WalkedRows::Walk {
     static QVStatus take(void* arg, const JMAPPassItem* item) {
         Walk& walk = *static_cast<Walk*>(arg);
         try {
-            walk.add(*item);
+            if (!walk.part_.isBefore()) {
+                walk.add(*item);
+            }
             return QV_OK;
         } catch (...) {
             walk.failure_ = std::current_exception();
@@ -178,7 +175,7 @@ void WalkedRows::start() {
     const uint64_t bytes = std::max(kPartBytes, firstColumn_.back() * kBytesForAColumn);
     line_ = std::make_unique<Line>(
         [this, bytes](const TakePart& take) {
-            asOne_ ? readAsOne(parts_, take) : readInParts(parts_, bytes, Members::WHOLE, take);
+            asOne_ ? readAsOne(parts_, take) : readInParts(parts_, bytes, Members::JOINED, take);
         },
         asOne_ ? 1 : parts_.threads,
         [this](PieceSource& pieces, const Line::Put& put) {
@@ -219,7 +216,7 @@ void WalkedRows::takeEnd(PartEnd end) {
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         JMAPPassColumn& sum = columns_[i];
         const JMAPPassColumn& part = end.columns[i];
-        if (sum.firstOverwritten == 0 && part.firstOverwritten != 0) {
+        if (sum.overwritten == 0 && part.overwritten != 0) {
             sum.firstOverwritten = sum.values + part.firstOverwritten;
         }
         sum.values += part.values;
