@@ -150,9 +150,15 @@ void jmapEndInput(QVEJMAPJsonContexth inh);
  *   part  it makes no map either; see jmapTakePart */
 void jmapCountOnly(QVEJMAPJsonContexth inh, QVBoolean part);
 
-/* Between the buffers of a part: what came before is not of the part but around it, such as the
- * bracket of an array that the elements of the part are in.  It is not counted. */
+/* Between the buffers of a part, before an element of an array: what came before is not of the part
+ * but around it, such as the bracket of that array.  It is not counted.  In a walk (jmapWalkOpen)
+ * the rows that this element would end are gone; those that stay open keep their values. */
 void jmapBeginPart(QVEJMAPJsonContexth inh);
+
+/* Between the buffers of a part that is not the last, after an element: what comes now is around
+ * it, and the next part begins with another element.  At the end of a walk the rows are handed out
+ * that this next element ends.  QV_NOMEM. */
+QVStatus jmapEndPart(QVEJMAPJsonContexth inh);
 
 /* After the last buffer of a document that counts a part: what it has counted, as bytes that can be
  * stored and sent.  They live until Term.  QV_NOMEM. */
@@ -325,7 +331,8 @@ QVStatus jmapPassClose(JMAPPassh pass);
 typedef struct JMAPPassColumn {
     uint64_t values;           /* of its path */
     uint64_t overwritten;      /* of them replaced by a later one in the same row */
-    uint64_t firstOverwritten; /* its number, from 1, among the values of the path */
+    uint64_t firstOverwritten; /* its number, from 1, among the values of the path; in a part 0 when
+                                  it came before jmapBeginPart */
     /* Of them in a row that began after them: an array that comes after other elements does not
      * always begin a row.  The row may belong to another parent. */
     uint64_t strayed;
@@ -366,19 +373,18 @@ QVStatus jmapWalkOpen(QVEJMAPJsonContexth inh, QVEJMAPJsonContexth tablesOf,
                       JMAPPassh* walk);
 
 /* A text may be walked in parts, each a document of its own, with jmapBeginPart after what is
- * around it.  Before the last buffer of a part that is not the last: the path of the marker with
- * which the next part begins.  At its end the rows are handed out that this marker ends.  QV_NOMEM.
- */
-QVStatus jmapWalkPart(JMAPPassh walk, const char* next, QVStrSize nextLen);
-
-/* What an ordinal has counted; columns of one path share it.  It may be set before the first
+ * before it and jmapEndPart before what is after it.  When a row is open around the elements, the
+ * first part has all that comes before them, and the last one has it before its jmapBeginPart.
+ *
+ * What an ordinal has counted; columns of one path share it.  It may be set before the first
  * buffer, or after jmapBeginPart, to what the parts before have counted.  Null: the column is no
  * ordinal, or has no path. */
 uint64_t* jmapWalkCount(JMAPPassh walk, QVStrSize table, QVStrSize column);
 
-/* After the last buffer: whether values have come that a row of the next part would get, because
- * their own row has not ended, or they came before it began, or a column retains them.  The next
- * part can then not be walked by itself. */
+/* After the last buffer of a part with jmapEndPart: whether values have come that a row of a later
+ * part would get, because their own row has not ended, or they came before it began, or a column
+ * retains them.  Later parts can then not be walked by themselves.  A row that is open around the
+ * elements does not matter, unless it takes values of the elements. */
 QVBoolean jmapWalkLeft(JMAPPassh walk);
 
 /* The number that a NUMERIC column has for a text: that of a JSON number, or of the words true (1),

@@ -1,6 +1,8 @@
 // See part_document.h.
 #include "client/parts/part_document.h"
 
+#include "client/error.h"
+
 namespace qvej {
 namespace {
 
@@ -48,14 +50,21 @@ void PartDocument::begin(const TextPart& piece) {
         document_.setForm(options);
     }
     if (cameBefore(piece)) {
-        const std::string before = isOfMember(piece) ? "{\"" + piece.member + "\":[" : "[";
+        const std::string before = piece.head != nullptr ? *piece.head
+                                   : isOfMember(piece)   ? "{\"" + piece.member + "\":["
+                                                         : "[";
+        isBefore_ = true;
         document_.feed(before);
         before_ = static_cast<int64_t>(before.size());
         jmapBeginPart(document_.handle());
+        isBefore_ = false;
     }
 }
 
 void PartDocument::end(const TextPart& piece) {
+    if (piece.endsPart && !piece.last) {
+        check(jmapEndPart(document_.handle()));
+    }
     if (goesOn(piece)) {
         document_.feed(isOfMember(piece) ? "]}" : "]");
     }

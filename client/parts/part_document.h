@@ -28,6 +28,9 @@ class PartDocument {
     // is no whole text, so it is not looked at whether it ends.
     void finish();
 
+    // Whether what is being parsed is not of the part, but before it.
+    [[nodiscard]] bool isBefore() const { return isBefore_; }
+
     // Bytes that stand before the first piece, which are not in it.
     [[nodiscard]] int64_t before() const { return before_; }
 
@@ -41,6 +44,7 @@ class PartDocument {
     Document document_;
     std::optional<std::size_t> text_;  // that is being fed
     bool open_ = false;
+    bool isBefore_ = false;
     int64_t before_ = 0;
 };
 

@@ -1,7 +1,9 @@
 // See part_sequence.h.
 #include "client/parts/part_sequence.h"
 
+#include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -38,6 +40,14 @@ class Sequence {
         held_ = std::move(piece);
     }
 
+    // The next piece goes on with the part of the one before.
+    //   head  what must be before that one, if it begins the part
+    void join(std::shared_ptr<const std::string> head) {
+        held_->partition.more = true;
+        held_->endsPart = false;
+        held_->head = std::move(head);
+    }
+
     void end() {
         if (held_) {
             held_->endsPart = held_->last = true;
@@ -55,22 +65,23 @@ class Sequence {
 void readInParts(const PartsOfDocument& parts, uint64_t least, Members members,
                  const TakePart& take) {
     Sequence sequence(take);
-    std::optional<std::size_t> undivided;  // the text that is one part
-    bool begins = true;                    // the next piece begins a part of the text
-    std::size_t number = 0;                // of that part
-    uint64_t bytes = 0;                    // of the part that is given
+    bool begins = true;                       // the next piece begins a part of the text
+    std::size_t number = 0;                   // of that part
+    uint64_t bytes = 0;                       // of the part that is given
+    std::shared_ptr<const std::string> head;  // what comes before the elements
     parts.read(PartsOfDocument::kPartBytes, [&](TextPart piece) {
         Partition& partition = piece.partition;
         if (partition.kind == Kind::REST) {
             throw Indivisible();
         }
         const bool endsHere = !partition.more;
-        if (partition.kind == Kind::HEAD && members == Members::WHOLE) {
-            undivided = piece.text;
+        if (partition.kind == Kind::HEAD && members == Members::JOINED) {
+            head = std::make_shared<const std::string>(partition.text);
+            partition.more = true;
         }
-        if (undivided == piece.text) {
-            partition.more = !endsText(partition);
-            partition.kind = Kind::WHOLE;
+        if (partition.kind == Kind::TAIL && members == Members::JOINED && begins) {
+            sequence.join(head);
+            begins = false;
         }
         // Blank lines are no part: to a parser they would be an empty array.
         if (begins && partition.kind != Kind::WHOLE && isBlank(partition.text)) {
@@ -83,7 +94,8 @@ void readInParts(const PartsOfDocument& parts, uint64_t least, Members members,
         begins = !partition.more;
         number += endsHere ? 1 : 0;
         bytes += partition.text.size();
-        partition.more = partition.more || (goesOn(partition) && bytes < least);
+        const bool small = goesOn(partition) && piece.member.empty() && bytes < least;
+        partition.more = partition.more || small;
         piece.endsPart = !partition.more;
         bytes = piece.endsPart ? 0 : bytes;
         sequence.add(std::move(piece));

@@ -12,9 +12,10 @@ namespace qvej {
 struct Indivisible {};
 
 // The parts that can be scanned apart.
-//   least    bytes of a part: smaller ones are taken together
-//   Members  whether the elements of a member are: else they are one part with what is around them
-enum class Members : bool { WHOLE, DIVIDED };
+//   least    bytes of a part: smaller ones are taken together, but those of a member
+//   Members  whether what comes before and after the elements of a large member is a part each, or
+//            of one part with the first elements, and of one with the last
+enum class Members : bool { APART, JOINED };
 void readInParts(const PartsOfDocument& parts, uint64_t least, Members members,
                  const TakePart& take);
 

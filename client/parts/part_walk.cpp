@@ -14,7 +14,6 @@ namespace {
 
 // A part needs memory for all columns, and time to make it: it must be worth that.
 constexpr uint64_t kBytesForAColumn = 64;
-constexpr std::string_view kRootPath = "\x02root";
 
 }  // namespace
 
@@ -39,10 +38,6 @@ class PartWalk::Walk final : public Line::Worker {
         }
         if (!rows_.asOne_) {
             text_ = piece_->text;
-        }
-        if (piece_->endsPart && !piece_->last) {
-            check(
-                jmapWalkPart(handle_, kRootPath.data(), static_cast<QVStrSize>(kRootPath.size())));
         }
         guarded([&] { part_.feed(*piece_); });
     }
@@ -84,7 +79,9 @@ class PartWalk::Walk final : public Line::Worker {
     static QVStatus take(void* arg, const JMAPPassItem* item) {
         Walk& walk = *static_cast<Walk*>(arg);
         try {
-            walk.add(itemOf(*item));
+            if (!walk.part_.isBefore()) {
+                walk.add(itemOf(*item));
+            }
             return QV_OK;
         } catch (...) {
             walk.failure_ = std::current_exception();
@@ -205,7 +202,7 @@ void PartWalk::read(const TakePart& take) const {
     }
     PartCounts::Sums sums(parts_.counts, counted_);
     bool begins = true;
-    readInParts(parts_, firstColumn_.back() * kBytesForAColumn, Members::WHOLE,
+    readInParts(parts_, firstColumn_.back() * kBytesForAColumn, Members::JOINED,
                 [&](TextPart piece) {
                     if (piece.number >= parts_.counts.parts()) {
                         throw Indivisible();  // these are others than those that were counted
@@ -264,7 +261,7 @@ void PartWalk::takeEnd(PartEnd end) {
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         JMAPPassColumn& sum = columns_[i];
         const JMAPPassColumn& part = end.columns[i];
-        if (sum.firstOverwritten == 0 && part.firstOverwritten != 0) {
+        if (sum.overwritten == 0 && part.overwritten != 0) {
             sum.firstOverwritten = sum.values + part.firstOverwritten;
         }
         sum.values += part.values;

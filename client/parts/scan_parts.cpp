@@ -113,7 +113,7 @@ class PartSum {
 
 bool scanParts(PartsOfDocument& parts, Document& sum) {
     const Line::Read read = [&](const TakePart& take) {
-        readInParts(parts, 0, Members::DIVIDED, take);
+        readInParts(parts, 0, Members::APART, take);
     };
     const Line::Make make = [&](Line::Put put) {
         return std::make_unique<PartCounter>(parts, std::move(put));

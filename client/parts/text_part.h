@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -19,7 +20,10 @@ struct TextPart {
     std::string name;      // of that text
     TextForm form = TextForm::DOCUMENT;
     Partition partition;
-    std::string member;      // of the elements of a large member: its name as it stands in the text
+    std::string member;  // of the elements of a large member: its name as it stands in the text
+    // Of its last elements, when what comes after them is of the same part: all text before its
+    // first element.
+    std::shared_ptr<const std::string> head = {};
     bool endsPart = true;    // the last piece of what one scan takes
     bool last = false;       // the last piece of the document
     std::size_t number = 0;  // of the part as it is cut from the text, of all parts, from 0

@@ -93,7 +93,6 @@ SchemaBuilder::SchemaBuilder(const Document& document, const std::vector<const T
         }
     }
     findParents();
-    noRows_ = std::make_shared<const std::vector<OfTable>>(facts_);
 }
 
 // The parent of a table is the one whose own ordinal is the deepest of those above the own one.

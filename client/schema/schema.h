@@ -106,7 +106,6 @@ class SchemaBuilder {
     const std::vector<const Table*>& tables_;
     SchemaOptions options_;
     std::vector<OfTable> facts_;
-    std::shared_ptr<const std::vector<OfTable>> noRows_;  // as they begin; copies share it
 };
 
 // By a pass of its own over the tables.  Throws as TablePass and PassRow.

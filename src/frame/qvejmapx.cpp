@@ -239,6 +239,11 @@ void jmapBeginPart(QVEJMAPJsonContexth inh) {
     }
 }
 
+QVStatus jmapEndPart(QVEJMAPJsonContexth inh) {
+    JMAP_PRIVATE* p = contextOf(inh);
+    return p->walk == nullptr ? QV_OK : endWalkPart(p->walk);
+}
+
 QVStatus jmapTakePart(QVEJMAPJsonContexth inh, const char** bytes, QVStrSize* bytesLen) {
     std::string_view part;
     QV_TRY(writePart(contextOf(inh), &part));
@@ -408,16 +413,12 @@ QVStatus jmapWalkOpen(QVEJMAPJsonContexth inh, QVEJMAPJsonContexth tablesOf,
     return QV_OK;
 }
 
-QVStatus jmapWalkPart(JMAPPassh walk, const char* next, QVStrSize nextLen) {
-    return setNext(reinterpret_cast<ROWWALK*>(walk), view(next, nextLen));
-}
-
 uint64_t* jmapWalkCount(JMAPPassh walk, QVStrSize table, QVStrSize column) {
     return walkCount(reinterpret_cast<ROWWALK*>(walk), table, column);
 }
 
 QVBoolean jmapWalkLeft(JMAPPassh walk) {
-    return flag(hasValuesLeft(walk));
+    return flag(hasLeft(reinterpret_cast<const ROWWALK*>(walk)));
 }
 
 QVStatus jmapToNumber(QVEJMAPJsonContexth inh, const char* text, QVStrSize textLen,

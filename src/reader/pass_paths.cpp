@@ -150,11 +150,6 @@ QVStatus addColumn(PASSPATHS* paths, QVPoolh pool, const VARINFO& column, uint32
     return QV_OK;
 }
 
-// Whether a path is that of a table or lies below it, as every path lies below an empty one.
-bool liesWithin(const PASSPATH& path, std::string_view tablePath, char sep) noexcept {
-    return !endsRow(rowBoundary(view(path.path, path.pathLen), tablePath, sep, true, false));
-}
-
 //   tablePath  gets the table's path
 QVStatus addTablePath(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, PASSTABLE* table,
                       std::string_view* tablePath) {
@@ -220,6 +215,10 @@ QVStatus addTable(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, bool retain,
         ++i;
     }
     return QV_OK;
+}
+
+bool liesWithin(const PASSPATH& path, std::string_view above, char sep) noexcept {
+    return !endsRow(rowBoundary(view(path.path, path.pathLen), above, sep, true, false));
 }
 
 PASSPATH* lookUpPath(const PASSPATHS& paths, std::string_view path) {

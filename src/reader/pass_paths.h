@@ -71,6 +71,9 @@ namespace jmap {
 [[nodiscard]] QVStatus addTable(PASSPATHS* paths, QVPoolh pool, const DSINFO& ds, bool retain,
                                 PASSTABLE* table);
 
+// Whether a path is another one or lies below it, as every path lies below an empty one.
+[[nodiscard]] bool liesWithin(const PASSPATH& path, std::string_view above, char sep) noexcept;
+
 // Finds a path by its text.  Null: it means nothing to any table.
 [[nodiscard]] PASSPATH* lookUpPath(const PASSPATHS& paths, std::string_view path);
 

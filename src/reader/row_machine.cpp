@@ -11,6 +11,7 @@
 #include "scan/record_format.h"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 namespace jmap {
@@ -61,6 +62,31 @@ bool keepsTexts(const PASSTABLE& table) noexcept {
         return table.retained[&cell - cells] && cell.kind != JMAP_CELL_MISSING &&
                cell.kind != JMAP_CELL_COUNT;
     });
+}
+
+// Whether something at a path or below it can get into a row, or make one.
+bool takesFrom(const PASSTABLE& table, std::string_view path, char sep) noexcept {
+    const bool takesValues = std::any_of(
+        table.uses, table.uses + table.columnCount,
+        [&](const PASSUSE* use) { return use != nullptr && liesWithin(*use->path, path, sep); });
+    return takesValues ||
+           (table.ordinalsOnly &&
+            std::any_of(table.ordinals, table.ordinals + table.ordinalCount,
+                        [&](const PASSORDINAL& of) { return liesWithin(*of.path, path, sep); }));
+}
+
+// Makes all that the table counts 0.
+void clearCounts(const PASSTABLE& table) noexcept {
+    for (uint32_t i = 0; i < table.ordinalCount; ++i) {
+        table.ordinals[i].path->count = 0;
+        table.cells[table.ordinals[i].column] = {};
+    }
+    for (uint32_t i = 0; i < table.columnCount; ++i) {
+        if (PASSUSE* use = table.uses[i]; use != nullptr) {
+            use->path->values = 0;
+            use->overwritten = use->firstOverwritten = use->strayed = 0;
+        }
+    }
 }
 
 void startRow(ROWMACHINE* machine, PASSTABLE* table) {
@@ -257,26 +283,39 @@ void startHanded(ROWMACHINE* machine) {
     }
 }
 
-void clearCounts(ROWMACHINE* machine) {
+void forgetAll(ROWMACHINE* machine) {
     machine->roots = 0;
-    for (QVStrSize i = 0; i < machine->tableCount; ++i) {
-        const PASSTABLE& table = machine->tables[i];
-        for (uint32_t k = 0; k < table.ordinalCount; ++k) {
-            table.ordinals[k].path->count = 0;
+    const std::span tables(machine->tables, static_cast<std::size_t>(machine->tableCount));
+    for (PASSTABLE& table : tables) {
+        if (!table.open) {
+            clearRow(machine->rows, table);
         }
+        // What an open row has counted is the difference, which stays.
+        table.countedBefore = table.open ? table.countedBefore - countedBy(table) : 0;
+    }
+    for (const PASSTABLE& table : tables) {
+        clearCounts(table);
     }
 }
 
 void startCounting(ROWMACHINE* machine) {
     for (QVStrSize i = 0; i < machine->tableCount; ++i) {
-        machine->tables[i].countedBefore = countedBy(machine->tables[i]);
+        machine->tables[i].countedBefore += countedBy(machine->tables[i]);
     }
 }
 
-bool hasValuesLeft(const ROWMACHINE* machine) noexcept {
-    return std::any_of(
-        machine->tables, machine->tables + machine->tableCount,
-        [](const PASSTABLE& table) { return inVariables(table) || keepsTexts(table); });
+// The rows that are open around the elements are those of the root component: nothing else is known
+// to be around them in each part.
+bool hasValuesLeft(const ROWMACHINE& machine, std::string_view next) noexcept {
+    const PASSPATH* top = machine.top;
+    if (top != nullptr && (top->above != nullptr || top->pathLen != lengthOf(kRoot))) {
+        return true;
+    }
+    return std::any_of(machine.tables, machine.tables + machine.tableCount,
+                       [&](const PASSTABLE& table) {
+                           return table.open ? takesFrom(table, next, machine.p->sep)
+                                             : inVariables(table) || keepsTexts(table);
+                       });
 }
 
 void passColumn(const ROWMACHINE* machine, QVStrSize table, QVStrSize column,

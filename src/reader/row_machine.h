@@ -127,14 +127,16 @@ void lookForNumber(ROWMACHINE* machine, const PASSPATH& found, std::string_view 
 // Begins the next row of the table whose row has been handed out.
 void startHanded(ROWMACHINE* machine);
 
-// Makes all ordinals begin at 0 again.
-void clearCounts(ROWMACHINE* machine);
+// Forgets what has come but for the rows that are open: all counts are 0 again, other rows are as
+// when they begin.  What is to be handed out has been.
+void forgetAll(ROWMACHINE* machine);
 
-// Makes the rows of ordinals begin, once their first counts are set.
+// To be called once the first counts of ordinals are set.
 void startCounting(ROWMACHINE* machine);
 
-// Whether a later row could still get a value that has come: see jmapWalkLeft.
-[[nodiscard]] bool hasValuesLeft(const ROWMACHINE* machine) noexcept;
+// Whether a value that has come before an element at the path `next` gets into a row after it, and
+// that cannot be had by walking what comes before all elements: see jmapWalkLeft.
+[[nodiscard]] bool hasValuesLeft(const ROWMACHINE& machine, std::string_view next) noexcept;
 
 // See jmapPassColumn.
 void passColumn(const ROWMACHINE* machine, QVStrSize table, QVStrSize column,

@@ -223,8 +223,25 @@ QVStatus openWalk(JMAP_PRIVATE* p, const DSINFO* alldata, DSINFO* const* tables,
 }
 
 void beginWalkPart(ROWWALK* walk) {
-    clearCounts(&walk->machine);
+    ROWMACHINE* machine = &walk->machine;
+    if (walk->status == QV_OK) {
+        walk->status = endRowsAtNode(machine, &machine->p->pathAt->node);
+    }
+    JMAPPassItem item;
+    while (handOut(machine, &item)) {
+        startHanded(machine);  // nobody takes it: the row is of another part
+    }
+    forgetAll(machine);
     walk->begun = false;
+}
+
+QVStatus endWalkPart(ROWWALK* walk) {
+    JMAP_PRIVATE* p = walk->machine.p;
+    const PATHNODE* node = &p->pathAt->node;
+    const std::string_view path = pathText(p, node, node->textLen);
+    walk->next = path.data() == nullptr ? nullptr : poolCopy(walk->machine.rows.pool, path);
+    walk->nextLen = lengthOf(path);
+    return walk->next == nullptr ? QV_NOMEM : QV_OK;
 }
 
 void beginBuffer(ROWWALK* walk, const void* buf, QVStrSize bufLen) {
@@ -254,10 +271,8 @@ QVStatus endWalk(ROWWALK* walk) {
     return handOutAll(walk);
 }
 
-QVStatus setNext(ROWWALK* walk, std::string_view path) {
-    walk->next = poolCopy(walk->machine.rows.pool, path);
-    walk->nextLen = lengthOf(path);
-    return walk->next == nullptr ? QV_NOMEM : QV_OK;
+bool hasLeft(const ROWWALK* walk) noexcept {
+    return hasValuesLeft(walk->machine, view(walk->next, walk->nextLen));
 }
 
 uint64_t* walkCount(ROWWALK* walk, QVStrSize table, QVStrSize column) {

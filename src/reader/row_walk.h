@@ -23,8 +23,8 @@ struct ROWWALK {
     uintptr_t buf;      // the buffer that is being parsed
     uintptr_t bufLen;   // 0: none is
     VARSTR texts;       // copies of other texts
-    const char* next;   // path of the marker that begins the next part of the document; null: the
-    QVStrSize nextLen;  // document ends with the last buffer
+    const char* next;   // path of the elements, of which the next part has more; null: there is no
+    QVStrSize nextLen;  // next part
 };
 
 namespace jmap {
@@ -35,8 +35,11 @@ namespace jmap {
 [[nodiscard]] QVStatus openWalk(JMAP_PRIVATE* p, const DSINFO* alldata, DSINFO* const* tables,
                                 QVStrSize tableCount, uint64_t flags, ROWWALK** out);
 
-// What has been counted is not of the document; see jmapBeginPart.
+// What has come is not of the part; see jmapBeginPart.  A failure is told by the next event.
 void beginWalkPart(ROWWALK* walk);
+
+// See jmapEndPart.
+[[nodiscard]] QVStatus endWalkPart(ROWWALK* walk);
 
 // To be called before and after a buffer is parsed.  Returns what ended the walk, or QV_OK.
 void beginBuffer(ROWWALK* walk, const void* buf, QVStrSize bufLen);
@@ -45,8 +48,8 @@ void beginBuffer(ROWWALK* walk, const void* buf, QVStrSize bufLen);
 // To be called after the last buffer: hands out the rows that are open.
 [[nodiscard]] QVStatus endWalk(ROWWALK* walk);
 
-// See jmapWalkPart and jmapWalkCount.
-[[nodiscard]] QVStatus setNext(ROWWALK* walk, std::string_view path);
+// See jmapWalkLeft and jmapWalkCount.
+[[nodiscard]] bool hasLeft(const ROWWALK* walk) noexcept;
 [[nodiscard]] uint64_t* walkCount(ROWWALK* walk, QVStrSize table, QVStrSize column);
 
 // Ends the walk and frees it.  Nothing more of its document can be scanned.

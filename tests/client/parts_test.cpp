@@ -10,9 +10,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <random>
+#include <span>
 #include <sstream>
 
 namespace {
@@ -115,6 +117,10 @@ struct InParts {
           document(engine, optionsOf(*parts)),
           counted(qvej::scanParts(*parts, document)) {
         document.setParts(parts);
+        parts->read = [read = parts->read, this](uint64_t bytes, const qvej::TakePart& take) {
+            ++readings;
+            read(bytes, take);
+        };
     }
     static qvej::DocumentOptions optionsOf(const qvej::PartsOfDocument& parts) {
         qvej::DocumentOptions options = parts.options;
@@ -125,6 +131,7 @@ struct InParts {
     std::shared_ptr<qvej::PartsOfDocument> parts;
     Document document;
     bool counted;
+    std::atomic<int> readings = 0;  // since it was counted
 };
 
 std::string shown(const qvej::Spot& spot) {
@@ -250,6 +257,7 @@ constexpr const char* kMaps[] = {
 // What has been compared, so that a test can tell that it was enough.
 struct Count {
     std::size_t divided = 0;
+    std::size_t walkedInParts = 0;  // of them to the end
     std::size_t refused = 0;
     std::size_t items = 0;
 };
@@ -259,13 +267,14 @@ constexpr Cutting kCuttings[] = {
 
 // Requires of the document in parts what it gives with records, with the automatic map and the
 // others.
-void compare(const Texts& of, const std::vector<Cutting>& cuttings, Count& count) {
+void compare(const Texts& of, const std::vector<Cutting>& cuttings, Count& count,
+             std::span<const char* const> maps = kMaps) {
     SCOPED_TRACE(of.shown().substr(0, 4000));
     const Whole plain(of);
     const std::string want = described(plain.document);
     std::vector<std::pair<Lines, Lines>> items = {
         {itemsOf(plain.document, false), itemsOf(plain.document, true)}};
-    for (const char* map : kMaps) {
+    for (const char* map : maps) {
         Whole mapped(of);
         mapped.document.useMap(map);
         items.emplace_back(itemsOf(mapped.document, false), itemsOf(mapped.document, true));
@@ -280,12 +289,13 @@ void compare(const Texts& of, const std::vector<Cutting>& cuttings, Count& count
                 break;
             }
             if (map != 0) {
-                divided.document.useMap(kMaps[map - 1]);
+                divided.document.useMap(maps[map - 1]);
             } else {
                 ASSERT_EQ(want, described(divided.document));
             }
             SCOPED_TRACE("map " + std::to_string(map));
             ASSERT_NO_FATAL_FAILURE(expectSame(items[map].first, itemsOf(divided.document, false)));
+            count.walkedInParts += divided.readings == 1 ? 1 : 0;
             ASSERT_NO_FATAL_FAILURE(expectSame(items[map].second, itemsOf(divided.document, true)));
             count.items += items[map].first.size();
             ++count.divided;
@@ -379,6 +389,113 @@ TEST(Parts, GiveWhatRecordsGiveOfSeveralTexts) {
     }
     EXPECT_GT(count.divided, 40U);
     EXPECT_GT(count.items, 1000U);
+}
+
+// ---- Members ------------------------------------------------------------------------------------
+
+// Of rows around the elements of the member a.
+constexpr const char* kMemberMaps[] = {
+    // Rows of the root that take nothing of the elements; values around them for rows of theirs.
+    R"({"DATASETS":[{"DSNAME":"r","TABLEPATH":"/root","VARIABLES":[
+        {"NAME":"oa","TYPE":"ORDINAL","PATH":"/root/a"},{"NAME":"o","TYPE":"ORDINAL","PATH":"/root"},
+        {"NAME":"x","TYPE":"NUMERIC","PATH":"/root/x"},
+        {"NAME":"k","TYPE":"CHARACTER","PATH":"/root/b/c","OPTIONS":["RETAIN"]}]},
+       {"DSNAME":"oo","TABLEPATH":"/root","VARIABLES":[
+        {"NAME":"o","TYPE":"ORDINAL","PATH":"/root"}]},
+       {"DSNAME":"a","TABLEPATH":"/root/a","VARIABLES":[
+        {"NAME":"oa","TYPE":"ORDINAL","PATH":"/root/a"},
+        {"NAME":"c","TYPE":"CHARACTER","PATH":"/root/a/c"},
+        {"NAME":"x","TYPE":"CHARACTER","PATH":"/root/x"}]},
+       {"DSNAME":"ab","TABLEPATH":"/root/a/b","VARIABLES":[
+        {"NAME":"oa","TYPE":"ORDINAL","PATH":"/root/a"},
+        {"NAME":"c","TYPE":"NUMERIC","PATH":"/root/a/b/c"}]},
+       {"DSNAME":"o","TABLEPATH":"/root/a","VARIABLES":[
+        {"NAME":"o","TYPE":"ORDINAL","PATH":"/root"}]}]})",
+    // A row of the root that takes values of the elements, or counts nothing but them.
+    R"({"DATASETS":[{"DSNAME":"r","TABLEPATH":"/root","VARIABLES":[
+        {"NAME":"x","TYPE":"NUMERIC","PATH":"/root/x"},
+        {"NAME":"c","TYPE":"NUMERIC","PATH":"/root/a/c"}]}]})",
+    R"({"DATASETS":[{"DSNAME":"o","TABLEPATH":"/root","VARIABLES":[
+        {"NAME":"oa","TYPE":"ORDINAL","PATH":"/root/a"}]}]})",
+};
+
+// An object with an array of objects, and other members before and after it, which may have its
+// name too.  A large array before it that goes on with other values makes the text indivisible.
+Text textWithAMember(unsigned seed, const Lines& names) {
+    jmap::test::RandomDocument values(seed, names, 20, 6);
+    std::mt19937 random(seed);
+    const auto value = [&] {
+        const std::string one = values.text(1);
+        const bool objects = one.starts_with("[[{") && random() % 8 != 0;
+        return (objects ? "[0," : "") + one.substr(objects ? 2 : 1, one.size() - (objects ? 3 : 2));
+    };
+    const auto members = [&](std::size_t most) {
+        std::string all;
+        for (std::size_t left = random() % (most + 1); left > 0; --left) {
+            const std::size_t name = random() % (2 * names.size());
+            all += (all.empty() ? "\"" : ",\"") + (name < names.size() ? names[name] : "x") +
+                   "\":" + value();
+        }
+        return all;
+    };
+    const std::string before = members(4);
+    std::string text = "{" + before + (before.empty() ? "\"" : ", \"") +
+                       names[random() % 3 == 0 ? random() % names.size() : 0] + "\" :[";
+    for (std::size_t i = 0, count = 1 + random() % 12; i < count; ++i) {
+        text += (i == 0 ? "\n{" : ",\n{") + members(i % 4) + "}";
+    }
+    const std::string after = members(4);
+    return {text + (after.empty() ? "]}" : " ],\n" + after + "}")};
+}
+
+TEST(Parts, OfMembersGiveWhatRecordsGive) {
+    const Lines names[] = {{"a", "b", "c"}, {"a", "b", "a\\u0002b", "c", "b1"}};
+    Count count;
+    for (unsigned seed = 0; seed < 120; ++seed) {
+        Texts of;
+        of.several = seed % 5 == 4;
+        of.refusable = true;
+        for (unsigned i = 0; i <= (of.several ? 2U : 0U); ++i) {
+            of.texts.push_back(textWithAMember(3 * seed + i, names[seed % 7 == 6 ? 1 : 0]));
+        }
+        ASSERT_NO_FATAL_FAILURE(compare(of, {kCuttings[seed % 4]}, count, kMemberMaps)) << seed;
+    }
+    EXPECT_GT(count.divided, 400U);
+    EXPECT_GT(count.walkedInParts, 200U);
+    EXPECT_GT(count.items, 3000U);
+}
+
+TEST(Parts, OfMembersAreWalkedByThemselvesUnlessRowsCrossThem) {
+    const std::string elements = R"([{"c":1},{"c":"2","b":[{"c":3},{}]},{},{"c":4}])";
+    const struct {
+        std::string text;
+        const char* map;
+        bool asOne;
+    } cases[] = {
+        {R"({"a":)" + elements + "}", nullptr, false},
+        {R"({"x":1,"b":{"c":2},"t":["u"],"a":)" + elements + R"(,"n":3,"z":{"c":1}})", nullptr,
+         false},
+        {R"({"x":1,"a":)" + elements + R"(,"n":3,"x":2})", kMemberMaps[0], false},
+        {R"({"x":1,"a":)" + elements + R"(,"n":3})", kMemberMaps[1], true},
+        {R"({"x":1,"a":)" + elements + R"(,"n":3})", kMemberMaps[2], true},
+        // The member is not the one that the table counts.
+        {R"({"x":1,"b":)" + elements + R"(,"n":3})", kMemberMaps[2], false},
+        // Its path lies below that of an open row.
+        {R"({"a":{"c":1},"a\u0002b":)" + elements + "}", nullptr, true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        const Texts of = {{{c.text}}};
+        Whole whole(of);
+        InParts parts(of, {1, 100, 2});
+        ASSERT_TRUE(parts.counted);
+        if (c.map != nullptr) {
+            whole.document.useMap(c.map);
+            parts.document.useMap(c.map);
+        }
+        expectSame(itemsOf(whole.document, false), itemsOf(parts.document, false));
+        EXPECT_EQ(c.asOne ? 2 : 1, parts.readings);
+    }
 }
 
 // Whether a text that is divided is refused.
