@@ -1,7 +1,7 @@
 // What a worker makes of the rows of a part of a document: pieces of what its tables' sinks write,
 // facts for the schema, and values that were rejected.
 //
-// Tested by tests/formats/output_work_test.cpp
+// Tested by tests/tool/stream.py
 #pragma once
 
 #include "client/row_work.h"

@@ -42,7 +42,7 @@ char* newText(PASSPATHS* paths, QVPoolh pool, std::string_view path) {
     if (paths->newest != nullptr) {
         const std::string_view begin = view(paths->newest->path, paths->newest->pathLen);
         const QVStrSize more = inArena(lengthOf(path)) - inArena(lengthOf(begin));
-        if (path.starts_with(begin) && begin.data() + inArena(lengthOf(begin)) == texts.at &&
+        if (firstOf(path, begin.size()) == begin && begin.data() + inArena(lengthOf(begin)) == texts.at &&
             more <= texts.left) {
             texts.at += more;
             texts.left -= more;

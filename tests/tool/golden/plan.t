@@ -65,7 +65,7 @@ $ qvejmap convert large.json -o large --threads 2 --plan
 ! plan: counted in parts on 2 threads, then read again for the rows
 ! qvejmap: 1 table, 200000 rows in large
 $ qvejmap convert large.json -o large --threads 1 --plan --force
-! plan: records, since the map is made from the whole document
+! plan: counted in parts on 1 thread, then read again for the rows
 ! qvejmap: 1 table, 200000 rows in large
 $ echo '{"a":1}' > small.json; qvejmap convert small.json -o small --threads 2 --plan
 ! plan: records, since the input is small

@@ -117,8 +117,8 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
         losses = rowLossesOf(*pass, tables);
     }
     pass.reset();  // what follows needs its memory
-    document.checkMemory("types and keys");
     if (!schema) {
+        document.checkMemory("types and keys");
         schema = facts->end();
     }
     destination->end(*schema);
