@@ -2,10 +2,10 @@
 // reading each table, and the rows of all tables.
 //
 //   BM_Scan/orders         bytes of document a second, buffers of 1 MiB, records kept, uncompressed
+//   BM_Count/orders        the same without records: statistics and map alone
 //   BM_Read/orders/TABLE   bytes of records a second
 //   BM_Pass/orders         the rows of all tables of the automatic map, by a scan and a pass over
-//   its
-//                          records: bytes of document a second
+//                          its records: bytes of document a second
 //   BM_Walk/orders         the same rows by a walk
 //
 // The first scan of each document touches fresh memory; it is timed apart and shown as "cold_MBps".
@@ -53,6 +53,17 @@ void scanDocument(benchmark::State& state, const Prepared& prepared) {
     }
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size()));
     state.counters["cold_MBps"] = prepared.coldRate;
+}
+
+void countDocument(benchmark::State& state, const Document& document) {
+    for (auto _ : state) {
+        QVEJMAPJsonContexth doc = open();
+        jmapCountOnly(doc, 0);
+        input(doc, document.text);
+        finish(doc);
+        check(engine()->Term(doc, nullptr), "Term");
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * document.text.size()));
 }
 
 void readTable(benchmark::State& state, QVEJMAPJsonContexth doc, JMAPTableh table) {
@@ -140,6 +151,13 @@ void registerScan(const Prepared& prepared) {
         ->Unit(benchmark::kMillisecond);
 }
 
+void registerCount(const Document& document) {
+    benchmark::RegisterBenchmark(
+        ("BM_Count/" + document.name).c_str(),
+        [&document](benchmark::State& state) { countDocument(state, document); })
+        ->Unit(benchmark::kMillisecond);
+}
+
 void registerTables(const Prepared& prepared) {
     QVMemPtr map = nullptr;
     check(engine()->GetAutoMap(prepared.doc, &map), "GetAutoMap");
@@ -169,6 +187,7 @@ int main(int argc, char** argv) {
     }
     for (const Prepared& one : prepared) {
         registerScan(one);
+        registerCount(*one.document);
     }
     for (const Prepared& one : prepared) {
         registerTables(one);

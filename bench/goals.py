@@ -16,6 +16,7 @@ DOCUMENTS = ("orders", "events", "twitter", "canada")
 GOALS = {
     "parser": (1.2, 1.5, 1.4, 1.2),       # of Boost.JSON's
     "scan": (0.55, 0.55, 0.60, 0.50),     # of our parser
+    "count": (0.70, 0.65, 0.70, 0.55),    # likewise
     "table": (8, 8, 6, 8),                # GB of records a second
 }
 
@@ -92,6 +93,14 @@ def main():
     row("scan to the automatic map, warm, MB/s", megabytes(scan))
     row("  warm scan to our parser", against("scan", ratios(scan, ours), 2))
     row("  goal", GOALS["scan"])
+    count = rates(scanned, "BM_Count")
+    row("statistics and map alone, MB/s", megabytes(count))
+    row("  to our parser", against("count", ratios(count, ours), 2))
+    row("  goal", GOALS["count"])
+    rows = rates(scanned, "BM_Walk")
+    row("rows of all tables by a walk, MB/s", megabytes(rows))
+    row("  its time to that of scan and pass",
+        ["-" if r is None else f"{r:.2f}" for r in ratios(rates(scanned, "BM_Pass"), rows)])
     for which, at in (("fastest", 0), ("slowest", -1)):
         speeds = [t[at][0] if t else None for t in tables]
         row(f"one table, GB/s of records, {which}", against("table", speeds, 1))
