@@ -6,13 +6,25 @@
 #include "formats/database/database_store.h"
 #include "formats/sqlite/sqlite_database.h"
 
+#include <cstdint>
 #include <memory>
 
 namespace {
 
+// Do most tables have rows for many pages?  Every table takes a page at least.
+bool fillsPages(const qvej::Schema& schema) {
+    constexpr uint64_t kManyRows = 1000;
+    uint64_t rows = 0;
+    for (const qvej::TableSchema& table : schema.tables) {
+        rows += table.rows;
+    }
+    return rows >= kManyRows * schema.tables.size();
+}
+
 std::unique_ptr<qvej::Store> openStore(const qvej::StoreParms& parms) {
     return std::make_unique<qvej::DatabaseStore>(
-        std::make_unique<qvej::SqliteDatabase>(parms.target, parms.shownTarget, parms.isNew),
+        std::make_unique<qvej::SqliteDatabase>(parms.target, parms.shownTarget, parms.isNew,
+                                               fillsPages(parms.schema)),
         parms);
 }
 

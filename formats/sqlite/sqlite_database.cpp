@@ -19,6 +19,8 @@ constexpr std::size_t kExactDigits = 15;
 constexpr char kNewFile[] =
     "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; PRAGMA locking_mode = EXCLUSIVE";
 
+constexpr char kLargePages[] = "PRAGMA page_size = 16384";  // else 4096
+
 QVStatus statusOf(int code) {
     switch (code & 0xFF) {
         case SQLITE_NOMEM:
@@ -45,7 +47,8 @@ std::string textAt(const SqliteStatement& statement, int column) {
 
 }  // namespace
 
-SqliteDatabase::SqliteDatabase(const std::string& file, std::string shownFile, bool isNew)
+SqliteDatabase::SqliteDatabase(const std::string& file, std::string shownFile, bool isNew,
+                               bool largePages)
     : shownFile_(std::move(shownFile)) {
     sqlite3* database = nullptr;
     // With "./", no name means anything else to the library.
@@ -58,6 +61,7 @@ SqliteDatabase::SqliteDatabase(const std::string& file, std::string shownFile, b
     check(sqlite3_busy_timeout(database, kWaitMs));
     run("PRAGMA foreign_keys = OFF");  // rows of a child may come before those of its parent
     if (isNew) {
+        run(largePages ? kLargePages : "");
         run(kNewFile);
     }
     run("BEGIN IMMEDIATE");

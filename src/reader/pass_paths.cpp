@@ -42,8 +42,8 @@ char* newText(PASSPATHS* paths, QVPoolh pool, std::string_view path) {
     if (paths->newest != nullptr) {
         const std::string_view begin = view(paths->newest->path, paths->newest->pathLen);
         const QVStrSize more = inArena(lengthOf(path)) - inArena(lengthOf(begin));
-        if (firstOf(path, begin.size()) == begin && begin.data() + inArena(lengthOf(begin)) == texts.at &&
-            more <= texts.left) {
+        if (firstOf(path, begin.size()) == begin &&
+            begin.data() + inArena(lengthOf(begin)) == texts.at && more <= texts.left) {
             texts.at += more;
             texts.left -= more;
             path.remove_prefix(begin.size());

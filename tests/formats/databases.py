@@ -459,6 +459,13 @@ def check_sqlite_failures():
     assert "text.db: file is not a database" in tool("convert", "small.json", "-o", "text.db", code=5)
 
 
+def check_pages():
+    """Pages are large where tables fill many of them, and small where each would be mostly empty."""
+    for count, size in (999, 4096), (1000, 16384):
+        convert(Sqlite(f"pages{count}.db"), write("pages.jsonl", '{"a":1,"b":{"c":2}}\n' * count))
+        assert Sqlite(f"pages{count}.db").sql("PRAGMA page_size") == [[size]], count
+
+
 def check_postgres_failures(server):
     database = Postgres(server, "failures")
     convert(database, write("small.json", '{"o":[{"v":1}]}'))
@@ -499,6 +506,7 @@ def main():
     check_names(Sqlite("names.db"))
     subprocess.run("rm -f *.db", shell=True, check=True)
     check_sqlite_failures()
+    check_pages()
     if postgres_server.programs() is None:
         print("PostgreSQL is not installed (scripts/packages-test), left out")
         return
