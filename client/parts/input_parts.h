@@ -9,7 +9,8 @@
 namespace qvej {
 
 // Regular files in UTF-8.  In another encoding a text throws Indivisible (part_sequence.h).  A file
-// that has changed since this call is an Error (QV_IO_CHANGED).
+// that has changed since this call (size, time, inode, its first and last MiB) is an Error
+// (QV_IO_CHANGED).
 //   observer  sees each piece of the text, on the thread that reads; may be empty
 [[nodiscard]] ReadParts partsOf(const InputList& inputs, const TextOptions& options,
                                 InputsReader::Open open,

@@ -742,7 +742,7 @@ TEST(InputParts, AreOfFilesThatDoNotChange) {
             return error.file();
         }
     };
-    // Each time only one thing tells: the size, the file, the time.
+    // Each time only one thing tells: the size, the bytes at both ends, the file, the time.
     const auto write = [&](const std::string& name, const std::string& to) {
         const auto time = std::filesystem::last_write_time(second);
         std::filesystem::last_write_time(folder.write(name, to), time);
@@ -750,6 +750,11 @@ TEST(InputParts, AreOfFilesThatDoNotChange) {
     EXPECT_EQ("nothing", changes([] {}));
     EXPECT_EQ("nothing", changes([&] { write("2.json", text); }));
     EXPECT_EQ(second, changes([&] { write("2.json", text + "\n"); }));
+    for (const std::size_t at : {std::size_t{2}, text.size() - 3}) {
+        std::string other = text;
+        other[at] = 'y';
+        EXPECT_EQ(second, changes([&] { write("2.json", other); }));
+    }
     EXPECT_EQ(second, changes([&] {
                   write("3.json", text + "\n");
                   std::filesystem::rename(folder.path / "3.json", second);
