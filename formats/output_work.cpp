@@ -102,7 +102,21 @@ std::unique_ptr<RowResult> OutputWork::result() {
     result->facts = std::move(facts_);
     used_.clear();
     held_ = 0;
+    if (made_.size() > kMostOutputs) {
+        dropOutputs();
+    }
     return result;
+}
+
+// Of many tables most are small, and other parts have others.
+void OutputWork::dropOutputs() {
+    std::erase_if(made_, [&](std::size_t table) {
+        if (!outputs_[table]->row.replaceable()) {
+            return false;
+        }
+        outputs_[table].reset();
+        return true;
+    });
 }
 
 }  // namespace qvej

@@ -68,6 +68,7 @@ class OutputWork final : public RowWork {
 
    private:
     static constexpr std::size_t kFull = std::size_t{1} << 20;  // bytes that sinks hold
+    static constexpr std::size_t kMostOutputs = 4096;           // that are kept for further rows
 
     // Made with the first row of a table.
     struct Output {
@@ -76,6 +77,7 @@ class OutputWork final : public RowWork {
         std::size_t held = 0;  // by the sink
     };
     Output& outputOf(std::size_t table);
+    void dropOutputs();
 
     const Document& document_;
     const std::vector<const Table*>& tables_;
@@ -83,7 +85,8 @@ class OutputWork final : public RowWork {
     const SchemaBuilder* noRows_;
     std::unique_ptr<SchemaBuilder> facts_;
     std::vector<std::unique_ptr<Output>> outputs_;
-    std::vector<std::size_t> used_;  // tables of the open result
+    std::vector<std::size_t> made_;  // tables with an output
+    std::vector<std::size_t> used_;  // of them those in the open result
     std::vector<std::unique_ptr<KeptReject>> rejects_;
     std::size_t held_ = 0;
     bool passesOver_ = false;
