@@ -68,8 +68,8 @@ void OutputWork::take(const PassItem& item) {
         used_.push_back(item.table);
     }
     if (noRows_ != nullptr) {
-        if (facts_ == nullptr) {
-            facts_ = std::make_unique<SchemaBuilder>(*noRows_);
+        if (!facts_) {
+            facts_.emplace(*noRows_);
         }
         facts_->take(item.table, output.row);
     }
@@ -99,7 +99,9 @@ std::unique_ptr<RowResult> OutputWork::result() {
         output.held = output.sink->held();
     }
     result->rejects = std::exchange(rejects_, {});
-    result->facts = std::move(facts_);
+    if (facts_) {
+        result->facts = facts_->takeBatch(*noRows_);
+    }
     used_.clear();
     held_ = 0;
     if (made_.size() > kMostOutputs) {

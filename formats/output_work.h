@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -51,7 +52,7 @@ class OutputPieces final : public RowResult {
     std::vector<OfTable> tables;
     std::vector<std::unique_ptr<KeptReject>> rejects;  // as they came; rows count from this result
     uint64_t rows = 0;                                 // of all tables
-    std::unique_ptr<SchemaBuilder> facts;              // null: they are known
+    std::optional<SchemaBuilder::Batch> facts;         // nothing: they are known
 };
 
 class OutputWork final : public RowWork {
@@ -83,7 +84,7 @@ class OutputWork final : public RowWork {
     const std::vector<const Table*>& tables_;
     const Destination& destination_;
     const SchemaBuilder* noRows_;
-    std::unique_ptr<SchemaBuilder> facts_;
+    std::optional<SchemaBuilder> facts_;
     std::vector<std::unique_ptr<Output>> outputs_;
     std::vector<std::size_t> made_;  // tables with an output
     std::vector<std::size_t> used_;  // of them those in the open result

@@ -94,7 +94,7 @@ void TableOutputs::writeRow(std::size_t table, Output& output) {
 }
 
 void TableOutputs::take(OutputPieces& pieces) {
-    if (facts_ != nullptr && pieces.facts != nullptr) {
+    if (facts_ != nullptr && pieces.facts) {
         facts_->add(*pieces.facts);
     }
     for (const std::unique_ptr<KeptReject>& reject : pieces.rejects) {

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <utility>
 
 namespace qvej {
 namespace {
@@ -20,7 +21,7 @@ bool isOrdinal(const Column& column) {
     return column.type == ColumnType::ORDINAL && !column.path.empty();
 }
 
-std::size_t columnsOf(const std::vector<const Table*>& tables) {
+std::size_t columnsOfAll(const std::vector<const Table*>& tables) {
     std::size_t count = 0;
     for (const Table* table : tables) {
         count += table->columns.size();
@@ -55,8 +56,7 @@ class ItemRows {
 
 // Facts of the rows of a part, found where they are made.
 struct PartFacts final : RowResult {
-    explicit PartFacts(const SchemaBuilder& noRows) : builder(noRows) {}
-    SchemaBuilder builder;
+    SchemaBuilder::Batch batch = {};
     uint64_t rows = 0;
 };
 
@@ -64,21 +64,22 @@ class FactsWork final : public RowWork {
    public:
     FactsWork(const Document& document, const std::vector<const Table*>& tables,
               const SchemaBuilder& noRows)
-        : noRows_(noRows), rows_(document, tables) {}
+        : noRows_(noRows), builder_(noRows), items_(document, tables) {}
 
-    void take(const PassItem& item) override {
-        if (facts_ == nullptr) {
-            facts_ = std::make_unique<PartFacts>(noRows_);
-        }
-        facts_->rows += rows_.take(item, facts_->builder);
-    }
+    void take(const PassItem& item) override { rows_ += items_.take(item, builder_); }
     [[nodiscard]] bool full() const override { return false; }
-    [[nodiscard]] std::unique_ptr<RowResult> result() override { return std::move(facts_); }
+    [[nodiscard]] std::unique_ptr<RowResult> result() override {
+        auto facts = std::make_unique<PartFacts>();
+        facts->batch = builder_.takeBatch(noRows_);
+        facts->rows = std::exchange(rows_, 0);
+        return facts;
+    }
 
    private:
     const SchemaBuilder& noRows_;
-    ItemRows rows_;
-    std::unique_ptr<PartFacts> facts_;
+    SchemaBuilder builder_;
+    ItemRows items_;
+    uint64_t rows_ = 0;
 };
 
 }  // namespace
@@ -87,7 +88,7 @@ SchemaBuilder::SchemaBuilder(const Document& document, const std::vector<const T
                              const SchemaOptions& options)
     : document_(&document), tables_(&tables), options_(options) {
     facts_.reserve(tables.size());
-    columns_.reserve(columnsOf(tables));
+    columns_.reserve(columnsOfAll(tables));
     for (const Table* table : tables) {
         OfTable& of = facts_.emplace_back(OfTable{columns_.size()});
         std::size_t depth = 0;  // bytes of the longest path
@@ -108,7 +109,7 @@ std::size_t SchemaBuilder::sizeFor(const std::vector<const Table*>& tables,
                                    const SchemaOptions& options) {
     const std::size_t ofColumn =
         sizeof(ColumnFacts) + (options.counts ? sizeof(ColumnCounts) : std::size_t{0});
-    return tables.size() * sizeof(OfTable) + columnsOf(tables) * ofColumn;
+    return tables.size() * sizeof(OfTable) + columnsOfAll(tables) * ofColumn;
 }
 
 // The parent of a table is the one whose own ordinal is the deepest of those above the own one.
@@ -153,6 +154,7 @@ void SchemaBuilder::takeColumns(const OfTable& of, const PassRow& row) {
 
 void SchemaBuilder::take(std::size_t table, const PassRow& row) {
     OfTable& of = facts_[table];
+    begin(table);
     ++of.rows;
     takeColumns(of, row);
     if (of.own != kNone) {
@@ -163,32 +165,50 @@ void SchemaBuilder::take(std::size_t table, const PassRow& row) {
     }
 }
 
-void SchemaBuilder::addColumns(const SchemaBuilder& later, std::size_t begin, std::size_t end) {
-    for (std::size_t c = begin; c < end; ++c) {
-        if (isOpen(columns_[c])) {
-            columns_[c].add(later.columns_[c]);
-        }
-        if (options_.counts) {
-            counts_[c].add(later.counts_[c]);
-        }
+void SchemaBuilder::begin(std::size_t table) {
+    if (facts_[table].rows == 0) {
+        used_.push_back(table);
     }
 }
 
-void SchemaBuilder::add(const SchemaBuilder& later) {
-    for (std::size_t t = 0; t < facts_.size(); ++t) {
+SchemaBuilder::Batch SchemaBuilder::takeBatch(const SchemaBuilder& noRows) {
+    Batch batch;
+    for (const std::size_t t : used_) {
+        const std::size_t first = facts_[t].firstColumn;
+        for (std::size_t c = first; c < first + columnsOf(t); ++c) {
+            batch.columns_.push_back(std::exchange(columns_[c], noRows.columns_[c]));
+            if (options_.counts) {
+                batch.counts_.push_back(std::exchange(counts_[c], {}));
+            }
+        }
+        batch.facts_.push_back(std::exchange(facts_[t], noRows.facts_[t]));
+    }
+    batch.tables_ = std::exchange(used_, {});
+    return batch;
+}
+
+void SchemaBuilder::add(const Batch& later) {
+    std::size_t column = 0;  // of `later`
+    for (std::size_t i = 0; i < later.tables_.size(); ++i) {
+        const std::size_t t = later.tables_[i];
         OfTable& of = facts_[t];
-        const OfTable& more = later.facts_[t];
-        if (more.rows != 0) {
-            of.rows += more.rows;
-            of.ordinals.add(more.ordinals);
-            addColumns(later, of.firstColumn, of.firstColumn + (*tables_)[t]->columns.size());
+        begin(t);
+        of.rows += later.facts_[i].rows;
+        of.ordinals.add(later.facts_[i].ordinals);
+        for (std::size_t c = of.firstColumn; c < of.firstColumn + columnsOf(t); ++c, ++column) {
+            if (isOpen(columns_[c])) {
+                columns_[c].add(later.columns_[column]);
+            }
+            if (options_.counts) {
+                counts_[c].add(later.counts_[column]);
+            }
         }
     }
     // Now that all rows above are known.
-    for (std::size_t t = 0; t < facts_.size(); ++t) {
-        OfTable& of = facts_[t];
-        if (of.parent != kNone && later.facts_[t].rows != 0) {
-            of.parents.add(later.facts_[t].parents, facts_[of.parent].ordinals);
+    for (std::size_t i = 0; i < later.tables_.size(); ++i) {
+        OfTable& of = facts_[later.tables_[i]];
+        if (of.parent != kNone) {
+            of.parents.add(later.facts_[i].parents, facts_[of.parent].ordinals);
         }
     }
 }
@@ -226,12 +246,9 @@ Schema SchemaBuilder::end() const {
         if (of.parent != kNone) {
             const OfTable& above = facts_[of.parent];
             const uint64_t orphans = of.parents.orphans(above.ordinals);
-            schema.tables[t].parent = {of.parent,
-                                       of.parentColumn,
-                                       above.own,
-                                       orphans,
-                                       of.parents.onePerParent(),
-                                       orphans == 0 && schema.tables[of.parent].key};
+            schema.tables[t].parent = {
+                of.parent, of.parentColumn,           above.own,
+                orphans,   of.parents.onePerParent(), orphans == 0 && schema.tables[of.parent].key};
         }
     }
     return schema;
@@ -257,7 +274,7 @@ Schema schemaOf(const Document& document, const std::vector<const Table*>& table
         pass.work([&] { return std::make_unique<FactsWork>(document, tables, noRows); },
                   [&](std::unique_ptr<RowResult> result) {
                       const auto& part = static_cast<const PartFacts&>(*result);
-                      builder.add(part.builder);
+                      builder.add(part.batch);
                       tell(part.rows);
                   });
     } else {

@@ -7,11 +7,12 @@
 //     const qvej::Schema schema = builder.end();
 //
 // Several threads can share the rows: each takes some that follow one another, with a builder of
-// its own, and the builders are added in the order of the rows.
+// its own, and what it finds is added in the order of the rows.
 //
-//     qvej::SchemaBuilder ofBatch(builder);  // a copy of one without rows
-//     ... ofBatch.take(item.table, row) ...  // on any thread
-//     builder.add(ofBatch);
+//     const qvej::SchemaBuilder noRows = builder;
+//     qvej::SchemaBuilder ofThread = noRows;
+//     ... ofThread.take(item.table, row) ...  // on any thread
+//     builder.add(ofThread.takeBatch(noRows));
 //
 // Types and keys are found from the rows, so they hold for every row.
 //
@@ -35,7 +36,7 @@ namespace qvej {
 
 struct Field {
     DataType type = {};
-    bool minusZero = false;  // a number is -0
+    bool minusZero = false;                                                // a number is -0
     enum : uint8_t { NO_UNIX, SECONDS, MILLISECONDS } unixLike = NO_UNIX;  // as whole numbers look
     uint64_t filled = 0;      // rows with a value; only with SchemaOptions::counts, as the next
     std::size_t longest = 0;  // bytes of the longest text or number
@@ -86,9 +87,16 @@ class SchemaBuilder {
     // A complete row of the table at that position.
     void take(std::size_t table, const PassRow& row);
 
+    // What has been found of some rows: of the tables that had any.
+    class Batch;
+
+    // What has been found since the last call; there are no rows again then.  `noRows`: a builder
+    // without rows, of which this one is a copy.
+    [[nodiscard]] Batch takeBatch(const SchemaBuilder& noRows);
+
     // The rows that come after those of this one; `later` is of the same tables and options.
     // However the rows are divided, the schema is that of one builder that takes all.
-    void add(const SchemaBuilder& later);
+    void add(const Batch& later);
 
     // After the last row.
     [[nodiscard]] Schema end() const;
@@ -107,7 +115,10 @@ class SchemaBuilder {
     };
     void findParents();
     void takeColumns(const OfTable& of, const PassRow& row);
-    void addColumns(const SchemaBuilder& later, std::size_t begin, std::size_t end);
+    void begin(std::size_t table);
+    [[nodiscard]] std::size_t columnsOf(std::size_t table) const {
+        return (*tables_)[table]->columns.size();
+    }
     // Do further values of a column matter?
     [[nodiscard]] bool isOpen(const ColumnFacts& column) const {
         return options_.counts || !column.settled();
@@ -120,6 +131,16 @@ class SchemaBuilder {
     std::vector<OfTable> facts_;
     std::vector<ColumnFacts> columns_;  // of all tables, one table after the other
     std::vector<ColumnCounts> counts_;  // likewise; empty unless they are asked for
+    std::vector<std::size_t> used_;     // tables with rows
+};
+
+class SchemaBuilder::Batch {
+    friend SchemaBuilder;
+
+    std::vector<std::size_t> tables_;
+    std::vector<OfTable> facts_;  // of each of them; their columns one after the other:
+    std::vector<ColumnFacts> columns_;
+    std::vector<ColumnCounts> counts_;
 };
 
 // By a pass of its own over the tables.  Throws as TablePass and PassRow.

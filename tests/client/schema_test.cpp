@@ -405,7 +405,7 @@ TEST(Schema, BatchesAddUpToTheWhole) {
             qvej::SchemaBuilder whole(read.document, tables, options);
             const qvej::SchemaBuilder none = whole;
             qvej::SchemaBuilder sum = none;
-            auto batch = std::make_unique<qvej::SchemaBuilder>(none);
+            qvej::SchemaBuilder batch = none;
             std::mt19937 random(seed);
             std::vector<std::unique_ptr<qvej::PassRow>> rows;
             for (const qvej::Table* table : tables) {
@@ -417,13 +417,12 @@ TEST(Schema, BatchesAddUpToTheWhole) {
                     continue;
                 }
                 whole.take(item.table, *rows[item.table]);
-                batch->take(item.table, *rows[item.table]);
+                batch.take(item.table, *rows[item.table]);
                 if (random() % 4 == 0) {
-                    sum.add(*batch);
-                    batch = std::make_unique<qvej::SchemaBuilder>(none);
+                    sum.add(batch.takeBatch(none));
                 }
             }
-            sum.add(*batch);
+            sum.add(batch.takeBatch(none));
             EXPECT_EQ(textOf(sum.end()), textOf(whole.end()));
         }
     }
