@@ -60,7 +60,7 @@ class CellValues : public Row {
     // keeps.
     void wasCut(std::size_t column, std::string_view text);
 
-    // The last row will not be complete: forgets what came for it.
+    // The row in the making will not be complete: forgets what came for it.
     void forgetNotNumbers() { pending_.clear(); }
 
     // Sets the value of a column with an informat from its raw text, which is empty when there is

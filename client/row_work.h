@@ -35,7 +35,11 @@ class RowWork {
     // The next item, valid until this returns.  Its ordinals are those of the whole document.
     virtual void take(const PassItem& item) = 0;
 
-    // The next item, which has been worked on before: by another, which then began anew.
+    // A part begins: what came for rows that are not complete is for the work on another part.
+    virtual void begin() {}
+
+    // The next item, which has been worked on before: by another, which then began anew, or with
+    // an earlier part.  A row that is not complete with it is this one's.
     virtual void passOver(const PassItem& /*item*/) {}
 
     // Texts of items that lie in `text` need not be copied for as long as `holder` is kept.

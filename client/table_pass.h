@@ -146,6 +146,9 @@ class PassRow final : public CellValues {
     [[nodiscard]] bool replaceable() const { return startsAfresh(); }
     void beginAfter(uint64_t rows) { goOnAfter(rows); }
 
+    // The row in the making will not be complete.
+    using CellValues::forgetNotNumbers;
+
     // Takes an item of the table; its cells and texts must live until the next one is taken.  True:
     // the row is complete, and its rejected values have been reported.  Throws what the reject
     // handler throws.

@@ -59,6 +59,14 @@ OutputWork::Output& OutputWork::outputOf(std::size_t table) {
     return *output;
 }
 
+void OutputWork::begin() {
+    for (const std::unique_ptr<Output>& output : outputs_) {
+        if (output != nullptr) {
+            output->row.forgetNotNumbers();
+        }
+    }
+}
+
 void OutputWork::take(const PassItem& item) {
     Output& output = outputOf(item.table);
     if (!output.row.take(item)) {

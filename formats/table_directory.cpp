@@ -43,7 +43,7 @@ std::unique_ptr<Sink> TableDirectory::sink(std::size_t table) {
     const bool resumed = begun_[table];
     begun_[table] = true;
     return makeSink(parms_.format, Writer(packed(files_->target(table), parms_.options.packing)),
-                    {*tables_[table], parms_.options, schema_, table, resumed});
+                    {*tables_[table], parms_.options, schema_, table, false, resumed});
 }
 
 std::unique_ptr<Sink> TableDirectory::pieceSink(std::size_t table) const {

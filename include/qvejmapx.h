@@ -152,7 +152,8 @@ void jmapCountOnly(QVEJMAPJsonContexth inh, QVBoolean part);
 
 /* Between the buffers of a part, before an element of an array: what came before is not of the part
  * but around it, such as the bracket of that array.  It is not counted.  In a walk (jmapWalkOpen)
- * the rows that this element would end are gone; those that stay open keep their values. */
+ * the rows that this element would end are handed out before this returns, as they are not of the
+ * part either; those that stay open keep their values. */
 void jmapBeginPart(QVEJMAPJsonContexth inh);
 
 /* Between the buffers of a part that is not the last, after an element: what comes now is around

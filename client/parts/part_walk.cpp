@@ -25,6 +25,7 @@ class PartWalk::Walk final : public Line::Worker {
         check(jmapWalkOpen(part_.handle(), rows.document_.handle(), rows.tables_.data(),
                            static_cast<QVStrSize>(rows.tables_.size()), 0, &Walk::take, this,
                            &handle_));
+        work_->begin();
     }
     ~Walk() override { (void)jmapPassClose(handle_); }  // it has no file
 
@@ -32,12 +33,12 @@ class PartWalk::Walk final : public Line::Worker {
         const bool first = piece_ == nullptr;
         piece_ = std::make_shared<TextPart>(std::move(next));
         work_->holdText(piece_, piece_->partition.text);
-        if (first) {
-            part_.begin(*piece_);
-            setCounts();
-        }
         if (!rows_.asOne_) {
             text_ = piece_->text;
+        }
+        if (first) {
+            guarded([&] { part_.begin(*piece_); });
+            setCounts();
         }
         guarded([&] { part_.feed(*piece_); });
     }
@@ -79,9 +80,7 @@ class PartWalk::Walk final : public Line::Worker {
     static QVStatus take(void* arg, const JMAPPassItem* item) {
         Walk& walk = *static_cast<Walk*>(arg);
         try {
-            if (!walk.part_.isBefore()) {
-                walk.add(itemOf(*item));
-            }
+            walk.add(itemOf(*item));
             return QV_OK;
         } catch (...) {
             walk.failure_ = std::current_exception();
@@ -107,7 +106,7 @@ class PartWalk::Walk final : public Line::Worker {
         if (rows_.source_) {
             item = withSource(item, rows_.document_.texts()[text_], row_);
         }
-        if (seen_++ < rows_.passed_) {
+        if (part_.isBefore() || seen_++ < rows_.passed_) {
             work_->passOver(item);
             return;
         }

@@ -4,6 +4,8 @@
 #include "formats/arrow/arrow_table.h"
 #include "formats/arrow/batch_builder.h"
 
+#include <arrow/memory_pool.h>
+
 namespace qvej {
 
 namespace {
@@ -11,20 +13,19 @@ namespace {
 class BatchSink final : public Sink {
    public:
     explicit BatchSink(const SinkParms& parms)
-        : memory_(std::make_shared<arrow::ProxyMemoryPool>(arrow::system_memory_pool())),
-          rows_(parms.schema->tables[parms.position], arrowSchema(*parms.schema, parms.position),
-                memory_.get()) {}
+        // Pieces may outlive this object, so their memory is of no pool that it owns.
+        : rows_(parms.schema->tables[parms.position], arrowSchema(*parms.schema, parms.position),
+                arrow::system_memory_pool()) {}
 
     void row(const PassRow& row) override { rows_.take(row); }
     void end() override {}
     [[nodiscard]] std::size_t held() const override { return rows_.bytes(); }
     [[nodiscard]] std::unique_ptr<Piece> piece() override {
         const std::size_t bytes = rows_.bytes();
-        return std::make_unique<BatchPiece>(memory_, rows_.finish(), bytes);
+        return std::make_unique<BatchPiece>(rows_.finish(), bytes);
     }
 
    private:
-    std::shared_ptr<arrow::MemoryPool> memory_;
     BatchBuilder rows_;
 };
 

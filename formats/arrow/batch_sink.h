@@ -5,7 +5,6 @@
 
 #include "formats/formats.h"
 
-#include <arrow/memory_pool.h>
 #include <arrow/record_batch.h>
 
 #include <cstddef>
@@ -16,15 +15,13 @@ namespace qvej {
 
 class BatchPiece final : public Piece {
    public:
-    BatchPiece(std::shared_ptr<arrow::MemoryPool> memory, std::shared_ptr<arrow::RecordBatch> rows,
-               std::size_t bytes)
-        : memory_(std::move(memory)), rows_(std::move(rows)), bytes_(bytes) {}
+    BatchPiece(std::shared_ptr<arrow::RecordBatch> rows, std::size_t bytes)
+        : rows_(std::move(rows)), bytes_(bytes) {}
 
     [[nodiscard]] const std::shared_ptr<arrow::RecordBatch>& rows() const { return rows_; }
     [[nodiscard]] std::size_t bytes() const { return bytes_; }
 
    private:
-    std::shared_ptr<arrow::MemoryPool> memory_;  // which the rows are in
     std::shared_ptr<arrow::RecordBatch> rows_;
     std::size_t bytes_;
 };

@@ -227,9 +227,8 @@ void beginWalkPart(ROWWALK* walk) {
     if (walk->status == QV_OK) {
         walk->status = endRowsAtNode(machine, &machine->p->pathAt->node);
     }
-    JMAPPassItem item;
-    while (handOut(machine, &item)) {
-        startHanded(machine);  // nobody takes it: the row is of another part
+    if (walk->status == QV_OK) {
+        (void)handOutAll(walk);  // its status is that of the walk
     }
     forgetAll(machine);
     walk->begun = false;

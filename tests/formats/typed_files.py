@@ -279,6 +279,22 @@ def check_row_groups(make):
     assert pyarrow.parquet.read_table("parts/r.parquet").equals(read_arrow("whole/r.arrow"))
 
 
+def check_values_left():
+    """Rows that the parts of a document have made are there when it has turned out that it must be walked as
+    one, since a value of one part belongs to a row of the next."""
+    with open("left.json", "w") as file:
+        file.write("[" + ",".join(f'{{"c":[{{"x":{i}}}]}},{{"v":"{i:060}"}}' for i in range(70000)) + "]")
+    columns = [("n", "ORDINAL", "/root"), ("x", "NUMERIC", "/root/c/x"), ("v", "CHARACTER", "/root/v")]
+    with open("left-map.json", "w") as file:
+        json.dump({"DATASETS": [{"DSNAME": "c", "TABLEPATH": "/root/c", "VARIABLES": [
+            dict(zip(("NAME", "TYPE", "PATH"), column)) for column in columns]}]}, file)
+    for format, read in ("parquet", pyarrow.parquet.read_table), ("arrow", read_arrow):
+        convert("left.json", format, "--format", format, "--map", "left-map.json")
+        convert("left.json", format + "-records", "--format", format, "--map", "left-map.json", "--compress")
+        rows = read(f"{format}/c.{format}")
+        assert rows.num_rows == 70000 and rows.equals(read(f"{format}-records/c.{format}")), format
+
+
 def check_limits():
     """What a sheet has no room for is told with the name of its table, and names are fitted."""
     with open("wide.json", "w") as file:
@@ -313,6 +329,7 @@ with tempfile.TemporaryDirectory(prefix="qvejmap-typed-") as folder:
         file.write('{"r":[' + ",".join(f'{{"t":"{i * 7919:040}","n":{i % 97}}}' for i in range(120000)) + "]}")
     assert check("large.json", sheets=False) > 400000
     check_row_groups(make)
+    check_values_left()
     check_page()
     check_limits()
     with open("orphan.json", "w") as file:

@@ -331,6 +331,7 @@ Names itemsOfParts(const Scan& scan, const Tables& tables, const Frame& frame,
     *left = jmapWalkLeft(first.handle) != 0;
     second.feed(frame.begin, 0, false);
     jmapBeginPart(second.document.doc);
+    second.items.clear();  // of what is around the part
     const std::vector<uint64_t*> from = countsOf(first.handle, tables);
     const std::vector<uint64_t*> to = countsOf(second.handle, tables);
     EXPECT_TRUE(std::ranges::all_of(to, [](const uint64_t* count) { return *count == 0; }))

@@ -197,6 +197,28 @@ def check_parts(folder, seen):
     seen["parts", records[0]] = seen.get(("parts", records[0]), 0) + 1
 
 
+def check_rejects_around_parts(folder):
+    """What is rejected before or after the elements of a member is told once, whoever walks which part."""
+    element = '{"v":"%s"}' % ("v" * 1000)
+    with open(os.path.join(folder, "d.json"), "w", encoding="utf-8") as file:
+        file.write('{"t":"before","m":{"n":"one"},"rows":[' + ",".join([element] * 9000) + '],"m":{"n":"two"},"x":"after"}')
+    tables = {"r": [("n", "ORDINAL", ""), ("t", "NUMERIC", "/t"), ("x", "NUMERIC", "/x")],
+              "m": [("n", "NUMERIC", "/m/n"), ("f", "NUMERIC", "/m/f")], "rows": [("v", "CHARACTER", "/rows/v")]}
+    formats = {"/m/f": {"FORMAT": ["comma", 12, 2]}}  # so that a walk must come first
+    with open(os.path.join(folder, "m.json"), "w", encoding="utf-8") as file:
+        json.dump({"DATASETS": [{"DSNAME": name, "TABLEPATH": "/root" + ("/" + name) * (name != "r"), "VARIABLES": [
+            {"NAME": column, "TYPE": kind, "PATH": "/root" + path, **formats.get(path, {})} for column, kind, path in columns]}
+            for name, columns in tables.items()]}, file)
+    options = {"inputs": ["d.json"], "more": ["--rejects", "rejects.csv", "--force"]}
+    _, records = converted(folder, options, ["--compress"], "d.json")
+    assert records[2]["rejects"].count(b",not a number") == 4, records
+    for threads in "1", "2", "5", "8":
+        plan, rows = converted(folder, options, ["--threads", threads], "d.json")
+        assert plan.startswith(b"plan: counted in parts on " + threads.encode()), plan
+        assert rows[0] == records[0] and rows[1] == records[1], (threads, rows[:2], records[:2])
+        assert rows[2] == records[2], threads
+
+
 # ---- Pipes that stay open --------------------------------------------------------------------------
 
 MAP = {"DATASETS": [{"DSNAME": "rows", "TABLEPATH": "/root/rows", "VARIABLES": [
@@ -286,6 +308,7 @@ def main():
         check_array(folder)
         check_lines(folder)
         check_full(folder)
+        check_rejects_around_parts(folder)
         seen = {}
         for i in range(COUNT):
             check_equal(folder, seen)
