@@ -7,7 +7,7 @@ namespace qvej {
 namespace {
 
 constexpr double kMostExact = 9007199254740992;  // 2^53: whole numbers up to it are all doubles
-constexpr int64_t kMostExactDigits = 16;
+constexpr uint8_t kMostExactDigits = 16;
 constexpr int kNanoDigits = 9;
 
 // Digits after the second that microseconds need.
@@ -15,13 +15,15 @@ uint8_t fractionOf(int64_t micros) {
     return micros % 1000000 == 0 ? 0 : micros % 1000 == 0 ? 3 : 6;
 }
 
+// A number of digits, or that it is more than a DECIMAL has.
+uint8_t capped(int64_t digits) {
+    return static_cast<uint8_t>(std::min<int64_t>(digits, kMostDigits + 1));
+}
+
 }  // namespace
 
-ColumnFacts::ColumnFacts(const Document& document, const Column& column)
-    : document_(&document),
-      unix_(column.informat.name == "unix"     ? SECONDS
-            : column.informat.name == "unixms" ? MILLISECONDS
-                                               : NO_UNIX) {
+ColumnFacts::ColumnFacts(const Column& column)
+    : unix_(column.informat.name == "unix" || column.informat.name == "unixms") {
     const bool asIs = column.informat.name.empty() && column.format.name.empty();
     if (asIs && column.type == ColumnType::ORDINAL) {
         flags_ = WHOLE;
@@ -39,27 +41,22 @@ void ColumnFacts::add(const ColumnFacts& later) {
     }
     whole_ = std::max(whole_, later.whole_);
     fraction_ = std::max(fraction_, later.fraction_);
-    filled_ += later.filled_;
-    longest_ = std::max(longest_, later.longest_);
 }
 
-void ColumnFacts::noteInexact(std::string_view digits) {
-    if ((flags_ & INEXACT) == 0 && jmapIsInexact(document_->handle(), digits.data(),
-                                                 static_cast<QVStrSize>(digits.size())) != 0) {
-        flags_ |= INEXACT;
-    }
-}
-
-void ColumnFacts::takeOtherDigits(std::string_view digits) {
+void ColumnFacts::takeOtherDigits(std::string_view digits, const Document& document) {
     const DecimalNeed need = needOf(digits);
-    whole_ = std::max(whole_, need.whole);
-    fraction_ = std::max(fraction_, need.fraction);
+    whole_ = std::max(whole_, capped(need.whole));
+    fraction_ = std::max(fraction_, capped(need.fraction));
     flags_ |= need.minusZero ? MINUS_ZERO : 0;
     flags_ |= wholeNumber(digits) ? WHOLE : OTHER;
     noteCount(0);
     // More digits, or an exponent beyond those of doubles.
-    if (need.significant > kSafeDigits || need.whole > 300 || need.fraction > 300) {
-        noteInexact(digits);
+    const bool perhapsInexact =
+        need.significant > kSafeDigits || need.whole > 300 || need.fraction > 300;
+    if (perhapsInexact && (flags_ & INEXACT) == 0 &&
+        jmapIsInexact(document.handle(), digits.data(), static_cast<QVStrSize>(digits.size())) !=
+            0) {
+        flags_ |= INEXACT;
     }
 }
 
@@ -69,7 +66,7 @@ void ColumnFacts::takeNumber(const Cell& cell) {
         return;
     }
     const double number = cell.number;
-    if (unix_ != NO_UNIX) {
+    if (unix_) {
         const std::optional<int64_t> micros = microsecondsOf(number);
         flags_ |= micros ? INSTANT : NO_INSTANT;
         timeFraction_ = std::max(timeFraction_, micros ? fractionOf(*micros) : uint8_t{0});
@@ -79,7 +76,7 @@ void ColumnFacts::takeNumber(const Cell& cell) {
     const bool whole = number == std::trunc(number) && std::abs(number) <= kMostExact && !minusZero;
     flags_ |= minusZero ? MINUS_ZERO : 0;
     flags_ |= whole ? WHOLE : OTHER;
-    whole_ = std::max<int64_t>(whole_, std::abs(number) < 10 ? 1 : kMostExactDigits);
+    whole_ = std::max(whole_, std::abs(number) < 10 ? uint8_t{1} : kMostExactDigits);
     noteCount(0);
 }
 
@@ -141,8 +138,8 @@ DataType ColumnFacts::numberType() const {
         return {};
     }
     DataType type = {DataType::DECIMAL};
-    type.scale = static_cast<uint8_t>(fraction_);
-    type.precision = static_cast<uint8_t>(std::max<int64_t>(whole_ + fraction_, 1));
+    type.scale = fraction_;
+    type.precision = static_cast<uint8_t>(std::max(whole_ + fraction_, 1));
     return type;
 }
 

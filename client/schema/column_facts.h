@@ -11,6 +11,8 @@
 //
 // A column of booleans and numbers is numeric, true is 1.
 //
+// A document can have millions of columns, so there are eight bytes for each.
+//
 // Tested by tests/client/schema_test.cpp
 #pragma once
 
@@ -27,21 +29,22 @@ namespace qvej {
 
 class ColumnFacts {
    public:
-    // `document` must outlive this object.
-    ColumnFacts(const Document& document, const Column& column);
+    explicit ColumnFacts(const Column& column);
 
     // A cell of the next row.
-    void take(const Cell& cell) {
-        if (cell.kind == Cell::MISSING || cell.kind == Cell::NUL) {
-            return;
-        }
-        ++filled_;
+    //   document  of the column
+    void take(const Cell& cell, const Document& document) {
         switch (cell.kind) {
+            case Cell::MISSING:
+            case Cell::NUL:
+                break;
             case Cell::COUNT:
                 flags_ |= WHOLE;
                 break;
             case Cell::DIGITS:
-                takeDigits(cell.text);
+                if (cell.text.size() > kShort || !takeShort(cell.text)) {
+                    takeOtherDigits(cell.text, document);
+                }
                 break;
             case Cell::NUMBER:
                 takeNumber(cell);
@@ -59,11 +62,6 @@ class ColumnFacts {
 
     // Is the type known whatever comes?
     [[nodiscard]] bool settled() const { return known_ || (flags_ & OTHER_TEXT) != 0; }
-
-    [[nodiscard]] uint64_t filled() const { return filled_; }
-
-    // Bytes of the longest text or number.
-    [[nodiscard]] std::size_t longest() const { return longest_; }
 
     // Is a number -0?  Few types but DOUBLE keep that.
     [[nodiscard]] bool minusZero() const { return (flags_ & MINUS_ZERO) != 0; }
@@ -94,12 +92,6 @@ class ColumnFacts {
     static constexpr int kSafeDigits = 15;     // significant ones that a double always keeps
     static constexpr std::size_t kShort = 15;  // bytes of a number that has no more
 
-    void takeDigits(std::string_view digits) {
-        longest_ = std::max(longest_, digits.size());
-        if (digits.size() > kShort || !takeShort(digits)) {
-            takeOtherDigits(digits);
-        }
-    }
     // A number of few digits, perhaps with a point, as nearly all are: a double keeps it.  False:
     // it is written in another way.
     bool takeShort(std::string_view digits) {
@@ -120,39 +112,58 @@ class ColumnFacts {
         }
         flags_ |= whole ? WHOLE : OTHER;
         const std::size_t before = digits[begin] == '0' ? 0 : point - begin;
-        whole_ = std::max(whole_, static_cast<int64_t>(before));
+        whole_ = std::max(whole_, static_cast<uint8_t>(before));
         fraction_ =
-            std::max(fraction_, static_cast<int64_t>(whole ? 0 : digits.size() - 1 - point));
-        noteCount(whole && begin == 0 ? static_cast<int>(before) : 0);
+            std::max(fraction_, static_cast<uint8_t>(whole ? 0 : digits.size() - 1 - point));
+        noteCount(whole && begin == 0 ? static_cast<int8_t>(before) : int8_t{0});
         return true;
     }
-    void noteCount(int count) { digits_ = digits_ == kNoCount || digits_ == count ? count : 0; }
+    void noteCount(int8_t count) {
+        digits_ = digits_ == kNoCount || digits_ == count ? count : int8_t{0};
+    }
     void takeText(std::string_view text) {
-        longest_ = std::max(longest_, text.size());
         if ((flags_ & OTHER_TEXT) == 0) {
             takePerhapsTime(text);
         }
     }
-    void noteInexact(std::string_view digits);
-    void takeOtherDigits(std::string_view digits);
+    void takeOtherDigits(std::string_view digits, const Document& document);
     void takeNumber(const Cell& cell);
     void takePerhapsTime(std::string_view text);
     [[nodiscard]] bool onlyWhole() const { return flags_ == WHOLE; }
     [[nodiscard]] DataType numberType() const;
     [[nodiscard]] DataType timeType() const;
 
-    static constexpr int kNoCount = -1;
+    static constexpr int8_t kNoCount = -1;
 
-    const Document* document_;
-    bool known_ = false;                                      // from the beginning
-    enum : uint8_t { NO_UNIX, SECONDS, MILLISECONDS } unix_;  // the informat
-    uint8_t timeFraction_ = 0;
     uint16_t flags_ = 0;
-    int digits_ = kNoCount;  // of every whole number; 0: they differ
-    int64_t whole_ = 0;      // digits before the point
-    int64_t fraction_ = 0;   // digits after it
-    uint64_t filled_ = 0;
-    std::size_t longest_ = 0;
+    bool known_ = false;  // from the beginning
+    bool unix_;           // its informat takes numbers for unix times
+    uint8_t timeFraction_ = 0;
+    int8_t digits_ = kNoCount;  // of every whole number; 0: they differ
+    uint8_t whole_ = 0;         // digits before the point, at most one more than a DECIMAL has
+    uint8_t fraction_ = 0;      // digits after it, likewise
+};
+static_assert(sizeof(ColumnFacts) == 8);
+
+// How many values a column has, and how long they are.
+struct ColumnCounts {
+    uint64_t filled = 0;      // rows with a value
+    std::size_t longest = 0;  // bytes of the longest text or number
+
+    // As those of ColumnFacts.
+    void take(const Cell& cell) {
+        if (cell.kind == Cell::MISSING || cell.kind == Cell::NUL) {
+            return;
+        }
+        ++filled;
+        if (cell.kind != Cell::BOOLEAN) {
+            longest = std::max(longest, cell.text.size());
+        }
+    }
+    void add(const ColumnCounts& later) {
+        filled += later.filled;
+        longest = std::max(longest, later.longest);
+    }
 };
 
 }  // namespace qvej

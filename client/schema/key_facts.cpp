@@ -5,28 +5,32 @@
 
 namespace qvej {
 
+void NumberRuns::appendRun(const Run& run, uint64_t& notAbove) {
+    if (run.begin > last_.end) {
+        begin(run);
+        return;
+    }
+    notAbove += std::min(run.end, last_.end) - run.begin;
+    last_.end = std::max(run.end, last_.end);
+}
+
 uint64_t NumberRuns::append(const NumberRuns& later) {
     uint64_t notAbove = 0;
-    for (const Run& run : later.runs_) {
-        if (runs_.empty() || run.begin > runs_.back().end) {
-            runs_.push_back(run);
-            continue;
-        }
-        uint64_t& end = runs_.back().end;
-        notAbove += std::min(run.end, end) - run.begin;
-        end = std::max(run.end, end);
+    for (const Run& run : later.earlier_) {
+        appendRun(run, notAbove);
     }
+    appendRun(later.last_, notAbove);
     return notAbove;
 }
 
 bool NumberRuns::has(uint64_t number) const {
     // Mostly the newest.
-    if (!runs_.empty() && number >= runs_.back().begin) {
-        return number < runs_.back().end;
+    if (number >= last_.begin) {
+        return number < last_.end;
     }
-    const auto after = std::upper_bound(runs_.begin(), runs_.end(), number,
+    const auto after = std::upper_bound(earlier_.begin(), earlier_.end(), number,
                                         [](uint64_t n, const Run& run) { return n < run.begin; });
-    return after != runs_.begin() && number < std::prev(after)->end;
+    return after != earlier_.begin() && number < std::prev(after)->end;
 }
 
 void ParentOrdinals::add(const ParentOrdinals& later, const OwnOrdinals& parents) {

@@ -20,14 +20,14 @@ class NumberRuns {
    public:
     // False: it is not above the last one.
     bool append(uint64_t number) {
-        if (!runs_.empty() && number == runs_.back().end) {
-            ++runs_.back().end;
+        if (number == last_.end) {
+            ++last_.end;
             return true;
         }
-        if (!runs_.empty() && number < runs_.back().end) {
+        if (number < last_.end) {
             return false;
         }
-        runs_.push_back({number, number + 1});
+        begin({number, number + 1});
         return true;
     }
     // As if the numbers of `later` were appended one by one.  Returns how many are not above the
@@ -38,9 +38,19 @@ class NumberRuns {
 
    private:
     struct Run {
-        uint64_t begin, end;
+        uint64_t begin = 0;
+        uint64_t end = 0;
     };
-    std::vector<Run> runs_;
+    void begin(const Run& run) {
+        if (last_.end != 0) {
+            earlier_.push_back(last_);
+        }
+        last_ = run;
+    }
+    void appendRun(const Run& run, uint64_t& notAbove);
+
+    Run last_;                  // mostly the only one; none yet: from 0 to 0
+    std::vector<Run> earlier_;  // in order
 };
 
 // The own ordinals of the rows of one table.

@@ -20,6 +20,14 @@ bool isOrdinal(const Column& column) {
     return column.type == ColumnType::ORDINAL && !column.path.empty();
 }
 
+std::size_t columnsOf(const std::vector<const Table*>& tables) {
+    std::size_t count = 0;
+    for (const Table* table : tables) {
+        count += table->columns.size();
+    }
+    return count;
+}
+
 // The rows of the items, for a builder.
 class ItemRows {
    public:
@@ -77,74 +85,92 @@ class FactsWork final : public RowWork {
 
 SchemaBuilder::SchemaBuilder(const Document& document, const std::vector<const Table*>& tables,
                              const SchemaOptions& options)
-    : tables_(tables), options_(options), facts_(tables.size()) {
-    for (std::size_t t = 0; t < tables.size(); ++t) {
-        OfTable& of = facts_[t];
+    : document_(&document), tables_(&tables), options_(options) {
+    facts_.reserve(tables.size());
+    columns_.reserve(columnsOf(tables));
+    for (const Table* table : tables) {
+        OfTable& of = facts_.emplace_back(OfTable{columns_.size()});
         std::size_t depth = 0;  // bytes of the longest path
-        for (std::size_t c = 0; c < tables[t]->columns.size(); ++c) {
-            const Column column = tables[t]->columns[c];
-            if (!of.columns.emplace_back(document, column).settled() || options.counts) {
-                of.open.push_back(c);
-            }
+        for (std::size_t c = 0; c < table->columns.size(); ++c) {
+            const Column column = table->columns[c];
+            columns_.emplace_back(column);
             if (isOrdinal(column) && column.path.size() >= depth) {
                 depth = column.path.size();
                 of.own = c;
             }
         }
     }
+    counts_.resize(options.counts ? columns_.size() : 0);
     findParents();
+}
+
+std::size_t SchemaBuilder::sizeFor(const std::vector<const Table*>& tables,
+                                   const SchemaOptions& options) {
+    const std::size_t ofColumn =
+        sizeof(ColumnFacts) + (options.counts ? sizeof(ColumnCounts) : std::size_t{0});
+    return tables.size() * sizeof(OfTable) + columnsOf(tables) * ofColumn;
 }
 
 // The parent of a table is the one whose own ordinal is the deepest of those above the own one.
 void SchemaBuilder::findParents() {
     std::unordered_map<std::string, std::size_t> byOrdinal;  // path of the own one: the first table
-    for (std::size_t t = 0; t < tables_.size(); ++t) {
-        if (facts_[t].own && !tables_[t]->alldata) {
-            byOrdinal.emplace(tables_[t]->columns[*facts_[t].own].path, t);
+    const std::vector<const Table*>& tables = *tables_;
+    for (std::size_t t = 0; t < tables.size(); ++t) {
+        if (facts_[t].own != kNone && !tables[t]->alldata) {
+            byOrdinal.emplace(tables[t]->columns[facts_[t].own].path, t);
         }
     }
-    for (std::size_t t = 0; t < tables_.size(); ++t) {
+    for (std::size_t t = 0; t < tables.size(); ++t) {
         OfTable& of = facts_[t];
         std::size_t depth = 0;
-        for (std::size_t c = 0; of.own && c < of.columns.size(); ++c) {
-            const Column column = tables_[t]->columns[c];
+        for (std::size_t c = 0; of.own != kNone && c < tables[t]->columns.size(); ++c) {
+            const Column column = tables[t]->columns[c];
             const auto above = byOrdinal.find(column.path);
-            if (c == *of.own || !isOrdinal(column) || column.path.size() < depth ||
+            if (c == of.own || !isOrdinal(column) || column.path.size() < depth ||
                 above == byOrdinal.end() || above->second == t) {
                 continue;
             }
             depth = column.path.size();
-            of.parent = {above->second, c, *facts_[above->second].own};
+            of.parent = above->second;
+            of.parentColumn = c;
         }
     }
 }
 
-void SchemaBuilder::takeOpen(OfTable& of, const PassRow& row) {
-    bool settled = false;
-    for (const std::size_t c : of.open) {
-        of.columns[c].take(row.at(c));
-        settled |= of.columns[c].settled();
-    }
-    if (settled) {
-        closeSettled(of);
-    }
-}
-
-void SchemaBuilder::closeSettled(OfTable& of) const {
-    if (!options_.counts) {
-        std::erase_if(of.open, [&](std::size_t c) { return of.columns[c].settled(); });
+void SchemaBuilder::takeColumns(const OfTable& of, const PassRow& row) {
+    const std::size_t count = row.columns().size();
+    ColumnFacts* const columns = columns_.data() + of.firstColumn;
+    for (std::size_t c = 0; c < count; ++c) {
+        if (isOpen(columns[c])) {
+            const Cell cell = row.at(c);
+            columns[c].take(cell, *document_);
+            if (options_.counts) {
+                counts_[of.firstColumn + c].take(cell);
+            }
+        }
     }
 }
 
 void SchemaBuilder::take(std::size_t table, const PassRow& row) {
     OfTable& of = facts_[table];
     ++of.rows;
-    takeOpen(of, row);
-    if (of.own) {
-        of.ordinals.take(countOf(row, *of.own));
+    takeColumns(of, row);
+    if (of.own != kNone) {
+        of.ordinals.take(countOf(row, of.own));
     }
-    if (of.parent) {
-        of.parents.take(countOf(row, of.parent->column), facts_[of.parent->table].ordinals);
+    if (of.parent != kNone) {
+        of.parents.take(countOf(row, of.parentColumn), facts_[of.parent].ordinals);
+    }
+}
+
+void SchemaBuilder::addColumns(const SchemaBuilder& later, std::size_t begin, std::size_t end) {
+    for (std::size_t c = begin; c < end; ++c) {
+        if (isOpen(columns_[c])) {
+            columns_[c].add(later.columns_[c]);
+        }
+        if (options_.counts) {
+            counts_[c].add(later.counts_[c]);
+        }
     }
 }
 
@@ -152,51 +178,60 @@ void SchemaBuilder::add(const SchemaBuilder& later) {
     for (std::size_t t = 0; t < facts_.size(); ++t) {
         OfTable& of = facts_[t];
         const OfTable& more = later.facts_[t];
-        if (more.rows == 0) {
-            continue;
+        if (more.rows != 0) {
+            of.rows += more.rows;
+            of.ordinals.add(more.ordinals);
+            addColumns(later, of.firstColumn, of.firstColumn + (*tables_)[t]->columns.size());
         }
-        of.rows += more.rows;
-        for (const std::size_t c : of.open) {
-            of.columns[c].add(more.columns[c]);
-        }
-        closeSettled(of);
-        of.ordinals.add(more.ordinals);
     }
     // Now that all rows above are known.
     for (std::size_t t = 0; t < facts_.size(); ++t) {
         OfTable& of = facts_[t];
-        if (of.parent && later.facts_[t].rows != 0) {
-            of.parents.add(later.facts_[t].parents, facts_[of.parent->table].ordinals);
+        if (of.parent != kNone && later.facts_[t].rows != 0) {
+            of.parents.add(later.facts_[t].parents, facts_[of.parent].ordinals);
         }
     }
 }
 
+Field SchemaBuilder::fieldOf(std::size_t column) const {
+    const ColumnFacts& facts = columns_[column];
+    const ColumnCounts counts = options_.counts ? counts_[column] : ColumnCounts{};
+    return {facts.type(options_.dates), facts.minusZero(),
+            facts.looksLikeSeconds()        ? Field::SECONDS
+            : facts.looksLikeMilliseconds() ? Field::MILLISECONDS
+                                            : Field::NO_UNIX,
+            counts.filled, counts.longest};
+}
+
 Schema SchemaBuilder::end() const {
     Schema schema;
-    schema.tables.reserve(tables_.size());
-    for (std::size_t t = 0; t < tables_.size(); ++t) {
+    schema.tables.reserve(facts_.size());
+    for (std::size_t t = 0; t < facts_.size(); ++t) {
         const OfTable& of = facts_[t];
-        TableSchema table = {tables_[t], of.rows};
-        for (const ColumnFacts& facts : of.columns) {
-            table.fields.push_back({facts.type(options_.dates), facts.filled(), facts.longest(),
-                                    facts.minusZero(),
-                                    facts.looksLikeSeconds()        ? Field::SECONDS
-                                    : facts.looksLikeMilliseconds() ? Field::MILLISECONDS
-                                                                    : Field::NO_UNIX});
+        TableSchema& table = schema.tables.emplace_back(TableSchema{(*tables_)[t], of.rows});
+        const std::size_t columns = table.table->columns.size();
+        table.fields.reserve(columns);
+        for (std::size_t c = 0; c < columns; ++c) {
+            table.fields.push_back(fieldOf(of.firstColumn + c));
         }
-        table.own = of.own;
         table.missing = of.ordinals.missing();
         table.repeated = of.ordinals.repeated();
-        table.key = of.own && of.ordinals.unique();
-        table.parent = of.parent;
-        schema.tables.push_back(std::move(table));
+        if (of.own != kNone) {
+            table.own = of.own;
+            table.key = of.ordinals.unique();
+        }
     }
-    for (std::size_t t = 0; t < tables_.size(); ++t) {
-        std::optional<ParentKey>& parent = schema.tables[t].parent;
-        if (parent) {
-            parent->orphans = facts_[t].parents.orphans(facts_[parent->table].ordinals);
-            parent->one = facts_[t].parents.onePerParent();
-            parent->foreignKey = parent->orphans == 0 && schema.tables[parent->table].key;
+    for (std::size_t t = 0; t < facts_.size(); ++t) {
+        const OfTable& of = facts_[t];
+        if (of.parent != kNone) {
+            const OfTable& above = facts_[of.parent];
+            const uint64_t orphans = of.parents.orphans(above.ordinals);
+            schema.tables[t].parent = {of.parent,
+                                       of.parentColumn,
+                                       above.own,
+                                       orphans,
+                                       of.parents.onePerParent(),
+                                       orphans == 0 && schema.tables[of.parent].key};
         }
     }
     return schema;

@@ -35,10 +35,10 @@ namespace qvej {
 
 struct Field {
     DataType type = {};
+    bool minusZero = false;  // a number is -0
+    enum : uint8_t { NO_UNIX, SECONDS, MILLISECONDS } unixLike = NO_UNIX;  // as whole numbers look
     uint64_t filled = 0;      // rows with a value; only with SchemaOptions::counts, as the next
     std::size_t longest = 0;  // bytes of the longest text or number
-    bool minusZero = false;   // a number is -0
-    enum : uint8_t { NO_UNIX, SECONDS, MILLISECONDS } unixLike = NO_UNIX;  // as whole numbers look
 };
 
 // The table that the rows of another belong to.
@@ -79,6 +79,10 @@ class SchemaBuilder {
     SchemaBuilder(const Document& document, const std::vector<const Table*>& tables,
                   const SchemaOptions& options);
 
+    // Bytes of one without rows, nearly.
+    [[nodiscard]] static std::size_t sizeFor(const std::vector<const Table*>& tables,
+                                             const SchemaOptions& options);
+
     // A complete row of the table at that position.
     void take(std::size_t table, const PassRow& row);
 
@@ -90,22 +94,32 @@ class SchemaBuilder {
     [[nodiscard]] Schema end() const;
 
    private:
+    static constexpr std::size_t kNone = SIZE_MAX;
+
     struct OfTable {
-        std::vector<ColumnFacts> columns;
-        std::vector<std::size_t> open = {};  // columns whose next values matter
-        std::optional<std::size_t> own = {};
-        std::optional<ParentKey> parent = {};
+        std::size_t firstColumn;           // in the lists of all columns
+        std::size_t own = kNone;           // the ordinal that counts the rows
+        std::size_t parent = kNone;        // the table above
+        std::size_t parentColumn = kNone;  // its ordinal here
+        uint64_t rows = 0;
         OwnOrdinals ordinals = {};
         ParentOrdinals parents = {};
-        uint64_t rows = 0;
     };
     void findParents();
-    void takeOpen(OfTable& of, const PassRow& row);
-    void closeSettled(OfTable& of) const;
+    void takeColumns(const OfTable& of, const PassRow& row);
+    void addColumns(const SchemaBuilder& later, std::size_t begin, std::size_t end);
+    // Do further values of a column matter?
+    [[nodiscard]] bool isOpen(const ColumnFacts& column) const {
+        return options_.counts || !column.settled();
+    }
+    [[nodiscard]] Field fieldOf(std::size_t column) const;
 
-    const std::vector<const Table*>& tables_;
+    const Document* document_;
+    const std::vector<const Table*>* tables_;
     SchemaOptions options_;
     std::vector<OfTable> facts_;
+    std::vector<ColumnFacts> columns_;  // of all tables, one table after the other
+    std::vector<ColumnCounts> counts_;  // likewise; empty unless they are asked for
 };
 
 // By a pass of its own over the tables.  Throws as TablePass and PassRow.

@@ -1,7 +1,6 @@
 // See survey.h.
 #include "tools/cli/survey.h"
 
-#include "client/schema/column_facts.h"
 #include "client/table_pass.h"
 
 namespace qvej::cli {
@@ -20,7 +19,7 @@ RowLosses lossesOf(const TablePass& pass, std::size_t table, std::size_t columns
 
 Schema typesOf(const Session& session, const std::vector<const Table*>& tables, TablePass& pass,
                const Options& options) {
-    checkRoomForTypes(session.document(), tables);
+    checkRoomForTypes(session.document(), tables, options.schema);
     Progress& progress = session.progress();
     progress.begin(Progress::TYPES);
     Schema schema = schemaOf(session.document(), tables, pass, options.threads, options.schema,
@@ -31,13 +30,9 @@ Schema typesOf(const Session& session, const std::vector<const Table*>& tables, 
 
 }  // namespace
 
-void checkRoomForTypes(const Document& document, const std::vector<const Table*>& tables) {
-    constexpr std::size_t kOfTable = 256;  // bytes, about
-    std::size_t size = 0;
-    for (const Table* table : tables) {
-        size += kOfTable + table->columns.size() * sizeof(ColumnFacts);
-    }
-    document.checkMemory("types and keys", size);
+void checkRoomForTypes(const Document& document, const std::vector<const Table*>& tables,
+                       const SchemaOptions& options) {
+    document.checkMemory("types and keys", SchemaBuilder::sizeFor(tables, options));
 }
 
 Schema typesOf(const Session& session, const std::vector<const Table*>& tables,

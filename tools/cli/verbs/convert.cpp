@@ -95,7 +95,7 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
     if (!schema) {
         SchemaOptions typesAndKeys = options.schema;
         typesAndKeys.counts = false;
-        checkRoomForTypes(document, tables);
+        checkRoomForTypes(document, tables, typesAndKeys);
         facts.emplace(document, tables, typesAndKeys);
     }
     TableOutputs outputs(
@@ -120,6 +120,7 @@ ExitCode convert(const Options& options, const Session& session, std::vector<con
     if (!schema) {
         document.checkMemory("types and keys");
         schema = facts->end();
+        facts.reset();
     }
     destination->end(*schema);
     rejects.commit(destination.get());
