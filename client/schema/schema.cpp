@@ -226,12 +226,9 @@ Schema SchemaBuilder::end() const {
         if (of.parent != kNone) {
             const OfTable& above = facts_[of.parent];
             const uint64_t orphans = of.parents.orphans(above.ordinals);
-            schema.tables[t].parent = {of.parent,
-                                       of.parentColumn,
-                                       above.own,
-                                       orphans,
-                                       of.parents.onePerParent(),
-                                       orphans == 0 && schema.tables[of.parent].key};
+            schema.tables[t].parent = {
+                of.parent, of.parentColumn,           above.own,
+                orphans,   of.parents.onePerParent(), orphans == 0 && schema.tables[of.parent].key};
         }
     }
     return schema;
