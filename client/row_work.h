@@ -7,6 +7,8 @@
 // Tested by tests/client/parts_test.cpp
 #pragma once
 
+#include "qvejmapx.h"
+
 #include <functional>
 #include <memory>
 #include <string_view>
@@ -31,6 +33,10 @@ class RowWork {
     virtual ~RowWork() = default;
     RowWork(const RowWork&) = delete;
     RowWork& operator=(const RowWork&) = delete;
+
+    // A part begins.  While an item of it is taken, the walk tells what has come for a column in
+    // this part so far (jmapPassColumn).
+    virtual void beginPart(JMAPPassh /*walk*/) {}
 
     // The next item, valid until this returns.  Its ordinals are those of the whole document.
     virtual void take(const PassItem& item) = 0;
