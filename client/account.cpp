@@ -1,9 +1,13 @@
 // See account.h.
 #include "client/account.h"
 
+#include <algorithm>
+#include <functional>
+#include <map>
 #include <memory>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 namespace qvej {
 
@@ -110,57 +114,172 @@ PathAccount shownBy(const TablePass& pass, std::size_t table, std::size_t column
     return account;
 }
 
-// Counts the cells of the rows of a pass.
-class CellCount {
-   public:
-    CellCount(const Document& document, const std::vector<const Table*>& tables,
-              const TablePass& pass)
-        : pass_(pass) {
-        for (std::size_t t = 0; t < tables.size(); ++t) {
-            rows_.push_back(std::make_unique<PassRow>(
-                document, *tables[t], [this, t](const Row& /*row*/, const Rejected& value) {
-                    if (value.cut) {
-                        add(columns_[t][value.column].cut, pass_.column(t, value.column).values);
-                    }
-                }));
-            columns_.emplace_back(tables[t]->columns.size());
+// What the rows have of the values of columns.
+struct CellCounts {
+    // What few columns have.
+    struct Odd {
+        LostValues cut, strayed, rejected;
+    };
+    using Place = std::pair<std::size_t, std::size_t>;  // table and column
+
+    std::vector<std::vector<uint64_t>> cells;  // of each table; empty: it has no rows
+    std::map<Place, Odd> odd;
+
+    explicit CellCounts(std::size_t tables) : cells(tables) {}
+
+    // Those of the rows after these, of a part of which `before` comes.
+    void add(const CellCounts& part, const TablePass& before) {
+        for (std::size_t t = 0; t < cells.size(); ++t) {
+            cells[t].resize(std::max(cells[t].size(), part.cells[t].size()));
+            for (std::size_t c = 0; c < part.cells[t].size(); ++c) {
+                cells[t][c] += part.cells[t][c];
+            }
+        }
+        for (const auto& [place, more] : part.odd) {
+            Odd& sum = odd[place];
+            const uint64_t values = before.column(place.first, place.second).values;
+            for (LostValues Odd::*const way : {&Odd::cut, &Odd::strayed, &Odd::rejected}) {
+                if ((sum.*way).count == 0 && (more.*way).count != 0) {
+                    (sum.*way).first = values + (more.*way).first;
+                }
+                (sum.*way).count += (more.*way).count;
+            }
         }
     }
-    CellCount(const CellCount&) = delete;
-    CellCount& operator=(const CellCount&) = delete;
+
+    // Completes the account of a column.
+    void addTo(PathAccount& account, std::size_t table, std::size_t column) const {
+        account.cells = cells[table].empty() ? 0 : cells[table][column];
+        if (const auto found = odd.find({table, column}); found != odd.end()) {
+            account.cut = found->second.cut;
+            account.strayed = found->second.strayed;
+            of(account, Loss::REJECTED) = found->second.rejected;
+        }
+    }
+};
+
+// Counts the cells of rows.
+class CellCounter {
+   public:
+    // How many values have come for a column.
+    using Values = std::function<uint64_t(std::size_t table, std::size_t column)>;
+
+    CellCounter(const Document& document, const std::vector<const Table*>& tables, Values values)
+        : document_(document),
+          tables_(tables),
+          values_(std::move(values)),
+          rows_(tables.size()),
+          counts_(tables.size()) {}
+    CellCounter(const CellCounter&) = delete;
+    CellCounter& operator=(const CellCounter&) = delete;
 
     void take(const PassItem& item) {
-        PassRow& row = *rows_[item.table];
+        PassRow& row = rowOf(item.table);
         if (!row.take(item)) {
             return;
         }
+        std::vector<uint64_t>& cells = counts_.cells[item.table];
+        cells.resize(item.cells.size());
         for (std::size_t i = 0; i < item.cells.size(); ++i) {
             if (!holdsValue(item.cells[i])) {
                 continue;
             }
-            PathAccount& column = columns_[item.table][i];
             const bool refused =
                 item.cells[i].kind != JMAP_KIND_NULL && row.cell(i).kind == Cell::NUL;
             if (refused) {
-                add(of(column, Loss::REJECTED), pass_.column(item.table, i).values);
+                addOdd(&CellCounts::Odd::rejected, item.table, i);
                 continue;
             }
-            ++column.cells;
+            ++cells[i];
             if (item.cells[i].strayed != 0) {
-                add(column.strayed, pass_.column(item.table, i).values);
+                addOdd(&CellCounts::Odd::strayed, item.table, i);
             }
         }
     }
 
-    [[nodiscard]] const PathAccount& column(std::size_t table, std::size_t column) const {
-        return columns_[table][column];
+    // Those since the last call.
+    [[nodiscard]] CellCounts counts() { return std::exchange(counts_, CellCounts(tables_.size())); }
+
+   private:
+    PassRow& rowOf(std::size_t table) {
+        std::unique_ptr<PassRow>& row = rows_[table];
+        if (row == nullptr) {
+            row = std::make_unique<PassRow>(
+                document_, *tables_[table],
+                [this, table](const Row& /*row*/, const Rejected& value) {
+                    if (value.cut) {
+                        addOdd(&CellCounts::Odd::cut, table, value.column);
+                    }
+                });
+        }
+        return *row;
+    }
+    void addOdd(LostValues CellCounts::Odd::*way, std::size_t table, std::size_t column) {
+        add(counts_.odd[{table, column}].*way, values_(table, column));
+    }
+
+    const Document& document_;
+    const std::vector<const Table*>& tables_;
+    const Values values_;
+    std::vector<std::unique_ptr<PassRow>> rows_;  // null: no item of the table has come
+    CellCounts counts_;
+};
+
+// The cells of a part, counted where its rows are made.
+struct PartCells final : RowResult {
+    explicit PartCells(CellCounts ofPart) : counts(std::move(ofPart)) {}
+    CellCounts counts;
+};
+
+class CountWork final : public RowWork {
+   public:
+    CountWork(const Document& document, const std::vector<const Table*>& tables)
+        : source_(document.hasSourceColumn() ? 1 : 0),
+          counter_(document, tables, [this](std::size_t table, std::size_t column) {
+              return values(table, column);
+          }) {}
+
+    void begin(JMAPPassh walk) override { walk_ = walk; }
+    void take(const PassItem& item) override { counter_.take(item); }
+    [[nodiscard]] bool full() const override { return false; }
+    [[nodiscard]] std::unique_ptr<RowResult> result() override {
+        return std::make_unique<PartCells>(counter_.counts());
     }
 
    private:
-    const TablePass& pass_;
-    std::vector<std::unique_ptr<PassRow>> rows_;
-    std::vector<std::vector<PathAccount>> columns_;
+    [[nodiscard]] uint64_t values(std::size_t table, std::size_t column) const {
+        if (column < source_) {
+            return 0;
+        }
+        JMAPPassColumn info = {};
+        jmapPassColumn(walk_, static_cast<QVStrSize>(table),
+                       static_cast<QVStrSize>(column - source_), &info);
+        return info.values;
+    }
+
+    const std::size_t source_;  // 1: the first column is none of the engine
+    JMAPPassh walk_ = nullptr;
+    CellCounter counter_;
 };
+
+CellCounts countCells(const Document& document, const std::vector<const Table*>& tables,
+                      TablePass& pass) {
+    if (!pass.works()) {
+        CellCounter counter(document, tables, [&](std::size_t table, std::size_t column) {
+            return pass.column(table, column).values;
+        });
+        for (PassItem item = {}; pass.next(item);) {
+            counter.take(item);
+        }
+        return counter.counts();
+    }
+    CellCounts sum(tables.size());
+    pass.work([&] { return std::make_unique<CountWork>(document, tables); },
+              [&](std::unique_ptr<RowResult> part) {
+                  sum.add(static_cast<const PartCells&>(*part).counts, pass);
+              });
+    return sum;
+}
 
 }  // namespace
 
@@ -190,10 +309,7 @@ std::vector<PathAccount> accountOf(const Document& document,
                                    const std::vector<const Table*>& tables, bool retain,
                                    bool carry) {
     TablePass pass(document, tables, retain, carry);
-    CellCount count(document, tables, pass);
-    for (PassItem item = {}; pass.next(item);) {
-        count.take(item);
-    }
+    const CellCounts counts = countCells(document, tables, pass);
     ByPath byPath;
     for (std::size_t t = 0; t < tables.size(); ++t) {
         for (std::size_t c = 0; c < tables[t]->columns.size(); ++c) {
@@ -201,11 +317,7 @@ std::vector<PathAccount> accountOf(const Document& document,
                 continue;
             }
             PathAccount column = columnOf(pass, t, c);
-            column.cells = count.column(t, c).cells;
-            column.cut = count.column(t, c).cut;
-            column.strayed = count.column(t, c).strayed;
-            of(column, Loss::REJECTED) =
-                count.column(t, c).lost[static_cast<std::size_t>(Loss::REJECTED)];
+            counts.addTo(column, t, c);
             byPath.offer(tables[t]->columns[c].path, column);
         }
     }

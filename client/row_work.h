@@ -7,6 +7,8 @@
 // Tested by tests/client/parts_test.cpp
 #pragma once
 
+#include "qvejmapx.h"
+
 #include <functional>
 #include <memory>
 #include <string_view>
@@ -32,11 +34,13 @@ class RowWork {
     RowWork(const RowWork&) = delete;
     RowWork& operator=(const RowWork&) = delete;
 
+    // A part begins: what came for rows that are not complete is for the work on another part.
+    // While an item is taken, `walk` tells what has come for a column in this part so far
+    // (jmapPassColumn).
+    virtual void begin(JMAPPassh /*walk*/) {}
+
     // The next item, valid until this returns.  Its ordinals are those of the whole document.
     virtual void take(const PassItem& item) = 0;
-
-    // A part begins: what came for rows that are not complete is for the work on another part.
-    virtual void begin() {}
 
     // The next item, which has been worked on before: by another, which then began anew, or with
     // an earlier part.  A row that is not complete with it is this one's.

@@ -87,7 +87,7 @@ class TablePass {
 
     // Before the first item, if it `works`: lets others work on all of them, on the threads where
     // they are made, and takes the results in order, on this one.  Throws as `next`, and what the
-    // work throws.
+    // work throws.  While a result is taken, `column` tells what has come before its part.
     void work(const MakeRowWork& make, const TakeRowResult& take);
     [[nodiscard]] bool works() const;
 

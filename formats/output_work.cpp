@@ -59,7 +59,7 @@ OutputWork::Output& OutputWork::outputOf(std::size_t table) {
     return *output;
 }
 
-void OutputWork::begin() {
+void OutputWork::begin(JMAPPassh /*walk*/) {
     for (const std::unique_ptr<Output>& output : outputs_) {
         if (output != nullptr) {
             output->row.forgetNotNumbers();

@@ -62,7 +62,7 @@ class OutputWork final : public RowWork {
     OutputWork(const Document& document, const std::vector<const Table*>& tables,
                const Destination& destination, const SchemaBuilder* noRows);
 
-    void begin() override;
+    void begin(JMAPPassh walk) override;
     void take(const PassItem& item) override;
     void passOver(const PassItem& item) override;
     [[nodiscard]] bool full() const override { return held_ >= kFull; }

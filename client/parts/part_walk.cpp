@@ -25,7 +25,7 @@ class PartWalk::Walk final : public Line::Worker {
         check(jmapWalkOpen(part_.handle(), rows.document_.handle(), rows.tables_.data(),
                            static_cast<QVStrSize>(rows.tables_.size()), 0, &Walk::take, this,
                            &handle_));
-        work_->begin();
+        work_->begin(handle_);
     }
     ~Walk() override { (void)jmapPassClose(handle_); }  // it has no file
 
@@ -246,17 +246,21 @@ bool PartWalk::nextResult(Result& result) {
     }
 }
 
-// Hands out what came, and looks at the end of a part.
+// Hands out what came.
 std::unique_ptr<RowResult> PartWalk::accept(Result result) {
     text_ = result.text;
     taken_ += result.items;
-    if (result.end) {
-        takeEnd(std::move(*result.end));
-    }
+    end_ = std::move(result.end);
     return std::move(result.rows);
 }
 
-void PartWalk::takeEnd(PartEnd end) {
+// Looks at the end of a part, if the last result was at one.
+void PartWalk::takeEnd() {
+    if (!end_) {
+        return;
+    }
+    PartEnd end = std::move(*end_);
+    end_.reset();
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         JMAPPassColumn& sum = columns_[i];
         const JMAPPassColumn& part = end.columns[i];
@@ -280,7 +284,7 @@ void PartWalk::takeEnd(PartEnd end) {
 
 std::unique_ptr<RowResult> PartWalk::next() {
     Result result;
-    while (!ended_) {
+    for (takeEnd(); !ended_; takeEnd()) {
         if (notApart_) {
             walkAsOne();
         }
@@ -314,6 +318,7 @@ bool PartWalk::walkAlone(const TakeRowResult& take) {
                       if (std::unique_ptr<RowResult> rows = accept(std::move(result))) {
                           take(std::move(rows));
                       }
+                      takeEnd();
                       if (notApart_) {
                           throw Indivisible();
                       }

@@ -43,7 +43,7 @@ class PartWalk {
     // Which text the rows of the last result are of.
     [[nodiscard]] std::size_t text() const { return text_; }
 
-    // After the last result, as of TablePass.
+    // What has come before the part of the last result; after the end, everything.
     [[nodiscard]] JMAPPassColumn column(std::size_t table, std::size_t column) const {
         return columns_[firstColumn_[table] + column];
     }
@@ -85,7 +85,7 @@ class PartWalk {
     bool walkAlone(const TakeRowResult& take);
     bool nextResult(Result& result);
     std::unique_ptr<RowResult> accept(Result result);
-    void takeEnd(PartEnd end);
+    void takeEnd();
     [[nodiscard]] std::unique_ptr<RowWork> borrowWork();
     void giveBack(std::unique_ptr<RowWork> work);
 
@@ -98,12 +98,13 @@ class PartWalk {
     std::vector<std::string> counted_;      // the paths of ordinals
     std::vector<std::size_t> firstColumn_;  // of each table in lists of all columns, and their end
     bool asOne_ = false;
-    bool notApart_ = false;  // the next result comes of a walk as one
+    bool notApart_ = false;  // the next results come of a walk as one
     bool ended_ = false;
     std::unique_ptr<Line> line_;
     std::size_t text_ = 0;
-    uint64_t taken_ = 0;   // items, in results that have been handed out
-    uint64_t passed_ = 0;  // of them those that a walk as one passes over
+    uint64_t taken_ = 0;          // items, in results that have been handed out
+    uint64_t passed_ = 0;         // of them those that a walk as one passes over
+    std::optional<PartEnd> end_;  // of the last result, not yet looked at
     std::vector<JMAPPassColumn> columns_;
     std::vector<Left> left_;
 

@@ -1,4 +1,5 @@
 // A document that is counted and walked in parts, on threads, against one that keeps records.
+#include "client/account.h"
 #include "client/parts/input_parts.h"
 #include "client/parts/part_sequence.h"
 #include "client/parts/scan_parts.h"
@@ -221,6 +222,21 @@ Lines itemsOf(const Document& document, bool carry) {
     return lines;
 }
 
+// What becomes of the values, and the number of the first in each way.
+Lines accountOf(const Document& document) {
+    Lines lines;
+    for (const qvej::PathAccount& path : qvej::accountOf(document, false)) {
+        std::string& line = lines.emplace_back(path.path + " " + std::to_string(path.values) +
+                                               " in cells " + std::to_string(path.cells));
+        std::vector<qvej::LostValues> ways(path.lost.begin(), path.lost.end());
+        ways.insert(ways.end(), {path.strayed, path.cut});
+        for (const qvej::LostValues& lost : ways) {
+            line += " " + std::to_string(lost.count) + "@" + std::to_string(lost.first);
+        }
+    }
+    return lines;
+}
+
 void expectSame(const Lines& want, const Lines& got) {
     for (std::size_t i = 0; i < std::min(want.size(), got.size()); ++i) {
         ASSERT_EQ(want[i], got[i]) << "item " << i;
@@ -274,10 +290,12 @@ void compare(const Texts& of, const std::vector<Cutting>& cuttings, Count& count
     const std::string want = described(plain.document);
     std::vector<std::pair<Lines, Lines>> items = {
         {itemsOf(plain.document, false), itemsOf(plain.document, true)}};
+    std::vector<Lines> accounts = {accountOf(plain.document)};
     for (const char* map : maps) {
         Whole mapped(of);
         mapped.document.useMap(map);
         items.emplace_back(itemsOf(mapped.document, false), itemsOf(mapped.document, true));
+        accounts.push_back(accountOf(mapped.document));
     }
     for (const Cutting& cutting : cuttings) {
         SCOPED_TRACE("parts of " + std::to_string(cutting.bytes));
@@ -297,6 +315,7 @@ void compare(const Texts& of, const std::vector<Cutting>& cuttings, Count& count
             ASSERT_NO_FATAL_FAILURE(expectSame(items[map].first, itemsOf(divided.document, false)));
             count.walkedInParts += divided.readings == 1 ? 1 : 0;
             ASSERT_NO_FATAL_FAILURE(expectSame(items[map].second, itemsOf(divided.document, true)));
+            ASSERT_NO_FATAL_FAILURE(expectSame(accounts[map], accountOf(divided.document)));
             count.items += items[map].first.size();
             ++count.divided;
         }
