@@ -68,7 +68,7 @@ class OutputWork final : public RowWork {
     [[nodiscard]] std::unique_ptr<RowResult> result() override;
 
    private:
-    static constexpr std::size_t kFull = std::size_t{1} << 20;  // bytes that sinks hold
+    static constexpr std::size_t kFull = std::size_t{1} << 20;  // bytes of rows and rejects
 
     // Made with the first row of a table.
     struct Output {
@@ -86,7 +86,7 @@ class OutputWork final : public RowWork {
     std::vector<std::unique_ptr<Output>> outputs_;
     std::vector<std::size_t> used_;  // tables of the open result
     std::vector<std::unique_ptr<KeptReject>> rejects_;
-    std::size_t held_ = 0;
+    std::size_t held_ = 0;  // bytes, by sinks and rejects
     bool passesOver_ = false;
 };
 
