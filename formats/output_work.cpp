@@ -52,6 +52,7 @@ OutputWork::Output& OutputWork::outputOf(std::size_t table) {
         const RejectHandler keep = [this, table](const Row& row, const Rejected& rejected) {
             if (!passesOver_) {
                 rejects_.push_back(std::make_unique<KeptReject>(table, row, rejected));
+                held_ += sizeof(KeptReject) + rejected.text.size();
             }
         };
         output.reset(new Output{{document_, *tables_[table], keep}, destination_.pieceSink(table)});

@@ -69,8 +69,12 @@ class OutputWork final : public RowWork {
     [[nodiscard]] std::unique_ptr<RowResult> result() override;
 
    private:
+<<<<<<< HEAD
     static constexpr std::size_t kFull = std::size_t{1} << 20;  // bytes that sinks hold
     static constexpr std::size_t kMostOutputs = 4096;           // that are kept for further rows
+=======
+    static constexpr std::size_t kFull = std::size_t{1} << 20;  // bytes of rows and rejects
+>>>>>>> reader
 
     // Made with the first row of a table.
     struct Output {
@@ -90,7 +94,7 @@ class OutputWork final : public RowWork {
     std::vector<std::size_t> made_;  // tables with an output
     std::vector<std::size_t> used_;  // of them those in the open result
     std::vector<std::unique_ptr<KeptReject>> rejects_;
-    std::size_t held_ = 0;
+    std::size_t held_ = 0;  // bytes, by sinks and rejects
     bool passesOver_ = false;
 };
 

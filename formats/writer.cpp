@@ -4,7 +4,6 @@
 #include "client/error.h"
 
 #include <algorithm>
-#include <bit>
 #include <cerrno>
 #include <cstdint>
 #include <unistd.h>
@@ -66,7 +65,7 @@ void Writer::makeRoom(std::size_t size) {
     if (used_ + size > most_) {
         flush();
     }
-    std::size_t capacity = std::max(capacity_, least_);
+    std::size_t capacity = std::max(capacity_, kLeast);
     while (capacity < used_ + size) {
         capacity *= 2;
     }
@@ -88,9 +87,7 @@ void Writer::appendSlowly(const char* text, std::size_t size) {
     append(text, size);
 }
 
-// The next text will be as long, about.
 Writer::Text Writer::take() {
-    least_ = std::max(kLeast, std::bit_ceil(used_ + 1));
     capacity_ = 0;
     return {std::move(buffer_), std::exchange(used_, 0)};
 }

@@ -89,7 +89,6 @@ class Writer {
     std::unique_ptr<char[]> buffer_;
     std::size_t capacity_ = 0;
     std::size_t used_ = 0;
-    std::size_t least_ = kLeast;  // bytes of a new buffer
 };
 
 // Standard output.

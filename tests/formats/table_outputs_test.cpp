@@ -98,6 +98,49 @@ TEST(TableOutputs, ASinkIsMadeWithItsFirstRowAndLargeOnesFlushedWhenAllHoldTooMu
     EXPECT_EQ(schema.tables[3].rows, 3U);
 }
 
+// Its sinks hold nothing.
+class Dropping final : public qvej::Destination {
+   public:
+    class Nothing final : public qvej::Sink {
+       public:
+        void row(const qvej::PassRow& /*row*/) override {}
+        void end() override {}
+    };
+    void open(const std::vector<const qvej::Table*>& /*tables*/,
+              const qvej::Schema* /*schema*/) override {}
+    [[nodiscard]] bool shares(const qvej::OutputFiles& /*files*/) const override { return false; }
+    [[nodiscard]] std::unique_ptr<qvej::Sink> sink(std::size_t /*table*/) override {
+        return nullptr;
+    }
+    [[nodiscard]] std::unique_ptr<qvej::Sink> pieceSink(std::size_t /*table*/) const override {
+        return std::make_unique<Nothing>();
+    }
+    void end(const qvej::Schema& /*schema*/) override {}
+    [[nodiscard]] std::vector<std::string> commit(qvej::OutputFiles* /*with*/) override {
+        return {};
+    }
+};
+
+TEST(OutputWork, MayBeFullOfRejectedValues) {
+    std::string text = "[";
+    for (int i = 0; i < 70; ++i) {
+        text += (i == 0 ? R"({"t":")" : R"(,{"t":")") + std::string(40000, 'x') + "\"}";  // cut
+    }
+    const jmap::test::ReadDocument read(text + "]");
+    const std::vector<const qvej::Table*> tables = read.tables();
+    const Dropping destination;
+    qvej::OutputWork work(read.document, tables, destination, nullptr);
+    qvej::TablePass pass(read.document, tables);
+    std::vector<std::size_t> results;  // rejects of each
+    for (qvej::PassItem item; pass.next(item);) {
+        work.take(item);
+        if (work.full()) {
+            results.push_back(static_cast<qvej::OutputPieces&>(*work.result()).rejects.size());
+        }
+    }
+    EXPECT_EQ(results, std::vector<std::size_t>(2, 32));
+}
+
 // Keeps what is written, of each table.
 class Kept final : public qvej::Destination {
    public:
