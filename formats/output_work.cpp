@@ -61,10 +61,8 @@ OutputWork::Output& OutputWork::outputOf(std::size_t table) {
 }
 
 void OutputWork::begin(JMAPPassh /*walk*/) {
-    for (const std::unique_ptr<Output>& output : outputs_) {
-        if (output != nullptr) {
-            output->row.forgetNotNumbers();
-        }
+    for (const std::size_t table : made_) {
+        outputs_[table]->row.forgetNotNumbers();
     }
 }
 

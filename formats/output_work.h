@@ -69,12 +69,8 @@ class OutputWork final : public RowWork {
     [[nodiscard]] std::unique_ptr<RowResult> result() override;
 
    private:
-<<<<<<< HEAD
-    static constexpr std::size_t kFull = std::size_t{1} << 20;  // bytes that sinks hold
-    static constexpr std::size_t kMostOutputs = 4096;           // that are kept for further rows
-=======
     static constexpr std::size_t kFull = std::size_t{1} << 20;  // bytes of rows and rejects
->>>>>>> reader
+    static constexpr std::size_t kMostOutputs = 4096;           // that are kept for further rows
 
     // Made with the first row of a table.
     struct Output {
