@@ -63,6 +63,9 @@ class ColumnFacts {
     // Is the type known whatever comes?
     [[nodiscard]] bool settled() const { return known_ || (flags_ & OTHER_TEXT) != 0; }
 
+    // Has a value come?  Of a column whose type is known from the beginning always true.
+    [[nodiscard]] bool any() const { return flags_ != 0; }
+
     // Is a number -0?  Few types but DOUBLE keep that.
     [[nodiscard]] bool minusZero() const { return (flags_ & MINUS_ZERO) != 0; }
 

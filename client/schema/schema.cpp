@@ -216,11 +216,14 @@ void SchemaBuilder::add(const Batch& later) {
 Field SchemaBuilder::fieldOf(std::size_t column) const {
     const ColumnFacts& facts = columns_[column];
     const ColumnCounts counts = options_.counts ? counts_[column] : ColumnCounts{};
-    return {facts.type(options_.dates), facts.minusZero(),
+    return {facts.type(options_.dates),
+            facts.any(),
+            facts.minusZero(),
             facts.looksLikeSeconds()        ? Field::SECONDS
             : facts.looksLikeMilliseconds() ? Field::MILLISECONDS
                                             : Field::NO_UNIX,
-            counts.filled, counts.longest};
+            counts.filled,
+            counts.longest};
 }
 
 Schema SchemaBuilder::end() const {

@@ -36,7 +36,8 @@ namespace qvej {
 
 struct Field {
     DataType type = {};
-    bool minusZero = false;                                                // a number is -0
+    bool any = false;        // a value has come; true if none need come to know the type
+    bool minusZero = false;  // a number is -0
     enum : uint8_t { NO_UNIX, SECONDS, MILLISECONDS } unixLike = NO_UNIX;  // as whole numbers look
     uint64_t filled = 0;      // rows with a value; only with SchemaOptions::counts, as the next
     std::size_t longest = 0;  // bytes of the longest text or number

@@ -69,7 +69,7 @@ void tellTypes(const Schema& schema) {
         for (std::size_t c = 0; c < table.fields.size(); ++c) {
             const Field& field = table.fields[c];
             const Column column = table.table->columns[c];
-            if (column.logicalType == LogicalType::MIXED && field.filled != 0) {
+            if (column.logicalType == LogicalType::MIXED && field.any) {
                 mixed.add(nameOf(table, c) + " has values of several kinds, all as " +
                           (column.type == ColumnType::NUMERIC ? "numbers: true is 1, false is 0"
                                                               : "texts"));

@@ -17,7 +17,7 @@ namespace qvej::cli {
 
 // Has it values of several kinds?
 [[nodiscard]] inline bool isMixed(const Column& column, const Field& field) {
-    return column.logicalType == LogicalType::MIXED && field.filled != 0;
+    return column.logicalType == LogicalType::MIXED && field.any;
 }
 
 // Has each row of the parent at most one here?
