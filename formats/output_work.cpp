@@ -56,6 +56,7 @@ OutputWork::Output& OutputWork::outputOf(std::size_t table) {
             }
         };
         output.reset(new Output{{document_, *tables_[table], keep}, destination_.pieceSink(table)});
+        made_.push_back(table);
     }
     return *output;
 }
