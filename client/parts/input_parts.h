@@ -1,6 +1,6 @@
 // The parts of the files of a list, read as often as they are asked for.
 //
-// Tested by tests/client/parts_test.cpp
+// Tested by tests/client/input_parts_test.cpp
 #pragma once
 
 #include "../input/inputs_reader.h"
