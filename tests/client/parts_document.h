@@ -1,4 +1,5 @@
-// A document that is counted and walked in parts, cut as a test wants it, and the same with records.
+// A document that is counted and walked in parts, cut as a test wants it, and the same with
+// records.
 #pragma once
 
 #include "client/account.h"
@@ -65,7 +66,8 @@ struct Cutting {
     unsigned threads;
 };
 
-inline qvej::PartsOfDocument partsOf(qvej::Engine& engine, const Texts& of, const Cutting& cutting) {
+inline qvej::PartsOfDocument partsOf(qvej::Engine& engine, const Texts& of,
+                                     const Cutting& cutting) {
     qvej::PartsOfDocument parts;
     parts.engine = &engine;
     parts.options = of.options();
