@@ -103,6 +103,7 @@ struct JMAP_PRIVATE {
     // Nesting [scan].
     LEVEL* lhead;           // top of the stack, null when it is empty
     LEVEL* ltail;           // bottom, kept when the stack becomes empty
+    PATHNODE* awaited;      // label above the top, not pushed as yet; null: none.  See newLabel
     int32_t labelCount;     // labels on the stack minus one; read keeps a record's count here
     int32_t labelCountMax;  // highest `labelCount` of the scan
     int32_t* labelCurLens;  // [labelMaxesSize + 1] length of the label last pushed at each depth;

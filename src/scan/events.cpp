@@ -67,6 +67,7 @@ uint64_t beginText(JMAP_PRIVATE* p) {
 }
 
 QVStatus endContainer(JMAP_PRIVATE* p, WHAT what) {
+    settleLabel(p);
     if (peekLevel(p) == nullptr || peekLevel(p)->what != what) {
         return JMAP_PARSE;
     }

@@ -183,6 +183,7 @@ template <class Sink>
 QVStatus Events<Sink>::farrayStart(JSNParseCB* cb) {
     JMAP_PRIVATE* p = contextOf(cb);
     noteEvent(p, U"Array Start");
+    settleLabel(p);
     if (p->lastCallback == CB_ARRAYSTART || p->lastCallback == CB_ARRAYEND) {
         QV_TRY(Sink::marker(p));
     }
@@ -208,6 +209,7 @@ template <class Sink>
 QVStatus Events<Sink>::fobjectStart(JSNParseCB* cb) {
     JMAP_PRIVATE* p = contextOf(cb);
     noteEvent(p, U"Object Start");
+    settleLabel(p);
     p->lastCallback = CB_OBJECTSTART;
     QV_TRY(Sink::marker(p));
     return newLevel(p, WHAT_OBJECT);
@@ -268,6 +270,10 @@ QVStatus Events<Sink>::fstring(JSNParseCB* cb, const JSNChar* str, QVStrSize inl
 template <class Sink>
 QVStatus Events<Sink>::gotValue(JMAP_PRIVATE* p, std::string_view value, VALTYPE type) {
     noteEvent(p, U"gotValue");
+    if (PATHNODE* node = p->awaited; node != nullptr) [[likely]] {
+        p->awaited = nullptr;
+        return Sink::value(p, node, value, type);
+    }
     const LEVEL* top = peekLevel(p);
     if (top == nullptr) {
         p->vrc = JMAP_INCOMPLETE;

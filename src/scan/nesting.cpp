@@ -11,6 +11,7 @@
 #include "path_tree.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace jmap {
 namespace {
@@ -131,16 +132,23 @@ QVStatus newLevel(JMAP_PRIVATE* p, WHAT what) {
 }
 
 QVStatus newLabel(JMAP_PRIVATE* p, std::string_view name) {
-    LEVEL* l = entryAbove(p);
     PATHNODE* node = expectedMember(p->pathAt, name);
-    if (l == nullptr || node == nullptr || !inStep(p, node->labels) || p->debugLevel ||
-        p->debugAllData) [[unlikely]] {
+    if (node == nullptr || entryAbove(p) == nullptr || !inStep(p, node->labels) ||
+        node->nameLen == 0 || p->awaited != nullptr || p->debugLevel || p->debugAllData)
+        [[unlikely]] {
+        settleLabel(p);
         return newLabelSlowly(p, name);
     }
     // The label has been counted before; only the current length of its depth may have changed.
+    p->labelCurLens[p->labelCount + 1] = static_cast<int32_t>(node->nameLen);
+    p->pathAt->lastMember = branchOf(node);
+    p->awaited = node;
+    return QV_OK;
+}
+
+void pushAwaited(JMAP_PRIVATE* p) {
     ++p->labelCount;
-    p->labelCurLens[p->labelCount] = static_cast<int32_t>(node->nameLen);
-    return pushMember(p, l, node);
+    (void)pushMember(p, entryAbove(p), std::exchange(p->awaited, nullptr));
 }
 
 QVStatus newElementLabel(JMAP_PRIVATE* p, PATHNODE* node) {

@@ -20,8 +20,17 @@ namespace jmap {
 [[nodiscard]] QVStatus newLevel(JMAP_PRIVATE* p, WHAT what);
 
 // Pushes the label of a member.  QV_NOMEM leaves the stack as it was, perhaps with the label
-// counted.
+// counted.  A label that is known is `awaited` only: most have a scalar, which needs it on no
+// stack.
 [[nodiscard]] QVStatus newLabel(JMAP_PRIVATE* p, std::string_view name);
+
+// Pushes the label that is awaited, if one is.
+void pushAwaited(JMAP_PRIVATE* p);
+inline void settleLabel(JMAP_PRIVATE* p) {
+    if (p->awaited != nullptr) {
+        pushAwaited(p);
+    }
+}
 
 // The same for an element, whose node is known.
 [[nodiscard]] QVStatus newElementLabel(JMAP_PRIVATE* p, PATHNODE* node);

@@ -144,7 +144,7 @@ void addKind(JMAP_PRIVATE* p, PATHKIND* last, VALTYPE kind) {
     }
 }
 
-[[gnu::noinline]] void countOtherKind(JMAP_PRIVATE* p, PATHKIND* kinds, VALTYPE kind) {
+void countKind(JMAP_PRIVATE* p, PATHKIND* kinds, VALTYPE kind) {
     for (; kinds->kind != kind; kinds = kinds->next) {
         if (kinds->next == nullptr) {
             addKind(p, kinds, kind);
@@ -154,48 +154,17 @@ void addKind(JMAP_PRIVATE* p, PATHKIND* last, VALTYPE kind) {
     ++kinds->count;
 }
 
-void countKind(JMAP_PRIVATE* p, PATHKIND* kinds, VALTYPE kind) {
-    if (kinds->kind == kind) [[likely]] {
-        ++kinds->count;
-    } else {
-        countOtherKind(p, kinds, kind);
-    }
-}
-
-[[gnu::noinline]] void keepLongest(JMAP_PRIVATE* p, PATHINFO* info, QVStrSize valLen) {
-    info->pathMaxValLen = valLen;
-    info->longest = presentPlace(p);
-}
-
-[[gnu::noinline]] void noteIfWatched(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type) {
+void noteIfWatched(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type) {
     if (info->extras != nullptr && info->extras->watched == info->count) {
         const std::string_view path = pathText(p, info->node, info->node->textLen);
         noteWatched(p, info, path, type, presentPlace(p));
     }
 }
 
-[[gnu::noinline]] void becomeCharacter(JMAP_PRIVATE* p, PATHINFO* info) {
+void becomeCharacter(JMAP_PRIVATE* p, PATHINFO* info) {
     info->type = VAR_CHAR;
     if (p->debugInsertPath) {
         myLogNote(p, U"insertPathInfo type DOUBLE val type STRING so type now CHARACTER");
-    }
-}
-
-[[gnu::noinline]] void countIfInexact(JMAP_PRIVATE* p, PATHINFO* info, std::string_view number) {
-    if (!losesDigits(p->smh, number)) {
-        return;
-    }
-    PATHEXTRAS* extras = pathExtras(p, info);
-    if (extras == nullptr) {
-        ++p->lostLookups;
-    } else if (++extras->inexact == 1) {
-        extras->firstInexact = presentPlace(p);
-    }
-}
-
-void lookAtNumber(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, std::string_view value) {
-    if (type == VAL_NUMBER && mayLoseDigits(value)) [[unlikely]] {
-        countIfInexact(p, info, value);
     }
 }
 
@@ -404,19 +373,29 @@ void lookUpByText(JMAP_PRIVATE* p) {
     }
 }
 
-void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, std::string_view value) {
-    const QVStrSize valLen = lengthOf(value);
-    ++info->count;
+[[gnu::noinline]] void countIfInexact(JMAP_PRIVATE* p, PATHINFO* info, std::string_view number) {
+    if (!losesDigits(p->smh, number)) {
+        return;
+    }
+    PATHEXTRAS* extras = pathExtras(p, info);
+    if (extras == nullptr) {
+        ++p->lostLookups;
+    } else if (++extras->inexact == 1) {
+        extras->firstInexact = presentPlace(p);
+    }
+}
+
+[[gnu::noinline]] void countOther(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, QVStrSize valLen) {
     countKind(p, &info->kinds, type);
-    lookAtNumber(p, info, type, value);
     if (p->watches != nullptr) [[unlikely]] {
         noteIfWatched(p, info, type);
     }
-    if (info->type == VAR_DOUBLE && type == VAL_STRING) [[unlikely]] {
+    if (info->type == VAR_DOUBLE && type == VAL_STRING) {
         becomeCharacter(p, info);
     }
-    if (valLen > info->pathMaxValLen) [[unlikely]] {
-        keepLongest(p, info, valLen);
+    if (valLen > info->pathMaxValLen) {
+        info->pathMaxValLen = valLen;
+        info->longest = presentPlace(p);
     }
 }
 

@@ -11,6 +11,8 @@
 #pragma once
 
 #include "core/context.h"
+#include "core/text.h"
+#include "exact_number.h"
 
 #include <string_view>
 
@@ -33,8 +35,30 @@ namespace jmap {
     return p->byText || p->watches != nullptr || p->debugInsertPath;
 }
 
-// The same for a path whose entry is known.
-void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, std::string_view value);
+// Counts the number when a double does not keep it.
+void countIfInexact(JMAP_PRIVATE* p, PATHINFO* info, std::string_view number);
+
+inline void lookAtNumber(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, std::string_view value) {
+    if (type == VAL_NUMBER && mayLoseDigits(value)) [[unlikely]] {
+        countIfInexact(p, info, value);
+    }
+}
+
+// A value that is of another kind than the first, longer than all before, or watched.
+void countOther(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, QVStrSize valLen);
+
+// Records one more value as insertPathInfo does, of a path whose entry is known.
+inline void countAgain(JMAP_PRIVATE* p, PATHINFO* info, VALTYPE type, std::string_view value) {
+    const QVStrSize valLen = lengthOf(value);
+    lookAtNumber(p, info, type, value);
+    ++info->count;
+    if (type == info->kinds.kind && valLen <= info->pathMaxValLen && p->watches == nullptr)
+        [[likely]] {
+        ++info->kinds.count;
+    } else {
+        countOther(p, info, type, valLen);
+    }
+}
 
 // Values of a path that were counted elsewhere.
 inline constexpr int32_t kKindsOfAPath = 5;
