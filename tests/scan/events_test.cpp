@@ -23,5 +23,37 @@ TEST(Events, RefuseAScalarDocumentAndAnEndThatDoesNotFit) {
     EXPECT_EQ(WHAT_OBJECT, peekLevel(&doc.p)->what) << "the stack is as it was";
 }
 
+// A name that is known is not pushed at once.
+TEST(Events, PushANameThatIsFollowedByNoScalar) {
+    constexpr JSNChar kName[] = {'a'};
+    const auto name = [&](JSNParseCB* cb) { return cb->string(cb, kName, 1, JSN_MEMBERNAME); };
+    const auto startOfASecond = [&](JSNParseCB* cb) {
+        ASSERT_QV_OK(cb->arrayStart(cb));
+        for (int i = 0; i < 2; ++i) {
+            ASSERT_QV_OK(cb->objectStart(cb));
+            ASSERT_QV_OK(name(cb));
+            ASSERT_QV_OK(cb->number(cb, "1", 1, JSN_REAL));
+            ASSERT_QV_OK(cb->objectEnd(cb));
+        }
+        ASSERT_QV_OK(cb->objectStart(cb));
+        ASSERT_QV_OK(name(cb));
+    };
+    HandDocument doc;
+    JSNParseCB* cb = &doc.p.parseCB;
+    startOfASecond(cb);
+    EXPECT_QV(JMAP_PARSE, cb->objectEnd(cb)) << "a name without a value";
+    EXPECT_EQ(WHAT_LABEL, peekLevel(&doc.p)->what);
+    EXPECT_EQ(0, doc.p.labelCount);
+
+    HandDocument twice;
+    cb = &twice.p.parseCB;
+    startOfASecond(cb);
+    ASSERT_QV_OK(name(cb));
+    EXPECT_EQ(1, twice.p.labelCount) << "two names";
+    ASSERT_QV_OK(cb->nullx(cb));
+    EXPECT_EQ(0, twice.p.labelCount);
+    EXPECT_EQ(WHAT_LABEL, peekLevel(&twice.p)->what);
+}
+
 }  // namespace
 }  // namespace jmap::test
