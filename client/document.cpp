@@ -96,7 +96,7 @@ Document::Document(Engine& engine, const DocumentOptions& options)
         (options.lines || options.sequence || columnOf_ || maxDepth_ != 0)) {
         status = setRules(options);
     }
-    if (status == QV_OK && !fed) {
+    if (status == QV_OK && (!fed || options.counted)) {
         jmapCountOnly(handle_, 0);
     }
     if (status == QV_OK) {
@@ -444,6 +444,7 @@ std::string Document::mapText() const {
 PathStatistics Document::describe(JMAPPathh path, const JMAPPathInfo& info) const {
     PathStatistics statistics;
     statistics.path = codec_.decoded(pathOf(jmapPathText, path, info.pathLen));
+    statistics.labels = info.labels;
     statistics.count = info.count;
     statistics.type = info.type;
     statistics.longest = info.maxValueLen;

@@ -73,8 +73,9 @@ struct DocumentOptions {
     // Of several texts: each table begins with a column that has the name of the text that a row is
     // of.  It is called so; empty: no such column.
     std::string sourceColumn = {};
-    // Paths are counted alone, no records are kept: see jmapCountOnly.  The document is not fed,
-    // but gets what its parts have counted.
+    // Paths are counted alone, no records are kept: see jmapCountOnly.
+    bool counted = false;
+    // Likewise, and the document is not fed, but gets what its parts have counted.
     bool ofParts = false;
     // Its rows are made while its text is read, which is not counted at all: it has no paths and no
     // automatic tables.  It is not fed; finishParts() makes it ready for a user's map.
@@ -117,6 +118,7 @@ struct KindStatistics {
 // One distinct path that had a value.
 struct PathStatistics {
     std::string path;     // separator 0x02
+    int32_t labels = 0;   // names in the path, the root apart
     int64_t count = 0;    // of values
     int32_t type = 0;     // JMAP_NUMERIC, JMAP_CHARACTER, 3 for an empty container
     int64_t longest = 0;  // bytes of the longest value

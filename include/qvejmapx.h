@@ -409,6 +409,7 @@ typedef struct JMAPPathKind {
 
 typedef struct JMAPPathInfo {
     QVStrSize pathLen;     /* see jmapPathText */
+    int32_t labels;        /* names in the path, the root apart; a name may hold separators */
     int64_t count;         /* records with this path */
     int32_t type;          /* JMAP_NUMERIC, JMAP_CHARACTER, or 3 for an empty container */
     QVStrSize maxValueLen; /* longest value, at least 1 */

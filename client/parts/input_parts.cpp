@@ -67,6 +67,28 @@ void checkUnchanged(const InputList& inputs, const std::vector<FileState>& state
     }
 }
 
+// Gives a text out in pieces as they come.
+class Pieces final : public TextConsumer {
+   public:
+    Pieces(std::size_t text, const DocumentReader& reader, const TakePart& take)
+        : text_(text), reader_(reader), take_(take) {}
+    void feed(std::string_view text) override { give(text, true); }
+    void finish() override { give({}, false); }
+    [[nodiscard]] Place end() const override { return {}; }
+
+   private:
+    void give(std::string_view text, bool more) {
+        Partition piece;
+        piece.text = text;
+        piece.more = more;
+        take_({text_, reader_.name(), reader_.form(), std::move(piece), {}});
+    }
+
+    const std::size_t text_;
+    const DocumentReader& reader_;
+    const TakePart& take_;
+};
+
 // Gives the text to a PartitionReader.
 class Divider final : public TextConsumer {
    public:
@@ -88,6 +110,11 @@ ReadParts partsOf(const InputList& inputs, const TextOptions& options, InputsRea
         checkUnchanged(inputs, states);
         InputsReader texts(inputs, options, open);
         texts.each([&](std::size_t text, DocumentReader& reader) {
+            if (bytes == kUndivided) {
+                Pieces pieces(text, reader, take);
+                reader.read(pieces, observer);
+                return;
+            }
             if (reader.recoded()) {
                 throw Indivisible();
             }

@@ -12,16 +12,9 @@ namespace {
 
 using Kind = Partition::Kind;
 
-constexpr uint64_t kPieceBytes = uint64_t{1} << 20;  // of what is one part
-
 // Whether more of the same elements or lines come after the piece.
 bool goesOn(const Partition& partition) {
     return partition.kind == Kind::FIRST || partition.kind == Kind::MIDDLE;
-}
-
-// Whether the text ends with the piece.
-bool endsText(const Partition& partition) {
-    return !partition.more && !goesOn(partition) && partition.kind != Kind::HEAD;
 }
 
 bool isBlank(std::string_view text) {
@@ -105,9 +98,7 @@ void readInParts(const PartsOfDocument& parts, uint64_t least, Members members,
 
 void readAsOne(const PartsOfDocument& parts, const TakePart& take) {
     Sequence sequence(take);
-    parts.read(kPieceBytes, [&](TextPart piece) {
-        piece.partition.more = !endsText(piece.partition);
-        piece.partition.kind = Kind::WHOLE;
+    parts.read(kUndivided, [&](TextPart piece) {
         piece.endsPart = false;
         sequence.add(std::move(piece));
     });

@@ -160,7 +160,8 @@ PartWalk::PartWalk(const Document& document, std::vector<JMAPTableh> tables, Mak
       parts_(*document.parts()),
       tables_(std::move(tables)),
       make_(std::move(make)),
-      source_(source) {
+      source_(source),
+      asOne_(parts_.asOne) {
     findOrdinals();
     columns_.assign(firstColumn_.back(), {});
 }

@@ -97,7 +97,7 @@ class PartWalk {
     std::vector<Ordinal> ordinals_;
     std::vector<std::string> counted_;      // the paths of ordinals
     std::vector<std::size_t> firstColumn_;  // of each table in lists of all columns, and their end
-    bool asOne_ = false;
+    bool asOne_;
     bool notApart_ = false;  // the next results come of a walk as one
     bool ended_ = false;
     std::unique_ptr<Line> line_;

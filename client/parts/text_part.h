@@ -35,6 +35,8 @@ using TakePart = std::function<void(TextPart)>;
 // Reads all texts of a document from their beginning, and gives their parts in order to `take`.
 // Parts have at least so many bytes, but for the last ones.  Throws what the reading throws, and
 // what `take` does.
+//   bytes  kUndivided: each text is one part, in pieces as they are read
+inline constexpr uint64_t kUndivided = 0;
 using ReadParts = std::function<void(uint64_t bytes, const TakePart& take)>;
 
 // A document that is read in parts, as often as its rows are.
@@ -45,7 +47,8 @@ struct PartsOfDocument {
     DocumentOptions options = {};  // of all of it
     ReadParts read = {};
     unsigned threads = 1;
-    PartCounts counts = {};  // what scanParts has counted
+    bool asOne = false;      // the rows come of one walk over the whole text
+    PartCounts counts = {};  // what scanParts has counted; of a document as one nothing
 };
 
 }  // namespace qvej

@@ -450,6 +450,7 @@ QVStatus jmapNextPath(QVEJMAPJsonContexth inh, JMAPPathh* path) {
 
 void jmapPathInfo(JMAPPathh path, JMAPPathInfo* info) {
     info->pathLen = path->node->textLen;
+    info->labels = path->node->labels;
     info->count = path->count;
     info->type = path->type;
     info->maxValueLen = path->pathMaxValLen;

@@ -58,14 +58,18 @@ def document():
     return text, "d.json"
 
 
-def large_document():
-    """Of several parts."""
+def large_document(how):
+    """Of several parts, and the last kind one that cannot be divided."""
     # A name "" would keep the text in one piece.
     rows = [json.dumps(row).replace('"":', '"n":') for row in some_rows()]
-    how = R.randrange(3)
     between = "\n" if how == 0 else ","
     text = between.join(rows * ((9 << 19) // len(between.join(rows)) + 1))
-    return [(text + "\n", "d.jsonl"), ("[" + text + "]", "d.json"), ('{"rows":[' + text + '],"x":1}', "d.json")][how]
+    return [(text + "\n", "d.jsonl"), ("[" + text + "]", "d.json"), ('{"rows":[' + text + '],"x":1}', "d.json"),
+            ('[{"k\\u0002":1},' + text + ",[1]]", "d.json")][how]
+
+
+def plan_of(as_one, threads):
+    return b"plan: counted as one" if as_one or threads == "1" else b"plan: counted in parts on " + threads.encode()
 
 
 def broken(text):
@@ -179,8 +183,10 @@ def check_equal(folder, seen):
 
 
 def check_parts(folder, seen):
-    text, name = large_document()
-    with open(os.path.join(folder, name), "w", encoding="utf-8") as file:
+    how = R.randrange(4)
+    text, name = large_document(how)
+    recoded = R.random() < 0.1
+    with open(os.path.join(folder, name), "w", encoding="utf-16" if recoded else "utf-8") as file:
         file.write(text)
     mapped = R.random() < 0.7
     if mapped:
@@ -189,11 +195,13 @@ def check_parts(folder, seen):
             json.dump(user_map(json.loads(automatic.stdout), shown=True), file)
     options = {"inputs": [name] * R.choice([1, 1, 2]), "map": ["--map", "m.json"] if mapped else [],
                "more": R.choice([[], ["--format", "ndjson"], ["--rejects", "rejects.csv"], ["--gzip"]]) + ["--force"]}
-    _, records = converted(folder, options, ["--compress"], name)
+    way = R.choice([[], [], ["--memory", "100M"], [] if mapped else ["--shape", "auto"]])
+    _, records = converted(folder, options, [*way, "--compress"], name)
     for threads in "1", "2", "5":
-        plan, rows = converted(folder, options, ["--threads", threads], name)
-        assert plan.startswith(b"plan: counted in parts on " + threads.encode()), plan
-        assert rows == records, "\n".join(["", folder, threads, str(options), str(records)[:3000], str(rows)[:3000]])
+        plan, rows = converted(folder, options, [*way, "--threads", threads], name)
+        as_one = how == 3 or recoded or way
+        assert plan.startswith(plan_of(as_one, threads)) or "auto" in way, (plan, how, recoded, way, threads)
+        assert rows == records, "\n".join(["", folder, threads, str(options), str(way), str(records)[:3000], str(rows)[:3000]])
     seen["parts", records[0]] = seen.get(("parts", records[0]), 0) + 1
 
 
@@ -214,9 +222,22 @@ def check_rejects_around_parts(folder):
     assert records[2]["rejects"].count(b",not a number") == 4, records
     for threads in "1", "2", "5", "8":
         plan, rows = converted(folder, options, ["--threads", threads], "d.json")
-        assert plan.startswith(b"plan: counted in parts on " + threads.encode()), plan
+        assert plan.startswith(plan_of(False, threads)), plan
         assert rows[0] == records[0] and rows[1] == records[1], (threads, rows[:2], records[:2])
         assert rows[2] == records[2], threads
+
+
+def check_verbs(folder):
+    """What tells of a large document says the same whether there are records or not."""
+    for how in range(4):
+        text, name = large_document(how)
+        with open(os.path.join(folder, name), "w", encoding="utf-8") as file:
+            file.write(text)
+        for verb in (["map"], ["tables"], ["tables", "--format", "json"], ["check", "--account"], ["diagram", "--format", "dot"],
+                     ["report", "-o", "-"], ["map", "--exact"], ["map", "--shape", "auto"]):
+            said = [run(folder, verb[0], name, *verb[1:], *way) for way in ([], ["--compress"])]
+            said = [(done.returncode, done.stdout, done.stderr) for done in said]
+            assert said[0] == said[1], "\n".join(["", folder, str(verb), str(said[0])[:3000], str(said[1])[:3000]])
 
 
 # ---- Pipes that stay open --------------------------------------------------------------------------
@@ -309,6 +330,7 @@ def main():
         check_lines(folder)
         check_full(folder)
         check_rejects_around_parts(folder)
+        check_verbs(folder)
         seen = {}
         for i in range(COUNT):
             check_equal(folder, seen)

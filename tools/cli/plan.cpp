@@ -41,11 +41,10 @@ std::string whyNotStreamed(const Options& options) {
                                          : "";
 }
 
-std::string whyRecords(const ReadingOptions& options, const Shape& shape) {
+std::string whyRecords(const ReadingOptions& options) {
     return !options.debug.empty()   ? "--debug needs them"
            : !options.cache.empty() ? "--cache needs them"
            : options.compress       ? "--compress needs them"
-           : !shape.empty()         ? "the shape needs them"
            : options.skipBadLines   ? "--skip-bad-lines needs them"
                                     : "";
 }

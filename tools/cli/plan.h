@@ -14,8 +14,7 @@ namespace qvej::cli {
 [[nodiscard]] std::string whyNotStreamed(const Options& options);
 
 // Which of the reading options only records can serve; empty: none.
-//   shape  of the document
-[[nodiscard]] std::string whyRecords(const ReadingOptions& options, const Shape& shape);
+[[nodiscard]] std::string whyRecords(const ReadingOptions& options);
 
 // What the tables of a user's map need to know of the whole document; empty: nothing.
 //   document  has that map, and is uncounted

@@ -15,7 +15,6 @@
 #include "tools/cli/reports/shape_report.h"
 #include "tools/cli/reports/tell.h"
 
-#include <atomic>
 #include <memory>
 #include <sys/stat.h>
 #include <utility>
@@ -249,7 +248,7 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
 
 // Whether the document's rows are to be made while it is read; if so, all is ready for that.
 bool Session::stream(const ReadingWishes& wishes) {
-    if (stop_ == nullptr || !whyRecords(options_, shape_).empty()) {
+    if (stop_ == nullptr || !shape_.empty() || !whyRecords(options_).empty()) {
         return false;
     }
     DocumentOptions options = documentOptions(options_, engine_);
@@ -292,41 +291,51 @@ void Session::readStream(Document& walk, const std::function<void()>& fed) {
     }
 }
 
-// What keeps the inputs from being read in parts; empty: nothing does.
-std::string Session::whyNotDivided(const ReadingWishes& wishes) const {
-    constexpr uint64_t kWorthIt = uint64_t{4} << 20;        // bytes
-    constexpr uint64_t kLeastMemory = uint64_t{256} << 20;  // for parts on their way
-    if (const std::string why = whyRecords(options_, shape_); !why.empty()) {
+// Why the inputs are not read again for the rows; empty: they are.
+std::string Session::whyNotAgain(const ReadingWishes& wishes) const {
+    constexpr uint64_t kWorthIt = uint64_t{4} << 20;  // bytes
+    if (const std::string why = whyRecords(options_); !why.empty()) {
         return why;
-    }
-    if (!wishes.watches.empty()) {
-        return "places of values are asked for";
     }
     if (const std::string why = whyOnce(inputs_); !why.empty()) {
         return why;
     }
     if (wishes.partThreads == 0) {
-        return wishes.notStreamed.empty() ? whyCounted_ : wishes.notStreamed;
+        return !wishes.notStreamed.empty() ? wishes.notStreamed
+               : !shape_.empty()           ? "the shape needs them"
+                                           : whyCounted_;
     }
-    return options_.memory.value_or(kLeastMemory) < kLeastMemory ? "--memory is below 256M"
-           : rereadableBytes(inputs_).value_or(0) < kWorthIt     ? "the input is small"
-                                                                 : "";
+    return rereadableBytes(inputs_).value_or(0) < kWorthIt ? "the input is small" : "";
 }
 
-bool Session::readParts(const DocumentOptions& options, const ReadingWishes& wishes) {
+// What keeps inputs that are read again from being read in parts; empty: nothing does.
+std::string Session::whyNotDivided(const ReadingWishes& wishes) const {
+    constexpr uint64_t kLeastMemory = uint64_t{256} << 20;  // for parts on their way
+    return wishes.partThreads == 1   ? "--threads is 1"
+           : !shape_.empty()         ? "a shape needs the whole text"
+           : !wishes.watches.empty() ? "places of values are asked for"
+           : options_.memory.value_or(kLeastMemory) < kLeastMemory ? "--memory is below 256M"
+                                                                   : "";
+}
+
+std::shared_ptr<PartsOfDocument> Session::partsToRead(const DocumentOptions& options,
+                                                      const ReadingWishes& wishes) {
     auto parts = std::make_shared<PartsOfDocument>();
     parts->engine = &engine_;
     parts->options = options;
     parts->options.several = inputs_.several;
     parts->threads = wishes.partThreads;
-    const auto scanned = std::make_shared<std::atomic<bool>>(false);
-    parts->read = partsOf(
-        inputs_, options_.text,
-        [this, scanned](const std::string& file) {
-            // Once the paths are counted, the rows show how far it is.
-            return *scanned ? ByteSource::file(file) : counted(ByteSource::file(file), *progress_);
-        },
-        wishes.observer);
+    const auto open = [this](const std::string& file) {
+        // Once the paths are counted, the rows show how far it is.
+        return document_->parts() != nullptr ? ByteSource::file(file)
+                                             : counted(ByteSource::file(file), *progress_);
+    };
+    parts->read = partsOf(inputs_, options_.text, open, wishes.observer);
+    return parts;
+}
+
+bool Session::readParts(const DocumentOptions& options, const ReadingWishes& wishes) {
+    const auto parts = partsToRead(options, wishes);
     DocumentOptions whole = parts->options;
     whole.ofParts = true;
     document_.emplace(engine_, whole);
@@ -334,8 +343,7 @@ bool Session::readParts(const DocumentOptions& options, const ReadingWishes& wis
         document_.reset();
         return false;
     }
-    *scanned = true;
-    document_->setParts(std::move(parts));
+    document_->setParts(parts);
     return true;
 }
 
@@ -344,16 +352,29 @@ void Session::read(const ReadingWishes& wishes) {
     document.watches = wishes.watches;
     document.shape = shape_;
     document.sourceColumn = wishes.sourceColumn;
-    std::string why = whyNotDivided(wishes);
-    if (why.empty() && readParts(document, wishes)) {
-        tellPlan(options_, "counted in parts on " + std::to_string(wishes.partThreads) +
-                               (wishes.partThreads == 1 ? " thread" : " threads") +
-                               ", then read again for the rows");
+    const std::string whyRecords = whyNotAgain(wishes);
+    if (!whyRecords.empty()) {
+        tellPlan(options_, "records, since " + whyRecords);
+        readWhole(document, wishes);
         return;
     }
-    why = why.empty() ? "the text cannot be divided" : why;
-    tellPlan(options_, "records, since " + why);
-    document_.emplace(engine_, reader_.documentOptions(document));
+    std::string whyOne = whyNotDivided(wishes);
+    if (whyOne.empty() && readParts(document, wishes)) {
+        tellPlan(options_, "counted in parts on " + std::to_string(wishes.partThreads) +
+                               " threads, then read again for the rows");
+        return;
+    }
+    whyOne = whyOne.empty() ? "the text cannot be divided" : whyOne;
+    tellPlan(options_, "counted as one, since " + whyOne + ", then read again for the rows");
+    const auto parts = partsToRead(document, wishes);
+    parts->asOne = true;
+    document.counted = true;
+    readWhole(document, wishes);
+    document_->setParts(parts);
+}
+
+void Session::readWhole(const DocumentOptions& options, const ReadingWishes& wishes) {
+    document_.emplace(engine_, reader_.documentOptions(options));
     if (wishes.keepBadLines) {
         skipped_.keepLines();
     }

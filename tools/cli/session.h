@@ -32,7 +32,7 @@ struct ReadingWishes {
     bool keepBadLines = false;                            // that are skipped: see Skipped
     bool again = false;                                   // what is skipped has been told
     // Rows are wanted of tables alone, without what only records have (ALLDATA, retained or carried
-    // values): the document may then be read in parts on so many threads, and again for its rows.
+    // values): the document may then be read on so many threads, and again for its rows.
     unsigned partThreads = 0;
     // Rows are wanted once: they may be made while the text is read, unless this says why not.
     std::string notStreamed = "more than rows is wanted";
@@ -96,9 +96,13 @@ class Session {
     InputList goodOf(InputList inputs, bool tells);
     bool stream(const ReadingWishes& wishes);
     void readStream(Document& walk, const std::function<void()>& fed);
+    [[nodiscard]] std::string whyNotAgain(const ReadingWishes& wishes) const;
     [[nodiscard]] std::string whyNotDivided(const ReadingWishes& wishes) const;
+    [[nodiscard]] std::shared_ptr<PartsOfDocument> partsToRead(const DocumentOptions& options,
+                                                               const ReadingWishes& wishes);
     bool readParts(const DocumentOptions& options, const ReadingWishes& wishes);
     void read(const ReadingWishes& wishes);
+    void readWhole(const DocumentOptions& options, const ReadingWishes& wishes);
     void useMap();
 
     ReadingOptions options_;

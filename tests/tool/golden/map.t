@@ -132,7 +132,7 @@ $ printf '{"a/b":{"c":1},"x":{"y\\u0002z":2},"\\\\u0002":3}' | qvejmap map - > /
 ! qvejmap: <stdin>: 2 paths that no map can name, the first: /root/a/b/c, a name holds "/"
 $ printf '{"x":[{"y\\u0002z":{"n":2}}]}' | qvejmap map - --ordinals 0 --compact
   {"DATASETS":[{"DSNAME":"y_z","TABLEPATH":"/root/x/y/z","VARIABLES":[{"NAME":"n","TYPE":"NUMERIC","PATH":"/root/x/y/z/n"}]}]}
-! qvejmap: <stdin>: 2 paths that no map can name, the first: /root/x/y/z, a name holds the byte 0x02
+! qvejmap: <stdin>: 1 path that no map can name: /root/x/y/z/n, a name holds the byte 0x02
 $ printf '{"":{"n":1,"":{"m":1}}}' | qvejmap map - > /dev/null
 ! qvejmap: <stdin>: 1 table without a name, which --map refuses: /root/
 $ n=$(head -c 40000 /dev/zero | tr '\0' 7); m=$(head -c 32767 /dev/zero | tr '\0' 7); printf '{"a":%s,"b":%s,"c":%s}' $n $m $n | qvejmap map - --exact > /dev/null

@@ -42,7 +42,7 @@ $ for option in --account --alldata '--drop /root/orders/tags' '--format ndjson 
 > done
   plan: records, since the input is small
   plan: records, since ALLDATA needs them
-  plan: records, since the shape needs them
+  plan: records, since the input is small
   plan: one walk, rows as they come
 $ cat orders.json | qvejmap convert - -o out --force --plan -q
 ! plan: records, since standard input cannot be read again
@@ -65,8 +65,16 @@ $ qvejmap convert large.json -o large --threads 2 --plan
 ! plan: counted in parts on 2 threads, then read again for the rows
 ! qvejmap: 1 table, 200000 rows in large
 $ qvejmap convert large.json -o large --threads 1 --plan --force
-! plan: counted in parts on 1 thread, then read again for the rows
+! plan: counted as one, since --threads is 1, then read again for the rows
 ! qvejmap: 1 table, 200000 rows in large
+$ for option in '--memory 100M' '--rows /root/orders/*' '--encoding latin1'; do
+>     qvejmap convert large.json -o large --threads 2 --plan --force -q $option 2>&1 | grep plan:
+> done
+  plan: counted as one, since --memory is below 256M, then read again for the rows
+  plan: counted as one, since a shape is of the whole text, then read again for the rows
+  plan: counted as one, since the text cannot be divided, then read again for the rows
+$ sed 's/]}$/,1]}/' large.json > other.json; qvejmap convert other.json -o large --threads 2 --plan --force -q
+! plan: counted as one, since the text cannot be divided, then read again for the rows
 $ echo '{"a":1}' > small.json; qvejmap convert small.json -o small --threads 2 --plan
 ! plan: records, since the input is small
 ! qvejmap: 1 table, 1 row in small

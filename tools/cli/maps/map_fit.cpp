@@ -157,14 +157,11 @@ Findings namesWithSlash(const Document& document, const PathFilter& wanted) {
 
 Findings namesWithSeparator(const Document& document, const PathFilter& wanted) {
     Findings findings;
-    std::unordered_set<std::string> found;
-    RecordCursor records(document);
-    Record record = {};
-    while (records.next(record)) {
-        const auto separators = std::count(record.path.begin(), record.path.end(), kSeparator);
-        if (separators > record.labels + 1 && found.emplace(record.path).second &&
-            (!wanted || wanted(std::string(record.path)))) {
-            findings.push_back(withSlashes(record.path) + ", a name holds the byte 0x02");
+    for (const PathStatistics& statistics : document.pathStatistics()) {
+        const std::string& path = statistics.path;
+        if (std::count(path.begin(), path.end(), kSeparator) > statistics.labels + 1 &&
+            (!wanted || wanted(path))) {
+            findings.push_back(withSlashes(path) + ", a name holds the byte 0x02");
         }
     }
     return findings;

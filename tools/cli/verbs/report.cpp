@@ -119,8 +119,8 @@ ExitCode runReport(const Options& options) {
     std::optional<ReportPage> page;
     ExitCode code = DONE;
     {
-        const Session session(options.reading, options.inputs, options.map,
-                              {.partThreads = partThreads(options)});
+        // With records: the examples of a column are values of the document at their places.
+        const Session session(options.reading, options.inputs, options.map);
         page.emplace(pageOf(options, session, survey, account));
         code = session.skipped().exitCode();
     }
