@@ -46,7 +46,8 @@ class PartWalk::Walk final : public Line::Worker {
     void finish() override {
         guarded([&] { part_.finish(); });
         Result last = takeResult();
-        PartEnd& end = last.end.emplace();
+        // Given, not made in its place: for clang it cannot be constructed where the class is open.
+        PartEnd& end = last.end.emplace(PartEnd());
         end.last = piece_ != nullptr && piece_->last;
         end.valuesLeft = jmapWalkLeft(handle_) != 0;
         for (QVStrSize t = 0; t < static_cast<QVStrSize>(rows_.tables_.size()); ++t) {

@@ -3,7 +3,8 @@
 //   small   up to 64 KiB: slots of 88 lengths, each with a list of free slots.
 //   large   up to 4 MiB: cut to size.  Free ones are kept by their magnitude and reused for
 //           requests that leave at most an eighth of them idle.
-//   huge    mappings of their own, given back to the system when they are released.
+//   huge    mappings of their own, given back to the system when they are released.  The system
+//           moves their pages when they grow or shrink.
 //
 // Small and large pieces are cut one after the other from regions of 4 to 256 MiB; free ones are
 // never joined.  A region is only address space at first: what counts as held is what has been cut
@@ -83,6 +84,8 @@ class Pool : public QVPool {
     std::byte* obtain(std::size_t size, bool zero);
     std::byte* obtainLarge(std::size_t size, bool zero);
     std::byte* obtainHuge(std::size_t size);
+    std::byte* resizeHuge(std::byte* piece, std::size_t size);
+    std::byte* moved(std::byte* piece, Head head, std::size_t size, bool grows);
     void release(std::byte* piece);
     void releaseHuge(std::byte* piece);
     static std::size_t usableOf(const std::byte* piece, Head head);
@@ -271,6 +274,33 @@ std::byte* Pool::obtainHuge(std::size_t size) {
     return piece;
 }
 
+// The piece with another size that is huge too, or null.
+std::byte* Pool::resizeHuge(std::byte* piece, std::size_t size) {
+    Huge* huge = reinterpret_cast<Huge*>(piece - kMapHead);
+    const std::size_t before = huge->size;
+    const std::size_t mapped = roundUp(size + kMapHead + kRedZone, kPage);
+    std::byte* const begin = remapMemory(huge, before, mapped);
+    if (begin == nullptr) {
+        return nullptr;
+    }
+    huge = reinterpret_cast<Huge*>(begin);
+    huge->size = mapped;
+    (huge->newer == nullptr ? huge_ : huge->newer->older) = huge;
+    if (huge->older != nullptr) {
+        huge->older->newer = huge;
+    }
+    held_ = held_ - before + mapped;
+    if (mapped > before) {
+        account_.take(mapped - before);
+    } else {
+        account_.giveBack(before - mapped);
+    }
+    piece = begin + kMapHead;
+    hide(piece, mapped - kMapHead);
+    setHead(piece, size, kHugeClass);
+    return piece;
+}
+
 // Bytes that a piece could hold where it is.
 std::size_t Pool::usableOf(const std::byte* piece, Head head) {
     switch (head.pieceClass) {
@@ -306,6 +336,21 @@ void Pool::releaseHuge(std::byte* piece) {
     unmapMemory(huge, huge->size);
 }
 
+// A piece of another size with the contents of `piece`, which is then released; or null.
+std::byte* Pool::moved(std::byte* piece, Head head, std::size_t size, bool grows) {
+    if (head.pieceClass == kHugeClass && size > kLargeLimit && size <= kAbsurd) {
+        return resizeHuge(piece, size);
+    }
+    // What grows will grow again, and each large piece that it leaves serves few others.
+    const bool growsLarge = grows && size > kSmallLimit && size <= kLargeLimit;
+    std::byte* const other = obtain(growsLarge ? size + size / 4 : size, false);
+    if (other != nullptr) {
+        std::memcpy(other, piece, std::min<std::size_t>(head.size, size));
+        release(piece);
+    }
+    return other;
+}
+
 QVMemPtr Pool::allocateSlot(QVPoolh handle, QVStrSize size, uint32_t flags) noexcept {
     Pool* const pool = static_cast<Pool*>(handle);
     if (size < 0 || pool->account_.fails()) {
@@ -334,14 +379,10 @@ QVMemPtr Pool::reallocateSlot(QVPoolh handle, QVMemPtr mem, QVStrSize size,
     const std::size_t kept = std::min<std::size_t>(head.size, newSize);
     std::byte* piece = old;
     if (newSize > usable || (head.pieceClass >= kClasses && newSize < usable / 2)) {
-        // What grows will grow again, and each large piece that it leaves serves few others.
-        const bool growsLarge = newSize > usable && newSize > kSmallLimit && newSize <= kLargeLimit;
-        piece = pool->obtain(growsLarge ? newSize + newSize / 4 : newSize, false);
+        piece = pool->moved(old, head, newSize, newSize > usable);
         if (piece == nullptr) {
             return nullptr;
         }
-        std::memcpy(piece, old, kept);
-        pool->release(old);
     }
     const Head has = headOf(piece);
     hide(piece, has.size);

@@ -31,6 +31,12 @@ void unmapMemory(void* mem, std::size_t size) {
     munmap(mem, size);
 }
 
+std::byte* remapMemory(void* mem, std::size_t size, std::size_t newSize) {
+    piece::reveal(mem, size);  // it may be another's when the call returns
+    void* const got = mremap(mem, size, newSize, MREMAP_MAYMOVE);
+    return got == MAP_FAILED ? nullptr : static_cast<std::byte*>(got);
+}
+
 RegionCache::~RegionCache() {
     while (first_ != nullptr) {
         Kept* const kept = first_;

@@ -47,5 +47,8 @@ class RegionCache {
 // Zero-filled address space of its own, or null.
 std::byte* mapMemory(std::size_t size);
 void unmapMemory(void* mem, std::size_t size);
+// The mapping with another size, perhaps elsewhere; its pages are moved, not copied.  Null: nothing
+// has changed.
+std::byte* remapMemory(void* mem, std::size_t size, std::size_t newSize);
 
 }  // namespace qvhost

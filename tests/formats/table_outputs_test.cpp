@@ -14,6 +14,8 @@
 
 namespace {
 
+using namespace std::string_literals;
+
 constexpr std::size_t kMiB = std::size_t{1} << 20;
 
 // What happened to the sinks of all tables.
@@ -153,9 +155,16 @@ class Kept final : public qvej::Destination {
     [[nodiscard]] bool shares(const qvej::OutputFiles& /*files*/) const override { return false; }
     [[nodiscard]] std::unique_ptr<qvej::Sink> sink(std::size_t table) override {
         return std::make_unique<Counted>(
-            *this,
-            qvej::makeCsvSink(qvej::Writer(std::make_unique<Appending>(texts[table])),
-                              {*tables_[table], options_, nullptr, table, made[table]++ != 0}));
+            *this, qvej::makeCsvSink(qvej::Writer(std::make_unique<Appending>(texts[table])),
+                                     {.table = *tables_[table],
+                                      .options = options_,
+                                      .position = table,
+                                      .resumed = made[table]++ != 0}));
+    }
+    [[nodiscard]] std::unique_ptr<qvej::Sink> pieceSink(std::size_t table) const override {
+        ++madeForPieces;
+        return qvej::makePieceSink(*qvej::findFormat("csv"),
+                                   {.table = *tables_[table], .options = options_});
     }
     void end(const qvej::Schema& /*schema*/) override {}
     [[nodiscard]] std::vector<std::string> commit(qvej::OutputFiles* /*with*/) override {
@@ -164,6 +173,7 @@ class Kept final : public qvej::Destination {
 
     std::vector<std::string> texts;  // of each table
     std::vector<int> made;           // sinks of each
+    mutable int madeForPieces = 0;   // sinks, of all
     std::size_t alive = 0;           // sinks
     std::size_t mostAlive = 0;
 
@@ -187,6 +197,9 @@ class Kept final : public qvej::Destination {
         void end() override { sink_->end(); }
         [[nodiscard]] std::size_t held() const override { return sink_->held(); }
         void flush() override { sink_->flush(); }
+        void append(std::unique_ptr<qvej::Piece> piece) override {
+            sink_->append(std::move(piece));
+        }
         bool rest() override { return sink_->rest(); }
 
        private:
@@ -235,6 +248,77 @@ TEST(TableOutputs, SinksOfTablesThatAreDoneRest) {
         first += std::to_string(c.turns * kTables + 1) + "," + std::to_string(c.turns + 1);
         EXPECT_EQ(destination.texts[0], first + ",no\r\n");
         EXPECT_EQ(destination.alive, 0U);
+    }
+}
+
+// A map with a table for each of the members t0, t1, ..., whose value v is a number.
+std::string mapOfMembers(int tables) {
+    std::string map = R"({"DATASETS":[)";
+    for (int t = 0; t < tables; ++t) {
+        const std::string name = "t" + std::to_string(t), path = "/root/" + name;
+        map += (t == 0 ? "" : ",") + R"({"DSNAME":")"s + name + R"(","TABLEPATH":")" + path +
+               R"(","VARIABLES":[{"NAME":"n","TYPE":"ORDINAL","PATH":"/root"},)"
+               R"({"NAME":"v","TYPE":"NUMERIC","PATH":")" +
+               path + "/v\"}]}";
+    }
+    return map + "]}";
+}
+
+// What a worker has of more tables than it keeps outputs of is given up between results, and their
+// rows are those without a worker.  A result ends anywhere, also where a value has come for a row
+// that is not complete.
+TEST(OutputWork, OutputsOfManyTablesAreGivenUpBetweenResults) {
+    constexpr int kTables = 4500;
+    constexpr int kRows = 6 * kTables;
+    std::string text = "[";
+    for (int i = 0; i < kRows; ++i) {
+        const int table = i % 8 == 0 ? i % 10 : i * 7 % kTables;  // a few come often
+        text += (i == 0 ? "{\"t" : ",{\"t") + std::to_string(table) +
+                "\":{\"v\":" + (i % 2 == 0 ? "\"no\"" : std::to_string(i)) + "}}";
+    }
+    jmap::test::ReadDocument read(text + "]");
+    read.document.useMap(mapOfMembers(kTables));
+    const std::vector<const qvej::Table*> tables = read.tables();
+    // Rows and rejects, with a worker between where a result ends after so many items, or without.
+    const auto written = [&](std::size_t items) {
+        Kept destination;
+        destination.open(tables, nullptr);
+        std::string rejects;
+        qvej::TableOutputs outputs(
+            read.document, tables, destination, 32 * kMiB,
+            [&](const qvej::Table& table) {
+                return [&](const qvej::Row& row, const qvej::Rejected& rejected) {
+                    rejects += table.name + " " + std::to_string(rejected.row) + " " +
+                               std::to_string(row.cell(0).count) + " " +
+                               std::string(rejected.text) + "\n";
+                };
+            },
+            nullptr);
+        qvej::OutputWork work(read.document, tables, destination, nullptr);
+        qvej::TablePass pass(read.document, tables);
+        std::size_t taken = 0;
+        for (qvej::PassItem item; pass.next(item);) {
+            if (items == 0) {
+                outputs.take({&item, 1});
+                continue;
+            }
+            work.take(item);
+            if (++taken % items == 0) {
+                outputs.take(static_cast<qvej::OutputPieces&>(*work.result()));
+            }
+        }
+        outputs.take(static_cast<qvej::OutputPieces&>(*work.result()));
+        outputs.end();
+        EXPECT_EQ(destination.texts.size(), kTables);
+        EXPECT_EQ(destination.madeForPieces > kTables, items != 0) << "given up and made again";
+        destination.texts.push_back(rejects);
+        return std::move(destination.texts);
+    };
+    const std::vector<std::string> expected = written(0);
+    EXPECT_TRUE(expected[7].starts_with("n,v\r\n2,1\r\n4502,4501\r\n9002,9001\r\n"));
+    EXPECT_TRUE(expected.back().starts_with("t0 1 1 no\n"));
+    for (const std::size_t items : {1, 100, 6000}) {
+        EXPECT_TRUE(written(items) == expected) << "results of " << items << " items";
     }
 }
 

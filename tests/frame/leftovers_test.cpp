@@ -50,7 +50,9 @@ TEST(Leftovers, OfADocumentAfterTerm) {
         QVEJMAPMapContexth ctx = nullptr;
         EXPECT_QV_OK(engine->MapInit(scan.doc(), nullptr, &ctx, nullptr));
     }
-    EXPECT_EQ(host.left(), "pool qvejmap read pool, pool qvejmap read pool, writer, parser");
+    EXPECT_EQ(host.left(),
+              "pool qvejmap read pool, pool qvejmap read pool, pool qvejson writer, "
+              "writer, parser");
 }
 
 }  // namespace

@@ -83,6 +83,36 @@ TEST_F(PoolTest, LeavesLittleRoomAfterWhatGrowsByLittle) {
     release(mem);
 }
 
+// The system moves them, and each has neighbours.
+TEST_F(PoolTest, ResizesHugePiecesInAnyOrder) {
+    std::mt19937 random(3);
+    std::vector<std::pair<void*, QVStrSize>> pieces(5);
+    for (int step = 0; step < 100; ++step) {
+        const std::size_t i = random() % pieces.size();
+        auto& [mem, size] = pieces[i];
+        const auto with = static_cast<unsigned char>(i + 1);
+        const QVStrSize old = size;
+        size = step % 10 == 9 ? 0 : 5 * kMiB + random() % (12 * kMiB);
+        if (size == 0 && mem != nullptr) {
+            release(std::exchange(mem, nullptr));
+        } else {
+            mem = resize(mem, size, QV_ZERO);
+            ASSERT_TRUE(isFilled(mem, 0, std::min(size, old), with) && isFilled(mem, old, size, 0))
+                << old << " to " << size;
+            fill(mem, size, with);
+        }
+        QVStrSize sum = 0;
+        for (const auto& piece : pieces) {
+            sum += piece.second;
+        }
+        // A piece may stand in one of up to twice its length.
+        EXPECT_GE(host.counts().bytesInUse, static_cast<uint64_t>(sum)) << step;
+        EXPECT_LE(host.counts().bytesInUse, static_cast<uint64_t>(2 * sum + kMiB)) << step;
+    }
+    EXPECT_QV_OK(destroy(pool));
+    EXPECT_EQ(host.counts().bytesInUse, 0U);
+}
+
 TEST_F(PoolTest, RefusesAbsurdRequestsAndStaysUsable) {
     void* const mem = get(100);
     for (const QVStrSize size : {-1L, INT64_MIN, INT64_MAX, 1L << 47}) {

@@ -81,5 +81,38 @@ TEST_F(WriterTest, WritesWholeNumbersPlainlyAndServesTheseEncodingsOnly) {
     EXPECT_TRUE(!make(999, 999) && !make(U_L_UCS4_CE, U_L_UCS4_CE) && !make(999, U_UTF8_CE));
 }
 
+// A text of some 70 MB, with each request for its memory failing, and then none.
+TEST_F(WriterTest, AsksAPoolForItsTextOnceAndTellsWhereThatEnds) {
+    const std::string item(1000000, 'x');
+    const auto write = [&](JSNWriterh w) {
+        QVStatus status = w->open(w, JSN_OPEN_ARRAY);
+        for (int i = 0; i < 70 && status == QV_OK; ++i) {
+            status = w->string(w, item.data(), lengthOf(item));
+        }
+        return status == QV_OK ? w->close(w) : status;
+    };
+    std::string whole = "[";
+    for (int i = 0; i < 70; ++i) {
+        whole.append(i == 0 ? "\"" : ",\"").append(item).push_back('"');
+    }
+    whole.push_back(']');
+    uint64_t failing = 0;
+    for (QVStatus status = QV_NOMEM; status == QV_NOMEM;) {
+        qvPortableFailAllocation(host.handle, ++failing, false);
+        JSNWriterh w = make();
+        status = w == nullptr ? QV_NOMEM : write(w);
+        qvPortableFailAllocation(host.handle, 0, false);
+        if (status == QV_OK) {
+            EXPECT_EQ(document(w), whole);
+            EXPECT_LE(host.counts().bytesPeak, whole.size() + whole.size() / 3) << "held once";
+        } else if (w != nullptr) {
+            EXPECT_TRUE(document(w) == "QV_UNSUPPORTED" && w->close(w) == QV_OK) << failing;
+        }
+        EXPECT_TRUE(w == nullptr || destroy(w) == QV_OK);
+        EXPECT_EQ(host.counts().bytesInUse, 0U) << failing;
+    }
+    EXPECT_GE(failing, 10U) << "requests were made to fail";
+}
+
 }  // namespace
 }  // namespace qvhost::test

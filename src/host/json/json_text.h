@@ -3,15 +3,15 @@
 // Tested by tests/host/writer_test.cpp
 #pragma once
 
-#include <string>
 #include <string_view>
 
 namespace qvhost {
 
 class CodePage;
+class GrowingBytes;
 
 // Appends `text` in double quotes, escaped as writer.h says.
 //   page  code page of the text, null for UTF-8
-void appendJsonString(std::string& out, std::string_view text, const CodePage* page);
+void appendJsonString(GrowingBytes& out, std::string_view text, const CodePage* page);
 
 }  // namespace qvhost

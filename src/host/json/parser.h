@@ -22,7 +22,8 @@
 #include "qvehost.h"
 
 #include "host/host_object.h"
-#include "host/json/parser_memory.h"
+#include "host/json/container_stack.h"
+#include "host/json/growing_bytes.h"
 #include "host/json/parser_number.h"
 #include "host/json/parser_string.h"
 #include "host/json/scan_routines.h"

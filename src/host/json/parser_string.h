@@ -6,7 +6,7 @@
 
 #include "qvehost.h"
 
-#include "host/json/parser_memory.h"
+#include "host/json/growing_bytes.h"
 #include "host/json/parser_utf8.h"
 
 #include <cstdint>

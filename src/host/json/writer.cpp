@@ -4,6 +4,7 @@
 #include "host/json/writer.h"
 
 #include "host/host_object.h"
+#include "host/json/growing_bytes.h"
 #include "host/json/json_text.h"
 #include "host/nls/code_page.h"
 #include "host/rim.h"
@@ -12,6 +13,8 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <memory>
+#include <new>
 #include <vector>
 
 namespace qvhost {
@@ -23,6 +26,22 @@ struct Frame {
     bool filled = false;   // it has a value
     bool pending = false;  // of an object: its last name has no value yet
 };
+
+struct PoolEnd {
+    void operator()(QVPoolh pool) const { (void)pool->generic.destroy(&pool->generic); }
+};
+using OwnPool = std::unique_ptr<QVPool, PoolEnd>;
+
+OwnPool newPool(QVHndlp host) {
+    constexpr std::u32string_view kName = U"qvejson writer";
+    const QVPoolParms parms = {1, 0, QV_NO_NUMA};
+    OwnPool pool(
+        host->createPool(host, &parms, kName.data(), static_cast<QVStrSize>(kName.size())));
+    if (pool == nullptr) {
+        throw std::bad_alloc();
+    }
+    return pool;
+}
 
 class Writer : public JSNWriter {
    public:
@@ -40,7 +59,8 @@ class Writer : public JSNWriter {
     // Writes the separator before the next value.
     void beginValue();
 
-    std::string text_;
+    OwnPool pool_;  // of the text: it can be as long as a document, so the host counts it
+    GrowingBytes text_;
     std::vector<Frame> frames_{Frame{0}};
     const CodePage* page_;  // null: UTF-8
     HostObject entry_;
@@ -61,9 +81,9 @@ bool Writer::takesValue() const noexcept {
 void Writer::beginValue() {
     Frame& frame = frames_.back();
     if (frame.pending) {
-        text_.push_back(':');
+        text_.append(':');
     } else if (frame.filled) {
-        text_.push_back(',');
+        text_.append(',');
     }
     frame.pending = false;
     frame.filled = true;
@@ -77,7 +97,7 @@ QVStatus Writer::openFrame(int32_t kind) {
         return QV_UNSUPPORTED;
     }
     beginValue();
-    text_.push_back(kind == JSN_OPEN_OBJECT ? '{' : '[');
+    text_.append(kind == JSN_OPEN_OBJECT ? "{" : "[");
     frames_.push_back({kind == JSN_OPEN_OBJECT ? '}' : ']'});
     return QV_OK;
 }
@@ -90,7 +110,7 @@ QVStatus Writer::closeFrame() {
     if (frames_.size() == 1) {
         return QV_UNSUPPORTED;
     }
-    text_.push_back(frames_.back().closer);
+    text_.append({&frames_.back().closer, 1});
     frames_.pop_back();
     return QV_OK;
 }
@@ -125,7 +145,7 @@ QVStatus Writer::addNumber(double value, int32_t digits, int32_t decimals) {
         return QV_TRUNCATED;
     }
     beginValue();
-    text_ += number;
+    text_.append(number);
     return QV_OK;
 }
 
@@ -133,7 +153,7 @@ QVStatus Writer::deliver(char** buf, QVStrSize* bufLen) {
     if (frames_.size() != 1 || !frames_.back().filled) {
         return QV_UNSUPPORTED;
     }
-    *buf = text_.data();
+    *buf = reinterpret_cast<char*>(text_.begin());
     *bufLen = static_cast<QVStrSize>(text_.size());
     return QV_OK;
 }
@@ -177,8 +197,12 @@ Writer::Writer(QVHndlp host, const CodePage* page, std::string_view desc)
                 &Rim<&writeString>::call,
                 &Rim<&writeDouble>::call,
                 &Rim<&fetchBuffer>::call},
+      pool_(newPool(host)),
+      text_(pool_.get()),
       page_(page),
-      entry_(host, ObjectKind::WRITER, generic, desc) {}
+      entry_(host, ObjectKind::WRITER, generic, desc) {
+    (void)text_.room(1);  // so that there is a buffer to deliver whatever fails later
+}
 
 }  // namespace
 
