@@ -409,9 +409,9 @@ typedef struct JMAPPathKind {
 
 typedef struct JMAPPathInfo {
     QVStrSize pathLen;     /* see jmapPathText */
-    int32_t labels;        /* names in the path, the root apart; a name may hold separators */
     int64_t count;         /* records with this path */
     int32_t type;          /* JMAP_NUMERIC, JMAP_CHARACTER, or 3 for an empty container */
+    int32_t labels;        /* names in the path, the root apart; a name may hold separators */
     QVStrSize maxValueLen; /* longest value, at least 1 */
     int64_t longestLine;   /* where the first of that length begins */
     int64_t longestColumn;

@@ -12,9 +12,6 @@
 namespace qvej {
 namespace {
 
-// Where names are data, adding up the parts costs more than counting the whole.
-constexpr uint64_t kMostPaths = 30'000;
-
 struct CountedPart {
     std::string bytes;  // see jmapTakePart
     uint32_t flags = 0;
@@ -42,7 +39,7 @@ using Line = PartPipeline<CountedPart>;
 class PartCounter final : public Line::Worker {
    public:
     PartCounter(const PartsOfDocument& of, Line::Put put)
-        : put_(std::move(put)), part_(of, kMostPaths) {
+        : put_(std::move(put)), part_(of, kMostPathsCounted) {
         jmapCountOnly(part_.handle(), 1);
     }
 

@@ -107,8 +107,9 @@ static void checkToolLayouts(void) {
     LAYOUT(JMAPPassColumn, 40, AT(values, 0), AT(overwritten, 8), AT(firstOverwritten, 16),
            AT(strayed, 24), AT(below, 32));
     LAYOUT(JMAPPathKind, 24, AT(count, 0), AT(line, 8), AT(column, 16));
-    LAYOUT(JMAPPathInfo, 240, AT(pathLen, 0), AT(count, 8), AT(type, 16), AT(maxValueLen, 24),
-           AT(longestLine, 32), AT(longestColumn, 40), AT(kinds, 48), AT(inexact, 216));
+    LAYOUT(JMAPPathInfo, 240, AT(pathLen, 0), AT(count, 8), AT(type, 16), AT(labels, 20),
+           AT(maxValueLen, 24), AT(longestLine, 32), AT(longestColumn, 40), AT(kinds, 48),
+           AT(inexact, 216));
     LAYOUT(JMAPGrowth, 32, AT(paths, 0), AT(recordBytes, 8), AT(spilledBytes, 16), AT(tables, 24));
     LAYOUT(JMAPGuard, 24, AT(arg, 0), AT(check, 8), AT(available, 16));
     LAYOUT(JMAPTotals, 88, AT(records, 0), AT(values, 8), AT(recordBytes, 16), AT(storedBytes, 24),

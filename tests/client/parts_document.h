@@ -61,7 +61,7 @@ struct Texts {
 
 // How a document is divided.
 struct Cutting {
-    uint64_t bytes;     // of a part, whatever is asked for
+    uint64_t bytes;     // of a part, whatever is asked for; kUndivided: there are none
     std::size_t piece;  // of the text as it comes
     unsigned threads;
 };
@@ -72,9 +72,23 @@ inline qvej::PartsOfDocument partsOf(qvej::Engine& engine, const Texts& of,
     parts.engine = &engine;
     parts.options = of.options();
     parts.threads = cutting.threads;
-    parts.read = [of, cutting](uint64_t /*bytes*/, const qvej::TakePart& take) {
+    parts.asOne = cutting.bytes == qvej::kUndivided;
+    parts.read = [of, cutting](uint64_t bytes, const qvej::TakePart& take) {
         for (std::size_t i = 0; i < of.texts.size(); ++i) {
             const Text& text = of.texts[i];
+            for (std::size_t at = 0; bytes == qvej::kUndivided; at += cutting.piece) {
+                Partition piece;
+                piece.more = at < text.text.size();
+                piece.text = piece.more ? text.text.substr(at, cutting.piece) : "";
+                const bool more = piece.more;
+                take({i, Texts::nameOf(i), text.form, std::move(piece), {}});
+                if (!more) {
+                    break;
+                }
+            }
+            if (bytes == qvej::kUndivided) {
+                continue;
+            }
             qvej::PartitionFinder finder(text.form, cutting.bytes);
             qvej::PartitionReader reader(finder, [&](Partition partition) {
                 const bool ofMember = finder.ofMember() && partition.kind != Partition::Kind::HEAD;
@@ -90,22 +104,24 @@ inline qvej::PartsOfDocument partsOf(qvej::Engine& engine, const Texts& of,
     return parts;
 }
 
+inline void feedAll(Document& document, const Texts& of) {
+    for (std::size_t i = 0; i < of.texts.size(); ++i) {
+        if (of.several) {
+            qvej::DocumentOptions options;
+            Texts::setForm(options, of.texts[i].form);
+            document.beginText(Texts::nameOf(i), options);
+        }
+        document.feed(of.texts[i].text);
+        if (of.several) {
+            document.endText();
+        }
+    }
+    document.finish();
+}
+
 // A document with records.
 struct Whole {
-    explicit Whole(const Texts& of) : document(engine, of.options()) {
-        for (std::size_t i = 0; i < of.texts.size(); ++i) {
-            if (of.several) {
-                qvej::DocumentOptions options;
-                Texts::setForm(options, of.texts[i].form);
-                document.beginText(Texts::nameOf(i), options);
-            }
-            document.feed(of.texts[i].text);
-            if (of.several) {
-                document.endText();
-            }
-        }
-        document.finish();
-    }
+    explicit Whole(const Texts& of) : document(engine, of.options()) { feedAll(document, of); }
     qvej::Engine engine;
     Document document;
 };
@@ -115,7 +131,7 @@ struct InParts {
     InParts(const Texts& of, const Cutting& cutting)
         : parts(std::make_shared<qvej::PartsOfDocument>(partsOf(engine, of, cutting))),
           document(engine, optionsOf(*parts)),
-          counted(qvej::scanParts(*parts, document)) {
+          counted(count(of)) {
         document.setParts(parts);
         parts->read = [read = parts->read, this](uint64_t bytes, const qvej::TakePart& take) {
             ++readings;
@@ -124,8 +140,16 @@ struct InParts {
     }
     static qvej::DocumentOptions optionsOf(const qvej::PartsOfDocument& parts) {
         qvej::DocumentOptions options = parts.options;
-        options.ofParts = true;
+        options.counted = parts.asOne;
+        options.ofParts = !parts.asOne;
         return options;
+    }
+    bool count(const Texts& of) {
+        if (!parts->asOne) {
+            return qvej::scanParts(*parts, document);
+        }
+        feedAll(document, of);
+        return true;
     }
     qvej::Engine engine;
     std::shared_ptr<qvej::PartsOfDocument> parts;

@@ -45,8 +45,12 @@ struct Count {
     std::size_t items = 0;
 };
 
-constexpr Cutting kCuttings[] = {
-    {1, 64, 2}, {7, 1, 5}, {100, 1000, 2}, {1000, 17, 5}, {1'000'000, 1'000'000, 2}};
+constexpr Cutting kCuttings[] = {{1, 64, 2},
+                                 {7, 1, 5},
+                                 {100, 1000, 2},
+                                 {1000, 17, 5},
+                                 {1'000'000, 1'000'000, 2},
+                                 {qvej::kUndivided, 100, 1}};
 
 // Requires of the document in parts what it gives with records, with the automatic map and the
 // others.

@@ -229,7 +229,7 @@ def check_rejects_around_parts(folder):
 
 def check_verbs(folder):
     """What tells of a large document says the same whether there are records or not."""
-    for how in range(4):
+    for how in 1, 3:
         text, name = large_document(how)
         with open(os.path.join(folder, name), "w", encoding="utf-8") as file:
             file.write(text)
@@ -334,7 +334,7 @@ def main():
         seen = {}
         for i in range(COUNT):
             check_equal(folder, seen)
-        for i in range(COUNT // 10):
+        for i in range(COUNT // 5):
             check_parts(folder, seen)
         # Both plans, and good, lossy and broken documents have come.
         assert {0, 1, 3, "not", ("parts", 0), ("parts", 1)} <= set(seen) or COUNT < 60, seen

@@ -15,6 +15,7 @@
 #include "tools/cli/reports/shape_report.h"
 #include "tools/cli/reports/tell.h"
 
+#include <algorithm>
 #include <memory>
 #include <sys/stat.h>
 #include <utility>
@@ -213,14 +214,9 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
                          return found;
                      })),
       stop_(wishes.notStreamed.empty() && rereadable_.empty() ? std::make_shared<ReadingStop>()
-                                                              : nullptr),
-      reader_(inputs_, options_.text,
-              [this, next = std::size_t{0}](const std::string& file) mutable {
-                  return counted(rereadable_.empty() ? ByteSource::asItComes(file, stop_)
-                                                     : rereadable_[next++].walk(),
-                                 *progress_);
-              }),
-      name_(reader_.name()) {
+                                                              : nullptr) {
+    openInputs();
+    name_ = reader_->name();
     if (!map.empty()) {
         map_.emplace(engine_, map);
     }
@@ -233,7 +229,7 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
             useMap();
         }
     } catch (const Error& error) {
-        cli::failReading(options_, reader_.current(), error, document_ ? &*document_ : nullptr);
+        cli::failReading(options_, reader_->current(), error, document_ ? &*document_ : nullptr);
     }
     progress_->erase();
     tellUnmatched(name(), shape_, *document_);
@@ -244,6 +240,15 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
                   std::to_string(totals.storedBytes) + ", blocks " + std::to_string(totals.blocks) +
                   ", blocks on disk " + std::to_string(totals.blocksOnDisk));
     }
+}
+
+void Session::openInputs() {
+    reader_.emplace(inputs_, options_.text,
+                    [this, next = std::size_t{0}](const std::string& file) mutable {
+                        return counted(rereadable_.empty() ? ByteSource::asItComes(file, stop_)
+                                                           : rereadable_[next++].walk(),
+                                       *progress_);
+                    });
 }
 
 // Whether the document's rows are to be made while it is read; if so, all is ready for that.
@@ -270,7 +275,7 @@ bool Session::stream(const ReadingWishes& wishes) {
     }
     auto stream = std::make_shared<RowStream>();
     stream->engine = &engine_;
-    stream->options = reader_.documentOptions(options);
+    stream->options = reader_->documentOptions(options);
     stream->read = [this](Document& walk, const std::function<void()>& fed) {
         readStream(walk, fed);
     };
@@ -282,12 +287,12 @@ bool Session::stream(const ReadingWishes& wishes) {
 
 void Session::readStream(Document& walk, const std::function<void()>& fed) {
     try {
-        reader_.read(walk, [&](DocumentReader& reader, TextConsumer& text) {
+        reader_->read(walk, [&](DocumentReader& reader, TextConsumer& text) {
             FedText all(text, fed);
             reader.read(all);
         });
     } catch (const Error& error) {
-        cli::failReading(options_, reader_.current(), error);
+        cli::failReading(options_, reader_->current(), error);
     }
 }
 
@@ -364,21 +369,43 @@ void Session::read(const ReadingWishes& wishes) {
                                " threads, then read again for the rows");
         return;
     }
+    if (!readAsOne(document, wishes)) {
+        tellPlan(options_,
+                 "records, since there are more than " + withCommas(kMostPathsCounted) + " paths");
+        readWhole(document, wishes);
+        return;
+    }
     whyOne = whyOne.empty() ? "the text cannot be divided" : whyOne;
     tellPlan(options_, "counted as one, since " + whyOne + ", then read again for the rows");
-    const auto parts = partsToRead(document, wishes);
+}
+
+// False: there are too many paths.
+bool Session::readAsOne(DocumentOptions options, const ReadingWishes& wishes) {
+    const auto parts = partsToRead(options, wishes);
     parts->asOne = true;
-    document.counted = true;
-    readWhole(document, wishes);
+    options.counted = true;
+    options.maxPaths =
+        options.maxPaths == 0 ? kMostPathsCounted : std::min(options.maxPaths, kMostPathsCounted);
+    try {
+        readWhole(options, wishes);
+    } catch (const Error& error) {
+        if (error.status() != QV_LIMIT_PATHS || options.maxPaths < kMostPathsCounted) {
+            throw;
+        }
+        document_.reset();
+        openInputs();
+        return false;
+    }
     document_->setParts(parts);
+    return true;
 }
 
 void Session::readWhole(const DocumentOptions& options, const ReadingWishes& wishes) {
-    document_.emplace(engine_, reader_.documentOptions(options));
+    document_.emplace(engine_, reader_->documentOptions(options));
     if (wishes.keepBadLines) {
         skipped_.keepLines();
     }
-    reader_.read(*document_, [&](DocumentReader& reader, TextConsumer& text) {
+    reader_->read(*document_, [&](DocumentReader& reader, TextConsumer& text) {
         const auto onBad = [&](const BadLine& line) { skipped_.takeLine(reader.name(), line); };
         readText(options_, engine_, reader, text, onBad, wishes.observer);
     });

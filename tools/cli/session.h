@@ -94,6 +94,7 @@ class Session {
 
    private:
     InputList goodOf(InputList inputs, bool tells);
+    void openInputs();
     bool stream(const ReadingWishes& wishes);
     void readStream(Document& walk, const std::function<void()>& fed);
     [[nodiscard]] std::string whyNotAgain(const ReadingWishes& wishes) const;
@@ -102,6 +103,7 @@ class Session {
                                                                const ReadingWishes& wishes);
     bool readParts(const DocumentOptions& options, const ReadingWishes& wishes);
     void read(const ReadingWishes& wishes);
+    bool readAsOne(DocumentOptions options, const ReadingWishes& wishes);
     void readWhole(const DocumentOptions& options, const ReadingWishes& wishes);
     void useMap();
 
@@ -115,7 +117,7 @@ class Session {
     Shape shape_;
     std::shared_ptr<const ReadingStop> stop_;  // of a document whose rows may be made as it is read
     std::string whyCounted_;                   // see plan.h
-    InputsReader reader_;
+    std::optional<InputsReader> reader_;
     std::string name_;
     std::optional<MapFile> map_;
     std::optional<Document> document_;
