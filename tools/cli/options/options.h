@@ -67,7 +67,7 @@ struct Options {
 
 // On how many threads a document may be read in parts, or 0: see ReadingWishes.
 [[nodiscard]] inline unsigned partThreads(const Options& options) {
-    return options.retain || options.carry || options.alldata ? 0 : options.threads;
+    return options.retain || options.alldata ? 0 : options.threads;
 }
 
 // May a shape be proposed?
