@@ -40,6 +40,7 @@ const Layer kLayers[] = {
      R"re(client/(shape/.*|(error|escape|handle|text|text_form|text_relay)\.h)|include/.*|<.*>)re"},
     {"client/partition/", R"re(client/(partition/.*|text_form\.h)|<.*>)re"},
     {"client/parts/", R"re(client/((parts|partition|input)/.*|[^/]*)|include/.*|<.*>)re"},
+    {"client/open/", R"re(client/((open|parts|input|shape)/.*|[^/]*)|include/.*|<.*>)re"},
     {"client/schema/",
      R"re(client/(schema/.*|(columns|document|error|pass_pipe|row|row_work|table_pass)\.h)|include/.*|<.*>)re"},
     {"client/",

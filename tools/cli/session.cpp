@@ -3,6 +3,7 @@
 
 #include "client/error.h"
 #include "client/escape.h"
+#include "client/parts/counting.h"
 #include "client/parts/input_parts.h"
 #include "client/parts/scan_parts.h"
 #include "client/row_stream.h"
@@ -298,7 +299,6 @@ void Session::readStream(Document& walk, const std::function<void()>& fed) {
 
 // Why the inputs are not read again for the rows; empty: they are.
 std::string Session::whyNotAgain(const ReadingWishes& wishes) const {
-    constexpr uint64_t kWorthIt = uint64_t{4} << 20;  // bytes
     if (const std::string why = whyRecords(options_); !why.empty()) {
         return why;
     }
@@ -310,94 +310,42 @@ std::string Session::whyNotAgain(const ReadingWishes& wishes) const {
                : !shape_.empty()           ? "the shape needs them"
                                            : whyCounted_;
     }
-    return rereadableBytes(inputs_).value_or(0) < kWorthIt ? "the input is small" : "";
-}
-
-// What keeps inputs that are read again from being read in parts; empty: nothing does.
-std::string Session::whyNotDivided(const ReadingWishes& wishes) const {
-    constexpr uint64_t kLeastMemory = uint64_t{256} << 20;  // for parts on their way
-    return wishes.partThreads == 1   ? "--threads is 1"
-           : !shape_.empty()         ? "a shape needs the whole text"
-           : !wishes.watches.empty() ? "places of values are asked for"
-           : options_.memory.value_or(kLeastMemory) < kLeastMemory ? "--memory is below 256M"
-                                                                   : "";
-}
-
-std::shared_ptr<PartsOfDocument> Session::partsToRead(const DocumentOptions& options,
-                                                      const ReadingWishes& wishes) {
-    auto parts = std::make_shared<PartsOfDocument>();
-    parts->engine = &engine_;
-    parts->options = options;
-    parts->options.several = inputs_.several;
-    parts->threads = wishes.partThreads;
-    const auto open = [this](const std::string& file) {
-        // Once the paths are counted, the rows show how far it is.
-        return document_->parts() != nullptr ? ByteSource::file(file)
-                                             : counted(ByteSource::file(file), *progress_);
-    };
-    parts->read = partsOf(inputs_, options_.text, open, wishes.observer);
-    return parts;
-}
-
-bool Session::readParts(const DocumentOptions& options, const ReadingWishes& wishes) {
-    const auto parts = partsToRead(options, wishes);
-    DocumentOptions whole = parts->options;
-    whole.ofParts = true;
-    document_.emplace(engine_, whole);
-    if (!scanParts(*parts, *document_)) {
-        document_.reset();
-        return false;
-    }
-    document_->setParts(parts);
-    return true;
+    return rereadableBytes(inputs_).value_or(0) < kWorthCounting ? "the input is small" : "";
 }
 
 void Session::read(const ReadingWishes& wishes) {
-    DocumentOptions document = documentOptions(options_, engine_);
-    document.watches = wishes.watches;
-    document.shape = shape_;
-    document.sourceColumn = wishes.sourceColumn;
-    const std::string whyRecords = whyNotAgain(wishes);
-    if (!whyRecords.empty()) {
-        tellPlan(options_, "records, since " + whyRecords);
-        readWhole(document, wishes);
-        return;
-    }
-    std::string whyOne = whyNotDivided(wishes);
-    if (whyOne.empty() && readParts(document, wishes)) {
-        tellPlan(options_, "counted in parts on " + std::to_string(wishes.partThreads) +
-                               " threads, then read again for the rows");
-        return;
-    }
-    if (!readAsOne(document, wishes)) {
-        tellPlan(options_,
-                 "records, since there are more than " + withCommas(kMostPathsCounted) + " paths");
-        readWhole(document, wishes);
-        return;
-    }
-    whyOne = whyOne.empty() ? "the text cannot be divided" : whyOne;
-    tellPlan(options_, "counted as one, since " + whyOne + ", then read again for the rows");
-}
-
-// False: there are too many paths.
-bool Session::readAsOne(DocumentOptions options, const ReadingWishes& wishes) {
-    const auto parts = partsToRead(options, wishes);
-    parts->asOne = true;
-    options.counted = true;
-    options.maxPaths =
-        options.maxPaths == 0 ? kMostPathsCounted : std::min(options.maxPaths, kMostPathsCounted);
-    try {
-        readWhole(options, wishes);
-    } catch (const Error& error) {
-        if (error.status() != QV_LIMIT_PATHS || options.maxPaths < kMostPathsCounted) {
-            throw;
+    DocumentOptions options = documentOptions(options_, engine_);
+    options.watches = wishes.watches;
+    options.shape = shape_;
+    options.sourceColumn = wishes.sourceColumn;
+    std::string whyRecords = whyNotAgain(wishes);
+    if (whyRecords.empty()) {
+        const CountingOptions counting = {
+            .engine = engine_,
+            .inputs = inputs_,
+            .text = options_.text,
+            .options = options,
+            .threads = wishes.partThreads,
+            .memory = options_.memory.value_or(UINT64_MAX),
+            .open =
+                [this](const std::string& file) {
+                    // Once the paths are counted, the rows show how far it is.
+                    return document_->parts() != nullptr
+                               ? ByteSource::file(file)
+                               : counted(ByteSource::file(file), *progress_);
+                },
+            .observer = wishes.observer,
+            .readWhole = [&](const DocumentOptions& whole) { readWhole(whole, wishes); },
+        };
+        if (const std::string how = countDocument(counting, document_); !how.empty()) {
+            tellPlan(options_, how);
+            return;
         }
-        document_.reset();
         openInputs();
-        return false;
+        whyRecords = "there are more than " + withCommas(kMostPathsCounted) + " paths";
     }
-    document_->setParts(parts);
-    return true;
+    tellPlan(options_, "records, since " + whyRecords);
+    readWhole(options, wishes);
 }
 
 void Session::readWhole(const DocumentOptions& options, const ReadingWishes& wishes) {

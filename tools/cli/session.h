@@ -98,12 +98,7 @@ class Session {
     bool stream(const ReadingWishes& wishes);
     void readStream(Document& walk, const std::function<void()>& fed);
     [[nodiscard]] std::string whyNotAgain(const ReadingWishes& wishes) const;
-    [[nodiscard]] std::string whyNotDivided(const ReadingWishes& wishes) const;
-    [[nodiscard]] std::shared_ptr<PartsOfDocument> partsToRead(const DocumentOptions& options,
-                                                               const ReadingWishes& wishes);
-    bool readParts(const DocumentOptions& options, const ReadingWishes& wishes);
     void read(const ReadingWishes& wishes);
-    bool readAsOne(DocumentOptions options, const ReadingWishes& wishes);
     void readWhole(const DocumentOptions& options, const ReadingWishes& wishes);
     void useMap();
 

@@ -1,0 +1,118 @@
+// See open_document.h.
+#include "client/open/open_document.h"
+
+#include "client/error.h"
+#include "client/open/shape_of_texts.h"
+#include "client/parts/counting.h"
+#include "client/parts/input_parts.h"
+#include "client/parts/scan_parts.h"
+
+#include <algorithm>
+#include <thread>
+#include <utility>
+
+namespace qvej {
+namespace {
+
+InputList inputsOf(const OpenOptions& options) {
+    const bool files = !options.memory && !options.pull;
+    return files ? options.inputs : InputList{{options.name}, false};
+}
+
+DocumentOptions documentOptions(const OpenOptions& options, const Engine& engine) {
+    DocumentOptions document;
+    document.naming = options.naming;
+    document.maxDepth = options.depth;
+    document.maxPaths = options.maxPaths;
+    document.sourceColumn = options.sourceColumn;
+    document.memoryBudget = options.memoryBudget;
+    const uint64_t available = engine.availableMemory();
+    document.keepFree = options.memoryBudget != 0 ? options.memoryBudget / 2 : available / 8;
+    document.leastMemory = options.memoryBudget != 0 ? 0 : available / 16;
+    return document;
+}
+
+}  // namespace
+
+OpenDocument::OpenDocument(OpenOptions options)
+    : options_(std::move(options)), inputs_(inputsOf(options_)) {
+    DocumentOptions document = documentOptions(options_, engine_);
+    document.shape = shape();
+    read(document);
+    if (!options_.map.empty()) {
+        document_->useMap(options_.map);
+    }
+}
+
+ByteSource OpenDocument::open(const std::string& file) const {
+    return options_.memory ? ByteSource::memory(*options_.memory, options_.name)
+           : options_.pull ? ByteSource::pulled(options_.pull, options_.name)
+                           : ByteSource::file(file);
+}
+
+// Bytes of what can be read again; nothing when it cannot.
+std::optional<uint64_t> OpenDocument::rereadable() const {
+    return options_.memory ? std::optional<uint64_t>(options_.memory->size())
+           : options_.pull ? std::nullopt
+                           : rereadableBytes(inputs_);
+}
+
+Shape OpenDocument::shape() {
+    Shape shape;
+    if (options_.shape != "auto") {
+        shape.addText(options_.shape, "shape");
+        return shape;
+    }
+    if (!rereadable()) {
+        throw Error(QV_UNSUPPORTED, "a shape is found by reading twice, and this comes once",
+                    Place{options_.name});
+    }
+    FinderOptions finding;
+    finding.maxDepth = options_.depth;
+    return shapeOfTexts(
+               engine_, inputs_.files.size(), [&](std::size_t i) { return open(inputs_.files[i]); },
+               options_.text, finding)
+        .shape();
+}
+
+std::string OpenDocument::whyRecords() const {
+    const std::optional<uint64_t> bytes = rereadable();
+    return options_.records          ? "they are wanted"
+           : !bytes                  ? inputs_.files.front() + " cannot be read again"
+           : *bytes < kWorthCounting ? "the input is small"
+                                     : "";
+}
+
+void OpenDocument::read(const DocumentOptions& options) {
+    const InputsReader::Open open = [this](const std::string& file) { return this->open(file); };
+    reader_.emplace(inputs_, options_.text, open);
+    std::string why = whyRecords();
+    if (why.empty()) {
+        const unsigned cores = std::max(1U, std::thread::hardware_concurrency());
+        const CountingOptions counting = {
+            .engine = engine_,
+            .inputs = inputs_,
+            .text = options_.text,
+            .options = options,
+            .threads = options_.threads != 0 ? options_.threads : cores,
+            .memory = options_.memoryBudget != 0 ? options_.memoryBudget : UINT64_MAX,
+            .open = open,
+            .readWhole = [&](const DocumentOptions& whole) { readWhole(whole); },
+        };
+        plan_ = countDocument(counting, document_);
+        if (!plan_.empty()) {
+            return;
+        }
+        reader_.emplace(inputs_, options_.text, open);
+        why = "there are more than " + std::to_string(kMostPathsCounted) + " paths";
+    }
+    plan_ = "records, since " + why;
+    readWhole(options);
+}
+
+void OpenDocument::readWhole(const DocumentOptions& options) {
+    document_.emplace(engine_, reader_->documentOptions(options));
+    reader_->read(*document_);
+}
+
+}  // namespace qvej

@@ -1,0 +1,80 @@
+// See counting.h.
+#include "client/parts/counting.h"
+
+#include "client/error.h"
+#include "client/parts/input_parts.h"
+#include "client/parts/scan_parts.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace qvej {
+namespace {
+
+std::shared_ptr<PartsOfDocument> partsOf(const CountingOptions& counting) {
+    auto parts = std::make_shared<PartsOfDocument>();
+    parts->engine = &counting.engine;
+    parts->options = counting.options;
+    parts->options.several = counting.inputs.several;
+    parts->threads = counting.threads;
+    parts->read = partsOf(counting.inputs, counting.text, counting.open, counting.observer);
+    return parts;
+}
+
+// What keeps the inputs from being read in parts; empty: nothing does.
+std::string whyAsOne(const CountingOptions& counting) {
+    constexpr uint64_t kLeastMemory = uint64_t{256} << 20;  // for parts on their way
+    return counting.threads == 1               ? "--threads is 1"
+           : !counting.options.shape.empty()   ? "a shape needs the whole text"
+           : !counting.options.watches.empty() ? "places of values are asked for"
+           : counting.memory < kLeastMemory    ? "--memory is below 256M"
+                                               : "";
+}
+
+bool countInParts(const CountingOptions& counting, std::optional<Document>& document) {
+    const auto parts = partsOf(counting);
+    DocumentOptions sum = parts->options;
+    sum.ofParts = true;
+    document.emplace(counting.engine, sum);
+    if (!scanParts(*parts, *document)) {
+        document.reset();
+        return false;
+    }
+    document->setParts(parts);
+    return true;
+}
+
+// False: there are too many paths.
+bool countAsOne(const CountingOptions& counting, std::optional<Document>& document) {
+    const auto parts = partsOf(counting);
+    parts->asOne = true;
+    DocumentOptions whole = counting.options;
+    const bool limited = whole.maxPaths != 0 && whole.maxPaths < kMostPathsCounted;
+    whole.counted = true;
+    whole.maxPaths = limited ? whole.maxPaths : kMostPathsCounted;
+    try {
+        counting.readWhole(whole);
+    } catch (const Error& error) {
+        if (error.status() != QV_LIMIT_PATHS || limited) {
+            throw;
+        }
+        document.reset();
+        return false;
+    }
+    document->setParts(parts);
+    return true;
+}
+
+}  // namespace
+
+std::string countDocument(const CountingOptions& counting, std::optional<Document>& document) {
+    constexpr const char* kThen = ", then read again for the rows";
+    std::string why = whyAsOne(counting);
+    if (why.empty() && countInParts(counting, document)) {
+        return "counted in parts on " + std::to_string(counting.threads) + " threads" + kThen;
+    }
+    why = why.empty() ? "the text cannot be divided" : why;
+    return countAsOne(counting, document) ? "counted as one, since " + why + kThen : "";
+}
+
+}  // namespace qvej
