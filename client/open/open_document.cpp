@@ -83,9 +83,12 @@ std::string OpenDocument::whyRecords() const {
                                      : "";
 }
 
+void OpenDocument::openInputs() {
+    reader_.emplace(inputs_, options_.text, [this](const std::string& file) { return open(file); });
+}
+
 void OpenDocument::read(const DocumentOptions& options) {
-    const InputsReader::Open open = [this](const std::string& file) { return this->open(file); };
-    reader_.emplace(inputs_, options_.text, open);
+    openInputs();
     std::string why = whyRecords();
     if (why.empty()) {
         const unsigned cores = std::max(1U, std::thread::hardware_concurrency());
@@ -96,15 +99,20 @@ void OpenDocument::read(const DocumentOptions& options) {
             .options = options,
             .threads = options_.threads != 0 ? options_.threads : cores,
             .memory = options_.memoryBudget != 0 ? options_.memoryBudget : UINT64_MAX,
-            .open = open,
-            .readWhole = [&](const DocumentOptions& whole) { readWhole(whole); },
+            .open = [this](const std::string& file) { return open(file); },
+            .changing = !options_.memory,
+            .readWhole =
+                [&](const DocumentOptions& whole) {
+                    openInputs();
+                    readWhole(whole);
+                },
         };
         plan_ = countDocument(counting, document_);
         if (!plan_.empty()) {
             return;
         }
-        reader_.emplace(inputs_, options_.text, open);
-        why = "there are more than " + std::to_string(kMostPathsCounted) + " paths";
+        openInputs();
+        why = whyNotCounted();
     }
     plan_ = "records, since " + why;
     readWhole(options);

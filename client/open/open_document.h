@@ -67,6 +67,7 @@ class OpenDocument {
     [[nodiscard]] std::optional<uint64_t> rereadable() const;
     [[nodiscard]] Shape shape();
     [[nodiscard]] std::string whyRecords() const;
+    void openInputs();
     void read(const DocumentOptions& options);
     void readWhole(const DocumentOptions& options);
 

@@ -4,6 +4,7 @@
 #include "client/error.h"
 #include "client/parts/input_parts.h"
 #include "client/parts/scan_parts.h"
+#include "client/text.h"
 
 #include <algorithm>
 #include <memory>
@@ -11,19 +12,20 @@
 namespace qvej {
 namespace {
 
-std::shared_ptr<PartsOfDocument> partsOf(const CountingOptions& counting) {
+constexpr uint64_t kLeastMemory = uint64_t{256} << 20;  // for parts on their way
+
+std::shared_ptr<PartsOfDocument> partsOf(const CountingOptions& counting, const ReadParts& read) {
     auto parts = std::make_shared<PartsOfDocument>();
     parts->engine = &counting.engine;
     parts->options = counting.options;
     parts->options.several = counting.inputs.several;
-    parts->threads = counting.threads;
-    parts->read = partsOf(counting.inputs, counting.text, counting.open, counting.observer);
+    parts->threads = counting.memory < kLeastMemory ? 1 : counting.threads;
+    parts->read = read;
     return parts;
 }
 
 // What keeps the inputs from being read in parts; empty: nothing does.
 std::string whyAsOne(const CountingOptions& counting) {
-    constexpr uint64_t kLeastMemory = uint64_t{256} << 20;  // for parts on their way
     return counting.threads == 1               ? "--threads is 1"
            : !counting.options.shape.empty()   ? "a shape needs the whole text"
            : !counting.options.watches.empty() ? "places of values are asked for"
@@ -31,8 +33,9 @@ std::string whyAsOne(const CountingOptions& counting) {
                                                : "";
 }
 
-bool countInParts(const CountingOptions& counting, std::optional<Document>& document) {
-    const auto parts = partsOf(counting);
+bool countInParts(const CountingOptions& counting, const ReadParts& read,
+                  std::optional<Document>& document) {
+    const auto parts = partsOf(counting, read);
     DocumentOptions sum = parts->options;
     sum.ofParts = true;
     document.emplace(counting.engine, sum);
@@ -45,8 +48,9 @@ bool countInParts(const CountingOptions& counting, std::optional<Document>& docu
 }
 
 // False: there are too many paths.
-bool countAsOne(const CountingOptions& counting, std::optional<Document>& document) {
-    const auto parts = partsOf(counting);
+bool countAsOne(const CountingOptions& counting, const ReadParts& read,
+                std::optional<Document>& document) {
+    const auto parts = partsOf(counting, read);
     parts->asOne = true;
     DocumentOptions whole = counting.options;
     const bool limited = whole.maxPaths != 0 && whole.maxPaths < kMostPathsCounted;
@@ -67,14 +71,22 @@ bool countAsOne(const CountingOptions& counting, std::optional<Document>& docume
 
 }  // namespace
 
+std::string whyNotCounted() {
+    return "there are more than " + withCommas(kMostPathsCounted) + " paths";
+}
+
 std::string countDocument(const CountingOptions& counting, std::optional<Document>& document) {
     constexpr const char* kThen = ", then read again for the rows";
+    // What the files are is looked at now, before the first reading: the last one finds them
+    // changed, whichever reading they changed in.
+    const ReadParts read = partsOf(counting.inputs, counting.text, counting.open, counting.observer,
+                                   counting.changing);
     std::string why = whyAsOne(counting);
-    if (why.empty() && countInParts(counting, document)) {
+    if (why.empty() && countInParts(counting, read, document)) {
         return "counted in parts on " + std::to_string(counting.threads) + " threads" + kThen;
     }
     why = why.empty() ? "the text cannot be divided" : why;
-    return countAsOne(counting, document) ? "counted as one, since " + why + kThen : "";
+    return countAsOne(counting, read, document) ? "counted as one, since " + why + kThen : "";
 }
 
 }  // namespace qvej

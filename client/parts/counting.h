@@ -35,7 +35,8 @@ struct CountingOptions {
     // Gives the bytes of an input, each time it is read in parts, or again.
     InputsReader::Open open = &ByteSource::file;
     std::function<void(std::string_view)> observer = {};  // sees each piece, of each reading
-    // Makes the document with these options and has it read all inputs.
+    bool changing = true;  // the inputs are files: what has changed between readings is an error
+    // Opens the inputs, makes the document with these options and has it read them.
     std::function<void(const DocumentOptions& options)> readWhole;
 };
 
@@ -43,5 +44,8 @@ struct CountingOptions {
 // Empty: it has too many paths, and there is no document.  Throws what reading throws.
 [[nodiscard]] std::string countDocument(const CountingOptions& counting,
                                         std::optional<Document>& document);
+
+// Why it is not, when it has too many.
+[[nodiscard]] std::string whyNotCounted();
 
 }  // namespace qvej

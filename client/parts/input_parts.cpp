@@ -104,8 +104,11 @@ class Divider final : public TextConsumer {
 }  // namespace
 
 ReadParts partsOf(const InputList& inputs, const TextOptions& options, InputsReader::Open open,
-                  std::function<void(std::string_view)> observer) {
-    std::vector<FileState> states(inputs.files.begin(), inputs.files.end());
+                  std::function<void(std::string_view)> observer, bool changing) {
+    std::vector<FileState> states;
+    for (std::size_t i = 0; changing && i < inputs.files.size(); ++i) {
+        states.emplace_back(inputs.files[i]);
+    }
     return [=](uint64_t bytes, const TakePart& take) {
         checkUnchanged(inputs, states);
         InputsReader texts(inputs, options, open);

@@ -12,9 +12,11 @@ namespace qvej {
 // that has changed since this call (size, time, inode, its first and last MiB) is an Error
 // (QV_IO_CHANGED).
 //   observer  sees each piece of the text, on the thread that reads; may be empty
+//   changing  false: it is not looked at whether files have changed, for they are none
 [[nodiscard]] ReadParts partsOf(const InputList& inputs, const TextOptions& options,
                                 InputsReader::Open open,
-                                std::function<void(std::string_view)> observer = {});
+                                std::function<void(std::string_view)> observer = {},
+                                bool changing = true);
 
 // Whether all are files that can be read again, and how many bytes they have; nothing: they are
 // not.

@@ -237,6 +237,8 @@ def check_verbs(folder):
                      ["report", "-o", "-"], ["map", "--exact"], ["map", "--shape", "auto"]):
             said = [run(folder, verb[0], name, *verb[1:], *way) for way in ([], ["--compress"])]
             said = [(done.returncode, done.stdout, done.stderr) for done in said]
+            assert said[0][0] in (0, 1) and said[0][1], (verb, said[0])
+            assert verb[0] != "report" or b'class="place"' in said[0][1], "examples, with or without records"
             assert said[0] == said[1], "\n".join(["", folder, str(verb), str(said[0])[:3000], str(said[1])[:3000]])
 
 

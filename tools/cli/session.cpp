@@ -243,7 +243,9 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
     }
 }
 
+// From the beginning, also of the progress.
 void Session::openInputs() {
+    progress_->begin(Progress::SCAN);
     reader_.emplace(inputs_, options_.text,
                     [this, next = std::size_t{0}](const std::string& file) mutable {
                         return counted(rereadable_.empty() ? ByteSource::asItComes(file, stop_)
@@ -335,14 +337,18 @@ void Session::read(const ReadingWishes& wishes) {
                                : counted(ByteSource::file(file), *progress_);
                 },
             .observer = wishes.observer,
-            .readWhole = [&](const DocumentOptions& whole) { readWhole(whole, wishes); },
+            .readWhole =
+                [&](const DocumentOptions& whole) {
+                    openInputs();
+                    readWhole(whole, wishes);
+                },
         };
         if (const std::string how = countDocument(counting, document_); !how.empty()) {
             tellPlan(options_, how);
             return;
         }
         openInputs();
-        whyRecords = "there are more than " + withCommas(kMostPathsCounted) + " paths";
+        whyRecords = whyNotCounted();
     }
     tellPlan(options_, "records, since " + whyRecords);
     readWhole(options, wishes);

@@ -31,8 +31,8 @@ struct ReadingWishes {
     std::string sourceColumn = kSourceColumn;             // see DocumentOptions
     bool keepBadLines = false;                            // that are skipped: see Skipped
     bool again = false;                                   // what is skipped has been told
-    // Rows are wanted of tables alone, without what only records have (ALLDATA, retained
-    // values): the document may then be read on so many threads, and again for its rows.
+    // No more is wanted than paths, and rows of tables, without what only records have (ALLDATA,
+    // retained values): the document may then be read on so many threads, and again for its rows.
     unsigned partThreads = 0;
     // Rows are wanted once: they may be made while the text is read, unless this says why not.
     std::string notStreamed = "more than rows is wanted";
