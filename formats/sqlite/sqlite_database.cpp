@@ -3,6 +3,7 @@
 
 #include "client/error.h"
 #include "formats/sqlite/sqlite_sink.h"
+#include "formats/sqlite/sqlite_types.h"
 
 #include <utility>
 
@@ -10,9 +11,7 @@ namespace qvej {
 
 namespace {
 
-constexpr int kWaitMs = 5000;           // for another program that writes
-constexpr std::size_t kColumns = 2000;  // the library's limit, unless it was built with another
-constexpr std::size_t kJoined = 64;     // likewise, and that one is fixed
+constexpr int kWaitMs = 5000;  // for another program that writes
 constexpr std::size_t kExactDigits = 15;
 
 // A new file needs neither journal nor locks.
@@ -78,21 +77,7 @@ SqliteDatabase::~SqliteDatabase() {
 }
 
 const DatabaseLimits& SqliteDatabase::limits() const {
-    static const DatabaseLimits limits = {
-        .product = "SQLite",
-        .tableNames = {.same = NameRules::ASCII,
-                       .forbidden = kNul,
-                       .forbiddenStart = "sqlite_",
-                       .mayBeEmpty = true},
-        .columnNames = {.same = NameRules::ASCII, .forbidden = kNul, .mayBeEmpty = true},
-        .columns = kColumns,
-        .joined = kJoined,
-        .emptyTables = false,
-        .laterKeys = false,
-        .fewTypes = true,
-        .tableEnd = " STRICT",
-    };
-    return limits;
+    return sqliteLimits();
 }
 
 void SqliteDatabase::fail(int code) const {
@@ -155,17 +140,8 @@ std::vector<DatabaseColumn> SqliteDatabase::columnsOf(const std::string& table) 
     return columns;
 }
 
-// A REAL column makes 0 of -0, since it stores whole numbers as such; ANY keeps what it gets.
 std::string SqliteDatabase::typeOf(const Field& field) const {
-    switch (field.type.kind) {
-        case DataType::BOOLEAN:
-        case DataType::BIGINT:
-            return "INTEGER";
-        case DataType::DOUBLE:
-            return field.minusZero ? "ANY" : "REAL";
-        default:
-            return "TEXT";
-    }
+    return sqliteTypeOf(field);
 }
 
 std::optional<DataType> SqliteDatabase::writtenAs(const Field& field,

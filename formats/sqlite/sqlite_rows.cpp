@@ -11,26 +11,25 @@ void SqliteRows::add(const PassRow& row, const TargetTable& table) {
 }
 
 SqliteRows::Value SqliteRows::valueOf(const Cell& cell, const TargetColumn& column) {
-    if (!hasValue(cell)) {
-        return {Value::NUL, 0, {0}};
+    const SqliteValue value = sqliteValueOf(cell, column.type, buffer_);
+    Value kept = {value.kind, 0, {0}};
+    switch (value.kind) {
+        case SqliteValue::NUL:
+            break;
+        case SqliteValue::WHOLE:
+            kept.whole = value.whole + column.shift;  // 0, unless it is an ordinal
+            break;
+        case SqliteValue::REAL:
+            kept.real = value.real;
+            break;
+        case SqliteValue::TEXT:
+            return textValue(value.text);
     }
-    switch (column.type.kind) {
-        case DataType::BOOLEAN:
-            return {Value::WHOLE, 0, {booleanOf(cell) ? 1 : 0}};
-        case DataType::BIGINT:
-            return {Value::WHOLE, 0, {bigintOf(cell) + column.shift}};
-        case DataType::DOUBLE: {
-            Value value = {Value::REAL, 0, {0}};
-            value.real = doubleOf(cell);
-            return value;
-        }
-        default:
-            return textValue(textOf(cell, column.type, buffer_));
-    }
+    return kept;
 }
 
 SqliteRows::Value SqliteRows::textValue(std::string_view text) {
-    Value value = {Value::TEXT, text.size(), {0}};
+    Value value = {SqliteValue::TEXT, text.size(), {0}};
     value.offset = texts_.size();
     texts_ += text;
     return value;

@@ -3,9 +3,9 @@
 // Tested by tests/formats/databases.py
 #pragma once
 
-#include "client/schema/typed_value.h"
 #include "formats/database/database_tables.h"
 #include "formats/sink.h"
+#include "formats/sqlite/sqlite_types.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -20,7 +20,7 @@ class SqliteRows {
    public:
     // What a cell becomes.
     struct Value {
-        enum : uint8_t { NUL, WHOLE, REAL, TEXT } kind;
+        SqliteValue::Kind kind;
         std::size_t length;  // of a TEXT
         union {
             int64_t whole;

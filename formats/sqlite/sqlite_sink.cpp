@@ -63,16 +63,16 @@ void SqliteSink::insert(SqliteStatement& statement, std::size_t count, const Sql
         const SqliteRows::Value& value = rows.values()[i];
         ++position;
         switch (value.kind) {
-            case SqliteRows::Value::NUL:
+            case SqliteValue::NUL:
                 (void)sqlite3_bind_null(statement.get(), position);
                 break;
-            case SqliteRows::Value::WHOLE:
+            case SqliteValue::WHOLE:
                 (void)sqlite3_bind_int64(statement.get(), position, value.whole);
                 break;
-            case SqliteRows::Value::REAL:
+            case SqliteValue::REAL:
                 (void)sqlite3_bind_double(statement.get(), position, value.real);
                 break;
-            case SqliteRows::Value::TEXT:
+            case SqliteValue::TEXT:
                 (void)sqlite3_bind_text(statement.get(), position, rows.text(value),
                                         static_cast<int>(value.length), SQLITE_STATIC);
         }
