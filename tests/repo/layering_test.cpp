@@ -46,6 +46,7 @@ const Layer kLayers[] = {
     {"client/",
      R"re(client/([^/]*|shape/(shape|reshaper)\.h|parts/(item_batch|walked_rows)\.h)|include/.*|<.*>)re"},
     {"formats/", "(formats|client)/.*|include/.*|<.*>"},
+    {"bindings/", "(bindings|formats|client)/.*|include/.*|<.*>"},
     {"tools/", "(tools|formats|client)/.*|include/.*|<.*>"},
 };
 

@@ -1,0 +1,46 @@
+// See failure.h.
+#include "bindings/sqlite/failure.h"
+
+#include "client/error.h"
+
+#include <new>
+#include <string>
+
+namespace qvej::sqlite {
+
+namespace {
+
+std::string sentenceOf(const Error& error) {
+    std::string place = error.file();
+    if (error.line() != 0) {
+        place += ":" + std::to_string(error.line()) + ":" + std::to_string(error.column());
+    }
+    return (place.empty() ? place : place + ": ") + error.what();
+}
+
+void setMessage(char** message, const char* sentence) {
+    sqlite3_free(*message);
+    *message = sqlite3_mprintf("%s", sentence);
+}
+
+}  // namespace
+
+int reportException(char** message) noexcept {
+    try {
+        try {
+            throw;
+        } catch (const Error& error) {
+            setMessage(message, sentenceOf(error).c_str());
+            return error.status() == QV_NOMEM ? SQLITE_NOMEM : SQLITE_ERROR;
+        }
+    } catch (const std::bad_alloc&) {
+        return SQLITE_NOMEM;
+    } catch (const std::exception& other) {
+        setMessage(message, other.what());
+    } catch (...) {
+        setMessage(message, "it failed");
+    }
+    return SQLITE_ERROR;
+}
+
+}  // namespace qvej::sqlite
