@@ -161,6 +161,14 @@ uint64_t OpenFile::held() const {
     return document().totals().storedBytes + columns * kHeldByColumn;
 }
 
+std::shared_ptr<const OpenFile> OpenFiles::read(const FileOptions& options, bool records) {
+    try {
+        return std::make_shared<const OpenFile>(options, records);
+    } catch (const MapError& error) {  // it does not know where the map came from
+        throw Error(error.status(), error.what(), Place{options.map, error.line(), error.column()});
+    }
+}
+
 std::shared_ptr<const OpenFile> OpenFiles::open(const FileOptions& options, bool records) {
     const std::string key = options.key();
     const std::string stamp = stampOf(options);
@@ -173,7 +181,7 @@ std::shared_ptr<const OpenFile> OpenFiles::open(const FileOptions& options, bool
         kept_.splice(kept_.begin(), kept_, found);
         return found->file;
     }
-    kept_.push_front({key, stamp, std::make_shared<const OpenFile>(options, records)});
+    kept_.push_front({key, stamp, read(options, records)});
     const std::shared_ptr<const OpenFile> file = kept_.front().file;
     dropUnused();
     return file;

@@ -74,6 +74,8 @@ class OpenFiles {
         std::string stamp;  // of the files
         std::shared_ptr<const OpenFile> file;
     };
+    [[nodiscard]] static std::shared_ptr<const OpenFile> read(const FileOptions& options,
+                                                              bool records);
     void dropUnused();
 
     std::list<Kept> kept_;  // the one used last is the first
