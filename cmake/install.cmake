@@ -40,7 +40,7 @@ endif()
 install(FILES examples/rows.c examples/tables.cpp examples/orders.json
     DESTINATION ${CMAKE_INSTALL_DATADIR}/qvejmap/examples)
 install(FILES README.md CHANGELOG.md cmake/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(FILES docs/FORMATS.md docs/PERFORMANCE.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
+install(FILES docs/FORMATS.md docs/PERFORMANCE.md docs/SQL.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 
 # From the folder of the .pc file to the prefix, so that the installed tree can be moved.
 file(RELATIVE_PATH JMAP_PREFIX_FROM_PC

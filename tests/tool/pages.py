@@ -8,7 +8,7 @@ it, up to the next command or the end of the block, are what it prints on both o
 carriage returns and without empty lines at the end.  A line "..." stands for any lines.  The commands
 of a page run one after the other in a new folder that holds a copy of examples/.
 
-What needs Parquet or DuckDB is left out, with a line, where these are not there.
+There is also the extension of SQLite.  What needs Parquet or DuckDB is left out, with a line, where these are not there.
 
 QVEJMAP_REFRESH=1 writes what is printed into the pages, but where a "..." stands.
 """
@@ -24,7 +24,8 @@ import tempfile
 TOOL, SOURCE = map(os.path.abspath, sys.argv[1:3])
 PYTHON = SOURCE + "/build/python/bin/python3"  # by scripts/test-python
 # Commands of these words need these files.
-NEEDS = {"parquet": os.path.dirname(TOOL) + "/qvejmap_to_arrow.so", "duckdb": PYTHON}
+EXTENSION = os.path.dirname(TOOL) + "/qvejmap_sqlite.so"
+NEEDS = {"qvejmap_sqlite": EXTENSION, "parquet": os.path.dirname(TOOL) + "/qvejmap_to_arrow.so", "duckdb": PYTHON}
 
 
 def without_end(lines):
@@ -62,6 +63,7 @@ def check(page):
         shutil.copytree(SOURCE + "/examples", folder + "/here/examples")
         os.mkdir(folder + "/bin")
         os.symlink(TOOL, folder + "/bin/qvejmap")
+        os.symlink(EXTENSION, folder + "/here/qvejmap_sqlite.so")
         if os.path.exists(PYTHON):
             with open(folder + "/bin/python3", "w", opener=lambda path, how: os.open(path, how, 0o755)) as wrapper:
                 wrapper.write(f'#!/bin/sh\nexec "{PYTHON}" "$@"\n')
