@@ -201,12 +201,18 @@ def odd_ordinals():
     """Ordinals that repeat, or are missing, in rows that no object of their own makes."""
     text = ('{"a": [{"k": 1, "b": {"c": {"v": 1}}}, {"v0": {"k": 2}}, {"b": {"c": {"v": 3}}}, {"b": {"x": 4, "c": {"v": 5}}}],'
             ' "n": {"m": [1, 2]}, "p": [[{"q": 1}, {"q": 2}], [{"q": 3}], [], [7, {"q": 4}]], "z": [{"y": [{"w": 1}]}, {"w": 2}]}')
-    database, connection = same_tables(write("odd.json", text), [], [])
-    for table in tables_of(database):
-        for column, _ in declared(database, table):
-            for sql in (f"SELECT * FROM {quoted(table)} WHERE {quoted(column)} {op} {value} ORDER BY 1, 2, 3"
-                        for op in ("=", "<=", ">") for value in range(5)):
-                expect(sorted(cells(connection.execute(sql))) == sorted(cells(database.execute(sql))), sql)
+    write("odd.json", text)
+    # The ordinal of this map counts other rows, so that it repeats.
+    write("other.json", '{"orders": [{"id": 2, "items": [{"sku": "a"}]}, {"id": 3}, {"id": 4, "items": [{"sku": "b"}, {"sku": "c"}]}, {"id": 5}]}')
+    write("other_map.json", """{"DATASETS": [{"DSNAME": "t", "TABLEPATH": "/root/orders", "VARIABLES": [
+        {"NAME": "o", "TYPE": "ORDINAL", "PATH": "/root/orders/items"}, {"NAME": "id", "TYPE": "NUMERIC", "PATH": "/root/orders/id"}]}]}""")
+    for file, tool_options, options in [("odd.json", [], []), ("other.json", ["--map", "other_map.json"], ["map=other_map.json"])]:
+        database, connection = same_tables(file, tool_options, options)
+        for table in tables_of(database):
+            for column, _ in declared(database, table):
+                for sql in (f"SELECT * FROM {quoted(table)} WHERE {quoted(column)} {op} {value} ORDER BY 1, 2"
+                            for op in ("=", "<=", ">") for value in range(5)):
+                    expect(sorted(cells(connection.execute(sql))) == sorted(cells(database.execute(sql))), file, sql)
 
 
 # ---- walks: a large file is not read more often than it must ----
