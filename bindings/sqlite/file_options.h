@@ -3,7 +3,7 @@
 // Tested by tests/bindings/sqlite_extension.py
 #pragma once
 
-#include "client/open_document.h"
+#include "client/open/open_document.h"
 
 #include <string>
 #include <string_view>

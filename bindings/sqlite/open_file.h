@@ -4,7 +4,7 @@
 #pragma once
 
 #include "bindings/sqlite/file_options.h"
-#include "client/open_document.h"
+#include "client/open/open_document.h"
 #include "client/schema/schema.h"
 
 #include <cstdint>
