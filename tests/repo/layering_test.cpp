@@ -46,6 +46,7 @@ const Layer kLayers[] = {
     {"client/",
      R"re(client/([^/]*|shape/(shape|reshaper)\.h|parts/(item_batch|walked_rows)\.h)|include/.*|<.*>)re"},
     {"formats/", "(formats|client)/.*|include/.*|<.*>"},
+    {"bindings/", "(bindings|formats|client)/.*|include/.*|<.*>"},
     {"tools/", "(tools|formats|client)/.*|include/.*|<.*>"},
 };
 
@@ -81,6 +82,7 @@ TEST(Layering, TheCheckFindsWhatBreaksARule) {
         const char *file, *line;
         bool breaks;
     } kCases[] = {
+        {"bindings/python/above.cpp", "#include \"tools/part.h\"", true},
         {"client/below.cpp", "#include \"client/input/own.h\"", true},
         {"client/input/beside.cpp", "#include \"client/cursor.h\"", true},
         {"client/input/own.h", "#include \"client/document.h\"", false},
