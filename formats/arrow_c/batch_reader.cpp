@@ -13,7 +13,7 @@ BatchReader::BatchReader(const Document& document, const TableSchema& table,
       columns_(std::move(columns)),
       mostRows_(rows) {
     for (const std::size_t c : columns_) {
-        builders_.push_back(makeColumnBuilder(table.fields[c].type));
+        builders_.push_back(makeColumnBuffers(table.fields[c].type));
     }
 }
 
@@ -43,7 +43,7 @@ std::shared_ptr<const RecordBatch> BatchReader::next() {
     }
     auto batch = std::make_shared<RecordBatch>();
     batch->rows = static_cast<int64_t>(std::exchange(rows_, 0));
-    for (const std::unique_ptr<ColumnBuilder>& builder : builders_) {
+    for (const std::unique_ptr<ColumnBuffers>& builder : builders_) {
         batch->columns.push_back(builder->finish());
     }
     return batch;

@@ -5,7 +5,7 @@
 
 #include "client/schema/schema.h"
 #include "client/table_pass.h"
-#include "formats/arrow_c/column_builder.h"
+#include "formats/arrow_c/column_buffers.h"
 #include "formats/arrow_c/record_batch.h"
 
 #include <cstddef>
@@ -32,7 +32,7 @@ class BatchReader {
     TablePass pass_;
     PassRow row_;
     std::vector<std::size_t> columns_;
-    std::vector<std::unique_ptr<ColumnBuilder>> builders_;
+    std::vector<std::unique_ptr<ColumnBuffers>> builders_;
     std::size_t mostRows_;
     std::size_t rows_ = 0;  // that are held
     bool ended_ = false;

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "formats/arrow_c/arrow_c.h"
-#include "formats/arrow_c/column_builder.h"
+#include "formats/arrow_c/column_buffers.h"
 
 #include <cstdint>
 #include <memory>

@@ -3,7 +3,7 @@
 
 #include "client/path_names.h"
 #include "client/text.h"
-#include "formats/arrow_c/column_builder.h"
+#include "formats/arrow_c/column_buffers.h"
 #include "formats/target_names.h"
 
 #include <cstdint>

@@ -24,7 +24,7 @@ inline std::string target(const std::filesystem::path& root, const std::filesyst
 // What is below the folders of the product, in a tree that may lack some.
 inline std::vector<std::filesystem::path> productFiles(const std::filesystem::path& root) {
     std::vector<std::filesystem::path> files;
-    for (const char* top : {"include", "src", "client", "formats", "tools"}) {
+    for (const char* top : {"include", "src", "client", "formats", "bindings", "tools"}) {
         if (std::filesystem::exists(root / top)) {
             files.insert(files.end(), std::filesystem::recursive_directory_iterator(root / top),
                          {});

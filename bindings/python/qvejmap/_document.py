@@ -16,9 +16,9 @@ from ._values import converter
 
 if TYPE_CHECKING:
     import duckdb
-    import pandas
+    import pandas  # type: ignore[import-untyped,unused-ignore]
     import polars
-    import pyarrow
+    import pyarrow  # type: ignore[import-untyped,unused-ignore]
 
 _ROWS = 65536  # of a batch
 _SHOWN_ROWS = 10
@@ -154,7 +154,8 @@ class Table:
 
     def to_polars(self) -> polars.DataFrame:
         """All rows as a polars.DataFrame."""
-        return _consumer("polars").DataFrame(self)
+        frame: polars.DataFrame = _consumer("polars").DataFrame(self)
+        return frame
 
     def to_pandas(self) -> pandas.DataFrame:
         """All rows as a pandas.DataFrame, by pyarrow, with columns of Arrow's types."""
@@ -280,7 +281,7 @@ class Document:
     def _repr_html_(self) -> str:
         rows = "".join(
             f"<tr><td>{html.escape(name)}</td><td>{table.rows:,}</td>"
-            f"<td>{html.escape(', '.join(self._columns_of(table)))}</td></tr>"
+            f"<td>{html.escape(', '.join(table._column_names()))}</td></tr>"
             for name, table in self.tables.items()
         )
         return (
@@ -302,10 +303,6 @@ class Document:
         if self._facts is None:
             self._facts = self._open().schema()
         return self._facts
-
-    @staticmethod
-    def _columns_of(table: Table) -> list[str]:
-        return table._column_names()
 
 
 def open(

@@ -1,5 +1,5 @@
-// See column_builder.h.
-#include "formats/arrow_c/column_builder.h"
+// See column_buffers.h.
+#include "formats/arrow_c/column_buffers.h"
 
 #include "client/schema/typed_value.h"
 
@@ -55,7 +55,7 @@ class Validity {
 
 // Values of a fixed size.  `Read` makes one of a cell.
 template <class Read>
-class FixedColumn final : public ColumnBuilder {
+class FixedColumn final : public ColumnBuffers {
    public:
     explicit FixedColumn(Read read) : read_(std::move(read)) {}
 
@@ -76,7 +76,7 @@ class FixedColumn final : public ColumnBuilder {
     Read read_;
 };
 
-class BooleanColumn final : public ColumnBuilder {
+class BooleanColumn final : public ColumnBuffers {
    public:
     void take(const Cell& cell) override {
         values_.append(validity_.take(cell) && booleanOf(cell));
@@ -93,7 +93,7 @@ class BooleanColumn final : public ColumnBuilder {
     Bits values_;
 };
 
-class TextColumn final : public ColumnBuilder {
+class TextColumn final : public ColumnBuffers {
    public:
     explicit TextColumn(const DataType& type) : type_(type) { begin(); }
 
@@ -130,7 +130,7 @@ class TextColumn final : public ColumnBuilder {
 };
 
 template <class Read>
-std::unique_ptr<ColumnBuilder> fixed(Read read) {
+std::unique_ptr<ColumnBuffers> fixed(Read read) {
     return std::make_unique<FixedColumn<Read>>(std::move(read));
 }
 
@@ -140,7 +140,7 @@ int unitDigits(const DataType& type) {
     return (type.fraction + 2) / 3 * 3;
 }
 
-std::unique_ptr<ColumnBuilder> makeColumnBuilder(const DataType& type) {
+std::unique_ptr<ColumnBuffers> makeColumnBuffers(const DataType& type) {
     switch (type.kind) {
         case DataType::BOOLEAN:
             return std::make_unique<BooleanColumn>();

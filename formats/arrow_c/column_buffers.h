@@ -21,12 +21,12 @@ struct ColumnData {
     int64_t nulls = 0;
 };
 
-class ColumnBuilder {
+class ColumnBuffers {
    public:
-    ColumnBuilder() = default;
-    virtual ~ColumnBuilder() = default;
-    ColumnBuilder(const ColumnBuilder&) = delete;
-    ColumnBuilder& operator=(const ColumnBuilder&) = delete;
+    ColumnBuffers() = default;
+    virtual ~ColumnBuffers() = default;
+    ColumnBuffers(const ColumnBuffers&) = delete;
+    ColumnBuffers& operator=(const ColumnBuffers&) = delete;
 
     virtual void take(const Cell& cell) = 0;
     // Is there no room for another cell?
@@ -35,7 +35,7 @@ class ColumnBuilder {
     [[nodiscard]] virtual ColumnData finish() = 0;
 };
 
-[[nodiscard]] std::unique_ptr<ColumnBuilder> makeColumnBuilder(const DataType& type);
+[[nodiscard]] std::unique_ptr<ColumnBuffers> makeColumnBuffers(const DataType& type);
 
 // Digits after the second of the unit of a TIMESTAMP: 0, 3, 6 or 9.
 [[nodiscard]] int unitDigits(const DataType& type);
