@@ -1,0 +1,77 @@
+"""What a person gives, as the module takes it."""
+
+from __future__ import annotations
+
+import json
+import os
+from collections.abc import Callable, Iterable, Mapping
+from typing import Any, Protocol, Union
+
+from ._errors import FileError
+
+Path = Union[str, "os.PathLike[str]"]
+
+
+class Readable(Protocol):
+    """A file object: bytes or texts, in pieces, from a file, a pipe or anything else."""
+
+    def read(self, size: int, /) -> Union[bytes, str]: ...
+
+
+Source = Union[Path, Iterable[Path], bytes, bytearray, memoryview, Readable]
+
+
+def words_of(source: Path | Iterable[Path]) -> list[bytes]:
+    if isinstance(source, (str, os.PathLike)):
+        return [os.fsencode(source)]
+    words = [os.fsencode(path) for path in source]
+    if not words:
+        raise ValueError("no files")
+    return words
+
+
+def reader_of(source: Readable) -> Callable[[int], bytes]:
+    """Its `read`, with texts as UTF-8."""
+
+    def read(size: int) -> bytes:
+        piece = source.read(size)
+        if piece is None:
+            raise BlockingIOError("the file object has nothing to read yet")
+        return piece.encode() if isinstance(piece, str) else bytes(piece)
+
+    return read
+
+
+def name_of(source: Any) -> bytes:
+    """What messages call a file object."""
+    name = getattr(source, "name", None)
+    return os.fsencode(name) if isinstance(name, (str, bytes)) and name else b"<stream>"
+
+
+def _read(path: Path) -> bytes:
+    try:
+        with open(path, "rb") as file:
+            return file.read().removeprefix(b"\xef\xbb\xbf")
+    except OSError as error:
+        what = (error.strerror or str(error)).lower()
+        raise FileError(what, os.fspath(path), 0, 0, -1, 0, "") from error
+
+
+def shape_text(shape: Path | Iterable[str] | None) -> str:
+    if shape is None:
+        return ""
+    if shape == "auto":
+        return "auto"
+    if isinstance(shape, (str, os.PathLike)):
+        return _read(shape).decode()
+    return "\n".join(shape) + "\n"
+
+
+def map_text(map: Path | Mapping[str, Any] | None) -> tuple[bytes, bytes]:
+    """The text of a map, and what messages call it."""
+    if map is None:
+        return b"", b""
+    if isinstance(map, Mapping):
+        return json.dumps(map).encode(), b"<map>"
+    # An empty file is a map that ends too soon.
+    return _read(map) or b" ", os.fsencode(map)

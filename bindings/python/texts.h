@@ -1,0 +1,22 @@
+// Texts of the C++ face as texts of Python.
+#pragma once
+
+#include <nanobind/nanobind.h>
+
+#include <string_view>
+
+namespace qvej::python {
+
+// UTF-8.
+[[nodiscard]] inline nanobind::object textOf(std::string_view text) {
+    const auto size = static_cast<Py_ssize_t>(text.size());
+    return nanobind::steal(PyUnicode_DecodeUTF8(text.data(), size, "replace"));
+}
+
+// Any bytes, as os.fsdecode has them.
+[[nodiscard]] inline nanobind::object fileNameOf(std::string_view name) {
+    const auto size = static_cast<Py_ssize_t>(name.size());
+    return nanobind::steal(PyUnicode_DecodeFSDefaultAndSize(name.data(), size));
+}
+
+}  // namespace qvej::python
