@@ -112,7 +112,7 @@ void OpenDocument::read(const DocumentOptions& options) {
             return;
         }
         openInputs();
-        why = whyNotCounted();
+        why = kWhyNotCounted;
     }
     plan_ = "records, since " + why;
     readWhole(options);

@@ -4,7 +4,6 @@
 #include "client/error.h"
 #include "client/parts/input_parts.h"
 #include "client/parts/scan_parts.h"
-#include "client/text.h"
 
 #include <algorithm>
 #include <memory>
@@ -12,7 +11,8 @@
 namespace qvej {
 namespace {
 
-constexpr uint64_t kLeastMemory = uint64_t{256} << 20;  // for parts on their way
+constexpr uint64_t kLeastMemory = uint64_t{256} << 20;   // for parts on their way
+constexpr uint64_t kMemoryForAPath = uint64_t{8} << 10;  // so that few of it is for paths' trees
 
 std::shared_ptr<PartsOfDocument> partsOf(const CountingOptions& counting, const ReadParts& read) {
     auto parts = std::make_shared<PartsOfDocument>();
@@ -53,9 +53,10 @@ bool countAsOne(const CountingOptions& counting, const ReadParts& read,
     const auto parts = partsOf(counting, read);
     parts->asOne = true;
     DocumentOptions whole = counting.options;
-    const bool limited = whole.maxPaths != 0 && whole.maxPaths < kMostPathsCounted;
+    const uint64_t most = std::min(kMostPathsCounted, counting.memory / kMemoryForAPath);
+    const bool limited = whole.maxPaths != 0 && whole.maxPaths < most;
     whole.counted = true;
-    whole.maxPaths = limited ? whole.maxPaths : kMostPathsCounted;
+    whole.maxPaths = limited ? whole.maxPaths : most;
     try {
         counting.readWhole(whole);
     } catch (const Error& error) {
@@ -70,10 +71,6 @@ bool countAsOne(const CountingOptions& counting, const ReadParts& read,
 }
 
 }  // namespace
-
-std::string whyNotCounted() {
-    return "there are more than " + withCommas(kMostPathsCounted) + " paths";
-}
 
 std::string countDocument(const CountingOptions& counting, std::optional<Document>& document) {
     constexpr const char* kThen = ", then read again for the rows";

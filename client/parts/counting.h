@@ -40,12 +40,13 @@ struct CountingOptions {
     std::function<void(const DocumentOptions& options)> readWhole;
 };
 
+// Why a document is not counted after all.
+inline constexpr const char* kWhyNotCounted = "there are many paths";
+
 // Makes and reads `document`, whose rows can then be walked (TablePass).  Returns how that is done.
-// Empty: it has too many paths, and there is no document.  Throws what reading throws.
+// Empty: it has too many paths for the memory, and there is no document.  Throws what reading
+// throws.
 [[nodiscard]] std::string countDocument(const CountingOptions& counting,
                                         std::optional<Document>& document);
-
-// Why it is not, when it has too many.
-[[nodiscard]] std::string whyNotCounted();
 
 }  // namespace qvej

@@ -348,7 +348,7 @@ void Session::read(const ReadingWishes& wishes) {
             return;
         }
         openInputs();
-        whyRecords = whyNotCounted();
+        whyRecords = kWhyNotCounted;
     }
     tellPlan(options_, "records, since " + whyRecords);
     readWhole(options, wishes);
@@ -402,14 +402,13 @@ void Session::useMap() {
 }
 
 void Session::failReading(const Error& error) const {
-    if (!error.file().empty()) {
+    const std::string limit =
+        aboutLimit(options_, error.status()) + aboutNames(*document_, error.status());
+    if (!error.file().empty() && limit.empty()) {
         throw error;  // of an output
     }
     const bool cache = exitCodeOf(error.status()) == FILE_TROUBLE;
-    throw Error(error.status(),
-                error.what() + aboutLimit(options_, error.status()) +
-                    aboutNames(*document_, error.status()),
-                cache ? document_->cacheFile() : name());
+    throw Error(error.status(), error.what() + limit, cache ? document_->cacheFile() : name());
 }
 
 }  // namespace qvej::cli

@@ -77,9 +77,9 @@ $ sed 's/]}$/,1]}/' large.json > other.json; qvejmap convert other.json -o large
 ! plan: counted as one, since the text cannot be divided, then read again for the rows
 $ (printf '{"names":{'; seq 90000 | sed 's/.*/"a name that is some data, the number &":&,/'; printf '"":0}}') > names.json
 $ for threads in 1 2; do qvejmap convert names.json -o names --threads $threads --plan --force -q; done
-! plan: records, since there are more than 30,000 paths
+! plan: records, since there are many paths
 ! qvejmap: names.json: 1 value is in no cell (qvejmap check --account tells which)
-! plan: records, since there are more than 30,000 paths
+! plan: records, since there are many paths
 ! qvejmap: names.json: 1 value is in no cell (qvejmap check --account tells which)
 $ echo '{"a":1}' > small.json; qvejmap convert small.json -o small --threads 2 --plan
 ! plan: records, since the input is small
