@@ -5,7 +5,6 @@
 #include "client/open/shape_of_texts.h"
 #include "client/parts/counting.h"
 #include "client/parts/input_parts.h"
-#include "client/parts/scan_parts.h"
 
 #include <algorithm>
 #include <thread>

@@ -1,4 +1,4 @@
-// The structures of the Arrow C data and stream interfaces, as their public specification has them.
+// The structures of the Arrow C data and stream interfaces, in their public layout.
 //
 // A structure belongs to whom it was given: its `release` is called once, on any thread, and is
 // null afterwards and in one that was moved away.

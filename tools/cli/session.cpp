@@ -5,7 +5,6 @@
 #include "client/escape.h"
 #include "client/parts/counting.h"
 #include "client/parts/input_parts.h"
-#include "client/parts/scan_parts.h"
 #include "client/row_stream.h"
 #include "client/text.h"
 #include "formats/sources.h"
