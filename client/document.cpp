@@ -59,7 +59,7 @@ Document::Document(Engine& engine, const DocumentOptions& options)
       uncounted_(options.uncounted),
       guard_(options.maxPaths, options.leastMemory,
              {[&engine, budget = options.memoryBudget] { return engine.availableMemory(budget); },
-              [file = cacheFile_] { return freeDiskOf(file); }}),
+              [file = cacheFile_] { return freeDiskOf(file); }, options.stopped}),
       engineGuard_{&guard_,
                    [](void* arg, const JMAPGrowth* growth) {
                        return static_cast<ScanGuard*>(arg)->check(*growth);
@@ -282,7 +282,14 @@ Place Document::end() const {
     const JSNParserh parser = jmapParser(handle_);
     const int64_t offset = parser->offset(parser);
     const int64_t column = columnOf_ ? columnOf_(offset) : parser->column(parser);
-    return {{}, TextRelay::lineOf(parser->line(parser)), column, offset};
+    return {{}, TextRelay::lineOf(parser->line(parser)), column, offset, openPath()};
+}
+
+// Of the container or member that the scan stands in.
+std::string Document::openPath() const {
+    QVStrSize pathLen = 0;
+    const char* const path = jmapOpenPath(handle_, &pathLen);
+    return path == nullptr ? std::string() : withSlashes(codec_.decoded(view(path, pathLen)));
 }
 
 void Document::feed(std::string_view text) {

@@ -63,6 +63,9 @@ struct DocumentOptions {
     // it is counted down from them.  Memory is not divided, so what other documents hold counts
     // too. 0: what the machine has.
     uint64_t memoryBudget = 0;
+    // Asked by whoever reads the document or its rows, on the thread that has asked for them, some
+    // hundred times a second: true ends that, as QV_STOPPED.  Empty: nothing does.
+    std::function<bool()> stopped = {};
     // Takes each note of this document (UTF-8, no line end).  It must not throw.  A document whose
     // parts are read on several threads calls it on them.  Empty: notes are dropped.
     std::function<void(std::string_view)> journal = {};
@@ -249,6 +252,7 @@ class Document : public TextConsumer {
     JSNTextRules rulesOf(const DocumentOptions& options);
     QVStatus watchFor(const Watch& watch);
     void input(std::string_view text, bool done);
+    [[nodiscard]] std::string openPath() const;
     [[noreturn]] void fail(QVStatus status) const;
     [[noreturn]] void fail(QVStatus status, const std::string& sentence) const;
     void failIfLimited(QVStatus status) const;

@@ -19,6 +19,7 @@ struct Place {
     int64_t line = 0;       // from 1; 0: the file as a whole
     int64_t column = 0;     // from 1, in bytes, but in units of 16 or 32 bits in UTF-16 and UTF-32
     int64_t offset = -1;    // bytes of the text before it; negative: not known
+    std::string path = {};  // of the value that stands there, with "/"; empty: not known
 };
 
 // What went wrong and where.  `what()` is a sentence without a subject ("':' was expected after the

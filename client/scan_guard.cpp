@@ -67,6 +67,9 @@ void ScanGuard::checkMemory(const std::string& what, uint64_t more) {
 }
 
 QVStatus ScanGuard::lookAtMemory(const std::string& what, uint64_t more) {
+    if (surroundings_.stopped && surroundings_.stopped()) {
+        return fail(QV_STOPPED, qvStatusText(QV_STOPPED));
+    }
     const uint64_t available = surroundings_.availableMemory();
     if (available >= leastMemory_ + more && available != 0) {
         return QV_OK;

@@ -1,5 +1,5 @@
 // Ends a scan before the machine suffers: too many distinct paths, records that would fill the
-// disk, too little memory although the records are in a file.
+// disk, too little memory although the records are in a file.  Or when somebody wants it stopped.
 //
 // The engine asks with every block of records, 1 MiB, and every few thousand columns of the map or
 // of a pass.  A document of a few kilobytes can grow to any size: what counts is what it has
@@ -23,6 +23,7 @@ namespace qvej {
 struct Surroundings {
     std::function<uint64_t()> availableMemory;
     std::function<std::optional<uint64_t>()> freeDisk;  // where the cache file is; none: not known
+    std::function<bool()> stopped = {};                 // see DocumentOptions; may be empty
 };
 
 // Bytes free on the file system of a file, or of a directory whose name ends in "/".

@@ -183,6 +183,10 @@ QVStatus jmapEndParts(QVEJMAPJsonContexth inh);
 typedef struct PATHBRANCH* JMAPContainerh; /* opaque */
 QVStatus jmapNextContainer(QVEJMAPJsonContexth inh, JMAPContainerh* container);
 
+/* The path of the container or member that the scan stands in, as jmapContainerPath gives one:
+ * after a mistake of the text, where it is. */
+const char* jmapOpenPath(QVEJMAPJsonContexth inh, QVStrSize* pathLen);
+
 /* How often it has come, which is what ordinals count. */
 uint64_t jmapContainerCount(JMAPContainerh container);
 

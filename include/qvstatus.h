@@ -32,6 +32,7 @@
     X(QV_LIMIT_PATHS, 0x803FC0F4u, "the document has too many distinct paths")                   \
     X(QV_LIMIT_DISK, 0x803FC0F5u, "the records would fill the disk")                             \
     X(QV_LIMIT_MEMORY, 0x803FC0F6u, "more memory is needed than may be used")                    \
+    X(QV_STOPPED, 0x803FC0F7u, "the work was stopped")                                           \
     X(QV_JSON_VALUE, 0x85FFC901u, "a value was expected")                                        \
     X(QV_JSON_NAME, 0x85FFC902u, "a member name in double quotes was expected")                  \
     X(QV_JSON_COLON, 0x85FFC903u, "':' was expected after the member name")                      \

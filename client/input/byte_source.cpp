@@ -1,6 +1,7 @@
 // See byte_source.h.
 #include "client/input/byte_source.h"
 
+#include "client/error.h"
 #include "client/input/raw_file.h"
 
 #include <memory>
@@ -55,6 +56,9 @@ std::string_view ByteSource::next() {
 
 // Nothing is asked for again after the end.
 std::string_view ByteSource::pull() {
+    if (stopped_ && stopped_()) {
+        throw Error(QV_STOPPED, qvStatusText(QV_STOPPED), name_);
+    }
     const std::string_view piece = ended_ ? std::string_view() : pull_();
     ended_ = piece.empty();
     return piece;

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace qvej {
 
@@ -37,6 +38,9 @@ class ByteSource {
     // What messages call it: the file as given, "<stdin>", or the name.
     [[nodiscard]] const std::string& name() const { return name_; }
 
+    // From now on `next` throws Error (QV_STOPPED) when `stopped` says so.
+    void stopWhen(std::function<bool()> stopped) { stopped_ = std::move(stopped); }
+
     // Does it come from a regular file?
     [[nodiscard]] bool isFile() const { return isFile_; }
 
@@ -49,6 +53,7 @@ class ByteSource {
     Pull pull_;
     std::string name_;
     bool isFile_;
+    std::function<bool()> stopped_;
     std::string start_;  // the first pieces, when they are short
     bool begun_ = false;
     bool ended_ = false;

@@ -27,6 +27,7 @@ DocumentOptions documentOptions(const OpenOptions& options, const Engine& engine
     document.memoryBudget = options.memoryBudget;
     const uint64_t available = engine.availableMemory();
     document.keepFree = options.memoryBudget != 0 ? options.memoryBudget / 2 : available / 8;
+    document.stopped = options.stopped;
     document.leastMemory = options.memoryBudget != 0 ? 0 : available / 16;
     return document;
 }
@@ -44,9 +45,11 @@ OpenDocument::OpenDocument(OpenOptions options)
 }
 
 ByteSource OpenDocument::open(const std::string& file) const {
-    return options_.memory ? ByteSource::memory(*options_.memory, options_.name)
-           : options_.pull ? ByteSource::pulled(options_.pull, options_.name)
-                           : ByteSource::file(file);
+    ByteSource bytes = options_.memory ? ByteSource::memory(*options_.memory, options_.name)
+                       : options_.pull ? ByteSource::pulled(options_.pull, options_.name)
+                                       : ByteSource::file(file);
+    bytes.stopWhen(options_.stopped);
+    return bytes;
 }
 
 // Bytes of what can be read again; nothing when it cannot.

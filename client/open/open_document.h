@@ -20,6 +20,7 @@
 #include "../shape/shape.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -44,6 +45,7 @@ struct OpenOptions {
     uint64_t memoryBudget = 0;            // bytes that the process may hold; 0: any number
     unsigned threads = 0;                 // 0: as many as there are cores
     bool records = false;                 // records are wanted: of ALLDATA, or for retained values
+    std::function<bool()> stopped = {};   // see DocumentOptions
 };
 
 class OpenDocument {

@@ -16,7 +16,7 @@
 namespace qvej {
 namespace {
 
-constexpr std::size_t kEndBytes = std::size_t{1} << 20;
+constexpr std::size_t kEndBytes = std::size_t{1} << 16;
 
 // Of the first and the last bytes of a file; 0: it cannot be read.
 std::size_t checksumOf(const std::string& name, off_t size) {

@@ -14,6 +14,7 @@
 #include "../quiet_thread.h"
 #include "text_part.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <exception>
@@ -48,14 +49,15 @@ class PartPipeline {
     using Make = std::function<std::unique_ptr<Worker>(Put put)>;
 
     // Starts the threads.
-    //   read  gives all pieces in order
+    //   read     gives all pieces in order
+    //   stopped  see DocumentOptions
     using Read = std::function<void(const TakePart& take)>;
-    PartPipeline(const Read& read, unsigned workers, Make make);
+    PartPipeline(const Read& read, unsigned workers, Make make, std::function<bool()> stopped = {});
     ~PartPipeline();
     PartPipeline(const PartPipeline&) = delete;
     PartPipeline& operator=(const PartPipeline&) = delete;
 
-    // The next result; false after the last.  Throws what reading or working threw.
+    // The next result; false after the last.  Throws what reading or working threw, and QV_STOPPED.
     bool next(Result& result);
 
     // The same without threads: one part after the other.
@@ -65,6 +67,7 @@ class PartPipeline {
     static constexpr std::size_t kMostPieces = 2;
     static constexpr std::size_t kMostResults = 4;
     static constexpr std::size_t kMoreParts = 2;
+    static constexpr std::chrono::milliseconds kLookAgain{10};  // whether it is still wanted
 
     struct Stopped {};  // thrown through a thread that is not needed any more
 
@@ -85,6 +88,7 @@ class PartPipeline {
         }
     }
 
+    void waitForResult(std::unique_lock<std::mutex>& lock);
     void stop();
     void give(TextPart piece);
     void readAll(const Read& read);
@@ -95,6 +99,7 @@ class PartPipeline {
 
     const unsigned workers_;
     const Make make_;
+    const std::function<bool()> wantedNoMore_;
     std::mutex mutex_;
     std::condition_variable changed_;
     std::deque<std::shared_ptr<Job>> jobs_;     // not taken to the end, in order
@@ -106,8 +111,9 @@ class PartPipeline {
 };
 
 template <class Result>
-PartPipeline<Result>::PartPipeline(const Read& read, unsigned workers, Make make)
-    : workers_(workers), make_(std::move(make)) {
+PartPipeline<Result>::PartPipeline(const Read& read, unsigned workers, Make make,
+                                   std::function<bool()> stopped)
+    : workers_(workers), make_(std::move(make)), wantedNoMore_(std::move(stopped)) {
     threads_.push_back(startQuietly([this, read] { readAll(read); }));
     for (unsigned i = 0; i < workers; ++i) {
         threads_.push_back(startQuietly([this] { workAll(); }));
@@ -253,13 +259,28 @@ void PartPipeline<Result>::run(const Read& read, const Make& make, const Put& pu
     });
 }
 
+// Of the thread that takes the results.
+template <class Result>
+void PartPipeline<Result>::waitForResult(std::unique_lock<std::mutex>& lock) {
+    const auto ready = [&] {
+        return jobs_.empty() ? read_ : !jobs_.front()->results.empty() || jobs_.front()->done;
+    };
+    if (!wantedNoMore_) {
+        changed_.wait(lock, ready);
+        return;
+    }
+    do {
+        if (wantedNoMore_()) {
+            throw Error(QV_STOPPED);
+        }
+    } while (!changed_.wait_for(lock, kLookAgain, ready));
+}
+
 template <class Result>
 bool PartPipeline<Result>::next(Result& result) {
     std::unique_lock lock(mutex_);
     for (;;) {
-        changed_.wait(lock, [&] {
-            return jobs_.empty() ? read_ : !jobs_.front()->results.empty() || jobs_.front()->done;
-        });
+        waitForResult(lock);
         if (jobs_.empty()) {
             if (readFailure_ != nullptr) {
                 std::rethrow_exception(readFailure_);

@@ -217,9 +217,9 @@ void PartWalk::read(const TakePart& take) const {
 }
 
 void PartWalk::start() {
-    line_ = std::make_unique<Line>([this](const TakePart& take) { read(take); },
-                                   asOne_ ? 1 : parts_.threads,
-                                   [this](Line::Put put) { return makeWalk(std::move(put)); });
+    line_ = std::make_unique<Line>(
+        [this](const TakePart& take) { read(take); }, asOne_ ? 1 : parts_.threads,
+        [this](Line::Put put) { return makeWalk(std::move(put)); }, parts_.options.stopped);
 }
 
 std::unique_ptr<PartWalk::Line::Worker> PartWalk::makeWalk(Line::Put put) {

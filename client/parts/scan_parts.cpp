@@ -118,7 +118,7 @@ bool scanParts(PartsOfDocument& parts, Document& sum) {
     PartSum all(parts, sum);
     try {
         if (parts.threads > 1) {
-            Line line(read, parts.threads, make);
+            Line line(read, parts.threads, make, parts.options.stopped);
             for (CountedPart part; line.next(part);) {
                 all.add(part);
             }
@@ -130,7 +130,7 @@ bool scanParts(PartsOfDocument& parts, Document& sum) {
     } catch (const Indivisible&) {
         return false;
     } catch (const Error& error) {
-        if (!error.file().empty() && error.line() == 0) {
+        if (error.status() == QV_STOPPED || (!error.file().empty() && error.line() == 0)) {
             throw;  // it is not about the text
         }
         return false;

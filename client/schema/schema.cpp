@@ -39,7 +39,8 @@ class ItemRows {
     uint64_t take(const PassItem& item, SchemaBuilder& builder) {
         std::unique_ptr<PassRow>& row = rows_[item.table];
         if (row == nullptr) {
-            row = std::make_unique<PassRow>(document_, *tables_[item.table]);
+            row = std::make_unique<PassRow>(document_, *tables_[item.table],
+                                            [this](const Row&, const Rejected&) { ++rejected_; });
         }
         if (!row->take(item)) {
             return 0;
@@ -48,16 +49,21 @@ class ItemRows {
         return 1;
     }
 
+    // Values since the last call.
+    uint64_t takeRejected() { return std::exchange(rejected_, 0); }
+
    private:
     const Document& document_;
     const std::vector<const Table*>& tables_;
     std::vector<std::unique_ptr<PassRow>> rows_;
+    uint64_t rejected_ = 0;
 };
 
 // Facts of the rows of a part, found where they are made.
 struct PartFacts final : RowResult {
     SchemaBuilder::Batch batch = {};
     uint64_t rows = 0;
+    uint64_t rejected = 0;
 };
 
 class FactsWork final : public RowWork {
@@ -72,6 +78,7 @@ class FactsWork final : public RowWork {
         auto facts = std::make_unique<PartFacts>();
         facts->batch = builder_.takeBatch(noRows_);
         facts->rows = std::exchange(rows_, 0);
+        facts->rejected = items_.takeRejected();
         return facts;
     }
 
@@ -265,11 +272,14 @@ Schema schemaOf(const Document& document, const std::vector<const Table*>& table
 
 Schema schemaOf(const Document& document, const std::vector<const Table*>& tables, TablePass& pass,
                 unsigned threads, const SchemaOptions& options,
-                const std::function<void(uint64_t)>& onRows) {
+                const std::function<void(uint64_t)>& onRows, uint64_t* rejected) {
     SchemaBuilder builder(document, tables, options);
-    const auto tell = [&](uint64_t rows) {
+    const auto tell = [&](uint64_t rows, uint64_t rejectedValues) {
         if (onRows) {
             onRows(rows);
+        }
+        if (rejected != nullptr) {
+            *rejected += rejectedValues;
         }
     };
     if (pass.works()) {
@@ -278,7 +288,7 @@ Schema schemaOf(const Document& document, const std::vector<const Table*>& table
                   [&](std::unique_ptr<RowResult> result) {
                       const auto& part = static_cast<const PartFacts&>(*result);
                       builder.add(part.batch);
-                      tell(part.rows);
+                      tell(part.rows, part.rejected);
                   });
     } else {
         ItemRows rows(document, tables);
@@ -287,7 +297,7 @@ Schema schemaOf(const Document& document, const std::vector<const Table*>& table
             for (const PassItem& item : items) {
                 count += rows.take(item, builder);
             }
-            tell(count);
+            tell(count, rows.takeRejected());
         });
     }
     return builder.end();

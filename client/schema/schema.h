@@ -151,9 +151,11 @@ class SchemaBuilder::Batch {
                               const SchemaOptions& options);
 
 // The same by that pass, which is at its end afterwards.
-//   onRows  when there is one: is told of further rows, how many
+//   onRows    when there is one: is told of further rows, how many
+//   rejected  if that is not null: the values are added that columns cannot take, or in part only
 [[nodiscard]] Schema schemaOf(const Document& document, const std::vector<const Table*>& tables,
                               TablePass& pass, unsigned threads, const SchemaOptions& options,
-                              const std::function<void(uint64_t)>& onRows = {});
+                              const std::function<void(uint64_t)>& onRows = {},
+                              uint64_t* rejected = nullptr);
 
 }  // namespace qvej

@@ -286,6 +286,14 @@ const char* jmapContainerPath(QVEJMAPJsonContexth inh, JMAPContainerh container,
     return path.data();
 }
 
+const char* jmapOpenPath(QVEJMAPJsonContexth inh, QVStrSize* pathLen) {
+    JMAP_PRIVATE* p = contextOf(inh);
+    const PATHNODE* const node = p->awaited != nullptr ? p->awaited : &p->pathAt->node;
+    const std::string_view path = pathText(p, node, node->textLen);
+    *pathLen = lengthOf(path);
+    return path.data();
+}
+
 uint32_t jmapPartFlags(QVEJMAPJsonContexth inh) {
     return partFlags(contextOf(inh));
 }

@@ -6,9 +6,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <climits>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -125,6 +128,40 @@ TEST_F(OpenDocuments, SayWhatIsWrongAndWhere) {
             EXPECT_NE(std::string::npos, error.file().find(one.file)) << error.file();
             EXPECT_EQ(one.placed, error.line() != 0) << error.what();
         }
+    }
+}
+
+// Whenever it is stopped, it ends so, and a walk that is stopped leaves the document as it was.
+TEST_F(OpenDocuments, EndWhenTheyAreStopped) {
+    const std::string array = "[" + largeText(",") + "]";
+    std::atomic<int> left = INT_MAX;
+    const auto stopped = [&] { return --left < 0; };
+    const OpenOptions ways[] = {
+        {.memory = array, .threads = 2, .stopped = stopped},
+        {.memory = array, .threads = 1, .stopped = stopped},
+        {.memory = array, .shape = "auto", .stopped = stopped},
+        {.memory = array, .records = true, .stopped = stopped},
+    };
+    const auto stops = [&](const std::function<void()>& work) {
+        int count = 0;
+        for (left = 0;; left = ++count * 3) {
+            try {
+                work();
+                return count;
+            } catch (const qvej::Error& error) {
+                EXPECT_EQ(QV_STOPPED, error.status()) << error.what();
+            }
+        }
+    };
+    for (const OpenOptions& way : ways) {
+        EXPECT_GT(stops([&] { const OpenDocument open(way); }), 0) << way.threads;
+        left = INT_MAX;
+        const OpenDocument open(way);
+        const Lines want = rowsOf(open);
+        const int stoppedWalks = stops([&] { (void)rowsOf(open); });
+        EXPECT_TRUE(way.records || stoppedWalks > 0);  // of so few records none may be
+        left = INT_MAX;
+        EXPECT_EQ(want, rowsOf(open));
     }
 }
 
