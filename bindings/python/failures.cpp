@@ -43,7 +43,7 @@ void raise(const Error& error) {
     const nb::object type = nb::module_::import_("qvejmap._errors").attr(classOf(error));
     const nb::object made =
         type(textOf(error.what()), fileNameOf(place.file), place.line, place.column, place.offset,
-             error.status(), textOf(error.excerpt()));
+             error.status(), textOf(error.excerpt()), textOf(place.path));
     PyErr_SetObject(type.ptr(), made.ptr());
 }
 

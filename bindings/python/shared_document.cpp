@@ -1,7 +1,13 @@
 // See shared_document.h.
 #include "bindings/python/shared_document.h"
 
+#include "bindings/python/interrupt.h"
+#include "client/pass_pipe.h"
+#include "formats/output_work.h"
+#include "formats/table_outputs.h"
+
 #include <algorithm>
+#include <chrono>
 #include <thread>
 #include <utility>
 
@@ -9,51 +15,180 @@ namespace qvej::python {
 
 namespace {
 
+constexpr std::chrono::milliseconds kLookAgain{20};
+constexpr std::size_t kMostHeld = std::size_t{16} << 20;  // bytes of rows that are in no batch yet
+constexpr std::size_t kRejectsAtOnce = 1000;
+
 unsigned threadsOf(const OpenOptions& options) {
     return options.threads != 0 ? options.threads
                                 : std::max(1U, std::thread::hardware_concurrency());
 }
 
+// What `work` does, with the name of the document in what it throws.
+template <class Work>
+auto named(const OpenDocument& document, const Work& work) {
+    try {
+        return work();
+    } catch (const Error& error) {
+        if (!error.file().empty()) {
+            throw;
+        }
+        throw Error(error.status(), error.what(), document.name());
+    }
+}
+
 }  // namespace
 
-SharedDocument::SharedDocument(OpenOptions options, std::shared_ptr<const void> source)
-    : source_(std::move(source)), threads_(threadsOf(options)), open_(std::move(options)) {}
+SharedDocument::SharedDocument(std::shared_ptr<Opened> opened, bool alldata, bool carry)
+    : opened_(std::move(opened)),
+      alldata_(alldata),
+      carry_(carry),
+      threads_(threadsOf(opened_->options)) {
+    if (alldata) {
+        tables_.push_back(&document().alldata());
+        return;
+    }
+    for (const Table& table : document().tables()) {
+        tables_.push_back(&table);
+    }
+}
+
+SharedDocument::SharedDocument(OpenOptions options, std::shared_ptr<const void> source, bool carry)
+    : SharedDocument(std::make_shared<Opened>(std::move(options), std::move(source)), false,
+                     carry) {}
+
+std::shared_ptr<SharedDocument> SharedDocument::alldata(const SharedDocument& of) {
+    std::shared_ptr<Opened> opened = of.opened_;
+    if (of.document().parts() != nullptr) {
+        OpenOptions options = opened->options;
+        options.records = true;
+        opened = std::make_shared<Opened>(std::move(options), opened->held);
+    }
+    return std::shared_ptr<SharedDocument>(new SharedDocument(std::move(opened), true, false));
+}
+
+std::unique_lock<std::timed_mutex> SharedDocument::turn() const {
+    std::unique_lock lock(opened_->walking, std::defer_lock);
+    while (!lock.try_lock_for(kLookAgain)) {
+        if (isStopped()) {
+            throw Error(QV_STOPPED);
+        }
+    }
+    return lock;
+}
+
+void SharedDocument::find() {
+    const std::unique_lock lock = turn();
+    if (schema_) {
+        return;
+    }
+    TablePass pass(document(), tables_, false, carry_);
+    Findings found;
+    Schema schema = schemaOf(document(), tables_, pass, threads_, {}, {}, &found.rejected);
+    if (!alldata_) {
+        found.inNoCell = lostOf(document(), pass, tables_);
+        found.losses = rowLossesOf(pass, tables_);
+    }
+    findings_ = found;
+    schema_ = std::move(schema);
+}
 
 const Schema& SharedDocument::schema() {
-    const std::lock_guard lock(mutex_);
-    if (!schema_) {
-        std::vector<const Table*> all;
-        for (const Table& table : tables()) {
-            all.push_back(&table);
-        }
-        schema_ = schemaOf(open_.document(), all, false, false, threads_, {});
-    }
+    named(open(), [&] { find(); });
     return *schema_;
+}
+
+const Findings& SharedDocument::findings() {
+    (void)schema();
+    return findings_;
+}
+
+std::vector<BatchTables::Batches> SharedDocument::batches(const std::vector<std::size_t>& tables) {
+    Schema some;
+    std::vector<const Table*> of;
+    for (const std::size_t table : tables) {
+        some.tables.push_back(schema().tables[table]);
+        of.push_back(tables_[table]);
+    }
+    const std::unique_lock lock = turn();
+    return named(open(), [&] {
+        TablePass pass(document(), of, false, carry_);
+        BatchTables destination;
+        destination.open(of, &some);
+        TableOutputs outputs(
+            document(), of, destination, kMostHeld, [](const Table&) { return RejectHandler(); },
+            nullptr);
+        if (pass.works()) {
+            pass.work(
+                [&] { return std::make_unique<OutputWork>(document(), of, destination, nullptr); },
+                [&](std::unique_ptr<RowResult> result) {
+                    outputs.take(static_cast<OutputPieces&>(*result));
+                });
+        } else {
+            runPass(pass, threads_, [&](std::span<const PassItem> items) { outputs.take(items); });
+        }
+        outputs.end();
+        return std::move(destination.batches());
+    });
+}
+
+std::vector<PathAccount> SharedDocument::account() {
+    const std::unique_lock lock = turn();
+    return named(open(), [&] { return accountOf(document(), false, carry_); });
 }
 
 SharedReader::SharedReader(std::shared_ptr<SharedDocument> document, const BatchWish& wish)
     : document_(std::move(document)) {
     const TableSchema& table = document_->schema().tables[wish.table];
-    const std::lock_guard lock(document_->mutex());
-    reader_ =
-        std::make_unique<BatchReader>(document_->open().document(), table, wish.columns, wish.rows);
+    const std::unique_lock lock = document_->turn();
+    reader_ = std::make_unique<BatchReader>(document_->document(), table, wish.columns, wish.rows,
+                                            document_->carry());
 }
 
 SharedReader::~SharedReader() {
-    const std::lock_guard lock(document_->mutex());
+    const std::unique_lock lock = document_->lastTurn();
     reader_.reset();
 }
 
 std::shared_ptr<const RecordBatch> SharedReader::next() {
-    const std::lock_guard lock(document_->mutex());
-    try {
-        return reader_->next();
-    } catch (const Error& error) {
-        if (!error.file().empty()) {
-            throw;
-        }
-        throw Error(error.status(), error.what(), document_->open().name());
+    const std::unique_lock lock = document_->turn();
+    return named(document_->open(), [&] { return reader_->next(); });
+}
+
+RejectReader::RejectReader(std::shared_ptr<SharedDocument> document)
+    : document_(std::move(document)), rows_(document_->tables().size()) {
+    const std::unique_lock lock = document_->turn();
+    pass_ = std::make_unique<TablePass>(document_->document(), document_->tables(), false,
+                                        document_->carry());
+}
+
+RejectReader::~RejectReader() {
+    const std::unique_lock lock = document_->lastTurn();
+    pass_.reset();
+}
+
+PassRow& RejectReader::rowOf(std::size_t table) {
+    std::unique_ptr<PassRow>& row = rows_[table];
+    if (row == nullptr) {
+        row = std::make_unique<PassRow>(
+            document_->document(), *document_->tables()[table],
+            [this, table](const Row&, const Rejected& value) {
+                values_.push_back({table, value.column, value.row, std::string(value.text),
+                                   std::string(value.reason)});
+            });
     }
+    return *row;
+}
+
+std::vector<RejectedValue> RejectReader::next() {
+    const std::unique_lock lock = document_->turn();
+    return named(document_->open(), [&] {
+        PassItem item;
+        while (values_.size() < kRejectsAtOnce && pass_->next(item)) {
+            (void)rowOf(item.table).take(item);
+        }
+        return std::exchange(values_, {});
+    });
 }
 
 }  // namespace qvej::python

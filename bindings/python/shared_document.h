@@ -1,41 +1,89 @@
-// A document that batches of its tables are read from, by several readers and threads.
+// A document whose tables are read by several readers and threads.
 //
 // Tested by tests/bindings/python/
 #pragma once
 
+#include "client/account.h"
 #include "client/open/open_document.h"
 #include "client/schema/schema.h"
+#include "client/table_pass.h"
 #include "formats/arrow_c/batch_reader.h"
+#include "formats/arrow_c/batch_tables.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace qvej::python {
 
+// A document that is open.  One walk of it goes on at a time.
+struct Opened {
+    // `source`: what the options point to; it is kept as long.
+    Opened(OpenOptions wishes, std::shared_ptr<const void> source)
+        : held(std::move(source)), options(std::move(wishes)), document(options) {}
+
+    const std::shared_ptr<const void> held;  // ends last
+    const OpenOptions options;
+    const OpenDocument document;
+    std::timed_mutex walking;
+};
+
+// What rows have shown of values that are not in them, or perhaps in the wrong one.
+struct Findings {
+    uint64_t rejected = 0;  // their columns cannot take them, or in part only
+    uint64_t inNoCell = 0;
+    RowLosses losses = {};
+};
+
+// Tables of a document: those of its map, or ALLDATA alone.
 class SharedDocument {
    public:
     // Reads it.  Throws as OpenDocument.
-    //   source  what the options point to; it is kept as long
-    SharedDocument(OpenOptions options, std::shared_ptr<const void> source);
+    //   carry  as of TablePass
+    SharedDocument(OpenOptions options, std::shared_ptr<const void> source, bool carry);
 
-    [[nodiscard]] const OpenDocument& open() const { return open_; }
-    [[nodiscard]] const std::vector<Table>& tables() const { return open_.document().tables(); }
+    // ALLDATA of that document, which is read once more when it has no records.  Throws as
+    // OpenDocument.
+    [[nodiscard]] static std::shared_ptr<SharedDocument> alldata(const SharedDocument& of);
+
+    [[nodiscard]] const OpenDocument& open() const { return opened_->document; }
+    [[nodiscard]] const Document& document() const { return open().document(); }
+    [[nodiscard]] const std::vector<const Table*>& tables() const { return tables_; }
+    [[nodiscard]] bool carry() const { return carry_; }
 
     // Types and keys of all tables, by a walk when they are asked for first.
     [[nodiscard]] const Schema& schema();
+    [[nodiscard]] const Findings& findings();
 
-    // Held while the document is walked: one walk goes on at a time.
-    [[nodiscard]] std::mutex& mutex() { return mutex_; }
+    // Held while the document is walked.  Throws QV_STOPPED.
+    [[nodiscard]] std::unique_lock<std::timed_mutex> turn() const;
+    // Likewise, to end a walk.
+    [[nodiscard]] std::unique_lock<std::timed_mutex> lastTurn() const {
+        return std::unique_lock(opened_->walking);
+    }
+
+    // All rows of some tables, by one walk.
+    [[nodiscard]] std::vector<BatchTables::Batches> batches(const std::vector<std::size_t>& tables);
+
+    // What becomes of the values of each path.
+    [[nodiscard]] std::vector<PathAccount> account();
 
    private:
-    const std::shared_ptr<const void> source_;  // ends last
+    SharedDocument(std::shared_ptr<Opened> opened, bool alldata, bool carry);
+    void find();
+
+    const std::shared_ptr<Opened> opened_;
+    std::vector<const Table*> tables_;
+    const bool alldata_;
+    const bool carry_;
     const unsigned threads_;
-    OpenDocument open_;
-    std::mutex mutex_;
     std::optional<Schema> schema_;
+    Findings findings_;
 };
 
 // Which columns of which table, and the most rows of a batch.
@@ -59,6 +107,35 @@ class SharedReader {
    private:
     std::shared_ptr<SharedDocument> document_;
     std::unique_ptr<BatchReader> reader_;
+};
+
+// A value that its column cannot take.
+struct RejectedValue {
+    std::size_t table;
+    std::size_t column;
+    uint64_t row;  // from 1
+    std::string text;
+    std::string reason;
+};
+
+// The rejected values of all tables, in the order of the rows.
+class RejectReader {
+   public:
+    explicit RejectReader(std::shared_ptr<SharedDocument> document);
+    ~RejectReader();
+    RejectReader(const RejectReader&) = delete;
+    RejectReader& operator=(const RejectReader&) = delete;
+
+    // Some more, none after the last.  Throws as SharedReader::next.
+    [[nodiscard]] std::vector<RejectedValue> next();
+
+   private:
+    [[nodiscard]] PassRow& rowOf(std::size_t table);
+
+    std::shared_ptr<SharedDocument> document_;
+    std::unique_ptr<TablePass> pass_;
+    std::vector<std::unique_ptr<PassRow>> rows_;
+    std::vector<RejectedValue> values_;
 };
 
 }  // namespace qvej::python

@@ -5,7 +5,7 @@
 
 #include "client/schema/schema.h"
 #include "client/table_pass.h"
-#include "formats/arrow_c/column_buffers.h"
+#include "formats/arrow_c/batch_maker.h"
 #include "formats/arrow_c/record_batch.h"
 
 #include <cstddef>
@@ -19,22 +19,18 @@ class BatchReader {
     // The document and the schema must outlive it.  Throws as TablePass and PassRow.
     //   columns  which of the table's, by their positions
     //   rows     at most so many in a batch, more than 0
+    //   carry    as of TablePass
     BatchReader(const Document& document, const TableSchema& table,
-                std::vector<std::size_t> columns, std::size_t rows);
+                std::vector<std::size_t> columns, std::size_t rows, bool carry);
 
     // Null after the last.  Throws as TablePass::next.
     [[nodiscard]] std::shared_ptr<const RecordBatch> next();
 
    private:
-    void take();
-    [[nodiscard]] bool full() const;
-
     TablePass pass_;
     PassRow row_;
-    std::vector<std::size_t> columns_;
-    std::vector<std::unique_ptr<ColumnBuffers>> builders_;
+    BatchMaker maker_;
     std::size_t mostRows_;
-    std::size_t rows_ = 0;  // that are held
     bool ended_ = false;
 };
 

@@ -43,6 +43,16 @@ class Buffer {
         append(&value, sizeof value);
     }
 
+    // What has been appended, in no more memory than it needs.  This one keeps its memory, for what
+    // comes next.
+    [[nodiscard]] Buffer take() {
+        Buffer taken;
+        taken.reserve(size_);
+        taken.append(data(), size_);
+        size_ = 0;
+        return taken;
+    }
+
    private:
     struct Free {
         void operator()(std::byte* bytes) const {
@@ -58,6 +68,9 @@ class Buffer {
         while (capacity - size_ < count) {
             capacity *= 2;
         }
+        reserve(capacity);
+    }
+    void reserve(std::size_t capacity) {
         std::unique_ptr<std::byte[], Free> bytes(new (std::align_val_t{kAlignment})
                                                      std::byte[capacity]);
         if (size_ != 0) {

@@ -25,7 +25,7 @@ class Bits {
     }
     [[nodiscard]] Buffer finish() {
         count_ = 0;
-        return std::exchange(bytes_, {});
+        return bytes_.take();
     }
 
    private:
@@ -66,7 +66,7 @@ class FixedColumn final : public ColumnBuffers {
     [[nodiscard]] ColumnData finish() override {
         ColumnData data;
         validity_.finish(data);
-        data.buffers.push_back(std::exchange(values_, {}));
+        data.buffers.push_back(values_.take());
         return data;
     }
 
@@ -113,8 +113,8 @@ class TextColumn final : public ColumnBuffers {
     [[nodiscard]] ColumnData finish() override {
         ColumnData data;
         validity_.finish(data);
-        data.buffers.push_back(std::exchange(offsets_, {}));
-        data.buffers.push_back(std::exchange(bytes_, {}));
+        data.buffers.push_back(offsets_.take());
+        data.buffers.push_back(bytes_.take());
         begin();
         return data;
     }

@@ -7,8 +7,11 @@
     doc["orders_items"].to_polars()  # or to_arrow, to_pandas, to_duckdb
 """
 
-from ._document import Batch, Column, Document, Parent, Table, open
-from ._errors import Error, FileError, LimitReached, MapError, NotJson
+from ._document import Document, Lost, PathAccount, Rejected
+from ._errors import Error, FileError, LimitReached, MapError, NotJson, ValuesWarning
+from ._map import Map
+from ._open import open
+from ._tables import Batch, Column, Parent, Table
 
 __all__ = [
     "Batch",
@@ -17,9 +20,14 @@ __all__ = [
     "Error",
     "FileError",
     "LimitReached",
+    "Lost",
+    "Map",
     "MapError",
     "NotJson",
     "Parent",
+    "PathAccount",
+    "Rejected",
     "Table",
+    "ValuesWarning",
     "open",
 ]

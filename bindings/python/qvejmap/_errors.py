@@ -13,22 +13,23 @@ class Error(Exception):
         line: from 1; 0 when it is the file as a whole.
         column: from 1, in bytes (in UTF-16 and UTF-32 in units of 16 or 32 bits); 0 as `line`.
         offset: bytes before the place; -1 when not known.
-        path: the path in the document, "" when not known.
+        path: of the value that stands there, "/root/orders/id"; "" when not known.
         status: the number of the mistake, as include/qvstatus.h lists them.
         excerpt: the text around the place and a line with a caret under it, or "".
     """
 
     def __init__(
-        self, what: str, file: str, line: int, column: int, offset: int, status: int, excerpt: str
+        self, what: str, file: str, line: int, column: int, offset: int, status: int, excerpt: str,
+        path: str = "",
     ) -> None:
         place = f"{file}:{line}:{column}" if line else file
         super().__init__(f"{place}: {what}" if place else what)
-        self._made_of = (what, file, line, column, offset, status, excerpt)
+        self._made_of = (what, file, line, column, offset, status, excerpt, path)
         self.file = file
         self.line = line
         self.column = column
         self.offset = offset
-        self.path = ""
+        self.path = path
         self.status = status
         self.excerpt = excerpt
 
@@ -50,3 +51,7 @@ class LimitReached(Error):
 
 class FileError(Error):
     """A file that is not there, or cannot be read."""
+
+
+class ValuesWarning(UserWarning):
+    """Values of a document are not in its tables as they are, or perhaps in the wrong row."""

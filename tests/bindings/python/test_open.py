@@ -98,7 +98,7 @@ class Options(unittest.TestCase):
         self.assertEqual(chosen["mine"].columns[-1].label, "Price")
         with tempfile.TemporaryDirectory() as folder:
             file = os.path.join(folder, "map.json")
-            automatic.save_map(file)
+            automatic.map.save(file)
             self.assertEqual(json.loads(pathlib.Path(file).read_bytes()), automatic.map)
             self.assertEqual(rows_of(qvejmap.open(TEXT, map=file)), rows_of(automatic))
 

@@ -1,0 +1,87 @@
+"""Opens documents."""
+
+from __future__ import annotations
+
+from collections.abc import Iterable, Mapping
+from typing import Any, Literal
+
+from . import _qvejmap
+from ._document import Document
+from ._source import Path, Source, map_text, name_of, reader_of, shape_text, words_of
+
+
+def open(
+    source: Source,
+    *,
+    map: Path | Mapping[str, Any] | None = None,
+    shape: Path | Iterable[str] | None = None,
+    lines: Literal[True] | None = None,
+    encoding: str = "auto",
+    memory: int | None = None,
+    threads: int | None = None,
+    exact: bool = False,
+    naming: Literal["map", "original"] = "map",
+    carry: bool = False,
+    depth: int = 1000,
+    max_paths: int = 10_000_000,
+) -> Document:
+    """Reads a document, so that a mistake in its text is raised here.
+
+    Args:
+        source: a file, a folder or a pattern, or several of them; bytes, or any other buffer, which
+            must not change while the document is open; or a file object, which is read in pieces.
+            Compressed or not.
+        map: the tables and columns, as a file or a dict; else the automatic ones.
+        shape: "auto", a file of rules, or a list of rules.
+        lines: one value a line; else it is found by the name and the text.
+        encoding: of the text; else found by its first bytes.
+        memory: bytes that the process may hold.
+        threads: as many as there are cores, unless it is said.
+        exact: numbers that a double does not keep are texts, as the document has them, in a map of
+            the document's own.
+        naming: "map" for names of letters, digits and "_", "original" for the document's own.
+        carry: columns whose path is not below their table's have the value of the row's own
+            ancestor, wherever it stands in it.
+        depth: nesting limit.
+        max_paths: limit of distinct paths.
+
+    Raises:
+        NotJson, LimitReached, MapError, FileError: see these.
+        Error: a mistake in an argument's text, such as a rule or the name of an encoding.
+    """
+    if naming not in ("map", "original"):
+        raise ValueError("naming: 'map' or 'original'")
+    if lines not in (None, True):
+        raise ValueError("lines: True or None")
+    for name, number in (("memory", memory), ("threads", threads)):
+        if number is not None and number < 1:
+            raise ValueError(f"{name}: at least 1")
+    words: list[bytes] = []
+    buffer = read = None
+    title = b"<memory>"
+    if isinstance(source, (bytes, bytearray, memoryview)):
+        buffer = source
+    elif callable(getattr(source, "read", None)):
+        read, title = reader_of(source), name_of(source)  # type: ignore[arg-type]
+    else:
+        words = words_of(source)  # type: ignore[arg-type]
+    map_bytes, map_name = map_text(map)
+    return Document(
+        _qvejmap.open(
+            words,
+            buffer,
+            read,
+            name=title,
+            encoding=encoding,
+            lines=bool(lines),
+            shape=shape_text(shape),
+            map=map_bytes,
+            map_name=map_name,
+            original_names=naming == "original",
+            carry=carry,
+            memory=memory or 0,
+            threads=threads or 0,
+            depth=depth,
+            max_paths=max_paths,
+        )
+    )

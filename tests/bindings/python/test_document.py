@@ -1,0 +1,89 @@
+"""What a document tells beside its tables."""
+
+import unittest
+import warnings
+
+import qvejmap
+from documents import ODD, large
+
+MIXED = b'{"o":[{"n":"x","u":1},{"n":"12"},{"n":3}],"o2":[[1,2],[3]]}'
+NUMERIC = {"DATASETS": [{"DSNAME": "T", "TABLEPATH": "/root/o", "VARIABLES": [
+    {"NAME": "n", "TYPE": "NUMERIC", "PATH": "/root/o/n"}]}]}
+
+
+class Documents(unittest.TestCase):
+    def test_all_tables_come_of_one_walk(self):
+        for text in (ODD["nested"], large()):
+            for threads in (1, 2):
+                doc = qvejmap.open(text, threads=threads)
+                arrow = doc.to_arrow()
+                self.assertEqual(list(arrow), list(doc.tables))
+                for name, table in doc.tables.items():
+                    self.assertEqual(arrow[name].to_pylist(), list(table), name)
+                last = list(doc.tables)[-1]
+                self.assertEqual(list(doc.to_arrow([last])), [last])
+                self.assertEqual(doc.to_polars([last])[last].to_dicts(), arrow[last].to_pylist())
+        with self.assertRaises(KeyError):
+            doc.to_arrow(["no"])
+        with self.assertRaises(TypeError):
+            doc.to_arrow("root")
+        self.assertEqual(doc.to_arrow([]), {})
+
+    def test_alldata_has_every_value(self):
+        for text, values in ((ODD["nested"], 6), (large(), 12000 * 6)):
+            doc = qvejmap.open(text)
+            alldata = doc.alldata
+            self.assertEqual((alldata.name, sum(row["Value"] is not None for row in alldata)), ("ALLDATA", values))
+            self.assertIs(doc.alldata, alldata)
+        doc.close()
+        self.assertEqual(alldata.columns[0].name, "P")  # it stays open until it is dropped
+
+    def test_values_that_are_not_in_the_tables_are_told(self):
+        with warnings.catch_warnings(record=True) as told:
+            warnings.simplefilter("always")
+            doc = qvejmap.open(MIXED, map=NUMERIC)
+            self.assertEqual([row["n"] for row in doc["T"]], [None, 12, 3])
+            self.assertEqual([row["n"] for row in doc["T"]], [None, 12, 3])
+        self.assertEqual([(w.category, w.filename) for w in told], [(qvejmap.ValuesWarning, __file__)])
+        self.assertEqual(list(doc.rejects), [("T", "n", 1, "x", "not a number")])
+        fates = {path.path: (path.values, path.cells, path.no_column.values, path.rejected)
+                 for path in doc.account()}
+        self.assertEqual(fates["/root/o/n"], (3, 2, 0, (1, 1)))
+        self.assertEqual(fates["/root/o/u"], (1, 0, 1, (0, 0)))
+        # Counted in parts as well.
+        rows = b",".join(b'{"id":%d,"n":"%s"}' % (i, b"x" * 400) for i in range(12000))
+        map = {"DATASETS": [{"DSNAME": "T", "TABLEPATH": "/root", "VARIABLES": [
+            {"NAME": "n", "TYPE": "NUMERIC", "PATH": "/root/n"}]}]}
+        doc = qvejmap.open(b"[" + rows + b"]", map=map)
+        with self.assertWarnsRegex(qvejmap.ValuesWarning, "12,000 values are rejected"):
+            self.assertEqual(doc["T"].rows, 12000)
+        self.assertEqual([value.row for value in doc.rejects], list(range(1, 12001)))
+
+    def test_its_shape_and_carried_columns(self):
+        prices = b'{"rates":{"EUR":{"x":1},"USD":{"x":2}}}'
+        self.assertEqual(qvejmap.open(prices).shape, [])
+        self.assertEqual(qvejmap.open(prices, shape=["rows  /root/rates as code"]).shape,
+                         ["rows /root/rates as code"])
+        late = b'[{"i":[{"a":1},{"a":2}],"id":7},{"i":[{"a":3}],"id":8}]'
+        map = {"DATASETS": [{"DSNAME": "T", "TABLEPATH": "/root/i", "VARIABLES": [
+            {"NAME": "id", "TYPE": "NUMERIC", "PATH": "/root/id"}, {"NAME": "a", "TYPE": "NUMERIC", "PATH": "/root/i/a"}]}]}
+        table = qvejmap.open(late, map=map, carry=True)["T"]
+        for rows in (list(table), table.to_arrow().to_pylist()):
+            self.assertEqual([(row["id"], row["a"]) for row in rows], [(7, 1), (7, 2), (8, 3)])
+
+
+class Paths(unittest.TestCase):
+    def test_of_mistakes(self):
+        for text, path in (
+            (b'{"a":{"b":[1,{"c":2x}]}}', "/root/a/b"),
+            (b'{"a":1,"b":{"c":tru}}', "/root/b/c"),
+            (b"[1,2,", "/root"),
+            (b'{"a":{"b":1},}', "/root"),
+        ):
+            with self.subTest(text), self.assertRaises(qvejmap.NotJson) as raised:
+                qvejmap.open(text)
+            self.assertEqual(raised.exception.path, path)
+
+
+if __name__ == "__main__":
+    unittest.main()
