@@ -17,6 +17,7 @@
 #include "text_trail.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -55,6 +56,9 @@ class DocumentReader {
 
     // Is its encoding another than UTF-8?
     [[nodiscard]] bool recoded() const { return text_.recoded(); }
+
+    // As of DocumentText.
+    [[nodiscard]] std::optional<int64_t> bytesBefore() const { return text_.bytesBefore(); }
 
     // What messages call the source.
     [[nodiscard]] const std::string& name() const { return text_.name(); }

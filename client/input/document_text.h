@@ -49,6 +49,12 @@ class DocumentText {
         return looksOther_ ? &guess_ : nullptr;
     }
 
+    // How many bytes of the source stand before the text, which is there as it is; nothing: it was
+    // unpacked or converted.
+    [[nodiscard]] std::optional<int64_t> bytesBefore() const {
+        return recoder_ || bytes_.packed() ? std::nullopt : std::optional(markBytes_);
+    }
+
     // What messages call it.
     [[nodiscard]] const std::string& name() const { return bytes_.name(); }
 

@@ -29,7 +29,7 @@ std::string_view ReadAhead::next() {
         return take();
     }
     const std::string_view piece = source_.next();
-    if (std::exchange(begun_, true) || !source_.packedFile() ||
+    if (std::exchange(begun_, true) || !isFile() || !source_.packed() ||
         piece.size() < Unpacker::kPieceBytes) {
         return piece;
     }

@@ -31,6 +31,7 @@ class ReadAhead {
 
     [[nodiscard]] const std::string& name() const { return source_.name(); }
     [[nodiscard]] bool isFile() const { return source_.isFile(); }
+    [[nodiscard]] bool packed() const { return source_.packed(); }  // as of Unpacker
 
    private:
     using Piece = std::vector<char>;

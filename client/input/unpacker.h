@@ -50,8 +50,8 @@ class Unpacker {
     // Does it come from a regular file?
     [[nodiscard]] bool isFile() const { return input_.isFile(); }
 
-    // After the first piece: is it a file whose data are compressed?
-    [[nodiscard]] bool packedFile() const { return format_ != nullptr && input_.isFile(); }
+    // After the first piece: are the data compressed?
+    [[nodiscard]] bool packed() const { return format_ != nullptr; }
 
    private:
     [[noreturn]] void fail(const std::string& what) const;

@@ -23,17 +23,6 @@ struct CountedPart {
     int64_t column = 0;
 };
 
-std::vector<ContainerCount> containersOf(QVEJMAPJsonContexth document) {
-    std::vector<ContainerCount> containers;
-    for (JMAPContainerh at = nullptr; jmapNextContainer(document, &at) == QV_OK;) {
-        QVStrSize pathLen = 0;
-        const char* path = jmapContainerPath(document, at, &pathLen);
-        check(path == nullptr ? QV_NOMEM : QV_OK);
-        containers.push_back({std::string(view(path, pathLen)), jmapContainerCount(at)});
-    }
-    return containers;
-}
-
 using Line = PartPipeline<CountedPart>;
 
 class PartCounter final : public Line::Worker {
@@ -107,6 +96,17 @@ class PartSum {
 };
 
 }  // namespace
+
+std::vector<ContainerCount> containersOf(QVEJMAPJsonContexth document) {
+    std::vector<ContainerCount> containers;
+    for (JMAPContainerh at = nullptr; jmapNextContainer(document, &at) == QV_OK;) {
+        QVStrSize pathLen = 0;
+        const char* path = jmapContainerPath(document, at, &pathLen);
+        check(path == nullptr ? QV_NOMEM : QV_OK);
+        containers.push_back({std::string(view(path, pathLen)), jmapContainerCount(at)});
+    }
+    return containers;
+}
 
 bool scanParts(PartsOfDocument& parts, Document& sum) {
     const Line::Read read = [&](const TakePart& take) {

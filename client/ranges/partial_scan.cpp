@@ -1,0 +1,199 @@
+// See partial_scan.h.
+#include "client/ranges/partial_scan.h"
+
+#include "client/error.h"
+#include "client/parts/part_document.h"
+#include "client/parts/scan_parts.h"
+#include "client/parts/text_part.h"
+#include "client/text_consumer.h"
+
+#include <optional>
+
+namespace qvej {
+namespace {
+
+// Numbers of elements that are no objects: those of whole texts begin anew anyway.
+constexpr uint32_t kHarmless = JMAP_PART_OTHER_ELEMENTS;
+
+bool isBlank(std::string_view text) {
+    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
+
+// Why scans with these flags cannot be added to others; null: they can.
+const char* whyAlone(uint32_t flags) {
+    return (flags & JMAP_PART_EMPTY_NAME) != 0 ? "a member has the name \"\""
+           : (flags & JMAP_PART_LONG_ELEMENTS) != 0
+               ? "elements of an array would have names of 30 bytes or more"
+           : flags != 0 ? "the outermost array has elements that are no objects"
+                        : nullptr;
+}
+
+void checkDivisible(uint32_t flags, const std::string& file) {
+    if (const char* const why = whyAlone(flags)) {
+        throw Error(QV_UNSUPPORTED, std::string("cannot be scanned in parts: ") + why, file);
+    }
+}
+
+PartsOfDocument partsOf(Engine& engine, const PartialScanOptions& options) {
+    PartsOfDocument parts;
+    parts.engine = &engine;
+    parts.options.maxDepth = options.maxDepth;
+    parts.options.maxPaths = options.maxPaths;
+    parts.options.stopped = options.stopped;
+    return parts;
+}
+
+// Counts the pieces of one range.
+class RangeScan final : public TextConsumer {
+   public:
+    RangeScan(const PartsOfDocument& parts, const TextRange& range) : part_(parts) {
+        jmapCountOnly(part_.handle(), 1);
+        piece_.form = range.form;
+        piece_.member = range.member;
+        piece_.partition.kind = range.kind;
+    }
+
+    void give(std::string_view text, bool more) {
+        piece_.partition.text = text;
+        piece_.partition.more = more;
+        piece_.endsPart = !more;
+        part_.feed(piece_);
+    }
+    void feed(std::string_view text) override { give(text, true); }
+    void finish() override { give({}, false); }
+    [[nodiscard]] Place end() const override { return part_.document().end(); }
+    [[nodiscard]] int64_t before() const { return part_.before(); }
+
+    [[nodiscard]] std::string bytes() {
+        part_.finish();
+        const char* bytes = nullptr;
+        QVStrSize bytesLen = 0;
+        check(jmapTakePart(part_.handle(), &bytes, &bytesLen));
+        return std::string(view(bytes, bytesLen));
+    }
+    [[nodiscard]] uint32_t flags() const { return jmapPartFlags(part_.handle()); }
+
+   private:
+    PartDocument part_;
+    TextPart piece_;
+};
+
+// The failure of a range, with its place in the file.
+[[noreturn]] void failIn(const TextRange& range, int64_t before, const Error& error) {
+    if (!error.file().empty()) {
+        throw;
+    }
+    Place place = error.place();
+    place.file = range.file;
+    if (place.line != 0) {
+        place.column += place.line == 1 ? range.column - 1 - before : 0;
+        place.line = range.line == 0 ? 0 : place.line + range.line - 1;
+    }
+    if (place.offset >= 0) {
+        place.offset += static_cast<int64_t>(range.begin) - before;
+    }
+    throw Error(error.status(), error.what(), place, error.excerpt());
+}
+
+// Blank lines are no part: to a parser they would be an empty array.
+std::string scanned(const PartsOfDocument& parts, const TextRange& range) {
+    RangeScan scan(parts, range);
+    bool blank = range.form == TextForm::LINES;
+    try {
+        readRange(range, [&](std::string_view piece, bool more) {
+            blank = blank && isBlank(piece);
+            scan.give(piece, more);
+        });
+        if (blank) {
+            return PartialScan::merged(*parts.engine, {}).bytes();
+        }
+        const std::string bytes = scan.bytes();
+        checkDivisible(scan.flags(), range.file);
+        return bytes;
+    } catch (const Error& error) {
+        failIn(range, scan.before(), error);
+    }
+}
+
+std::string scannedWhole(const PartsOfDocument& parts, ByteSource source,
+                         const TextOptions& options) {
+    source.stopWhen(parts.options.stopped);
+    DocumentReader reader(std::move(source), options);
+    PartsOfDocument whole = parts;
+    whole.options = reader.documentOptions(parts.options);
+    RangeScan scan(whole, {.form = reader.form()});
+    reader.read(scan);
+    return scan.bytes();
+}
+
+// The sum of scans, on its way.
+class Sum {
+   public:
+    explicit Sum(Engine& engine) : document_(engine, ofParts()) {}
+
+    void add(const PartialScan& scan) {
+        try {
+            document_.addPart(scan.bytes(), 1, 1);
+        } catch (const Error& error) {
+            throw error.status() == QV_BADPARMS
+                ? Error(QV_BADPARMS, "these bytes are no partial scan, or are damaged")
+                : error;
+        }
+        if (++count_ > 1) {
+            checkDivisible(jmapPartFlags(document_.handle()) & ~kHarmless, {});
+        }
+    }
+    [[nodiscard]] Document& document() { return document_; }
+
+   private:
+    static DocumentOptions ofParts() {
+        DocumentOptions options;
+        options.ofParts = true;
+        return options;
+    }
+
+    Document document_;
+    std::size_t count_ = 0;
+};
+
+}  // namespace
+
+PartialScan PartialScan::of(Engine& engine, const TextRange& range,
+                            const PartialScanOptions& options) {
+    const PartsOfDocument parts = partsOf(engine, options);
+    return PartialScan(range.kind == Partition::Kind::WHOLE
+                           ? scannedWhole(parts, ByteSource::file(range.file), options.text)
+                           : scanned(parts, range));
+}
+
+PartialScan PartialScan::of(Engine& engine, std::string_view text,
+                            const PartialScanOptions& options) {
+    return PartialScan(
+        scannedWhole(partsOf(engine, options), ByteSource::memory(text), options.text));
+}
+
+PartialScan PartialScan::merged(Engine& engine, const std::vector<PartialScan>& scans) {
+    Sum sum(engine);
+    for (const PartialScan& scan : scans) {
+        sum.add(scan);
+    }
+    const char* bytes = nullptr;
+    QVStrSize bytesLen = 0;
+    check(jmapTakePart(sum.document().handle(), &bytes, &bytesLen));
+    return PartialScan(std::string(view(bytes, bytesLen)));
+}
+
+std::string PartialScan::mapText(Engine& engine) const {
+    Sum sum(engine);
+    sum.add(*this);
+    sum.document().finishParts();
+    return sum.document().mapText();
+}
+
+std::vector<ContainerCount> PartialScan::counts(Engine& engine) const {
+    Sum sum(engine);
+    sum.add(*this);
+    return containersOf(sum.document().handle());
+}
+
+}  // namespace qvej

@@ -1,0 +1,63 @@
+// What a scan of a range of the input has counted: bytes that can be stored, sent and added up, in
+// the layout of src/scan/partial_scan.h.
+//
+//     const qvej::PartialScan first = qvej::PartialScan::of(engine, range, {});    // anywhere
+//     const qvej::PartialScan all = qvej::PartialScan::merged(engine, {first, second});
+//     all.mapText(engine);
+//
+// Scans are added in the order of the text, those of several files file by file.  Sums may be added
+// in their turn.
+//
+// Tested by tests/client/partial_scan_test.cpp
+#pragma once
+
+#include "../engine.h"
+#include "../input/document_reader.h"
+#include "../parts/part_counts.h"
+#include "text_range.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace qvej {
+
+struct PartialScanOptions {
+    TextOptions text = {};          // of a range that is a whole text
+    uint64_t maxDepth = 1000;       // 0: any
+    uint64_t maxPaths = 10'000'000;  // 0: any number
+    std::function<bool()> stopped = {};  // see DocumentOptions
+};
+
+class PartialScan {
+   public:
+    // Bytes that one had.  What uses them throws QV_BADPARMS for others.
+    explicit PartialScan(std::string bytes) : bytes_(std::move(bytes)) {}
+
+    // Scans it.  Throws Error: a mistake in the text has its place in the file; QV_UNSUPPORTED for
+    // what cannot be scanned in ranges.
+    static PartialScan of(Engine& engine, const TextRange& range,
+                          const PartialScanOptions& options);
+    // A whole text, compressed or not.
+    static PartialScan of(Engine& engine, std::string_view text, const PartialScanOptions& options);
+
+    // The sum.  Throws as `of`.
+    static PartialScan merged(Engine& engine, const std::vector<PartialScan>& scans);
+
+    [[nodiscard]] const std::string& bytes() const { return bytes_; }
+
+    // The automatic map of what has been scanned.
+    [[nodiscard]] std::string mapText(Engine& engine) const;
+
+    // How often each object and array has come, which is what ordinals count.  Paths have separator
+    // 0x02.
+    [[nodiscard]] std::vector<ContainerCount> counts(Engine& engine) const;
+
+   private:
+    std::string bytes_;
+};
+
+}  // namespace qvej

@@ -1,0 +1,147 @@
+// See text_range.h.
+#include "client/ranges/text_range.h"
+
+#include "client/error.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <fcntl.h>
+#include <unistd.h>
+#include <optional>
+#include <utility>
+
+namespace qvej {
+namespace {
+
+constexpr std::size_t kPieceBytes = std::size_t{1} << 20;
+
+// A file that is read at any place.
+class PlacedFile {
+   public:
+    explicit PlacedFile(const std::string& name)
+        : name_(name), descriptor_(::open(name.c_str(), O_RDONLY | O_CLOEXEC)) {
+        if (descriptor_ < 0) {
+            throw fileError(QV_IO_OPEN, name);
+        }
+    }
+    ~PlacedFile() { (void)::close(descriptor_); }  // only read from
+    PlacedFile(const PlacedFile&) = delete;
+    PlacedFile& operator=(const PlacedFile&) = delete;
+
+    // As many bytes as there are, at most `size`.
+    [[nodiscard]] std::string read(uint64_t at, std::size_t size) const {
+        std::string bytes(size, '\0');
+        std::size_t done = 0;
+        while (done < size) {
+            const ssize_t count = ::pread(descriptor_, bytes.data() + done, size - done,
+                                          static_cast<off_t>(at + done));
+            if (count < 0 && errno != EINTR) {
+                throw fileError(QV_IO_READ, name_);
+            }
+            if (count == 0) {
+                break;
+            }
+            done += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+        }
+        bytes.resize(done);
+        return bytes;
+    }
+
+    // The place after the first line feed from there on, or the end of the file.
+    [[nodiscard]] uint64_t afterLineFeed(uint64_t at) const {
+        for (;;) {
+            const std::string bytes = read(at, kPieceBytes);
+            const std::size_t feed = bytes.find('\n');
+            if (feed != std::string::npos) {
+                return at + feed + 1;
+            }
+            at += bytes.size();
+            if (bytes.size() < kPieceBytes) {
+                return at;
+            }
+        }
+    }
+
+   private:
+    const std::string& name_;
+    int descriptor_;
+};
+
+// Takes the partitions of a text as ranges of its file.
+class Ranges final : public TextConsumer {
+   public:
+    Ranges(const DocumentReader& reader, uint64_t bytes, uint64_t before)
+        : reader_(reader),
+          before_(before),
+          finder_(reader.form(), bytes),
+          partitions_(finder_, [this](const Partition& partition) { add(partition); }) {}
+
+    void feed(std::string_view text) override { partitions_.feed(text); }
+    void finish() override { partitions_.finish(); }
+    [[nodiscard]] Place end() const override { return {}; }
+
+    // Empty: the text is not to be divided.
+    [[nodiscard]] std::vector<TextRange> take() {
+        return divisible_ ? std::move(ranges_) : std::vector<TextRange>();
+    }
+
+   private:
+    void add(const Partition& partition) {
+        using Kind = Partition::Kind;
+        divisible_ =
+            divisible_ && partition.kind != Kind::REST && partition.kind != Kind::WHOLE;
+        const uint64_t begin = before_ + partition.begin.offset;
+        if (ranges_.empty() || !more_) {
+            const bool ofMember = finder_.ofMember() && partition.kind != Kind::HEAD;
+            ranges_.push_back({reader_.name(), begin, begin, reader_.form(), partition.kind,
+                               ofMember ? std::string(finder_.member()) : std::string(),
+                               partition.begin.line, partition.begin.column});
+        }
+        ranges_.back().end += partition.text.size();
+        more_ = partition.more;
+    }
+
+    const DocumentReader& reader_;
+    const uint64_t before_;
+    PartitionFinder finder_;
+    PartitionReader partitions_;
+    std::vector<TextRange> ranges_;
+    bool more_ = false;
+    bool divisible_ = true;
+};
+
+}  // namespace
+
+std::vector<TextRange> rangesOf(const std::string& file, uint64_t bytes,
+                                const TextOptions& options) {
+    DocumentReader reader(ByteSource::file(file), options);
+    std::vector<TextRange> found;
+    if (const std::optional<int64_t> before = reader.bytesBefore()) {
+        Ranges ranges(reader, bytes, static_cast<uint64_t>(*before));
+        reader.read(ranges);
+        found = ranges.take();
+    }
+    return found.empty() ? std::vector<TextRange>{{file, 0, UINT64_MAX, reader.form()}} : found;
+}
+
+void readRange(const TextRange& range,
+               const std::function<void(std::string_view piece, bool more)>& take) {
+    const PlacedFile file(range.file);
+    uint64_t at = range.begin;
+    uint64_t end = range.end;
+    if (range.form == TextForm::LINES) {
+        at = at == 0 ? at : file.afterLineFeed(at - 1);
+        end = end == 0 || end == UINT64_MAX ? end : file.afterLineFeed(end - 1);
+    }
+    for (bool more = true; more;) {
+        const auto size = static_cast<std::size_t>(
+            std::min<uint64_t>(kPieceBytes, end > at ? end - at : 0));
+        const std::string piece = file.read(at, size);
+        at += piece.size();
+        more = piece.size() == kPieceBytes && at < end;
+        take(piece, more);
+    }
+}
+
+}  // namespace qvej

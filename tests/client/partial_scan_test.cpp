@@ -1,0 +1,161 @@
+// Scans of ranges of files, against a scan of the whole.
+#include "client/ranges/partial_scan.h"
+
+#include "client/error.h"
+#include "client/input/inputs_reader.h"
+#include "tests/client/temporary_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace jmap::test {
+namespace {
+
+using qvej::Engine;
+using qvej::PartialScan;
+using qvej::PartialScanOptions;
+using qvej::TextForm;
+using qvej::TextRange;
+using Kind = qvej::Partition::Kind;
+
+std::string rows(int count, const std::string& between) {
+    std::string text;
+    for (int i = 0; i < count; ++i) {
+        text += (i == 0 ? "" : between) + R"({"id":)" + std::to_string(i) + R"(,"tags":["a",")" +
+                std::string(i % 7, 'x') + (i % 5 == 0 ? R"("],"late":{"n":1.5}})" : R"("]})");
+    }
+    return text;
+}
+
+struct Whole {
+    std::string map;
+    std::map<std::string, uint64_t> counts;
+};
+
+std::map<std::string, uint64_t> countsOf(Engine& engine, const PartialScan& scan) {
+    std::map<std::string, uint64_t> counts;
+    for (const qvej::ContainerCount& count : scan.counts(engine)) {
+        counts[count.path] = count.count;
+    }
+    return counts;
+}
+
+std::string mapOf(Engine& engine, const std::vector<std::string>& files) {
+    qvej::InputsReader reader({files, files.size() > 1}, {});
+    qvej::Document document(engine, reader.documentOptions());
+    reader.read(document);
+    return document.mapText();
+}
+
+PartialScan scanOf(Engine& engine, const std::vector<TextRange>& ranges, bool asTree) {
+    std::vector<PartialScan> scans;
+    for (const TextRange& range : ranges) {
+        // As on another machine.
+        scans.emplace_back(PartialScan::of(engine, range, {}).bytes());
+    }
+    while (asTree && scans.size() > 1) {
+        std::vector<PartialScan> sums;
+        for (std::size_t i = 0; i < scans.size(); i += 2) {
+            sums.push_back(i + 1 < scans.size()
+                               ? PartialScan::merged(engine, {scans[i], scans[i + 1]})
+                               : scans[i]);
+        }
+        scans = sums;
+    }
+    return PartialScan::merged(engine, scans);
+}
+
+TEST(PartialScans, AddUpToTheScanOfTheWhole) {
+    const TemporaryFolder folder;
+    struct Case {
+        const char* name;
+        std::string text;
+        bool divisible;
+    };
+    const Case cases[] = {
+        {"array.json", "[" + rows(300, " , \n") + " ]\n", true},
+        {"marked.json", "\xEF\xBB\xBF[" + rows(300, ",") + "]", true},
+        {"member.json", R"({"n":3,"rows":[)" + rows(300, ",") + R"(],"x":{"y":[1]}})", true},
+        {"lines.jsonl", rows(300, "\n") + "\n\n\n", true},
+        {"object.json", R"({"a":{"b":[1,2,3]}})", false},
+        {"scalars.json", "[1,2,[3],{\"a\":4}]", false},
+    };
+    for (const Case& one : cases) {
+        Engine engine;
+        const std::string file = folder.file(one.name, one.text);
+        const std::string map = mapOf(engine, {file});
+        const auto counts = countsOf(
+            engine, PartialScan::of(engine, TextRange{.file = file, .form = TextForm::DOCUMENT}, {}));
+        EXPECT_FALSE(counts.empty());
+        for (const uint64_t bytes : {1, 100, 1000, 100'000}) {
+            const std::vector<TextRange> ranges = qvej::rangesOf(file, bytes, {});
+            EXPECT_EQ(one.divisible && bytes < 10'000, ranges.size() > 3) << one.name << bytes;
+            for (const bool asTree : {false, true}) {
+                const PartialScan scan = scanOf(engine, ranges, asTree);
+                EXPECT_EQ(map, scan.mapText(engine)) << one.name << bytes;
+                EXPECT_EQ(counts, countsOf(engine, scan)) << one.name << bytes;
+            }
+        }
+    }
+}
+
+TEST(PartialScans, TakeTheLinesThatBeginInARangeAndWholeFiles) {
+    const TemporaryFolder folder;
+    Engine engine;
+    const std::string lines = rows(12, "\n") + "\n";
+    const std::string file = folder.file("a.jsonl", lines);
+    const std::string map = mapOf(engine, {file});
+    const auto range = [&](uint64_t begin, uint64_t end) {
+        return TextRange{file, begin, end, TextForm::LINES, Kind::MIDDLE, "", 0, 1};
+    };
+    for (uint64_t cut = 0; cut <= lines.size(); ++cut) {
+        const PartialScan scan = scanOf(
+            engine, {range(0, cut / 2), range(cut / 2, cut), range(cut, UINT64_MAX)}, false);
+        ASSERT_EQ(map, scan.mapText(engine)) << cut;
+        ASSERT_EQ(12U, countsOf(engine, scan)["\x02root"]) << cut;
+    }
+    const std::string other = folder.file("b.json", R"([{"id":"x","more":[{"z":1}]},5])");
+    const PartialScan both = PartialScan::merged(
+        engine, {PartialScan::of(engine, range(0, UINT64_MAX), {}),
+                 PartialScan::of(engine, TextRange{.file = other}, {})});
+    EXPECT_EQ(mapOf(engine, {file, other}), both.mapText(engine));
+}
+
+TEST(PartialScans, SayWhatIsWrongAndWhere) {
+    const TemporaryFolder folder;
+    Engine engine;
+    const std::string text = "[" + rows(30, ",\n") + ",\n{\"a\":tru},\n" + rows(30, ",\n") + "]";
+    const std::string file = folder.file("a.json", text);
+    const auto offset = static_cast<int64_t>(text.find("tru}")) + 3;
+    int failed = 0;
+    for (const TextRange& range : qvej::rangesOf(file, 100, {})) {
+        try {
+            (void)PartialScan::of(engine, range, {});
+        } catch (const qvej::Error& error) {
+            ++failed;
+            EXPECT_EQ(file, error.file());
+            EXPECT_EQ(31, error.line());
+            EXPECT_EQ(9, error.column());
+            EXPECT_EQ(offset, error.offset());
+        }
+    }
+    EXPECT_EQ(1, failed);
+    const std::string good = PartialScan::of(engine, R"([{"a":1}])", {}).bytes();
+    const PartialScan named = PartialScan::of(engine, R"([{"":1}])", {});
+    const std::vector<std::vector<PartialScan>> sums = {
+        {PartialScan("")},
+        {PartialScan(good + "x")},
+        {PartialScan(good.substr(0, good.size() - 1))},
+        {named, named},
+    };
+    for (const std::vector<PartialScan>& scans : sums) {
+        EXPECT_THROW((void)PartialScan::merged(engine, scans), qvej::Error);
+    }
+    EXPECT_NO_THROW((void)PartialScan::merged(engine, {named}));
+}
+
+}  // namespace
+}  // namespace jmap::test
