@@ -1,8 +1,9 @@
-// Texts of the C++ face as texts of Python.
+// Texts of the C++ face as texts of Python, and bytes.
 #pragma once
 
 #include <nanobind/nanobind.h>
 
+#include <string>
 #include <string_view>
 
 namespace qvej::python {
@@ -17,6 +18,10 @@ namespace qvej::python {
 [[nodiscard]] inline nanobind::object fileNameOf(std::string_view name) {
     const auto size = static_cast<Py_ssize_t>(name.size());
     return nanobind::steal(PyUnicode_DecodeFSDefaultAndSize(name.data(), size));
+}
+
+[[nodiscard]] inline std::string stringOf(const nanobind::bytes& bytes) {
+    return {bytes.c_str(), bytes.size()};
 }
 
 }  // namespace qvej::python

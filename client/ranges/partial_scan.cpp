@@ -96,7 +96,8 @@ class RangeScan final : public TextConsumer {
 }
 
 // Blank lines are no part: to a parser they would be an empty array.
-std::string scanned(const PartsOfDocument& parts, const TextRange& range) {
+std::string scanned(const PartsOfDocument& parts, const TextRange& wanted) {
+    const TextRange range = withWholeLines(wanted);
     RangeScan scan(parts, range);
     bool blank = range.form == TextForm::LINES;
     try {

@@ -26,9 +26,9 @@
 namespace qvej {
 
 struct PartialScanOptions {
-    TextOptions text = {};          // of a range that is a whole text
-    uint64_t maxDepth = 1000;       // 0: any
-    uint64_t maxPaths = 10'000'000;  // 0: any number
+    TextOptions text = {};               // of a range that is a whole text
+    uint64_t maxDepth = 1000;            // 0: any
+    uint64_t maxPaths = 10'000'000;      // 0: any number
     std::function<bool()> stopped = {};  // see DocumentOptions
 };
 

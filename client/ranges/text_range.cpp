@@ -7,8 +7,8 @@
 #include <cerrno>
 #include <cstddef>
 #include <fcntl.h>
-#include <unistd.h>
 #include <optional>
+#include <unistd.h>
 #include <utility>
 
 namespace qvej {
@@ -89,8 +89,7 @@ class Ranges final : public TextConsumer {
    private:
     void add(const Partition& partition) {
         using Kind = Partition::Kind;
-        divisible_ =
-            divisible_ && partition.kind != Kind::REST && partition.kind != Kind::WHOLE;
+        divisible_ = divisible_ && partition.kind != Kind::REST && partition.kind != Kind::WHOLE;
         const uint64_t begin = before_ + partition.begin.offset;
         if (ranges_.empty() || !more_) {
             const bool ofMember = finder_.ofMember() && partition.kind != Kind::HEAD;
@@ -125,21 +124,26 @@ std::vector<TextRange> rangesOf(const std::string& file, uint64_t bytes,
     return found.empty() ? std::vector<TextRange>{{file, 0, UINT64_MAX, reader.form()}} : found;
 }
 
+TextRange withWholeLines(TextRange range) {
+    if (range.form == TextForm::LINES && range.kind != Partition::Kind::WHOLE) {
+        const PlacedFile file(range.file);
+        for (uint64_t* const at : {&range.begin, &range.end}) {
+            *at = *at == 0 || *at == UINT64_MAX ? *at : file.afterLineFeed(*at - 1);
+        }
+    }
+    return range;
+}
+
 void readRange(const TextRange& range,
                const std::function<void(std::string_view piece, bool more)>& take) {
     const PlacedFile file(range.file);
     uint64_t at = range.begin;
-    uint64_t end = range.end;
-    if (range.form == TextForm::LINES) {
-        at = at == 0 ? at : file.afterLineFeed(at - 1);
-        end = end == 0 || end == UINT64_MAX ? end : file.afterLineFeed(end - 1);
-    }
     for (bool more = true; more;) {
         const auto size = static_cast<std::size_t>(
-            std::min<uint64_t>(kPieceBytes, end > at ? end - at : 0));
+            std::min<uint64_t>(kPieceBytes, range.end > at ? range.end - at : 0));
         const std::string piece = file.read(at, size);
         at += piece.size();
-        more = piece.size() == kPieceBytes && at < end;
+        more = piece.size() == kPieceBytes && at < range.end;
         take(piece, more);
     }
 }

@@ -19,7 +19,7 @@ namespace qvej {
 
 struct TextRange {
     std::string file = {};
-    // Bytes of the file; of JSON Lines the lines that begin there, wherever a line ends.  A whole
+    // Bytes of the file; of JSON Lines the lines that begin there: see withWholeLines.  A whole
     // file, which may be compressed or in another encoding, is read to its end.
     uint64_t begin = 0;
     uint64_t end = UINT64_MAX;
@@ -37,6 +37,9 @@ struct TextRange {
 // JSON Lines nor has a large array of objects.  Reads the file once.  Throws Error.
 [[nodiscard]] std::vector<TextRange> rangesOf(const std::string& file, uint64_t bytes,
                                               const TextOptions& options);
+
+// The range of the lines that begin in a range of JSON Lines; any other as it is.  Throws Error.
+[[nodiscard]] TextRange withWholeLines(TextRange range);
 
 // Gives the bytes of a range of a file that is not whole, piece by piece.  `more`: another comes.
 // Throws Error.

@@ -88,11 +88,12 @@ TEST(PartialScans, AddUpToTheScanOfTheWhole) {
         const std::string file = folder.file(one.name, one.text);
         const std::string map = mapOf(engine, {file});
         const auto counts = countsOf(
-            engine, PartialScan::of(engine, TextRange{.file = file, .form = TextForm::DOCUMENT}, {}));
+            engine,
+            PartialScan::of(engine, TextRange{.file = file, .form = TextForm::DOCUMENT}, {}));
         EXPECT_FALSE(counts.empty());
         for (const uint64_t bytes : {1, 100, 1000, 100'000}) {
             const std::vector<TextRange> ranges = qvej::rangesOf(file, bytes, {});
-            EXPECT_EQ(one.divisible && bytes < 10'000, ranges.size() > 3) << one.name << bytes;
+            EXPECT_EQ(one.divisible && bytes<10'000, ranges.size()> 3) << one.name << bytes;
             for (const bool asTree : {false, true}) {
                 const PartialScan scan = scanOf(engine, ranges, asTree);
                 EXPECT_EQ(map, scan.mapText(engine)) << one.name << bytes;
@@ -112,15 +113,15 @@ TEST(PartialScans, TakeTheLinesThatBeginInARangeAndWholeFiles) {
         return TextRange{file, begin, end, TextForm::LINES, Kind::MIDDLE, "", 0, 1};
     };
     for (uint64_t cut = 0; cut <= lines.size(); ++cut) {
-        const PartialScan scan = scanOf(
-            engine, {range(0, cut / 2), range(cut / 2, cut), range(cut, UINT64_MAX)}, false);
+        const PartialScan scan =
+            scanOf(engine, {range(0, cut / 2), range(cut / 2, cut), range(cut, UINT64_MAX)}, false);
         ASSERT_EQ(map, scan.mapText(engine)) << cut;
         ASSERT_EQ(12U, countsOf(engine, scan)["\x02root"]) << cut;
     }
     const std::string other = folder.file("b.json", R"([{"id":"x","more":[{"z":1}]},5])");
-    const PartialScan both = PartialScan::merged(
-        engine, {PartialScan::of(engine, range(0, UINT64_MAX), {}),
-                 PartialScan::of(engine, TextRange{.file = other}, {})});
+    const PartialScan both =
+        PartialScan::merged(engine, {PartialScan::of(engine, range(0, UINT64_MAX), {}),
+                                     PartialScan::of(engine, TextRange{.file = other}, {})});
     EXPECT_EQ(mapOf(engine, {file, other}), both.mapText(engine));
 }
 

@@ -11,6 +11,7 @@ from ._document import Document, Lost, PathAccount, Rejected
 from ._errors import Error, FileError, LimitReached, MapError, NotJson, ValuesWarning
 from ._map import Map
 from ._open import open
+from ._partial_scan import Part, PartialScan, parts
 from ._tables import Batch, Column, Parent, Table
 
 __all__ = [
@@ -25,9 +26,12 @@ __all__ = [
     "MapError",
     "NotJson",
     "Parent",
+    "Part",
+    "PartialScan",
     "PathAccount",
     "Rejected",
     "Table",
     "ValuesWarning",
     "open",
+    "parts",
 ]

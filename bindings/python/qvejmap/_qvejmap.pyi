@@ -63,3 +63,27 @@ def open(
     depth: int,
     max_paths: int,
 ) -> Document: ...
+
+# Of each range: begin and end, form, kind, the name of the member, line and column.
+def ranges(
+    file: bytes, bytes: int, encoding: str, lines: bool
+) -> list[tuple[int, int, int, int, bytes, int, int]]: ...
+
+# Scans are bytes.
+def scan_range(
+    file: bytes,
+    begin: int,
+    end: int,
+    form: int,
+    kind: int,
+    member: bytes,
+    line: int,
+    column: int,
+    encoding: str,
+    depth: int,
+    max_paths: int,
+) -> bytes: ...
+def scan_text(buffer: Buffer, lines: bool, encoding: str, depth: int, max_paths: int) -> bytes: ...
+def merge_scans(scans: list[bytes]) -> bytes: ...
+def map_of_scan(scan: bytes) -> str: ...
+def counts_of_scan(scan: bytes) -> list[tuple[str, int]]: ...

@@ -1,0 +1,134 @@
+// See partial_scans.h.
+#include "bindings/python/partial_scans.h"
+
+#include "bindings/python/interrupt.h"
+#include "bindings/python/source.h"
+#include "bindings/python/texts.h"
+#include "client/engine.h"
+#include "client/path_names.h"
+#include "client/ranges/partial_scan.h"
+#include "client/ranges/text_range.h"
+
+#include <nanobind/stl/string.h>
+#include <nanobind/stl/vector.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace nb = nanobind;
+using namespace nb::literals;
+
+namespace qvej::python {
+
+namespace {
+
+// A scan as the package has it.
+nb::object bytesOf(const PartialScan& scan) {
+    return nb::bytes(scan.bytes().data(), scan.bytes().size());
+}
+
+PartialScanOptions optionsOf(const std::string& encoding, bool lines, uint64_t depth,
+                             uint64_t maxPaths) {
+    PartialScanOptions options;
+    options.text.encoding = encoding;
+    options.text.lines = lines;
+    options.maxDepth = depth;
+    options.maxPaths = maxPaths;
+    options.stopped = &isStopped;
+    return options;
+}
+
+// What `work` makes of an engine.
+template <class Work>
+auto worked(const Work& work) {
+    std::optional<decltype(work(std::declval<Engine&>()))> made;
+    interruptible([&] {
+        Engine engine;
+        made.emplace(work(engine));
+    });
+    return *std::move(made);
+}
+
+// Of each range: begin and end, form, kind, the name of the member, line and column.
+nb::list rangeList(const nb::bytes& file, uint64_t bytes, const std::string& encoding, bool lines) {
+    const std::string name = stringOf(file);
+    std::vector<TextRange> ranges;
+    interruptible([&] {
+        TextOptions text;
+        text.encoding = encoding;
+        text.lines = lines;
+        ranges = rangesOf(name, bytes, text);
+    });
+    nb::list list;
+    for (const TextRange& range : ranges) {
+        list.append(nb::make_tuple(range.begin, range.end, static_cast<int>(range.form),
+                                   static_cast<int>(range.kind),
+                                   nb::bytes(range.member.data(), range.member.size()), range.line,
+                                   range.column));
+    }
+    return list;
+}
+
+nb::object scanRange(const nb::bytes& file, uint64_t begin, uint64_t end, int form, int kind,
+                     const nb::bytes& member, int64_t line, int64_t column,
+                     const std::string& encoding, uint64_t depth, uint64_t maxPaths) {
+    const TextRange range = {stringOf(file),
+                             begin,
+                             end,
+                             static_cast<TextForm>(form),
+                             static_cast<Partition::Kind>(kind),
+                             stringOf(member),
+                             line,
+                             column};
+    const PartialScanOptions options =
+        optionsOf(encoding, range.form == TextForm::LINES, depth, maxPaths);
+    return bytesOf(
+        worked([&](Engine& engine) { return PartialScan::of(engine, range, options); }));
+}
+
+nb::object scanText(const nb::object& buffer, bool lines, const std::string& encoding,
+                    uint64_t depth, uint64_t maxPaths) {
+    const HeldBuffer text(buffer);
+    const PartialScanOptions options = optionsOf(encoding, lines, depth, maxPaths);
+    return bytesOf(
+        worked([&](Engine& engine) { return PartialScan::of(engine, text.bytes(), options); }));
+}
+
+nb::object mergeScans(const std::vector<nb::bytes>& scans) {
+    std::vector<PartialScan> all;
+    for (const nb::bytes& scan : scans) {
+        all.emplace_back(stringOf(scan));
+    }
+    return bytesOf(worked([&](Engine& engine) { return PartialScan::merged(engine, all); }));
+}
+
+nb::object mapOfScan(const nb::bytes& bytes) {
+    const PartialScan scan(stringOf(bytes));
+    return textOf(worked([&](Engine& engine) { return scan.mapText(engine); }));
+}
+
+nb::list countsOfScan(const nb::bytes& bytes) {
+    const PartialScan scan(stringOf(bytes));
+    nb::list list;
+    for (const ContainerCount& of : worked([&](Engine& engine) { return scan.counts(engine); })) {
+        list.append(nb::make_tuple(textOf(withSlashes(of.path)), of.count));
+    }
+    return list;
+}
+
+}  // namespace
+
+void registerPartialScans(nb::module_& module) {
+    module.def("ranges", &rangeList, "file"_a, "bytes"_a, "encoding"_a, "lines"_a);
+    module.def("scan_range", &scanRange, "file"_a, "begin"_a, "end"_a, "form"_a, "kind"_a,
+               "member"_a, "line"_a, "column"_a, "encoding"_a, "depth"_a, "max_paths"_a);
+    module.def("scan_text", &scanText, "buffer"_a, "lines"_a, "encoding"_a, "depth"_a,
+               "max_paths"_a);
+    module.def("merge_scans", &mergeScans, "scans"_a);
+    module.def("map_of_scan", &mapOfScan, "scan"_a);
+    module.def("counts_of_scan", &countsOfScan, "scan"_a);
+}
+
+}  // namespace qvej::python

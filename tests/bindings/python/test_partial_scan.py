@@ -1,0 +1,62 @@
+"""Scans of parts give what one scan gives."""
+
+import os
+import pickle
+import tempfile
+import unittest
+
+import qvejmap
+from documents import large
+
+
+class PartialScans(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = folder.name
+
+    def file(self, name, text):
+        path = os.path.join(self.folder, name)
+        with open(path, "wb") as file:
+            file.write(text)
+        return path
+
+    def test_of_parts_of_files_give_the_map_of_the_whole(self):
+        lines = large()[1:-1].replace(b"},{\"id\"", b"}\n{\"id\"")
+        array = self.file("a.json", large())
+        jsonl = self.file("b.jsonl", lines)
+        halves = [qvejmap.Part.lines_of(jsonl, 0, len(lines) // 2),
+                  qvejmap.Part.lines_of(jsonl, len(lines) // 2, len(lines))]
+        for file, parts in ((array, qvejmap.parts(array, 1 << 20)), (jsonl, qvejmap.parts(jsonl, 1 << 20)),
+                            (jsonl, halves), (array, [qvejmap.Part.whole(array)])):
+            scans = [pickle.loads(pickle.dumps(qvejmap.PartialScan(pickle.loads(pickle.dumps(part))))) for part in parts]
+            total = qvejmap.PartialScan.merge(scans)
+            self.assertEqual(total.map, qvejmap.open(file).map)
+            self.assertEqual((total.counts["/root"], total.counts["/root/items"]), (12000, 24000))
+            one_by_one = sum(scans[1:], scans[0])
+            self.assertEqual((one_by_one.map, one_by_one.counts), (total.map, total.counts))
+        self.assertGreater(len(qvejmap.parts(array, 1 << 20)), 3)
+
+    def test_of_texts(self):
+        first = qvejmap.PartialScan(b'{"a":1}\n{"a":"x"}\n')
+        second = qvejmap.PartialScan('[{"a":2,"b":[{}]}]'.encode("utf-16"))
+        total = first + second
+        self.assertEqual(total.map, qvejmap.open(b'[{"a":1},{"a":"x"},{"a":2,"b":[{}]}]').map)
+        self.assertEqual(total.counts["/root"], 3)
+
+    def test_say_what_is_wrong(self):
+        broken = self.file("broken.jsonl", b'{"a":1}\n{"a":}\n')
+        part = qvejmap.Part.lines_of(broken, 5, 100)
+        with self.assertRaises(qvejmap.NotJson) as raised:
+            qvejmap.PartialScan(part)
+        self.assertEqual((raised.exception.file, raised.exception.offset), (broken, 13))
+        for wrong in (b"", b"no scan", qvejmap.PartialScan(b"[{}]").to_bytes() + b"x"):
+            with self.assertRaisesRegex(qvejmap.Error, "no partial scan"):
+                qvejmap.PartialScan.from_bytes(wrong)
+        named = qvejmap.PartialScan(b'[{"":1}]')
+        with self.assertRaisesRegex(qvejmap.Error, "cannot be scanned in parts"):
+            named + named
+
+
+if __name__ == "__main__":
+    unittest.main()
