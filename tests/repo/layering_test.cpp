@@ -41,6 +41,7 @@ const Layer kLayers[] = {
     {"client/partition/", R"re(client/(partition/.*|text_form\.h)|<.*>)re"},
     {"client/parts/", R"re(client/((parts|partition|input)/.*|[^/]*)|include/.*|<.*>)re"},
     {"client/open/", R"re(client/((open|parts|input|shape)/.*|[^/]*)|include/.*|<.*>)re"},
+    {"client/find/", R"re(client/((find|open|input|shape)/.*|[^/]*)|include/.*|<.*>)re"},
     {"client/schema/",
      R"re(client/(schema/.*|(columns|document|error|pass_pipe|row|row_work|table_pass)\.h)|include/.*|<.*>)re"},
     {"client/",

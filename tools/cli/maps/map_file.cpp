@@ -2,8 +2,8 @@
 #include "tools/cli/maps/map_file.h"
 
 #include "client/input/byte_source.h"
+#include "client/suggestion.h"
 #include "tools/cli/failure.h"
-#include "tools/cli/suggestion.h"
 
 #include <set>
 

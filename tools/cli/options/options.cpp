@@ -5,6 +5,7 @@
 #include "tools/cli/options/options.h"
 
 #include "client/escape.h"
+#include "client/suggestion.h"
 #include "formats/writer.h"
 #include "tools/cli/options/completion.h"
 #include "tools/cli/options/help.h"
@@ -12,7 +13,6 @@
 #include "tools/cli/options/option_owners.h"
 #include "tools/cli/options/option_values.h"
 #include "tools/cli/reports/tell.h"
-#include "tools/cli/suggestion.h"
 #include "tools/cli/verbs/verbs.h"
 
 #include <CLI/App.hpp>

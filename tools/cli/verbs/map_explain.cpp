@@ -3,11 +3,11 @@
 // Tested by tests/tool/golden/map_explain.t
 #include "client/carried_columns.h"
 #include "client/escape.h"
+#include "client/suggestion.h"
 #include "formats/writer.h"
 #include "tools/cli/reports/listing.h"
 #include "tools/cli/reports/remarks.h"
 #include "tools/cli/session.h"
-#include "tools/cli/suggestion.h"
 #include "tools/cli/verbs/verbs.h"
 
 #include <optional>
