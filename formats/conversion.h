@@ -9,7 +9,8 @@
 //
 // Nothing is there before `commit`, and what was begun goes away with the object.
 //
-// Tested by tests/formats/conversion_test.cpp and tests/tool/golden/convert.t
+// Tested by tests/formats/conversion_test.cpp, tests/formats/conversion_threads_test.cpp and
+// tests/tool/golden/convert.t
 #pragma once
 
 #include "client/account.h"

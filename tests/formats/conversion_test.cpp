@@ -1,5 +1,4 @@
-// Conversions without a command line: of open documents, on several threads, ended before their
-// time, with modules that stand beside a library.
+// Conversions without a command line: where they go, what they tell, what an early end leaves.
 #include "formats/conversion.h"
 
 #include "client/error.h"
@@ -9,12 +8,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <iterator>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace jmap::test {
@@ -114,34 +111,6 @@ TEST(Conversion, LeavesNothingWhenItIsEnded) {
             EXPECT_EQ(entriesOf(folder.path), 0u) << threads << phase;
         }
     }
-}
-
-// The handlers of signals know two outputs at a time, and are the tool's alone.
-TEST(Conversion, ManyAtATime) {
-    const ScratchFolder folder;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 6; ++i) {
-        threads.emplace_back([&folder, i] {
-            const std::string text = objects(100 + i);
-            for (int again = 0; again < 20; ++again) {
-                const OpenDocument open({.memory = text});
-                TableConversion conversion(open.document(), qvej::each(open.document().tables()),
-                                           {.out = folder.path / std::to_string(i),
-                                            .format = qvej::findFormat("csv"),
-                                            .force = true});
-                conversion.write();
-                (void)conversion.destination().commit(nullptr);
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    for (int i = 0; i < 6; ++i) {
-        const std::string rows = folder.read(std::to_string(i) + "/root.csv");
-        EXPECT_EQ(std::count(rows.begin(), rows.end(), '\n'), 101 + i);
-    }
-    EXPECT_EQ(entriesOf(folder.path), 6u);
 }
 
 }  // namespace
