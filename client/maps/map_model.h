@@ -1,6 +1,7 @@
 // A map as tools compare and merge it: what its text says, without a document.
 //
-// Tested by tests/client/maps_test.cpp, tests/tool/golden/map_diff.t and tests/tool/golden/map_merge.t
+// Tested by tests/client/maps_test.cpp, tests/tool/golden/map_diff.t and
+// tests/tool/golden/map_merge.t
 #pragma once
 
 #include "../document.h"
