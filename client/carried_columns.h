@@ -33,6 +33,10 @@ namespace qvej {
 // Likewise; empty for an ordinal, which counts.
 [[nodiscard]] std::string ancestorOf(const Table& table, const Column& column);
 
+// What rows show of a column of a parent when it is not carried.
+inline constexpr std::string_view kWithoutCarry =
+    "the order of the document decides which row has the value";
+
 // Stands between a pass and its caller, and replaces the cells of carried columns.
 class CarriedColumns {
    public:

@@ -23,7 +23,7 @@ install(TARGETS qvejmap LIBRARY DESTINATION ${JMAP_MODULE_DIR})
 # #include <qvejmap/client/document.h>.  A folder of its own: programs in C have include/qvejmap on
 # their path, where an error.h of ours would take the place of the system's.
 install(DIRECTORY client DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qvejmap
-    FILES_MATCHING PATTERN *.h PATTERN user_map.h EXCLUDE)
+    FILES_MATCHING PATTERN *.h PATTERN user_map.h EXCLUDE PATTERN find EXCLUDE)
 install(TARGETS qvejmap_client EXPORT qvejmapClient
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} ${CMAKE_INSTALL_INCLUDEDIR}/qvejmap)

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <climits>
 #include <csignal>
+#include <cstdint>
 #include <cstring>
 #include <ctime>
 #include <unistd.h>
@@ -48,6 +49,9 @@ struct Slot {
     std::string left, between;        // after the second
 };
 Slot slots[2];
+
+bool installed = false;  // else no handler looks at the slots
+constexpr std::size_t kNoSlot = SIZE_MAX;
 
 // Writes `number` and a terminator at `at`.
 void putDecimal(char* at, std::size_t number) {
@@ -152,6 +156,7 @@ void copyPath(char* to, std::size_t size, const std::string& path) {
 }  // namespace
 
 void install() {
+    installed = true;
     struct sigaction action = {};
     action.sa_handler = onSignal;
     action.sa_flags = static_cast<int>(SA_RESTART | SA_NODEFER);  // a second one gets through
@@ -163,7 +168,10 @@ void install() {
     }
 }
 
-Output::Output(const std::string& name) : slot_(slots[0].taken ? 1 : 0) {
+Output::Output(const std::string& name) : slot_(!installed ? kNoSlot : slots[0].taken ? 1 : 0) {
+    if (slot_ == kNoSlot) {
+        return;
+    }
     const std::string start = "qvejmap: interrupted: " + shown(name);
     const Hold hold;
     Slot& slot = slots[slot_];
@@ -174,12 +182,18 @@ Output::Output(const std::string& name) : slot_(slots[0].taken ? 1 : 0) {
 }
 
 Output::~Output() {
+    if (slot_ == kNoSlot) {
+        return;
+    }
     const Hold hold;
     slots[slot_] = {};
 }
 
 void Output::set(const std::string& prefix, const std::vector<std::string>* names,
                  const std::string& directory, std::size_t directories) {
+    if (slot_ == kNoSlot) {
+        return;
+    }
     const Hold hold;
     Slot& slot = slots[slot_];
     const std::string twice = "qvejmap: interrupted twice: ";
@@ -195,11 +209,17 @@ void Output::set(const std::string& prefix, const std::vector<std::string>* name
 }
 
 void Output::setCount(std::size_t count) {
+    if (slot_ == kNoSlot) {
+        return;
+    }
     const Hold hold;
     slots[slot_].count = count;
 }
 
 void Output::setState(State state) {
+    if (slot_ == kNoSlot) {
+        return;
+    }
     const Hold hold;
     Slot& slot = slots[slot_];
     slot.state = state;

@@ -17,12 +17,14 @@ namespace qvej {
 
 namespace cleanup {
 
-// Installs the handlers, except for signals that are ignored (nohup).
+// Installs the handlers, except for signals that are ignored (nohup).  A program that does not call
+// it has its own signals: outputs are then not named to anyone, and any number may be written at a
+// time, on any threads.
 void install();
 
 // An output, and what is unfinished of it: the files PREFIX0, PREFIX1, ... up to a count, or the
 // files of given names in the directory PREFIX, which goes too; and directories that were made for
-// them.  While the object lives; two may at a time.
+// them.  While the object lives; with the handlers two may at a time.
 class Output {
    public:
     explicit Output(const std::string& name);  // what messages call it

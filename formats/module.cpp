@@ -3,22 +3,42 @@
 
 #include "client/error.h"
 
+#include <link.h>
+
 #include <dlfcn.h>
 #include <filesystem>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace qvej {
 
 namespace {
 
-// Where modules may be: beside the program, and where it is installed.
+// The folder of the shared library that this code is in; empty: it is in the program itself.
+std::filesystem::path libraryFolder() {
+    static const char kHere = 0;
+    Dl_info info = {};
+    link_map* map = nullptr;
+    const int found = ::dladdr1(&kHere, &info, reinterpret_cast<void**>(&map), RTLD_DL_LINKMAP);
+    const std::filesystem::path library = found != 0 && map != nullptr ? map->l_name : "";
+    return library.is_absolute() ? library.parent_path() : std::filesystem::path();
+}
+
+// Where modules may be: beside the library that wants them, for they are of one build; beside the
+// program, and where it is installed.
 std::vector<std::filesystem::path> places() {
+    std::vector<std::filesystem::path> places;
+    if (std::filesystem::path folder = libraryFolder(); !folder.empty()) {
+        places.push_back(std::move(folder));
+    }
     std::error_code trouble;
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", trouble);
     const std::filesystem::path folder = program.parent_path();
-    return {folder, folder.parent_path() / QVEJMAP_LIBDIR / "qvejmap"};
+    places.push_back(folder);
+    places.push_back(folder.parent_path() / QVEJMAP_LIBDIR / "qvejmap");
+    return places;
 }
 
 std::string missing(std::string_view name) {

@@ -2,9 +2,10 @@
 // not load it.
 //
 // A module is `qvejmap_to_NAME.so`, beside the tool or in the library folder `qvejmap` of its
-// installation.  It is built with the tool and fits that build only.
+// installation, or beside the shared library that this code is in.  It is built with the tool and
+// fits that build only.
 //
-// Tested by tests/tool/golden/dictionary.t
+// Tested by tests/formats/module_place_test.cpp and tests/tool/golden/dictionary.t
 #pragma once
 
 #include "formats/formats.h"

@@ -52,6 +52,17 @@ ByteSource OpenDocument::open(const std::string& file) const {
     return bytes;
 }
 
+void OpenDocument::readAgain(
+    const std::function<void(DocumentReader&, const DocumentOptions&)>& read) const {
+    if (!rereadable()) {
+        throw Error(QV_UNSUPPORTED, "cannot be read again", Place{inputs_.files.front()});
+    }
+    for (const std::string& file : inputs_.files) {
+        DocumentReader reader(open(file), options_.text);
+        read(reader, reader.documentOptions({.maxDepth = options_.depth}));
+    }
+}
+
 // Bytes of what can be read again; nothing when it cannot.
 std::optional<uint64_t> OpenDocument::rereadable() const {
     return options_.memory ? std::optional<uint64_t>(options_.memory->size())

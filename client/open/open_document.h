@@ -64,6 +64,10 @@ class OpenDocument {
     // How it was read, as `--plan` says it.
     [[nodiscard]] const std::string& plan() const { return plan_; }
 
+    // Calls `read` for each of its texts, in order and from the beginning, with options for what
+    // takes the text.  Throws what that throws, and Error: QV_UNSUPPORTED when a text comes once.
+    void readAgain(const std::function<void(DocumentReader&, const DocumentOptions&)>& read) const;
+
    private:
     [[nodiscard]] ByteSource open(const std::string& file) const;
     [[nodiscard]] std::optional<uint64_t> rereadable() const;

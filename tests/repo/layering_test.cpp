@@ -42,6 +42,8 @@ const Layer kLayers[] = {
     {"client/parts/", R"re(client/((parts|partition|input)/.*|[^/]*)|include/.*|<.*>)re"},
     {"client/open/", R"re(client/((open|parts|input|shape)/.*|[^/]*)|include/.*|<.*>)re"},
     {"client/ranges/", R"re(client/((ranges|parts|partition|input)/.*|[^/]*)|include/.*|<.*>)re"},
+    {"client/find/", R"re(client/((find|open|input|shape)/.*|[^/]*)|include/.*|<.*>)re"},
+    {"client/maps/", R"re(client/(maps/.*|[^/]*)|include/.*|<.*>)re"},
     {"client/schema/",
      R"re(client/(schema/.*|(columns|document|error|pass_pipe|row|row_work|table_pass)\.h)|include/.*|<.*>)re"},
     {"client/",

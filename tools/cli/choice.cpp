@@ -1,150 +1,22 @@
 // See choice.h.
 #include "tools/cli/choice.h"
 
-#include "client/escape.h"
-#include "client/shape/path_matcher.h"
+#include "client/error.h"
 #include "tools/cli/failure.h"
-#include "tools/cli/options/option_values.h"
-#include "tools/cli/reports/remarks.h"
-#include "tools/cli/suggestion.h"
-
-#include <re2/re2.h>
 
 namespace qvej::cli {
-
-namespace {
-
-// "*" stands for any characters, "?" for one; letters in any case, as names of tables are.  \C is a
-// byte: a name may end in half a character.
-RE2 regexOf(const std::string& glob) {
-    RE2::Options options;
-    options.set_case_sensitive(false);
-    options.set_dot_nl(true);
-    std::string regex;
-    for (const char c : glob) {
-        regex += c == '*' ? "\\C*" : c == '?' ? "." : RE2::QuoteMeta(re2::StringPiece(&c, 1));
-    }
-    return RE2(regex, options);
-}
-
-std::string shownPath(const Table& table) {
-    return escaped(withSlashes(table.path()));
-}
-
-// The node of a path with separators 0x02; null: of an empty path, which no pattern matches.
-const PathMatcher::Node* nodeOf(PathMatcher& matcher, std::string_view path) {
-    constexpr std::string_view kRoot = "\x02root";
-    if (!path.starts_with(kRoot)) {
-        return nullptr;
-    }
-    const PathMatcher::Node* node = matcher.root();
-    for (path.remove_prefix(kRoot.size()); !path.empty();) {
-        const std::size_t end = std::min(path.find('\x02', 1), path.size());
-        node = matcher.child(node, path.substr(1, end - 1));
-        path.remove_prefix(end);
-    }
-    return node;
-}
-
-// Which tables have been chosen, and which parts of the choice have chosen any.
-class Choosing {
-   public:
-    explicit Choosing(const std::vector<Table>& tables) : tables_(tables), chosen_(tables.size()) {}
-
-    void byName(const std::string& glob) {
-        const RE2 regex = regexOf(glob);
-        bool found = false;
-        std::vector<std::string> names;
-        for (std::size_t i = 0; i < tables_.size(); ++i) {
-            if (RE2::FullMatch(tables_[i].name, regex)) {
-                chosen_[i] = found = true;
-            }
-            names.push_back(tables_[i].name);
-        }
-        if (!found) {
-            fail("no table has a name like " + inQuotes(glob), glob, names);
-        }
-    }
-
-    void byPath(const PathPattern& pattern) {
-        PathMatcher matcher({pattern});
-        bool found = false;
-        std::vector<std::string> paths;
-        for (std::size_t i = 0; i < tables_.size(); ++i) {
-            const PathMatcher::Node* node = nodeOf(matcher, tables_[i].path());
-            if (node != nullptr && !node->matched.empty()) {
-                chosen_[i] = found = true;
-            }
-            paths.push_back(shownPath(tables_[i]));
-        }
-        if (!found) {
-            fail("no table has a path like " + pattern.text(), pattern.text(), paths);
-        }
-    }
-
-    [[nodiscard]] std::vector<const Table*> result() const {
-        std::vector<const Table*> result;
-        for (std::size_t i = 0; i < tables_.size(); ++i) {
-            if (chosen_[i]) {
-                result.push_back(&tables_[i]);
-            }
-        }
-        return result;
-    }
-
-   private:
-    [[noreturn]] static void fail(const std::string& what, const std::string& wanted,
-                                  const std::vector<std::string>& known) {
-        const std::string hint = suggestion(wanted, known);
-        throw Failure(NO_TABLE, what + (hint.empty() ? " (qvejmap tables lists them)" : hint));
-    }
-
-    const std::vector<Table>& tables_;
-    std::vector<bool> chosen_;
-};
-
-}  // namespace
 
 bool isChoosing(const Options& options) {
     return !options.tables.empty() || !options.paths.empty();
 }
 
 std::vector<const Table*> chosenTables(const Options& options, const std::vector<Table>& tables) {
-    if (!isChoosing(options)) {
-        return each(tables);
-    }
-    Choosing choosing(tables);
-    for (const std::string& glob : options.tables) {
-        choosing.byName(glob);
-    }
-    for (const PathPattern& pattern : options.paths) {
-        choosing.byPath(pattern);
-    }
-    return choosing.result();
-}
-
-std::vector<const Table*> tablesAt(const std::string& path, const std::vector<Table>& tables) {
-    std::vector<const Table*> result;
-    const auto addAll = [&](auto matches) {
-        for (const Table& table : tables) {
-            if (matches(table)) {
-                result.push_back(&table);
-            }
-        }
-    };
     try {
-        PathMatcher matcher({PathPattern::parse(path)});
-        addAll([&](const Table& table) {
-            const PathMatcher::Node* node = nodeOf(matcher, table.path());
-            return node != nullptr && !node->matched.empty();
-        });
-    } catch (const PatternMistake&) {
-        // Blanks and quotes are shown as they are.
+        return qvej::chosenTables({options.tables, options.paths}, tables,
+                                  " (qvejmap tables lists them)");
+    } catch (const Error& error) {
+        throw Failure(exitCodeOf(error.status()), error.what());
     }
-    if (result.empty()) {
-        addAll([&](const Table& table) { return shownPath(table) == path; });
-    }
-    return result;
 }
 
 }  // namespace qvej::cli

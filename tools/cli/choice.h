@@ -3,8 +3,7 @@
 // Tested by tests/tool/golden/choice.t
 #pragma once
 
-#include "client/document.h"
-#include "client/shape/path_pattern.h"
+#include "client/find/table_choice.h"
 #include "tools/cli/options/options.h"
 
 #include <vector>
@@ -17,8 +16,5 @@ bool isChoosing(const Options& options);
 // Those of `tables`, in their order.  Throws a Failure (NO_TABLE) for a name or path of the choice
 // that is no table's.
 std::vector<const Table*> chosenTables(const Options& options, const std::vector<Table>& tables);
-
-// The tables at a path, which is written as a pattern or as `tables` shows it.
-std::vector<const Table*> tablesAt(const std::string& path, const std::vector<Table>& tables);
 
 }  // namespace qvej::cli

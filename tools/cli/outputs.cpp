@@ -1,14 +1,10 @@
 // See outputs.h.
 #include "tools/cli/outputs.h"
 
-#include "formats/module.h"
 #include "formats/output_files.h"
-#include "formats/store_destination.h"
-#include "formats/table_directory.h"
-#include "formats/table_file.h"
 #include "tools/cli/failure.h"
 
-#include <utility>
+#include <string>
 #include <vector>
 
 namespace qvej::cli {
@@ -62,12 +58,6 @@ std::vector<std::string> wordsOf(const Options& options) {
     return words;
 }
 
-// A file that has tables already may get more.
-StoreTarget storeTarget(const Options& options) {
-    return {options.out, options.place == OutputPlace::STORE_FILE,
-            options.format->name == "sqlite"};
-}
-
 }  // namespace
 
 void checkOutput(const Options& options) {
@@ -76,39 +66,21 @@ void checkOutput(const Options& options) {
                       "-o -: convert writes files (./- for one of that name); qvejmap read prints "
                       "a table");
     }
-    if (!options.format->module.empty()) {
-        (void)formatModule(options.format->module);
-    }
-    const Sources sources = sourcesOf(options.inputs.files, options.map);
-    if (options.place == OutputPlace::DIRECTORY) {
-        OutputFiles::checkDirectory(options.out);
-    } else if (options.place == OutputPlace::STORE_FILE) {
-        StoreDestination::checkFile(storeTarget(options), options.force, sources);
-    } else if (options.place == OutputPlace::TABLE_FILE) {
-        OutputFiles::checkFile(options.out, options.force, sources);
-    }
+    const ConversionTarget target = targetOf(options);
+    checkTarget(target);
     if (!options.rejects.empty()) {
-        OutputFiles::checkFile(options.rejects, options.force, sources,
-                               options.place == OutputPlace::DIRECTORY ? options.out : "");
+        OutputFiles::checkFile(options.rejects, options.force, target.sources,
+                               target.place() == OutputPlace::DIRECTORY ? options.out : "");
     }
 }
 
-std::unique_ptr<Destination> makeDestination(const Options& options, const Sources& sources) {
-    DestinationParms parms = {*options.format, options.formatOptions, options.force, sources};
-    switch (options.place) {
-        case OutputPlace::DIRECTORY:
-            return std::make_unique<TableDirectory>(
-                options.out, std::move(parms),
-                PackageRun{QVEJMAP_VERSION, joined(options.operands), wordsOf(options)});
-        case OutputPlace::TABLE_FILE:
-            return std::make_unique<TableFile>(options.out, std::move(parms));
-        default:
-            return std::make_unique<StoreDestination>(storeTarget(options), std::move(parms));
-    }
-}
-
-std::string shownOutput(const Options& options) {
-    return withoutPassword(options.out);
+ConversionTarget targetOf(const Options& options) {
+    return {options.out,
+            options.format,
+            options.formatOptions,
+            options.force,
+            sourcesOf(options.inputs.files, options.map),
+            {QVEJMAP_VERSION, joined(options.operands), wordsOf(options)}};
 }
 
 }  // namespace qvej::cli

@@ -3,12 +3,8 @@
 // Tested by tests/tool/golden/dictionary.t and tests/tool/golden/convert.t
 #pragma once
 
-#include "formats/destination.h"
-#include "formats/sources.h"
+#include "formats/conversion_target.h"
 #include "tools/cli/options/options.h"
-
-#include <memory>
-#include <string>
 
 namespace qvej::cli {
 
@@ -16,10 +12,6 @@ namespace qvej::cli {
 // Throws a Failure or Error.
 void checkOutput(const Options& options);
 
-[[nodiscard]] std::unique_ptr<Destination> makeDestination(const Options& options,
-                                                           const Sources& sources);
-
-// What messages call it: an address without its password.
-[[nodiscard]] std::string shownOutput(const Options& options);
+[[nodiscard]] ConversionTarget targetOf(const Options& options);
 
 }  // namespace qvej::cli

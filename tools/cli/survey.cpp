@@ -19,7 +19,8 @@ RowLosses lossesOf(const TablePass& pass, std::size_t table, std::size_t columns
 
 Schema typesOf(const Session& session, const std::vector<const Table*>& tables, TablePass& pass,
                const Options& options) {
-    checkRoomForTypes(session.document(), tables, options.schema);
+    session.document().checkMemory("types and keys",
+                                   SchemaBuilder::sizeFor(tables, options.schema));
     Progress& progress = session.progress();
     progress.begin(Progress::TYPES);
     Schema schema = schemaOf(session.document(), tables, pass, options.threads, options.schema,
@@ -29,11 +30,6 @@ Schema typesOf(const Session& session, const std::vector<const Table*>& tables, 
 }
 
 }  // namespace
-
-void checkRoomForTypes(const Document& document, const std::vector<const Table*>& tables,
-                       const SchemaOptions& options) {
-    document.checkMemory("types and keys", SchemaBuilder::sizeFor(tables, options));
-}
 
 Schema typesOf(const Session& session, const std::vector<const Table*>& tables,
                const Options& options) {

@@ -20,10 +20,6 @@ struct Survey {
     uint64_t inNoCell = 0;          // see lostOf()
 };
 
-// Before types and keys of so many tables are looked for.  Throws QV_LIMIT_MEMORY.
-void checkRoomForTypes(const Document& document, const std::vector<const Table*>& tables,
-                       const SchemaOptions& options);
-
 // These walks move the progress on, and throw as TablePass and PassRow.
 [[nodiscard]] Schema typesOf(const Session& session, const std::vector<const Table*>& tables,
                              const Options& options);

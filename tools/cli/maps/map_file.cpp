@@ -2,9 +2,11 @@
 #include "tools/cli/maps/map_file.h"
 
 #include "client/input/byte_source.h"
+#include "client/suggestion.h"
 #include "tools/cli/failure.h"
-#include "tools/cli/suggestion.h"
+#include "tools/cli/options/option_values.h"
 
+#include <algorithm>
 #include <set>
 
 namespace qvej::cli {
@@ -111,6 +113,20 @@ void MapFile::fail(const Engine& engine, const MapError& error) const {
                       std::to_string(error.column()) + ": " + describe(engine, error) +
                       engineCode(error.status()),
                   error.excerpt());
+}
+
+std::vector<MapModel> readMapModels(const std::vector<std::string>& files) {
+    if (std::count(files.begin(), files.end(), "-") > 1) {
+        usageError("only one of the maps can be standard input");
+    }
+    Engine engine;
+    std::vector<MapModel> models;
+    models.reserve(files.size());
+    for (const std::string& file : files) {
+        const MapFile map(engine, file);
+        models.push_back(mapModel(engine, map.text(), map.tables()));
+    }
+    return models;
 }
 
 }  // namespace qvej::cli

@@ -6,6 +6,7 @@
 #include "client/document.h"
 #include "client/engine.h"
 #include "client/error.h"
+#include "client/maps/map_model.h"
 
 #include <memory>
 #include <string>
@@ -33,5 +34,8 @@ class MapFile {
     std::string text_;
     std::unique_ptr<Document> document_;  // an empty one: the tables are its
 };
+
+// The maps of some files, one of which may be standard input.  Throws a Failure, as MapFile.
+std::vector<MapModel> readMapModels(const std::vector<std::string>& files);
 
 }  // namespace qvej::cli

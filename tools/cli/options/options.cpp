@@ -5,6 +5,8 @@
 #include "tools/cli/options/options.h"
 
 #include "client/escape.h"
+#include "client/suggestion.h"
+#include "formats/conversion_target.h"
 #include "formats/writer.h"
 #include "tools/cli/options/completion.h"
 #include "tools/cli/options/help.h"
@@ -12,7 +14,6 @@
 #include "tools/cli/options/option_owners.h"
 #include "tools/cli/options/option_values.h"
 #include "tools/cli/reports/tell.h"
-#include "tools/cli/suggestion.h"
 #include "tools/cli/verbs/verbs.h"
 
 #include <CLI/App.hpp>
@@ -457,7 +458,7 @@ void translate(const CLI::App& app, const Raw& raw, Options& o) {
     if (o.verb->name == "find" && o.paths.empty() && !o.value && !o.regex) {
         usageError("find: --path, --value or --regex is missing");
     }
-    if (o.perFile && o.place != OutputPlace::DIRECTORY) {
+    if (o.perFile && placeOf(o.out, *o.format) != OutputPlace::DIRECTORY) {
         usageError("--per-file: -o must be a directory of files");
     }
     if (o.perFile && (!o.rejects.empty() || !o.reading.cache.empty())) {

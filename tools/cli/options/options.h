@@ -52,7 +52,6 @@ struct Options {
     bool quiet = false;
     const Format* format = nullptr;
     FormatOptions formatOptions;
-    OutputPlace place = OutputPlace::DIRECTORY;  // of convert
     bool json = false;                           // of tables
     PictureFormat picture = PictureFormat::SVG;  // of diagram
     SchemaOptions schema;

@@ -2,7 +2,7 @@
 #include "tools/cli/options/output_options.h"
 
 #include "client/escape.h"
-#include "client/text.h"
+#include "formats/conversion_target.h"
 #include "tools/cli/options/option_values.h"
 #include "tools/cli/options/options.h"
 #include "tools/cli/verbs/verbs.h"
@@ -18,52 +18,12 @@ namespace qvej::cli {
 
 namespace {
 
-// What the end of a file's name says of its format.
-constexpr struct {
-    std::string_view ending, format;
-    OutputPlace place;
-} kEndings[] = {
-    {".db", "sqlite", OutputPlace::STORE_FILE},
-    {".sqlite", "sqlite", OutputPlace::STORE_FILE},
-    {".sqlite3", "sqlite", OutputPlace::STORE_FILE},
-    {".xlsx", "xlsx", OutputPlace::STORE_FILE},
-    {".parquet", "parquet", OutputPlace::TABLE_FILE},
-    {".arrow", "arrow", OutputPlace::TABLE_FILE},
-};
-
 std::string commaSeparated(std::string names) {
     RE2::GlobalReplace(&names, "\\|", ", ");
     return names;
 }
 
-bool isAddress(std::string_view out) {
-    return out.starts_with("postgres:") || out.starts_with("postgresql:");
-}
-
 constexpr std::size_t kLongestSchema = 63;  // bytes, in PostgreSQL
-
-struct Guess {
-    std::string_view format;
-    OutputPlace place;
-};
-
-Guess guessOf(const std::string& name) {
-    const std::string out = lowerCased(name);
-    if (isAddress(out)) {
-        return {"postgres", OutputPlace::DATABASE};
-    }
-    for (const auto& known : kEndings) {
-        if (out.ends_with(known.ending)) {
-            return {known.format, known.place};
-        }
-    }
-    return {"csv", OutputPlace::DIRECTORY};
-}
-
-// The place that a format goes to, when the name of the output says nothing of that format.
-OutputPlace placeOf(const Format& format) {
-    return format.store ? OutputPlace::STORE_FILE : OutputPlace::DIRECTORY;
-}
 
 // It stands in the file as it is, without quotes.
 void checkNull(const std::string& text, const Format& format) {
@@ -105,16 +65,14 @@ void readPlace(const CLI::App& app, const RawOutput& raw, Options& o) {
         readOtherFormat(app, raw, o);
         return;
     }
-    const Guess guess = guessOf(o.out);
     const bool convert = o.verb->name == "convert";
     const std::string name(app.count("--format") != 0 ? raw.format
-                           : convert                  ? std::string(guess.format)
+                           : convert                  ? std::string(formatOf(o.out))
                                                       : "csv");
     o.format = findFormat(name);
     if (o.format == nullptr || (!convert && !o.format->text())) {
         usageError("--format: " + inQuotes(name) + " is none of " + formatNames(!convert));
     }
-    o.place = o.format->name == guess.format ? guess.place : placeOf(*o.format);
     if (o.format->name == "postgres" && !isAddress(o.out)) {
         usageError("--format postgres: -o takes an address such as postgresql://host/database");
     }

@@ -16,14 +16,6 @@ namespace qvej::cli {
 
 struct Options;
 
-// Where convert writes.
-enum class OutputPlace {
-    DIRECTORY,   // a file for each table
-    TABLE_FILE,  // one file for the one table
-    STORE_FILE,  // one file for all tables
-    DATABASE     // at an address
-};
-
 // As they are written, before they mean anything.
 struct RawOutput {
     std::string format, null, dates = "auto";

@@ -46,19 +46,6 @@ bool goesThroughDouble(const Column& column) {
 
 }  // namespace
 
-std::vector<const Table*> each(const std::vector<Table>& tables) {
-    std::vector<const Table*> result;
-    result.reserve(tables.size());
-    for (const Table& table : tables) {
-        result.push_back(&table);
-    }
-    return result;
-}
-
-std::string visible(const std::string& tableName) {
-    return tableName.empty() ? "\"\"" : tableName;
-}
-
 std::string hiddenAlldata(const std::vector<const Table*>& tables, const std::string& alldataName) {
     for (const Table* table : tables) {
         if (equalIgnoringCase(table->name, alldataName)) {
@@ -93,14 +80,6 @@ std::string shortened(std::string_view text) {
     constexpr std::size_t kShownBytes = 40;
     const std::string_view start = withoutUnfinished(text.substr(0, kShownBytes));
     return "\"" + std::string(start) + (start.size() < text.size() ? "..." : "") + "\"";
-}
-
-std::string spotText(const std::string& file, Spot spot, const std::vector<TextSource>& texts) {
-    if (spot.line == 0) {
-        return file;
-    }
-    return (texts.empty() ? file : texts[spot.text].name) + ":" + std::to_string(spot.line) + ":" +
-           std::to_string(spot.column);
 }
 
 void tellInexact(const std::string& file, const Document& document,

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "client/document.h"
+#include "client/messages.h"
 #include "formats/formats.h"
 
 #include <string>
@@ -11,12 +12,6 @@
 #include <vector>
 
 namespace qvej::cli {
-
-// All of the tables.
-std::vector<const Table*> each(const std::vector<Table>& tables);
-
-// A table name as messages have it: even an empty one can be seen.
-std::string visible(const std::string& tableName);
 
 // One line on those of the tables that no name opens, since another has it; empty: there are none.
 std::string sharedNames(const std::vector<const Table*>& tables, Naming naming,
@@ -27,10 +22,6 @@ std::string hiddenAlldata(const std::vector<const Table*>& tables, const std::st
 
 // The beginning of a value, in quotes.
 std::string shortened(std::string_view text);
-
-// "FILE:3:14"; only FILE when the place is not known.  `texts`: of the document; of several the
-// place is in one of them.
-std::string spotText(const std::string& file, Spot spot, const std::vector<TextSource>& texts = {});
 
 // Which columns with numbers that a double does not keep are told.
 enum class Inexact {
@@ -81,10 +72,6 @@ MapOddities mapOddities(const std::vector<const Table*>& tables);
 
 // Tells the first three on standard error, a line for each kind.
 void tellMapOddities(const std::string& map, const std::vector<const Table*>& tables);
-
-// What rows show of a column of a parent.
-inline constexpr std::string_view kWithoutCarry =
-    "the order of the document decides which row has the value";
 
 // Tells on standard error which columns of the tables of a user's map are of a parent, and what
 // that means without --carry.

@@ -2,6 +2,7 @@
 //
 // Tested by tests/tool/golden/check.t and tests/tool/golden/account.t
 #include "client/escape.h"
+#include "client/find/table_choice.h"
 #include "formats/writer.h"
 #include "tools/cli/counted_input.h"
 #include "tools/cli/reports/account_report.h"

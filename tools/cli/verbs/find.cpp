@@ -4,9 +4,10 @@
 //
 // Tested by tests/tool/golden/find.t
 #include "client/escape.h"
+#include "client/find/value_test.h"
+#include "client/find/value_walk.h"
 #include "formats/writer.h"
-#include "tools/cli/find/value_test.h"
-#include "tools/cli/find/value_walk.h"
+#include "tools/cli/options/option_values.h"
 #include "tools/cli/session.h"
 #include "tools/cli/verbs/verbs.h"
 
@@ -57,10 +58,19 @@ class PromptWalk final : public ValueWalk {
     Writer& out_;
 };
 
+// What the options look for.
+ValueTest testOf(const Options& options) {
+    try {
+        return ValueTest(options.value, options.regex, options.ignoreCase);
+    } catch (const Error& error) {
+        usageError((options.value ? "--value: " : "--regex: ") + std::string(error.what()));
+    }
+}
+
 }  // namespace
 
 ExitCode runFind(const Options& options) {
-    const ValueTest test(options.value, options.regex, options.ignoreCase);
+    const ValueTest test = testOf(options);
     const Engine engine;
     Writer out = standardOutput();
     uint64_t left = options.limit;

@@ -3,9 +3,10 @@
 // Tested by tests/tool/golden/map.t
 #include "client/engine.h"
 #include "client/error.h"
+#include "client/maps/exact_map.h"
+#include "client/text.h"
 #include "tools/cli/choice.h"
 #include "tools/cli/maps/map_fit.h"
-#include "tools/cli/maps/map_model.h"
 #include "tools/cli/maps/map_output.h"
 #include "tools/cli/maps/separator_watch.h"
 #include "tools/cli/reports/remarks.h"
@@ -13,7 +14,6 @@
 #include "tools/cli/session.h"
 #include "tools/cli/verbs/verbs.h"
 
-#include <unordered_map>
 #include <unordered_set>
 
 namespace qvej::cli {
@@ -71,55 +71,23 @@ void tellGaps(const Session& session, const std::vector<const Table*>& tables, b
     }
 }
 
-// The map of some tables of the document.
-MapModel modelOf(const Document& document, const std::vector<const Table*>& tables) {
-    MapModel all = mapModel(document.engine(), document.mapText(), document.tables());
-    MapModel map;
-    for (const Table* table : tables) {
-        map.push_back(std::move(all[static_cast<std::size_t>(table - document.tables().data())]));
-    }
-    return map;
-}
-
-// Makes every column of the map CHARACTER whose numbers a double does not keep.
-void makeExact(const std::string& file, const Document& document,
-               const std::vector<const Table*>& tables, MapModel& map) {
-    std::unordered_map<std::string, uint64_t> longest;  // of the paths of such columns
-    for (const PathStatistics& path : document.inexactPaths()) {
-        longest.emplace(path.path, path.longest);
-    }
-    std::vector<std::string> tooLong;
-    for (std::size_t t = 0; t < map.size(); ++t) {
-        for (std::size_t c = 0; c < map[t].columns.size(); ++c) {
-            MapColumn& column = map[t].columns[c];
-            const auto found = longest.find(tables[t]->columns[c].path);
-            if (column.type == ColumnType::NUMERIC && found != longest.end()) {
-                column.type = ColumnType::CHARACTER;
-                column.currentLength = found->second;
-                if (found->second > kLongestCell) {
-                    tooLong.push_back(columnName(map[t], column));
-                }
-            }
-        }
-    }
-    if (!tooLong.empty()) {
-        const std::string kept = std::to_string(kLongestCell) + " bytes that a column holds";
-        tellCounted(file, tooLong.size(), "column with numbers longer than the " + kept,
-                    "columns with numbers longer than the " + kept, tooLong.front());
-    }
-}
-
 std::string mapOf(const Session& session, const std::vector<const Table*>& tables,
                   const Options& options) {
     const Document& document = session.document();
     if (!options.exact && !isChoosing(options)) {
         return document.mapText();
     }
-    MapModel map = modelOf(document, tables);
-    if (options.exact) {
-        makeExact(session.name(), document, tables, map);
+    if (!options.exact) {
+        return mapDocument(documentMap(document, tables));
     }
-    return mapDocument(map);
+    const ExactMap exact = exactMap(document, tables);
+    if (!exact.tooLong.empty()) {
+        const std::string kept = std::to_string(kLongestCell) + " bytes that a column holds";
+        tellCounted(session.name(), exact.tooLong.size(),
+                    "column with numbers longer than the " + kept,
+                    "columns with numbers longer than the " + kept, exact.tooLong.front());
+    }
+    return mapDocument(exact.map);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 // Tested by tests/tool/golden/map_check.t
 #include "client/error.h"
 #include "client/escape.h"
+#include "client/find/table_choice.h"
 #include "formats/writer.h"
 #include "tools/cli/maps/map_fit.h"
 #include "tools/cli/reports/remarks.h"

@@ -4,6 +4,7 @@
 #include "client/account.h"
 #include "client/cursor.h"
 #include "client/error.h"
+#include "client/suggestion.h"
 #include "client/table_pass.h"
 #include "formats/writer.h"
 #include "tools/cli/choice.h"
@@ -15,7 +16,6 @@
 #include "tools/cli/reports/remarks.h"
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"
-#include "tools/cli/suggestion.h"
 #include "tools/cli/verbs/verbs.h"
 
 #include <algorithm>

@@ -3,11 +3,11 @@
 //
 // Tested by tests/tool/golden/shape.t
 #include "client/escape.h"
+#include "client/find/value_walk.h"
 #include "formats/output_files.h"
 #include "formats/writer.h"
 #include "tools/cli/auto_shape.h"
 #include "tools/cli/counted_input.h"
-#include "tools/cli/find/value_walk.h"
 #include "tools/cli/maps/map_output.h"
 #include "tools/cli/reports/tell.h"
 #include "tools/cli/session.h"

@@ -1,11 +1,11 @@
 // See value_test.h.
-#include "tools/cli/find/value_test.h"
+#include "client/find/value_test.h"
 
-#include "tools/cli/options/option_values.h"
+#include "client/error.h"
 
 #include <re2/re2.h>
 
-namespace qvej::cli {
+namespace qvej {
 
 ValueTest::ValueTest(const std::optional<std::string>& value,
                      const std::optional<std::string>& regex, bool ignoreCase) {
@@ -18,7 +18,7 @@ ValueTest::ValueTest(const std::optional<std::string>& value,
         const std::string text = value ? "\\A" + RE2::QuoteMeta(*value) + "\\z" : *regex;
         regex_ = std::make_unique<RE2>(text, options);
         if (!regex_->ok()) {
-            usageError((value ? "--value: " : "--regex: ") + regex_->error());
+            throw Error(QV_BADPARMS, regex_->error());
         }
     }
 }
@@ -29,4 +29,4 @@ bool ValueTest::matches(std::string_view text) const {
     return RE2::PartialMatch(re2::StringPiece(text.data(), text.size()), *regex_);
 }
 
-}  // namespace qvej::cli
+}  // namespace qvej

@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
-namespace qvej::cli {
+namespace qvej {
 
 // "; did you mean A, B?" with the names that look most like `name`; empty: none does.
 std::string suggestion(std::string_view name, const std::vector<std::string>& names);
 
-}  // namespace qvej::cli
+}  // namespace qvej

@@ -1,9 +1,10 @@
 // A map as tools compare and merge it: what its text says, without a document.
 //
-// Tested by tests/tool/golden/map_diff.t and tests/tool/golden/map_merge.t
+// Tested by tests/client/maps_test.cpp, tests/tool/golden/map_diff.t and
+// tests/tool/golden/map_merge.t
 #pragma once
 
-#include "client/document.h"
+#include "../document.h"
 
 #include <cstdint>
 #include <optional>
@@ -11,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-namespace qvej::cli {
+namespace qvej {
 
 // Texts are empty for what the map does not say.
 struct MapColumn {
@@ -37,8 +38,8 @@ using MapModel = std::vector<MapTable>;
 // A map by its text and the tables that have been read from it.
 MapModel mapModel(const Engine& engine, std::string_view text, const std::vector<Table>& tables);
 
-// The maps of some files, one of which may be standard input.  Throws a Failure, as MapFile.
-std::vector<MapModel> readMapModels(const std::vector<std::string>& files);
+// A map by its text (UTF-8).  Throws MapError.
+MapModel readMapModel(Engine& engine, std::string_view text);
 
 // The map as a JSON document without blanks, control characters escaped.
 std::string mapDocument(const MapModel& map);
@@ -52,4 +53,4 @@ std::string jsonText(std::string_view text);
 // "orders.id", control characters escaped.
 std::string columnName(const MapTable& table, const MapColumn& column);
 
-}  // namespace qvej::cli
+}  // namespace qvej

@@ -1,16 +1,12 @@
 // See map_model.h.
-#include "tools/cli/maps/map_model.h"
+#include "client/maps/map_model.h"
 
 #include "client/escape.h"
 #include "client/map_text.h"
+#include "client/messages.h"
 #include "client/text.h"
-#include "tools/cli/maps/map_file.h"
-#include "tools/cli/options/option_values.h"
-#include "tools/cli/reports/remarks.h"
 
-#include <algorithm>
-
-namespace qvej::cli {
+namespace qvej {
 
 namespace {
 
@@ -102,18 +98,12 @@ MapModel mapModel(const Engine& engine, std::string_view text, const std::vector
     return model;
 }
 
-std::vector<MapModel> readMapModels(const std::vector<std::string>& files) {
-    if (std::count(files.begin(), files.end(), "-") > 1) {
-        usageError("only one of the maps can be standard input");
-    }
-    Engine engine;
-    std::vector<MapModel> models;
-    models.reserve(files.size());
-    for (const std::string& file : files) {
-        const MapFile map(engine, file);
-        models.push_back(mapModel(engine, map.text(), map.tables()));
-    }
-    return models;
+MapModel readMapModel(Engine& engine, std::string_view text) {
+    Document document(engine);
+    document.feed("[]");
+    document.finish();
+    document.useMap(text);
+    return mapModel(engine, text, document.tables());
 }
 
 std::string mapDocument(const MapModel& map) {
@@ -147,4 +137,4 @@ std::string columnName(const MapTable& table, const MapColumn& column) {
     return escaped(visible(table.name)) + "." + escaped(column.name);
 }
 
-}  // namespace qvej::cli
+}  // namespace qvej

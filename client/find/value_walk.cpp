@@ -1,9 +1,9 @@
 // See value_walk.h.
-#include "tools/cli/find/value_walk.h"
+#include "client/find/value_walk.h"
 
 #include <utility>
 
-namespace qvej::cli {
+namespace qvej {
 
 // A callback.  No exception passes the parser: it is thrown again when that has returned.
 template <auto Routine, class... Args>
@@ -113,4 +113,4 @@ void ValueWalk::found(std::string_view text) {
     handler_({parser_.spot(), path_, text});
 }
 
-}  // namespace qvej::cli
+}  // namespace qvej

@@ -3,8 +3,8 @@
 // Tested by tests/tool/golden/map_diff.t and tests/tool/golden/map_merge.t
 #pragma once
 
-#include "client/text.h"
-#include "tools/cli/maps/map_model.h"
+#include "../text.h"
+#include "map_model.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-namespace qvej::cli {
+namespace qvej {
 
 // What two items have in common that are the same.
 using PairKey = std::pair<std::string, std::string>;
@@ -69,4 +69,4 @@ std::vector<std::size_t> pairUp(const std::vector<Item>& a, const std::vector<It
     return partners;
 }
 
-}  // namespace qvej::cli
+}  // namespace qvej

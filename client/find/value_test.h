@@ -12,12 +12,12 @@ namespace re2 {
 class RE2;
 }
 
-namespace qvej::cli {
+namespace qvej {
 
 class ValueTest {
    public:
     // `value`: the whole text of a value; `regex`: occurs in it.  At most one of them; none: any
-    // value will do.  Throws a Failure (WRONG_USAGE) for what is no regular expression.
+    // value will do.  Throws QV_BADPARMS for what is no regular expression, and says why.
     ValueTest(const std::optional<std::string>& value, const std::optional<std::string>& regex,
               bool ignoreCase);
     ~ValueTest();
@@ -34,4 +34,4 @@ class ValueTest {
     std::unique_ptr<re2::RE2> regex_;
 };
 
-}  // namespace qvej::cli
+}  // namespace qvej

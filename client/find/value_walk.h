@@ -9,9 +9,9 @@
 // Tested by tests/tool/golden/find.t
 #pragma once
 
-#include "client/shape/path_matcher.h"
-#include "client/text_parser.h"
-#include "tools/cli/find/value_test.h"
+#include "../shape/path_matcher.h"
+#include "../text_parser.h"
+#include "value_test.h"
 
 #include <cstddef>
 #include <exception>
@@ -20,7 +20,7 @@
 #include <string_view>
 #include <vector>
 
-namespace qvej::cli {
+namespace qvej {
 
 struct FoundValue {
     Spot at;
@@ -71,4 +71,4 @@ class ValueWalk : public TextConsumer, private JSNParseCB {
     TextParser parser_;
 };
 
-}  // namespace qvej::cli
+}  // namespace qvej

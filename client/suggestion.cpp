@@ -1,5 +1,5 @@
 // See suggestion.h.
-#include "tools/cli/suggestion.h"
+#include "client/suggestion.h"
 
 #include "client/text.h"
 
@@ -7,7 +7,7 @@
 #include <numeric>
 #include <utility>
 
-namespace qvej::cli {
+namespace qvej {
 
 namespace {
 
@@ -50,4 +50,4 @@ std::string suggestion(std::string_view name, const std::vector<std::string>& na
     return text.empty() ? text : text + "?";
 }
 
-}  // namespace qvej::cli
+}  // namespace qvej

@@ -1,0 +1,42 @@
+// See exact_map.h.
+#include "client/maps/exact_map.h"
+
+#include "client/text.h"
+
+#include <unordered_map>
+#include <utility>
+
+namespace qvej {
+
+MapModel documentMap(const Document& document, const std::vector<const Table*>& tables) {
+    MapModel all = mapModel(document.engine(), document.mapText(), document.tables());
+    MapModel map;
+    for (const Table* table : tables) {
+        map.push_back(std::move(all[static_cast<std::size_t>(table - document.tables().data())]));
+    }
+    return map;
+}
+
+ExactMap exactMap(const Document& document, const std::vector<const Table*>& tables) {
+    ExactMap exact = {documentMap(document, tables), {}};
+    std::unordered_map<std::string, uint64_t> longest;  // of the paths of such columns
+    for (const PathStatistics& path : document.inexactPaths()) {
+        longest.emplace(path.path, path.longest);
+    }
+    for (std::size_t t = 0; t < exact.map.size(); ++t) {
+        for (std::size_t c = 0; c < exact.map[t].columns.size(); ++c) {
+            MapColumn& column = exact.map[t].columns[c];
+            const auto found = longest.find(tables[t]->columns[c].path);
+            if (column.type == ColumnType::NUMERIC && found != longest.end()) {
+                column.type = ColumnType::CHARACTER;
+                column.currentLength = found->second;
+                if (found->second > kLongestCell) {
+                    exact.tooLong.push_back(columnName(exact.map[t], column));
+                }
+            }
+        }
+    }
+    return exact;
+}
+
+}  // namespace qvej
