@@ -128,4 +128,13 @@ std::string Table::objectPath() const {
     return columns.codec().decoded(objectOf(handle));
 }
 
+std::vector<const Table*> each(const std::vector<Table>& tables) {
+    std::vector<const Table*> result;
+    result.reserve(tables.size());
+    for (const Table& table : tables) {
+        result.push_back(&table);
+    }
+    return result;
+}
+
 }  // namespace qvej

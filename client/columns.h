@@ -138,4 +138,7 @@ struct Table {
     [[nodiscard]] std::string objectPath() const;
 };
 
+// All of the tables.
+[[nodiscard]] std::vector<const Table*> each(const std::vector<Table>& tables);
+
 }  // namespace qvej

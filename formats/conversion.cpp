@@ -1,23 +1,14 @@
 // See conversion.h.
 #include "formats/conversion.h"
 
-#include "client/pass_pipe.h"
 #include "client/table_pass.h"
-#include "formats/output_work.h"
 
 #include <algorithm>
-#include <span>
 #include <utility>
 
 namespace qvej {
 
 namespace {
-
-uint64_t rowsOf(std::span<const PassItem> items) {
-    return static_cast<uint64_t>(
-        std::count_if(items.begin(), items.end(),
-                      [](const PassItem& item) { return item.kind == PassItem::ROW; }));
-}
 
 void checkRoomForTypes(const Document& document, const std::vector<const Table*>& tables,
                        const SchemaOptions& options) {
@@ -66,7 +57,7 @@ void TableConversion::write(const TableOutputs::RejectsOf& rejectsOf) {
         pass->flushInTime([&] { outputs.flush(); });
     }
     begin(ConversionPhase::ROWS);
-    writeRows(*pass, outputs, facts ? &*facts : nullptr);
+    outputs.takeAll(*pass, options_.threads, options_.onRows);
     begin(ConversionPhase::END);
     outputs.end();
     if (options_.losses) {
@@ -79,30 +70,6 @@ void TableConversion::write(const TableOutputs::RejectsOf& rejectsOf) {
         facts.reset();
     }
     destination_->end(*schema_);
-}
-
-// Lets the threads that make the rows write them down, too, where that can be.
-void TableConversion::writeRows(TablePass& pass, TableOutputs& outputs,
-                                const SchemaBuilder* facts) {
-    if (destination_->makesPieces() && pass.works()) {
-        const std::optional<const SchemaBuilder> noRows =
-            facts == nullptr ? std::nullopt : std::optional<const SchemaBuilder>(*facts);
-        pass.work(
-            [&] {
-                return std::make_unique<OutputWork>(document_, tables_, *destination_,
-                                                    noRows ? &*noRows : nullptr);
-            },
-            [&](std::unique_ptr<RowResult> result) {
-                auto& pieces = static_cast<OutputPieces&>(*result);
-                outputs.take(pieces);
-                addRows(pieces.rows);
-            });
-        return;
-    }
-    runPass(pass, options_.threads, [&](std::span<const PassItem> items) {
-        outputs.take(items);
-        addRows(rowsOf(items));
-    });
 }
 
 void TableConversion::countLosses(const TablePass& pass) {

@@ -77,7 +77,6 @@ class TableConversion {
 
    private:
     void findTypes();
-    void writeRows(TablePass& pass, TableOutputs& outputs, const SchemaBuilder* facts);
     void countLosses(const TablePass& pass);
     void begin(ConversionPhase phase) const;
     void addRows(uint64_t rows) const;

@@ -1,7 +1,10 @@
 // See table_outputs.h.
 #include "formats/table_outputs.h"
 
+#include "client/pass_pipe.h"
+
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace qvej {
@@ -15,6 +18,12 @@ void prefetchTexts(const PassItem& item) {
     for (const PassCell& cell : item.cells) {
         __builtin_prefetch(cell.text);  // of a count any address, which does no harm
     }
+}
+
+uint64_t rowsOf(std::span<const PassItem> items) {
+    return static_cast<uint64_t>(
+        std::count_if(items.begin(), items.end(),
+                      [](const PassItem& item) { return item.kind == PassItem::ROW; }));
 }
 
 }  // namespace
@@ -108,6 +117,34 @@ void TableOutputs::take(OutputPieces& pieces) {
         output.sink->append(std::move(of.piece));
         countAndFlush(output);
     }
+}
+
+void TableOutputs::takeAll(TablePass& pass, unsigned threads,
+                           const std::function<void(uint64_t)>& onRows) {
+    const auto tell = [&](uint64_t rows) {
+        if (onRows) {
+            onRows(rows);
+        }
+    };
+    if (!destination_.makesPieces() || !pass.works()) {
+        runPass(pass, threads, [&](std::span<const PassItem> items) {
+            take(items);
+            tell(rowsOf(items));
+        });
+        return;
+    }
+    const std::optional<const SchemaBuilder> noRows =
+        facts_ == nullptr ? std::nullopt : std::optional<const SchemaBuilder>(*facts_);
+    pass.work(
+        [&] {
+            return std::make_unique<OutputWork>(document_, tables_, destination_,
+                                                noRows ? &*noRows : nullptr);
+        },
+        [&](std::unique_ptr<RowResult> result) {
+            auto& pieces = static_cast<OutputPieces&>(*result);
+            take(pieces);
+            tell(pieces.rows);
+        });
 }
 
 void TableOutputs::countAndFlush(Output& output) {

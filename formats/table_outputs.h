@@ -33,6 +33,12 @@ class TableOutputs {
     // Takes what workers have made of them, in order, each of one part.  Throws Error.
     void take(OutputPieces& pieces);
 
+    // Takes all items of a pass over the tables.  The threads that make the rows write them down,
+    // too, where that can be.  `onRows`: when there is one, is told of further rows, how many; on
+    // one thread at a time.  Throws Error.
+    void takeAll(TablePass& pass, unsigned threads,
+                 const std::function<void(uint64_t)>& onRows = {});
+
     // Passes on what the sinks hold.
     void flush();
 

@@ -3,11 +3,14 @@
 
 #include "bindings/python/capsules.h"
 #include "bindings/python/interrupt.h"
+#include "bindings/python/patterns.h"
 #include "bindings/python/shared_document.h"
 #include "bindings/python/source.h"
 #include "bindings/python/texts.h"
 #include "bindings/python/values.h"
 #include "client/error.h"
+#include "client/find/find_values.h"
+#include "client/maps/column_explanation.h"
 #include "client/shape/reshaper.h"
 #include "client/text.h"
 #include "formats/arrow_c/table_fields.h"
@@ -109,8 +112,8 @@ DocumentPtr openDocument(OpenOptions options, std::shared_ptr<const void> source
 DocumentPtr open(const std::vector<nb::bytes>& words, const nb::object& buffer, nb::object read,
                  const nb::bytes& name, const std::string& encoding, bool lines,
                  const std::string& shape, const nb::bytes& map, const nb::bytes& mapName,
-                 bool originalNames, bool carry, uint64_t memory, unsigned threads, uint64_t depth,
-                 uint64_t maxPaths) {
+                 bool originalNames, bool exact, bool carry, uint64_t memory, unsigned threads,
+                 uint64_t depth, uint64_t maxPaths) {
     OpenOptions options;
     options.name = stringOf(name);
     options.text.encoding = encoding;
@@ -118,6 +121,7 @@ DocumentPtr open(const std::vector<nb::bytes>& words, const nb::object& buffer, 
     options.shape = shape;
     options.map = stringOf(map);
     options.naming = originalNames ? Naming::ORIGINAL : Naming::MAP;
+    options.exact = exact;
     options.memoryBudget = memory;
     options.threads = threads;
     options.depth = depth;
@@ -172,12 +176,9 @@ const Schema& schemaOf(SharedDocument& document) {
     return document.schema();
 }
 
-// Values that were rejected, that are in no cell, that were overwritten, that strayed.
 nb::tuple findingsOf(SharedDocument& document) {
     (void)schemaOf(document);
-    const Findings& found = document.findings();
-    return nb::make_tuple(found.rejected, found.inNoCell, found.losses.overwritten,
-                          found.losses.strayed);
+    return findingsTuple(document.findings());
 }
 
 DocumentPtr alldataOf(const SharedDocument& document) {
@@ -310,7 +311,48 @@ Batches batchesOf(const DocumentPtr& document, std::size_t table, const Position
     return {document, {table, columns, rows}};
 }
 
+// Values that are looked for: of each the file, line, column, path and text.
+nb::list find(const SharedDocument& document, const std::vector<std::string>& paths,
+              const std::optional<std::string>& value, const std::optional<std::string>& regex,
+              bool ignoreCase, uint64_t limit) {
+    struct Found {
+        std::string file;
+        Spot at;
+        std::string path, text;
+    };
+    std::vector<Found> found;
+    interruptible([&] {
+        findValues(document.open(), patternsOf(paths), ValueTest(value, regex, ignoreCase),
+                   [&](const std::string& file, const FoundValue& of) {
+                       found.push_back({file, of.at, std::string(of.path), std::string(of.text)});
+                       return found.size() < limit;
+                   });
+    });
+    nb::list list;
+    for (const Found& of : found) {
+        list.append(nb::make_tuple(fileNameOf(of.file), of.at.line, of.at.column, textOf(of.path),
+                                   textOf(of.text)));
+    }
+    return list;
+}
+
+nb::object explanation(const SharedDocument& document, const std::string& column,
+                       const std::string& mapName) {
+    std::string text;
+    interruptible([&] {
+        const std::unique_lock lock = document.turn();
+        text = explainedColumn(document.document(), column, document.open().name(), mapName).text();
+    });
+    return textOf(text);
+}
+
 }  // namespace
+
+// Values that were rejected, that are in no cell, that were overwritten, that strayed.
+nb::tuple findingsTuple(const Findings& found) {
+    return nb::make_tuple(found.rejected, found.inNoCell, found.losses.overwritten,
+                          found.losses.strayed);
+}
 
 void registerDocuments(nb::module_& module) {
     nb::class_<Batch>(module, "Batch")
@@ -343,6 +385,9 @@ void registerDocuments(nb::module_& module) {
         .def("findings", &findingsOf)
         .def("alldata", &alldataOf)
         .def("account", &accountList)
+        .def("find", &find, "paths"_a, "value"_a.none(), "regex"_a.none(), "ignore_case"_a,
+             "limit"_a)
+        .def("explanation", &explanation, "column"_a, "map_name"_a)
         .def("rows", &rowsOf, "tables"_a)
         .def("rejects", [](const DocumentPtr& document) { return Rejects(document); })
         .def("arrow_schema", &tableSchema, "table"_a, "columns"_a)
@@ -350,8 +395,8 @@ void registerDocuments(nb::module_& module) {
         .def("batches", &batchesOf, "table"_a, "columns"_a, "rows"_a);
 
     module.def("open", &open, "words"_a, "buffer"_a.none(), "read"_a.none(), "name"_a, "encoding"_a,
-               "lines"_a, "shape"_a, "map"_a, "map_name"_a, "original_names"_a, "carry"_a,
-               "memory"_a, "threads"_a, "depth"_a, "max_paths"_a);
+               "lines"_a, "shape"_a, "map"_a, "map_name"_a, "original_names"_a, "exact"_a,
+               "carry"_a, "memory"_a, "threads"_a, "depth"_a, "max_paths"_a);
 }
 
 }  // namespace qvej::python

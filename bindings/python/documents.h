@@ -11,4 +11,7 @@ namespace qvej::python {
 
 void registerDocuments(nanobind::module_& module);
 
+struct Findings;
+[[nodiscard]] nanobind::tuple findingsTuple(const Findings& found);
+
 }  // namespace qvej::python

@@ -63,10 +63,9 @@ nb::list rangeList(const nb::bytes& file, uint64_t bytes, const std::string& enc
     });
     nb::list list;
     for (const TextRange& range : ranges) {
-        list.append(nb::make_tuple(range.begin, range.end, static_cast<int>(range.form),
-                                   static_cast<int>(range.kind),
-                                   nb::bytes(range.member.data(), range.member.size()), range.line,
-                                   range.column));
+        list.append(nb::make_tuple(
+            range.begin, range.end, static_cast<int>(range.form), static_cast<int>(range.kind),
+            nb::bytes(range.member.data(), range.member.size()), range.line, range.column));
     }
     return list;
 }
@@ -84,8 +83,7 @@ nb::object scanRange(const nb::bytes& file, uint64_t begin, uint64_t end, int fo
                              column};
     const PartialScanOptions options =
         optionsOf(encoding, range.form == TextForm::LINES, depth, maxPaths);
-    return bytesOf(
-        worked([&](Engine& engine) { return PartialScan::of(engine, range, options); }));
+    return bytesOf(worked([&](Engine& engine) { return PartialScan::of(engine, range, options); }));
 }
 
 nb::object scanText(const nb::object& buffer, bool lines, const std::string& encoding,

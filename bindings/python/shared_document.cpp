@@ -2,8 +2,6 @@
 #include "bindings/python/shared_document.h"
 
 #include "bindings/python/interrupt.h"
-#include "client/pass_pipe.h"
-#include "formats/output_work.h"
 #include "formats/table_outputs.h"
 
 #include <algorithm>
@@ -44,13 +42,8 @@ SharedDocument::SharedDocument(std::shared_ptr<Opened> opened, bool alldata, boo
       alldata_(alldata),
       carry_(carry),
       threads_(threadsOf(opened_->options)) {
-    if (alldata) {
-        tables_.push_back(&document().alldata());
-        return;
-    }
-    for (const Table& table : document().tables()) {
-        tables_.push_back(&table);
-    }
+    tables_ =
+        alldata ? std::vector<const Table*>{&document().alldata()} : each(document().tables());
 }
 
 SharedDocument::SharedDocument(OpenOptions options, std::shared_ptr<const void> source, bool carry)
@@ -118,15 +111,7 @@ std::vector<BatchTables::Batches> SharedDocument::batches(const std::vector<std:
         TableOutputs outputs(
             document(), of, destination, kMostHeld, [](const Table&) { return RejectHandler(); },
             nullptr);
-        if (pass.works()) {
-            pass.work(
-                [&] { return std::make_unique<OutputWork>(document(), of, destination, nullptr); },
-                [&](std::unique_ptr<RowResult> result) {
-                    outputs.take(static_cast<OutputPieces&>(*result));
-                });
-        } else {
-            runPass(pass, threads_, [&](std::span<const PassItem> items) { outputs.take(items); });
-        }
+        outputs.takeAll(pass, threads_);
         outputs.end();
         return std::move(destination.batches());
     });

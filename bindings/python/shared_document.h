@@ -55,6 +55,8 @@ class SharedDocument {
     [[nodiscard]] const Document& document() const { return open().document(); }
     [[nodiscard]] const std::vector<const Table*>& tables() const { return tables_; }
     [[nodiscard]] bool carry() const { return carry_; }
+    [[nodiscard]] unsigned threads() const { return threads_; }
+    [[nodiscard]] uint64_t memory() const { return opened_->options.memoryBudget; }  // as there
 
     // Types and keys of all tables, by a walk when they are asked for first.
     [[nodiscard]] const Schema& schema();

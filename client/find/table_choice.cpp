@@ -108,15 +108,6 @@ class Choosing {
 
 }  // namespace
 
-std::vector<const Table*> each(const std::vector<Table>& tables) {
-    std::vector<const Table*> result;
-    result.reserve(tables.size());
-    for (const Table& table : tables) {
-        result.push_back(&table);
-    }
-    return result;
-}
-
 std::vector<const Table*> chosenTables(const TableChoice& choice, const std::vector<Table>& tables,
                                        std::string_view advice) {
     if (choice.names.empty() && choice.paths.empty()) {

@@ -18,9 +18,6 @@ struct TableChoice {
     std::vector<PathPattern> paths;
 };
 
-// All of the tables.
-[[nodiscard]] std::vector<const Table*> each(const std::vector<Table>& tables);
-
 // Those of `tables` that are chosen, in their order.  Throws JMAP_NOTABLE when a part of the choice
 // chooses none, with names that look like it, or with `advice` when none does.
 [[nodiscard]] std::vector<const Table*> chosenTables(const TableChoice& choice,

@@ -2,6 +2,7 @@
 #include "client/open/open_document.h"
 
 #include "client/error.h"
+#include "client/maps/exact_map.h"
 #include "client/open/shape_of_texts.h"
 #include "client/parts/counting.h"
 #include "client/parts/input_parts.h"
@@ -41,6 +42,8 @@ OpenDocument::OpenDocument(OpenOptions options)
     read(document);
     if (!options_.map.empty()) {
         document_->useMap(options_.map);
+    } else if (options_.exact && !document_->inexactPaths().empty()) {
+        document_->useMap(mapDocument(exactMap(*document_, each(document_->tables())).map));
     }
 }
 

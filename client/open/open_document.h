@@ -38,6 +38,7 @@ struct OpenOptions {
     TextOptions text = {};
     std::string shape = {};  // empty: none; "auto": that which is found; else rules, one a line
     std::string map = {};    // text of a user's map; empty: the automatic one
+    bool exact = false;      // columns are texts whose numbers a double does not keep; with no map
     Naming naming = Naming::MAP;
     std::string sourceColumn = "source";  // of several files: see DocumentOptions
     uint64_t depth = 1000;                // 0: any

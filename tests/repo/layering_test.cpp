@@ -40,7 +40,7 @@ const Layer kLayers[] = {
      R"re(client/(shape/.*|(error|escape|handle|text|text_form|text_relay)\.h)|include/.*|<.*>)re"},
     {"client/partition/", R"re(client/(partition/.*|text_form\.h)|<.*>)re"},
     {"client/parts/", R"re(client/((parts|partition|input)/.*|[^/]*)|include/.*|<.*>)re"},
-    {"client/open/", R"re(client/((open|parts|input|shape)/.*|[^/]*)|include/.*|<.*>)re"},
+    {"client/open/", R"re(client/((open|maps|parts|input|shape)/.*|[^/]*)|include/.*|<.*>)re"},
     {"client/ranges/", R"re(client/((ranges|parts|partition|input)/.*|[^/]*)|include/.*|<.*>)re"},
     {"client/find/", R"re(client/((find|open|input|shape)/.*|[^/]*)|include/.*|<.*>)re"},
     {"client/maps/", R"re(client/(maps/.*|[^/]*)|include/.*|<.*>)re"},

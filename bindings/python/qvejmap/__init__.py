@@ -7,7 +7,8 @@
     doc["orders_items"].to_polars()  # or to_arrow, to_pandas, to_duckdb
 """
 
-from ._document import Document, Lost, PathAccount, Rejected
+from ._convert import Converted, convert
+from ._document import Document, Found, Lost, PathAccount, Rejected
 from ._errors import Error, FileError, LimitReached, MapError, NotJson, ValuesWarning
 from ._map import Map
 from ._open import open
@@ -17,9 +18,11 @@ from ._tables import Batch, Column, Parent, Table
 __all__ = [
     "Batch",
     "Column",
+    "Converted",
     "Document",
     "Error",
     "FileError",
+    "Found",
     "LimitReached",
     "Lost",
     "Map",
@@ -32,6 +35,7 @@ __all__ = [
     "Rejected",
     "Table",
     "ValuesWarning",
+    "convert",
     "open",
     "parts",
 ]

@@ -45,6 +45,16 @@ class PathAccount(NamedTuple):
     rejected: Lost  # its column cannot take it
 
 
+class Found(NamedTuple):
+    """A value that was looked for, and where it is."""
+
+    file: str
+    line: int  # from 1
+    column: int  # from 1, in bytes
+    path: str  # "/root/orders/id"
+    value: str  # its text; of an object or array its bracket
+
+
 class Rejected(NamedTuple):
     """A value that its column cannot take: the cell is empty.  Or only in part: the cell has that."""
 
@@ -81,7 +91,11 @@ class Document:
     taken from it may outlive it.
     """
 
-    def __init__(self, document: _qvejmap.Document) -> None:
+    def __init__(
+        self, document: _qvejmap.Document, words: list[bytes] | None = None, map_file: bytes = b""
+    ) -> None:
+        self._words = words or []  # files, folders and patterns that it is read from
+        self._map_file = map_file
         self._opened: _qvejmap.Document | None = document
         self._facts: list[_qvejmap.TableFacts] | None = None
         self._alldata: Table | None = None
@@ -99,7 +113,8 @@ class Document:
     @property
     def map(self) -> Map:
         """The automatic map, which `open(..., map=...)` takes when it has been changed."""
-        return Map(json.loads(self._open().map_text()))
+        document = self._open()
+        return Map(json.loads(document.map_text()), document)
 
     @property
     def shape(self) -> list[str]:
@@ -124,6 +139,34 @@ class Document:
             for table, column, row, text, reason in values:
                 name = self._columns[table][column][0]
                 yield Rejected(self._names[table], name, row, text, reason)
+
+    def find(
+        self,
+        path: str | Iterable[str] = (),
+        value: str | None = None,
+        *,
+        regex: str | None = None,
+        ignore_case: bool = False,
+        limit: int | None = None,
+    ) -> list[Found]:
+        """Where values are; reads the text once more.
+
+        Args:
+            path: as of a shape, "/root/**/name"; several: one of them.
+            value: the whole text of a value.
+            regex: occurs in it.
+            limit: no more than so many.
+
+        Raises:
+            Error: no such pattern; the text came once, from a file object.
+        """
+        if value is not None and regex is not None:
+            raise ValueError("value and regex exclude each other")
+        if limit is not None and limit < 1:
+            raise ValueError("limit: at least 1")
+        paths = [path] if isinstance(path, str) else list(path)
+        found = self._open().find(paths, value, regex, ignore_case, limit or 2**64 - 1)
+        return [Found(*of) for of in found]
 
     def account(self) -> list[PathAccount]:
         """What becomes of every value, path by path in the order of the document; by a walk."""
@@ -192,11 +235,12 @@ class Document:
     def _schema(self) -> list[_qvejmap.TableFacts]:
         if self._facts is None:
             self._facts = self._open().schema()
-            self._warn(*self._open().findings())
+            self._warn(self._open().findings())
         return self._facts
 
-    def _warn(self, rejected: int, in_no_cell: int, overwritten: int, strayed: int) -> None:
+    def _warn(self, findings: tuple[int, int, int, int]) -> None:
         """Of values that the tables do not have, or perhaps in the wrong row."""
+        rejected, in_no_cell, overwritten, strayed = findings
         for count, what in (
             (rejected, "rejected or cut by columns (Document.rejects tells which)"),
             (in_no_cell, "in no cell (Document.account tells which)"),

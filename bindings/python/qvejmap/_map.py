@@ -3,10 +3,13 @@
 from __future__ import annotations
 
 import json
-import os
+from collections.abc import Mapping
 from typing import Any, Union
 
-Path = Union[str, "os.PathLike[str]"]
+from . import _qvejmap
+from ._source import Path, map_text
+
+AnyMap = Union[Path, Mapping[str, Any]]
 
 
 class Map(dict[str, Any]):
@@ -14,10 +17,55 @@ class Map(dict[str, Any]):
 
     It is a dict as JSON has it, {"DATASETS": [{"DSNAME": ..., "VARIABLES": [...]}]}, and may be
     changed.
+
+    Attributes:
+        remarks: of a merged map, sentences on what is not as the maps have it.
     """
+
+    def __init__(self, map: Mapping[str, Any], document: _qvejmap.Document | None = None) -> None:
+        super().__init__(map)
+        self.remarks: list[str] = []
+        self._document = document
 
     def save(self, path: Path) -> None:
         """Writes it to a file, which `open(..., map=path)` reads, and the command line too."""
         with open(path, "w", encoding="utf-8") as file:
             json.dump(self, file, ensure_ascii=False, indent=1)
             file.write("\n")
+
+    def diff(self, other: AnyMap) -> list[str]:
+        """What this map has and another has not, a line for each difference.
+
+            - table orders_tags /root/orders/tags
+            + column orders.paid NUMERIC /root/orders/paid
+            ~ column orders.id: type NUMERIC -> CHARACTER, length none -> 12
+
+        Raises:
+            MapError: a mistake in a map.
+        """
+        return _qvejmap.map_differences(map_text(self)[0], map_text(other)[0])
+
+    def merge(self, *others: AnyMap) -> Map:
+        """A map with all tables and columns of this and other maps; what this one says stands.
+
+        Raises:
+            MapError: a mistake in a map.
+        """
+        text, remarks = _qvejmap.merge_maps([map_text(map)[0] for map in (self, *others)])
+        merged = Map(json.loads(text))
+        merged.remarks = remarks
+        return merged
+
+    def explain(self, column: str) -> str:
+        """Why a column of the document is what it is, and where that was seen.
+
+        Args:
+            column: "orders.id", letters in any case.
+
+        Raises:
+            Error: there is no such column.
+            ValueError: the map is not one that a document gave.
+        """
+        if self._document is None:
+            raise ValueError("this map is of no document: Document.map has one that is")
+        return self._document.explanation(column, "the map")

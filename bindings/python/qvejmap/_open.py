@@ -7,7 +7,7 @@ from typing import Any, Literal
 
 from . import _qvejmap
 from ._document import Document
-from ._source import Path, Source, map_text, name_of, reader_of, shape_text, words_of
+from ._source import Path, Source, map_text, name_of, reader_of, shape_text, words_of_source
 
 
 def open(
@@ -56,16 +56,17 @@ def open(
     for name, number in (("memory", memory), ("threads", threads)):
         if number is not None and number < 1:
             raise ValueError(f"{name}: at least 1")
-    words: list[bytes] = []
+    if exact and (map is not None or naming == "original"):
+        raise ValueError("exact: the map is made from the document, with names of letters, digits and _")
+    words = words_of_source(source)
     buffer = read = None
     title = b"<memory>"
     if isinstance(source, (bytes, bytearray, memoryview)):
         buffer = source
-    elif callable(getattr(source, "read", None)):
+    elif not words:
         read, title = reader_of(source), name_of(source)  # type: ignore[arg-type]
-    else:
-        words = words_of(source)  # type: ignore[arg-type]
     map_bytes, map_name = map_text(map)
+    map_file = b"" if isinstance(map, Mapping) else map_name
     return Document(
         _qvejmap.open(
             words,
@@ -78,10 +79,13 @@ def open(
             map=map_bytes,
             map_name=map_name,
             original_names=naming == "original",
+            exact=exact,
             carry=carry,
             memory=memory or 0,
             threads=threads or 0,
             depth=depth,
             max_paths=max_paths,
-        )
+        ),
+        words,
+        map_file,
     )

@@ -39,6 +39,11 @@ class Document:
     def alldata(self) -> Document: ...
     # Path, values, cells; of each way in which values are lost their number and the first.
     def account(self) -> list[tuple[str, int, int, list[tuple[int, int]]]]: ...
+    # File, line, column, path and text.
+    def find(
+        self, paths: list[str], value: str | None, regex: str | None, ignore_case: bool, limit: int
+    ) -> list[tuple[str, int, int, str, str]]: ...
+    def explanation(self, column: str, map_name: str) -> str: ...
     def rows(self, tables: list[int]) -> list[Rows]: ...
     def rejects(self) -> Rejects: ...
     def arrow_schema(self, table: int, columns: list[int]) -> object: ...
@@ -57,6 +62,7 @@ def open(
     map: bytes,
     map_name: bytes,
     original_names: bool,
+    exact: bool,
     carry: bool,
     memory: int,
     threads: int,
@@ -87,3 +93,32 @@ def scan_text(buffer: Buffer, lines: bool, encoding: str, depth: int, max_paths:
 def merge_scans(scans: list[bytes]) -> bytes: ...
 def map_of_scan(scan: bytes) -> str: ...
 def counts_of_scan(scan: bytes) -> list[tuple[str, int]]: ...
+
+class Target:
+    def __init__(
+        self,
+        out: bytes,
+        format: str | None,
+        force: bool,
+        null: str | None,
+        packing: str,
+        existing: int,
+        database_schema: str,
+        documents: list[bytes],
+        map: bytes,
+    ) -> None: ...
+    def check(self) -> None: ...
+
+# Names and rows of the tables, remarks, and what `findings` has.
+def convert(
+    document: Document,
+    target: Target,
+    names: list[bytes],
+    paths: list[bytes],
+    alldata: bool,
+    dates: bool,
+) -> tuple[list[tuple[str, int]], list[str], tuple[int, int, int, int]]: ...
+def map_differences(a: bytes, b: bytes) -> list[str]: ...
+
+# The text of the merged map, and what is not as the maps have it.
+def merge_maps(maps: list[bytes]) -> tuple[str, list[str]]: ...

@@ -30,6 +30,13 @@ def words_of(source: Path | Iterable[Path]) -> list[bytes]:
     return words
 
 
+def words_of_source(source: Any) -> list[bytes]:
+    """The files, folders and patterns of a source; none when it is no name of a file."""
+    if isinstance(source, (bytes, bytearray, memoryview)) or callable(getattr(source, "read", None)):
+        return []
+    return words_of(source)
+
+
 def reader_of(source: Readable) -> Callable[[int], bytes]:
     """Its `read`, with texts as UTF-8."""
 

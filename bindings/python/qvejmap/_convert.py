@@ -1,0 +1,99 @@
+"""Documents converted to files and databases."""
+
+from __future__ import annotations
+
+import os
+from collections.abc import Iterable
+from typing import Any, Literal, NamedTuple, Union
+
+from . import _qvejmap
+from ._document import Document
+from ._open import open
+from ._source import Path, Source, words_of_source
+
+Format = Literal["csv", "tsv", "ndjson", "parquet", "arrow", "sqlite", "xlsx", "postgres"]
+_EXISTING = ("refuse", "replace", "append")
+
+
+class Converted(NamedTuple):
+    """What has been written."""
+
+    tables: list[tuple[str, int]]  # names and numbers of rows, in the order of the document
+    remarks: list[str]  # sentences on what differs from the document, such as names that had to change
+
+
+def convert(
+    source: Union[Source, Document],
+    out: Path,
+    *,
+    format: Format | None = None,
+    tables: Iterable[str] = (),
+    paths: Iterable[str] = (),
+    alldata: bool = False,
+    force: bool = False,
+    existing: Literal["refuse", "replace", "append"] = "refuse",
+    null: str | None = None,
+    packing: Literal["gzip", "zstd"] | None = None,
+    dates: bool = True,
+    database_schema: str = "",
+    **options: Any,
+) -> Converted:
+    """Writes tables to files, or into one file or a database.  All is there at the end, or nothing.
+
+    Args:
+        source: as of `open`, or a document that is open.
+        out: a directory, for a file of each table; NAME.db, NAME.xlsx, or a file of one table; an
+            address such as postgresql://host/database.
+        format: else it follows from `out`.
+        tables: those with such names, "orders*".
+        paths: those with such paths, "/root/**"; with `tables` both.
+        alldata: ALLDATA besides.
+        force: files that exist are replaced.
+        existing: of SQLite and PostgreSQL: what becomes of tables that are there already.
+        null: of CSV and TSV: what stands for no value.
+        packing: compresses files of csv, tsv and ndjson.
+        dates: columns whose texts all are dates or times have that type.
+        database_schema: of PostgreSQL, made when missing.
+        options: as of `open`.
+
+    Raises:
+        FileError: a file exists, or cannot be read or written.
+        Error: there is no such table; the format cannot have what is in one.
+        NotJson, LimitReached, MapError: as of `open`.
+
+    Warns:
+        ValuesWarning: values were rejected, or are in no cell.
+    """
+    opened = source if isinstance(source, Document) else None
+    if opened is not None and options:
+        raise TypeError(f"the document is open: {', '.join(options)} came too late")
+    if existing not in _EXISTING:
+        raise ValueError("existing: 'refuse', 'replace' or 'append'")
+    if packing not in (None, "gzip", "zstd"):
+        raise ValueError("packing: 'gzip' or 'zstd'")
+    map = options.get("map")
+    target = _qvejmap.Target(
+        os.fsencode(out),
+        format,
+        force,
+        null,
+        packing or "",
+        _EXISTING.index(existing),
+        database_schema,
+        words_of_source(source) if opened is None else opened._words,
+        os.fsencode(map) if isinstance(map, (str, os.PathLike)) else b"",
+    )
+    target.check()
+    document = open(source, **options) if opened is None else opened  # type: ignore[arg-type]
+    written, remarks, findings = _qvejmap.convert(
+        document._open(),
+        target,
+        [os.fsencode(name) for name in tables],
+        [os.fsencode(path) for path in paths],
+        alldata,
+        dates,
+    )
+    document._warn(findings)
+    if opened is None:
+        document.close()
+    return Converted(written, remarks)
