@@ -68,4 +68,4 @@ class Map(dict[str, Any]):
         """
         if self._document is None:
             raise ValueError("this map is of no document: Document.map has one that is")
-        return self._document.explanation(column, "the map")
+        return self._document.explanation(column, "the map").rstrip("\n")

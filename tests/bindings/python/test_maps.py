@@ -39,7 +39,7 @@ class Maps(unittest.TestCase):
         file = self.a + ".merged"
         subprocess.run([TOOL, "map", "merge", *self.maps, "-o", file], check=True, capture_output=True)
         self.assertEqual(merged.diff(file), [])
-        self.assertEqual(first.explain("o.ID"), self.told("map", "explain", self.a, "o.id"))
+        self.assertEqual(first.explain("o.ID") + "\n", self.told("map", "explain", self.a, "o.id"))
 
     def test_say_what_is_wrong(self):
         map = qvejmap.open(A).map

@@ -27,7 +27,7 @@ class Pages(unittest.TestCase):
                     test = doctest.DocTestParser().get_doctest("\n".join(blocks), {}, page, page, 0)
                     self.assertNotEqual(test.examples, [], page)
                     told = []
-                    runner = doctest.DocTestRunner(optionflags=doctest.ELLIPSIS)
+                    runner = doctest.DocTestRunner(optionflags=doctest.NORMALIZE_WHITESPACE)
                     failed = runner.run(test, out=told.append).failed
                 finally:
                     os.chdir(here)
