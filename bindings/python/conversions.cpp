@@ -49,7 +49,8 @@ class Target {
                "existing: of SQLite and PostgreSQL alone");
         refuse(existing != FormatOptions::REFUSE && force,
                "existing changes a database, and force replaces the whole file");
-        refuse(!databaseSchema.empty() && name != "postgres", "database_schema: of PostgreSQL alone");
+        refuse(!databaseSchema.empty() && name != "postgres",
+               "database_schema: of PostgreSQL alone");
         FormatOptions& options = target_.options;
         options.null = null;
         options.packing = packing == "gzip"   ? Packing::GZIP
@@ -65,8 +66,8 @@ class Target {
         }
         files = files.empty() ? files : inputList(files).files;
         target_.sources = sourcesOf(files, stringOf(map));
-        target_.run = {QVEJMAP_VERSION, files.empty() ? std::string() : files.front(),
-                       {"--format=" + name}};
+        target_.run = {
+            QVEJMAP_VERSION, files.empty() ? std::string() : files.front(), {"--format=" + name}};
     }
 
     // Looks at the place; without the interpreter's lock.

@@ -30,7 +30,7 @@ def _instant(fraction: int, utc: bool) -> Callable[[int], Any]:
         time = start + datetime.timedelta(seconds=seconds)
         if digits <= 6:
             return time.replace(microsecond=rest * 10 ** (6 - digits))
-        # Python has no nanoseconds: as the document has it.
+        # Python has no nanoseconds.
         return f"{time:%Y-%m-%dT%H:%M:%S}.{rest:09}"[: 20 + fraction] + ("Z" if utc else "")
 
     return convert
