@@ -42,8 +42,8 @@ def open(
         naming: "map" for names of letters, digits and "_", "original" for the document's own.
         carry: columns whose path is not below their table's have the value of the row's own
             ancestor, wherever it stands in it.
-        depth: nesting limit.
-        max_paths: limit of distinct paths.
+        depth: nesting limit; 0: none.
+        max_paths: limit of distinct paths; 0: none.
 
     Raises:
         NotJson, LimitReached, MapError, FileError: see these.
@@ -53,9 +53,14 @@ def open(
         raise ValueError("naming: 'map' or 'original'")
     if lines not in (None, True):
         raise ValueError("lines: True or None")
-    for name, number in (("memory", memory), ("threads", threads)):
-        if number is not None and number < 1:
-            raise ValueError(f"{name}: at least 1")
+    for name, number, least in (
+        ("memory", memory, 1),
+        ("threads", threads, 1),
+        ("depth", depth, 0),
+        ("max_paths", max_paths, 0),
+    ):
+        if number is not None and number < least:
+            raise ValueError(f"{name}: at least {least}")
     if exact and (map is not None or naming == "original"):
         raise ValueError("exact: the map is made from the document, with names of letters, digits and _")
     words = words_of_source(source)

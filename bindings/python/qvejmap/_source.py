@@ -24,6 +24,8 @@ Source = Union[Path, Iterable[Path], bytes, bytearray, memoryview, Readable]
 def words_of(source: Path | Iterable[Path]) -> list[bytes]:
     if isinstance(source, (str, os.PathLike)):
         return [os.fsencode(source)]
+    if not isinstance(source, Iterable):
+        raise TypeError(f"source: a path, several, bytes or a file object, not {type(source).__name__}")
     words = [os.fsencode(path) for path in source]
     if not words:
         raise ValueError("no files")
@@ -60,7 +62,7 @@ def _read(path: Path) -> bytes:
         with open(path, "rb") as file:
             return file.read().removeprefix(b"\xef\xbb\xbf")
     except OSError as error:
-        what = (error.strerror or str(error)).lower()
+        what = error.strerror or str(error)
         raise FileError(what, os.fspath(path), 0, 0, -1, 0, "") from error
 
 

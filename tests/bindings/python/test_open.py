@@ -106,7 +106,7 @@ class Options(unittest.TestCase):
         self.assertEqual(odd[list(odd.tables)[0]].columns[-1].name, "a b")
         self.assertEqual(qvejmap.open(b'{"a":1}\n', lines=True).tables["root"].rows, 1)
         self.assertEqual(list(qvejmap.open('[{"a":"ü"}]'.encode("latin-1"), encoding="latin1")["root"])[0]["a"], "ü")
-        for wrong in ({"naming": "x"}, {"lines": False}, {"memory": 0}, {"threads": 0}):
+        for wrong in ({"naming": "x"}, {"lines": False}, {"memory": 0}, {"threads": 0}, {"depth": -1}):
             with self.subTest(**wrong), self.assertRaises(ValueError):
                 qvejmap.open(TEXT, **wrong)
 
