@@ -118,6 +118,10 @@ TEST(PartialScans, TakeTheLinesThatBeginInARangeAndWholeFiles) {
         ASSERT_EQ(map, scan.mapText(engine)) << cut;
         ASSERT_EQ(12U, countsOf(engine, scan)["\x02root"]) << cut;
     }
+    const std::string two = folder.file("two.jsonl", "{\"a\":1}\n{\"b\":1}\n");
+    const TextRange second = {two, 8, 16, TextForm::LINES, Kind::MIDDLE, "", 0, 1};
+    EXPECT_EQ(mapOf(engine, {folder.file("second.json", "[{\"b\":1}]")}),
+              PartialScan::of(engine, second, {}).mapText(engine));
     const std::string other = folder.file("b.json", R"([{"id":"x","more":[{"z":1}]},5])");
     const PartialScan both =
         PartialScan::merged(engine, {PartialScan::of(engine, range(0, UINT64_MAX), {}),
@@ -128,22 +132,26 @@ TEST(PartialScans, TakeTheLinesThatBeginInARangeAndWholeFiles) {
 TEST(PartialScans, SayWhatIsWrongAndWhere) {
     const TemporaryFolder folder;
     Engine engine;
-    const std::string text = "[" + rows(30, ",\n") + ",\n{\"a\":tru},\n" + rows(30, ",\n") + "]";
-    const std::string file = folder.file("a.json", text);
-    const auto offset = static_cast<int64_t>(text.find("tru}")) + 3;
-    int failed = 0;
-    for (const TextRange& range : qvej::rangesOf(file, 100, {})) {
-        try {
-            (void)PartialScan::of(engine, range, {});
-        } catch (const qvej::Error& error) {
-            ++failed;
-            EXPECT_EQ(file, error.file());
-            EXPECT_EQ(31, error.line());
-            EXPECT_EQ(9, error.column());
-            EXPECT_EQ(offset, error.offset());
+    for (const std::string between : {",", ",\n"}) {
+        const std::string text =
+            "[" + rows(30, between) + between + "{\"a\":tru}" + between + rows(30, between) + "]";
+        const std::string file = folder.file("a.json", text);
+        const auto offset = static_cast<int64_t>(text.find("tru}")) + 3;
+        const bool oneLine = between == ",";
+        int failed = 0;
+        for (const TextRange& range : qvej::rangesOf(file, 100, {})) {
+            try {
+                (void)PartialScan::of(engine, range, {});
+            } catch (const qvej::Error& error) {
+                ++failed;
+                EXPECT_EQ(file, error.file());
+                EXPECT_EQ(oneLine ? 1 : 31, error.line());
+                EXPECT_EQ(oneLine ? offset + 1 : 9, error.column());
+                EXPECT_EQ(offset, error.offset());
+            }
         }
+        EXPECT_EQ(1, failed);
     }
-    EXPECT_EQ(1, failed);
     const std::string good = PartialScan::of(engine, R"([{"a":1}])", {}).bytes();
     const PartialScan named = PartialScan::of(engine, R"([{"":1}])", {});
     const std::vector<std::vector<PartialScan>> sums = {

@@ -8,9 +8,10 @@
 #include "qvejmap.h"
 #include "qvportable.h"
 
+#include <string.h>
+
 #include <stdio.h>
 #include <stdlib.h>
-#include <string.h>
 
 static void die(const char* what, QVStatus status) {
     fprintf(stderr, "cells: %s: %s\n", what, qvStatusText(status));

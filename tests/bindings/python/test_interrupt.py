@@ -60,6 +60,7 @@ class Interrupts(unittest.TestCase):
                 "batches": lambda: list(doc["root"].batches(1000)),
                 "account": doc.account,
                 "rejects": lambda: list(doc.rejects),
+                "find": lambda: doc.find(value="nowhere"),
                 "records": lambda: doc.alldata,
             }
             for name, walk in walks.items():
