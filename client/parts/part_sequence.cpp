@@ -34,16 +34,20 @@ class Sequence {
     }
 
     // The next piece goes on with the part of the one before.
-    //   head  what must be before that one, if it begins the part
+    //   head  what must be before that one, if it begins the part; null: it says so itself
     void join(std::shared_ptr<const std::string> head) {
         held_->partition.more = true;
         held_->endsPart = false;
-        held_->head = std::move(head);
+        if (head != nullptr) {
+            held_->head = std::move(head);
+        }
     }
 
-    void end() {
+    //   last  the document ends here, too
+    void end(bool last) {
         if (held_) {
-            held_->endsPart = held_->last = true;
+            held_->endsPart = true;
+            held_->last = last;
             take_(std::move(*held_));
         }
     }
@@ -58,9 +62,9 @@ class Sequence {
 void readInParts(const PartsOfDocument& parts, uint64_t least, Members members,
                  const TakePart& take) {
     Sequence sequence(take);
-    bool begins = true;                       // the next piece begins a part of the text
-    std::size_t number = 0;                   // of that part
-    uint64_t bytes = 0;                       // of the part that is given
+    bool begins = true;  // the next piece begins a part of the text
+    std::size_t number = parts.excerpt ? parts.excerpt->number : 0;  // of that part
+    uint64_t bytes = 0;                                              // of the part that is given
     std::shared_ptr<const std::string> head;  // what comes before the elements
     parts.read(PartsOfDocument::kPartBytes, [&](TextPart piece) {
         Partition& partition = piece.partition;
@@ -93,7 +97,7 @@ void readInParts(const PartsOfDocument& parts, uint64_t least, Members members,
         bytes = piece.endsPart ? 0 : bytes;
         sequence.add(std::move(piece));
     });
-    sequence.end();
+    sequence.end(!parts.excerpt || parts.excerpt->last);
 }
 
 void readAsOne(const PartsOfDocument& parts, const TakePart& take) {
@@ -102,7 +106,7 @@ void readAsOne(const PartsOfDocument& parts, const TakePart& take) {
         piece.endsPart = false;
         sequence.add(std::move(piece));
     });
-    sequence.end();
+    sequence.end(true);
 }
 
 }  // namespace qvej

@@ -56,7 +56,7 @@ class PartWalk::Walk final : public Line::Worker {
             jmapPassLeft(handle_, t, &cells, &count);
             for (QVStrSize c = 0; c < count; ++c) {
                 jmapPassColumn(handle_, t, c, &end.columns.emplace_back());
-                if (end.last) {
+                if (end.last || rows_.parts_.excerpt) {
                     addLeft(end.left.emplace_back(), cells[c]);
                 }
             }
@@ -203,17 +203,17 @@ void PartWalk::read(const TakePart& take) const {
     }
     PartCounts::Sums sums(parts_.counts, counted_);
     bool begins = true;
-    readInParts(parts_, firstColumn_.back() * kBytesForAColumn, Members::JOINED,
-                [&](TextPart piece) {
-                    if (piece.number >= parts_.counts.parts()) {
-                        throw Indivisible();  // these are others than those that were counted
-                    }
-                    if (begins) {
-                        piece.before = sums.before(piece.number);
-                    }
-                    begins = piece.endsPart;
-                    take(std::move(piece));
-                });
+    const uint64_t least = parts_.excerpt ? 0 : firstColumn_.back() * kBytesForAColumn;
+    readInParts(parts_, least, Members::JOINED, [&](TextPart piece) {
+        if (piece.number >= parts_.counts.parts()) {
+            throw Indivisible();  // these are others than those that were counted
+        }
+        if (begins) {
+            piece.before = sums.before(piece.number);
+        }
+        begins = piece.endsPart;
+        take(std::move(piece));
+    });
 }
 
 void PartWalk::start() {
@@ -227,6 +227,11 @@ std::unique_ptr<PartWalk::Line::Worker> PartWalk::makeWalk(Line::Put put) {
 }
 
 void PartWalk::walkAsOne() {
+    if (parts_.excerpt) {
+        throw Error(QV_UNSUPPORTED,
+                    "the part has values for rows of the next one: such a text is "
+                    "read as a whole");
+    }
     line_.reset();
     asOne_ = true;
     idle_.clear();  // what they know is of the parts
@@ -274,7 +279,7 @@ void PartWalk::takeEnd() {
         sum.strayed += part.strayed;
         sum.below = part.below;
     }
-    if (end.last) {
+    if (end.last || parts_.excerpt) {
         left_ = std::move(end.left);
         for (Left& left : left_) {
             left.cell.text = left.text.data();

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -49,6 +50,12 @@ struct PartsOfDocument {
     unsigned threads = 1;
     bool asOne = false;      // the rows come of one walk over the whole text
     PartCounts counts = {};  // what scanParts has counted; of a document as one nothing
+    // Only one part of the document is read, with that number; see client/ranges.
+    struct Excerpt {
+        std::size_t number;
+        bool last;  // it is the last one
+    };
+    std::optional<Excerpt> excerpt = {};
 };
 
 }  // namespace qvej

@@ -43,14 +43,14 @@ PartsOfDocument partsOf(Engine& engine, const PartialScanOptions& options) {
     return parts;
 }
 
-// Counts the pieces of one range.
-class RangeScan final : public TextConsumer {
+// Counts a piece of a range.
+class PieceScan final : public TextConsumer {
    public:
-    RangeScan(const PartsOfDocument& parts, const TextRange& range) : part_(parts) {
+    PieceScan(const PartsOfDocument& parts, TextForm form, const TextPiece& piece) : part_(parts) {
         jmapCountOnly(part_.handle(), 1);
-        piece_.form = range.form;
-        piece_.member = range.member;
-        piece_.partition.kind = range.kind;
+        piece_.form = form;
+        piece_.member = piece.member;
+        piece_.partition.kind = piece.kind;
     }
 
     void give(std::string_view text, bool more) {
@@ -78,41 +78,42 @@ class RangeScan final : public TextConsumer {
     TextPart piece_;
 };
 
-// The failure of a range, with its place in the file.
-[[noreturn]] void failIn(const TextRange& range, int64_t before, const Error& error) {
+// The failure of a piece, with its place in the file.
+[[noreturn]] void failIn(const std::string& file, const TextPiece& piece, int64_t before,
+                         const Error& error) {
     if (!error.file().empty()) {
-        throw;
+        throw error;
     }
     Place place = error.place();
-    place.file = range.file;
+    place.file = file;
     if (place.line != 0) {
-        place.column += place.line == 1 ? range.column - 1 - before : 0;
-        place.line = range.line == 0 ? 0 : place.line + range.line - 1;
+        place.column += place.line == 1 ? piece.column - 1 - before : 0;
+        place.line = piece.line == 0 ? 0 : place.line + piece.line - 1;
     }
     if (place.offset >= 0) {
-        place.offset += static_cast<int64_t>(range.begin) - before;
+        place.offset += static_cast<int64_t>(piece.begin) - before;
     }
     throw Error(error.status(), error.what(), place, error.excerpt());
 }
 
 // Blank lines are no part: to a parser they would be an empty array.
-std::string scanned(const PartsOfDocument& parts, const TextRange& wanted) {
-    const TextRange range = withWholeLines(wanted);
-    RangeScan scan(parts, range);
+std::optional<PartialScan> scanned(const PartsOfDocument& parts, const TextRange& range,
+                                   const TextPiece& piece) {
+    PieceScan scan(parts, range.form, piece);
     bool blank = range.form == TextForm::LINES;
     try {
-        readRange(range, [&](std::string_view piece, bool more) {
-            blank = blank && isBlank(piece);
-            scan.give(piece, more);
+        readPiece(range.file, piece, [&](std::string_view bytes, bool more) {
+            blank = blank && isBlank(bytes);
+            scan.give(bytes, more);
         });
         if (blank) {
-            return PartialScan::merged(*parts.engine, {}).bytes();
+            return std::nullopt;
         }
-        const std::string bytes = scan.bytes();
+        PartialScan counted(scan.bytes());
         checkDivisible(scan.flags(), range.file);
-        return bytes;
+        return counted;
     } catch (const Error& error) {
-        failIn(range, scan.before(), error);
+        failIn(range.file, piece, scan.before(), error);
     }
 }
 
@@ -122,7 +123,7 @@ std::string scannedWhole(const PartsOfDocument& parts, ByteSource source,
     DocumentReader reader(std::move(source), options);
     PartsOfDocument whole = parts;
     whole.options = reader.documentOptions(parts.options);
-    RangeScan scan(whole, {.form = reader.form()});
+    PieceScan scan(whole, reader.form(), {});
     reader.read(scan);
     return scan.bytes();
 }
@@ -162,9 +163,17 @@ class Sum {
 PartialScan PartialScan::of(Engine& engine, const TextRange& range,
                             const PartialScanOptions& options) {
     const PartsOfDocument parts = partsOf(engine, options);
-    return PartialScan(range.kind == Partition::Kind::WHOLE
-                           ? scannedWhole(parts, ByteSource::file(range.file), options.text)
-                           : scanned(parts, range));
+    if (range.whole()) {
+        return PartialScan(scannedWhole(parts, ByteSource::file(range.file), options.text));
+    }
+    const TextRange lines = withWholeLines(range);
+    std::vector<PartialScan> pieces;
+    for (const TextPiece& piece : lines.pieces) {
+        if (std::optional<PartialScan> scan = scanned(parts, lines, piece)) {
+            pieces.push_back(*std::move(scan));
+        }
+    }
+    return pieces.size() == 1 ? pieces.front() : merged(engine, pieces);
 }
 
 PartialScan PartialScan::of(Engine& engine, std::string_view text,

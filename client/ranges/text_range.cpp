@@ -83,21 +83,41 @@ class Ranges final : public TextConsumer {
 
     // Empty: the text is not to be divided.
     [[nodiscard]] std::vector<TextRange> take() {
-        return divisible_ ? std::move(ranges_) : std::vector<TextRange>();
+        if (!divisible_) {
+            return {};
+        }
+        std::vector<TextRange> ranges;
+        std::optional<TextPiece> head;
+        for (TextPiece& piece : pieces_) {
+            const bool after = !ranges.empty() && (head || piece.kind == Kind::TAIL);
+            if (piece.kind == Kind::TAIL) {
+                ranges.back().head = head_;
+            }
+            if (!after) {
+                ranges.push_back({reader_.name(), reader_.form(), {}});
+            }
+            ranges.back().pieces.push_back(piece);
+            head.reset();
+            if (piece.kind == Kind::HEAD) {
+                head = head_ = piece;
+            }
+        }
+        return ranges;
     }
 
    private:
+    using Kind = Partition::Kind;
+
     void add(const Partition& partition) {
-        using Kind = Partition::Kind;
         divisible_ = divisible_ && partition.kind != Kind::REST && partition.kind != Kind::WHOLE;
         const uint64_t begin = before_ + partition.begin.offset;
-        if (ranges_.empty() || !more_) {
+        if (pieces_.empty() || !more_) {
             const bool ofMember = finder_.ofMember() && partition.kind != Kind::HEAD;
-            ranges_.push_back({reader_.name(), begin, begin, reader_.form(), partition.kind,
+            pieces_.push_back({begin, begin, partition.kind,
                                ofMember ? std::string(finder_.member()) : std::string(),
                                partition.begin.line, partition.begin.column});
         }
-        ranges_.back().end += partition.text.size();
+        pieces_.back().end += partition.text.size();
         more_ = partition.more;
     }
 
@@ -105,7 +125,8 @@ class Ranges final : public TextConsumer {
     const uint64_t before_;
     PartitionFinder finder_;
     PartitionReader partitions_;
-    std::vector<TextRange> ranges_;
+    std::vector<TextPiece> pieces_;
+    std::optional<TextPiece> head_;
     bool more_ = false;
     bool divisible_ = true;
 };
@@ -121,30 +142,31 @@ std::vector<TextRange> rangesOf(const std::string& file, uint64_t bytes,
         reader.read(ranges);
         found = ranges.take();
     }
-    return found.empty() ? std::vector<TextRange>{{file, 0, UINT64_MAX, reader.form()}} : found;
+    return found.empty() ? std::vector<TextRange>{{file, reader.form()}} : found;
 }
 
 TextRange withWholeLines(TextRange range) {
-    if (range.form == TextForm::LINES && range.kind != Partition::Kind::WHOLE) {
+    if (range.form == TextForm::LINES && !range.whole()) {
         const PlacedFile file(range.file);
-        for (uint64_t* const at : {&range.begin, &range.end}) {
+        TextPiece& piece = range.pieces.front();
+        for (uint64_t* const at : {&piece.begin, &piece.end}) {
             *at = *at == 0 || *at == UINT64_MAX ? *at : file.afterLineFeed(*at - 1);
         }
     }
     return range;
 }
 
-void readRange(const TextRange& range,
-               const std::function<void(std::string_view piece, bool more)>& take) {
-    const PlacedFile file(range.file);
-    uint64_t at = range.begin;
+void readPiece(const std::string& file, const TextPiece& piece,
+               const std::function<void(std::string_view bytes, bool more)>& take) {
+    const PlacedFile placed(file);
+    uint64_t at = piece.begin;
     for (bool more = true; more;) {
         const auto size = static_cast<std::size_t>(
-            std::min<uint64_t>(kPieceBytes, range.end > at ? range.end - at : 0));
-        const std::string piece = file.read(at, size);
-        at += piece.size();
-        more = piece.size() == kPieceBytes && at < range.end;
-        take(piece, more);
+            std::min<uint64_t>(kPieceBytes, piece.end > at ? piece.end - at : 0));
+        const std::string bytes = placed.read(at, size);
+        at += bytes.size();
+        more = bytes.size() == kPieceBytes && at < piece.end;
+        take(bytes, more);
     }
 }
 

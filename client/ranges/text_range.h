@@ -11,25 +11,37 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace qvej {
 
-struct TextRange {
-    std::string file = {};
-    // Bytes of the file; of JSON Lines the lines that begin there: see withWholeLines.  A whole
-    // file, which may be compressed or in another encoding, is read to its end.
+// What is next to each other in a file and of one kind.
+struct TextPiece {
+    // Bytes of the file.
     uint64_t begin = 0;
     uint64_t end = UINT64_MAX;
-    TextForm form = TextForm::DOCUMENT;
     Partition::Kind kind = Partition::Kind::WHOLE;
-    // Of elements of a large member, or what is around them: its name as it stands in the text.
+    // Of elements of a large member, or what comes after them: its name as it stands in the text.
     std::string member = {};
     // Where it begins.  Line 0: not known.
     int64_t line = 1;
     int64_t column = 1;
+};
+
+struct TextRange {
+    std::string file = {};
+    TextForm form = TextForm::DOCUMENT;
+    // One: elements, or the lines that begin there (see withWholeLines), or a whole file, which may
+    // be compressed or in another encoding.  The range with the first elements of a large member
+    // has what stands before them as well, that with the last ones what comes after them.
+    std::vector<TextPiece> pieces = {{}};
+    // What comes after the elements of a large member is in it: what stands before them.
+    std::optional<TextPiece> head = {};
+
+    [[nodiscard]] bool whole() const { return pieces.front().kind == Partition::Kind::WHOLE; }
 };
 
 // The ranges of a file, in order, each of so many bytes or somewhat more.  What cannot be divided
@@ -41,9 +53,9 @@ struct TextRange {
 // The range of the lines that begin in a range of JSON Lines; any other as it is.  Throws Error.
 [[nodiscard]] TextRange withWholeLines(TextRange range);
 
-// Gives the bytes of a range of a file that is not whole, piece by piece.  `more`: another comes.
+// Gives the bytes of a piece of a file that is not whole, some at a time.  `more`: others come.
 // Throws Error.
-void readRange(const TextRange& range,
-               const std::function<void(std::string_view piece, bool more)>& take);
+void readPiece(const std::string& file, const TextPiece& piece,
+               const std::function<void(std::string_view bytes, bool more)>& take);
 
 }  // namespace qvej

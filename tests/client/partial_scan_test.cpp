@@ -3,10 +3,13 @@
 
 #include "client/error.h"
 #include "client/input/inputs_reader.h"
+#include "client/ranges/range_document.h"
+#include "tests/client/parts_document.h"
 #include "tests/client/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <vector>
@@ -103,6 +106,74 @@ TEST(PartialScans, AddUpToTheScanOfTheWhole) {
     }
 }
 
+std::map<std::string, uint64_t> added(std::map<std::string, uint64_t> sum, Engine& engine,
+                                      const PartialScan& scan) {
+    for (const auto& [path, count] : countsOf(engine, scan)) {
+        sum[path] += count;
+    }
+    return sum;
+}
+
+// Without what is known of columns.
+Lines rowsOf(const qvej::Document& document) {
+    Lines lines = itemsOf(document, false);
+    std::erase_if(lines, [](const std::string& line) { return line.starts_with("columns of"); });
+    return lines;
+}
+
+// The items of the ranges, one range after the other.
+Lines itemsOfRanges(Engine& engine, const std::vector<TextRange>& ranges) {
+    std::vector<PartialScan> scans;
+    for (const TextRange& range : ranges) {
+        scans.push_back(PartialScan::of(engine, range, {}));
+    }
+    const PartialScan whole = PartialScan::merged(engine, scans);
+    std::map<std::string, uint64_t> before;
+    Lines lines;
+    for (std::size_t i = 0; i < ranges.size(); ++i) {
+        std::vector<qvej::ContainerCount> counts;
+        for (const auto& [path, count] : before) {
+            counts.push_back({path, count});
+        }
+        const qvej::RangeDocument part(engine, {whole, ranges[i], counts});
+        const Lines more = rowsOf(part.document());
+        lines.insert(lines.end(), more.begin(), more.end());
+        before = added(before, engine, scans[i]);
+    }
+    return lines;
+}
+
+// The same of each table, since those of different tables come as they are completed.
+Lines sorted(Lines lines) {
+    std::stable_sort(lines.begin(), lines.end(), [](const std::string& a, const std::string& b) {
+        return a.substr(0, a.find(' ')) < b.substr(0, b.find(' '));
+    });
+    return lines;
+}
+
+TEST(RangeDocuments, HaveTheRowsOfTheirRange) {
+    const TemporaryFolder folder;
+    const std::string member = R"({"n":3,"rows":[)" + rows(300, ",") + R"(],"x":{"y":[1]}})";
+    const std::pair<const char*, std::string> cases[] = {
+        {"array.json", "[" + rows(300, " , \n") + " ]\n"},
+        {"member.json", member},
+        {"lines.jsonl", rows(300, "\n") + "\n\n"},
+        {"object.json", R"({"a":{"b":[1,2,3]},"c":[{"d":1},{"d":2}]})"},
+    };
+    for (const auto& [name, text] : cases) {
+        Engine engine;
+        const std::string file = folder.file(name, text);
+        qvej::InputsReader reader({{file}, false}, {});
+        qvej::Document document(engine, reader.documentOptions());
+        reader.read(document);
+        const Lines want = sorted(rowsOf(document));
+        for (const uint64_t bytes : {1, 700, 100'000}) {
+            EXPECT_EQ(want, sorted(itemsOfRanges(engine, qvej::rangesOf(file, bytes, {}))))
+                << name << bytes;
+        }
+    }
+}
+
 TEST(PartialScans, TakeTheLinesThatBeginInARangeAndWholeFiles) {
     const TemporaryFolder folder;
     Engine engine;
@@ -110,7 +181,7 @@ TEST(PartialScans, TakeTheLinesThatBeginInARangeAndWholeFiles) {
     const std::string file = folder.file("a.jsonl", lines);
     const std::string map = mapOf(engine, {file});
     const auto range = [&](uint64_t begin, uint64_t end) {
-        return TextRange{file, begin, end, TextForm::LINES, Kind::MIDDLE, "", 0, 1};
+        return TextRange{file, TextForm::LINES, {{begin, end, Kind::MIDDLE, "", 0, 1}}};
     };
     for (uint64_t cut = 0; cut <= lines.size(); ++cut) {
         const PartialScan scan =
@@ -119,7 +190,7 @@ TEST(PartialScans, TakeTheLinesThatBeginInARangeAndWholeFiles) {
         ASSERT_EQ(12U, countsOf(engine, scan)["\x02root"]) << cut;
     }
     const std::string two = folder.file("two.jsonl", "{\"a\":1}\n{\"b\":1}\n");
-    const TextRange second = {two, 8, 16, TextForm::LINES, Kind::MIDDLE, "", 0, 1};
+    const TextRange second = {two, TextForm::LINES, {{8, 16, Kind::MIDDLE, "", 0, 1}}};
     EXPECT_EQ(mapOf(engine, {folder.file("second.json", "[{\"b\":1}]")}),
               PartialScan::of(engine, second, {}).mapText(engine));
     const std::string other = folder.file("b.json", R"([{"id":"x","more":[{"z":1}]},5])");
