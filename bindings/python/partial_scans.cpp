@@ -10,11 +10,14 @@
 #include "client/ranges/text_range.h"
 
 #include <nanobind/stl/string.h>
+#include <nanobind/stl/tuple.h>
 #include <nanobind/stl/vector.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace nb = nanobind;
@@ -51,7 +54,20 @@ auto worked(const Work& work) {
     return *std::move(made);
 }
 
-// Of each range: begin and end, form, kind, the name of the member, line and column.
+// Begin and end, kind, the name of the member, line and column.
+nb::tuple tupleOf(const TextPiece& piece) {
+    return nb::make_tuple(piece.begin, piece.end, static_cast<int>(piece.kind),
+                          nb::bytes(piece.member.data(), piece.member.size()), piece.line,
+                          piece.column);
+}
+
+TextPiece pieceOf(const nb::handle& from) {
+    const auto [begin, end, kind, member, line, column] =
+        nb::cast<std::tuple<uint64_t, uint64_t, int, nb::bytes, int64_t, int64_t>>(from);
+    return {begin, end, static_cast<Partition::Kind>(kind), stringOf(member), line, column};
+}
+
+// Of each range its form, its pieces, and the head or None.
 nb::list rangeList(const nb::bytes& file, uint64_t bytes, const std::string& encoding, bool lines) {
     const std::string name = stringOf(file);
     std::vector<TextRange> ranges;
@@ -63,24 +79,33 @@ nb::list rangeList(const nb::bytes& file, uint64_t bytes, const std::string& enc
     });
     nb::list list;
     for (const TextRange& range : ranges) {
-        list.append(nb::make_tuple(
-            range.begin, range.end, static_cast<int>(range.form), static_cast<int>(range.kind),
-            nb::bytes(range.member.data(), range.member.size()), range.line, range.column));
+        nb::list pieces;
+        for (const TextPiece& piece : range.pieces) {
+            pieces.append(tupleOf(piece));
+        }
+        nb::object head = nb::none();
+        if (range.head) {
+            head = tupleOf(*range.head);
+        }
+        list.append(nb::make_tuple(static_cast<int>(range.form), nb::tuple(pieces), head));
     }
     return list;
 }
 
-nb::object scanRange(const nb::bytes& file, uint64_t begin, uint64_t end, int form, int kind,
-                     const nb::bytes& member, int64_t line, int64_t column,
+nb::object scanRange(const nb::bytes& file, int form, const nb::tuple& pieces,
                      const std::string& encoding, uint64_t depth, uint64_t maxPaths) {
-    const TextRange range = {stringOf(file),
-                             begin,
-                             end,
-                             static_cast<TextForm>(form),
-                             static_cast<Partition::Kind>(kind),
-                             stringOf(member),
-                             line,
-                             column};
+    TextRange range = {stringOf(file), static_cast<TextForm>(form), {}};
+    for (const nb::handle piece : pieces) {
+        range.pieces.push_back(pieceOf(piece));
+    }
+    const bool known =
+        form >= 0 && form <= static_cast<int>(TextForm::SEQUENCE) &&
+        std::all_of(range.pieces.begin(), range.pieces.end(), [](const TextPiece& p) {
+            return p.kind >= Partition::Kind::WHOLE && p.kind <= Partition::Kind::REST;
+        });
+    if (range.pieces.empty() || !known) {
+        throw nb::value_error("this is no part of a file");
+    }
     const PartialScanOptions options =
         optionsOf(encoding, range.form == TextForm::LINES, depth, maxPaths);
     return bytesOf(worked([&](Engine& engine) { return PartialScan::of(engine, range, options); }));
@@ -120,8 +145,8 @@ nb::list countsOfScan(const nb::bytes& bytes) {
 
 void registerPartialScans(nb::module_& module) {
     module.def("ranges", &rangeList, "file"_a, "bytes"_a, "encoding"_a, "lines"_a);
-    module.def("scan_range", &scanRange, "file"_a, "begin"_a, "end"_a, "form"_a, "kind"_a,
-               "member"_a, "line"_a, "column"_a, "encoding"_a, "depth"_a, "max_paths"_a);
+    module.def("scan_range", &scanRange, "file"_a, "form"_a, "pieces"_a, "encoding"_a, "depth"_a,
+               "max_paths"_a);
     module.def("scan_text", &scanText, "buffer"_a, "lines"_a, "encoding"_a, "depth"_a,
                "max_paths"_a);
     module.def("merge_scans", &mergeScans, "scans"_a);

@@ -68,8 +68,8 @@ void readRange(const TextRange& wanted, const TextOptions& options, const TakePa
         part.member = piece.member;
         readPiece(range.file, piece, [&](std::string_view bytes, bool more) {
             TextPart next = part;
-            next.partition = {std::string(bytes), {piece.begin, piece.line, piece.column},
-                              piece.kind, more};
+            next.partition = {
+                std::string(bytes), {piece.begin, piece.line, piece.column}, piece.kind, more};
             take(std::move(next));
         });
         part.head.reset();  // that of the first piece alone
@@ -106,10 +106,8 @@ RangeDocument::RangeDocument(Engine& engine, RangeOptions options)
         parts->counts.add({});
     }
     parts->excerpt = {1, endsItsFile(options.range)};
-    parts->read = [range = std::move(options.range), text = options.text](uint64_t,
-                                                                         const TakePart& take) {
-        readRange(range, text, take);
-    };
+    parts->read = [range = std::move(options.range), text = options.text](
+                      uint64_t, const TakePart& take) { readRange(range, text, take); };
     document_.setParts(std::move(parts));
 }
 

@@ -23,23 +23,30 @@ class Part(NamedTuple):
     """
 
     file: str
-    begin: int  # bytes of the file
-    end: int
     form: int
-    kind: int
-    member: bytes
-    line: int
-    column: int
+    pieces: tuple[_qvejmap.Piece, ...]
+    head: _qvejmap.Piece | None = None  # before the elements of a large member, whose end is here
+
+    @property
+    def begin(self) -> int:
+        """Where it begins in the file, in bytes."""
+        return self.pieces[0][0]
+
+    @property
+    def end(self) -> int:
+        """Where it ends; 2**64 - 1: at the end of the file."""
+        return self.pieces[-1][1]
 
     @classmethod
     def lines_of(cls, file: Path, begin: int, end: int) -> Part:
         """The lines of a JSON Lines file, uncompressed, that begin in a range of its bytes."""
-        return cls(os.fspath(file), begin, end, _LINES, _MIDDLE, b"", 1 if begin == 0 else 0, 1)
+        line = 1 if begin == 0 else 0  # 0: not known
+        return cls(os.fspath(file), _LINES, ((begin, end, _MIDDLE, b"", line, 1),))
 
     @classmethod
     def whole(cls, file: Path) -> Part:
         """A whole file, compressed or not."""
-        return cls(os.fspath(file), 0, _TO_THE_END, 0, _WHOLE, b"", 1, 1)
+        return cls(os.fspath(file), 0, ((0, _TO_THE_END, _WHOLE, b"", 1, 1),))
 
 
 def parts(file: Path, size: int = 64 << 20, *, lines: bool = False, encoding: str = "auto") -> list[Part]:
@@ -85,7 +92,8 @@ class PartialScan:
     ) -> None:
         if isinstance(source, Part):
             limits = (encoding, depth, max_paths)
-            self._bytes = _qvejmap.scan_range(os.fsencode(source.file), *source[1:], *limits)
+            file = os.fsencode(source.file)
+            self._bytes = _qvejmap.scan_range(file, source.form, source.pieces, *limits)
         else:
             self._bytes = _qvejmap.scan_text(source, lines, encoding, depth, max_paths)
 

@@ -70,24 +70,17 @@ def open(
     max_paths: int,
 ) -> Document: ...
 
-# Of each range: begin and end, form, kind, the name of the member, line and column.
+# Begin and end in the file, kind, the name of the member, line and column.
+Piece: TypeAlias = tuple[int, int, int, bytes, int, int]
+
+# Of each range its form, its pieces, and the head.
 def ranges(
     file: bytes, bytes: int, encoding: str, lines: bool
-) -> list[tuple[int, int, int, int, bytes, int, int]]: ...
+) -> list[tuple[int, tuple[Piece, ...], Piece | None]]: ...
 
 # Scans are bytes.
 def scan_range(
-    file: bytes,
-    begin: int,
-    end: int,
-    form: int,
-    kind: int,
-    member: bytes,
-    line: int,
-    column: int,
-    encoding: str,
-    depth: int,
-    max_paths: int,
+    file: bytes, form: int, pieces: tuple[Piece, ...], encoding: str, depth: int, max_paths: int
 ) -> bytes: ...
 def scan_text(buffer: Buffer, lines: bool, encoding: str, depth: int, max_paths: int) -> bytes: ...
 def merge_scans(scans: list[bytes]) -> bytes: ...

@@ -53,6 +53,9 @@ class PartialScans(unittest.TestCase):
         for wrong in (b"", b"no scan", qvejmap.PartialScan(b"[{}]").to_bytes() + b"x"):
             with self.assertRaisesRegex(qvejmap.Error, "no partial scan"):
                 qvejmap.PartialScan.from_bytes(wrong)
+        for odd in (part._replace(pieces=()), part._replace(form=9), part._replace(pieces=((0, 1, 99, b"", 1, 1),))):
+            with self.assertRaises(ValueError):
+                qvejmap.PartialScan(odd)
         named = qvejmap.PartialScan(b'[{"":1}]')
         with self.assertRaisesRegex(qvejmap.Error, "cannot be scanned in parts"):
             named + named
