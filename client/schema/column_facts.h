@@ -60,6 +60,16 @@ class ColumnFacts {
     // The cells of the rows that come after those of this one.
     void add(const ColumnFacts& later);
 
+    // See fact_bytes.h.  Of another column object of the same column.
+    template <class Bytes>
+    void pass(Bytes& bytes) {
+        bytes(flags_);
+        bytes(timeFraction_);
+        bytes(digits_);
+        bytes(whole_);
+        bytes(fraction_);
+    }
+
     // Is the type known whatever comes?
     [[nodiscard]] bool settled() const { return known_ || (flags_ & OTHER_TEXT) != 0; }
 
@@ -162,6 +172,11 @@ struct ColumnCounts {
         if (cell.kind != Cell::BOOLEAN) {
             longest = std::max(longest, cell.text.size());
         }
+    }
+    template <class Bytes>
+    void pass(Bytes& bytes) {
+        bytes(filled);
+        bytes(longest);
     }
     void add(const ColumnCounts& later) {
         filled += later.filled;

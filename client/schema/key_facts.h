@@ -36,10 +36,23 @@ class NumberRuns {
 
     [[nodiscard]] bool has(uint64_t number) const;
 
+    // See fact_bytes.h, as in what follows.
+    template <class Bytes>
+    void pass(Bytes& bytes) {
+        bytes(last_);
+        bytes(earlier_);
+    }
+
    private:
     struct Run {
         uint64_t begin = 0;
         uint64_t end = 0;
+
+        template <class Bytes>
+        void pass(Bytes& bytes) {
+            bytes(begin);
+            bytes(end);
+        }
     };
     void begin(const Run& run) {
         if (last_.end != 0) {
@@ -75,6 +88,13 @@ class OwnOrdinals {
     [[nodiscard]] uint64_t missing() const { return missing_; }
     [[nodiscard]] uint64_t repeated() const { return repeated_; }
     [[nodiscard]] bool unique() const { return missing_ == 0 && repeated_ == 0; }
+
+    template <class Bytes>
+    void pass(Bytes& bytes) {
+        bytes(seen_);
+        bytes(missing_);
+        bytes(repeated_);
+    }
 
    private:
     NumberRuns seen_;
@@ -117,10 +137,28 @@ class ParentOrdinals {
     // Has a row above at most one row here?
     [[nodiscard]] bool onePerParent() const { return !several_ && missing_ == 0; }
 
+    template <class Bytes>
+    void pass(Bytes& bytes) {
+        bytes(first_);
+        bytes(current_);
+        bytes(count_);
+        bytes(missing_);
+        bytes(several_);
+        bytes(changed_);
+        bytes(late_);
+    }
+
    private:
     // Rows in turn with one ordinal.
     struct Late {
-        uint64_t ordinal, count;
+        uint64_t ordinal = 0;
+        uint64_t count = 0;
+
+        template <class Bytes>
+        void pass(Bytes& bytes) {
+            bytes(ordinal);
+            bytes(count);
+        }
     };
     void settle(const Late& rows, const OwnOrdinals& parents) {
         if (!parents.has(rows.ordinal)) {

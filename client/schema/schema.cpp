@@ -2,6 +2,7 @@
 #include "client/schema/schema.h"
 
 #include "client/pass_pipe.h"
+#include "client/schema/fact_bytes.h"
 
 #include <algorithm>
 #include <memory>
@@ -194,6 +195,46 @@ SchemaBuilder::Batch SchemaBuilder::takeBatch(const SchemaBuilder& noRows) {
     return batch;
 }
 
+std::string SchemaBuilder::Batch::bytes() {
+    FactWriter writer;
+    writer(tables_);
+    for (OfTable& of : facts_) {
+        writer(of.rows);
+        writer(of.ordinals);
+        writer(of.parents);
+    }
+    for (ColumnFacts& column : columns_) {
+        writer(column);
+    }
+    for (ColumnCounts& counts : counts_) {
+        writer(counts);
+    }
+    return writer.take();
+}
+
+SchemaBuilder::Batch::Batch(std::string_view bytes, const SchemaBuilder& noRows) {
+    FactReader reader(bytes);
+    reader(tables_);
+    for (const std::size_t table : tables_) {
+        reader.check(table < noRows.facts_.size());
+        OfTable& of = facts_.emplace_back(noRows.facts_[table]);
+        reader(of.rows);
+        reader(of.ordinals);
+        reader(of.parents);
+    }
+    for (const std::size_t table : tables_) {
+        const std::size_t first = noRows.facts_[table].firstColumn;
+        for (std::size_t c = first; c < first + noRows.columnsOf(table); ++c) {
+            reader(columns_.emplace_back(noRows.columns_[c]));
+        }
+    }
+    counts_.resize(noRows.options_.counts ? columns_.size() : 0);
+    for (ColumnCounts& counts : counts_) {
+        reader(counts);
+    }
+    reader.check(reader.atEnd());
+}
+
 void SchemaBuilder::add(const Batch& later) {
     std::size_t column = 0;  // of `later`
     for (std::size_t i = 0; i < later.tables_.size(); ++i) {
@@ -262,6 +303,17 @@ Schema SchemaBuilder::end() const {
         }
     }
     return schema;
+}
+
+SchemaBuilder::Batch factsOf(const Document& document, const std::vector<const Table*>& tables,
+                             bool carry, const SchemaBuilder& noRows) {
+    TablePass pass(document, tables, false, carry);
+    SchemaBuilder builder = noRows;
+    ItemRows rows(document, tables);
+    for (PassItem item; pass.next(item);) {
+        rows.take(item, builder);
+    }
+    return builder.takeBatch(noRows);
 }
 
 Schema schemaOf(const Document& document, const std::vector<const Table*>& tables, bool retain,

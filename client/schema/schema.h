@@ -30,6 +30,8 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace qvej {
@@ -136,6 +138,17 @@ class SchemaBuilder {
 };
 
 class SchemaBuilder::Batch {
+   public:
+    Batch() = default;
+
+    // What `bytes` gave.  `noRows`: a builder without rows of the same tables and options, perhaps
+    // in another process.  Throws QV_BADPARMS for other bytes.
+    Batch(std::string_view bytes, const SchemaBuilder& noRows);
+
+    // Bytes that can be stored and sent; in the layout of fact_bytes.h.
+    [[nodiscard]] std::string bytes();
+
+   private:
     friend SchemaBuilder;
 
     std::vector<std::size_t> tables_;
@@ -143,6 +156,13 @@ class SchemaBuilder::Batch {
     std::vector<ColumnFacts> columns_;
     std::vector<ColumnCounts> counts_;
 };
+
+// What has been found by a pass of its own over the tables, for a sum of several.  Throws as
+// TablePass and PassRow.
+//   noRows  a builder without rows of these tables
+[[nodiscard]] SchemaBuilder::Batch factsOf(const Document& document,
+                                           const std::vector<const Table*>& tables, bool carry,
+                                           const SchemaBuilder& noRows);
 
 // By a pass of its own over the tables.  Throws as TablePass and PassRow.
 //   retain, carry  as of TablePass

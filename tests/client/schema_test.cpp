@@ -389,7 +389,30 @@ class TypedRows {
     std::map<std::string, std::size_t> firsts_;
 };
 
-// However the rows of a document are divided.
+// As another process gets it.
+qvej::SchemaBuilder::Batch sent(qvej::SchemaBuilder::Batch batch,
+                                const qvej::SchemaBuilder& noRows) {
+    return qvej::SchemaBuilder::Batch(batch.bytes(), noRows);
+}
+
+TEST(Schema, BytesOfBatchesAreChecked) {
+    ReadDocument read(R"([{"a":1,"b":[{"c":"x"}]},{"a":2.5}])");
+    const auto tables = read.tables();
+    const qvej::SchemaBuilder none(read.document, tables, {});
+    const std::string bytes = qvej::factsOf(read.document, tables, false, none).bytes();
+    EXPECT_EQ(bytes, qvej::SchemaBuilder::Batch(bytes, none).bytes());
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        std::string damaged = bytes;
+        damaged[i] = static_cast<char>(damaged[i] ^ 4);
+        EXPECT_THROW(qvej::SchemaBuilder::Batch(damaged, none), qvej::Error) << i;
+        EXPECT_THROW(qvej::SchemaBuilder::Batch(bytes.substr(0, i), none), qvej::Error) << i;
+    }
+    const std::vector<const qvej::Table*> one = {tables[0]};
+    const qvej::SchemaBuilder other(read.document, one, {});
+    EXPECT_THROW(qvej::SchemaBuilder::Batch(bytes, other), qvej::Error);
+}
+
+// However the rows of a document are divided, and wherever they are.
 TEST(Schema, BatchesAddUpToTheWhole) {
     for (unsigned seed = 0; seed < 400; ++seed) {
         const std::string text = seed % 4 == 0
@@ -422,10 +445,10 @@ TEST(Schema, BatchesAddUpToTheWhole) {
                 whole.take(item.table, *rows[item.table]);
                 batch.take(item.table, *rows[item.table]);
                 if (random() % 4 == 0) {
-                    sum.add(batch.takeBatch(none));
+                    sum.add(sent(batch.takeBatch(none), none));
                 }
             }
-            sum.add(batch.takeBatch(none));
+            sum.add(sent(batch.takeBatch(none), none));
             EXPECT_EQ(textOf(sum.end()), textOf(whole.end()));
         }
     }
