@@ -13,7 +13,7 @@
 #include "client/maps/column_explanation.h"
 #include "client/shape/reshaper.h"
 #include "client/text.h"
-#include "formats/arrow_c/table_fields.h"
+#include "formats/table_metadata.h"
 
 #include <nanobind/nanobind.h>
 #include <nanobind/stl/optional.h>

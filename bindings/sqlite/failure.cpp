@@ -2,6 +2,7 @@
 #include "bindings/sqlite/failure.h"
 
 #include "client/error.h"
+#include "client/messages.h"
 
 #include <new>
 #include <string>
@@ -9,14 +10,6 @@
 namespace qvej::sqlite {
 
 namespace {
-
-std::string sentenceOf(const Error& error) {
-    std::string place = error.file();
-    if (error.line() != 0) {
-        place += ":" + std::to_string(error.line()) + ":" + std::to_string(error.column());
-    }
-    return (place.empty() ? place : place + ": ") + error.what();
-}
 
 void setMessage(char** message, const char* sentence) {
     sqlite3_free(*message);
