@@ -41,6 +41,7 @@ OpenOptions openOptions(const FileOptions& options, bool records) {
     open.text = options.text;
     open.shape =
         options.shape.empty() || options.shape == "auto" ? options.shape : contentOf(options.shape);
+    open.shapeName = options.shape;
     open.map = options.map.empty() ? std::string() : contentOf(options.map);
     open.naming = options.naming;
     open.memoryBudget = options.memory;

@@ -278,6 +278,7 @@ def errors():
     connection = connect()
     write("bad.json", '[{"id": 1},\n {"id":,2}]')
     write("late.json", '{"rows": [' + '{"a": 1},' * 1000 + '\n{"a": 2]}')
+    write("wrong.txt", "drop /root/orders/when\nrow /root/orders\n")
     write("wide.json", json.dumps([{f"c{i}": i for i in range(3000)}]))
     connection.execute("SELECT qvejmap_attach('orders.json', 'prefix=there_')")
     table = "CREATE VIRTUAL TABLE temp.t USING qvejmap"
@@ -299,6 +300,8 @@ def errors():
         (table + "('orders.json', table=orders, encoding=klingon)", "klingon"),
         (table + "('orders.json', table=orders, map=none.json)", "none.json: No such file or directory"),
         (table + "('orders.json', table=orders, shape=none.txt)", "none.txt: No such file or directory"),
+        (table + "('orders.json', table=orders, shape=wrong.txt)", "wrong.txt:2:1: "),
+        (table + "('none.json', table=orders, shape=auto)", "none.json: No such file or directory"),
         (table + "('wide.json')", "columns, and SQLite takes 1 to 2,000"),
         (table, "a file was expected"),
         ("CREATE VIRTUAL TABLE main.t USING qvejmap('orders.json', table=orders)", "a database file keeps no tables of other files"),
