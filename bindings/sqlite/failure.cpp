@@ -23,6 +23,10 @@ int reportException(char** message) noexcept {
         try {
             throw;
         } catch (const Error& error) {
+            if (error.status() == QV_STOPPED) {
+                setMessage(message, "interrupted");  // as SQLite says it
+                return SQLITE_INTERRUPT;
+            }
             setMessage(message, sentenceOf(error).c_str());
             return error.status() == QV_NOMEM ? SQLITE_NOMEM : SQLITE_ERROR;
         }
