@@ -13,7 +13,7 @@
 #include "client/maps/column_explanation.h"
 #include "client/shape/reshaper.h"
 #include "client/text.h"
-#include "formats/arrow_c/table_fields.h"
+#include "formats/table_metadata.h"
 
 #include <nanobind/nanobind.h>
 #include <nanobind/stl/optional.h>
@@ -111,14 +111,15 @@ DocumentPtr openDocument(OpenOptions options, std::shared_ptr<const void> source
 //   lines  else it is found by name and text
 DocumentPtr open(const std::vector<nb::bytes>& words, const nb::object& buffer, nb::object read,
                  const nb::bytes& name, const std::string& encoding, bool lines,
-                 const std::string& shape, const nb::bytes& map, const nb::bytes& mapName,
-                 bool originalNames, bool exact, bool carry, uint64_t memory, unsigned threads,
-                 uint64_t depth, uint64_t maxPaths) {
+                 const std::string& shape, const nb::bytes& shapeName, const nb::bytes& map,
+                 const nb::bytes& mapName, bool originalNames, bool exact, bool carry,
+                 uint64_t memory, unsigned threads, uint64_t depth, uint64_t maxPaths) {
     OpenOptions options;
     options.name = stringOf(name);
     options.text.encoding = encoding;
     options.text.lines = lines;
     options.shape = shape;
+    options.shapeName = stringOf(shapeName);
     options.map = stringOf(map);
     options.naming = originalNames ? Naming::ORIGINAL : Naming::MAP;
     options.exact = exact;
@@ -395,8 +396,8 @@ void registerDocuments(nb::module_& module) {
         .def("batches", &batchesOf, "table"_a, "columns"_a, "rows"_a);
 
     module.def("open", &open, "words"_a, "buffer"_a.none(), "read"_a.none(), "name"_a, "encoding"_a,
-               "lines"_a, "shape"_a, "map"_a, "map_name"_a, "original_names"_a, "exact"_a,
-               "carry"_a, "memory"_a, "threads"_a, "depth"_a, "max_paths"_a);
+               "lines"_a, "shape"_a, "shape_name"_a, "map"_a, "map_name"_a, "original_names"_a,
+               "exact"_a, "carry"_a, "memory"_a, "threads"_a, "depth"_a, "max_paths"_a);
 }
 
 }  // namespace qvej::python

@@ -3,10 +3,10 @@
 
 #include "bindings/python/texts.h"
 #include "client/error.h"
+#include "client/failure_kind.h"
 
 #include <nanobind/nanobind.h>
 
-#include <cstdint>
 #include <exception>
 
 namespace qvej::python {
@@ -20,22 +20,16 @@ const char* classOf(const Error& error) {
     if (dynamic_cast<const MapError*>(&error) != nullptr) {
         return "MapError";
     }
-    switch (error.status()) {
-        case QV_JSON_DEPTH:
-        case QV_LIMIT_PATHS:
-        case QV_LIMIT_DISK:
-        case QV_LIMIT_MEMORY:
-        case QV_NOMEM:
-            return "LimitReached";
-        case JMAP_PARSE:
-        case JMAP_INCOMPLETE:
+    switch (kindOf(error.status())) {
+        case FailureKind::NOT_JSON:
             return "NotJson";
+        case FailureKind::FILES:
+            return "FileError";
+        case FailureKind::LIMIT:
+            return "LimitReached";
         default:
-            break;
+            return "Error";
     }
-    const auto code = static_cast<uint32_t>(error.status());
-    const bool ofJson = code >= static_cast<uint32_t>(QV_JSON_VALUE) && code <= 0x85FFC9FFu;
-    return ofJson ? "NotJson" : isOfFiles(error.status()) ? "FileError" : "Error";
 }
 
 void raise(const Error& error) {

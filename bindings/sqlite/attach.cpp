@@ -2,6 +2,7 @@
 #include "bindings/sqlite/attach.h"
 
 #include "bindings/sqlite/failure.h"
+#include "bindings/sqlite/interrupt.h"
 #include "bindings/sqlite/open_file.h"
 #include "client/error.h"
 #include "formats/database/database.h"
@@ -27,9 +28,11 @@ std::vector<std::string> run(sqlite3* database, const std::string& sql) {
             return 1;
         }
     };
-    if (sqlite3_exec(database, sql.c_str(), take, &rows, &message) != SQLITE_OK) {
+    const int code = sqlite3_exec(database, sql.c_str(), take, &rows, &message);
+    if (code != SQLITE_OK) {
         const std::unique_ptr<char, void (*)(void*)> owned(message, sqlite3_free);
-        throw Error(QV_UNSUPPORTED, message == nullptr ? sqlite3_errmsg(database) : message);
+        throw Error(code == SQLITE_INTERRUPT ? QV_STOPPED : QV_UNSUPPORTED,
+                    message == nullptr ? sqlite3_errmsg(database) : message);
     }
     return rows;
 }
@@ -109,12 +112,14 @@ int attachAll(sqlite3* database, OpenFiles& files, int argc, sqlite3_value** arg
 void attach(sqlite3_context* result, int argc, sqlite3_value** argv) noexcept {
     char* message = nullptr;
     const int code = guarded(&message, [&] {
+        sqlite3* const connection = sqlite3_context_db_handle(result);
+        const Interruptible work(connection);
         OpenFiles& files = **static_cast<SharedFiles*>(sqlite3_user_data(result));
-        sqlite3_result_int(result, attachAll(sqlite3_context_db_handle(result), files, argc, argv));
+        sqlite3_result_int(result, attachAll(connection, files, argc, argv));
         return SQLITE_OK;
     });
-    if (code == SQLITE_NOMEM) {
-        sqlite3_result_error_nomem(result);
+    if (code == SQLITE_NOMEM || code == SQLITE_INTERRUPT) {
+        sqlite3_result_error_code(result, code);
     } else if (code != SQLITE_OK) {
         sqlite3_result_error(result, message == nullptr ? "it failed" : message, -1);
     }

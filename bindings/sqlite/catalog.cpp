@@ -2,6 +2,7 @@
 #include "bindings/sqlite/catalog.h"
 
 #include "bindings/sqlite/failure.h"
+#include "bindings/sqlite/interrupt.h"
 #include "bindings/sqlite/open_file.h"
 #include "client/document.h"
 #include "client/error.h"
@@ -190,7 +191,9 @@ class ValueListing final : public Listing {
 constexpr int kOptions = 8;
 
 struct ListingTable : sqlite3_vtab {
-    explicit ListingTable(SharedFiles of) : sqlite3_vtab{}, files(std::move(of)) {}
+    ListingTable(sqlite3* database, SharedFiles of)
+        : sqlite3_vtab{}, connection(database), files(std::move(of)) {}
+    sqlite3* connection;
     SharedFiles files;
 };
 
@@ -201,6 +204,10 @@ struct ListingCursor : sqlite3_vtab_cursor {
     bool atEnd = true;
     int64_t row = 0;
 };
+
+ListingTable& tableOf(sqlite3_vtab* table) {
+    return *static_cast<ListingTable*>(table);
+}
 
 ListingCursor& cursorOf(sqlite3_vtab_cursor* cursor) {
     return *static_cast<ListingCursor*>(cursor);
@@ -217,7 +224,8 @@ int connect(sqlite3* database, void* files, int, const char* const*, sqlite3_vta
         (void)sqlite3_vtab_config(database, SQLITE_VTAB_DIRECTONLY);
         const int code = sqlite3_declare_vtab(database, (sql + ")").c_str());
         if (code == SQLITE_OK) {
-            auto table = std::make_unique<ListingTable>(*static_cast<SharedFiles*>(files));
+            auto table =
+                std::make_unique<ListingTable>(database, *static_cast<SharedFiles*>(files));
             *made = table.release();
         }
         return code;
@@ -225,7 +233,7 @@ int connect(sqlite3* database, void* files, int, const char* const*, sqlite3_vta
 }
 
 int disconnect(sqlite3_vtab* table) noexcept {
-    delete static_cast<ListingTable*>(table);
+    delete &tableOf(table);
     return SQLITE_OK;
 }
 
@@ -288,6 +296,7 @@ FileOptions optionsOf(const ListingCursor& cursor) {
 
 int next(sqlite3_vtab_cursor* vtabCursor) noexcept {
     return guarded(&vtabCursor->pVtab->zErrMsg, [&] {
+        const Interruptible work(tableOf(vtabCursor->pVtab).connection);
         ListingCursor& cursor = cursorOf(vtabCursor);
         cursor.atEnd = true;
         cursor.atEnd = !cursor.listing->next();
@@ -308,9 +317,10 @@ int filter(sqlite3_vtab_cursor* vtabCursor, int plan, const char*, int,
                 cursor.arguments[i] = text == nullptr ? std::nullopt : std::optional(text);
             }
         }
-        OpenFiles& files = *static_cast<ListingTable&>(*vtabCursor->pVtab).files;
+        ListingTable& table = tableOf(vtabCursor->pVtab);
+        const Interruptible work(table.connection);
         cursor.listing.reset();
-        cursor.file = files.open(optionsOf(cursor), Rows::kRecords);
+        cursor.file = table.files->open(optionsOf(cursor), Rows::kRecords);
         cursor.listing = std::make_unique<Rows>(*cursor.file);
         cursor.row = 0;
         return SQLITE_OK;

@@ -2,6 +2,7 @@
 #include "bindings/sqlite/failure.h"
 
 #include "client/error.h"
+#include "client/messages.h"
 
 #include <new>
 #include <string>
@@ -9,14 +10,6 @@
 namespace qvej::sqlite {
 
 namespace {
-
-std::string sentenceOf(const Error& error) {
-    std::string place = error.file();
-    if (error.line() != 0) {
-        place += ":" + std::to_string(error.line()) + ":" + std::to_string(error.column());
-    }
-    return (place.empty() ? place : place + ": ") + error.what();
-}
 
 void setMessage(char** message, const char* sentence) {
     sqlite3_free(*message);
@@ -30,6 +23,10 @@ int reportException(char** message) noexcept {
         try {
             throw;
         } catch (const Error& error) {
+            if (error.status() == QV_STOPPED) {
+                setMessage(message, "interrupted");  // as SQLite says it
+                return SQLITE_INTERRUPT;
+            }
             setMessage(message, sentenceOf(error).c_str());
             return error.status() == QV_NOMEM ? SQLITE_NOMEM : SQLITE_ERROR;
         }

@@ -2,6 +2,7 @@
 #include "bindings/sqlite/file_table.h"
 
 #include "bindings/sqlite/failure.h"
+#include "bindings/sqlite/interrupt.h"
 #include "bindings/sqlite/open_file.h"
 #include "bindings/sqlite/row_walk.h"
 #include "client/error.h"
@@ -22,7 +23,9 @@ namespace {
 enum : int { EQUAL = 1, AT_LEAST = 2, AT_MOST = 4, COLUMN_SHIFT = 3 };
 
 struct FileTable : sqlite3_vtab {
-    explicit FileTable(SharedFiles of) : sqlite3_vtab{}, files(std::move(of)) {}
+    FileTable(sqlite3* database, SharedFiles of)
+        : sqlite3_vtab{}, connection(database), files(std::move(of)) {}
+    sqlite3* connection;
     SharedFiles files;
     FileOptions options = {};
     std::string table = {};
@@ -50,6 +53,7 @@ RowCursor& cursorOf(sqlite3_vtab_cursor* cursor) {
 template <class Routine>
 int guardedCursor(sqlite3_vtab_cursor* cursor, const Routine& routine) noexcept {
     return guarded(&cursor->pVtab->zErrMsg, [&] {
+        const Interruptible work(tableOf(cursor->pVtab).connection);
         routine(cursorOf(cursor));
         return SQLITE_OK;
     });
@@ -95,7 +99,8 @@ std::string declarationOf(const TableShape& shape) {
 int connect(sqlite3* database, void* files, int argc, const char* const* argv, sqlite3_vtab** made,
             char** message) noexcept {
     return guarded(message, [&] {
-        auto table = std::make_unique<FileTable>(*static_cast<SharedFiles*>(files));
+        const Interruptible work(database);
+        auto table = std::make_unique<FileTable>(database, *static_cast<SharedFiles*>(files));
         parseArguments(*table, argc, argv);
         const std::shared_ptr<const OpenFile> file = table->files->open(table->options);
         const std::size_t position = positionIn(*file, table->table);
@@ -227,6 +232,7 @@ int bestIndex(sqlite3_vtab* vtab, sqlite3_index_info* plan) noexcept {
 int open(sqlite3_vtab* vtab, sqlite3_vtab_cursor** made) noexcept {
     return guarded(&vtab->zErrMsg, [&] {
         FileTable& table = tableOf(vtab);
+        const Interruptible work(table.connection);
         std::shared_ptr<const OpenFile> file = table.files->open(table.options);
         const std::size_t position = positionIn(*file, table.table);
         if (file->shapeOf(position) != table.shape) {

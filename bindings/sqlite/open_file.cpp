@@ -1,6 +1,7 @@
 // See open_file.h.
 #include "bindings/sqlite/open_file.h"
 
+#include "bindings/sqlite/interrupt.h"
 #include "client/error.h"
 #include "client/table_pass.h"
 #include "client/text.h"
@@ -16,8 +17,7 @@ namespace qvej::sqlite {
 
 namespace {
 
-constexpr uint64_t kMostHeld = uint64_t{1} << 30;  // by files that no statement uses
-constexpr uint64_t kHeldByColumn = 1024;           // nearly
+constexpr uint64_t kHeldByColumn = 1024;  // bytes, nearly
 
 std::string contentOf(const std::string& file) {
     std::ifstream in(file, std::ios::binary);
@@ -41,11 +41,13 @@ OpenOptions openOptions(const FileOptions& options, bool records) {
     open.text = options.text;
     open.shape =
         options.shape.empty() || options.shape == "auto" ? options.shape : contentOf(options.shape);
+    open.shapeName = options.shape;
     open.map = options.map.empty() ? std::string() : contentOf(options.map);
     open.naming = options.naming;
     open.memoryBudget = options.memory;
     open.threads = options.threads;
     open.records = records;
+    open.stopped = &isInterrupted;
     return open;
 }
 
@@ -190,13 +192,13 @@ std::shared_ptr<const OpenFile> OpenFiles::open(const FileOptions& options, bool
 // Those that were not used for longest go first.
 void OpenFiles::dropUnused() {
     uint64_t held = 0;
-    for (auto kept = kept_.begin(); kept != kept_.end();) {
-        const uint64_t more = kept->file->held();
-        if (held + more > kMostHeld && kept->file.use_count() == 1) {
+    for (const Kept& kept : kept_) {
+        held += kept.file->held();
+    }
+    for (auto kept = kept_.end(); held > mostHeld_ && kept != kept_.begin();) {
+        if ((--kept)->file.use_count() == 1) {
+            held -= kept->file->held();
             kept = kept_.erase(kept);
-        } else {
-            held += more;
-            ++kept;
         }
     }
 }

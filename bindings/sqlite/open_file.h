@@ -64,6 +64,9 @@ class OpenFile {
 // The files that a connection has read.  A file that has changed is read anew.
 class OpenFiles {
    public:
+    // `mostHeld`: bytes of memory, with more of which those that nobody uses are dropped.
+    explicit OpenFiles(uint64_t mostHeld = uint64_t{1} << 30) : mostHeld_(mostHeld) {}
+
     // Throws Error.  `records`: of ALLDATA.
     [[nodiscard]] std::shared_ptr<const OpenFile> open(const FileOptions& options,
                                                        bool records = false);
@@ -78,6 +81,7 @@ class OpenFiles {
                                                               bool records);
     void dropUnused();
 
+    const uint64_t mostHeld_;
     std::list<Kept> kept_;  // the one used last is the first
 };
 

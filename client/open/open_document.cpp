@@ -8,6 +8,7 @@
 #include "client/parts/input_parts.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <thread>
 #include <utility>
 
@@ -57,8 +58,8 @@ ByteSource OpenDocument::open(const std::string& file) const {
 
 void OpenDocument::readAgain(
     const std::function<void(DocumentReader&, const DocumentOptions&)>& read) const {
-    if (!rereadable()) {
-        throw Error(QV_UNSUPPORTED, "cannot be read again", Place{inputs_.files.front()});
+    if (const std::string name = once(); !name.empty()) {
+        throw Error(QV_UNSUPPORTED, "cannot be read again", Place{name});
     }
     for (const std::string& file : inputs_.files) {
         DocumentReader reader(open(file), options_.text);
@@ -66,22 +67,36 @@ void OpenDocument::readAgain(
     }
 }
 
-// Bytes of what can be read again; nothing when it cannot.
-std::optional<uint64_t> OpenDocument::rereadable() const {
-    return options_.memory ? std::optional<uint64_t>(options_.memory->size())
-           : options_.pull ? std::nullopt
-                           : rereadableBytes(inputs_);
+// Bytes of what can be read again; 0: it cannot.
+uint64_t OpenDocument::bytes() const {
+    return options_.memory ? options_.memory->size()
+           : options_.pull ? 0
+                           : rereadableBytes(inputs_).value_or(0);
+}
+
+// The first input that comes once, as messages call it; empty: none does.  A file that is not there
+// is for the reading to tell.
+std::string OpenDocument::once() const {
+    if (options_.memory || options_.pull) {
+        return options_.memory ? "" : options_.name;
+    }
+    const auto found =
+        std::find_if(inputs_.files.begin(), inputs_.files.end(), [](const std::string& file) {
+            return !rereadableBytes({{file}, false}) &&
+                   (file == "-" || std::filesystem::exists(file));
+        });
+    return found == inputs_.files.end() ? "" : *found == "-" ? "<stdin>" : *found;
 }
 
 Shape OpenDocument::shape() {
     Shape shape;
     if (options_.shape != "auto") {
-        shape.addText(options_.shape, "shape");
+        shape.addText(options_.shape, options_.shapeName);
         return shape;
     }
-    if (!rereadable()) {
+    if (const std::string name = once(); !name.empty()) {
         throw Error(QV_UNSUPPORTED, "a shape is found by reading twice, and this comes once",
-                    Place{options_.name});
+                    Place{name});
     }
     FinderOptions finding;
     finding.maxDepth = options_.depth;
@@ -92,11 +107,13 @@ Shape OpenDocument::shape() {
 }
 
 std::string OpenDocument::whyRecords() const {
-    const std::optional<uint64_t> bytes = rereadable();
-    return options_.records          ? "they are wanted"
-           : !bytes                  ? inputs_.files.front() + " cannot be read again"
-           : *bytes < kWorthCounting ? "the input is small"
-                                     : "";
+    if (options_.records) {
+        return "they are wanted";
+    }
+    const std::string name = once();
+    return !name.empty()              ? name + " cannot be read again"
+           : bytes() < kWorthCounting ? "the input is small"
+                                      : "";
 }
 
 void OpenDocument::openInputs() {

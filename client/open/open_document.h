@@ -37,8 +37,10 @@ struct OpenOptions {
 
     TextOptions text = {};
     std::string shape = {};  // empty: none; "auto": that which is found; else rules, one a line
-    std::string map = {};    // text of a user's map; empty: the automatic one
-    bool exact = false;      // columns are texts whose numbers a double does not keep; with no map
+    // What messages call these rules.
+    std::string shapeName = "shape";
+    std::string map = {};  // text of a user's map; empty: the automatic one
+    bool exact = false;    // columns are texts whose numbers a double does not keep; with no map
     Naming naming = Naming::MAP;
     std::string sourceColumn = "source";  // of several files: see DocumentOptions
     uint64_t depth = 1000;                // 0: any
@@ -71,7 +73,8 @@ class OpenDocument {
 
    private:
     [[nodiscard]] ByteSource open(const std::string& file) const;
-    [[nodiscard]] std::optional<uint64_t> rereadable() const;
+    [[nodiscard]] uint64_t bytes() const;
+    [[nodiscard]] std::string once() const;
     [[nodiscard]] Shape shape();
     [[nodiscard]] std::string whyRecords() const;
     void openInputs();

@@ -1,10 +1,7 @@
 // See arrow_table.h.
 #include "formats/arrow/arrow_table.h"
 
-#include "client/document.h"
-#include "client/path_names.h"
-#include "client/text.h"
-#include "formats/target_names.h"
+#include "formats/table_metadata.h"
 
 #include <arrow/util/key_value_metadata.h>
 
@@ -24,36 +21,14 @@ arrow::TimeUnit::type unitOf(const DataType& type) {
                                 : arrow::TimeUnit::NANO;
 }
 
-class Metadata {
-   public:
-    void add(std::string name, std::string value) {
-        if (!value.empty()) {
-            names_.push_back("qvejmap." + std::move(name));
-            values_.push_back(std::move(value));
-        }
+std::shared_ptr<const arrow::KeyValueMetadata> metadataOf(std::vector<MetadataPair> pairs) {
+    std::vector<std::string> names;
+    std::vector<std::string> values;
+    for (MetadataPair& pair : pairs) {
+        names.push_back(std::move(pair.name));
+        values.push_back(std::move(pair.value));
     }
-    [[nodiscard]] std::shared_ptr<const arrow::KeyValueMetadata> end() && {
-        return arrow::KeyValueMetadata::Make(std::move(names_), std::move(values_));
-    }
-
-   private:
-    std::vector<std::string> names_, values_;
-};
-
-std::shared_ptr<arrow::Field> arrowField(const TableSchema& table, std::size_t c,
-                                         const std::string& name) {
-    const Column column = table.table->columns[c];
-    const bool ordinal = column.type == ColumnType::ORDINAL;
-    const bool primary = table.key && c == *table.own;
-    const bool foreign = table.parent && table.parent->foreignKey && c == table.parent->column;
-    Metadata metadata;
-    metadata.add("path", withSlashes(column.path));
-    metadata.add("name", ordinal ? std::string() : std::string(lastPiece(column.path)));
-    metadata.add("column", name == column.name ? std::string() : column.name);
-    metadata.add("label", column.label);
-    metadata.add("key", primary ? "primary" : foreign ? "foreign" : "");
-    const bool always = ordinal && table.fields[c].filled == table.rows;
-    return arrow::field(name, arrowType(table.fields[c].type), !always, std::move(metadata).end());
+    return arrow::KeyValueMetadata::Make(std::move(names), std::move(values));
 }
 
 }  // namespace
@@ -81,28 +56,13 @@ std::shared_ptr<arrow::DataType> arrowType(const DataType& type) {
 
 std::shared_ptr<arrow::Schema> arrowSchema(const Schema& schema, std::size_t table) {
     const TableSchema& of = schema.tables[table];
-    std::vector<std::string> names;
-    for (const Column& column : of.table->columns) {
-        names.push_back(column.name);
-    }
-    names = fittedNames(names, {.mayBeEmpty = true}).names;
+    const std::vector<std::string> names = fieldNames(*of.table);
     std::vector<std::shared_ptr<arrow::Field>> fields;
     for (std::size_t c = 0; c < names.size(); ++c) {
-        fields.push_back(arrowField(of, c, names[c]));
+        fields.push_back(arrow::field(names[c], arrowType(of.fields[c].type), !alwaysFilled(of, c),
+                                      metadataOf(columnMetadata(of, c, names[c]))));
     }
-    Metadata metadata;
-    metadata.add("version", QVEJMAP_VERSION);
-    metadata.add("table", of.table->name);
-    metadata.add("path", withSlashes(of.table->path()));
-    if (of.key) {
-        metadata.add("primary_key", names[*of.own]);
-    }
-    if (of.parent) {
-        metadata.add("parent", schema.tables[of.parent->table].table->name);
-        metadata.add("parent_column", names[of.parent->column]);
-        metadata.add("foreign_key", of.parent->foreignKey ? names[of.parent->column] : "");
-    }
-    return arrow::schema(std::move(fields), std::move(metadata).end());
+    return arrow::schema(std::move(fields), metadataOf(tableMetadata(schema, table, names)));
 }
 
 }  // namespace qvej

@@ -1,10 +1,8 @@
 // See table_fields.h.
 #include "formats/arrow_c/table_fields.h"
 
-#include "client/path_names.h"
-#include "client/text.h"
 #include "formats/arrow_c/column_buffers.h"
-#include "formats/target_names.h"
+#include "formats/table_metadata.h"
 
 #include <cstdint>
 #include <memory>
@@ -14,32 +12,21 @@ namespace qvej {
 
 namespace {
 
-// Pairs of texts: their number, then of each its length and its bytes.  Numbers have 32 bits, in
-// the order of the machine.
-class Metadata {
-   public:
-    void add(const std::string& name, const std::string& value) {
-        if (!value.empty()) {
-            ++count_;
-            addText("qvejmap." + name);
-            addText(value);
-        }
-    }
-    [[nodiscard]] std::string end() && {
-        return count_ == 0 ? std::string() : numberText(count_) + pairs_;
-    }
+std::string numberText(std::size_t number) {
+    const auto small = static_cast<int32_t>(number);
+    return {reinterpret_cast<const char*>(&small), sizeof small};
+}
 
-   private:
-    static std::string numberText(int32_t number) {
-        return {reinterpret_cast<const char*>(&number), sizeof number};
+// Pairs of texts as the C data interface has them: their number, then of each its length and its
+// bytes.  Numbers have 32 bits, in the order of the machine.
+std::string packed(const std::vector<MetadataPair>& pairs) {
+    std::string bytes = pairs.empty() ? std::string() : numberText(pairs.size());
+    for (const MetadataPair& pair : pairs) {
+        bytes += numberText(pair.name.size()) + pair.name;
+        bytes += numberText(pair.value.size()) + pair.value;
     }
-    void addText(const std::string& text) {
-        pairs_ += numberText(static_cast<int32_t>(text.size())) + text;
-    }
-
-    int32_t count_ = 0;
-    std::string pairs_;
-};
+    return bytes;
+}
 
 std::string formatOf(const DataType& type) {
     switch (type.kind) {
@@ -58,21 +45,6 @@ std::string formatOf(const DataType& type) {
         default:
             return "u";
     }
-}
-
-ArrowField fieldOf(const TableSchema& table, std::size_t c, const std::string& name) {
-    const Column column = table.table->columns[c];
-    const bool ordinal = column.type == ColumnType::ORDINAL;
-    const bool primary = table.key && c == *table.own;
-    const bool foreign = table.parent && table.parent->foreignKey && c == table.parent->column;
-    Metadata metadata;
-    metadata.add("path", withSlashes(column.path));
-    metadata.add("name", ordinal ? std::string() : std::string(lastPiece(column.path)));
-    metadata.add("column", name == column.name ? std::string() : column.name);
-    metadata.add("label", column.label);
-    metadata.add("key", primary ? "primary" : foreign ? "foreign" : "");
-    const bool always = ordinal && table.fields[c].filled == table.rows;
-    return {name, formatOf(table.fields[c].type), std::move(metadata).end(), !always};
 }
 
 // What an exported structure owns.
@@ -108,35 +80,16 @@ void fill(std::unique_ptr<OwnedSchema> owned, ArrowSchema* out) {
 
 }  // namespace
 
-std::vector<std::string> fieldNames(const Table& table) {
-    std::vector<std::string> names;
-    for (const Column& column : table.columns) {
-        names.push_back(column.name);
-    }
-    return fittedNames(names, {.mayBeEmpty = true}).names;
-}
-
 TableFields tableFields(const Schema& schema, std::size_t table,
                         const std::vector<std::size_t>& columns) {
     const TableSchema& of = schema.tables[table];
     const std::vector<std::string> names = fieldNames(*of.table);
     TableFields fields;
     for (const std::size_t c : columns) {
-        fields.fields.push_back(fieldOf(of, c, names[c]));
+        fields.fields.push_back({names[c], formatOf(of.fields[c].type),
+                                 packed(columnMetadata(of, c, names[c])), !alwaysFilled(of, c)});
     }
-    Metadata metadata;
-    metadata.add("version", QVEJMAP_VERSION);
-    metadata.add("table", of.table->name);
-    metadata.add("path", withSlashes(of.table->path()));
-    if (of.key) {
-        metadata.add("primary_key", names[*of.own]);
-    }
-    if (of.parent) {
-        metadata.add("parent", schema.tables[of.parent->table].table->name);
-        metadata.add("parent_column", names[of.parent->column]);
-        metadata.add("foreign_key", of.parent->foreignKey ? names[of.parent->column] : "");
-    }
-    fields.metadata = std::move(metadata).end();
+    fields.metadata = packed(tableMetadata(schema, table, names));
     return fields;
 }
 

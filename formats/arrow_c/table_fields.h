@@ -1,5 +1,5 @@
 // A table as Arrow describes it: names and types of columns, and as metadata what else is known of
-// them.  It is what Parquet files have; formats/arrow/arrow_table.h lists the metadata.
+// them.  It is what Parquet files have; formats/table_metadata.h lists the metadata.
 //
 // Tested by tests/bindings/python/test_arrow.py
 #pragma once
@@ -29,9 +29,6 @@ struct TableFields {
 //   columns  which of its columns, by their positions
 [[nodiscard]] TableFields tableFields(const Schema& schema, std::size_t table,
                                       const std::vector<std::size_t>& columns);
-
-// Names of the columns of a table as `tableFields` has them.
-[[nodiscard]] std::vector<std::string> fieldNames(const Table& table);
 
 // Gives `out` a structure with a child for each field.  Throws std::bad_alloc; `out` is untouched
 // then.

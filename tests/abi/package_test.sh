@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # A user of the Debian package: makes it from the build, installs it into an empty root, uses the tool,
-# the manual page, the completion and the libraries there, and removes it.  With JMAP_LONG=1 it is the
+# the manual page, the completion, the libraries and the extension of SQLite there, and removes it.  With JMAP_LONG=1 it is the
 # package of scripts/package.
 #   package_test.sh BUILD_DIRECTORY SOURCE_DIRECTORY
 set -euo pipefail
@@ -79,6 +79,12 @@ orders
   ordinal_root | ordinal_orders | id | paid
   1 | 1 | 1001 | 1
 ROWS
+
+extension=$(find "$root" -name qvejmap_sqlite.so)
+sqlite3 :memory: ".load '${extension%.so}'" \
+    "SELECT qvejmap_attach('$root/usr/share/qvejmap/examples/orders.json')" \
+    'SELECT sku FROM orders_items WHERE ordinal_orders = 2' >printed
+diff - printed <<<$'4\nchair'
 
 inRoot --purge qvejmap
 find "$root" -mindepth 1 -not -path "$root/var*" | diff /dev/null -

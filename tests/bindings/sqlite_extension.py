@@ -14,6 +14,7 @@ import sqlite3
 import subprocess
 import sys
 import tempfile
+import threading
 
 TOOL, EXTENSION, SOURCE = map(os.path.abspath, sys.argv[1:])
 REAL = ["github_events.json", "twitter.json", "instruments.json", "apache_builds.json"]
@@ -54,7 +55,7 @@ def write(name, text):
 
 
 def connect():
-    connection = sqlite3.connect(":memory:", isolation_level=None)
+    connection = sqlite3.connect(":memory:", isolation_level=None, check_same_thread=False)
     connection.enable_load_extension(True)
     connection.load_extension(EXTENSION)
     return connection
@@ -260,6 +261,46 @@ def walks():
     other.close()
 
 
+def ends():
+    """Work that gives no row ends by an interrupt, long before it has read the file."""
+    with open("end.json", "w", encoding="ascii") as file:
+        file.write('{"orders": [{"id": 0}')
+        for i in range(1, 400):
+            file.write("".join(f', {{"id": {i * 1000 + j}, "pad": "{"p" * 120}"}}' for j in range(1000)))
+        file.write('], "z": [{"y": 1}]}')
+    size = os.path.getsize("end.json")
+    read = connect()
+    read.execute("SELECT qvejmap_attach('end.json')")
+    for connection, sql in [
+        (connect(), "SELECT qvejmap_attach('end.json')"),
+        (connect(), "SELECT qvejmap_attach('end.json', 'threads=1', 'memory=1G')"),
+        (connect(), "CREATE VIRTUAL TABLE temp.z USING qvejmap(end.json, table=z, shape=auto)"),
+        (connect(), "SELECT * FROM qvejmap_tables('end.json')"),
+        (connect(), "SELECT * FROM qvejmap_all('end.json') WHERE key = 'y'"),
+        (read, "SELECT y FROM z"),
+        (read, "SELECT id FROM orders WHERE ordinal_orders = 399000"),
+        (read, "SELECT y FROM z WHERE ordinal_root = 1"),
+    ]:
+        begin = bytes_read()
+        over = threading.Event()
+
+        def interrupt():
+            while bytes_read() < begin + size / 8 and not over.wait(0.001):
+                pass
+            connection.interrupt()
+
+        thread = threading.Thread(target=interrupt)
+        thread.start()
+        found = message(connection, sql)
+        over.set()
+        thread.join()
+        part = (bytes_read() - begin) / size
+        expect(found == "interrupted" and part < 0.8, sql, found, "after", part, "of the file")
+        made = connection.execute("SELECT count(*) FROM temp.sqlite_schema").fetchone()[0]
+        expect(made == (2 if connection is read else 0), sql, "left", made, "tables")
+    expect(read.execute("SELECT y, (SELECT id FROM orders WHERE ordinal_orders = 9) FROM z").fetchall() == [(1, 1007)], "after interrupts")
+
+
 def all_values():
     connection = connect()
     connection.execute("SELECT qvejmap_attach('orders.json')")
@@ -278,6 +319,7 @@ def errors():
     connection = connect()
     write("bad.json", '[{"id": 1},\n {"id":,2}]')
     write("late.json", '{"rows": [' + '{"a": 1},' * 1000 + '\n{"a": 2]}')
+    write("wrong.txt", "drop /root/orders/when\nrow /root/orders\n")
     write("wide.json", json.dumps([{f"c{i}": i for i in range(3000)}]))
     connection.execute("SELECT qvejmap_attach('orders.json', 'prefix=there_')")
     table = "CREATE VIRTUAL TABLE temp.t USING qvejmap"
@@ -299,6 +341,8 @@ def errors():
         (table + "('orders.json', table=orders, encoding=klingon)", "klingon"),
         (table + "('orders.json', table=orders, map=none.json)", "none.json: No such file or directory"),
         (table + "('orders.json', table=orders, shape=none.txt)", "none.txt: No such file or directory"),
+        (table + "('orders.json', table=orders, shape=wrong.txt)", "wrong.txt:2:1: "),
+        (table + "('none.json', table=orders, shape=auto)", "none.json: No such file or directory"),
         (table + "('wide.json')", "columns, and SQLite takes 1 to 2,000"),
         (table, "a file was expected"),
         ("CREATE VIRTUAL TABLE main.t USING qvejmap('orders.json', table=orders)", "a database file keeps no tables of other files"),
@@ -400,7 +444,7 @@ def main():
         sys.exit(77)
     with tempfile.TemporaryDirectory() as folder:
         os.chdir(folder)
-        for part in (documents, user_map, lambda: queries(400), odd_ordinals, walks, all_values, errors, all_or_none, changes, shell):
+        for part in (documents, user_map, lambda: queries(400), odd_ordinals, walks, ends, all_values, errors, all_or_none, changes, shell):
             part()
         os.chdir("/")
     sys.exit(1 if failures else 0)

@@ -13,6 +13,7 @@
 #include <fstream>
 #include <functional>
 #include <string>
+#include <sys/stat.h>
 #include <thread>
 #include <vector>
 
@@ -88,6 +89,15 @@ TEST_F(OpenDocuments, AreReadInTheWayThatSuitsThem) {
     }
 }
 
+TEST_F(OpenDocuments, SayWhichInputComesOnce) {
+    const std::string pipe = folder_ / "pipe";
+    ASSERT_EQ(0, ::mkfifo(pipe.c_str(), 0600));
+    std::thread writer([&] { std::ofstream(pipe) << "{}"; });
+    const OpenDocument open({.inputs = {{file("a.json", R"({"a":1})"), pipe}, true}});
+    writer.join();
+    EXPECT_EQ("records, since " + pipe + " cannot be read again", open.plan());
+}
+
 TEST_F(OpenDocuments, TakeTheOptionsOfATool) {
     const OpenDocument lines({.memory = "{\"a\":1}\n{\"a\":2}\n", .text = {.lines = true}});
     EXPECT_EQ(2, lines.document().totals().values);
@@ -119,6 +129,10 @@ TEST_F(OpenDocuments, SayWhatIsWrongAndWhere) {
         {{.memory = broken, .threads = 1}, "<memory>", true},
         {{.memory = R"({"a":1)", .name = "text"}, "text", true},
         {{.memory = "{}", .shape = "row /root"}, "shape", true},
+        {{.memory = "{}", .shape = "row /root", .shapeName = "my.rules"}, "my.rules", true},
+        {{.inputs = {{path, "/dev/null"}, true}, .shape = "auto"}, "/dev/null", false},
+        {{.inputs = {{path + "x", "-"}, true}, .shape = "auto"}, "<stdin>", false},
+        {{.inputs = {{path + "x"}}, .shape = "auto"}, "b.jsonx", false},
         {{.pull = [] { return std::string_view(); }, .shape = "auto"}, "<memory>", false},
     };
     for (const Case& one : cases) {
@@ -128,6 +142,7 @@ TEST_F(OpenDocuments, SayWhatIsWrongAndWhere) {
         } catch (const qvej::Error& error) {
             EXPECT_NE(std::string::npos, error.file().find(one.file)) << error.file();
             EXPECT_EQ(one.placed, error.line() != 0) << error.what();
+            EXPECT_EQ(one.file == std::string("b.jsonx"), error.status() == QV_IO_OPEN);
         }
     }
 }

@@ -1,34 +1,22 @@
 // See failure.h.
 #include "tools/cli/failure.h"
 
+#include "client/failure_kind.h"
+
 namespace qvej::cli {
 
-std::string sentenceOf(const Error& error) {
-    std::string place = error.file();
-    if (error.line() != 0) {
-        place += ":" + std::to_string(error.line()) + ":" + std::to_string(error.column());
-    }
-    return (place.empty() ? place : place + ": ") + error.what();
-}
-
 ExitCode exitCodeOf(QVStatus status) {
-    const auto code = static_cast<uint32_t>(status);
-    const bool ofJson = code >= static_cast<uint32_t>(QV_JSON_VALUE) && code <= 0x85FFC9FFu;
-    switch (status) {
-        case QV_JSON_DEPTH:
-        case QV_LIMIT_PATHS:
-        case QV_LIMIT_DISK:
-        case QV_LIMIT_MEMORY:
-        case QV_NOMEM:
-            return LIMIT_REACHED;
-        case QV_BADPARMS:
-        case QV_UNMAPPABLE:  // an option that the document's encoding cannot hold
-            return WRONG_USAGE;
-        case JMAP_PARSE:
-        case JMAP_INCOMPLETE:
+    switch (kindOf(status)) {
+        case FailureKind::NOT_JSON:
             return NOT_JSON;
+        case FailureKind::FILES:
+            return FILE_TROUBLE;
+        case FailureKind::LIMIT:
+            return LIMIT_REACHED;
+        case FailureKind::USAGE:
+            return WRONG_USAGE;
         default:
-            return ofJson ? NOT_JSON : isOfFiles(status) ? FILE_TROUBLE : NO_TABLE;
+            return NO_TABLE;
     }
 }
 

@@ -70,6 +70,7 @@ def open(
         buffer = source
     elif not words:
         read, title = reader_of(source), name_of(source)  # type: ignore[arg-type]
+    rules, rules_name = shape_text(shape)
     map_bytes, map_name = map_text(map)
     map_file = b"" if isinstance(map, Mapping) else map_name
     return Document(
@@ -80,7 +81,8 @@ def open(
             name=title,
             encoding=encoding,
             lines=bool(lines),
-            shape=shape_text(shape),
+            shape=rules,
+            shape_name=rules_name,
             map=map_bytes,
             map_name=map_name,
             original_names=naming == "original",

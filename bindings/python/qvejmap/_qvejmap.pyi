@@ -59,6 +59,7 @@ def open(
     encoding: str,
     lines: bool,
     shape: str,
+    shape_name: bytes,
     map: bytes,
     map_name: bytes,
     original_names: bool,

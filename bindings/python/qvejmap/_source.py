@@ -66,14 +66,15 @@ def _read(path: Path) -> bytes:
         raise FileError(what, os.fspath(path), 0, 0, -1, 0, "") from error
 
 
-def shape_text(shape: Path | Iterable[str] | None) -> str:
+def shape_text(shape: Path | Iterable[str] | None) -> tuple[str, bytes]:
+    """The rules of a shape, or "auto", and what messages call them."""
     if shape is None:
-        return ""
+        return "", b""
     if shape == "auto":
-        return "auto"
+        return "auto", b""
     if isinstance(shape, (str, os.PathLike)):
-        return _read(shape).decode()
-    return "\n".join(shape) + "\n"
+        return _read(shape).decode(), os.fsencode(shape)
+    return "\n".join(shape) + "\n", b"shape"
 
 
 def map_text(map: Path | Mapping[str, Any] | None) -> tuple[bytes, bytes]:

@@ -62,6 +62,12 @@ class Errors(unittest.TestCase):
                     self.assertEqual(raised.exception.line, 0)
                     if file is not None:
                         self.assertEqual(raised.exception.file, file)
+            rules = os.path.join(folder, "my.shape")
+            with open(rules, "w") as out:
+                out.write("drop /root/a\nrow /root\n")
+            with self.assertRaises(qvejmap.Error) as raised:
+                qvejmap.open(b"{}", shape=rules)
+            self.assertEqual((raised.exception.file, raised.exception.line), (rules, 2))
 
     @unittest.skipUnless(TOOL, "there is no tool to compare with")
     def test_read_as_those_of_the_command_line(self):

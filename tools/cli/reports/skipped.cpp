@@ -2,6 +2,7 @@
 #include "tools/cli/reports/skipped.h"
 
 #include "client/escape.h"
+#include "client/messages.h"
 #include "client/text.h"
 #include "tools/cli/reports/remarks.h"
 #include "tools/cli/reports/tell.h"
