@@ -4,19 +4,10 @@
 #include "client/error.h"
 
 #include <new>
-#include <string>
 
 namespace qvej::sqlite {
 
 namespace {
-
-std::string sentenceOf(const Error& error) {
-    std::string place = error.file();
-    if (error.line() != 0) {
-        place += ":" + std::to_string(error.line()) + ":" + std::to_string(error.column());
-    }
-    return (place.empty() ? place : place + ": ") + error.what();
-}
 
 void setMessage(char** message, const char* sentence) {
     sqlite3_free(*message);

@@ -3,14 +3,6 @@
 
 namespace qvej::cli {
 
-std::string sentenceOf(const Error& error) {
-    std::string place = error.file();
-    if (error.line() != 0) {
-        place += ":" + std::to_string(error.line()) + ":" + std::to_string(error.column());
-    }
-    return (place.empty() ? place : place + ": ") + error.what();
-}
-
 ExitCode exitCodeOf(QVStatus status) {
     const auto code = static_cast<uint32_t>(status);
     const bool ofJson = code >= static_cast<uint32_t>(QV_JSON_VALUE) && code <= 0x85FFC9FFu;

@@ -43,9 +43,6 @@ class Failure : public std::runtime_error {
     std::string excerpt_;
 };
 
-// What is told of a failure: the file or place, when it is about one, and what is wrong with it.
-std::string sentenceOf(const Error& error);
-
 // The exit code that a status of the engine or its host leads to.
 ExitCode exitCodeOf(QVStatus status);
 
