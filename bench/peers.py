@@ -1,6 +1,8 @@
 """What others make of an orders document: the tables of it in one format, each in its own way.
 
     peers.py PEER FORMAT ORDERS.json OUT     (OUT is a directory that exists)
+                                             for memory each table stays there in Arrow's form,
+                                             and its number of rows is printed
     peers.py --list                          "PEER FORMAT" for all there is, with the versions
 
 The document is parsed once.  DuckDB and Polars have objects within an order as columns of the orders;
@@ -38,11 +40,19 @@ QUERIES = {
 }
 
 
+def show_rows(tables):
+    for name, table in tables.items():
+        print(name, table.num_rows)
+
+
 def duckdb_tables(form, document, out):
     import duckdb
 
     connection = duckdb.connect()
     connection.execute(LOAD.format(size=os.path.getsize(document) + 1), [document])
+    if form == "memory":
+        show_rows({name: connection.sql(query).to_arrow_table() for name, query in QUERIES.items()})
+        return
     how = {"csv": "header", "parquet": "format parquet, compression zstd"}[form]
     for name, query in QUERIES.items():
         connection.execute(f"copy ({query}) to '{out}/{name}.{form}' ({how})")
@@ -67,6 +77,9 @@ def polars_tables(form, document, out):
         TRACKING: loaded.select("id", pl.col("shipping").struct.field("tracking")).explode("tracking")
         .drop_nulls("tracking").unnest("tracking"),
     }
+    if form == "memory":
+        show_rows({name: table.to_arrow() for name, table in tables.items()})
+        return
     for name, table in tables.items():
         path = f"{out}/{name}.{form}"
         if form == "csv":
@@ -87,8 +100,8 @@ def flatterer_tables(form, document, out):
 
 
 PEERS = {
-    "duckdb": (duckdb_tables, ["csv", "parquet"]),
-    "polars": (polars_tables, ["csv", "parquet", "arrow", "sqlite"]),
+    "duckdb": (duckdb_tables, ["csv", "parquet", "memory"]),
+    "polars": (polars_tables, ["csv", "parquet", "arrow", "sqlite", "memory"]),
     "flatterer": (flatterer_tables, ["csv", "parquet", "sqlite", "xlsx"]),
 }
 

@@ -57,6 +57,9 @@ class Error : public std::runtime_error {
 // The failure of a system call on a file, from errno: `status` and, as the sentence, the system's.
 [[nodiscard]] Error fileError(QVStatus status, const std::string& file);
 
+// What is told of a failure: the file or place, when it is about one, and what is wrong with it.
+[[nodiscard]] std::string sentenceOf(const Error& error);
+
 // A mistake in a user's map, with its place in the map's text.
 class MapError : public Error {
    public:

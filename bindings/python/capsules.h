@@ -1,7 +1,7 @@
 // Structures of Arrow as capsules of Python, by the names that the PyCapsule interface gives them.
 // A capsule that nobody has taken its structure from releases it.
 //
-// Tested by tests/bindings/python/test_arrow.py
+// Tested by tests/bindings/python/test_capsules.py
 #pragma once
 
 #include "formats/arrow_c/batch_stream.h"

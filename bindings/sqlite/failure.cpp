@@ -5,7 +5,6 @@
 #include "client/messages.h"
 
 #include <new>
-#include <string>
 
 namespace qvej::sqlite {
 

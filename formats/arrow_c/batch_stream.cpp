@@ -1,6 +1,8 @@
 // See batch_stream.h.
 #include "formats/arrow_c/batch_stream.h"
 
+#include "client/error.h"
+
 #include <cerrno>
 #include <exception>
 #include <new>
@@ -30,6 +32,9 @@ int tried(OwnedStream& stream, const Work& work) {
     } catch (const std::bad_alloc&) {
         stream.error = "out of memory";  // short texts need no memory
         return ENOMEM;
+    } catch (const Error& error) {
+        stream.error = sentenceOf(error);
+        return EIO;
     } catch (const std::exception& error) {
         stream.error = error.what();
         return EIO;

@@ -1,6 +1,6 @@
 // Batches as a stream of the Arrow C stream interface.
 //
-// Tested by tests/bindings/python/test_arrow.py
+// Tested by tests/bindings/python/test_capsules.py
 #pragma once
 
 #include "formats/arrow_c/arrow_c.h"

@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import html
 import json
 import sys
 import warnings
@@ -10,7 +9,7 @@ from collections.abc import Iterable, Iterator, Mapping
 from types import TracebackType
 from typing import TYPE_CHECKING, NamedTuple
 
-from . import _qvejmap
+from . import _html, _qvejmap
 from ._errors import ValuesWarning
 from ._map import Map
 from ._tables import Table, arrow_tables, polars_frames
@@ -18,6 +17,8 @@ from ._tables import Table, arrow_tables, polars_frames
 if TYPE_CHECKING:
     import polars
     import pyarrow  # type: ignore[import-untyped,unused-ignore]
+
+_SHOWN_TABLES = 100
 
 
 class Lost(NamedTuple):
@@ -211,17 +212,20 @@ class Document:
         lines += [f"  {name}: {table.rows:,} rows" for name, table in self.tables.items()]
         return "\n".join(lines)
 
-    def _repr_html_(self) -> str:
-        rows = "".join(
-            f"<tr><td>{html.escape(name)}</td><td>{table.rows:,}</td>"
-            f"<td>{html.escape(', '.join(table._column_names()))}</td></tr>"
-            for name, table in self.tables.items()
-        )
-        return (
-            f"<table><caption>{html.escape(self.name)}</caption>"
-            "<thead><tr><th>table</th><th>rows</th><th>columns</th></tr></thead>"
-            f"<tbody>{rows}</tbody></table>"
-        )
+    def _repr_html_(self) -> str | None:
+        if self._closed:
+            return None
+        tables = list(self.tables.values())[:_SHOWN_TABLES]
+        heads = [
+            _html.Head("table"),
+            _html.Head("path"),
+            _html.Head("rows", number=True),
+            _html.Head("columns", number=True),
+            _html.Head("key"),
+            _html.Head("parent"),
+        ]
+        facts = _html.shown(len(tables), len(self.tables), "table")
+        return _html.table(self.name, facts, heads, map(_html_row, tables))
 
     @property
     def _closed(self) -> bool:
@@ -265,3 +269,9 @@ def _callers_level() -> int:
         frame = frame.f_back
         level += 1
     return level
+
+
+def _html_row(table: Table) -> list[str]:
+    parent = table.parent
+    by = "" if parent is None else f"{parent.table} by {parent.column}"
+    return [table.name, table.path, f"{table.rows:,}", f"{len(table.columns):,}", table.key or "", by]

@@ -2,12 +2,11 @@
 
 from __future__ import annotations
 
-import html
 import importlib
 from collections.abc import Iterable, Iterator, Sequence
 from typing import TYPE_CHECKING, Any, NamedTuple
 
-from . import _qvejmap
+from . import _html, _qvejmap
 from ._values import converter
 
 if TYPE_CHECKING:
@@ -70,6 +69,12 @@ class Batch:
 
     def __repr__(self) -> str:
         return f"<qvejmap.Batch: {self.rows:,} rows, {len(self._columns)} columns>"
+
+    def _repr_html_(self) -> str:
+        heads = [_html.head_of(column.name, column.type) for column in self._columns]
+        values = [self._values(i)[:_SHOWN_ROWS] for i in range(len(heads))]
+        rows = list(zip(*values))
+        return _html.table("Batch", _html.shown(len(rows), self.rows, "row"), heads, rows)
 
     def _values(self, column: int) -> list[Any]:
         values = self._batch.values(column)
@@ -169,21 +174,13 @@ class Table:
             return f"<qvejmap.Table {self.name!r}: closed>"
         return f"<qvejmap.Table {self.name!r}: {self.rows:,} rows, {len(self.columns)} columns>"
 
-    def _repr_html_(self) -> str:
-        columns = self.columns
-        head = "".join(
-            f"<th>{html.escape(c.name)}<br><small>{html.escape(c.type)}</small></th>" for c in columns
-        )
-        shown = next(self.batches(_SHOWN_ROWS), ())
-        body = "".join(
-            "<tr>" + "".join(f"<td>{_cell_html(value)}</td>" for value in row.values()) + "</tr>"
-            for row in shown
-        )
-        caption = f"{html.escape(self.name)}: {self.rows:,} rows"
-        return (
-            f"<table><caption>{caption}</caption><thead><tr>{head}</tr></thead>"
-            f"<tbody>{body}</tbody></table>"
-        )
+    def _repr_html_(self) -> str | None:
+        if self._document._closed:
+            return None
+        batch = next(self.batches(_SHOWN_ROWS), None)
+        heads = [_html.head_of(column.name, column.type) for column in self.columns]
+        rows = [] if batch is None else [row.values() for row in batch]
+        return _html.table(self.name, _html.shown(len(rows), self.rows, "row"), heads, rows)
 
     def _facts(self) -> _qvejmap.TableFacts:
         return self._document._schema()[self._position]
@@ -249,7 +246,3 @@ def consumer(name: str) -> Any:
         raise ImportError(
             f"{name} is needed for this and could not be imported: pip install {name}", name=name
         ) from error
-
-
-def _cell_html(value: Any) -> str:
-    return "" if value is None else html.escape(str(value))

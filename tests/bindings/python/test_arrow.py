@@ -194,6 +194,26 @@ class Consumers(unittest.TestCase):
         joined = duckdb.sql("select id, sku from items join orders using (ordinal_orders) order by ordinal_items")
         self.assertEqual(joined.fetchall(), [(1, "A"), (1, "B"), (2, None)])
 
+    def test_duckdb_reads_streams_as_often_as_it_likes(self):
+        for text, joined, sums in (
+            (ODD["nested"], [(1, "A"), (1, "B"), (2, None)], 1.5),
+            (large(), [(i, "x") for i in range(2)], sum(i + 0.25 for i in range(12000))),
+        ):
+            doc = qvejmap.open(text)
+            parent, items = doc.tables.values()
+            connection = duckdb.connect()
+            connection.register("registered", items)
+            column = parent.key
+            for name in ("items", "registered"):  # found as a variable, and by its name
+                for _ in range(2):
+                    self.assertEqual(connection.sql(f"select sum(p), count(*) from {name}").fetchall(),
+                                     [(sums, items.rows)])
+                    found = connection.sql(f"select id, sku from parent join {name} using ({column}) "
+                                           "where id < 3 order by ordinal_items").fetchall()
+                    self.assertEqual([row for row in found if text is ODD["nested"] or row[1]][: len(joined)], joined)
+                both = connection.sql(f"select count(*) from {name} a join {name} b using (ordinal_items)")
+                self.assertEqual(both.fetchall(), [(items.rows,)])
+
     def test_one_that_is_not_installed_is_named(self):
         import sys
         from unittest import mock

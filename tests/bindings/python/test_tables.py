@@ -1,6 +1,7 @@
 """What a person sees of tables."""
 
 import datetime
+import re
 import unittest
 from decimal import Decimal
 
@@ -49,10 +50,46 @@ class Tables(unittest.TestCase):
         self.assertIn("&lt;script&gt;", page)
         self.assertIn("&lt;b&gt;", page)
         self.assertNotIn("<script>", page)
-        self.assertNotIn("<b>", page)
-        many = qvejmap.open(b"[" + b",".join(b'{"a":%d}' % i for i in range(1000)) + b"]")["root"]
-        self.assertEqual(many._repr_html_().count("<tr>"), 11)
-        self.assertIn("1,000 rows", many._repr_html_())
+        self.assertNotIn("<b><", page)
+        doc.close()
+        self.assertEqual((doc._repr_html_(), doc[name]._repr_html_()), (None, None))
+
+    def test_show_some_of_what_is_much(self):
+        rows = [b'{"a":%d,"t":"%s","s":"%s"}' % (i, b"x" * 81, b"y" * 80) for i in range(1234)]
+        doc = qvejmap.open(b"[" + b",".join(rows) + b"]")
+        table = doc["root"]
+        for page, told in (
+            (table._repr_html_(), "10 of 1,234 rows<"),
+            (next(table.batches())._repr_html_(), "10 of 1,234 rows<"),
+            (next(table.batches(3))._repr_html_(), "3 rows<"),
+            (next(table.batches(1))._repr_html_(), "1 row<"),
+            (doc._repr_html_(), "1 table<"),
+        ):
+            self.assertIn(f">{told}", page)
+        self.assertEqual(told_rows(table._repr_html_())[1:3],
+                         [[">1", ">0", "<" + "x" * 79 + "…", "<" + "y" * 80],
+                          [">2", ">1", "<" + "x" * 79 + "…", "<" + "y" * 80]])
+        self.assertEqual(told_rows(table._repr_html_())[0],
+                         [">ordinal_rootBIGINT", ">aBIGINT", "<tTEXT", "<sTEXT"])
+        wide = qvejmap.open(b"[{%s}]" % b",".join(b'"c%d":1.5' % i for i in range(2000)))["root"]
+        self.assertIn(">1 row, 50 of 2,001 columns<", wide._repr_html_())
+        self.assertEqual(list(map(len, told_rows(wide._repr_html_()))), [50, 50])
+
+    def test_show_how_tables_belong_together(self):
+        doc = qvejmap.open(ODD["nested"])
+        self.assertEqual(told_rows(doc._repr_html_())[1:], [
+            ["<orders", "</root/orders", ">2", ">3", "<ordinal_orders", "<"],
+            ["<orders_items", "</root/orders/items", ">3", ">5", "<ordinal_items", "<orders by ordinal_orders"]])
+        self.assertEqual(told_rows(doc["orders_items"]._repr_html_())[-1], [">1", ">2", ">3", "<null", ">null"])
+
+
+def told_rows(page):
+    """The texts of the cells, each with the side it stands at."""
+    rows = []
+    for row in re.findall("<tr>(.*?)</tr>", page):
+        cells = re.findall('<t[dh] style="text-align:(left|right)">(.*?)</t[dh]>', row)
+        rows.append([{"left": "<", "right": ">"}[side] + re.sub("<.*?>", "", text) for side, text in cells])
+    return rows
 
 
 if __name__ == "__main__":
