@@ -1,7 +1,7 @@
 // What has been found of some rows, as bytes that can be stored, sent and added up.
 //
-// Numbers are LEB128; the last four bytes are the CRC-32 of all before, the lowest first.  A class whose objects go into bytes and come out of them names its members
-// once, for both ways:
+// Numbers are LEB128; the last four bytes are the CRC-32 of all before, the lowest first.  A class
+// whose objects go into bytes and come out of them names its members once, for both ways:
 //
 //     template <class Bytes> void pass(Bytes& bytes) { bytes(flags_); bytes(runs_); }
 //
