@@ -15,12 +15,4 @@ std::string spotText(const std::string& file, Spot spot, const std::vector<TextS
            std::to_string(spot.column);
 }
 
-std::string sentenceOf(const Error& error) {
-    std::string place = error.file();
-    if (error.line() != 0) {
-        place += ":" + std::to_string(error.line()) + ":" + std::to_string(error.column());
-    }
-    return (place.empty() ? place : place + ": ") + error.what();
-}
-
 }  // namespace qvej

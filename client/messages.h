@@ -4,7 +4,6 @@
 #pragma once
 
 #include "document.h"
-#include "error.h"
 
 #include <string>
 #include <vector>
@@ -18,8 +17,5 @@ namespace qvej {
 // place is in one of them.
 [[nodiscard]] std::string spotText(const std::string& file, Spot spot,
                                    const std::vector<TextSource>& texts = {});
-
-// What is told of a failure: the file or place, when it is about one, and what is wrong with it.
-[[nodiscard]] std::string sentenceOf(const Error& error);
 
 }  // namespace qvej

@@ -2,7 +2,6 @@
 #include "bindings/sqlite/failure.h"
 
 #include "client/error.h"
-#include "client/messages.h"
 
 #include <new>
 

@@ -4,7 +4,6 @@
 //
 // Tested by tests/tool/
 #include "client/error.h"
-#include "client/messages.h"
 #include "formats/cleanup.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/options/options.h"

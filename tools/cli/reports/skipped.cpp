@@ -2,7 +2,6 @@
 #include "tools/cli/reports/skipped.h"
 
 #include "client/escape.h"
-#include "client/messages.h"
 #include "client/text.h"
 #include "tools/cli/reports/remarks.h"
 #include "tools/cli/reports/tell.h"
