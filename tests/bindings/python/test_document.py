@@ -3,6 +3,8 @@
 import unittest
 import warnings
 
+import polars
+import pyarrow
 import qvejmap
 from documents import ODD, large
 
@@ -50,6 +52,9 @@ class Documents(unittest.TestCase):
                  for path in doc.account()}
         self.assertEqual(fates["/root/o/n"], (3, 2, 0, (1, 1)))
         self.assertEqual(fates["/root/o/u"], (1, 0, 1, (0, 0)))
+        for stream in (pyarrow.table, pyarrow.schema, polars.DataFrame):
+            with self.subTest(stream), self.assertWarnsRegex(qvejmap.ValuesWarning, "1 value is rejected"):
+                stream(qvejmap.open(MIXED, map=NUMERIC)["T"])
         # Counted in parts as well.
         rows = b",".join(b'{"id":%d,"n":"%s"}' % (i, b"x" * 400) for i in range(12000))
         map = {"DATASETS": [{"DSNAME": "T", "TABLEPATH": "/root", "VARIABLES": [
