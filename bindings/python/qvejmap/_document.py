@@ -68,17 +68,18 @@ class Rejected(NamedTuple):
 class _Tables(Mapping[str, Table]):
     """Tables by name, in the order of the document."""
 
-    def __init__(self, tables: dict[str, Table]) -> None:
-        self._tables = tables
+    def __init__(self, document: Document) -> None:
+        self._document = document
 
     def __getitem__(self, name: str) -> Table:
-        return self._tables[name]
+        position, path = self._document._places[name]
+        return Table(self._document, position, name, path)
 
     def __iter__(self) -> Iterator[str]:
-        return iter(self._tables)
+        return iter(self._document._places)
 
     def __len__(self) -> int:
-        return len(self._tables)
+        return len(self._document._places)
 
     def __repr__(self) -> str:
         return "{" + ", ".join(f"{name!r}: {table!r}" for name, table in self.items()) + "}"
@@ -102,13 +103,18 @@ class Document:
         tables = document.tables()
         self._names = [name for name, _, _ in tables]
         self._columns = [columns for _, _, columns in tables]
+        self._places = {name: (i, path) for i, (name, path, _) in enumerate(tables)}
         self.name = document.name
-        self.tables: Mapping[str, Table] = _Tables(
-            {name: Table(self, i, name, path) for i, (name, path, _) in enumerate(tables)}
-        )
 
     def __getitem__(self, name: str) -> Table:
         return self.tables[name]
+
+    @property
+    def tables(self) -> Mapping[str, Table]:
+        """The tables by name, in the order of the document."""
+        # Made when they are asked for: a document that held its tables, which hold it, would keep
+        # its memory until the garbage collector comes.
+        return _Tables(self)
 
     @property
     def map(self) -> Map:
