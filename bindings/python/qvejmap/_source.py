@@ -10,6 +10,7 @@ from typing import Any, Protocol, TypeGuard, Union
 from ._errors import FileError
 
 Path = Union[str, "os.PathLike[str]"]
+_NOT_OPENED = 0x80BFC803 - 2**32  # QV_IO_OPEN
 
 
 class Readable(Protocol):
@@ -80,7 +81,7 @@ def _read(path: Path) -> bytes:
             return file.read().removeprefix(b"\xef\xbb\xbf")
     except OSError as error:
         what = error.strerror or str(error)
-        raise FileError(what, os.fspath(path), 0, 0, -1, 0, "") from error
+        raise FileError(what, os.fspath(path), 0, 0, -1, _NOT_OPENED, "") from error
 
 
 def shape_text(shape: Path | Iterable[str] | None) -> str:
