@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import html
+import itertools
 import json
 import sys
 import warnings
@@ -101,9 +102,9 @@ class Document:
         self._facts: list[_qvejmap.TableFacts] | None = None
         self._alldata: Table | None = None
         tables = document.tables()
-        self._names = [name for name, _, _ in tables]
+        self._names = _distinct(name for name, _, _ in tables)
         self._columns = [columns for _, _, columns in tables]
-        self._places = {name: (i, path) for i, (name, path, _) in enumerate(tables)}
+        self._places = {name: (i, of[1]) for i, (name, of) in enumerate(zip(self._names, tables))}
         self.name = document.name
 
     def __getitem__(self, name: str) -> Table:
@@ -261,6 +262,15 @@ class Document:
         if isinstance(tables, str):
             raise TypeError("tables: a list of names, not one name")
         return {name: self.tables[name] for name in (self.tables if tables is None else tables)}
+
+
+def _distinct(names: Iterable[str]) -> list[str]:
+    """Tables of a user's map may share a name: the second one is then NAME~2, as its CSV file is."""
+    distinct: dict[str, None] = {}
+    for name in names:
+        numbered = (f"{name}~{number}" for number in itertools.count(2))
+        distinct[name if name not in distinct else next(n for n in numbered if n not in distinct)] = None
+    return list(distinct)
 
 
 def _callers_level() -> int:

@@ -31,6 +31,17 @@ class Documents(unittest.TestCase):
             doc.to_arrow("root")
         self.assertEqual(doc.to_arrow([]), {})
 
+    def test_tables_of_one_name_are_all_there(self):
+        tables = [{"DSNAME": name, "TABLEPATH": path, "VARIABLES": [
+            {"NAME": "x", "TYPE": "NUMERIC", "PATH": path + "/x"}, {"NAME": "o", "TYPE": "ORDINAL", "PATH": "/root/a"}]}
+            for name, path in (("T", "/root/a"), ("T", "/root/a/b"), ("T~2", "/root/a/c"))]
+        doc = qvejmap.open(b'{"a":[{"x":1,"b":[{"x":2}],"c":[{"x":"bad"}]}]}', map={"DATASETS": tables})
+        with self.assertWarns(qvejmap.ValuesWarning):
+            rows = {name: [row["x"] for row in table] for name, table in doc.tables.items()}
+        self.assertEqual(rows, {"T": [1], "T~2": [2], "T~2~2": [None]})
+        self.assertEqual({name: table["x"].to_pylist() for name, table in doc.to_arrow().items()}, rows)
+        self.assertEqual([of.table for of in doc.rejects], ["T~2~2"])
+
     def test_alldata_has_every_value(self):
         for text, values in ((ODD["nested"], 6), (large(), 12000 * 6)):
             doc = qvejmap.open(text)
