@@ -305,15 +305,26 @@ std::unique_ptr<RowResult> PartWalk::next() {
 }
 
 void PartWalk::run(const TakeRowResult& take) {
-    if (parts_.threads > 1) {
-        while (std::unique_ptr<RowResult> rows = next()) {
-            take(std::move(rows));
+    try {
+        if (parts_.threads > 1) {
+            while (std::unique_ptr<RowResult> rows = next()) {
+                take(std::move(rows));
+            }
+            return;
         }
-        return;
+        while (!walkAlone(take)) {
+            walkAsOne();
+        }
+    } catch (...) {
+        endWork();
+        throw;
     }
-    while (!walkAlone(take)) {
-        walkAsOne();
-    }
+}
+
+// The work is gone then, and no thread goes on: what `make` stands on may be gone after a throw.
+void PartWalk::endWork() {
+    line_.reset();
+    idle_.clear();
 }
 
 // False: the parts cannot be walked apart.

@@ -37,7 +37,8 @@ class PartWalk {
     // the work threw.
     [[nodiscard]] std::unique_ptr<RowResult> next();
 
-    // The same to the end, on no other thread when the document has but one for its parts.
+    // The same to the end, on no other thread when the document has but one for its parts.  When it
+    // throws, all work has ended.
     void run(const TakeRowResult& take);
 
     // Which text the rows of the last result are of.
@@ -82,6 +83,7 @@ class PartWalk {
     void start();
     [[nodiscard]] std::unique_ptr<Line::Worker> makeWalk(Line::Put put);
     void walkAsOne();
+    void endWork();
     bool walkAlone(const TakeRowResult& take);
     bool nextResult(Result& result);
     std::unique_ptr<RowResult> accept(Result result);

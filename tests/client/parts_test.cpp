@@ -471,6 +471,43 @@ TEST(Parts, ThrowWhatReadingThrows) {
     }
 }
 
+// Counts how many there are.
+class CountedWork final : public qvej::RowWork {
+   public:
+    explicit CountedWork(std::atomic<int>& count) : count_(count) { ++count_; }
+    ~CountedWork() override { --count_; }
+    void take(const PassItem& /*item*/) override {}
+    [[nodiscard]] bool full() const override { return true; }
+    [[nodiscard]] std::unique_ptr<qvej::RowResult> result() override {
+        return std::make_unique<qvej::RowResult>();
+    }
+
+   private:
+    std::atomic<int>& count_;
+};
+
+TEST(Parts, EndTheirWorkWhenATakerThrows) {
+    const Texts of = manyObjects(200);
+    for (const unsigned threads : {1U, 2U, 5U}) {
+        for (int last = 0; last < 40; last += 13) {
+            const InParts parts(of, {1, 100, threads});
+            TablePass pass(parts.document, tablesOf(parts.document));
+            ASSERT_TRUE(pass.works());
+            std::atomic<int> works = 0;
+            int left = last;
+            const auto make = [&] { return std::make_unique<CountedWork>(works); };
+            const auto take = [&](const std::unique_ptr<qvej::RowResult>& /*result*/) {
+                EXPECT_LT(0, works);
+                if (left-- == 0) {
+                    throw qvej::Error(QV_STOPPED);
+                }
+            };
+            EXPECT_THROW(pass.work(make, take), qvej::Error);
+            EXPECT_EQ(0, works) << threads << " threads, after " << last;
+        }
+    }
+}
+
 TEST(Parts, KeepTheLimitsOfTheDocument) {
     const Texts of = manyObjects(50);
     InParts parts(of, {1, 100, 3});

@@ -9,7 +9,7 @@ from typing import Any, Literal, NamedTuple, Union
 from . import _qvejmap
 from ._document import Document
 from ._open import open
-from ._source import Path, Source, words_of_source
+from ._source import Path, Source, file_name, name_of_map, words_of_source
 
 Format = Literal["csv", "tsv", "ndjson", "parquet", "arrow", "sqlite", "xlsx", "postgres"]
 _EXISTING = ("refuse", "replace", "append")
@@ -64,6 +64,9 @@ def convert(
     Warns:
         ValuesWarning: values were rejected, or are in no cell.
     """
+    for argument, given in (("tables", tables), ("paths", paths)):
+        if isinstance(given, str):
+            raise TypeError(f"{argument}: a list, not one text")
     opened = source if isinstance(source, Document) else None
     if opened is not None and options:
         raise TypeError(f"the document is open: {', '.join(options)} came too late")
@@ -71,20 +74,24 @@ def convert(
         raise ValueError("existing: 'refuse', 'replace' or 'append'")
     if packing not in (None, "gzip", "zstd"):
         raise ValueError("packing: 'gzip' or 'zstd'")
+    words = words_of_source(source) if opened is None else opened._words
     map = options.get("map")
+    map_file = name_of_map(map) if opened is None else opened._map_file
     target = _qvejmap.Target(
-        os.fsencode(out),
+        file_name(out),
         format,
         force,
         null,
         packing or "",
         _EXISTING.index(existing),
         database_schema,
-        words_of_source(source) if opened is None else opened._words,
-        os.fsencode(map) if isinstance(map, (str, os.PathLike)) else b"",
+        words,
+        map_file,
     )
     target.check()
-    document = open(source, **options) if opened is None else opened  # type: ignore[arg-type]
+    # Names may come but once, as those of a generator do.
+    named = [os.fsdecode(word) for word in words] or source
+    document = open(named, **options) if opened is None else opened  # type: ignore[arg-type]
     written, remarks, findings = _qvejmap.convert(
         document._open(),
         target,

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import itertools
 import json
 import sys
 import warnings
@@ -69,17 +70,18 @@ class Rejected(NamedTuple):
 class _Tables(Mapping[str, Table]):
     """Tables by name, in the order of the document."""
 
-    def __init__(self, tables: dict[str, Table]) -> None:
-        self._tables = tables
+    def __init__(self, document: Document) -> None:
+        self._document = document
 
     def __getitem__(self, name: str) -> Table:
-        return self._tables[name]
+        position, path = self._document._places[name]
+        return Table(self._document, position, name, path)
 
     def __iter__(self) -> Iterator[str]:
-        return iter(self._tables)
+        return iter(self._document._places)
 
     def __len__(self) -> int:
-        return len(self._tables)
+        return len(self._document._places)
 
     def __repr__(self) -> str:
         return "{" + ", ".join(f"{name!r}: {table!r}" for name, table in self.items()) + "}"
@@ -101,15 +103,20 @@ class Document:
         self._facts: list[_qvejmap.TableFacts] | None = None
         self._alldata: Table | None = None
         tables = document.tables()
-        self._names = [name for name, _, _ in tables]
+        self._names = _distinct(name for name, _, _ in tables)
         self._columns = [columns for _, _, columns in tables]
+        self._places = {name: (i, of[1]) for i, (name, of) in enumerate(zip(self._names, tables))}
         self.name = document.name
-        self.tables: Mapping[str, Table] = _Tables(
-            {name: Table(self, i, name, path) for i, (name, path, _) in enumerate(tables)}
-        )
 
     def __getitem__(self, name: str) -> Table:
         return self.tables[name]
+
+    @property
+    def tables(self) -> Mapping[str, Table]:
+        """The tables by name, in the order of the document."""
+        # Made when they are asked for: a document that held its tables, which hold it, would keep
+        # its memory until the garbage collector comes.
+        return _Tables(self)
 
     @property
     def map(self) -> Map:
@@ -259,6 +266,15 @@ class Document:
         if isinstance(tables, str):
             raise TypeError("tables: a list of names, not one name")
         return {name: self.tables[name] for name in (self.tables if tables is None else tables)}
+
+
+def _distinct(names: Iterable[str]) -> list[str]:
+    """Tables of a user's map may share a name: the second one is then NAME~2, as its CSV file is."""
+    distinct: dict[str, None] = {}
+    for name in names:
+        numbered = (f"{name}~{number}" for number in itertools.count(2))
+        distinct[name if name not in distinct else next(n for n in numbered if n not in distinct)] = None
+    return list(distinct)
 
 
 def _callers_level() -> int:

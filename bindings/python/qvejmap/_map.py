@@ -27,6 +27,10 @@ class Map(dict[str, Any]):
         self.remarks: list[str] = []
         self._document = document
 
+    def __getstate__(self) -> dict[str, Any]:
+        """A copy or a pickle is of no document."""
+        return {"remarks": self.remarks, "_document": None}
+
     def save(self, path: Path) -> None:
         """Writes it to a file, which `open(..., map=path)` reads, and the command line too."""
         with open(path, "w", encoding="utf-8") as file:

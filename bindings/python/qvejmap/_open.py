@@ -7,7 +7,17 @@ from typing import Any, Literal
 
 from . import _qvejmap
 from ._document import Document
-from ._source import Path, Source, map_text, name_of, reader_of, shape_text, words_of_source
+from ._source import (
+    Path,
+    Source,
+    has_buffer,
+    map_text,
+    name_of,
+    name_of_map,
+    reader_of,
+    shape_text,
+    words_of_source,
+)
 
 
 def open(
@@ -66,13 +76,12 @@ def open(
     words = words_of_source(source)
     buffer = read = None
     title = b"<memory>"
-    if isinstance(source, (bytes, bytearray, memoryview)):
+    if has_buffer(source):
         buffer = source
     elif not words:
         read, title = reader_of(source), name_of(source)  # type: ignore[arg-type]
     rules, rules_name = shape_text(shape)
     map_bytes, map_name = map_text(map)
-    map_file = b"" if isinstance(map, Mapping) else map_name
     return Document(
         _qvejmap.open(
             words,
@@ -94,5 +103,5 @@ def open(
             max_paths=max_paths,
         ),
         words,
-        map_file,
+        name_of_map(map),
     )

@@ -9,7 +9,7 @@ from typing import NamedTuple, Union
 
 from . import _qvejmap
 from ._map import Map
-from ._source import Path
+from ._source import Path, file_name
 
 _LINES = 1  # of the forms
 _WHOLE, _MIDDLE = 0, 2  # of the kinds
@@ -58,7 +58,7 @@ def parts(file: Path, size: int = 64 << 20, *, lines: bool = False, encoding: st
     if size < 1:
         raise ValueError("size: at least 1")
     name = os.fspath(file)
-    found = _qvejmap.ranges(os.fsencode(name), size, encoding, lines)
+    found = _qvejmap.ranges(file_name(name), size, encoding, lines)
     return [Part(name, *of) for of in found]
 
 
@@ -92,16 +92,16 @@ class PartialScan:
     ) -> None:
         if isinstance(source, Part):
             limits = (encoding, depth, max_paths)
-            file = os.fsencode(source.file)
+            file = file_name(source.file)
             self._bytes = _qvejmap.scan_range(file, source.form, source.pieces, *limits)
         else:
             self._bytes = _qvejmap.scan_text(source, lines, encoding, depth, max_paths)
 
     @classmethod
-    def from_bytes(cls, data: bytes) -> PartialScan:
+    def from_bytes(cls, data: bytes | bytearray | memoryview) -> PartialScan:
         """That of which `to_bytes` gave the bytes."""
         scan = cls.__new__(cls)
-        scan._bytes = _qvejmap.merge_scans([data])
+        scan._bytes = _qvejmap.merge_scans([bytes(memoryview(data))])
         return scan
 
     def to_bytes(self) -> bytes:

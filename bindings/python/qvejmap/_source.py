@@ -5,11 +5,12 @@ from __future__ import annotations
 import json
 import os
 from collections.abc import Callable, Iterable, Mapping
-from typing import Any, Protocol, Union
+from typing import Any, Protocol, TypeGuard, Union
 
 from ._errors import FileError
 
 Path = Union[str, "os.PathLike[str]"]
+_NOT_OPENED = 0x80BFC803 - 2**32  # QV_IO_OPEN
 
 
 class Readable(Protocol):
@@ -21,12 +22,20 @@ class Readable(Protocol):
 Source = Union[Path, Iterable[Path], bytes, bytearray, memoryview, Readable]
 
 
+def file_name(path: Path) -> bytes:
+    """As the system has it, which would end it at a NUL."""
+    name = os.fsencode(path)
+    if b"\0" in name:
+        raise ValueError("the name of a file has no NUL")
+    return name
+
+
 def words_of(source: Path | Iterable[Path]) -> list[bytes]:
     if isinstance(source, (str, os.PathLike)):
-        return [os.fsencode(source)]
+        return [file_name(source)]
     if not isinstance(source, Iterable):
         raise TypeError(f"source: a path, several, bytes or a file object, not {type(source).__name__}")
-    words = [os.fsencode(path) for path in source]
+    words = [file_name(path) for path in source]
     if not words:
         raise ValueError("no files")
     return words
@@ -34,9 +43,18 @@ def words_of(source: Path | Iterable[Path]) -> list[bytes]:
 
 def words_of_source(source: Any) -> list[bytes]:
     """The files, folders and patterns of a source; none when it is no name of a file."""
-    if isinstance(source, (bytes, bytearray, memoryview)) or callable(getattr(source, "read", None)):
+    if has_buffer(source) or callable(getattr(source, "read", None)):
         return []
     return words_of(source)
+
+
+def has_buffer(source: Any) -> TypeGuard[Union[bytes, bytearray, memoryview]]:
+    """Is it a text in memory: bytes, an array, a file that is mapped?"""
+    try:
+        memoryview(source).release()
+    except TypeError:
+        return False
+    return True
 
 
 def reader_of(source: Readable) -> Callable[[int], bytes]:
@@ -63,7 +81,7 @@ def _read(path: Path) -> bytes:
             return file.read().removeprefix(b"\xef\xbb\xbf")
     except OSError as error:
         what = error.strerror or str(error)
-        raise FileError(what, os.fspath(path), 0, 0, -1, 0, "") from error
+        raise FileError(what, os.fspath(path), 0, 0, -1, _NOT_OPENED, "") from error
 
 
 def shape_text(shape: Path | Iterable[str] | None) -> tuple[str, bytes]:
@@ -75,6 +93,11 @@ def shape_text(shape: Path | Iterable[str] | None) -> tuple[str, bytes]:
     if isinstance(shape, (str, os.PathLike)):
         return _read(shape).decode(), os.fsencode(shape)
     return "\n".join(shape) + "\n", b"shape"
+
+
+def name_of_map(map: Path | Mapping[str, Any] | None) -> bytes:
+    """Its file; empty: it is none."""
+    return b"" if map is None or isinstance(map, Mapping) else file_name(map)
 
 
 def map_text(map: Path | Mapping[str, Any] | None) -> tuple[bytes, bytes]:

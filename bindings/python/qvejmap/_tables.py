@@ -146,9 +146,11 @@ class Table:
         return self.rows
 
     def __arrow_c_schema__(self) -> object:
+        self._facts()  # tells what is not in the tables
         return self._document._open().arrow_schema(self._position, self._positions(None))
 
     def __arrow_c_stream__(self, requested_schema: object = None) -> object:
+        self._facts()
         return self._document._open().arrow_stream(self._position, self._positions(None), _ROWS)
 
     def to_arrow(self) -> pyarrow.Table:

@@ -85,9 +85,29 @@ class Conversions(unittest.TestCase):
                 qvejmap.convert(self.file, target, **arguments)
         with self.assertRaises(TypeError):
             qvejmap.convert(qvejmap.open(b"[{}]"), self.path("new"), lines=True)
+        for arguments in ({"tables": "root"}, {"paths": "/root"}):
+            with self.assertRaisesRegex(TypeError, "a list"):
+                qvejmap.convert(self.file, self.path("new"), **arguments)
         self.assertEqual(sorted(os.listdir(self.folder)), before)
         with open(os.path.join(out, "root.csv"), encoding="utf-8") as file:
             self.assertEqual(file.read(), "mine\n")
+
+    def test_take_names_that_come_once(self):
+        again = self.path("again")
+        one, other = ((name for name in [self.file]), (name for name in [self.file]))
+        self.assertEqual(qvejmap.convert(one, again).tables, [("root", 12000), ("items", 24000)])
+        self.assertEqual(list(qvejmap.open(other).tables), ["root", "items"])
+
+    def test_replace_no_file_that_they_are_made_from(self):
+        with open(self.path("d.parquet"), "wb") as file:
+            file.write(b'[{"a":1}]')
+        map = self.path("m.parquet")
+        qvejmap.open(self.path("d.parquet")).map.save(map)
+        doc = qvejmap.open(self.path("d.parquet"), map=map)
+        for source, arguments in ((self.path("d.parquet"), {"map": map}), (doc, {})):
+            for out in ("d.parquet", "m.parquet"):
+                with self.subTest(out, **arguments), self.assertRaisesRegex(qvejmap.FileError, "not replaced"):
+                    qvejmap.convert(source, self.path(out), force=True, **arguments)
 
     def test_warn_of_values_that_were_not_written(self):
         map = {"DATASETS": [{"DSNAME": "T", "TABLEPATH": "/root", "VARIABLES": [

@@ -3,6 +3,8 @@
 import unittest
 import warnings
 
+import polars
+import pyarrow
 import qvejmap
 from documents import ODD, large
 
@@ -29,6 +31,17 @@ class Documents(unittest.TestCase):
             doc.to_arrow("root")
         self.assertEqual(doc.to_arrow([]), {})
 
+    def test_tables_of_one_name_are_all_there(self):
+        tables = [{"DSNAME": name, "TABLEPATH": path, "VARIABLES": [
+            {"NAME": "x", "TYPE": "NUMERIC", "PATH": path + "/x"}, {"NAME": "o", "TYPE": "ORDINAL", "PATH": "/root/a"}]}
+            for name, path in (("T", "/root/a"), ("T", "/root/a/b"), ("T~2", "/root/a/c"))]
+        doc = qvejmap.open(b'{"a":[{"x":1,"b":[{"x":2}],"c":[{"x":"bad"}]}]}', map={"DATASETS": tables})
+        with self.assertWarns(qvejmap.ValuesWarning):
+            rows = {name: [row["x"] for row in table] for name, table in doc.tables.items()}
+        self.assertEqual(rows, {"T": [1], "T~2": [2], "T~2~2": [None]})
+        self.assertEqual({name: table["x"].to_pylist() for name, table in doc.to_arrow().items()}, rows)
+        self.assertEqual([of.table for of in doc.rejects], ["T~2~2"])
+
     def test_alldata_has_every_value(self):
         for text, values in ((ODD["nested"], 6), (large(), 12000 * 6)):
             doc = qvejmap.open(text)
@@ -50,6 +63,9 @@ class Documents(unittest.TestCase):
                  for path in doc.account()}
         self.assertEqual(fates["/root/o/n"], (3, 2, 0, (1, 1)))
         self.assertEqual(fates["/root/o/u"], (1, 0, 1, (0, 0)))
+        for stream in (pyarrow.table, pyarrow.schema, polars.DataFrame):
+            with self.subTest(stream), self.assertWarnsRegex(qvejmap.ValuesWarning, "1 value is rejected"):
+                stream(qvejmap.open(MIXED, map=NUMERIC)["T"])
         # Counted in parts as well.
         rows = b",".join(b'{"id":%d,"n":"%s"}' % (i, b"x" * 400) for i in range(12000))
         map = {"DATASETS": [{"DSNAME": "T", "TABLEPATH": "/root", "VARIABLES": [

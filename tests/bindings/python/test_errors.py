@@ -60,6 +60,7 @@ class Errors(unittest.TestCase):
                     with self.assertRaises(qvejmap.FileError) as raised:
                         qvejmap.open(**arguments)
                     self.assertEqual(raised.exception.line, 0)
+                    self.assertLess(raised.exception.status, 0)
                     if file is not None:
                         self.assertEqual(raised.exception.file, file)
             rules = os.path.join(folder, "my.shape")

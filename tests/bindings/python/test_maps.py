@@ -1,6 +1,8 @@
 """Maps as Python has them, and values that are looked for: as the command line tells."""
 
+import copy
 import os
+import pickle
 import subprocess
 import tempfile
 import unittest
@@ -40,6 +42,17 @@ class Maps(unittest.TestCase):
         subprocess.run([TOOL, "map", "merge", *self.maps, "-o", file], check=True, capture_output=True)
         self.assertEqual(merged.diff(file), [])
         self.assertEqual(first.explain("o.ID") + "\n", self.told("map", "explain", self.a, "o.id"))
+
+    def test_can_be_copied_and_pickled(self):
+        map = qvejmap.open(A).map
+        for copied in (copy.copy(map), copy.deepcopy(map), pickle.loads(pickle.dumps(map))):
+            self.assertEqual((type(copied), copied, copied.remarks), (qvejmap.Map, map, []))
+            with self.assertRaisesRegex(ValueError, "of no document"):
+                copied.explain("o.id")
+        copied = copy.deepcopy(map)
+        copied["DATASETS"][0]["DSNAME"] = "mine"
+        self.assertEqual(list(qvejmap.open(A, map=copied).tables), ["mine"])
+        self.assertEqual(map["DATASETS"][0]["DSNAME"], "o")
 
     def test_say_what_is_wrong(self):
         map = qvejmap.open(A).map

@@ -1,5 +1,7 @@
 """Where documents come from, and how they are read."""
 
+import array
+import gc
 import gzip
 import io
 import json
@@ -8,6 +10,7 @@ import pathlib
 import tempfile
 import threading
 import unittest
+import weakref
 
 import qvejmap
 from documents import ODD, large
@@ -35,6 +38,7 @@ class Sources(unittest.TestCase):
                 "compressed": lambda: packed,
                 "bytearray": lambda: bytearray(TEXT),
                 "memoryview": lambda: memoryview(b"xx" + TEXT)[2:],
+                "array": lambda: array.array("B", TEXT),
                 "compressed bytes": lambda: gzip.compress(TEXT),
                 "file": lambda: io.BytesIO(TEXT),
                 "text file": lambda: io.StringIO(TEXT.decode()),
@@ -46,6 +50,29 @@ class Sources(unittest.TestCase):
                 for source in ([path, pathlib.Path(packed)], os.path.join(folder, "o.*"), folder):
                     rows = rows_of(qvejmap.open(source))["orders"]
                     self.assertEqual([row["source"] for row in rows], [path, path, packed, packed])
+
+    def test_a_name_ends_at_no_nul(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "o.json")
+            pathlib.Path(path).write_bytes(TEXT)
+            for use in (qvejmap.open, lambda name: qvejmap.open([name]), qvejmap.parts,
+                        lambda name: qvejmap.PartialScan(qvejmap.Part.whole(name)),
+                        lambda name: qvejmap.convert(TEXT, name)):
+                with self.assertRaisesRegex(ValueError, "NUL"):
+                    use(path + "\0x")
+            self.assertEqual(os.listdir(folder), ["o.json"])
+
+    def test_the_last_use_gives_the_memory_back(self):
+        gc.disable()
+        self.addCleanup(gc.enable)
+        doc = qvejmap.open(TEXT)
+        table = doc.tables["orders"]
+        self.assertIn("orders", repr(doc) + repr(table) + str(table.columns))
+        gone = weakref.ref(doc)
+        del doc
+        self.assertEqual(table.rows, 2)
+        del table
+        self.assertIsNone(gone())
 
     def test_a_pipe_is_read_as_it_comes(self):
         reading, writing = os.pipe()
