@@ -165,6 +165,9 @@ PartWalk::PartWalk(const Document& document, std::vector<JMAPTableh> tables, Mak
       asOne_(parts_.asOne) {
     findOrdinals();
     columns_.assign(firstColumn_.back(), {});
+    Left nothing;
+    nothing.cell.kind = JMAP_CELL_MISSING;
+    left_.assign(firstColumn_.back(), nothing);  // of a range of blank lines it stays so
 }
 
 PartWalk::~PartWalk() {
