@@ -1,5 +1,5 @@
-// Ends a scan before the machine suffers: too many distinct paths, records that would fill the
-// disk, too little memory although the records are in a file.  Or when somebody wants it stopped.
+// Ends a scan before the machine suffers: there are too many distinct paths, the records would fill
+// the disk, or memory is short although the records are in a file.  The caller can end it, too.
 //
 // The engine asks with every block of records, 1 MiB, and every few thousand columns of the map or
 // of a pass.  A document of a few kilobytes can grow to any size: what counts is what it has

@@ -70,7 +70,7 @@ std::unique_lock<std::timed_mutex> SharedDocument::turn() const {
     return lock;
 }
 
-void SharedDocument::find() {
+void SharedDocument::findTypes() {
     const std::unique_lock lock = turn();
     if (schema_) {
         return;
@@ -87,7 +87,7 @@ void SharedDocument::find() {
 }
 
 const Schema& SharedDocument::schema() {
-    named(open(), [&] { find(); });
+    named(open(), [&] { findTypes(); });
     return *schema_;
 }
 

@@ -77,7 +77,7 @@ class SharedDocument {
 
    private:
     SharedDocument(std::shared_ptr<Opened> opened, bool alldata, bool carry);
-    void find();
+    void findTypes();
 
     const std::shared_ptr<Opened> opened_;
     std::vector<const Table*> tables_;
