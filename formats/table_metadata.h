@@ -9,9 +9,10 @@
 //     qvejmap.key     primary, or foreign
 // of a table:
 //     qvejmap.version, qvejmap.table, qvejmap.path
-//     qvejmap.primary_key  a column
-//     qvejmap.parent       the table that its rows belong to, qvejmap.parent_column the ordinal
-//     here qvejmap.foreign_key  the same ordinal, when every row has its row there
+//     qvejmap.primary_key    a column
+//     qvejmap.parent         the table that its rows belong to
+//     qvejmap.parent_column  the ordinal here that says so
+//     qvejmap.foreign_key    the same ordinal, when every row has its row there
 //
 // Tested by tests/formats/typed_files.py and tests/bindings/python/test_arrow.py
 #pragma once
