@@ -210,8 +210,8 @@ nb::list accountList(SharedDocument& document) {
 std::vector<HeldRows> rowsOf(SharedDocument& document, const Positions& tables) {
     std::vector<HeldRows> all;
     interruptible([&] {
-        const Schema& schema = document.schema();
         std::vector<BatchTables::Batches> batches = document.batches(tables);
+        const Schema& schema = document.schema();
         for (std::size_t i = 0; i < tables.size(); ++i) {
             Positions columns(schema.tables[tables[i]].fields.size());
             std::iota(columns.begin(), columns.end(), std::size_t{0});

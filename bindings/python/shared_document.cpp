@@ -2,6 +2,7 @@
 #include "bindings/python/shared_document.h"
 
 #include "bindings/python/interrupt.h"
+#include "formats/arrow_c/kept_tables.h"
 #include "formats/table_outputs.h"
 
 #include <algorithm>
@@ -76,8 +77,14 @@ void SharedDocument::findTypes() {
         return;
     }
     TablePass pass(document(), tables_, false, carry_);
-    Findings found;
-    Schema schema = schemaOf(document(), tables_, pass, threads_, {}, {}, &found.rejected);
+    uint64_t rejected = 0;
+    Schema schema = schemaOf(document(), tables_, pass, threads_, {}, {}, &rejected);
+    learn(std::move(schema), rejected, pass);
+}
+
+// What a pass over all tables has shown, which is at its end.
+void SharedDocument::learn(Schema schema, uint64_t rejected, const TablePass& pass) {
+    Findings found{.rejected = rejected};
     if (!alldata_) {
         found.inNoCell = lostOf(document(), pass, tables_);
         found.losses = rowLossesOf(pass, tables_);
@@ -97,24 +104,43 @@ const Findings& SharedDocument::findings() {
 }
 
 std::vector<BatchTables::Batches> SharedDocument::batches(const std::vector<std::size_t>& tables) {
+    const std::unique_lock lock = turn();
+    return named(open(), [&] { return schema_ ? typedRows(tables) : rowsAndTypes(tables); });
+}
+
+std::vector<BatchTables::Batches> SharedDocument::typedRows(
+    const std::vector<std::size_t>& tables) const {
     Schema some;
     std::vector<const Table*> of;
     for (const std::size_t table : tables) {
-        some.tables.push_back(schema().tables[table]);
+        some.tables.push_back(schema_->tables[table]);
         of.push_back(tables_[table]);
     }
-    const std::unique_lock lock = turn();
-    return named(open(), [&] {
-        TablePass pass(document(), of, false, carry_);
-        BatchTables destination;
-        destination.open(of, &some);
-        TableOutputs outputs(
-            document(), of, destination, kMostHeld, [](const Table&) { return RejectHandler(); },
-            nullptr);
-        outputs.takeAll(pass, threads_);
-        outputs.end();
-        return std::move(destination.batches());
-    });
+    TablePass pass(document(), of, false, carry_);
+    BatchTables destination;
+    destination.open(of, &some);
+    TableOutputs outputs(
+        document(), of, destination, kMostHeld, [](const Table&) { return RejectHandler(); },
+        nullptr);
+    outputs.takeAll(pass, threads_);
+    outputs.end();
+    return std::move(destination.batches());
+}
+
+std::vector<BatchTables::Batches> SharedDocument::rowsAndTypes(
+    const std::vector<std::size_t>& tables) {
+    TablePass pass(document(), tables_, false, carry_);
+    KeptTables kept(tables);
+    kept.open(tables_, nullptr);
+    SchemaBuilder facts(document(), tables_, {});
+    uint64_t rejected = 0;
+    TableOutputs outputs(
+        document(), tables_, kept, kMostHeld,
+        [&](const Table&) { return [&](const Row&, const Rejected&) { ++rejected; }; }, &facts);
+    outputs.takeAll(pass, threads_);
+    outputs.end();
+    learn(facts.end(), rejected, pass);
+    return kept.batches(*schema_, threads_, isStopped);
 }
 
 std::vector<PathAccount> SharedDocument::account() {

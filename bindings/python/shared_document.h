@@ -69,7 +69,7 @@ class SharedDocument {
         return std::unique_lock(opened_->walking);
     }
 
-    // All rows of some tables, by one walk.
+    // All rows of some tables, by one walk, which finds the types, too, when they are not known.
     [[nodiscard]] std::vector<BatchTables::Batches> batches(const std::vector<std::size_t>& tables);
 
     // What becomes of the values of each path.
@@ -78,6 +78,11 @@ class SharedDocument {
    private:
     SharedDocument(std::shared_ptr<Opened> opened, bool alldata, bool carry);
     void findTypes();
+    void learn(Schema schema, uint64_t rejected, const TablePass& pass);
+    [[nodiscard]] std::vector<BatchTables::Batches> typedRows(
+        const std::vector<std::size_t>& tables) const;
+    [[nodiscard]] std::vector<BatchTables::Batches> rowsAndTypes(
+        const std::vector<std::size_t>& tables);
 
     const std::shared_ptr<Opened> opened_;
     std::vector<const Table*> tables_;

@@ -2,9 +2,22 @@
 #include "formats/arrow_c/batch_maker.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 namespace qvej {
+
+namespace {
+
+std::vector<std::size_t> allColumns(const TableSchema& table) {
+    std::vector<std::size_t> columns(table.fields.size());
+    std::iota(columns.begin(), columns.end(), std::size_t{0});
+    return columns;
+}
+
+}  // namespace
+
+BatchMaker::BatchMaker(const TableSchema& table) : BatchMaker(table, allColumns(table)) {}
 
 BatchMaker::BatchMaker(const TableSchema& table, std::vector<std::size_t> columns)
     : columns_(std::move(columns)) {
@@ -13,11 +26,20 @@ BatchMaker::BatchMaker(const TableSchema& table, std::vector<std::size_t> column
     }
 }
 
-void BatchMaker::take(const PassRow& row) {
+template <class CellAt>
+void BatchMaker::takeCells(const CellAt& cellAt) {
     for (std::size_t i = 0; i < columns_.size(); ++i) {
-        builders_[i]->take(row.at(columns_[i]));
+        builders_[i]->take(cellAt(columns_[i]));
     }
     ++rows_;
+}
+
+void BatchMaker::take(const PassRow& row) {
+    takeCells([&](std::size_t column) { return row.at(column); });
+}
+
+void BatchMaker::take(std::span<const Cell> row) {
+    takeCells([&](std::size_t column) { return row[column]; });
 }
 
 bool BatchMaker::full() const {

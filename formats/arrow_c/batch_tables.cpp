@@ -3,7 +3,6 @@
 
 #include "formats/arrow_c/batch_maker.h"
 
-#include <numeric>
 #include <utility>
 
 namespace qvej {
@@ -15,17 +14,11 @@ struct BatchPiece final : Piece {
     std::shared_ptr<const RecordBatch> batch;
 };
 
-std::vector<std::size_t> allColumns(const TableSchema& table) {
-    std::vector<std::size_t> columns(table.fields.size());
-    std::iota(columns.begin(), columns.end(), std::size_t{0});
-    return columns;
-}
-
 class BatchSink final : public Sink {
    public:
     // `to`: gets the batches; null: they are handed out as pieces.
     BatchSink(const TableSchema& table, BatchTables::Batches* to)
-        : maker_(table, allColumns(table)), rowBytes_(table.fields.size() * kCellBytes), to_(to) {}
+        : maker_(table), rowBytes_(table.fields.size() * kCellBytes), to_(to) {}
 
     void row(const PassRow& row) override {
         maker_.take(row);

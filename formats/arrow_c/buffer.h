@@ -38,6 +38,13 @@ class Buffer {
         }
         size_ += count;
     }
+    // Where `count` bytes can be written that are appended by `use`, or fewer of them.
+    [[nodiscard]] std::byte* room(std::size_t count) {
+        makeRoom(count);
+        return bytes_.get() + size_;
+    }
+    void use(std::size_t count) { size_ += count; }
+
     template <class Value>
     void append(const Value& value) {
         append(&value, sizeof value);

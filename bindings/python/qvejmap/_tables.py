@@ -218,8 +218,9 @@ def _rows_of(tables: Sequence[Table]) -> list[_Rows]:
     if not tables:
         return []
     document = tables[0]._document
-    document._schema()
-    return [_Rows(rows) for rows in document._open().rows([table._position for table in tables])]
+    rows = document._open().rows([table._position for table in tables])
+    document._schema()  # that walk has found it; it warns of values that are missing
+    return [_Rows(of) for of in rows]
 
 
 def arrow_tables(tables: Sequence[Table]) -> list[pyarrow.Table]:
