@@ -33,23 +33,32 @@ class Bits {
     std::size_t count_ = 0;
 };
 
-// Which cells have a value.
+// Which cells have a value.  There are bits from the first null on: most columns have none.
 class Validity {
    public:
     // Returns whether this one has.
     bool take(const Cell& cell) {
         const bool has = hasValue(cell);
-        nulls_ += has ? 0 : 1;
-        valid_.append(has);
+        if (!has && nulls_++ == 0) {
+            for (std::size_t i = 0; i < cells_; ++i) {
+                valid_.append(true);
+            }
+        }
+        if (nulls_ != 0) {
+            valid_.append(has);
+        }
+        ++cells_;
         return has;
     }
     void finish(ColumnData& data) {
         data.valid = valid_.finish();
         data.nulls = std::exchange(nulls_, 0);
+        cells_ = 0;
     }
 
    private:
     Bits valid_;
+    std::size_t cells_ = 0;
     int64_t nulls_ = 0;
 };
 

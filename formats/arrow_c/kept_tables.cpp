@@ -8,6 +8,8 @@
 #include <atomic>
 #include <exception>
 #include <mutex>
+#include <optional>
+#include <span>
 #include <thread>
 #include <utility>
 
@@ -52,19 +54,43 @@ class NoSink final : public Sink {
     void end() override {}
 };
 
-// Does `count` pieces of work, by their numbers, on the calling thread and others.
-class SharedWork {
-   public:
-    SharedWork(std::size_t count, std::function<void(std::size_t)> work)
-        : count_(count), work_(std::move(work)) {}
+// Rows that become a batch.
+struct BatchToMake {
+    const TableSchema& table;
+    RowBytes& rows;
+    std::shared_ptr<const RecordBatch>& batch;
+};
 
-    // Throws what the work throws, and what `check` does on the calling thread.
+// Does them one after the other.
+class BatchWork {
+   public:
+    void make(const BatchToMake& wish) {
+        if (table_ != &wish.table) {  // else buffers are as large as they must be
+            table_ = &wish.table;
+            maker_.emplace(*table_);
+        }
+        const RowBytes rows = std::move(wish.rows);
+        rows.forEach([&](std::span<const Cell> row) { maker_->take(row); });
+        wish.batch = maker_->batch();
+    }
+
+   private:
+    const TableSchema* table_ = nullptr;
+    std::optional<BatchMaker> maker_;
+};
+
+// Does them on the calling thread and others.
+class BatchesToMake {
+   public:
+    explicit BatchesToMake(std::vector<BatchToMake> wishes) : all_(std::move(wishes)) {}
+
+    // Throws what `check` throws on the calling thread, and std::bad_alloc.
     void run(unsigned threads, const std::function<void()>& check) {
         std::vector<std::thread> others;
-        for (unsigned i = 1; i < threads && i < count_; ++i) {
-            others.push_back(startQuietly([this] { doSome({}); }));
+        for (unsigned i = 1; i < threads && i < all_.size(); ++i) {
+            others.push_back(startQuietly([this] { makeSome([] {}); }));
         }
-        doSome(check);
+        makeSome(check);
         for (std::thread& other : others) {
             if (other.joinable()) {
                 other.join();
@@ -76,33 +102,25 @@ class SharedWork {
     }
 
    private:
-    void doSome(const std::function<void()>& check) {
+    void makeSome(const std::function<void()>& check) {
         try {
-            for (std::size_t i = next_++; i < count_; i = next_++) {
-                if (check) {
-                    check();
-                }
-                work_(i);
+            BatchWork work;
+            for (std::size_t i = next_++; i < all_.size(); i = next_++) {
+                check();
+                work.make(all_[i]);
             }
         } catch (...) {
             const std::lock_guard lock(mutex_);
             failure_ = std::current_exception();
-            next_ = count_;
+            next_ = all_.size();
         }
     }
 
-    const std::size_t count_;
-    const std::function<void(std::size_t)> work_;
+    const std::vector<BatchToMake> all_;
     std::atomic<std::size_t> next_{0};
-    std::mutex mutex_;
+    std::mutex mutex_;  // for `failure_`
     std::exception_ptr failure_;
 };
-
-std::shared_ptr<const RecordBatch> batchOf(const TableSchema& table, RowBytes rows) {
-    BatchMaker maker(table);
-    rows.forEach([&](std::span<const Cell> row) { maker.take(row); });
-    return maker.batch();
-}
 
 }  // namespace
 
@@ -133,25 +151,16 @@ std::unique_ptr<Sink> KeptTables::pieceSink(std::size_t table) const {
 
 std::vector<BatchTables::Batches> KeptTables::batches(const Schema& schema, unsigned threads,
                                                       const std::function<bool()>& stopped) {
-    struct Source {
-        const TableSchema& table;
-        RowBytes& rows;
-        std::shared_ptr<const RecordBatch>& batch;
-    };
     std::vector<BatchTables::Batches> all(wanted_.size());
-    std::vector<Source> sources;
+    std::vector<BatchToMake> wishes;
     for (std::size_t i = 0; i < wanted_.size(); ++i) {
         std::vector<RowBytes>& rows = tables_[wanted_[i]].rows;
         all[i].resize(rows.size());
         for (std::size_t piece = 0; piece < rows.size(); ++piece) {
-            sources.push_back({schema.tables[wanted_[i]], rows[piece], all[i][piece]});
+            wishes.push_back({schema.tables[wanted_[i]], rows[piece], all[i][piece]});
         }
     }
-    SharedWork work(sources.size(), [&](std::size_t i) {
-        const Source& source = sources[i];
-        source.batch = batchOf(source.table, std::move(source.rows));
-    });
-    work.run(threads, [&] {
+    BatchesToMake(std::move(wishes)).run(threads, [&] {
         if (stopped()) {
             throw Error(QV_STOPPED);
         }
