@@ -65,7 +65,7 @@ class Target {
             files.push_back(stringOf(document));
         }
         files = files.empty() ? files : inputList(files).files;
-        target_.sources = sourcesOf(files, stringOf(map));
+        target_.sources = sourcesOf(files, stringOf(map), {});
         target_.run = {
             QVEJMAP_VERSION, files.empty() ? std::string() : files.front(), {"--format=" + name}};
     }

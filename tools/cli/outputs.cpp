@@ -75,12 +75,9 @@ void checkOutput(const Options& options) {
 }
 
 ConversionTarget targetOf(const Options& options) {
-    return {options.out,
-            options.format,
-            options.formatOptions,
-            options.force,
-            sourcesOf(options.inputs.files, options.map),
-            {QVEJMAP_VERSION, joined(options.operands), wordsOf(options)}};
+    return {options.out,           options.format,
+            options.formatOptions, options.force,
+            options.sources,       {QVEJMAP_VERSION, joined(options.operands), wordsOf(options)}};
 }
 
 }  // namespace qvej::cli

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <map>
 
 namespace qvej::cli {
@@ -156,6 +157,12 @@ std::vector<std::string> wordsOf(const ShapeOptions& options) {
 
 bool ShapeOptions::finds() const {
     return std::find(sources.begin(), sources.end(), kAuto) != sources.end();
+}
+
+std::vector<std::string> ShapeOptions::files() const {
+    std::vector<std::string> files;
+    std::remove_copy(sources.begin(), sources.end(), std::back_inserter(files), kAuto);
+    return files;
 }
 
 Shape shapeOf(const ShapeOptions& options, const std::function<Shape()>& find) {
