@@ -21,9 +21,7 @@ Sources sourcesOf(const std::vector<std::string>& documents, const std::string& 
     for (const std::string& document : documents) {
         sources.push_back({document, "the document itself"});
     }
-    if (!map.empty()) {
-        sources.push_back({map, "the map itself"});
-    }
+    sources.push_back({map, "the map itself"});
     for (const std::string& shape : shapes) {
         sources.push_back({shape, "the shape itself"});
     }

@@ -18,7 +18,7 @@ struct Source {
 };
 using Sources = std::vector<Source>;
 
-// The files of documents, the map in use, which may be empty, and those of shapes.
+// The files of documents, of the map in use and of shapes.  An empty name is no file.
 [[nodiscard]] Sources sourcesOf(const std::vector<std::string>& documents, const std::string& map,
                                 const std::vector<std::string>& shapes);
 

@@ -75,9 +75,12 @@ void checkOutput(const Options& options) {
 }
 
 ConversionTarget targetOf(const Options& options) {
-    return {options.out,           options.format,
-            options.formatOptions, options.force,
-            options.sources,       {QVEJMAP_VERSION, joined(options.operands), wordsOf(options)}};
+    return {options.out,
+            options.format,
+            options.formatOptions,
+            options.force,
+            options.sources,  // of --per-file, too, all of them
+            {QVEJMAP_VERSION, joined(options.operands), wordsOf(options)}};
 }
 
 }  // namespace qvej::cli
