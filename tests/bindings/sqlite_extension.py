@@ -133,12 +133,16 @@ def documents():
 
 def user_map():
     text = subprocess.run([TOOL, "map", "orders.json"], capture_output=True, check=True).stdout
-    write("map.json", text.replace(b'"orders_items"', b'"MINE"'))
+    mark = b"\xef\xbb\xbf"
+    write("map.json", mark + text.replace(b'"orders_items"', b'"MINE"'))
     _, connection = same_tables("orders.json", ["--map", "map.json"], ["map=map.json"])
     expect(connection.execute("SELECT count(*) FROM mine").fetchone()[0] > 0, "a table of the map")
-    write("map.json", "{\n wrong")
-    found = message(connection, "SELECT qvejmap_attach('orders.json', 'map=map.json', 'prefix=p_')")
-    expect(found.startswith("map.json:2:2: "), "a mistake in a map has its place:", found)
+    for text, place in [("{\n wrong", "map.json:2:2: "), ("", "map.json:1:")]:
+        write("map.json", text)
+        found = message(connection, "SELECT qvejmap_attach('orders.json', 'map=map.json', 'prefix=p_')")
+        expect(found.startswith(place), "a mistake in a map has its place:", found)
+    write("rules.txt", mark + b"drop /root/orders/when\n")
+    same_tables("orders.json", ["--shape", "rules.txt"], ["shape=rules.txt"])
 
 
 # ---- queries: random ones, with the same answer from a database ----
@@ -346,6 +350,8 @@ def errors():
         (table + "('orders.json', table=orders, map=none.json)", "none.json: No such file or directory"),
         (table + "('orders.json', table=orders, shape=none.txt)", "none.txt: No such file or directory"),
         (table + "('orders.json', table=orders, shape=wrong.txt)", "wrong.txt:2:1: "),
+        (table + "('orders.json', table=orders, map=-)", "tables are of files, not of standard input"),
+        (table + "('orders.json', table=orders, shape='-')", "tables are of files, not of standard input"),
         (table + "('none.json', table=orders, shape=auto)", "none.json: No such file or directory"),
         (table + "('wide.json')", "columns, and SQLite takes 1 to 2,000"),
         (table, "a file was expected"),

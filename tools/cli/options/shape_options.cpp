@@ -1,7 +1,7 @@
 // See shape_options.h.
 #include "tools/cli/options/shape_options.h"
 
-#include "client/input/byte_source.h"
+#include "client/input/text_file.h"
 #include "tools/cli/options/option_values.h"
 
 #include <CLI/App.hpp>
@@ -58,14 +58,6 @@ constexpr std::array<Threshold, 4> kThresholds = {{
 }};
 
 constexpr const char* kDropEmpty = "--drop-empty";
-
-std::string textOf(ByteSource source) {
-    std::string text;
-    for (std::string_view piece = source.next(); !piece.empty(); piece = source.next()) {
-        text += piece;
-    }
-    return text;
-}
 
 }  // namespace
 
@@ -171,7 +163,7 @@ Shape shapeOf(const ShapeOptions& options, const std::function<Shape()>& find) {
         if (source == kAuto) {
             shape.add(find());
         } else {
-            shape.addText(textOf(ByteSource::file(source)), source);
+            shape.addText(textOfFile(source), source);
         }
     }
     shape.add(options.rules);
