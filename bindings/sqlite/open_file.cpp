@@ -57,14 +57,15 @@ OpenOptions openOptions(const FileOptions& options, bool records) {
     return open;
 }
 
-// What differs when a file has changed.  One that cannot be looked at says so when it is opened.
+// What differs when a file has changed.  One that cannot be looked at says so when it is opened;
+// what comes once, as from a pipe, cannot be read anew.
 std::string stampOf(const FileOptions& options) {
     std::string stamp;
     std::vector<std::string> files = inputsOf(options.file).files;
     files.insert(files.end(), {options.map, options.shape});
     for (const std::string& file : files) {
         struct stat at = {};
-        if (stat(file.c_str(), &at) == 0) {
+        if (stat(file.c_str(), &at) == 0 && S_ISREG(at.st_mode)) {
             for (const auto number :
                  {int64_t{at.st_size}, int64_t{at.st_mtim.tv_sec}, int64_t{at.st_mtim.tv_nsec},
                   static_cast<int64_t>(at.st_ino), static_cast<int64_t>(at.st_dev)}) {

@@ -358,7 +358,7 @@ def errors():
         ("CREATE VIRTUAL TABLE main.t USING qvejmap('orders.json', table=orders)", "a database file keeps no tables of other files"),
         ("SELECT * FROM qvejmap", "no such table: qvejmap"),
         ("SELECT * FROM qvejmap_tables", "a file was expected"),
-        ("SELECT * FROM qvejmap_tables(NULL)", "a file was expected"),
+        ("SELECT * FROM qvejmap_all(NULL)", "a file was expected: qvejmap_all('orders.json')"),
         ("SELECT * FROM qvejmap_tables('orders.json', 'prefix=x')", 'no option is called "prefix"'),
         ("SELECT qvejmap_attach()", "a file was expected"),
         ("SELECT qvejmap_attach('orders.json', 'prefix=sqlite_')", "object name reserved for internal use: sqlite_orders"),
@@ -455,6 +455,25 @@ def changes():
     expect(connection.execute("SELECT qvejmap_attach('orders.json')").fetchone()[0] > 2, "loaded twice")
 
 
+def pipe():
+    """What comes once is read once, however often it is asked for."""
+    connection, over = connect(), threading.Event()
+    os.mkfifo("pipe")
+
+    def give():
+        write("pipe", '[{"a": 1}, {"a": 2}]')
+        while not over.wait(10):  # else whoever opens it again waits for ever
+            write("pipe", "no more")
+
+    writer = threading.Thread(target=give, daemon=True)
+    writer.start()
+    attached, found = message(connection, "SELECT qvejmap_attach('pipe')"), message(connection, "SELECT a FROM root")
+    over.set()
+    writer.join()
+    expect((attached, found) == ("no error", "no error"), "a pipe:", attached, found)
+    expect(connection.execute("SELECT a FROM root WHERE ordinal_root > 0").fetchall() == [(1,), (2,)], "a pipe again")
+
+
 def shell():
     if shutil.which("sqlite3") is None:
         print("no shell of SQLite")
@@ -470,7 +489,7 @@ def main():
         sys.exit(77)
     with tempfile.TemporaryDirectory() as folder:
         os.chdir(folder)
-        for part in (documents, user_map, lambda: queries(400), odd_ordinals, walks, ends, all_values, errors, all_or_none, changes, shell):
+        for part in (documents, user_map, lambda: queries(400), odd_ordinals, walks, ends, all_values, errors, all_or_none, changes, pipe, shell):
             part()
         os.chdir("/")
     sys.exit(1 if failures else 0)
