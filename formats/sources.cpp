@@ -15,13 +15,15 @@ bool isSameFile(const std::string& a, const std::string& b) {
            first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
-Sources sourcesOf(const std::vector<std::string>& documents, const std::string& map) {
+Sources sourcesOf(const std::vector<std::string>& documents, const std::string& map,
+                  const std::vector<std::string>& shapes) {
     Sources sources;
     for (const std::string& document : documents) {
         sources.push_back({document, "the document itself"});
     }
-    if (!map.empty()) {
-        sources.push_back({map, "the map itself"});
+    sources.push_back({map, "the map itself"});
+    for (const std::string& shape : shapes) {
+        sources.push_back({shape, "the shape itself"});
     }
     return sources;
 }

@@ -18,11 +18,9 @@ struct Source {
 };
 using Sources = std::vector<Source>;
 
-// The files of a document and the map in use; `map` may be empty.
-[[nodiscard]] Sources sourcesOf(const std::vector<std::string>& documents, const std::string& map);
-[[nodiscard]] inline Sources sourcesOf(const std::string& document, const std::string& map) {
-    return sourcesOf(std::vector<std::string>{document}, map);
-}
+// The files of documents, of the map in use and of shapes.  An empty name is no file.
+[[nodiscard]] Sources sourcesOf(const std::vector<std::string>& documents, const std::string& map,
+                                const std::vector<std::string>& shapes);
 
 // The source that the path leads to, whatever its name there; null: none.
 [[nodiscard]] const Source* sourceAt(const std::string& path, const Sources& sources);

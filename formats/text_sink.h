@@ -12,9 +12,9 @@
 
 namespace qvej {
 
-class TextPiece final : public Piece {
+class RowsText final : public Piece {
    public:
-    explicit TextPiece(Writer::Text text) : text_(std::move(text)) {}
+    explicit RowsText(Writer::Text text) : text_(std::move(text)) {}
     [[nodiscard]] std::string_view text() const { return {text_.bytes.get(), text_.size}; }
 
    private:
@@ -27,10 +27,10 @@ class TextSink : public Sink {
     [[nodiscard]] std::size_t held() const override { return out_.held(); }
     void flush() override { out_.release(); }
     [[nodiscard]] std::unique_ptr<Piece> piece() final {
-        return std::make_unique<TextPiece>(out_.take());
+        return std::make_unique<RowsText>(out_.take());
     }
     void append(std::unique_ptr<Piece> piece) final {
-        out_.append(static_cast<const TextPiece&>(*piece).text());
+        out_.append(static_cast<const RowsText&>(*piece).text());
     }
     bool rest() override {
         out_.release();

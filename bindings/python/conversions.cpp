@@ -32,9 +32,11 @@ class Target {
    public:
     //   existing  a value of FormatOptions::existing
     //   packing   "", "gzip" or "zstd"
+    //   stream    the file of a file object; empty: there is none, as for `map` and `shape`
     Target(const nb::bytes& out, const std::optional<std::string>& format, bool force,
            const std::optional<std::string>& null, const std::string& packing, int existing,
-           const std::string& databaseSchema, const Texts& documents, const nb::bytes& map)
+           const std::string& databaseSchema, const Texts& documents, const nb::bytes& stream,
+           const nb::bytes& map, const nb::bytes& shape)
         : target_{.out = stringOf(out), .format = nullptr, .force = force} {
         const std::string name = format ? *format : std::string(formatOf(target_.out));
         target_.format = findFormat(name);
@@ -65,9 +67,10 @@ class Target {
             files.push_back(stringOf(document));
         }
         files = files.empty() ? files : inputList(files).files;
-        target_.sources = sourcesOf(files, stringOf(map));
         target_.run = {
             QVEJMAP_VERSION, files.empty() ? std::string() : files.front(), {"--format=" + name}};
+        files.push_back(stringOf(stream));
+        target_.sources = sourcesOf(files, stringOf(map), {stringOf(shape)});
     }
 
     // Looks at the place; without the interpreter's lock.
@@ -158,11 +161,12 @@ nb::tuple convert(const std::shared_ptr<SharedDocument>& document, const Target&
 
 void registerConversions(nb::module_& module) {
     nb::class_<Target>(module, "Target")
-        .def(nb::init<const nb::bytes&, const std::optional<std::string>&, bool,
-                      const std::optional<std::string>&, const std::string&, int,
-                      const std::string&, const Texts&, const nb::bytes&>(),
-             "out"_a, "format"_a.none(), "force"_a, "null"_a.none(), "packing"_a, "existing"_a,
-             "database_schema"_a, "documents"_a, "map"_a)
+        .def(
+            nb::init<const nb::bytes&, const std::optional<std::string>&, bool,
+                     const std::optional<std::string>&, const std::string&, int, const std::string&,
+                     const Texts&, const nb::bytes&, const nb::bytes&, const nb::bytes&>(),
+            "out"_a, "format"_a.none(), "force"_a, "null"_a.none(), "packing"_a, "existing"_a,
+            "database_schema"_a, "documents"_a, "stream"_a, "map"_a, "shape"_a)
         .def("check", [](const Target& target) { interruptible([&] { target.check(); }); });
     module.def("convert", &convert, "document"_a, "target"_a, "names"_a, "paths"_a, "alldata"_a,
                "dates"_a);

@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace qvej::sqlite {
@@ -52,20 +53,38 @@ void checkFree(sqlite3* database, const std::vector<std::string>& names) {
     }
 }
 
-// Makes all tables, or none.
-void makeAll(sqlite3* database, const std::vector<std::string>& statements,
-             const std::vector<std::string>& names) {
+constexpr std::string_view kCreate = "CREATE VIRTUAL TABLE ";
+
+// Makes all tables, or none.  Those that cannot be taken back are left for `dropLeft`.
+//   definitions  of each what follows its name
+void makeAll(sqlite3* database, const std::vector<std::string>& names,
+             const std::vector<std::string>& definitions, std::vector<TableLeft>& left) {
     std::size_t made = 0;
     try {
-        for (; made < statements.size(); ++made) {
-            run(database, statements[made]);
+        for (; made < names.size(); ++made) {
+            run(database,
+                std::string(kCreate) + "temp." + quotedName(names[made]) + definitions[made]);
         }
     } catch (...) {
         while (made-- != 0) {
-            const std::string drop = "DROP TABLE temp." + quotedName(names[made]);
-            (void)sqlite3_exec(database, drop.c_str(), nullptr, nullptr, nullptr);
+            const std::string name = quotedName(names[made]);
+            const std::string drop = "DROP TABLE temp." + name;
+            if (sqlite3_exec(database, drop.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
+                left.push_back({name, std::string(kCreate) + name + definitions[made]});
+            }
         }
         throw;
+    }
+}
+
+// Drops what an earlier call left and nobody has dropped or replaced since.
+void dropLeft(sqlite3* database, std::vector<TableLeft>& left) {
+    for (; !left.empty(); left.pop_back()) {
+        if (!run(database,
+                 "SELECT 1 FROM temp.sqlite_master WHERE sql = " + quotedText(left.back().sql))
+                 .empty()) {
+            run(database, "DROP TABLE temp." + left.back().name);
+        }
     }
 }
 
@@ -74,7 +93,7 @@ std::string textOf(sqlite3_value* value) {
     return text == nullptr ? "" : text;
 }
 
-int attachAll(sqlite3* database, OpenFiles& files, int argc, sqlite3_value** argv) {
+int attachAll(sqlite3* database, Attaching& attaching, int argc, sqlite3_value** argv) {
     FileOptions options{argc == 0 ? "" : textOf(argv[0])};
     if (options.file.empty()) {
         throw Error(QV_BADPARMS, "a file was expected: qvejmap_attach('orders.json')");
@@ -92,18 +111,18 @@ int attachAll(sqlite3* database, OpenFiles& files, int argc, sqlite3_value** arg
             throwUnknown(setting.name, ", prefix");
         }
     }
-    const std::shared_ptr<const OpenFile> file = files.open(options);
+    const std::shared_ptr<const OpenFile> file = attaching.files->open(options);
     std::vector<std::string> names;
-    std::vector<std::string> statements;
+    std::vector<std::string> definitions;
     for (std::size_t t = 0; t < file->names().size(); ++t) {
         (void)file->shapeOf(t);  // throws when SQLite has no such tables
         names.push_back(prefix + file->names()[t]);
-        statements.push_back("CREATE VIRTUAL TABLE temp." + quotedName(names[t]) +
-                             " USING qvejmap(" + arguments + ", " +
-                             quotedText("table=" + quotedText(file->names()[t])) + ")");
+        definitions.push_back(" USING qvejmap(" + arguments + ", " +
+                              quotedText("table=" + quotedText(file->names()[t])) + ")");
     }
+    dropLeft(database, attaching.left);
     checkFree(database, names);
-    makeAll(database, statements, names);
+    makeAll(database, names, definitions, attaching.left);
     return static_cast<int>(names.size());
 }
 
@@ -114,8 +133,8 @@ void attach(sqlite3_context* result, int argc, sqlite3_value** argv) noexcept {
     const int code = guarded(&message, [&] {
         sqlite3* const connection = sqlite3_context_db_handle(result);
         const Interruptible work(connection);
-        OpenFiles& files = **static_cast<SharedFiles*>(sqlite3_user_data(result));
-        sqlite3_result_int(result, attachAll(connection, files, argc, argv));
+        Attaching& attaching = *static_cast<Attaching*>(sqlite3_user_data(result));
+        sqlite3_result_int(result, attachAll(connection, attaching, argc, argv));
         return SQLITE_OK;
     });
     if (code == SQLITE_NOMEM || code == SQLITE_INTERRUPT) {

@@ -5,10 +5,25 @@
 #pragma once
 
 #include "bindings/sqlite/api.h"
+#include "bindings/sqlite/open_file.h"
+
+#include <string>
+#include <vector>
 
 namespace qvej::sqlite {
 
-// The function; its user data: SharedFiles.
+// A table that could not be taken back, since SQLite begins no statement once it is interrupted.
+struct TableLeft {
+    std::string name;
+    std::string sql;  // as SQLite keeps it
+};
+
+// The user data of the function.
+struct Attaching {
+    SharedFiles files;
+    std::vector<TableLeft> left = {};  // dropped by the next call
+};
+
 void attach(sqlite3_context* result, int argc, sqlite3_value** argv) noexcept;
 
 }  // namespace qvej::sqlite

@@ -40,6 +40,7 @@ class Listing {
 // name, path, rows, columns, key, parent
 class TableListing final : public Listing {
    public:
+    static constexpr char kFunction[] = "qvejmap_tables";
     static constexpr int kVisible = 6;
     static constexpr bool kRecords = false;
     static constexpr char kDeclaration[] =
@@ -76,6 +77,7 @@ class TableListing final : public Listing {
 // table, position, name, type, path, label
 class ColumnListing final : public Listing {
    public:
+    static constexpr char kFunction[] = "qvejmap_columns";
     static constexpr int kVisible = 6;
     static constexpr bool kRecords = false;
     static constexpr char kDeclaration[] =
@@ -132,6 +134,7 @@ class ColumnListing final : public Listing {
 // is in, from the root on, as the ordinal columns of tables have them.
 class ValueListing final : public Listing {
    public:
+    static constexpr char kFunction[] = "qvejmap_all";
     static constexpr int kVisible = 5;
     static constexpr bool kRecords = true;
     static constexpr char kDeclaration[] =
@@ -278,10 +281,10 @@ int close(sqlite3_vtab_cursor* cursor) noexcept {
     return SQLITE_OK;
 }
 
-FileOptions optionsOf(const ListingCursor& cursor) {
+FileOptions optionsOf(const ListingCursor& cursor, const std::string& function) {
     FileOptions options{cursor.arguments[0].value_or("")};
     if (options.file.empty()) {
-        throw Error(QV_BADPARMS, "a file was expected: qvejmap_tables('orders.json')");
+        throw Error(QV_BADPARMS, "a file was expected: " + function + "('orders.json')");
     }
     for (std::size_t i = 1; i < cursor.arguments.size(); ++i) {
         if (cursor.arguments[i]) {
@@ -320,7 +323,7 @@ int filter(sqlite3_vtab_cursor* vtabCursor, int plan, const char*, int,
         ListingTable& table = tableOf(vtabCursor->pVtab);
         const Interruptible work(table.connection);
         cursor.listing.reset();
-        cursor.file = table.files->open(optionsOf(cursor), Rows::kRecords);
+        cursor.file = table.files->open(optionsOf(cursor, Rows::kFunction), Rows::kRecords);
         cursor.listing = std::make_unique<Rows>(*cursor.file);
         cursor.row = 0;
         return SQLITE_OK;

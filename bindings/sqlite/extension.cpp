@@ -42,9 +42,9 @@ int registerAll(sqlite3* database) {
             return code;
         }
     }
-    return sqlite3_create_function_v2(database, "qvejmap_attach", -1,
-                                      SQLITE_UTF8 | SQLITE_DIRECTONLY, new SharedFiles(files),
-                                      attach, nullptr, nullptr, end);
+    return sqlite3_create_function_v2(
+        database, "qvejmap_attach", -1, SQLITE_UTF8 | SQLITE_DIRECTONLY, new Attaching{files},
+        attach, nullptr, nullptr, [](void* of) { delete static_cast<Attaching*>(of); });
 }
 
 }  // namespace

@@ -3,13 +3,12 @@
 
 #include "bindings/sqlite/interrupt.h"
 #include "client/error.h"
+#include "client/input/text_file.h"
 #include "client/table_pass.h"
 #include "client/text.h"
 #include "formats/sqlite/sqlite_types.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <sys/stat.h>
 #include <utility>
 
@@ -19,30 +18,37 @@ namespace {
 
 constexpr uint64_t kHeldByColumn = 1024;  // bytes, nearly
 
-std::string contentOf(const std::string& file) {
-    std::ifstream in(file, std::ios::binary);
-    std::string content(std::istreambuf_iterator<char>(in), {});
-    if (!in) {
-        throw fileError(QV_IO_OPEN, file);
-    }
-    return content;
-}
-
-InputList inputsOf(const std::string& file) {
+void refuseStandardInput(const std::string& file) {
     if (file == "-") {
         throw Error(QV_BADPARMS, "tables are of files, not of standard input");
     }
+}
+
+InputList inputsOf(const std::string& file) {
+    refuseStandardInput(file);
     return inputList({file});
+}
+
+std::string shapeOf(const FileOptions& options) {
+    refuseStandardInput(options.shape);
+    return options.shape.empty() || options.shape == "auto" ? options.shape
+                                                            : textOfFile(options.shape);
+}
+
+// An empty file is a map that ends too soon, and no missing one.
+std::string mapOf(const FileOptions& options) {
+    refuseStandardInput(options.map);
+    std::string text = options.map.empty() ? std::string() : textOfFile(options.map);
+    return text.empty() && !options.map.empty() ? " " : text;
 }
 
 OpenOptions openOptions(const FileOptions& options, bool records) {
     OpenOptions open;
     open.inputs = inputsOf(options.file);
     open.text = options.text;
-    open.shape =
-        options.shape.empty() || options.shape == "auto" ? options.shape : contentOf(options.shape);
+    open.shape = shapeOf(options);
     open.shapeName = options.shape;
-    open.map = options.map.empty() ? std::string() : contentOf(options.map);
+    open.map = mapOf(options);
     open.naming = options.naming;
     open.memoryBudget = options.memory;
     open.threads = options.threads;
@@ -51,14 +57,15 @@ OpenOptions openOptions(const FileOptions& options, bool records) {
     return open;
 }
 
-// What differs when a file has changed.  One that cannot be looked at says so when it is opened.
+// What differs when a file has changed.  One that cannot be looked at says so when it is opened;
+// what comes once, as from a pipe, cannot be read anew.
 std::string stampOf(const FileOptions& options) {
     std::string stamp;
     std::vector<std::string> files = inputsOf(options.file).files;
     files.insert(files.end(), {options.map, options.shape});
     for (const std::string& file : files) {
         struct stat at = {};
-        if (stat(file.c_str(), &at) == 0) {
+        if (stat(file.c_str(), &at) == 0 && S_ISREG(at.st_mode)) {
             for (const auto number :
                  {int64_t{at.st_size}, int64_t{at.st_mtim.tv_sec}, int64_t{at.st_mtim.tv_nsec},
                   static_cast<int64_t>(at.st_ino), static_cast<int64_t>(at.st_dev)}) {

@@ -102,7 +102,7 @@ Shape OpenDocument::shape() {
     finding.maxDepth = options_.depth;
     return shapeOfTexts(
                engine_, inputs_.files.size(), [&](std::size_t i) { return open(inputs_.files[i]); },
-               options_.text, finding)
+               options_.text, finding, options_.stopped)
         .shape();
 }
 

@@ -5,12 +5,32 @@
 #include "client/shape/shape_finder.h"
 
 #include <optional>
+#include <string_view>
 
 namespace qvej {
 
+namespace {
+
+constexpr std::size_t kBytesBetweenLooks = std::size_t{64} << 10;  // some milliseconds
+
+bool feed(ShapeFinder& finder, std::string_view piece, const std::function<bool()>& stopped) {
+    bool goesOn = true;
+    while (goesOn && !piece.empty()) {
+        if (stopped && stopped()) {
+            throw Error(QV_STOPPED);
+        }
+        const std::string_view part = piece.substr(0, kBytesBetweenLooks);
+        piece.remove_prefix(part.size());
+        goesOn = finder.feed(part);
+    }
+    return goesOn;
+}
+
+}  // namespace
+
 FoundShape shapeOfTexts(const Engine& engine, std::size_t count,
                         const std::function<ByteSource(std::size_t)>& open, const TextOptions& text,
-                        const FinderOptions& options) {
+                        const FinderOptions& options, const std::function<bool()>& stopped) {
     std::optional<ShapeFinder> finder;
     for (std::size_t i = 0; i < count; ++i) {
         DocumentReader reader(open(i), text);
@@ -20,9 +40,9 @@ FoundShape shapeOfTexts(const Engine& engine, std::size_t count,
             finder.emplace(engine.host(), reader.form(), options);
         }
         try {
-            reader.pass([&](std::string_view piece) { return finder->feed(piece); });
+            reader.pass([&](std::string_view piece) { return feed(*finder, piece, stopped); });
         } catch (const Error& error) {
-            if (isOfFiles(error.status())) {
+            if (isOfFiles(error.status()) || error.status() == QV_STOPPED) {
                 throw;
             }
         }

@@ -79,7 +79,7 @@ ConversionTarget targetOf(const Options& options) {
             options.format,
             options.formatOptions,
             options.force,
-            sourcesOf(options.inputs.files, options.map),
+            options.sources,  // of --per-file, too, all of them
             {QVEJMAP_VERSION, joined(options.operands), wordsOf(options)}};
 }
 

@@ -221,7 +221,7 @@ Session::Session(const ReadingOptions& options, const InputList& inputs, const s
         map_.emplace(engine_, map);
     }
     if (!options_.cache.empty()) {
-        checkNamedCache(options_.cache, sourcesOf(inputs_.files, map));
+        checkNamedCache(options_.cache, sourcesOf(inputs_.files, map, options_.shape.files()));
     }
     try {
         if (!stream(wishes)) {

@@ -9,7 +9,7 @@ from typing import Any, Literal, NamedTuple, Union
 from . import _qvejmap
 from ._document import Document
 from ._open import open
-from ._source import Path, Source, file_name, name_of_map, words_of_source
+from ._source import Path, Source, file_name, sources_of
 
 Format = Literal["csv", "tsv", "ndjson", "parquet", "arrow", "sqlite", "xlsx", "postgres"]
 _EXISTING = ("refuse", "replace", "append")
@@ -74,9 +74,7 @@ def convert(
         raise ValueError("existing: 'refuse', 'replace' or 'append'")
     if packing not in (None, "gzip", "zstd"):
         raise ValueError("packing: 'gzip' or 'zstd'")
-    words = words_of_source(source) if opened is None else opened._words
-    map = options.get("map")
-    map_file = name_of_map(map) if opened is None else opened._map_file
+    sources = opened._sources if opened is not None else sources_of(source, options.get("map"), options.get("shape"))
     target = _qvejmap.Target(
         file_name(out),
         format,
@@ -85,12 +83,14 @@ def convert(
         packing or "",
         _EXISTING.index(existing),
         database_schema,
-        words,
-        map_file,
+        sources.words,
+        sources.stream,
+        sources.map,
+        sources.shape,
     )
     target.check()
     # Names may come but once, as those of a generator do.
-    named = [os.fsdecode(word) for word in words] or source
+    named = [os.fsdecode(word) for word in sources.words] or source
     document = open(named, **options) if opened is None else opened  # type: ignore[arg-type]
     written, remarks, findings = _qvejmap.convert(
         document._open(),

@@ -13,6 +13,7 @@ from typing import TYPE_CHECKING, NamedTuple
 from . import _html, _qvejmap
 from ._errors import ValuesWarning
 from ._map import Map
+from ._source import Sources
 from ._tables import Table, arrow_tables, polars_frames
 
 if TYPE_CHECKING:
@@ -94,11 +95,8 @@ class Document:
     taken from it may outlive it.
     """
 
-    def __init__(
-        self, document: _qvejmap.Document, words: list[bytes] | None = None, map_file: bytes = b""
-    ) -> None:
-        self._words = words or []  # files, folders and patterns that it is read from
-        self._map_file = map_file
+    def __init__(self, document: _qvejmap.Document, sources: Sources = Sources()) -> None:
+        self._sources = sources
         self._opened: _qvejmap.Document | None = document
         self._facts: list[_qvejmap.TableFacts] | None = None
         self._alldata: Table | None = None

@@ -13,10 +13,9 @@ from ._source import (
     has_buffer,
     map_text,
     name_of,
-    name_of_map,
     reader_of,
     shape_text,
-    words_of_source,
+    sources_of,
 )
 
 
@@ -73,18 +72,18 @@ def open(
             raise ValueError(f"{name}: at least {least}")
     if exact and (map is not None or naming == "original"):
         raise ValueError("exact: the map is made from the document, with names of letters, digits and _")
-    words = words_of_source(source)
+    sources = sources_of(source, map, shape)
     buffer = read = None
     title = b"<memory>"
     if has_buffer(source):
         buffer = source
-    elif not words:
+    elif not sources.words:
         read, title = reader_of(source), name_of(source)  # type: ignore[arg-type]
     rules, rules_name = shape_text(shape)
     map_bytes, map_name = map_text(map)
     return Document(
         _qvejmap.open(
-            words,
+            sources.words,
             buffer,
             read,
             name=title,
@@ -102,6 +101,5 @@ def open(
             depth=depth,
             max_paths=max_paths,
         ),
-        words,
-        name_of_map(map),
+        sources,
     )

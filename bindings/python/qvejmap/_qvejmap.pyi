@@ -99,7 +99,9 @@ class Target:
         existing: int,
         database_schema: str,
         documents: list[bytes],
+        stream: bytes,
         map: bytes,
+        shape: bytes,
     ) -> None: ...
     def check(self) -> None: ...
 

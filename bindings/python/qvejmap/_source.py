@@ -5,7 +5,7 @@ from __future__ import annotations
 import json
 import os
 from collections.abc import Callable, Iterable, Mapping
-from typing import Any, Protocol, TypeGuard, Union
+from typing import Any, NamedTuple, Protocol, TypeGuard, Union
 
 from ._errors import FileError
 
@@ -95,9 +95,32 @@ def shape_text(shape: Path | Iterable[str] | None) -> tuple[str, bytes]:
     return "\n".join(shape) + "\n", b"shape"
 
 
-def name_of_map(map: Path | Mapping[str, Any] | None) -> bytes:
-    """Its file; empty: it is none."""
-    return b"" if map is None or isinstance(map, Mapping) else file_name(map)
+class Sources(NamedTuple):
+    """The files that a document is read from; those that it has not are empty."""
+
+    words: list[bytes] = []  # files, folders and patterns
+    stream: bytes = b""  # what a file object reads
+    map: bytes = b""
+    shape: bytes = b""
+
+
+def sources_of(source: Any, map: Path | Mapping[str, Any] | None, shape: Path | Iterable[str] | None) -> Sources:
+    words = words_of_source(source)
+    return Sources(
+        words,
+        b"" if words or has_buffer(source) else _file_of(source),
+        b"" if map is None or isinstance(map, Mapping) else file_name(map),
+        file_name(shape) if shape != "auto" and isinstance(shape, (str, os.PathLike)) else b"",
+    )
+
+
+def _file_of(source: Any) -> bytes:
+    """The file that a file object reads, as far as it tells; empty: none."""
+    try:
+        return os.fsencode(os.path.realpath(f"/dev/fd/{source.fileno()}"))
+    except (AttributeError, OSError, ValueError):  # it has none, or one that is closed
+        name = getattr(source, "name", None)
+        return os.fsencode(name) if isinstance(name, (str, bytes)) else b""
 
 
 def map_text(map: Path | Mapping[str, Any] | None) -> tuple[bytes, bytes]:

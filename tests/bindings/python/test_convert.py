@@ -1,6 +1,7 @@
 """Conversions, against those of the command line."""
 
 import filecmp
+import io
 import json
 import os
 import sqlite3
@@ -10,6 +11,14 @@ import unittest
 
 import qvejmap
 from documents import ODD, TOOL, large
+
+
+class Named(io.BytesIO):
+    """A file object that tells no more than its name."""
+
+    def __init__(self, name):
+        super().__init__(b'[{"a":1}]')
+        self.name = name
 
 
 class Conversions(unittest.TestCase):
@@ -103,11 +112,23 @@ class Conversions(unittest.TestCase):
             file.write(b'[{"a":1}]')
         map = self.path("m.parquet")
         qvejmap.open(self.path("d.parquet")).map.save(map)
-        doc = qvejmap.open(self.path("d.parquet"), map=map)
-        for source, arguments in ((self.path("d.parquet"), {"map": map}), (doc, {})):
-            for out in ("d.parquet", "m.parquet"):
-                with self.subTest(out, **arguments), self.assertRaisesRegex(qvejmap.FileError, "not replaced"):
-                    qvejmap.convert(source, self.path(out), force=True, **arguments)
+        shape = self.path("s.parquet")
+        with open(shape, "w", encoding="ascii") as file:
+            file.write("drop /root/b\n")
+        given = {"map": map, "shape": shape}
+        with open(self.path("d.parquet"), "rb") as stream, open(os.dup(stream.fileno()), "rb") as number:
+            for source, arguments in (
+                (self.path("d.parquet"), given),
+                (qvejmap.open(self.path("d.parquet"), **given), {}),
+                (stream, given),
+                (number, given),
+                (Named(self.path("d.parquet")), given),
+                (qvejmap.open(stream, **given), {}),
+            ):
+                for out in ("d.parquet", "m.parquet", "s.parquet"):
+                    with self.subTest(out, source=source), self.assertRaisesRegex(qvejmap.FileError, "itself, not replaced"):
+                        qvejmap.convert(source, self.path(out), force=True, **arguments)
+        self.assertEqual(len(qvejmap.convert(io.BytesIO(b'[{"a":1}]'), self.path("d.parquet"), force=True).tables), 1)
 
     def test_warn_of_values_that_were_not_written(self):
         map = {"DATASETS": [{"DSNAME": "T", "TABLEPATH": "/root", "VARIABLES": [

@@ -120,6 +120,24 @@ $ qvejmap map check m small.json --cache m; qvejmap map merge m m2 -o m2 --force
 ! qvejmap: m2: one of the maps to merge, not replaced
 ! ls: cannot access 'new': No such file or directory
 ? 2
+# Nor a file of rules, nor another of the documents that are converted one by one.
+$ echo 'rows /root/a' > rules; for file in rejects.csv own/rules.db cache; do ln rules $file; done; mkdir rows; ln rules rows/a.csv
+$ for out in '-o rows' '-o own/rules.db' '-o new --rejects rejects.csv' '-o new --cache cache'; do qvejmap convert small.json --shape auto --shape rules $out --force; done
+! qvejmap: rows/a.csv: the shape itself, not replaced
+! qvejmap: own/rules.db: the shape itself, not replaced
+! qvejmap: rejects.csv: the shape itself, not replaced
+! qvejmap: cache: the shape itself, not replaced
+? 5
+$ for verb in 'read small.json a --rejects' 'map small.json -o' 'report small.json -o'; do qvejmap $verb rules --shape rules --force; done; qvejmap map small.json --shape - -o rules --force < rules
+! qvejmap: rules: the shape itself, not replaced
+! qvejmap: rules: the shape itself, not replaced
+! qvejmap: rules: the shape itself, not replaced
+! qvejmap: rules: the shape itself, not replaced
+? 5
+$ mkdir -p each/small; echo '[1]' > each/small/root.csv; qvejmap convert small.json each/small/root.csv --per-file -o each --force; cat rules each/small/root.csv
+  rows /root/a
+  [1]
+! qvejmap: each/small/root.csv: the document itself, not replaced
 # A file that is refused is refused before the document is read.
 $ qvejmap map none.json -o m; qvejmap map merge none.json m -o m; qvejmap map none.json -o none/m
 ! qvejmap: m: the file exists (--force replaces it)

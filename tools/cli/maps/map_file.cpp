@@ -1,7 +1,7 @@
 // See map_file.h.
 #include "tools/cli/maps/map_file.h"
 
-#include "client/input/byte_source.h"
+#include "client/input/text_file.h"
 #include "client/suggestion.h"
 #include "tools/cli/failure.h"
 #include "tools/cli/options/option_values.h"
@@ -12,8 +12,6 @@
 namespace qvej::cli {
 
 namespace {
-
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 // Words that may stand where a mistake was found.
 struct KnownWords {
@@ -84,20 +82,12 @@ std::string engineCode(QVStatus status) {
     return " [" + std::to_string(own ? status : JMAP_PARSE) + "]";
 }
 
-std::string readWhole(const std::string& file, std::string* name) {
-    ByteSource source = ByteSource::file(file);
-    *name = source.name();
-    std::string text;
-    for (std::string_view piece = source.next(); !piece.empty(); piece = source.next()) {
-        text += piece;
-    }
-    return text.starts_with(kByteOrderMark) ? text.substr(kByteOrderMark.size()) : text;
-}
-
 }  // namespace
 
 MapFile::MapFile(Engine& engine, const std::string& file)
-    : text_(readWhole(file, &name_)), document_(std::make_unique<Document>(engine)) {
+    : name_(file == "-" ? "<stdin>" : file),
+      text_(textOfFile(file)),
+      document_(std::make_unique<Document>(engine)) {
     document_->feed("[]");
     document_->finish();
     try {

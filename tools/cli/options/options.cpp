@@ -514,6 +514,9 @@ Options readOptions(int argc, char** argv) {
                  " left out, the first " + outputs.front());
         }
     }
+    options.sources = sourcesOf(
+        takesInputs(*options.verb) ? options.inputs.files : std::vector{options.operands[0]},
+        options.map, options.reading.shape.files());
     return options;
 }
 

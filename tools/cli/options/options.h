@@ -6,6 +6,7 @@
 #include "client/input/input_list.h"
 #include "client/shape/path_pattern.h"
 #include "formats/formats.h"
+#include "formats/sources.h"
 #include "tools/cli/options/output_options.h"
 #include "tools/cli/options/reading_options.h"
 #include "tools/cli/pictures/picture_format.h"
@@ -23,6 +24,7 @@ struct Options {
     const Verb* verb = nullptr;         // null: help or version was asked for, and printed
     std::vector<std::string> operands;  // the words after the verb, as many as it takes
     InputList inputs;                   // of a verb that takes many: what the operands lead to
+    Sources sources;                    // the files that are read
 
     std::string out;              // of those that write files; empty: not given
     uint64_t limit = UINT64_MAX;  // of read and find

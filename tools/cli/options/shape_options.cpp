@@ -1,13 +1,14 @@
 // See shape_options.h.
 #include "tools/cli/options/shape_options.h"
 
-#include "client/input/byte_source.h"
+#include "client/input/text_file.h"
 #include "tools/cli/options/option_values.h"
 
 #include <CLI/App.hpp>
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <map>
 
 namespace qvej::cli {
@@ -57,14 +58,6 @@ constexpr std::array<Threshold, 4> kThresholds = {{
 }};
 
 constexpr const char* kDropEmpty = "--drop-empty";
-
-std::string textOf(ByteSource source) {
-    std::string text;
-    for (std::string_view piece = source.next(); !piece.empty(); piece = source.next()) {
-        text += piece;
-    }
-    return text;
-}
 
 }  // namespace
 
@@ -158,13 +151,19 @@ bool ShapeOptions::finds() const {
     return std::find(sources.begin(), sources.end(), kAuto) != sources.end();
 }
 
+std::vector<std::string> ShapeOptions::files() const {
+    std::vector<std::string> files;
+    std::remove_copy(sources.begin(), sources.end(), std::back_inserter(files), kAuto);
+    return files;
+}
+
 Shape shapeOf(const ShapeOptions& options, const std::function<Shape()>& find) {
     Shape shape;
     for (const std::string& source : options.sources) {
         if (source == kAuto) {
             shape.add(find());
         } else {
-            shape.addText(textOf(ByteSource::file(source)), source);
+            shape.addText(textOfFile(source), source);
         }
     }
     shape.add(options.rules);

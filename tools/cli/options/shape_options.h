@@ -23,7 +23,8 @@ struct ShapeOptions {
     FinderOptions finding;             // of "auto"
 
     [[nodiscard]] bool empty() const { return sources.empty() && rules.empty(); }
-    [[nodiscard]] bool finds() const;  // is "auto" among the sources?
+    [[nodiscard]] bool finds() const;                      // is "auto" among the sources?
+    [[nodiscard]] std::vector<std::string> files() const;  // the other sources
 };
 
 void declareShapeOptions(CLI::App& app);

@@ -39,8 +39,7 @@ std::string pictureOf(const Diagram& diagram, PictureFormat format) {
 }  // namespace
 
 ExitCode runDiagram(const Options& options) {
-    const Sources sources = sourcesOf(options.inputs.files, options.map);
-    checkTextOutput(options, sources);
+    checkTextOutput(options, options.sources);
     const Session session(options.reading, options.inputs, options.map,
                           {.partThreads = partThreads(options)});
     const Document& document = session.document();
@@ -55,7 +54,7 @@ ExitCode runDiagram(const Options& options) {
         session.failReading(error);
     }
     const Diagram diagram = diagramOf(schema, kMostTables, kMostColumns);
-    putText(pictureOf(diagram, options.picture), options, sources);
+    putText(pictureOf(diagram, options.picture), options, options.sources);
     if (const std::string rest = leftOut(diagram); !rest.empty() && !options.quiet) {
         tell(session.name() + ": " + rest);
     }

@@ -93,8 +93,7 @@ std::string mapOf(const Session& session, const std::vector<const Table*>& table
 }  // namespace
 
 ExitCode runMap(const Options& options) {
-    const Sources sources = sourcesOf(options.inputs.files, {});
-    checkMapOutput(options, sources);
+    checkMapOutput(options, options.sources);
     SeparatorWatch separators;
     const Session session(options.reading, options.inputs, {},
                           {.observer = [&](std::string_view piece) { separators.take(piece); },
@@ -103,7 +102,7 @@ ExitCode runMap(const Options& options) {
     const Document& document = session.document();
     const std::vector<const Table*> tables = chosenTables(options, document.tables());
     try {
-        putMap(mapOf(session, tables, options), options, sources);
+        putMap(mapOf(session, tables, options), options, options.sources);
         tellGaps(session, tables, !isChoosing(options), separators.found());
     } catch (const Error& error) {
         session.failReading(error);

@@ -87,9 +87,8 @@ Written writeRows(const Document& document, const Table& table, const Options& o
 }  // namespace
 
 ExitCode runRead(const Options& options) {
-    const Sources sources = sourcesOf(options.operands[0], options.map);
     if (!options.rejects.empty()) {
-        OutputFiles::checkFile(options.rejects, options.force, sources);
+        OutputFiles::checkFile(options.rejects, options.force, options.sources);
     }
     const Session session(options.reading, options.operands[0], options.map,
                           {.keepBadLines = !options.rejects.empty(),
@@ -109,7 +108,7 @@ ExitCode runRead(const Options& options) {
         tell(hiding);
     }
     try {
-        Rejects rejects(options.rejects, options.force, sources);
+        Rejects rejects(options.rejects, options.force, options.sources);
         rejects.takeLines(session.skipped());
         if (!options.reading.debug.empty()) {
             noteReading(document, table, options);

@@ -112,8 +112,7 @@ ReportPage pageOf(const Options& options, const Session& session, Survey& survey
 }  // namespace
 
 ExitCode runReport(const Options& options) {
-    const Sources sources = sourcesOf(options.inputs.files, options.map);
-    checkTextOutput(options, sources);
+    checkTextOutput(options, options.sources);
     Survey survey;
     Account account;
     std::optional<ReportPage> page;
@@ -125,7 +124,7 @@ ExitCode runReport(const Options& options) {
         code = session.skipped().exitCode();
     }
     page->putAccount(textOf(options, account));
-    putText(page->text(), options, sources);
+    putText(page->text(), options, options.sources);
     return code;
 }
 

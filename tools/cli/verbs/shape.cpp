@@ -41,8 +41,8 @@ void print(const std::string& text) {
     out.flush();
 }
 
-void writeFile(const Options& options, const std::string& text, const Sources& sources) {
-    OutputFiles files = OutputFiles::single(options.out, options.force, sources);
+void writeFile(const Options& options, const std::string& text) {
+    OutputFiles files = OutputFiles::single(options.out, options.force, options.sources);
     Writer out = files.writer(0);
     out.append(text);
     out.flush();
@@ -52,8 +52,7 @@ void writeFile(const Options& options, const std::string& text, const Sources& s
 }  // namespace
 
 ExitCode runShape(const Options& options) {
-    const Sources sources = sourcesOf(options.operands[0], {});
-    checkMapOutput(options, sources);
+    checkMapOutput(options, options.sources);
     const Engine engine;
     RereadableFile file(options.operands[0]);
     Progress progress(options.reading.progress, bytesOf(options.operands));
@@ -67,7 +66,7 @@ ExitCode runShape(const Options& options) {
         tell((options.operands[0] == "-" ? "<stdin>" : options.operands[0]) + ": no rule is found");
     }
     const bool toFile = !options.out.empty() && options.out != "-";
-    toFile ? writeFile(options, found.text(), sources) : print(found.text());
+    toFile ? writeFile(options, found.text()) : print(found.text());
     return DONE;
 }
 
