@@ -75,7 +75,7 @@ nb::list rangeList(const nb::bytes& file, uint64_t bytes, const std::string& enc
         TextOptions text;
         text.encoding = encoding;
         text.lines = lines;
-        ranges = rangesOf(name, bytes, text);
+        ranges = rangesOf(name, bytes, text, &isStopped);
     });
     nb::list list;
     for (const TextRange& range : ranges) {

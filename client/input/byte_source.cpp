@@ -23,6 +23,12 @@ ByteSource ByteSource::asItComes(const std::string& path, std::shared_ptr<const 
     return of(std::make_shared<RawFile>(path, std::move(stop)));
 }
 
+ByteSource ByteSource::untilStopped(const std::string& path, std::function<bool()> stopped) {
+    ByteSource source = of(std::make_shared<RawFile>(path, stopped));
+    source.stopWhen(std::move(stopped));
+    return source;
+}
+
 ByteSource ByteSource::of(std::shared_ptr<RawFile> file) {
     const std::string name = file->name();
     const bool isRegular = file->isRegular();

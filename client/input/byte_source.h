@@ -25,6 +25,8 @@ class ByteSource {
     // The same, for one who cannot wait: a piece is what has come of a pipe, and with `stop` the
     // bytes end.
     static ByteSource asItComes(const std::string& path, std::shared_ptr<const ReadingStop> stop);
+    // The same, for one who may want no more of it: see stopWhen.  A wait for a pipe ends, too.
+    static ByteSource untilStopped(const std::string& path, std::function<bool()> stopped);
     // `bytes` must outlive the source.
     static ByteSource memory(std::string_view bytes, std::string name = "<memory>");
     // Pieces of any size.  What `pull` throws goes to the caller of `next`.  `isFile`: they come

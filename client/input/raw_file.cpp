@@ -3,6 +3,8 @@
 
 #include "client/error.h"
 
+#include <poll.h>
+
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,13 +13,31 @@
 
 namespace qvej {
 namespace {
+
 constexpr std::size_t kPieceBytes = std::size_t{1} << 20;
+constexpr int kLookAgain = 20;  // milliseconds
+
+bool isNamedPipe(const std::string& file) {
+    struct stat found = {};
+    return ::stat(file.c_str(), &found) == 0 && S_ISFIFO(found.st_mode);
 }
 
+}  // namespace
+
 RawFile::RawFile(const std::string& file, std::shared_ptr<const ReadingStop> stop)
+    : RawFile(file, 0) {
+    stop_ = std::move(stop);
+}
+
+// A named pipe is opened without waiting for one who writes.
+RawFile::RawFile(const std::string& file, std::function<bool()> stopped)
+    : RawFile(file, stopped && isNamedPipe(file) ? O_NONBLOCK : 0) {
+    stopped_ = std::move(stopped);
+}
+
+RawFile::RawFile(const std::string& file, int flags)
     : descriptor_(file == "-" ? STDIN_FILENO
-                              : ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY)),
-      stop_(std::move(stop)),
+                              : ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | flags)),
       name_(file == "-" ? "<stdin>" : file),
       buffer_(kPieceBytes) {
     if (descriptor_ < 0) {
@@ -47,14 +67,27 @@ std::string_view RawFile::next() {
             ended_ = true;
             break;
         }
+        if (stopped_) {
+            waitUntilStopped();
+        }
         const ssize_t read = ::read(descriptor_, buffer_.data() + size, buffer_.size() - size);
-        if (read < 0 && errno != EINTR) {
+        if (read < 0 && errno != EINTR && errno != EAGAIN) {
             throw fileError(QV_IO_READ, name_);
         }
         size += read < 0 ? 0 : static_cast<std::size_t>(read);
         ended_ = read == 0;
     }
     return {buffer_.data(), size};
+}
+
+// Waits until there is something to read, or the end.
+void RawFile::waitUntilStopped() const {
+    pollfd waited = {descriptor_, POLLIN, 0};
+    while (::poll(&waited, 1, kLookAgain) == 0) {
+        if (stopped_()) {
+            throw Error(QV_STOPPED, qvStatusText(QV_STOPPED), name_);
+        }
+    }
 }
 
 }  // namespace qvej

@@ -3,6 +3,7 @@
 
 #include "reading_stop.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -15,6 +16,9 @@ class RawFile {
    public:
     // With a stop, `next` gives what has come, and ends when the stop says so.  Throws Error.
     explicit RawFile(const std::string& file, std::shared_ptr<const ReadingStop> stop = {});
+    // While a pipe has no writer or nothing to read, `stopped` is asked; when it says so `next`
+    // throws Error (QV_STOPPED).
+    RawFile(const std::string& file, std::function<bool()> stopped);
     ~RawFile();
     RawFile(const RawFile&) = delete;
     RawFile& operator=(const RawFile&) = delete;
@@ -30,9 +34,13 @@ class RawFile {
     [[nodiscard]] bool isRegular() const;
 
    private:
+    RawFile(const std::string& file, int flags);
+    void waitUntilStopped() const;
+
     int descriptor_;
     bool ended_ = false;
     std::shared_ptr<const ReadingStop> stop_;
+    std::function<bool()> stopped_;
     std::string name_;
     std::vector<char> buffer_;
 };

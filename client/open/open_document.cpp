@@ -51,7 +51,7 @@ OpenDocument::OpenDocument(OpenOptions options)
 ByteSource OpenDocument::open(const std::string& file) const {
     ByteSource bytes = options_.memory ? ByteSource::memory(*options_.memory, options_.name)
                        : options_.pull ? ByteSource::pulled(options_.pull, options_.name)
-                                       : ByteSource::file(file);
+                                       : ByteSource::untilStopped(file, options_.stopped);
     bytes.stopWhen(options_.stopped);
     return bytes;
 }

@@ -164,7 +164,8 @@ PartialScan PartialScan::of(Engine& engine, const TextRange& range,
                             const PartialScanOptions& options) {
     const PartsOfDocument parts = partsOf(engine, options);
     if (range.whole()) {
-        return PartialScan(scannedWhole(parts, ByteSource::file(range.file), options.text));
+        return PartialScan(scannedWhole(
+            parts, ByteSource::untilStopped(range.file, options.stopped), options.text));
     }
     const TextRange lines = withWholeLines(range);
     std::vector<PartialScan> pieces;

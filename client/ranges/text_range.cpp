@@ -133,9 +133,9 @@ class Ranges final : public TextConsumer {
 
 }  // namespace
 
-std::vector<TextRange> rangesOf(const std::string& file, uint64_t bytes,
-                                const TextOptions& options) {
-    DocumentReader reader(ByteSource::file(file), options);
+std::vector<TextRange> rangesOf(const std::string& file, uint64_t bytes, const TextOptions& options,
+                                const std::function<bool()>& stopped) {
+    DocumentReader reader(ByteSource::untilStopped(file, stopped), options);
     std::vector<TextRange> found;
     if (const std::optional<int64_t> before = reader.bytesBefore()) {
         Ranges ranges(reader, bytes, static_cast<uint64_t>(*before));

@@ -47,8 +47,10 @@ struct TextRange {
 // The ranges of a file, in order, each of so many bytes or somewhat more.  What cannot be divided
 // is one range: a compressed file, one in another encoding than UTF-8, or a text that is neither
 // JSON Lines nor has a large array of objects.  Reads the file once.  Throws Error.
+//   stopped  see DocumentOptions; may be empty
 [[nodiscard]] std::vector<TextRange> rangesOf(const std::string& file, uint64_t bytes,
-                                              const TextOptions& options);
+                                              const TextOptions& options,
+                                              const std::function<bool()>& stopped = {});
 
 // The range of the lines that begin in a range of JSON Lines; any other as it is.  Throws Error.
 [[nodiscard]] TextRange withWholeLines(TextRange range);

@@ -1,8 +1,10 @@
 """Ctrl-C, or any signal whose handler raises: it ends the work at once, and the document can still be used."""
 
 import os
+import shutil
 import signal
 import tempfile
+import threading
 import unittest
 
 import qvejmap
@@ -73,6 +75,37 @@ class Interrupts(unittest.TestCase):
         with open(reading, "rb", buffering=0) as pipe:
             self.read_until_signalled(lambda: qvejmap.open(pipe))
         os.close(writing)
+
+    def test_end_a_waiting_for_a_named_pipe(self):
+        pipe, shown = (os.path.join(self.folder.name, name) for name in ("pipe", "shown.json"))
+        os.mkfifo(pipe)
+        whole = qvejmap.Part.whole(pipe)
+        for name, work in (
+            ("open", lambda: qvejmap.open(pipe)),
+            ("several", lambda: qvejmap.open([self.file, pipe])),
+            ("convert", lambda: qvejmap.convert(pipe, shown + ".parquet")),
+            ("map", lambda: qvejmap.open(b"{}", map=pipe)),
+            ("parts", lambda: qvejmap.parts(pipe)),
+            ("scan", lambda: qvejmap.PartialScan(whole)),
+        ):
+            with self.subTest(name):
+                self.read_until_signalled(work)
+                if name != "map":
+                    with open(os.open(pipe, os.O_RDWR), "wb", buffering=0) as writer:  # which says little
+                        writer.write(b"[")
+                        self.read_until_signalled(work)
+        writer = threading.Thread(target=lambda: shutil.copyfileobj(open(self.file, "rb"), open(pipe, "wb")))
+        writer.start()
+        self.assertEqual(qvejmap.open(pipe)["root"].rows, 12000)
+        writer.join()
+
+    def test_end_a_search_for_parts(self):
+        many = os.path.join(self.folder.name, "many.json")
+        with open(many, "wb") as file:
+            rows = large()[1:-1]
+            file.write(b"[" + b",".join([rows] * 60) + b"]")
+        self.size = os.path.getsize(many)
+        self.assertLess(self.read_until_signalled(lambda: qvejmap.parts(many)), 0.8)
 
     def test_end_walks_of_records(self):
         with open(self.file, "rb") as file:
