@@ -54,9 +54,11 @@ SharedDocument::SharedDocument(OpenOptions options, std::shared_ptr<const void> 
 std::shared_ptr<SharedDocument> SharedDocument::alldata(const SharedDocument& of) {
     std::shared_ptr<Opened> opened = of.opened_;
     if (of.document().parts() != nullptr) {
+        of.open().checkUnchanged();
         OpenOptions options = opened->options;
         options.records = true;
         opened = std::make_shared<Opened>(std::move(options), opened->held);
+        of.open().checkUnchanged();  // nor while it was read
     }
     return std::shared_ptr<SharedDocument>(new SharedDocument(std::move(opened), true, false));
 }

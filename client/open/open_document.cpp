@@ -61,9 +61,18 @@ void OpenDocument::readAgain(
     if (const std::string name = once(); !name.empty()) {
         throw Error(QV_UNSUPPORTED, "cannot be read again", Place{name});
     }
+    checkUnchanged();
     for (const std::string& file : inputs_.files) {
         DocumentReader reader(open(file), options_.text);
         read(reader, reader.documentOptions({.maxDepth = options_.depth}));
+    }
+    checkUnchanged();
+}
+
+void OpenDocument::checkUnchanged() const {
+    const PartsOfDocument* const parts = document().parts();
+    if (parts != nullptr && parts->check) {
+        parts->check();
     }
 }
 

@@ -68,8 +68,12 @@ class OpenDocument {
     [[nodiscard]] const std::string& plan() const { return plan_; }
 
     // Calls `read` for each of its texts, in order and from the beginning, with options for what
-    // takes the text.  Throws what that throws, and Error: QV_UNSUPPORTED when a text comes once.
+    // takes the text.  Throws what that throws, and Error: QV_UNSUPPORTED when a text comes once,
+    // QV_IO_CHANGED.
     void readAgain(const std::function<void(DocumentReader&, const DocumentOptions&)>& read) const;
+
+    // Throws Error (QV_IO_CHANGED) when its rows are read from a file that has changed.
+    void checkUnchanged() const;
 
    private:
     [[nodiscard]] ByteSource open(const std::string& file) const;

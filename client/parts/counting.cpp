@@ -14,13 +14,24 @@ namespace {
 constexpr uint64_t kLeastMemory = uint64_t{256} << 20;   // for parts on their way
 constexpr uint64_t kMemoryForAPath = uint64_t{8} << 10;  // so that few of it is for paths' trees
 
-std::shared_ptr<PartsOfDocument> partsOf(const CountingOptions& counting, const ReadParts& read) {
+// How the inputs are read, and what tells that they have changed since.
+struct Inputs {
+    std::function<void()> check;  // empty: they do not change
+    ReadParts read;
+
+    explicit Inputs(const CountingOptions& of)
+        : check(of.changing ? checkOfChanges(of.inputs) : std::function<void()>()),
+          read(partsOf(of.inputs, of.text, of.open, check, of.observer)) {}
+};
+
+std::shared_ptr<PartsOfDocument> partsOf(const CountingOptions& counting, const Inputs& inputs) {
     auto parts = std::make_shared<PartsOfDocument>();
     parts->engine = &counting.engine;
     parts->options = counting.options;
     parts->options.several = counting.inputs.several;
     parts->threads = counting.memory < kLeastMemory ? 1 : counting.threads;
-    parts->read = read;
+    parts->read = inputs.read;
+    parts->check = inputs.check;
     return parts;
 }
 
@@ -33,9 +44,9 @@ std::string whyAsOne(const CountingOptions& counting) {
                                                : "";
 }
 
-bool countInParts(const CountingOptions& counting, const ReadParts& read,
+bool countInParts(const CountingOptions& counting, const Inputs& inputs,
                   std::optional<Document>& document) {
-    const auto parts = partsOf(counting, read);
+    const auto parts = partsOf(counting, inputs);
     DocumentOptions sum = parts->options;
     sum.ofParts = true;
     document.emplace(counting.engine, sum);
@@ -48,9 +59,9 @@ bool countInParts(const CountingOptions& counting, const ReadParts& read,
 }
 
 // False: there are too many paths.
-bool countAsOne(const CountingOptions& counting, const ReadParts& read,
+bool countAsOne(const CountingOptions& counting, const Inputs& inputs,
                 std::optional<Document>& document) {
-    const auto parts = partsOf(counting, read);
+    const auto parts = partsOf(counting, inputs);
     parts->asOne = true;
     DocumentOptions whole = counting.options;
     const uint64_t most = std::min(kMostPathsCounted, counting.memory / kMemoryForAPath);
@@ -76,14 +87,13 @@ std::string countDocument(const CountingOptions& counting, std::optional<Documen
     constexpr const char* kThen = ", then read again for the rows";
     // What the files are is looked at now, before the first reading: the last one finds them
     // changed, whichever reading they changed in.
-    const ReadParts read = partsOf(counting.inputs, counting.text, counting.open, counting.observer,
-                                   counting.changing);
+    const Inputs inputs(counting);
     std::string why = whyAsOne(counting);
-    if (why.empty() && countInParts(counting, read, document)) {
+    if (why.empty() && countInParts(counting, inputs, document)) {
         return "counted in parts on " + std::to_string(counting.threads) + " threads" + kThen;
     }
     why = why.empty() ? "the text cannot be divided" : why;
-    return countAsOne(counting, read, document) ? "counted as one, since " + why + kThen : "";
+    return countAsOne(counting, inputs, document) ? "counted as one, since " + why + kThen : "";
 }
 
 }  // namespace qvej

@@ -103,14 +103,20 @@ class Divider final : public TextConsumer {
 
 }  // namespace
 
-ReadParts partsOf(const InputList& inputs, const TextOptions& options, InputsReader::Open open,
-                  std::function<void(std::string_view)> observer, bool changing) {
+std::function<void()> checkOfChanges(const InputList& inputs) {
     std::vector<FileState> states;
-    for (std::size_t i = 0; changing && i < inputs.files.size(); ++i) {
-        states.emplace_back(inputs.files[i]);
+    for (const std::string& file : inputs.files) {
+        states.emplace_back(file);
     }
+    return [=] { checkUnchanged(inputs, states); };
+}
+
+ReadParts partsOf(const InputList& inputs, const TextOptions& options, InputsReader::Open open,
+                  std::function<void()> check, std::function<void(std::string_view)> observer) {
     return [=](uint64_t bytes, const TakePart& take) {
-        checkUnchanged(inputs, states);
+        if (check) {
+            check();
+        }
         InputsReader texts(inputs, options, open);
         texts.each([&](std::size_t text, DocumentReader& reader) {
             if (bytes == kUndivided) {
@@ -130,7 +136,9 @@ ReadParts partsOf(const InputList& inputs, const TextOptions& options, InputsRea
             Divider divider(partitions);
             reader.read(divider, observer);
         });
-        checkUnchanged(inputs, states);
+        if (check) {
+            check();
+        }
     };
 }
 

@@ -8,15 +8,16 @@
 
 namespace qvej {
 
-// Regular files in UTF-8.  In another encoding a text throws Indivisible (part_sequence.h).  A file
-// that has changed since this call (size, time, inode, its first and last MiB) is an Error
-// (QV_IO_CHANGED).
+// Regular files in UTF-8.  In another encoding a text throws Indivisible (part_sequence.h).
+//   check     called before and after each reading; may be empty
 //   observer  sees each piece of the text, on the thread that reads; may be empty
-//   changing  false: it is not looked at whether files have changed, for they are none
 [[nodiscard]] ReadParts partsOf(const InputList& inputs, const TextOptions& options,
-                                InputsReader::Open open,
-                                std::function<void(std::string_view)> observer = {},
-                                bool changing = true);
+                                InputsReader::Open open, std::function<void()> check = {},
+                                std::function<void(std::string_view)> observer = {});
+
+// Throws Error (QV_IO_CHANGED) for a file that has changed since this was made: size, time, inode,
+// or the bytes at its ends.
+[[nodiscard]] std::function<void()> checkOfChanges(const InputList& inputs);
 
 // Whether all are files that can be read again, and how many bytes they have; nothing: they are
 // not.

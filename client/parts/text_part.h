@@ -47,6 +47,7 @@ struct PartsOfDocument {
     Engine* engine = nullptr;
     DocumentOptions options = {};  // of all of it
     ReadParts read = {};
+    std::function<void()> check = {};  // throws when the texts are no more what they were
     unsigned threads = 1;
     bool asOne = false;      // the rows come of one walk over the whole text
     PartCounts counts = {};  // what scanParts has counted; of a document as one nothing

@@ -21,7 +21,8 @@ TEST(InputParts, AreOfFilesThatDoNotChange) {
     EXPECT_EQ(2 * text.size(), qvej::rereadableBytes(inputs));
     EXPECT_EQ(std::nullopt, qvej::rereadableBytes({{first, "-"}, true}));
     EXPECT_EQ(std::nullopt, qvej::rereadableBytes({{first, "/dev/null"}, true}));
-    const qvej::ReadParts read = qvej::partsOf(inputs, {}, &qvej::ByteSource::file);
+    const qvej::ReadParts read =
+        qvej::partsOf(inputs, {}, &qvej::ByteSource::file, qvej::checkOfChanges(inputs));
     std::string both;
     read(100, [&](qvej::TextPart part) {
         EXPECT_EQ(part.text == 0 ? first : second, part.name);
@@ -29,7 +30,8 @@ TEST(InputParts, AreOfFilesThatDoNotChange) {
     });
     EXPECT_EQ(text + text, both);
     const auto changes = [&](const std::function<void()>& change) {
-        const qvej::ReadParts again = qvej::partsOf(inputs, {}, &qvej::ByteSource::file);
+        const qvej::ReadParts again =
+            qvej::partsOf(inputs, {}, &qvej::ByteSource::file, qvej::checkOfChanges(inputs));
         bool changed = false;
         try {
             again(100,
