@@ -35,7 +35,7 @@ std::vector<std::string> fieldNames(const Table& table) {
     for (const Column& column : table.columns) {
         names.push_back(column.name);
     }
-    return fittedNames(names, {.mayBeEmpty = true}).names;
+    return fittedNames(names, {.forbidden = kNul, .mayBeEmpty = true}).names;
 }
 
 bool alwaysFilled(const TableSchema& table, std::size_t column) {

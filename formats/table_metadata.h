@@ -4,7 +4,7 @@
 // Metadata of a column (texts; only those that there are):
 //     qvejmap.path    /root/orders/total
 //     qvejmap.name    what the document calls it
-//     qvejmap.column  the name in the map, when an earlier column has it
+//     qvejmap.column  the name in the map, when an earlier column has it or U+0000 is in it
 //     qvejmap.label   of the map
 //     qvejmap.key     primary, or foreign
 // of a table:
@@ -30,7 +30,8 @@ struct MetadataPair {
     std::string value;  // not empty
 };
 
-// Of the columns.  Names differ: of columns that share one, the later ones get a number.
+// Of the columns.  Names differ: of columns that share one, the later ones get a number.  "_" stands
+// for U+0000, where many readers end a name.
 [[nodiscard]] std::vector<std::string> fieldNames(const Table& table);
 
 // Has the column a value in every row, as an ordinal may?
