@@ -30,8 +30,8 @@ struct MetadataPair {
     std::string value;  // not empty
 };
 
-// Of the columns.  Names differ: of columns that share one, the later ones get a number.  "_" stands
-// for U+0000, where many readers end a name.
+// Of the columns.  Names differ: of columns that share one, the later ones get a number.  "_"
+// stands for U+0000, where many readers end a name.
 [[nodiscard]] std::vector<std::string> fieldNames(const Table& table);
 
 // Has the column a value in every row, as an ordinal may?

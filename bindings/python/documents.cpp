@@ -95,18 +95,6 @@ nb::object streamOf(const HeldRows& rows) {
     });
 }
 
-// A mistake in a map is told with the name of the map.
-DocumentPtr openDocument(OpenOptions options, std::shared_ptr<const void> source,
-                         const std::string& mapName, bool carry) {
-    try {
-        return std::make_shared<SharedDocument>(std::move(options), std::move(source), carry);
-    } catch (const MapError& error) {
-        Place place = error.place();
-        place.file = mapName;
-        throw MapError(error.status(), place, error.excerpt(), error.token());
-    }
-}
-
 //   words  files, folders and patterns; of no use when `buffer` or `read` is the text
 //   lines  else it is found by name and text
 DocumentPtr open(const std::vector<nb::bytes>& words, const nb::object& buffer, nb::object read,
@@ -143,7 +131,9 @@ DocumentPtr open(const std::vector<nb::bytes>& words, const nb::object& buffer, 
     }
     DocumentPtr document;
     const auto work = [&, name = stringOf(mapName)] {
-        document = openDocument(std::move(options), std::move(source), name, carry);
+        document = withMapNamed(name, [&] {
+            return std::make_shared<SharedDocument>(std::move(options), std::move(source), carry);
+        });
     };
     if (options.pull) {  // a file object looks for signals itself, while it waits
         const nb::gil_scoped_release unlocked;
@@ -342,7 +332,7 @@ nb::object explanation(const SharedDocument& document, const std::string& column
     std::string text;
     interruptible([&] {
         const std::unique_lock lock = document.turn();
-        text = explainedColumn(document.document(), column, document.open().name(), mapName).text();
+        text = explainedColumn(document.document(), column, document.name(), mapName).text();
     });
     return textOf(text);
 }
@@ -376,9 +366,8 @@ void registerDocuments(nb::module_& module) {
     nb::class_<Rejects>(module, "Rejects").def("next", &Rejects::next);
 
     nb::class_<SharedDocument>(module, "Document")
-        .def_prop_ro(
-            "name",
-            [](const SharedDocument& document) { return fileNameOf(document.open().name()); })
+        .def_prop_ro("name",
+                     [](const SharedDocument& document) { return fileNameOf(document.name()); })
         .def("map_text", &mapText)
         .def("tables", &tablesOf)
         .def("shape", &shapeOf)

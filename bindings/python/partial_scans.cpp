@@ -2,6 +2,7 @@
 #include "bindings/python/partial_scans.h"
 
 #include "bindings/python/interrupt.h"
+#include "bindings/python/shared_document.h"
 #include "bindings/python/source.h"
 #include "bindings/python/texts.h"
 #include "client/engine.h"
@@ -9,12 +10,14 @@
 #include "client/ranges/partial_scan.h"
 #include "client/ranges/text_range.h"
 
+#include <nanobind/stl/shared_ptr.h>
 #include <nanobind/stl/string.h>
 #include <nanobind/stl/tuple.h>
 #include <nanobind/stl/vector.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <tuple>
@@ -92,20 +95,31 @@ nb::list rangeList(const nb::bytes& file, uint64_t bytes, const std::string& enc
     return list;
 }
 
-nb::object scanRange(const nb::bytes& file, int form, const nb::tuple& pieces,
-                     const std::string& encoding, uint64_t depth, uint64_t maxPaths) {
+bool isKnown(const TextPiece& piece) {
+    return piece.kind >= Partition::Kind::WHOLE && piece.kind <= Partition::Kind::REST;
+}
+
+//   head  a piece or None
+TextRange rangeOf(const nb::bytes& file, int form, const nb::tuple& pieces,
+                  const nb::object& head) {
     TextRange range = {stringOf(file), static_cast<TextForm>(form), {}};
     for (const nb::handle piece : pieces) {
         range.pieces.push_back(pieceOf(piece));
     }
-    const bool known =
-        form >= 0 && form <= static_cast<int>(TextForm::SEQUENCE) &&
-        std::all_of(range.pieces.begin(), range.pieces.end(), [](const TextPiece& p) {
-            return p.kind >= Partition::Kind::WHOLE && p.kind <= Partition::Kind::REST;
-        });
+    if (!head.is_none()) {
+        range.head = pieceOf(head);
+    }
+    const bool known = form >= 0 && form <= static_cast<int>(TextForm::SEQUENCE) &&
+                       std::all_of(range.pieces.begin(), range.pieces.end(), isKnown);
     if (range.pieces.empty() || !known) {
         throw nb::value_error("this is no part of a file");
     }
+    return range;
+}
+
+nb::object scanRange(const nb::bytes& file, int form, const nb::tuple& pieces,
+                     const std::string& encoding, uint64_t depth, uint64_t maxPaths) {
+    const TextRange range = rangeOf(file, form, pieces, nb::none());
     const PartialScanOptions options =
         optionsOf(encoding, range.form == TextForm::LINES, depth, maxPaths);
     return bytesOf(worked([&](Engine& engine) { return PartialScan::of(engine, range, options); }));
@@ -141,6 +155,62 @@ nb::list countsOfScan(const nb::bytes& bytes) {
     return list;
 }
 
+// The same with paths as the engine has them, for open_part.
+nb::list containersOfScan(const nb::bytes& bytes) {
+    const PartialScan scan(stringOf(bytes));
+    nb::list list;
+    for (const ContainerCount& of : worked([&](Engine& engine) { return scan.counts(engine); })) {
+        list.append(nb::make_tuple(nb::bytes(of.path.data(), of.path.size()), of.count));
+    }
+    return list;
+}
+
+//   scan    of all parts
+//   before  containers as in containers_of_scan, and how often they have come before this part
+std::shared_ptr<SharedDocument> openPart(const nb::bytes& file, int form, const nb::tuple& pieces,
+                                         const nb::object& head, const nb::bytes& scan,
+                                         const std::vector<std::tuple<nb::bytes, uint64_t>>& before,
+                                         const std::string& encoding, uint64_t depth,
+                                         const nb::bytes& map, const nb::bytes& mapName,
+                                         bool originalNames, bool carry,
+                                         const std::string& sourceColumn) {
+    RangeOptions options = {PartialScan(stringOf(scan)), rangeOf(file, form, pieces, head), {}};
+    for (const auto& [path, count] : before) {
+        options.before.push_back({stringOf(path), count});
+    }
+    options.map = stringOf(map);
+    options.naming = originalNames ? Naming::ORIGINAL : Naming::MAP;
+    options.text.encoding = encoding;
+    options.text.lines = options.range.form == TextForm::LINES;
+    options.maxDepth = depth;
+    options.sourceColumn = sourceColumn;
+    options.stopped = &isStopped;
+    std::shared_ptr<SharedDocument> document;
+    interruptible([&, name = stringOf(mapName)] {
+        document = withMapNamed(
+            name, [&] { return std::make_shared<SharedDocument>(std::move(options), carry); });
+    });
+    return document;
+}
+
+nb::object factsOf(const SharedDocument& document) {
+    std::string facts;
+    interruptible([&] { facts = document.facts(); });
+    return nb::bytes(facts.data(), facts.size());
+}
+
+nb::object sumOfFacts(const SharedDocument& document, const std::vector<nb::bytes>& facts) {
+    std::vector<std::string> all(facts.size());
+    std::transform(facts.begin(), facts.end(), all.begin(), stringOf);
+    std::string sum;
+    interruptible([&] { sum = document.sumOf(all); });
+    return nb::bytes(sum.data(), sum.size());
+}
+
+void learn(SharedDocument& document, const nb::bytes& facts) {
+    interruptible([&, bytes = stringOf(facts)] { document.learn(bytes); });
+}
+
 }  // namespace
 
 void registerPartialScans(nb::module_& module) {
@@ -152,6 +222,13 @@ void registerPartialScans(nb::module_& module) {
     module.def("merge_scans", &mergeScans, "scans"_a);
     module.def("map_of_scan", &mapOfScan, "scan"_a);
     module.def("counts_of_scan", &countsOfScan, "scan"_a);
+    module.def("containers_of_scan", &containersOfScan, "scan"_a);
+    module.def("open_part", &openPart, "file"_a, "form"_a, "pieces"_a, "head"_a.none(), "scan"_a,
+               "before"_a, "encoding"_a, "depth"_a, "map"_a, "map_name"_a, "original_names"_a,
+               "carry"_a, "source_column"_a);
+    module.def("facts_of", &factsOf, "document"_a);
+    module.def("sum_of_facts", &sumOfFacts, "document"_a, "facts"_a);
+    module.def("learn", &learn, "document"_a, "facts"_a);
 }
 
 }  // namespace qvej::python

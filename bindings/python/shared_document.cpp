@@ -25,7 +25,7 @@ unsigned threadsOf(const OpenOptions& options) {
 
 // What `work` does, with the name of the document in what it throws.
 template <class Work>
-auto named(const OpenDocument& document, const Work& work) {
+auto named(const Opened& document, const Work& work) {
     try {
         return work();
     } catch (const Error& error) {
@@ -37,6 +37,13 @@ auto named(const OpenDocument& document, const Work& work) {
 }
 
 }  // namespace
+
+const OpenDocument& Opened::whole() const {
+    if (!all) {
+        throw Error(QV_UNSUPPORTED, "of a part of a document there are the rows only", name());
+    }
+    return *all;
+}
 
 SharedDocument::SharedDocument(std::shared_ptr<Opened> opened, bool alldata, bool carry)
     : opened_(std::move(opened)),
@@ -51,16 +58,45 @@ SharedDocument::SharedDocument(OpenOptions options, std::shared_ptr<const void> 
     : SharedDocument(std::make_shared<Opened>(std::move(options), std::move(source)), false,
                      carry) {}
 
+SharedDocument::SharedDocument(RangeOptions options, bool carry)
+    : SharedDocument(std::make_shared<Opened>(std::move(options)), false, carry) {}
+
 std::shared_ptr<SharedDocument> SharedDocument::alldata(const SharedDocument& of) {
     std::shared_ptr<Opened> opened = of.opened_;
+    const OpenDocument& whole = of.open();
     if (of.document().parts() != nullptr) {
-        of.open().checkUnchanged();
+        whole.checkUnchanged();
         OpenOptions options = opened->options;
         options.records = true;
         opened = std::make_shared<Opened>(std::move(options), opened->held);
-        of.open().checkUnchanged();  // nor while it was read
+        whole.checkUnchanged();  // nor while it was read
     }
     return std::shared_ptr<SharedDocument>(new SharedDocument(std::move(opened), true, false));
+}
+
+std::string SharedDocument::facts() const {
+    const std::unique_lock lock = turn();
+    return named(*opened_, [&] {
+        const SchemaBuilder noRows(document(), tables_, {});
+        return factsOf(document(), tables_, carry_, noRows).bytes();
+    });
+}
+
+std::string SharedDocument::sumOf(const std::vector<std::string>& facts) const {
+    const SchemaBuilder noRows(document(), tables_, {});
+    SchemaBuilder sum = noRows;
+    for (const std::string& of : facts) {
+        sum.add({of, noRows});
+    }
+    return sum.takeBatch(noRows).bytes();
+}
+
+void SharedDocument::learn(const std::string& facts) {
+    const std::unique_lock lock = turn();
+    const SchemaBuilder noRows(document(), tables_, {});
+    SchemaBuilder sum = noRows;
+    sum.add({facts, noRows});
+    schema_ = sum.end();
 }
 
 std::unique_lock<std::timed_mutex> SharedDocument::turn() const {
@@ -96,7 +132,7 @@ void SharedDocument::learn(Schema schema, uint64_t rejected, const TablePass& pa
 }
 
 const Schema& SharedDocument::schema() {
-    named(open(), [&] { findTypes(); });
+    named(*opened_, [&] { findTypes(); });
     return *schema_;
 }
 
@@ -107,7 +143,7 @@ const Findings& SharedDocument::findings() {
 
 std::vector<BatchTables::Batches> SharedDocument::batches(const std::vector<std::size_t>& tables) {
     const std::unique_lock lock = turn();
-    return named(open(), [&] { return schema_ ? typedRows(tables) : rowsAndTypes(tables); });
+    return named(*opened_, [&] { return schema_ ? typedRows(tables) : rowsAndTypes(tables); });
 }
 
 std::vector<BatchTables::Batches> SharedDocument::typedRows(
@@ -147,7 +183,7 @@ std::vector<BatchTables::Batches> SharedDocument::rowsAndTypes(
 
 std::vector<PathAccount> SharedDocument::account() {
     const std::unique_lock lock = turn();
-    return named(open(), [&] { return accountOf(document(), false, carry_); });
+    return named(*opened_, [&] { return accountOf(document(), false, carry_); });
 }
 
 SharedReader::SharedReader(std::shared_ptr<SharedDocument> document, const BatchWish& wish)
@@ -165,7 +201,7 @@ SharedReader::~SharedReader() {
 
 std::shared_ptr<const RecordBatch> SharedReader::next() {
     const std::unique_lock lock = document_->turn();
-    return named(document_->open(), [&] { return reader_->next(); });
+    return named(document_->opened(), [&] { return reader_->next(); });
 }
 
 RejectReader::RejectReader(std::shared_ptr<SharedDocument> document)
@@ -195,7 +231,7 @@ PassRow& RejectReader::rowOf(std::size_t table) {
 
 std::vector<RejectedValue> RejectReader::next() {
     const std::unique_lock lock = document_->turn();
-    return named(document_->open(), [&] {
+    return named(document_->opened(), [&] {
         PassItem item;
         while (values_.size() < kRejectsAtOnce && pass_->next(item)) {
             (void)rowOf(item.table).take(item);

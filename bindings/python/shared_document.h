@@ -5,6 +5,7 @@
 
 #include "client/account.h"
 #include "client/open/open_document.h"
+#include "client/ranges/range_document.h"
 #include "client/schema/schema.h"
 #include "client/table_pass.h"
 #include "formats/arrow_c/batch_reader.h"
@@ -21,16 +22,38 @@
 
 namespace qvej::python {
 
-// A document that is open.  One walk of it goes on at a time.
+// A range of a document.
+struct OpenedRange {
+    explicit OpenedRange(RangeOptions options)
+        : file(options.range.file), document(engine, std::move(options)) {}
+
+    Engine engine;
+    const std::string file;
+    const RangeDocument document;
+};
+
+// A document that is open, or a range of one.  One walk of it goes on at a time.
 struct Opened {
     // `source`: what the options point to; it is kept as long.
     Opened(OpenOptions wishes, std::shared_ptr<const void> source)
-        : held(std::move(source)), options(std::move(wishes)), document(options) {}
+        : held(std::move(source)), options(std::move(wishes)), all(std::in_place, options) {}
+    explicit Opened(RangeOptions wishes)
+        : options{.threads = 1}, range(std::in_place, std::move(wishes)) {}
 
-    const std::shared_ptr<const void> held;  // ends last
+    [[nodiscard]] const Document& document() const {
+        return range ? range->document.document() : all->document();
+    }
+    // What messages call it.
+    [[nodiscard]] std::string name() const { return range ? range->file : all->name(); }
+
+    // Throws QV_UNSUPPORTED for a range.
+    [[nodiscard]] const OpenDocument& whole() const;
+
+    const std::shared_ptr<const void> held = {};  // ends last
     const OpenOptions options;
-    const OpenDocument document;
-    std::timed_mutex walking;
+    const std::optional<OpenDocument> all = {};
+    const std::optional<OpenedRange> range = {};
+    std::timed_mutex walking = {};
 };
 
 // What rows have shown of values that are not in them, or perhaps in the wrong one.
@@ -47,12 +70,18 @@ class SharedDocument {
     //   carry  as of TablePass
     SharedDocument(OpenOptions options, std::shared_ptr<const void> source, bool carry);
 
+    // The rows of a range.  Throws as RangeDocument.
+    SharedDocument(RangeOptions options, bool carry);
+
     // ALLDATA of that document, which is read once more when it has no records.  Throws as
     // OpenDocument.
     [[nodiscard]] static std::shared_ptr<SharedDocument> alldata(const SharedDocument& of);
 
-    [[nodiscard]] const OpenDocument& open() const { return opened_->document; }
-    [[nodiscard]] const Document& document() const { return open().document(); }
+    // Throws QV_UNSUPPORTED for a range.
+    [[nodiscard]] const OpenDocument& open() const { return opened_->whole(); }
+    [[nodiscard]] const Document& document() const { return opened_->document(); }
+    [[nodiscard]] std::string name() const { return opened_->name(); }
+    [[nodiscard]] const Opened& opened() const { return *opened_; }
     [[nodiscard]] const std::vector<const Table*>& tables() const { return tables_; }
     [[nodiscard]] bool carry() const { return carry_; }
     [[nodiscard]] unsigned threads() const { return threads_; }
@@ -61,6 +90,13 @@ class SharedDocument {
     // Types and keys of all tables, by a walk when they are asked for first.
     [[nodiscard]] const Schema& schema();
     [[nodiscard]] const Findings& findings();
+
+    // What its rows show of types and keys, as bytes; by a walk.
+    [[nodiscard]] std::string facts() const;
+    // Of this document, or of ranges of it: the sum of what their rows show, in their order.
+    [[nodiscard]] std::string sumOf(const std::vector<std::string>& facts) const;
+    // Types and keys are those that rows with these facts have.
+    void learn(const std::string& facts);
 
     // Held while the document is walked.  Throws QV_STOPPED.
     [[nodiscard]] std::unique_lock<std::timed_mutex> turn() const;
@@ -92,6 +128,18 @@ class SharedDocument {
     std::optional<Schema> schema_;
     Findings findings_;
 };
+
+// What `make` makes; a mistake in a map is told with the name of the map.
+template <class Make>
+std::shared_ptr<SharedDocument> withMapNamed(const std::string& mapName, const Make& make) {
+    try {
+        return make();
+    } catch (const MapError& error) {
+        Place place = error.place();
+        place.file = mapName;
+        throw MapError(error.status(), place, error.excerpt(), error.token());
+    }
+}
 
 // Which columns of which table, and the most rows of a batch.
 struct BatchWish {

@@ -13,6 +13,7 @@ from ._errors import Error, FileError, LimitReached, MapError, NotJson, ValuesWa
 from ._map import Map
 from ._open import open
 from ._partial_scan import Part, PartialScan, parts
+from ._plan import Plan, PlannedPart
 from ._tables import Batch, Column, Parent, Table
 
 __all__ = [
@@ -32,6 +33,8 @@ __all__ = [
     "Part",
     "PartialScan",
     "PathAccount",
+    "Plan",
+    "PlannedPart",
     "Rejected",
     "Table",
     "ValuesWarning",

@@ -88,6 +88,30 @@ def merge_scans(scans: list[bytes]) -> bytes: ...
 def map_of_scan(scan: bytes) -> str: ...
 def counts_of_scan(scan: bytes) -> list[tuple[str, int]]: ...
 
+# The same by the bytes of paths, as `open_part` takes them.
+def containers_of_scan(scan: bytes) -> list[tuple[bytes, int]]: ...
+def open_part(
+    file: bytes,
+    form: int,
+    pieces: tuple[Piece, ...],
+    head: Piece | None,
+    scan: bytes,
+    before: list[tuple[bytes, int]],
+    *,
+    encoding: str,
+    depth: int,
+    map: bytes,
+    map_name: bytes,
+    original_names: bool,
+    carry: bool,
+    source_column: str,
+) -> Document: ...
+
+# What rows show of types and keys is bytes.
+def facts_of(document: Document) -> bytes: ...
+def sum_of_facts(document: Document, facts: list[bytes]) -> bytes: ...
+def learn(document: Document, facts: bytes) -> None: ...
+
 class Target:
     def __init__(
         self,
