@@ -10,8 +10,9 @@ from collections.abc import Iterable, Iterator, Mapping
 from types import TracebackType
 from typing import TYPE_CHECKING, NamedTuple
 
-from . import _html, _qvejmap
-from ._errors import ValuesWarning
+from . import _arguments, _html, _qvejmap
+from ._errors import Error, ValuesWarning
+from ._html import count
 from ._map import Map
 from ._source import Sources
 from ._tables import Table, arrow_tables, polars_frames
@@ -168,10 +169,13 @@ class Document:
         """
         if value is not None and regex is not None:
             raise ValueError("value and regex exclude each other")
-        if limit is not None and limit < 1:
-            raise ValueError("limit: at least 1")
-        paths = [path] if isinstance(path, str) else list(path)
-        found = self._open().find(paths, value, regex, ignore_case, limit or 2**64 - 1)
+        for name, text in (("value", value), ("regex", regex)):
+            if text is not None:
+                _arguments.text(name, text)
+        _arguments.flag("ignore_case", ignore_case)
+        most = _arguments.MOST if limit is None else _arguments.number("limit", limit, 1)
+        paths = _arguments.texts("path", [path] if isinstance(path, str) else path)
+        found = self._open().find(paths, value, regex, ignore_case, most)
         return [Found(*of) for of in found]
 
     def account(self) -> list[PathAccount]:
@@ -261,9 +265,8 @@ class Document:
                 warnings.warn(f"{self.name}: {values} {what}", ValuesWarning, _callers_level())
 
     def _chosen(self, tables: Iterable[str] | None) -> dict[str, Table]:
-        if isinstance(tables, str):
-            raise TypeError("tables: a list of names, not one name")
-        return {name: self.tables[name] for name in (self.tables if tables is None else tables)}
+        names = self.tables if tables is None else _arguments.texts("tables", tables)
+        return {name: self.tables[name] for name in names}
 
 
 def _distinct(names: Iterable[str]) -> list[str]:

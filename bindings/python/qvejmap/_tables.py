@@ -6,7 +6,9 @@ import importlib
 from collections.abc import Iterable, Iterator, Sequence
 from typing import TYPE_CHECKING, Any, NamedTuple
 
-from . import _html, _qvejmap
+from . import _arguments, _html, _qvejmap
+from ._errors import Error
+from ._html import count
 from ._values import converter
 
 if TYPE_CHECKING:
@@ -131,8 +133,7 @@ class Table:
             KeyError: the table has no column of a name.
             Error: the document cannot be read again.
         """
-        if rows < 1:
-            raise ValueError("rows: at least 1")
+        rows = _arguments.number("rows", rows, 1)
         positions = self._positions(columns)
         all_columns = self.columns
         reader = self._document._open().batches(self._position, positions, rows)
@@ -194,10 +195,8 @@ class Table:
         names = self._column_names()
         if columns is None:
             return list(range(len(names)))
-        if isinstance(columns, str):
-            raise TypeError("columns: a list of names, not one name")
         at = {name: i for i, name in enumerate(names)}
-        return [at[name] for name in columns]
+        return [at[name] for name in _arguments.texts("columns", columns)]
 
 
 class _Rows:
