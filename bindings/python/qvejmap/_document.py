@@ -15,7 +15,7 @@ from ._errors import Error, ValuesWarning
 from ._html import count
 from ._map import Map
 from ._source import Sources
-from ._tables import Table, arrow_tables, polars_frames
+from ._tables import UNREADABLE, Table, arrow_tables, polars_frames
 
 if TYPE_CHECKING:
     import polars
@@ -109,6 +109,13 @@ class Document:
 
     def __getitem__(self, name: str) -> Table:
         return self.tables[name]
+
+    def __iter__(self) -> Iterator[str]:
+        """The names of the tables."""
+        return iter(self.tables)
+
+    def __contains__(self, name: object) -> bool:
+        return name in self.tables
 
     @property
     def tables(self) -> Mapping[str, Table]:
@@ -217,8 +224,11 @@ class Document:
     def __repr__(self) -> str:
         if self._closed:
             return f"<qvejmap.Document {self.name!r}: closed>"
-        lines = [f"<qvejmap.Document {self.name!r}: {len(self.tables)} tables>"]
-        lines += [f"  {name}: {table.rows:,} rows" for name, table in self.tables.items()]
+        lines = [f"<qvejmap.Document {self.name!r}: {count(len(self.tables), 'table')}>"]
+        if self._facts_if_readable() is None:
+            lines += [f"  {name}: its rows cannot be read" for name in self.tables]
+        else:
+            lines += [f"  {name}: {count(table.rows, 'row')}" for name, table in self.tables.items()]
         return "\n".join(lines)
 
     def _repr_html_(self) -> str | None:
@@ -234,6 +244,10 @@ class Document:
             _html.Head("parent"),
         ]
         facts = _html.shown(len(tables), len(self.tables), "table")
+        if self._facts_if_readable() is None:
+            return _html.table(
+                self.name, facts + UNREADABLE, heads[:2], [(table.name, table.path) for table in tables]
+            )
         return _html.table(self.name, facts, heads, map(_html_row, tables))
 
     @property
@@ -250,6 +264,13 @@ class Document:
             self._facts = self._open().schema()
             self._warn(self._open().findings())
         return self._facts
+
+    def _facts_if_readable(self) -> list[_qvejmap.TableFacts] | None:
+        """None, when the text has changed since it was opened, say: to look at a document is no error."""
+        try:
+            return self._schema()
+        except (Error, ValuesWarning):  # a warning may be made an error
+            return self._facts
 
     def _warn(self, findings: tuple[int, int, int, int]) -> None:
         """Of values that the tables do not have, or perhaps in the wrong row."""
