@@ -35,9 +35,10 @@ const char* classOf(const Error& error) {
 void raise(const Error& error) {
     const Place& place = error.place();
     const nb::object type = nb::module_::import_("qvejmap._errors").attr(classOf(error));
+    const nb::object ownWords = nb::module_::import_("qvejmap._words").attr("in_own_words");
     const nb::object made =
-        type(textOf(error.what()), fileNameOf(place.file), place.line, place.column, place.offset,
-             error.status(), textOf(error.excerpt()), textOf(place.path));
+        type(ownWords(textOf(error.what())), fileNameOf(place.file), place.line, place.column,
+             place.offset, error.status(), textOf(error.excerpt()), textOf(place.path));
     PyErr_SetObject(type.ptr(), made.ptr());
 }
 

@@ -125,7 +125,11 @@ std::string scannedWhole(const PartsOfDocument& parts, ByteSource source,
     whole.options = reader.documentOptions(parts.options);
     PieceScan scan(whole, reader.form(), {});
     reader.read(scan);
-    return scan.bytes();
+    try {
+        return scan.bytes();
+    } catch (const Error& error) {
+        failIn(reader.name(), {}, scan.before(), error);
+    }
 }
 
 // The sum of scans, on its way.

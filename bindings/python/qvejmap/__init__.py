@@ -42,3 +42,6 @@ __all__ = [
     "open",
     "parts",
 ]
+
+for _name in __all__:
+    globals()[_name].__module__ = __name__  # as people import it

@@ -6,10 +6,11 @@ import os
 from collections.abc import Iterable
 from typing import Any, Literal, NamedTuple, Union
 
-from . import _qvejmap
+from . import _arguments, _qvejmap
 from ._document import Document
 from ._open import open
 from ._source import Path, Source, file_name, sources_of
+from ._words import in_own_words
 
 Format = Literal["csv", "tsv", "ndjson", "parquet", "arrow", "sqlite", "xlsx", "postgres"]
 _EXISTING = ("refuse", "replace", "append")
@@ -64,19 +65,22 @@ def convert(
     Warns:
         ValuesWarning: values were rejected, or are in no cell.
     """
-    for argument, given in (("tables", tables), ("paths", paths)):
-        if isinstance(given, str):
-            raise TypeError(f"{argument}: a list, not one text")
+    tables, paths = _arguments.texts("tables", tables), _arguments.texts("paths", paths)
+    for name, flag in (("alldata", alldata), ("force", force), ("dates", dates)):
+        _arguments.flag(name, flag)
+    for name, value in (("format", format), ("null", null), ("packing", packing)):
+        if value is not None:
+            _arguments.text(name, value)
+    _arguments.text("database_schema", database_schema)
+    _arguments.choice("existing", existing, *_EXISTING)
+    if packing is not None:
+        _arguments.choice("packing", packing, "gzip", "zstd")
     opened = source if isinstance(source, Document) else None
     if opened is not None and options:
         raise TypeError(f"the document is open: {', '.join(options)} came too late")
-    if existing not in _EXISTING:
-        raise ValueError("existing: 'refuse', 'replace' or 'append'")
-    if packing not in (None, "gzip", "zstd"):
-        raise ValueError("packing: 'gzip' or 'zstd'")
     sources = opened._sources if opened is not None else sources_of(source, options.get("map"), options.get("shape"))
     target = _qvejmap.Target(
-        file_name(out),
+        file_name("out", out),
         format,
         force,
         null,
@@ -91,7 +95,7 @@ def convert(
     target.check()
     # Names may come but once, as those of a generator do.
     named = [os.fsdecode(word) for word in sources.words] or source
-    document = open(named, **options) if opened is None else opened  # type: ignore[arg-type]
+    document = open(named, **options) if opened is None else opened
     written, remarks, findings = _qvejmap.convert(
         document._open(),
         target,
@@ -103,4 +107,4 @@ def convert(
     document._warn(findings)
     if opened is None:
         document.close()
-    return Converted(written, remarks)
+    return Converted(written, [in_own_words(remark) for remark in remarks])

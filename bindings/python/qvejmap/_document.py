@@ -10,11 +10,12 @@ from collections.abc import Iterable, Iterator, Mapping
 from types import TracebackType
 from typing import TYPE_CHECKING, NamedTuple
 
-from . import _html, _qvejmap
-from ._errors import ValuesWarning
+from . import _arguments, _html, _qvejmap
+from ._errors import Error, ValuesWarning
+from ._html import count
 from ._map import Map
 from ._source import Sources
-from ._tables import Table, arrow_tables, polars_frames
+from ._tables import UNREADABLE, Table, arrow_tables, polars_frames
 
 if TYPE_CHECKING:
     import polars
@@ -109,6 +110,13 @@ class Document:
     def __getitem__(self, name: str) -> Table:
         return self.tables[name]
 
+    def __iter__(self) -> Iterator[str]:
+        """The names of the tables."""
+        return iter(self.tables)
+
+    def __contains__(self, name: object) -> bool:
+        return name in self.tables
+
     @property
     def tables(self) -> Mapping[str, Table]:
         """The tables by name, in the order of the document."""
@@ -168,10 +176,13 @@ class Document:
         """
         if value is not None and regex is not None:
             raise ValueError("value and regex exclude each other")
-        if limit is not None and limit < 1:
-            raise ValueError("limit: at least 1")
-        paths = [path] if isinstance(path, str) else list(path)
-        found = self._open().find(paths, value, regex, ignore_case, limit or 2**64 - 1)
+        for name, text in (("value", value), ("regex", regex)):
+            if text is not None:
+                _arguments.text(name, text)
+        _arguments.flag("ignore_case", ignore_case)
+        most = _arguments.MOST if limit is None else _arguments.number("limit", limit, 1)
+        paths = _arguments.texts("path", [path] if isinstance(path, str) else path)
+        found = self._open().find(paths, value, regex, ignore_case, most)
         return [Found(*of) for of in found]
 
     def account(self) -> list[PathAccount]:
@@ -213,8 +224,11 @@ class Document:
     def __repr__(self) -> str:
         if self._closed:
             return f"<qvejmap.Document {self.name!r}: closed>"
-        lines = [f"<qvejmap.Document {self.name!r}: {len(self.tables)} tables>"]
-        lines += [f"  {name}: {table.rows:,} rows" for name, table in self.tables.items()]
+        lines = [f"<qvejmap.Document {self.name!r}: {count(len(self.tables), 'table')}>"]
+        if self._facts_if_readable() is None:
+            lines += [f"  {name}: its rows cannot be read" for name in self.tables]
+        else:
+            lines += [f"  {name}: {count(table.rows, 'row')}" for name, table in self.tables.items()]
         return "\n".join(lines)
 
     def _repr_html_(self) -> str | None:
@@ -230,6 +244,10 @@ class Document:
             _html.Head("parent"),
         ]
         facts = _html.shown(len(tables), len(self.tables), "table")
+        if self._facts_if_readable() is None:
+            return _html.table(
+                self.name, facts + UNREADABLE, heads[:2], [(table.name, table.path) for table in tables]
+            )
         return _html.table(self.name, facts, heads, map(_html_row, tables))
 
     @property
@@ -247,6 +265,13 @@ class Document:
             self._warn(self._open().findings())
         return self._facts
 
+    def _facts_if_readable(self) -> list[_qvejmap.TableFacts] | None:
+        """None, when the text has changed since it was opened, say: to look at a document is no error."""
+        try:
+            return self._schema()
+        except (Error, ValuesWarning):  # a warning may be made an error
+            return self._facts
+
     def _warn(self, findings: tuple[int, int, int, int]) -> None:
         """Of values that the tables do not have, or perhaps in the wrong row."""
         rejected, in_no_cell, overwritten, strayed = findings
@@ -261,9 +286,8 @@ class Document:
                 warnings.warn(f"{self.name}: {values} {what}", ValuesWarning, _callers_level())
 
     def _chosen(self, tables: Iterable[str] | None) -> dict[str, Table]:
-        if isinstance(tables, str):
-            raise TypeError("tables: a list of names, not one name")
-        return {name: self.tables[name] for name in (self.tables if tables is None else tables)}
+        names = self.tables if tables is None else _arguments.texts("tables", tables)
+        return {name: self.tables[name] for name in names}
 
 
 def _distinct(names: Iterable[str]) -> list[str]:

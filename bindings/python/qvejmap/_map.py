@@ -6,8 +6,9 @@ import json
 from collections.abc import Mapping
 from typing import Any, Union
 
-from . import _qvejmap
-from ._source import Path, map_text
+from . import _arguments, _qvejmap
+from ._source import Path, file_name, map_text
+from ._words import in_own_words
 
 AnyMap = Union[Path, Mapping[str, Any]]
 
@@ -33,9 +34,10 @@ class Map(dict[str, Any]):
 
     def save(self, path: Path) -> None:
         """Writes it to a file, which `open(..., map=path)` reads, and the command line too."""
-        with open(path, "w", encoding="utf-8") as file:
-            json.dump(self, file, ensure_ascii=False, indent=1)
-            file.write("\n")
+        name = file_name("path", path)
+        text = json.dumps(self, ensure_ascii=False, indent=1).encode() + b"\n"
+        with open(name, "wb") as file:
+            file.write(text)
 
     def diff(self, other: AnyMap) -> list[str]:
         """What this map has and another has not, a line for each difference.
@@ -72,4 +74,5 @@ class Map(dict[str, Any]):
         """
         if self._document is None:
             raise ValueError("this map is of no document: Document.map has one that is")
-        return self._document.explanation(column, "the map").rstrip("\n")
+        text = self._document.explanation(_arguments.text("column", column), "the map")
+        return in_own_words(text.rstrip("\n"))

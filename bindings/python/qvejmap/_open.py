@@ -5,7 +5,7 @@ from __future__ import annotations
 from collections.abc import Iterable, Mapping
 from typing import Any, Literal
 
-from . import _qvejmap
+from . import _arguments, _qvejmap
 from ._document import Document
 from ._source import (
     Path,
@@ -17,6 +17,8 @@ from ._source import (
     shape_text,
     sources_of,
 )
+
+_MOST_THREADS = 1024
 
 
 def open(
@@ -58,18 +60,16 @@ def open(
         NotJson, LimitReached, MapError, FileError: see these.
         Error: a mistake in an argument's text, such as a rule or the name of an encoding.
     """
-    if naming not in ("map", "original"):
-        raise ValueError("naming: 'map' or 'original'")
-    if lines not in (None, True):
+    _arguments.choice("naming", naming, "map", "original")
+    if lines is not None and lines is not True:
         raise ValueError("lines: True or None")
-    for name, number, least in (
-        ("memory", memory, 1),
-        ("threads", threads, 1),
-        ("depth", depth, 0),
-        ("max_paths", max_paths, 0),
-    ):
-        if number is not None and number < least:
-            raise ValueError(f"{name}: at least {least}")
+    _arguments.text("encoding", encoding)
+    memory = 0 if memory is None else _arguments.number("memory", memory, 1)
+    threads = 0 if threads is None else _arguments.number("threads", threads, 1, _MOST_THREADS)
+    depth = _arguments.number("depth", depth)
+    max_paths = _arguments.number("max_paths", max_paths)
+    for name, value in (("exact", exact), ("carry", carry)):
+        _arguments.flag(name, value)
     if exact and (map is not None or naming == "original"):
         raise ValueError("exact: the map is made from the document, with names of letters, digits and _")
     sources = sources_of(source, map, shape)
@@ -80,7 +80,7 @@ def open(
     elif not sources.words:
         read, title = reader_of(source), name_of(source)  # type: ignore[arg-type]
     rules, rules_name = shape_text(shape)
-    map_bytes, map_name = map_text(map)
+    map_bytes, map_name = (b"", b"") if map is None else map_text(map)
     return Document(
         _qvejmap.open(
             sources.words,
@@ -96,8 +96,8 @@ def open(
             original_names=naming == "original",
             exact=exact,
             carry=carry,
-            memory=memory or 0,
-            threads=threads or 0,
+            memory=memory,
+            threads=threads,
             depth=depth,
             max_paths=max_paths,
         ),

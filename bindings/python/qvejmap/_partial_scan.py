@@ -4,16 +4,21 @@ from __future__ import annotations
 
 import json
 import os
+import re
 from collections.abc import Iterable
 from typing import NamedTuple, Union
 
-from . import _qvejmap
+from . import _arguments, _qvejmap
 from ._map import Map
-from ._source import Path, file_name
+from ._source import Path, file_name, has_buffer
 
-_LINES = 1  # of the forms
-_WHOLE, _MIDDLE = 0, 2  # of the kinds
-_TO_THE_END = 2**64 - 1
+_LINES = 1  # of the forms, of which a document is 0
+_MIDDLE, _HEAD, _TAIL = 2, 4, 5  # of the kinds, of which 1 to 3 are elements or lines
+_TO_THE_END = _arguments.MOST
+_ALL = (0, _TO_THE_END, 0, b"", 1, 1)  # of a file
+
+# The kinds that pieces of a part have, by its form.
+_KINDS = {0: re.compile("4?[123]?5?"), _LINES: re.compile("[123]")}
 
 
 class Part(NamedTuple):
@@ -40,13 +45,40 @@ class Part(NamedTuple):
     @classmethod
     def lines_of(cls, file: Path, begin: int, end: int) -> Part:
         """The lines of a JSON Lines file, uncompressed, that begin in a range of its bytes."""
+        file_name("file", file)
+        begin = _arguments.number("begin", begin)
+        end = _arguments.number("end", end, begin)
         line = 1 if begin == 0 else 0  # 0: not known
         return cls(os.fspath(file), _LINES, ((begin, end, _MIDDLE, b"", line, 1),))
 
     @classmethod
     def whole(cls, file: Path) -> Part:
         """A whole file, compressed or not."""
-        return cls(os.fspath(file), 0, ((0, _TO_THE_END, _WHOLE, b"", 1, 1),))
+        file_name("file", file)
+        return cls(os.fspath(file), 0, (_ALL,))
+
+
+def _check(part: Part) -> None:
+    """One that was made by hand may be no part: what is counted would be something else."""
+    try:
+        kinds = "".join(str(_kind_of(piece)) for piece in part.pieces)
+        head = None if part.head is None else _kind_of(part.head)
+    except (TypeError, ValueError):
+        raise ValueError("this is no part of a file") from None
+    form = _KINDS.get(part.form)
+    whole = part.form in (0, 1, 2) and part.pieces == (_ALL,) and head is None
+    divided = kinds and form and form.fullmatch(kinds) and head in (None, _HEAD if kinds.endswith(str(_TAIL)) else None)
+    if not (whole or divided):
+        raise ValueError("this is no part of a file")
+
+
+def _kind_of(piece: _qvejmap.Piece) -> int:
+    begin, end, kind, member, line, column = piece
+    for number, least in ((begin, 0), (end, begin), (line, 0), (column, 0)):
+        _arguments.number("piece", number, least)
+    if not isinstance(member, bytes):
+        raise TypeError
+    return _arguments.number("kind", kind, 0, _TAIL)
 
 
 def parts(file: Path, size: int = 64 << 20, *, lines: bool = False, encoding: str = "auto") -> list[Part]:
@@ -55,11 +87,11 @@ def parts(file: Path, size: int = 64 << 20, *, lines: bool = False, encoding: st
     JSON Lines are cut after lines, other texts between the elements of the outermost array, or of a
     large array of objects in the outermost object.  What cannot be divided is one part.
     """
-    if size < 1:
-        raise ValueError("size: at least 1")
-    name = os.fspath(file)
-    found = _qvejmap.ranges(file_name(name), size, encoding, lines)
-    return [Part(name, *of) for of in found]
+    name = file_name("file", file)
+    size = _arguments.number("size", size, 1)
+    _arguments.text("encoding", encoding)
+    found = _qvejmap.ranges(name, size, encoding, _arguments.flag("lines", lines))
+    return [Part(os.fspath(file), *of) for of in found]
 
 
 class PartialScan:
@@ -90,16 +122,26 @@ class PartialScan:
         depth: int = 1000,
         max_paths: int = 10_000_000,
     ) -> None:
+        limits = (
+            _arguments.text("encoding", encoding),
+            _arguments.number("depth", depth),
+            _arguments.number("max_paths", max_paths),
+        )
+        _arguments.flag("lines", lines)
         if isinstance(source, Part):
-            limits = (encoding, depth, max_paths)
-            file = file_name(source.file)
+            _check(source)
+            file = file_name("file", source.file)
             self._bytes = _qvejmap.scan_range(file, source.form, source.pieces, *limits)
+        elif has_buffer(source):
+            self._bytes = _qvejmap.scan_text(source, lines, *limits)
         else:
-            self._bytes = _qvejmap.scan_text(source, lines, encoding, depth, max_paths)
+            raise TypeError(f"source: a part of a file, or bytes, not {type(source).__name__}")
 
     @classmethod
     def from_bytes(cls, data: bytes | bytearray | memoryview) -> PartialScan:
         """That of which `to_bytes` gave the bytes."""
+        if not has_buffer(data):
+            raise TypeError(f"data: bytes, not {type(data).__name__}")
         scan = cls.__new__(cls)
         scan._bytes = _qvejmap.merge_scans([bytes(memoryview(data))])
         return scan
@@ -110,12 +152,14 @@ class PartialScan:
     @classmethod
     def merge(cls, scans: Iterable[PartialScan]) -> PartialScan:
         """The sum of scans that follow one another; sums may be added in their turn."""
+        if not isinstance(scans, Iterable):
+            raise TypeError(f"scans: PartialScans, not {type(scans).__name__}")
         sum = cls.__new__(cls)
-        sum._bytes = _qvejmap.merge_scans([scan._bytes for scan in scans])
+        sum._bytes = _qvejmap.merge_scans([_scanned(scan) for scan in scans])
         return sum
 
     def __add__(self, later: PartialScan) -> PartialScan:
-        return self.merge((self, later))
+        return self.merge((self, later)) if isinstance(later, PartialScan) else NotImplemented
 
     @property
     def map(self) -> Map:
@@ -127,8 +171,11 @@ class PartialScan:
         """How often each object and array has come, by path: what ordinals have counted."""
         return dict(_qvejmap.counts_of_scan(self._bytes))
 
-    def __reduce__(self) -> tuple[object, ...]:
-        return PartialScan.from_bytes, (self._bytes,)
-
     def __repr__(self) -> str:
         return f"<qvejmap.PartialScan: {len(self._bytes):,} bytes>"
+
+
+def _scanned(scan: PartialScan) -> bytes:
+    if not isinstance(scan, PartialScan):
+        raise TypeError(f"scans: PartialScans, not {type(scan).__name__}")
+    return scan._bytes

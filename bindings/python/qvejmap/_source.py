@@ -7,10 +7,13 @@ import os
 from collections.abc import Callable, Iterable, Mapping
 from typing import Any, NamedTuple, Protocol, TypeGuard, Union
 
-from ._errors import FileError
+from . import _arguments
+from ._errors import Error, FileError
 
 Path = Union[str, "os.PathLike[str]"]
 _NOT_OPENED = 0x80BFC803 - 2**32  # QV_IO_OPEN
+_NOT_UTF8 = 0x85FFC90D - 2**32  # QV_JSON_UTF8
+_MARK = b"\xef\xbb\xbf"  # some editors put it before a text
 
 
 class Readable(Protocol):
@@ -22,22 +25,27 @@ class Readable(Protocol):
 Source = Union[Path, Iterable[Path], bytes, bytearray, memoryview, Readable]
 
 
-def file_name(path: Path) -> bytes:
+def file_name(argument: str, path: Path) -> bytes:
     """As the system has it, which would end it at a NUL."""
-    name = os.fsencode(path)
+    if not isinstance(path, (str, os.PathLike)):
+        raise TypeError(f"{argument}: a path, not {type(path).__name__}")
+    try:
+        name = os.fsencode(path)
+    except UnicodeEncodeError:
+        raise ValueError(f"{argument}: no name of a file") from None
     if b"\0" in name:
-        raise ValueError("the name of a file has no NUL")
+        raise ValueError(f"{argument}: the name of a file has no NUL")
     return name
 
 
 def words_of(source: Path | Iterable[Path]) -> list[bytes]:
     if isinstance(source, (str, os.PathLike)):
-        return [file_name(source)]
-    if not isinstance(source, Iterable):
+        return [file_name("source", source)]
+    if not isinstance(source, Iterable) or isinstance(source, Mapping):
         raise TypeError(f"source: a path, several, bytes or a file object, not {type(source).__name__}")
-    words = [file_name(path) for path in source]
+    words = [file_name("source", path) for path in source]
     if not words:
-        raise ValueError("no files")
+        raise ValueError("source: no files")
     return words
 
 
@@ -64,7 +72,7 @@ def reader_of(source: Readable) -> Callable[[int], bytes]:
         piece = source.read(size)
         if piece is None:
             raise BlockingIOError("the file object has nothing to read yet")
-        return piece.encode() if isinstance(piece, str) else bytes(piece)
+        return piece.encode() if isinstance(piece, str) else bytes(memoryview(piece))
 
     return read
 
@@ -78,7 +86,7 @@ def name_of(source: Any) -> bytes:
 def _read(path: Path) -> bytes:
     try:
         with open(path, "rb") as file:
-            return file.read().removeprefix(b"\xef\xbb\xbf")
+            return file.read()
     except OSError as error:
         what = error.strerror or str(error)
         raise FileError(what, os.fspath(path), 0, 0, -1, _NOT_OPENED, "") from error
@@ -88,11 +96,20 @@ def shape_text(shape: Path | Iterable[str] | None) -> tuple[str, bytes]:
     """The rules of a shape, or "auto", and what messages call them."""
     if shape is None:
         return "", b""
-    if shape == "auto":
+    if isinstance(shape, str) and shape == "auto":
         return "auto", b""
     if isinstance(shape, (str, os.PathLike)):
-        return _read(shape).decode(), os.fsencode(shape)
-    return "\n".join(shape) + "\n", b"shape"
+        return _decoded(_read(shape), os.fspath(shape)) + "\n", file_name("shape", shape)
+    return "\n".join(_arguments.texts("shape", shape)) + "\n", b"shape"
+
+
+def _decoded(text: bytes, file: str) -> str:
+    try:
+        return text.decode()
+    except UnicodeDecodeError as error:
+        line = text.count(b"\n", 0, error.start) + 1
+        column = error.start - text.rfind(b"\n", 0, error.start)
+        raise Error("invalid UTF-8", file, line, column, error.start, _NOT_UTF8, "") from None
 
 
 class Sources(NamedTuple):
@@ -109,8 +126,8 @@ def sources_of(source: Any, map: Path | Mapping[str, Any] | None, shape: Path | 
     return Sources(
         words,
         b"" if words or has_buffer(source) else _file_of(source),
-        b"" if map is None or isinstance(map, Mapping) else file_name(map),
-        file_name(shape) if shape != "auto" and isinstance(shape, (str, os.PathLike)) else b"",
+        b"" if map is None or isinstance(map, Mapping) else file_name("map", map),
+        file_name("shape", shape) if isinstance(shape, (str, os.PathLike)) and shape != "auto" else b"",
     )
 
 
@@ -123,11 +140,13 @@ def _file_of(source: Any) -> bytes:
         return os.fsencode(name) if isinstance(name, (str, bytes)) else b""
 
 
-def map_text(map: Path | Mapping[str, Any] | None) -> tuple[bytes, bytes]:
+def map_text(map: Path | Mapping[str, Any]) -> tuple[bytes, bytes]:
     """The text of a map, and what messages call it."""
-    if map is None:
-        return b"", b""
     if isinstance(map, Mapping):
-        return json.dumps(map).encode(), b"<map>"
+        try:
+            return json.dumps(dict(map)).encode(), b"<map>"
+        except (TypeError, ValueError) as error:
+            raise type(error)(f"map: {error}") from None
+    name = file_name("map", map)
     # An empty file is a map that ends too soon.
-    return _read(map) or b" ", os.fsencode(map)
+    return _read(map).removeprefix(_MARK) or b" ", name

@@ -6,7 +6,9 @@ import importlib
 from collections.abc import Iterable, Iterator, Sequence
 from typing import TYPE_CHECKING, Any, NamedTuple
 
-from . import _html, _qvejmap
+from . import _arguments, _html, _qvejmap
+from ._errors import Error
+from ._html import count
 from ._values import converter
 
 if TYPE_CHECKING:
@@ -19,6 +21,7 @@ if TYPE_CHECKING:
 
 _ROWS = 65536  # of a batch
 _SHOWN_ROWS = 10
+UNREADABLE = "; rows cannot be read"  # since the text has changed, say
 
 
 class Column(NamedTuple):
@@ -68,7 +71,7 @@ class Batch:
         return self._batch.schema(), self._batch.array()
 
     def __repr__(self) -> str:
-        return f"<qvejmap.Batch: {self.rows:,} rows, {len(self._columns)} columns>"
+        return f"<qvejmap.Batch: {count(self.rows, 'row')}, {count(len(self._columns), 'column')}>"
 
     def _repr_html_(self) -> str:
         heads = [_html.head_of(column.name, column.type) for column in self._columns]
@@ -131,8 +134,7 @@ class Table:
             KeyError: the table has no column of a name.
             Error: the document cannot be read again.
         """
-        if rows < 1:
-            raise ValueError("rows: at least 1")
+        rows = _arguments.number("rows", rows, 1)
         positions = self._positions(columns)
         all_columns = self.columns
         reader = self._document._open().batches(self._position, positions, rows)
@@ -174,13 +176,21 @@ class Table:
     def __repr__(self) -> str:
         if self._document._closed:
             return f"<qvejmap.Table {self.name!r}: closed>"
-        return f"<qvejmap.Table {self.name!r}: {self.rows:,} rows, {len(self.columns)} columns>"
+        facts = self._document._facts_if_readable()
+        rows = "unreadable rows" if facts is None else count(self.rows, "row")
+        return f"<qvejmap.Table {self.name!r}: {rows}, {count(len(self._column_names()), 'column')}>"
 
     def _repr_html_(self) -> str | None:
         if self._document._closed:
             return None
-        batch = next(self.batches(_SHOWN_ROWS), None)
+        if self._document._facts_if_readable() is None:
+            heads = [_html.Head(name) for name in self._column_names()]
+            return _html.table(self.name, count(len(heads), "column") + UNREADABLE, heads, [])
         heads = [_html.head_of(column.name, column.type) for column in self.columns]
+        try:
+            batch = next(self.batches(_SHOWN_ROWS), None)
+        except Error:
+            return _html.table(self.name, count(self.rows, "row") + UNREADABLE, heads, [])
         rows = [] if batch is None else [row.values() for row in batch]
         return _html.table(self.name, _html.shown(len(rows), self.rows, "row"), heads, rows)
 
@@ -194,10 +204,8 @@ class Table:
         names = self._column_names()
         if columns is None:
             return list(range(len(names)))
-        if isinstance(columns, str):
-            raise TypeError("columns: a list of names, not one name")
         at = {name: i for i, name in enumerate(names)}
-        return [at[name] for name in columns]
+        return [at[name] for name in _arguments.texts("columns", columns)]
 
 
 class _Rows:

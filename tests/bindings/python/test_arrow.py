@@ -87,6 +87,16 @@ class Cells(unittest.TestCase):
         self.assertEqual(str(at_once.to_pylist()), str(pyarrow.Table.from_batches(batches).to_pylist()))
         self.assertEqual(at_once["t"].to_pylist(), [t for _, t in rows])
 
+    def test_names_with_nul_stay_distinct(self):
+        doc = qvejmap.open(b'[{"a\\u0000b":1,"a":2,"a_b":3,"a\\u0000c":4}]', naming="original")
+        names = ["a_b~2", "a", "a_b", "a_c"]
+        table = doc["root"].to_arrow()
+        self.assertEqual(table.column_names[1:], names)
+        self.assertEqual([column.name for column in doc["root"].columns][1:], names)
+        self.assertEqual(list(doc["root"])[0], dict(zip(table.column_names, (1, 1, 2, 3, 4))))
+        told = [field.metadata.get(b"qvejmap.column") for field in table.schema][1:]
+        self.assertEqual(told, [b"a\0b", None, None, b"a\0c"])
+
     def test_batches_are_the_stream_in_pieces(self):
         with qvejmap.open(ODD["nested"]) as doc:
             items = doc["orders_items"]

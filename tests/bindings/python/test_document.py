@@ -1,5 +1,7 @@
 """What a document tells beside its tables."""
 
+import os
+import tempfile
 import unittest
 import warnings
 
@@ -50,6 +52,37 @@ class Documents(unittest.TestCase):
             self.assertIs(doc.alldata, alldata)
         doc.close()
         self.assertEqual(alldata.columns[0].name, "P")  # it stays open until it is dropped
+
+    def test_what_has_changed_since_is_told_and_can_be_looked_at(self):
+        with tempfile.TemporaryDirectory() as folder:
+            file = os.path.join(folder, "a.json")
+            with open(file, "wb") as out:
+                out.write(large())
+            known, doc = qvejmap.open(file), qvejmap.open(file)
+            self.assertEqual(known["root"].rows, 12000)
+            with open(file, "ab") as out:
+                out.write(b"\n")
+            for name, use in (("alldata", lambda of: of.alldata), ("find", lambda of: of.find(value="x")),
+                              ("rows", lambda of: list(of["root"])), ("account", lambda of: of.account())):
+                for of in (known, doc):
+                    with self.subTest(name), self.assertRaisesRegex(qvejmap.FileError, "has changed"):
+                        use(of)
+            self.assertIn("root: 12,000 rows", repr(known))
+            self.assertIn(">12,000 rows; rows cannot be read<", known["root"]._repr_html_())
+            self.assertIn("root: its rows cannot be read", repr(doc))
+            self.assertIn("unreadable rows, 4 columns", repr(doc["root"]))
+            self.assertIn("/root/items", doc._repr_html_())
+            self.assertIn(">4 columns; rows cannot be read<", doc["root"]._repr_html_())
+
+    def test_a_look_raises_no_warning(self):
+        with warnings.catch_warnings():
+            warnings.simplefilter("error")
+            doc = qvejmap.open(MIXED, map=NUMERIC)
+            self.assertIn("T: 3 rows", repr(doc))
+
+    def test_knows_the_names_of_its_tables(self):
+        doc = qvejmap.open(ODD["nested"])
+        self.assertEqual((list(doc), "orders" in doc, "no" in doc, 3 in doc), (["orders", "orders_items"], True, False, False))
 
     def test_values_that_are_not_in_the_tables_are_told(self):
         with warnings.catch_warnings(record=True) as told:

@@ -1,13 +1,16 @@
 """What goes wrong, with its place."""
 
+import glob
 import os
 import pickle
+import re
 import subprocess
 import tempfile
 import unittest
 
 import qvejmap
-from documents import TOOL
+from documents import SOURCE, TOOL
+from qvejmap._words import in_own_words
 
 MAP = '{"DATASETS":[{"DSNAME":"T",\n"TABLEPTH":"/root"}]}'
 
@@ -82,6 +85,49 @@ class Errors(unittest.TestCase):
                         qvejmap.open(file)
                     told = subprocess.run([TOOL, "tables", file], capture_output=True, text=True).stderr
                     self.assertEqual(f"qvejmap: {raised.exception}\n{raised.exception.excerpt}", told)
+
+    def test_of_shapes_and_maps_that_are_not_utf8(self):
+        with tempfile.TemporaryDirectory() as folder:
+            for argument, text, kind, place in (
+                ("shape", b"drop /root/a\ndrop /root/\xfc\n", qvejmap.Error, (2, 12, 24)),
+                ("shape", b"\xef\xbb\xbfdrop /root/\xfc", qvejmap.Error, (1, 15, 14)),
+                ("map", b'{"DATASETS":[\n{"DSNAME":"\xfc"}]}', qvejmap.MapError, (2, 12, 25)),
+            ):
+                file = os.path.join(folder, argument)
+                with open(file, "wb") as out:
+                    out.write(text)
+                with self.subTest(text), self.assertRaisesRegex(qvejmap.Error, "invalid UTF-8") as raised:
+                    qvejmap.open(b"{}", **{argument: file})
+                error = raised.exception
+                self.assertIs(type(error), kind)
+                self.assertEqual((error.file, (error.line, error.column, error.offset)), (file, place))
+
+    def test_name_what_this_package_has(self):
+        """Sentences of the command line that name its options have other words here."""
+        of_plans = {"--threads is 1", "--memory is below 256M"}
+        found = set()
+        for folder in ("client", "formats"):
+            for name in glob.glob(f"{SOURCE}/{folder}/**/*.cpp", recursive=True):
+                with open(name, encoding="utf-8") as file:
+                    text = re.sub(r'"\s*\n\s*"', "", re.sub(r"^\s*//.*", "", file.read(), flags=re.M))
+                found.update(of for of in re.findall(r'"((?:[^"\\\n]|\\.)*)"', text) if re.search("--[a-z]", of))
+        self.assertGreater(len(found), 10)
+        for sentence in found - of_plans:
+            own = in_own_words(sentence).replace("zstd -d --long=31", "")
+            self.assertIsNone(re.search("--[a-z]|VERB", own), sentence)
+        with tempfile.TemporaryDirectory() as folder:
+            out = os.path.join(folder, "a.db")
+            qvejmap.convert(b'[{"a":1}]', out)
+            for target, words in ((out, "existing='replace' makes"), (os.path.join(folder, "a.parquet"), r"tables=\[NAME\]")):
+                with self.assertRaisesRegex(qvejmap.Error, words):
+                    qvejmap.convert(b'{"a":[{"b":1}],"c":[{"d":1}]}' if target != out else b'[{"a":1}]', target)
+        map = {"DATASETS": [{"DSNAME": "T", "TABLEPATH": "/root/i", "VARIABLES": [
+            {"NAME": "id", "TYPE": "NUMERIC", "PATH": "/root/id"}]}]}
+        doc = qvejmap.open(b'[{"i":[{}],"id":7}]', map=map)
+        self.assertIn("unless carry=True", doc.map.explain("T.id"))
+
+    def test_and_classes_have_the_name_they_are_imported_by(self):
+        self.assertEqual({getattr(qvejmap, name).__module__ for name in qvejmap.__all__}, {"qvejmap"})
 
     def test_a_closed_document_says_so(self):
         with qvejmap.open(b'[{"a":1}]') as doc:

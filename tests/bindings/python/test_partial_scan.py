@@ -9,6 +9,10 @@ import qvejmap
 from documents import large
 
 
+class Mine(qvejmap.PartialScan):
+    pass
+
+
 class PartialScans(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
@@ -43,6 +47,15 @@ class PartialScans(unittest.TestCase):
         total = first + second
         self.assertEqual(total.map, qvejmap.open(b'[{"a":1},{"a":"x"},{"a":2,"b":[{}]}]').map)
         self.assertEqual(total.counts["/root"], 3)
+        again = qvejmap.PartialScan.from_bytes(bytearray(total.to_bytes()))
+        self.assertEqual((again.map, again.counts), (total.map, total.counts))
+
+    def test_of_a_class_of_ones_own_stay_of_it(self):
+        scan = Mine(b"[{}]")
+        scan.name = "x"
+        again = pickle.loads(pickle.dumps(scan))
+        self.assertEqual((type(again), again.name, again.to_bytes()), (Mine, "x", scan.to_bytes()))
+        self.assertEqual((type(scan + scan), type(Mine.from_bytes(scan.to_bytes()))), (Mine, Mine))
 
     def test_say_what_is_wrong(self):
         broken = self.file("broken.jsonl", b'{"a":1}\n{"a":}\n')
@@ -53,8 +66,27 @@ class PartialScans(unittest.TestCase):
         for wrong in (b"", b"no scan", qvejmap.PartialScan(b"[{}]").to_bytes() + b"x"):
             with self.assertRaisesRegex(qvejmap.Error, "no partial scan"):
                 qvejmap.PartialScan.from_bytes(wrong)
-        for odd in (part._replace(pieces=()), part._replace(form=9), part._replace(pieces=((0, 1, 99, b"", 1, 1),))):
-            with self.assertRaises(ValueError):
+        for source, file in ((b"", "<memory>"), (qvejmap.Part.whole(self.file("empty.json", b"")), "empty.json")):
+            with self.assertRaises(qvejmap.NotJson) as raised:
+                qvejmap.PartialScan(source)
+            self.assertEqual((os.path.basename(raised.exception.file), raised.exception.line), (file, 1))
+        piece, whole = part.pieces[0], qvejmap.Part.whole(broken)
+        for odd in (
+            part._replace(pieces=()),
+            part._replace(form=9),
+            part._replace(form=2),  # those are not divided
+            part._replace(pieces=((0, 1, 99, b"", 1, 1),)),
+            part._replace(pieces=((0, 1, 4, b"", 1, 1),)),  # lines have no head
+            part._replace(pieces=(piece, piece)),
+            part._replace(pieces=((5, 4, *piece[2:]),)),
+            part._replace(pieces=(piece[:5],)),
+            part._replace(pieces=3),
+            part._replace(head=piece),
+            whole._replace(pieces=((0, 5, *whole.pieces[0][2:]),)),
+            whole._replace(pieces=(piece[:2] + (5,) + piece[3:], piece)),
+            whole._replace(pieces=(piece[:2] + (6,) + piece[3:],)),
+        ):
+            with self.subTest(odd), self.assertRaisesRegex(ValueError, "no part of a file"):
                 qvejmap.PartialScan(odd)
         named = qvejmap.PartialScan(b'[{"":1}]')
         with self.assertRaisesRegex(qvejmap.Error, "cannot be scanned in parts"):
