@@ -9,7 +9,7 @@ from collections import Counter
 from collections.abc import Iterable, Mapping, Sequence
 from typing import Any, Literal, NamedTuple
 
-from . import _qvejmap
+from . import _arguments, _qvejmap
 from ._document import Document
 from ._errors import FileError
 from ._partial_scan import Part, PartialScan
@@ -62,17 +62,15 @@ class Plan:
         depth: int = 1000,
         source_column: str = "",
     ) -> None:
-        if naming not in ("map", "original"):
-            raise ValueError("naming: 'map' or 'original'")
-        map_bytes, map_name = map_text(map)
+        map_bytes, map_name = (b"", b"") if map is None else map_text(map)
         self._options: dict[str, Any] = {
-            "encoding": encoding,
-            "depth": depth,
+            "encoding": _arguments.text("encoding", encoding),
+            "depth": _arguments.number("depth", depth),
             "map": map_bytes,
             "map_name": map_name,
-            "original_names": naming == "original",
-            "carry": carry,
-            "source_column": source_column,
+            "original_names": _arguments.choice("naming", naming, "map", "original") == "original",
+            "carry": _arguments.flag("carry", carry),
+            "source_column": _arguments.text("source_column", source_column),
         }
         self._facts: bytes | None = None
         scans = list(scans)

@@ -65,7 +65,7 @@ class Plans(unittest.TestCase):
         documents = {
             "array.json": "[" + ",\n".join(text) + "]",
             "lines.jsonl": "\n".join(text) + "\n",
-            "member.json": '{"v":{"w":1},"rows":[' + ",".join(text) + '],"z":[{"y":1}]}',
+            "member.json": '{"n":7,"v":{"w":1},"rows":[' + ",".join(text) + '],"m":8,"z":[{"y":1}]}',
         }
         for name, document in documents.items():
             file = self.file(name, document)
