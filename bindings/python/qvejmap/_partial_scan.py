@@ -12,7 +12,7 @@ from . import _arguments, _qvejmap
 from ._map import Map
 from ._source import Path, file_name, has_buffer
 
-_LINES = 1  # of the forms, of which a document is 0
+_LINES, _SEQUENCE = 1, 2  # of the forms, of which a document is 0
 _MIDDLE, _HEAD, _TAIL = 2, 4, 5  # of the kinds, of which 1 to 3 are elements or lines
 _TO_THE_END = _arguments.MOST
 _ALL = (0, _TO_THE_END, 0, b"", 1, 1)  # of a file
@@ -61,13 +61,14 @@ class Part(NamedTuple):
 def _check(part: Part) -> None:
     """One that was made by hand may be no part: what is counted would be something else."""
     try:
+        form = _arguments.number("form", part.form, 0, _SEQUENCE)
         kinds = "".join(str(_kind_of(piece)) for piece in part.pieces)
         head = None if part.head is None else _kind_of(part.head)
     except (TypeError, ValueError):
         raise ValueError("this is no part of a file") from None
-    form = _KINDS.get(part.form)
-    whole = part.form in (0, 1, 2) and part.pieces == (_ALL,) and head is None
-    divided = kinds and form and form.fullmatch(kinds) and head in (None, _HEAD if kinds.endswith(str(_TAIL)) else None)
+    whole = tuple(part.pieces) == (_ALL,) and head is None
+    can_be = form in _KINDS and _KINDS[form].fullmatch(kinds)
+    divided = can_be and (head is None or (head == _HEAD and kinds.endswith(str(_TAIL))))
     if not (whole or divided):
         raise ValueError("this is no part of a file")
 

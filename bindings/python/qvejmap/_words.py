@@ -8,7 +8,7 @@ import re
 _OWN = {
     "zstd -dc --long=31 FILE | qvejmap VERB - reads them": "zstd -d --long=31 unpacks them",
     "unless --carry": "unless carry=True",
-    "--replace makes it anew, --append adds rows to it": "existing='replace' makes it anew, existing='append' adds rows to it",
+    "--append adds rows to it": "existing='append' adds rows to it",
     "--replace makes it anew": "existing='replace' makes it anew",
     "--replace must make both anew": "existing='replace' must make both anew",
     "--force replaces it": "force=True replaces it",

@@ -73,7 +73,9 @@ class PartialScans(unittest.TestCase):
         piece, whole = part.pieces[0], qvejmap.Part.whole(broken)
         for odd in (
             part._replace(pieces=()),
+            whole._replace(pieces=()),
             part._replace(form=9),
+            part._replace(form=[]),
             part._replace(form=2),  # those are not divided
             part._replace(pieces=((0, 1, 99, b"", 1, 1),)),
             part._replace(pieces=((0, 1, 4, b"", 1, 1),)),  # lines have no head
