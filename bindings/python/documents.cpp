@@ -144,6 +144,19 @@ DocumentPtr open(const std::vector<nb::bytes>& words, const nb::object& buffer, 
     return document;
 }
 
+// The files, and whether they are several texts.
+nb::tuple inputFiles(const std::vector<nb::bytes>& words) {
+    std::vector<std::string> named(words.size());
+    std::transform(words.begin(), words.end(), named.begin(), stringOf);
+    InputList inputs;
+    interruptible([&] { inputs = inputList(named); });
+    nb::list files;
+    for (const std::string& file : inputs.files) {
+        files.append(nb::bytes(file.data(), file.size()));
+    }
+    return nb::make_tuple(files, inputs.several);
+}
+
 // Of each table: its name, its path, and of each column the name, the path and the label.
 nb::list tablesOf(const SharedDocument& document) {
     nb::list tables;
@@ -384,6 +397,7 @@ void registerDocuments(nb::module_& module) {
         .def("arrow_stream", &tableStream, "table"_a, "columns"_a, "rows"_a)
         .def("batches", &batchesOf, "table"_a, "columns"_a, "rows"_a);
 
+    module.def("input_files", &inputFiles, "words"_a);
     module.def("open", &open, "words"_a, "buffer"_a.none(), "read"_a.none(), "name"_a, "encoding"_a,
                "lines"_a, "shape"_a, "shape_name"_a, "map"_a, "map_name"_a, "original_names"_a,
                "exact"_a, "carry"_a, "memory"_a, "threads"_a, "depth"_a, "max_paths"_a);

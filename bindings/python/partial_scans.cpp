@@ -155,11 +155,17 @@ nb::list countsOfScan(const nb::bytes& bytes) {
     return list;
 }
 
-// The same with paths as the engine has them, for open_part.
-nb::list containersOfScan(const nb::bytes& bytes) {
+// The same with paths as the engine has them, for open_part.  None: they do not tell ordinals.
+nb::object containersOfScan(const nb::bytes& bytes) {
     const PartialScan scan(stringOf(bytes));
+    const auto counts = worked([&](Engine& engine) {
+        return scan.tellsOrdinals(engine) ? std::optional(scan.counts(engine)) : std::nullopt;
+    });
+    if (!counts) {
+        return nb::none();
+    }
     nb::list list;
-    for (const ContainerCount& of : worked([&](Engine& engine) { return scan.counts(engine); })) {
+    for (const ContainerCount& of : *counts) {
         list.append(nb::make_tuple(nb::bytes(of.path.data(), of.path.size()), of.count));
     }
     return list;
@@ -170,7 +176,7 @@ nb::list containersOfScan(const nb::bytes& bytes) {
 std::shared_ptr<SharedDocument> openPart(const nb::bytes& file, int form, const nb::tuple& pieces,
                                          const nb::object& head, const nb::bytes& scan,
                                          const std::vector<std::tuple<nb::bytes, uint64_t>>& before,
-                                         const std::string& encoding, uint64_t depth,
+                                         const std::string& encoding, bool lines, uint64_t depth,
                                          const nb::bytes& map, const nb::bytes& mapName,
                                          bool originalNames, bool carry,
                                          const std::string& sourceColumn) {
@@ -181,7 +187,7 @@ std::shared_ptr<SharedDocument> openPart(const nb::bytes& file, int form, const 
     options.map = stringOf(map);
     options.naming = originalNames ? Naming::ORIGINAL : Naming::MAP;
     options.text.encoding = encoding;
-    options.text.lines = options.range.form == TextForm::LINES;
+    options.text.lines = lines || options.range.form == TextForm::LINES;
     options.maxDepth = depth;
     options.sourceColumn = sourceColumn;
     options.stopped = &isStopped;
@@ -224,8 +230,8 @@ void registerPartialScans(nb::module_& module) {
     module.def("counts_of_scan", &countsOfScan, "scan"_a);
     module.def("containers_of_scan", &containersOfScan, "scan"_a);
     module.def("open_part", &openPart, "file"_a, "form"_a, "pieces"_a, "head"_a.none(), "scan"_a,
-               "before"_a, "encoding"_a, "depth"_a, "map"_a, "map_name"_a, "original_names"_a,
-               "carry"_a, "source_column"_a);
+               "before"_a, "encoding"_a, "lines"_a, "depth"_a, "map"_a, "map_name"_a,
+               "original_names"_a, "carry"_a, "source_column"_a);
     module.def("facts_of", &factsOf, "document"_a);
     module.def("sum_of_facts", &sumOfFacts, "document"_a, "facts"_a);
     module.def("learn", &learn, "document"_a, "facts"_a);

@@ -205,6 +205,12 @@ std::string PartialScan::mapText(Engine& engine) const {
     return sum.document().mapText();
 }
 
+bool PartialScan::tellsOrdinals(Engine& engine) const {
+    Sum sum(engine);
+    sum.add(*this);
+    return (jmapPartFlags(sum.document().handle()) & JMAP_PART_OTHER_ELEMENTS) == 0;
+}
+
 std::vector<ContainerCount> PartialScan::counts(Engine& engine) const {
     Sum sum(engine);
     sum.add(*this);

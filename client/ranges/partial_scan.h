@@ -52,9 +52,12 @@ class PartialScan {
     // The automatic map of what has been scanned.
     [[nodiscard]] std::string mapText(Engine& engine) const;
 
-    // How often each object and array has come, which is what ordinals count.  Paths have separator
-    // 0x02.
+    // How often each object and array has come.  Paths have separator 0x02.
     [[nodiscard]] std::vector<ContainerCount> counts(Engine& engine) const;
+
+    // Is that what ordinals count?  Not where outermost arrays have elements that are no objects:
+    // these have rows, too.
+    [[nodiscard]] bool tellsOrdinals(Engine& engine) const;
 
    private:
     std::string bytes_;

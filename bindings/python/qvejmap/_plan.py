@@ -6,18 +6,29 @@ import base64
 import json
 import os
 from collections import Counter
-from collections.abc import Iterable, Mapping, Sequence
-from typing import Any, Literal, NamedTuple
+from collections.abc import Callable, Iterable, Mapping, Sequence
+from functools import partial
+from typing import Any, Literal, NamedTuple, Union
 
 from . import _arguments, _qvejmap
 from ._document import Document
-from ._errors import FileError
-from ._partial_scan import Part, PartialScan
-from ._source import Path, map_text
+from ._errors import Error, FileError
+from ._partial_scan import Part, PartialScan, _check, parts
+from ._source import Path, map_text, words_of
 
 _FORMAT = "qvejmap plan 1"
 _CHANGED = 0x80BFC809 - 2**32  # QV_IO_CHANGED
+_UNSUPPORTED = 0x803FC0F1 - 2**32  # QV_UNSUPPORTED
+_SUMMED_AT_ONCE = 100
+_NO_OBJECTS = (
+    "files after this one cannot be read apart from it: its outermost array has elements that are no objects"
+)
 _NO_PLAN = "this is no plan"
+
+
+Run = Callable[[Callable[[Any], Any], Sequence[Any]], Iterable[Any]]
+_Containers = list[tuple[bytes, int]]  # how often each has come
+_Scan = tuple[bytes, Union[_Containers, None]]
 
 
 class PlannedPart(NamedTuple):
@@ -47,7 +58,7 @@ class Plan:
         scans: of each part its scan.
         map: the tables and columns, as of `open`; else the automatic ones.
         source_column: which each table begins with: the name of the file that a row is of.
-        naming, carry, encoding, depth: as of `open`.
+        lines, naming, carry, encoding, depth: as of `open`.
     """
 
     def __init__(
@@ -55,6 +66,7 @@ class Plan:
         parts: Sequence[Part],
         scans: Iterable[PartialScan],
         *,
+        lines: Literal[True] | None = None,
         map: Path | Mapping[str, Any] | None = None,
         naming: Literal["map", "original"] = "map",
         carry: bool = False,
@@ -62,28 +74,70 @@ class Plan:
         depth: int = 1000,
         source_column: str = "",
     ) -> None:
-        map_bytes, map_name = (b"", b"") if map is None else map_text(map)
-        self._options: dict[str, Any] = {
-            "encoding": _arguments.text("encoding", encoding),
-            "depth": _arguments.number("depth", depth),
-            "map": map_bytes,
-            "map_name": map_name,
-            "original_names": _arguments.choice("naming", naming, "map", "original") == "original",
-            "carry": _arguments.flag("carry", carry),
-            "source_column": _arguments.text("source_column", source_column),
-        }
-        self._facts: bytes | None = None
+        self._options = _options(lines is True, map, naming, carry, encoding, depth, source_column)
         scans = list(scans)
         if len(scans) != len(parts) or not scans:
             raise ValueError("scans: one of each part")
-        self._scan = PartialScan.merge(scans).to_bytes()
+        containers = [_qvejmap.containers_of_scan(scan.to_bytes()) for scan in scans]
+        self._set(parts, PartialScan.merge(scans).to_bytes(), containers)
+
+    @classmethod
+    def find(
+        cls,
+        source: Path | Iterable[Path],
+        run: Run = map,
+        *,
+        size: int = 64 << 20,
+        lines: Literal[True] | None = None,
+        map: Path | Mapping[str, Any] | None = None,
+        naming: Literal["map", "original"] = "map",
+        carry: bool = False,
+        encoding: str = "auto",
+        depth: int = 1000,
+        max_paths: int = 10_000_000,
+    ) -> Plan:
+        """The plan of files, made by many workers: each reads parts of them, twice in all.
+
+        Files whose parts cannot be read apart are one part each.
+
+        Args:
+            source: a file, a folder or a pattern, or several of them; all workers have the files.
+                Several have the column `source`, as of `open`.
+            run: applies a function to each of some items, on whatever workers, and gives what it
+                returns, in order.  Function, items and results can be pickled.
+            size: bytes of a part, or somewhat more.
+            lines, map, naming, carry, encoding, depth, max_paths: as of `open`.
+
+        Raises:
+            NotJson, LimitReached, MapError, FileError, Error: as `open`.
+        """
+        finder = _Finder(run, size, lines is True, encoding, depth, max_paths)
+        files, several = _qvejmap.input_files(words_of(source))
+        divided = finder.parts_of([os.fsdecode(file) for file in files])
+        while True:
+            scans = finder.scans_of(divided)
+            plan = cls.__new__(cls)
+            plan._options = _options(
+                lines is True, map, naming, carry, encoding, depth, "source" if several else "")
+            plan._set([part for of in divided for part in of], finder.sum_of(scans), [containers for _, containers in scans])
+            facts = finder.facts_of(plan)
+            if facts is not None:
+                plan.learn(facts)
+                return plan
+            finder.divide_less(divided)
+
+    def _set(self, parts: Sequence[Part], scan: bytes, containers: Sequence[_Containers | None]) -> None:
+        self._scan = scan
+        self._facts: bytes | None = None
         before: Counter[bytes] = Counter()
-        states = {part.file: _state(part.file) for part in parts}
+        states = {file: _state(file) for file in {part.file for part in parts}}
         #: The parts, for `facts` and `open`.
         self.parts: list[PlannedPart] = []
-        for part, scan in zip(parts, scans):
+        for part, of in zip(parts, containers):
             self.parts.append(PlannedPart(part, tuple(before.items()), states[part.file]))
-            before.update(dict(_qvejmap.containers_of_scan(scan.to_bytes())))
+            before.update(dict(of or ()))
+            if of is None and len(self.parts) < len(parts):
+                raise Error(_NO_OBJECTS, part.file, 0, 0, -1, _UNSUPPORTED, "")
         self._document(self.parts[0])  # a mistake in the map is told now
 
     def facts(self, part: PlannedPart) -> bytes:
@@ -162,11 +216,125 @@ class Plan:
 
     def _document(self, planned: PlannedPart) -> _qvejmap.Document:
         part, before, state = planned
+        _check(part)
         if state is not None and state != _state(part.file):
             raise FileError("the file has changed since it was scanned", part.file, 0, 0, -1, _CHANGED, "")
         return _qvejmap.open_part(
             os.fsencode(part.file), part.form, part.pieces, part.head, self._scan, list(before), **self._options
         )
+
+
+def _options(
+    lines: bool, map: Path | Mapping[str, Any] | None, naming: str, carry: bool, encoding: str, depth: int,
+    source_column: str,
+) -> dict[str, Any]:
+    map_bytes, map_name = (b"", b"") if map is None else map_text(map)
+    return {
+        "lines": lines,
+        "encoding": _arguments.text("encoding", encoding),
+        "depth": _arguments.number("depth", depth),
+        "map": map_bytes,
+        "map_name": map_name,
+        "original_names": _arguments.choice("naming", naming, "map", "original") == "original",
+        "carry": _arguments.flag("carry", carry),
+        "source_column": _arguments.text("source_column", source_column),
+    }
+
+
+class _Finder:
+    """What `Plan.find` has workers do."""
+
+    def __init__(self, run: Run, size: int, lines: bool, encoding: str, depth: int, max_paths: int) -> None:
+        self._run = run
+        self._size = _arguments.number("size", size, 1)
+        self._lines = lines
+        self._encoding = _arguments.text("encoding", encoding)
+        self._depth = _arguments.number("depth", depth)
+        self._max_paths = _arguments.number("max_paths", max_paths)
+        self._apart: set[str] = set()  # files that cannot be
+        self._scans: dict[Part, _Scan] = {}
+
+    def parts_of(self, files: Sequence[str]) -> list[list[Part]]:
+        """Of each file."""
+        return self._done(partial(_parts_of, size=self._size, lines=self._lines, encoding=self._encoding), files)
+
+    def scans_of(self, divided: list[list[Part]]) -> list[_Scan]:
+        """Of each part the scan, and how often containers come; changes parts that cannot be scanned apart."""
+        scan = partial(
+            _scan, lines=self._lines, encoding=self._encoding, depth=self._depth, max_paths=self._max_paths
+        )
+        while True:
+            parts = [part for of in divided for part in of]
+            wanted = [part for part in dict.fromkeys(parts) if part not in self._scans]
+            results = self._done(scan, wanted)
+            self._scans.update((part, found) for part, found in zip(wanted, results) if not isinstance(found, Error))
+            if not self._not_apart(wanted, results):
+                return [self._scans[part] for part in parts]
+            self.divide_less(divided)
+
+    def sum_of(self, scans: Iterable[_Scan]) -> bytes:
+        """Of many scans the workers make sums, and sums of these."""
+        return self._summed(_qvejmap.merge_scans, [scan for scan, _ in scans])
+
+    def facts_of(self, plan: Plan) -> list[bytes] | None:
+        """None: some parts cannot be read apart."""
+        light = plan.without_parts()
+        results = self._done(partial(_facts, light), plan.parts)
+        if self._not_apart([planned.part for planned in plan.parts], results):
+            return None
+        return [self._summed(light.sum, results)]
+
+    def divide_less(self, divided: list[list[Part]]) -> None:
+        """Files whose parts cannot be read apart are one part."""
+        divided[:] = [[Part.whole(of[0].file)] if of[0].file in self._apart else of for of in divided]
+
+    def _summed(self, sum: Callable[[list[bytes]], bytes], of: list[bytes]) -> bytes:
+        while len(of) > _SUMMED_AT_ONCE:
+            some = [of[i : i + _SUMMED_AT_ONCE] for i in range(0, len(of), _SUMMED_AT_ONCE)]
+            of = self._done(sum, some)
+        return sum(of)
+
+    def _done(self, function: Callable[[Any], Any], items: Sequence[Any]) -> list[Any]:
+        """The results, in which files that cannot be divided are errors; raises the first other one."""
+        results = list(self._run(partial(_tried, function), items)) if items else []
+        if len(results) != len(items):
+            raise ValueError("run: a result of each item")
+        for result in results:
+            if isinstance(result, Error) and result.status != _UNSUPPORTED:
+                raise result
+        return results
+
+    def _not_apart(self, parts: Sequence[Part], results: Sequence[Any]) -> bool:
+        """Are there some?  Raises the error when a file is one part already."""
+        found = False
+        for part, result in zip(parts, results):
+            if isinstance(result, Error):
+                if part == Part.whole(part.file):
+                    raise result
+                self._apart.add(part.file)
+                found = True
+        return found
+
+
+def _tried(function: Callable[[Any], Any], item: Any) -> Any:
+    """Errors are results, so that the first one of the text is told, and workers do not try again."""
+    try:
+        return function(item)
+    except Error as error:
+        return error
+
+
+def _parts_of(file: str, size: int, lines: bool, encoding: str) -> list[Part]:
+    return parts(file, size, lines=lines, encoding=encoding)
+
+
+def _scan(part: Part, *, lines: bool, encoding: str, depth: int, max_paths: int) -> _Scan:
+    scan = PartialScan(part, lines=lines, encoding=encoding, depth=depth, max_paths=max_paths).to_bytes()
+    return scan, _qvejmap.containers_of_scan(scan)
+
+
+def _facts(plan: Plan, part: PlannedPart) -> bytes:
+    return plan.facts(part)
 
 
 def _state(file: str) -> tuple[int, int] | None:

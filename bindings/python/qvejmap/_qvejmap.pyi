@@ -50,6 +50,8 @@ class Document:
     def arrow_stream(self, table: int, columns: list[int], rows: int) -> object: ...
     def batches(self, table: int, columns: list[int], rows: int) -> Batches: ...
 
+# The files that words name, and whether they are several texts.
+def input_files(words: list[bytes]) -> tuple[list[bytes], bool]: ...
 def open(
     words: list[bytes],
     buffer: Buffer | None,
@@ -88,8 +90,8 @@ def merge_scans(scans: list[bytes]) -> bytes: ...
 def map_of_scan(scan: bytes) -> str: ...
 def counts_of_scan(scan: bytes) -> list[tuple[str, int]]: ...
 
-# The same by the bytes of paths, as `open_part` takes them.
-def containers_of_scan(scan: bytes) -> list[tuple[bytes, int]]: ...
+# The same by the bytes of paths, as `open_part` takes them; None: they do not tell ordinals.
+def containers_of_scan(scan: bytes) -> list[tuple[bytes, int]] | None: ...
 def open_part(
     file: bytes,
     form: int,
@@ -99,6 +101,7 @@ def open_part(
     before: list[tuple[bytes, int]],
     *,
     encoding: str,
+    lines: bool,
     depth: int,
     map: bytes,
     map_name: bytes,

@@ -1,5 +1,6 @@
 """Plans: the parts of a document, each read by itself, have the tables of the whole."""
 
+import gzip
 import os
 import pickle
 import random
@@ -81,6 +82,38 @@ class Plans(unittest.TestCase):
         files = [self.file("a.json", "[" + ",".join(rows(30, 2)) + "]"), self.file("b.json", '{"id":"x"}'),
                  self.file("c.jsonl", "\n".join(rows(40, 3)))]
         self.compare(files, planned(files, 900, source_column="source"))
+
+    def test_are_found_by_workers(self):
+        def run(function, items):
+            return [pickle.loads(pickle.dumps(pickle.loads(pickle.dumps(function))(item))) for item in items]
+
+        text = list(rows(100, 5))
+        with gzip.open(os.path.join(self.folder.name, "b.json.gz"), "wt") as file:
+            file.write("[" + ",".join(text[:10]) + "]")
+        with open(os.path.join(self.folder.name, "c.json"), "w", encoding="utf-16") as file:
+            file.write("[" + ",".join(text[10:20]) + "]")
+        a = self.file("a.json", "[" + ",".join(text) + "]")
+        apart = self.file("d.json", "[" + ",".join('{"":%d}' % i for i in range(100)) + "]")
+        scalars = self.file("e.json", '[1,[2,{"a":3}],' + ",".join(text[:20]) + "]")
+        forced = self.file("f", "\n".join(text))
+        left = self.file("g.json", "[" + ",".join('{"a":[{"n":%d}]},{"x":%d}' % (i, i) for i in range(500)) + "]")
+        crossing = {"DATASETS": [{"DSNAME": "T", "TABLEPATH": "/root/a", "VARIABLES": [
+            {"NAME": "x", "TYPE": "NUMERIC", "PATH": "/root/x"}]}]}
+        for files, options, parts in (
+            ([a], {}, 10), ([apart], {}, 1), ([scalars], {}, 1), ([forced], {"lines": True}, 10),
+            ([left], {"map": crossing}, 1), ([left], {}, 10), ([a, scalars], {}, 10), ([a, a], {}, 20),
+            ([os.path.join(self.folder.name, name) for name in ("a.json", "b.json.gz", "c.json")], {}, 12),
+        ):
+            with self.subTest(files=files):
+                plan = qvejmap.Plan.find(files if len(files) > 1 else files[0], run, size=1000, **options)
+                found = self.compare(files, qvejmap.Plan.from_json(plan.to_json()), **options)
+                self.assertTrue(found >= parts > 1 or found == parts, found)
+        with self.assertRaisesRegex(qvejmap.Error, "no objects"):
+            qvejmap.Plan.find([a, scalars, a], run)
+        broken = self.file("h.jsonl", '{"a":1}\n' * 500 + '{"a":}\n' + '{"a":1}\n' * 500 + "}")
+        with self.assertRaises(qvejmap.NotJson) as raised:
+            qvejmap.Plan.find([a, broken], run, size=1000)
+        self.assertEqual((raised.exception.file, raised.exception.line), (broken, 501))
 
     def test_parts_that_cannot_be_read_apart_are_errors(self):
         # A value of an object without rows is in the next row.
