@@ -173,14 +173,16 @@ nb::object containersOfScan(const nb::bytes& bytes) {
 
 //   scan    of all parts
 //   before  containers as in containers_of_scan, and how often they have come before this part
+//   last    no part comes after it
 std::shared_ptr<SharedDocument> openPart(const nb::bytes& file, int form, const nb::tuple& pieces,
                                          const nb::object& head, const nb::bytes& scan,
                                          const std::vector<std::tuple<nb::bytes, uint64_t>>& before,
-                                         const std::string& encoding, bool lines, uint64_t depth,
-                                         const nb::bytes& map, const nb::bytes& mapName,
-                                         bool originalNames, bool carry,
+                                         bool last, const std::string& encoding, bool lines,
+                                         uint64_t depth, const nb::bytes& map,
+                                         const nb::bytes& mapName, bool originalNames, bool carry,
                                          const std::string& sourceColumn) {
-    RangeOptions options = {PartialScan(stringOf(scan)), rangeOf(file, form, pieces, head), {}};
+    RangeOptions options = {
+        PartialScan(stringOf(scan)), rangeOf(file, form, pieces, head), {}, last};
     for (const auto& [path, count] : before) {
         options.before.push_back({stringOf(path), count});
     }
@@ -230,7 +232,7 @@ void registerPartialScans(nb::module_& module) {
     module.def("counts_of_scan", &countsOfScan, "scan"_a);
     module.def("containers_of_scan", &containersOfScan, "scan"_a);
     module.def("open_part", &openPart, "file"_a, "form"_a, "pieces"_a, "head"_a.none(), "scan"_a,
-               "before"_a, "encoding"_a, "lines"_a, "depth"_a, "map"_a, "map_name"_a,
+               "before"_a, "last"_a, "encoding"_a, "lines"_a, "depth"_a, "map"_a, "map_name"_a,
                "original_names"_a, "carry"_a, "source_column"_a);
     module.def("facts_of", &factsOf, "document"_a);
     module.def("sum_of_facts", &sumOfFacts, "document"_a, "facts"_a);

@@ -76,12 +76,6 @@ void readRange(const TextRange& wanted, const TextOptions& options, const TakePa
     }
 }
 
-bool endsItsFile(const TextRange& range) {
-    using Kind = Partition::Kind;
-    const Kind kind = range.pieces.back().kind;
-    return kind == Kind::WHOLE || kind == Kind::LAST || kind == Kind::TAIL;
-}
-
 }  // namespace
 
 RangeDocument::RangeDocument(Engine& engine, RangeOptions options)
@@ -105,7 +99,7 @@ RangeDocument::RangeDocument(Engine& engine, RangeOptions options)
     for ([[maybe_unused]] const TextPiece& piece : options.range.pieces) {
         parts->counts.add({});
     }
-    parts->excerpt = {1, endsItsFile(options.range)};
+    parts->excerpt = {1, options.last};
     parts->read = [range = std::move(options.range), text = options.text](
                       uint64_t, const TakePart& take) { readRange(range, text, take); };
     document_.setParts(std::move(parts));

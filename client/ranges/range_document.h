@@ -1,7 +1,7 @@
 // A document of which one range is read: its tables, names and ordinals are those of the whole.
 //
 //     const qvej::PartialScan all = qvej::PartialScan::merged(engine, scans);
-//     qvej::RangeDocument part(engine, {all, ranges[3], countsOf(scans 0 to 2)});
+//     qvej::RangeDocument part(engine, {all, ranges[3], countsOf(scans 0 to 2), false});
 //     qvej::TablePass pass(part.document(), tables);       // the rows of that range
 //
 // The rows of all ranges, one after the other, are those of the document.  Where values of one
@@ -25,6 +25,7 @@ struct RangeOptions {
     PartialScan whole;                   // the sum of all ranges' scans
     TextRange range;                     // what is read
     std::vector<ContainerCount> before;  // of the ranges before it, added up
+    bool last;                           // no range comes after it; an unfinished row ends there
     std::string map = {};                // as of OpenOptions, the next ones too
     Naming naming = Naming::MAP;
     TextOptions text = {};

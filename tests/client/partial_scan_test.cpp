@@ -135,7 +135,7 @@ Lines itemsOfRanges(Engine& engine, const std::vector<TextRange>& ranges) {
         for (const auto& [path, count] : before) {
             counts.push_back({path, count});
         }
-        const qvej::RangeDocument part(engine, {whole, ranges[i], counts});
+        const qvej::RangeDocument part(engine, {whole, ranges[i], counts, i + 1 == ranges.size()});
         const Lines more = rowsOf(part.document());
         lines.insert(lines.end(), more.begin(), more.end());
         before = added(before, engine, scans[i]);

@@ -36,6 +36,7 @@ class PlannedPart(NamedTuple):
 
     part: Part
     before: tuple[tuple[bytes, int], ...]  # containers, and how often they have come
+    last: bool  # nothing comes after it: rows that are complete when the next one begins are not
     state: tuple[int, int] | None  # size and time of its file; None: it is not looked at
 
 
@@ -133,10 +134,10 @@ class Plan:
         states = {file: _state(file) for file in {part.file for part in parts}}
         #: The parts, for `facts` and `open`.
         self.parts: list[PlannedPart] = []
-        for part, of in zip(parts, containers):
-            self.parts.append(PlannedPart(part, tuple(before.items()), states[part.file]))
+        for number, (part, of) in enumerate(zip(parts, containers), 1):
+            self.parts.append(PlannedPart(part, tuple(before.items()), number == len(parts), states[part.file]))
             before.update(dict(of or ()))
-            if of is None and len(self.parts) < len(parts):
+            if of is None and number < len(parts):
                 raise Error(_NO_OBJECTS, part.file, 0, 0, -1, _UNSUPPORTED, "")
         self._document(self.parts[0])  # a mistake in the map is told now
 
@@ -174,8 +175,8 @@ class Plan:
         options = {name: _text(of) if isinstance(of, bytes) else of for name, of in self._options.items()}
         parts = [
             [part.file, part.form, [_listed(piece) for piece in part.pieces], part.head and _listed(part.head),
-             [[_text(path), count] for path, count in before], state]
-            for part, before, state in self.parts
+             [[_text(path), count] for path, count in before], last, state]
+            for part, before, last, state in self.parts
         ]
         facts = None if self._facts is None else _text(self._facts)
         return json.dumps({"format": _FORMAT, "options": options, "scan": _text(self._scan),
@@ -202,9 +203,10 @@ class Plan:
                 PlannedPart(
                     Part(file, form, tuple(_piece(piece) for piece in pieces), head and _piece(head)),
                     tuple((_bytes(path), count) for path, count in before),
+                    last,
                     state and tuple(state),
                 )
-                for file, form, pieces, head, before, state in given["parts"]
+                for file, form, pieces, head, before, last, state in given["parts"]
             ]
         except (KeyError, TypeError, AttributeError) as error:
             raise ValueError(_NO_PLAN) from error
@@ -215,12 +217,12 @@ class Plan:
         return f"<qvejmap.Plan: {len(self.parts):,} parts, {types}>"
 
     def _document(self, planned: PlannedPart) -> _qvejmap.Document:
-        part, before, state = planned
+        part, before, last, state = planned
         _check(part)
         if state is not None and state != _state(part.file):
             raise FileError("the file has changed since it was scanned", part.file, 0, 0, -1, _CHANGED, "")
         return _qvejmap.open_part(
-            os.fsencode(part.file), part.form, part.pieces, part.head, self._scan, list(before), **self._options
+            os.fsencode(part.file), part.form, part.pieces, part.head, self._scan, list(before), last, **self._options
         )
 
 

@@ -99,6 +99,7 @@ def open_part(
     head: Piece | None,
     scan: bytes,
     before: list[tuple[bytes, int]],
+    last: bool,
     *,
     encoding: str,
     lines: bool,

@@ -12,7 +12,7 @@ import unittest
 
 LEAKS = 23  # as run.py has it
 TESTS = ["test_arrow", "test_capsules", "test_document", "test_errors", "test_interrupt", "test_open",
-         "test_partial_scan", "test_tables"]
+         "test_partial_scan", "test_plan", "test_tables"]
 
 
 def leak():

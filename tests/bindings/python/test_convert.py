@@ -56,6 +56,14 @@ class Conversions(unittest.TestCase):
                     rows = {of["title"] if "title" in of else of["name"]: of for of in json.load(file)["resources"]}
                 self.assertEqual(len(rows), len(done.tables))
 
+    def test_tell_mistakes_in_the_words_of_this_package(self):
+        out = self.path("a.db")
+        qvejmap.convert(b'[{"a":1}]', out)
+        for text, target, words in ((b'[{"a":1}]', out, "existing='replace' makes"),
+                                    (b'{"a":[{"b":1}],"c":[{"d":1}]}', self.path("a.parquet"), r"tables=\[NAME\]")):
+            with self.assertRaisesRegex(qvejmap.Error, words):
+                qvejmap.convert(text, target)
+
     def test_of_a_document_that_is_open_go_into_one_file(self):
         for suffix, format in ((".db", None), (".xlsx", None), ("", "sqlite")):
             out = self.path("out" + suffix)

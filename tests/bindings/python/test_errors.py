@@ -115,12 +115,6 @@ class Errors(unittest.TestCase):
         for sentence in found - of_plans:
             own = in_own_words(sentence).replace("zstd -d --long=31", "")
             self.assertIsNone(re.search("--[a-z]|VERB", own), sentence)
-        with tempfile.TemporaryDirectory() as folder:
-            out = os.path.join(folder, "a.db")
-            qvejmap.convert(b'[{"a":1}]', out)
-            for target, words in ((out, "existing='replace' makes"), (os.path.join(folder, "a.parquet"), r"tables=\[NAME\]")):
-                with self.assertRaisesRegex(qvejmap.Error, words):
-                    qvejmap.convert(b'{"a":[{"b":1}],"c":[{"d":1}]}' if target != out else b'[{"a":1}]', target)
         map = {"DATASETS": [{"DSNAME": "T", "TABLEPATH": "/root/i", "VARIABLES": [
             {"NAME": "id", "TYPE": "NUMERIC", "PATH": "/root/id"}]}]}
         doc = qvejmap.open(b'[{"i":[{}],"id":7}]', map=map)

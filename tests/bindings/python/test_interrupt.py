@@ -83,7 +83,7 @@ class Interrupts(unittest.TestCase):
         for name, work in (
             ("open", lambda: qvejmap.open(pipe)),
             ("several", lambda: qvejmap.open([self.file, pipe])),
-            ("convert", lambda: qvejmap.convert(pipe, shown + ".parquet")),
+            ("convert", lambda: qvejmap.convert(pipe, shown + ".folder")),
             ("map", lambda: qvejmap.open(b"{}", map=pipe)),
             ("parts", lambda: qvejmap.parts(pipe)),
             ("scan", lambda: qvejmap.PartialScan(whole)),

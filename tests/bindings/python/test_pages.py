@@ -16,7 +16,7 @@ from documents import SOURCE
 class Pages(unittest.TestCase):
     def test_examples_run_as_they_stand(self):
         here = os.getcwd()
-        for page in ("README.md", "docs/PYTHON.md"):
+        for page in ("README.md", "docs/PYTHON.md", "docs/SCALE.md"):
             with open(os.path.join(SOURCE, page), encoding="utf-8") as file:
                 blocks = re.findall(r"^```python\n(.*?)^```", file.read(), re.S | re.M)
             self.assertNotEqual(blocks, [], page)

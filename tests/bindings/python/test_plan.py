@@ -99,7 +99,10 @@ class Plans(unittest.TestCase):
         left = self.file("g.json", "[" + ",".join('{"a":[{"n":%d}]},{"x":%d}' % (i, i) for i in range(500)) + "]")
         crossing = {"DATASETS": [{"DSNAME": "T", "TABLEPATH": "/root/a", "VARIABLES": [
             {"NAME": "x", "TYPE": "NUMERIC", "PATH": "/root/x"}]}]}
+        ends = [self.file(f"end{i}.json", '[{"b":[{"c":%d}]},{"b":[]}]' % i) for i in range(3)]
+        lines = self.file("l.jsonl", '{"b":[{"c":1}]}\n{"b":[]}\n' * 300)
         for files, options, parts in (
+            (ends, {}, 3), ([lines], {}, 5),
             ([a], {}, 10), ([apart], {}, 1), ([scalars], {}, 1), ([forced], {"lines": True}, 10),
             ([left], {"map": crossing}, 1), ([left], {}, 10), ([a, scalars], {}, 10), ([a, a], {}, 20),
             ([os.path.join(self.folder.name, name) for name in ("a.json", "b.json.gz", "c.json")], {}, 12),
