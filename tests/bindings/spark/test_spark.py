@@ -78,7 +78,7 @@ class OnACluster(unittest.TestCase):
                              [(f.nullable, {k.decode(): v.decode() for k, v in (f.metadata or {}).items()})
                               for f in want.schema])
             for column in got.column_names:
-                if want[column].type == "timestamp[ns, tz=UTC]":
+                if getattr(want[column].type, "unit", "") == "ns":
                     continue  # Spark has no nanoseconds
                 self.assertEqual(str(got[column].to_pylist()), str(want[column].to_pylist()), (name, column))
         return len(plan.parts)
