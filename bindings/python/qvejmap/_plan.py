@@ -75,7 +75,7 @@ class Plan:
         depth: int = 1000,
         source_column: str = "",
     ) -> None:
-        self._options = _options(lines is True, map, naming, carry, encoding, depth, source_column)
+        self._options = _options(lines, map, naming, carry, encoding, depth, source_column)
         scans = list(scans)
         if len(scans) != len(parts) or not scans:
             raise ValueError("scans: one of each part")
@@ -112,14 +112,14 @@ class Plan:
         Raises:
             NotJson, LimitReached, MapError, FileError, Error: as `open`.
         """
-        finder = _Finder(run, size, lines is True, encoding, depth, max_paths)
         files, several = _qvejmap.input_files(words_of(source))
+        options = _options(lines, map, naming, carry, encoding, depth, "source" if several else "")
+        finder = _Finder(run, size, lines is True, encoding, depth, max_paths)
         divided = finder.parts_of([os.fsdecode(file) for file in files])
         while True:
             scans = finder.scans_of(divided)
             plan = cls.__new__(cls)
-            plan._options = _options(
-                lines is True, map, naming, carry, encoding, depth, "source" if several else "")
+            plan._options = options
             plan._set([part for of in divided for part in of], finder.sum_of(scans), [containers for _, containers in scans])
             facts = finder.facts_of(plan)
             if facts is not None:
@@ -227,12 +227,14 @@ class Plan:
 
 
 def _options(
-    lines: bool, map: Path | Mapping[str, Any] | None, naming: str, carry: bool, encoding: str, depth: int,
-    source_column: str,
+    lines: Literal[True] | None, map: Path | Mapping[str, Any] | None, naming: str, carry: bool, encoding: str,
+    depth: int, source_column: str,
 ) -> dict[str, Any]:
+    if lines is not None and lines is not True:
+        raise ValueError("lines: True or None")
     map_bytes, map_name = (b"", b"") if map is None else map_text(map)
     return {
-        "lines": lines,
+        "lines": lines is True,
         "encoding": _arguments.text("encoding", encoding),
         "depth": _arguments.number("depth", depth),
         "map": map_bytes,

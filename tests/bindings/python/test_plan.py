@@ -136,6 +136,8 @@ class Plans(unittest.TestCase):
             (lambda: qvejmap.Plan(parts, scans[1:]), ValueError),
             (lambda: qvejmap.Plan([], []), ValueError),
             (lambda: qvejmap.Plan(parts, scans, naming="no"), ValueError),
+            (lambda: qvejmap.Plan(parts, scans, lines=False), ValueError),
+            (lambda: qvejmap.Plan.find(file, lines="yes"), ValueError),
             (lambda: qvejmap.Plan.from_json("{}"), ValueError),
             (lambda: qvejmap.Plan.from_json("no"), ValueError),
             (lambda: plan.learn([b"no"]), qvejmap.Error),
