@@ -175,6 +175,20 @@ nb::list tablesOf(const SharedDocument& document) {
     return tables;
 }
 
+// The ordinal columns of a table, and what they count: objects and arrays with that path, as
+// open_part takes them.
+nb::list ordinalsOf(const SharedDocument& document, std::size_t position) {
+    const Table& table = *document.tables().at(position);
+    nb::list ordinals;
+    for (std::size_t c = 0; c < table.columns.size(); ++c) {
+        const std::string path = table.columns[c].path;
+        if (table.columns.type(c) == ColumnType::ORDINAL && !path.empty()) {
+            ordinals.append(nb::make_tuple(c, nb::bytes(path.data(), path.size())));
+        }
+    }
+    return ordinals;
+}
+
 const Schema& schemaOf(SharedDocument& document) {
     interruptible([&] { (void)document.schema(); });
     return document.schema();
@@ -383,6 +397,7 @@ void registerDocuments(nb::module_& module) {
                      [](const SharedDocument& document) { return fileNameOf(document.name()); })
         .def("map_text", &mapText)
         .def("tables", &tablesOf)
+        .def("ordinals", &ordinalsOf, "table"_a)
         .def("shape", &shapeOf)
         .def("schema", &schemaList)
         .def("findings", &findingsOf)

@@ -5,7 +5,8 @@ from __future__ import annotations
 import base64
 import json
 import os
-from collections import Counter
+import struct
+import zlib
 from collections.abc import Callable, Iterable, Mapping, Sequence
 from functools import partial
 from typing import Any, Literal, NamedTuple, Union
@@ -35,7 +36,7 @@ class PlannedPart(NamedTuple):
     """A part of a document, and what comes before it."""
 
     part: Part
-    before: tuple[tuple[bytes, int], ...]  # containers, and how often they have come
+    before: bytes  # how often each of the plan's containers has come, packed
     last: bool  # nothing comes after it: rows that are complete when the next one begins are not
     state: tuple[int, int] | None  # size and time of its file; None: it is not looked at
 
@@ -130,15 +131,22 @@ class Plan:
     def _set(self, parts: Sequence[Part], scan: bytes, containers: Sequence[_Containers | None]) -> None:
         self._scan = scan
         self._facts: bytes | None = None
-        before: Counter[bytes] = Counter()
+        places: dict[bytes, int] = {}
+        before: list[int] = []
         states = {file: _state(file) for file in {part.file for part in parts}}
         #: The parts, for `facts` and `open`.
         self.parts: list[PlannedPart] = []
         for number, (part, of) in enumerate(zip(parts, containers), 1):
-            self.parts.append(PlannedPart(part, tuple(before.items()), number == len(parts), states[part.file]))
-            before.update(dict(of or ()))
+            self.parts.append(PlannedPart(part, _packed(before), number == len(parts), states[part.file]))
+            for path, count in of or ():
+                place = places.setdefault(path, len(before))
+                if place == len(before):
+                    before.append(0)
+                before[place] += count
             if of is None and number < len(parts):
                 raise Error(_NO_OBJECTS, part.file, 0, 0, -1, _UNSUPPORTED, "")
+        self._containers = list(places)
+        self._after = _packed(before if containers[-1] is not None else [_arguments.MOST] * len(before))
         self._document(self.parts[0])  # a mistake in the map is told now
 
     def facts(self, part: PlannedPart) -> bytes:
@@ -164,6 +172,25 @@ class Plan:
             _qvejmap.learn(document, self._facts)
         return Document(document)
 
+    def ordinals(self, table: str) -> dict[str, list[range]]:
+        """Of the ordinal columns of a table: what each part's rows can have in them.
+
+        Raises:
+            KeyError: there is no such table, or it is ALLDATA, which has no ordinals.
+        """
+        document = self._document(self.parts[0])
+        facade = Document(document)
+        position, _ = facade._places[table]
+        columns = facade[table]._column_names()
+        before = [_unpacked(part.before) for part in self.parts] + [_unpacked(self._after)]
+        ranges = {}
+        for column, container in document.ordinals(position):
+            if container in self._containers:
+                place = self._containers.index(container)
+                counts = [of[place] if place < len(of) else 0 for of in before]
+                ranges[columns[column]] = [range(least, most + 1) for least, most in zip(counts, counts[1:])]
+        return ranges
+
     def without_parts(self) -> Plan:
         """The same without parts, which is small: with one of them it can be sent to who reads that one."""
         plan = Plan.__new__(Plan)
@@ -175,12 +202,13 @@ class Plan:
         options = {name: _text(of) if isinstance(of, bytes) else of for name, of in self._options.items()}
         parts = [
             [part.file, part.form, [_listed(piece) for piece in part.pieces], part.head and _listed(part.head),
-             [[_text(path), count] for path, count in before], last, state]
+             _text(before), last, state]
             for part, before, last, state in self.parts
         ]
         facts = None if self._facts is None else _text(self._facts)
         return json.dumps({"format": _FORMAT, "options": options, "scan": _text(self._scan),
-                           "facts": facts, "parts": parts})
+                           "facts": facts, "containers": [_text(path) for path in self._containers],
+                           "after": _text(self._after), "parts": parts})
 
     @classmethod
     def from_json(cls, text: str) -> Plan:
@@ -199,10 +227,12 @@ class Plan:
             }
             plan._scan = _bytes(given["scan"])
             plan._facts = None if given["facts"] is None else _bytes(given["facts"])
+            plan._containers = [_bytes(path) for path in given["containers"]]
+            plan._after = _bytes(given["after"])
             plan.parts = [
                 PlannedPart(
                     Part(file, form, tuple(_piece(piece) for piece in pieces), head and _piece(head)),
-                    tuple((_bytes(path), count) for path, count in before),
+                    _bytes(before),
                     last,
                     state and tuple(state),
                 )
@@ -217,12 +247,13 @@ class Plan:
         return f"<qvejmap.Plan: {len(self.parts):,} parts, {types}>"
 
     def _document(self, planned: PlannedPart) -> _qvejmap.Document:
-        part, before, last, state = planned
+        part, packed, last, state = planned
+        before = list(zip(self._containers, _unpacked(packed)))
         _check(part)
         if state is not None and state != _state(part.file):
             raise FileError("the file has changed since it was scanned", part.file, 0, 0, -1, _CHANGED, "")
         return _qvejmap.open_part(
-            os.fsencode(part.file), part.form, part.pieces, part.head, self._scan, list(before), last, **self._options
+            os.fsencode(part.file), part.form, part.pieces, part.head, self._scan, before, last, **self._options
         )
 
 
@@ -348,6 +379,16 @@ def _state(file: str) -> tuple[int, int] | None:
     except OSError:
         return None
     return found.st_size, found.st_mtime_ns
+
+
+def _packed(counts: list[int]) -> bytes:
+    """So that a hundred thousand parts have room in a driver's memory."""
+    return zlib.compress(struct.pack(f"<{len(counts)}Q", *counts), 1)
+
+
+def _unpacked(packed: bytes) -> tuple[int, ...]:
+    data = zlib.decompress(packed)
+    return struct.unpack(f"<{len(data) // 8}Q", data)
 
 
 def _text(data: bytes) -> str:

@@ -50,7 +50,15 @@ class Plans(unittest.TestCase):
         light = pickle.loads(pickle.dumps(plan.without_parts()))
         parts = [light.open(part) for part in pickle.loads(pickle.dumps(plan.parts))]
         for name, table in tables.items():
-            got = pyarrow.concat_tables([part[name].to_arrow() for part in parts])
+            rows = [part[name].to_arrow() for part in parts]
+            got = pyarrow.concat_tables(rows)
+            ordinals = plan.ordinals(name)
+            for column, ranges in ordinals.items():
+                for of, can_be in zip(rows, ranges):
+                    self.assertTrue(all(v is None or v in can_be for v in of[column].to_pylist()), (name, column))
+            if (key := want[name].key) in ordinals:
+                most = max([*got[key].to_pylist(), 0])  # the last one may be that of a row that is never complete
+                self.assertIn(ordinals[key][-1].stop - 1, (most, most + 1, 2**64 - 1), name)
             self.assertTrue(got.schema.equals(table.schema, check_metadata=True), (name, got.schema, table.schema))
             self.assertEqual(str(got.to_pylist()), str(table.to_pylist()), name)
             self.assertEqual(parts[-1][name].key, want[name].key)
