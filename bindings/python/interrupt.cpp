@@ -87,6 +87,12 @@ bool isStopped() {
     return stop != nullptr && stop->load(std::memory_order_relaxed);
 }
 
+void unlocked(const std::function<void()>& work) {
+    const nb::gil_scoped_acquire locked;  // nothing else tells whether it is held
+    const nb::gil_scoped_release released;
+    work();
+}
+
 void interruptible(const std::function<void()>& work) {
     if (!onMainThread()) {
         const nb::gil_scoped_release unlocked;

@@ -15,6 +15,10 @@ namespace qvej::python {
 // too.
 void interruptible(const std::function<void()>& work);
 
+// Does the work without the interpreter's lock, whether the calling thread holds it or not: work
+// that waits for threads which call functions of Python.
+void unlocked(const std::function<void()>& work);
+
 // Whether the work that the calling thread does is to end; see DocumentOptions::stopped.
 [[nodiscard]] bool isStopped();
 

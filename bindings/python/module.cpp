@@ -4,6 +4,7 @@
 #include "bindings/python/failures.h"
 #include "bindings/python/maps.h"
 #include "bindings/python/partial_scans.h"
+#include "bindings/python/source.h"
 
 #include <nanobind/nanobind.h>
 
@@ -14,4 +15,5 @@ NB_MODULE(_qvejmap, module) {
     qvej::python::registerConversions(module);
     qvej::python::registerMaps(module);
     qvej::python::registerPartialScans(module);
+    qvej::python::endCallsWithPython();
 }

@@ -71,14 +71,17 @@ TextPiece pieceOf(const nb::handle& from) {
 }
 
 // Of each range its form, its pieces, and the head or None.
-nb::list rangeList(const nb::bytes& file, uint64_t bytes, const std::string& encoding, bool lines) {
+//   readAt  None: it is a file of this machine
+nb::list rangeList(const nb::bytes& file, uint64_t bytes, const std::string& encoding, bool lines,
+                   const nb::object& readAt) {
     const std::string name = stringOf(file);
+    const ReadAt read = readAtOf(readAt);
     std::vector<TextRange> ranges;
     interruptible([&] {
         TextOptions text;
         text.encoding = encoding;
         text.lines = lines;
-        ranges = rangesOf(name, bytes, text, &isStopped);
+        ranges = rangesOf(name, bytes, text, &isStopped, read);
     });
     nb::list list;
     for (const TextRange& range : ranges) {
@@ -118,8 +121,10 @@ TextRange rangeOf(const nb::bytes& file, int form, const nb::tuple& pieces,
 }
 
 nb::object scanRange(const nb::bytes& file, int form, const nb::tuple& pieces,
-                     const std::string& encoding, uint64_t depth, uint64_t maxPaths) {
-    const TextRange range = rangeOf(file, form, pieces, nb::none());
+                     const std::string& encoding, uint64_t depth, uint64_t maxPaths,
+                     const nb::object& readAt) {
+    TextRange range = rangeOf(file, form, pieces, nb::none());
+    range.readAt = readAtOf(readAt);
     const PartialScanOptions options =
         optionsOf(encoding, range.form == TextForm::LINES, depth, maxPaths);
     return bytesOf(worked([&](Engine& engine) { return PartialScan::of(engine, range, options); }));
@@ -179,15 +184,18 @@ std::shared_ptr<SharedDocument> openPart(const nb::bytes& file, int form, const 
                                          const std::vector<std::tuple<nb::bytes, uint64_t>>& before,
                                          bool last, const std::string& encoding, bool lines,
                                          uint64_t depth, const nb::bytes& map,
-                                         const nb::bytes& mapName, bool originalNames, bool carry,
-                                         const std::string& sourceColumn) {
+                                         const nb::bytes& mapName, bool originalNames, bool exact,
+                                         bool carry, const std::string& sourceColumn,
+                                         const nb::object& readAt) {
     RangeOptions options = {
         PartialScan(stringOf(scan)), rangeOf(file, form, pieces, head), {}, last};
     for (const auto& [path, count] : before) {
         options.before.push_back({stringOf(path), count});
     }
+    options.range.readAt = readAtOf(readAt);
     options.map = stringOf(map);
     options.naming = originalNames ? Naming::ORIGINAL : Naming::MAP;
+    options.exact = exact;
     options.text.encoding = encoding;
     options.text.lines = lines || options.range.form == TextForm::LINES;
     options.maxDepth = depth;
@@ -222,9 +230,10 @@ void learn(SharedDocument& document, const nb::bytes& facts) {
 }  // namespace
 
 void registerPartialScans(nb::module_& module) {
-    module.def("ranges", &rangeList, "file"_a, "bytes"_a, "encoding"_a, "lines"_a);
+    module.def("ranges", &rangeList, "file"_a, "bytes"_a, "encoding"_a, "lines"_a,
+               "read_at"_a.none());
     module.def("scan_range", &scanRange, "file"_a, "form"_a, "pieces"_a, "encoding"_a, "depth"_a,
-               "max_paths"_a);
+               "max_paths"_a, "read_at"_a.none());
     module.def("scan_text", &scanText, "buffer"_a, "lines"_a, "encoding"_a, "depth"_a,
                "max_paths"_a);
     module.def("merge_scans", &mergeScans, "scans"_a);
@@ -233,7 +242,7 @@ void registerPartialScans(nb::module_& module) {
     module.def("containers_of_scan", &containersOfScan, "scan"_a);
     module.def("open_part", &openPart, "file"_a, "form"_a, "pieces"_a, "head"_a.none(), "scan"_a,
                "before"_a, "last"_a, "encoding"_a, "lines"_a, "depth"_a, "map"_a, "map_name"_a,
-               "original_names"_a, "carry"_a, "source_column"_a);
+               "original_names"_a, "exact"_a, "carry"_a, "source_column"_a, "read_at"_a.none());
     module.def("facts_of", &factsOf, "document"_a);
     module.def("sum_of_facts", &sumOfFacts, "document"_a, "facts"_a);
     module.def("learn", &learn, "document"_a, "facts"_a);

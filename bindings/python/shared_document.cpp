@@ -45,6 +45,14 @@ const OpenDocument& Opened::whole() const {
     return *all;
 }
 
+void Opened::waiting(const std::function<void()>& work) const {
+    if (callsPython) {
+        unlocked(work);
+    } else {
+        work();
+    }
+}
+
 SharedDocument::SharedDocument(std::shared_ptr<Opened> opened, bool alldata, bool carry)
     : opened_(std::move(opened)),
       alldata_(alldata),
@@ -195,13 +203,19 @@ SharedReader::SharedReader(std::shared_ptr<SharedDocument> document, const Batch
 }
 
 SharedReader::~SharedReader() {
-    const std::unique_lock lock = document_->lastTurn();
-    reader_.reset();
+    document_->opened().waiting([&] {
+        const std::unique_lock lock = document_->lastTurn();
+        reader_.reset();
+    });
 }
 
 std::shared_ptr<const RecordBatch> SharedReader::next() {
-    const std::unique_lock lock = document_->turn();
-    return named(document_->opened(), [&] { return reader_->next(); });
+    std::shared_ptr<const RecordBatch> batch;
+    document_->opened().waiting([&] {
+        const std::unique_lock lock = document_->turn();
+        batch = named(document_->opened(), [&] { return reader_->next(); });
+    });
+    return batch;
 }
 
 RejectReader::RejectReader(std::shared_ptr<SharedDocument> document)

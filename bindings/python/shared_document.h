@@ -38,7 +38,9 @@ struct Opened {
     Opened(OpenOptions wishes, std::shared_ptr<const void> source)
         : held(std::move(source)), options(std::move(wishes)), all(std::in_place, options) {}
     explicit Opened(RangeOptions wishes)
-        : options{.threads = 1}, range(std::in_place, std::move(wishes)) {}
+        : options{.threads = 1},
+          callsPython(wishes.range.readAt != nullptr),
+          range(std::in_place, std::move(wishes)) {}
 
     [[nodiscard]] const Document& document() const {
         return range ? range->document.document() : all->document();
@@ -49,8 +51,12 @@ struct Opened {
     // Throws QV_UNSUPPORTED for a range.
     [[nodiscard]] const OpenDocument& whole() const;
 
+    // Does the work of a walk, also for one who may hold the interpreter's lock.
+    void waiting(const std::function<void()>& work) const;
+
     const std::shared_ptr<const void> held = {};  // ends last
     const OpenOptions options;
+    const bool callsPython = false;  // for the text
     const std::optional<OpenDocument> all = {};
     const std::optional<OpenedRange> range = {};
     std::timed_mutex walking = {};

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "client/input/byte_source.h"
+#include "client/ranges/text_range.h"
 
 #include <nanobind/nanobind.h>
 
@@ -32,5 +33,12 @@ class HeldBuffer {
 // What `read(size)` of a file object gives, piece by piece, as bytes.  What it throws in Python
 // comes as nanobind::python_error.
 [[nodiscard]] Pull pullOf(nanobind::object read);
+
+// What `read(at, size)` gives, as bytes; None: no function.  It may be called and given up on any
+// thread, with the interpreter's lock or without it.
+[[nodiscard]] ReadAt readAtOf(nanobind::object read);
+
+// Once: has no such function called when the interpreter ends.
+void endCallsWithPython();
 
 }  // namespace qvej::python

@@ -102,7 +102,7 @@ std::optional<PartialScan> scanned(const PartsOfDocument& parts, const TextRange
     PieceScan scan(parts, range.form, piece);
     bool blank = range.form == TextForm::LINES;
     try {
-        readPiece(range.file, piece, [&](std::string_view bytes, bool more) {
+        readPiece(range, piece, [&](std::string_view bytes, bool more) {
             blank = blank && isBlank(bytes);
             scan.give(bytes, more);
         });
@@ -168,8 +168,8 @@ PartialScan PartialScan::of(Engine& engine, const TextRange& range,
                             const PartialScanOptions& options) {
     const PartsOfDocument parts = partsOf(engine, options);
     if (range.whole()) {
-        return PartialScan(scannedWhole(
-            parts, ByteSource::untilStopped(range.file, options.stopped), options.text));
+        return PartialScan(scannedWhole(parts, wholeFile(range.file, range.readAt, options.stopped),
+                                        options.text));
     }
     const TextRange lines = withWholeLines(range);
     std::vector<PartialScan> pieces;

@@ -1,6 +1,7 @@
 // See range_document.h.
 #include "client/ranges/range_document.h"
 
+#include "client/maps/exact_map.h"
 #include "client/parts/text_part.h"
 #include "client/text_consumer.h"
 
@@ -41,9 +42,9 @@ class WholeText final : public TextConsumer {
     const TakePart& take_;
 };
 
-std::string textOf(const std::string& file, const TextPiece& piece) {
+std::string textOf(const TextRange& range, const TextPiece& piece) {
     std::string text;
-    readPiece(file, piece, [&](std::string_view bytes, bool) { text += bytes; });
+    readPiece(range, piece, [&](std::string_view bytes, bool) { text += bytes; });
     return text;
 }
 
@@ -54,7 +55,7 @@ void readRange(const TextRange& wanted, const TextOptions& options, const TakePa
     part.name = range.file;
     part.form = range.form;
     if (range.whole()) {
-        DocumentReader reader(ByteSource::file(range.file), options);
+        DocumentReader reader(wholeFile(range.file, range.readAt, {}), options);
         part.name = reader.name();
         part.form = reader.form();
         WholeText whole(part, take);
@@ -62,11 +63,11 @@ void readRange(const TextRange& wanted, const TextOptions& options, const TakePa
         return;
     }
     if (range.head) {
-        part.head = std::make_shared<const std::string>(textOf(range.file, *range.head));
+        part.head = std::make_shared<const std::string>(textOf(range, *range.head));
     }
     for (const TextPiece& piece : range.pieces) {
         part.member = piece.member;
-        readPiece(range.file, piece, [&](std::string_view bytes, bool more) {
+        readPiece(range, piece, [&](std::string_view bytes, bool more) {
             TextPart next = part;
             next.partition = {
                 std::string(bytes), {piece.begin, piece.line, piece.column}, piece.kind, more};
@@ -91,6 +92,8 @@ RangeDocument::RangeDocument(Engine& engine, RangeOptions options)
     document_.finishParts();
     if (!options.map.empty()) {
         document_.useMap(options.map);
+    } else if (options.exact && !document_.inexactPaths().empty()) {
+        document_.useMap(mapDocument(exactMap(document_, each(document_.tables())).map));
     }
     auto parts = std::make_shared<PartsOfDocument>();
     parts->engine = &engine;

@@ -27,6 +27,7 @@ struct RangeOptions {
     std::vector<ContainerCount> before;  // of the ranges before it, added up
     bool last;                           // no range comes after it; an unfinished row ends there
     std::string map = {};                // as of OpenOptions, the next ones too
+    bool exact = false;
     Naming naming = Naming::MAP;
     TextOptions text = {};
     uint64_t maxDepth = 1000;

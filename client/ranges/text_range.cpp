@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <fcntl.h>
+#include <memory>
 #include <optional>
 #include <unistd.h>
 #include <utility>
@@ -15,22 +16,39 @@ namespace qvej {
 namespace {
 
 constexpr std::size_t kPieceBytes = std::size_t{1} << 20;
+constexpr std::size_t kLineBytes = std::size_t{1} << 16;  // in which most lines end
+// Of a file that is read by a function each piece is a request, which an object store answers some
+// 50 ms later, at 100 MB in a second: this many bytes take as long as the wait for them.  Rows are
+// made of one piece while the next one comes, so larger ones would only need more memory.
+constexpr std::size_t kRequestBytes = std::size_t{4} << 20;
 
 // A file that is read at any place.
 class PlacedFile {
    public:
-    explicit PlacedFile(const std::string& name)
-        : name_(name), descriptor_(::open(name.c_str(), O_RDONLY | O_CLOEXEC)) {
-        if (descriptor_ < 0) {
-            throw fileError(QV_IO_OPEN, name);
+    explicit PlacedFile(const TextRange& range) : name_(range.file), readAt_(range.readAt) {
+        if (!readAt_) {
+            descriptor_ = ::open(name_.c_str(), O_RDONLY | O_CLOEXEC);
+            if (descriptor_ < 0) {
+                throw fileError(QV_IO_OPEN, name_);
+            }
         }
     }
-    ~PlacedFile() { (void)::close(descriptor_); }  // only read from
+    ~PlacedFile() {
+        if (descriptor_ >= 0) {
+            (void)::close(descriptor_);  // only read from
+        }
+    }
     PlacedFile(const PlacedFile&) = delete;
     PlacedFile& operator=(const PlacedFile&) = delete;
 
+    // That are read at once.
+    [[nodiscard]] std::size_t pieceBytes() const { return readAt_ ? kRequestBytes : kPieceBytes; }
+
     // As many bytes as there are, at most `size`.
     [[nodiscard]] std::string read(uint64_t at, std::size_t size) const {
+        if (readAt_) {
+            return size == 0 ? std::string() : readAt_(at, size);
+        }
         std::string bytes(size, '\0');
         std::size_t done = 0;
         while (done < size) {
@@ -51,13 +69,13 @@ class PlacedFile {
     // The place after the first line feed from there on, or the end of the file.
     [[nodiscard]] uint64_t afterLineFeed(uint64_t at) const {
         for (;;) {
-            const std::string bytes = read(at, kPieceBytes);
+            const std::string bytes = read(at, kLineBytes);
             const std::size_t feed = bytes.find('\n');
             if (feed != std::string::npos) {
                 return at + feed + 1;
             }
             at += bytes.size();
-            if (bytes.size() < kPieceBytes) {
+            if (bytes.size() < kLineBytes) {
                 return at;
             }
         }
@@ -65,7 +83,8 @@ class PlacedFile {
 
    private:
     const std::string& name_;
-    int descriptor_;
+    const ReadAt& readAt_;
+    int descriptor_ = -1;
 };
 
 // Takes the partitions of a text as ranges of its file.
@@ -133,21 +152,47 @@ class Ranges final : public TextConsumer {
 
 }  // namespace
 
+ByteSource wholeFile(const std::string& file, const ReadAt& readAt,
+                     const std::function<bool()>& stopped) {
+    struct Reading {
+        ReadAt readAt;
+        uint64_t at = 0;
+        std::string piece;
+    };
+    if (!readAt) {
+        return stopped ? ByteSource::untilStopped(file, stopped) : ByteSource::file(file);
+    }
+    const auto pull = [reading = std::make_shared<Reading>(Reading{readAt, 0, {}})] {
+        reading->piece = reading->readAt(reading->at, kRequestBytes);
+        reading->at += reading->piece.size();
+        return std::string_view(reading->piece);
+    };
+    ByteSource source = ByteSource::pulled(pull, file);
+    source.stopWhen(stopped);
+    return source;
+}
+
 std::vector<TextRange> rangesOf(const std::string& file, uint64_t bytes, const TextOptions& options,
-                                const std::function<bool()>& stopped) {
-    DocumentReader reader(ByteSource::untilStopped(file, stopped), options);
+                                const std::function<bool()>& stopped, const ReadAt& readAt) {
+    DocumentReader reader(wholeFile(file, readAt, stopped), options);
     std::vector<TextRange> found;
     if (const std::optional<int64_t> before = reader.bytesBefore()) {
         Ranges ranges(reader, bytes, static_cast<uint64_t>(*before));
         reader.read(ranges);
         found = ranges.take();
     }
-    return found.empty() ? std::vector<TextRange>{{file, reader.form()}} : found;
+    if (found.empty()) {
+        found = {{file, reader.form()}};
+    }
+    for (TextRange& range : found) {
+        range.readAt = readAt;
+    }
+    return found;
 }
 
 TextRange withWholeLines(TextRange range) {
     if (range.form == TextForm::LINES && !range.whole()) {
-        const PlacedFile file(range.file);
+        const PlacedFile file(range);
         TextPiece& piece = range.pieces.front();
         for (uint64_t* const at : {&piece.begin, &piece.end}) {
             *at = *at == 0 || *at == UINT64_MAX ? *at : file.afterLineFeed(*at - 1);
@@ -156,16 +201,17 @@ TextRange withWholeLines(TextRange range) {
     return range;
 }
 
-void readPiece(const std::string& file, const TextPiece& piece,
+void readPiece(const TextRange& range, const TextPiece& piece,
                const std::function<void(std::string_view bytes, bool more)>& take) {
-    const PlacedFile placed(file);
+    const PlacedFile placed(range);
+    const std::size_t most = placed.pieceBytes();
     uint64_t at = piece.begin;
     for (bool more = true; more;) {
-        const auto size = static_cast<std::size_t>(
-            std::min<uint64_t>(kPieceBytes, piece.end > at ? piece.end - at : 0));
+        const auto size =
+            static_cast<std::size_t>(std::min<uint64_t>(most, piece.end > at ? piece.end - at : 0));
         const std::string bytes = placed.read(at, size);
         at += bytes.size();
-        more = bytes.size() == kPieceBytes && at < piece.end;
+        more = bytes.size() == most && at < piece.end;
         take(bytes, more);
     }
 }

@@ -9,6 +9,7 @@
 #include "../partition/partition_reader.h"
 #include "../text_form.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -31,6 +32,10 @@ struct TextPiece {
     int64_t column = 1;
 };
 
+// Bytes of a file from a place on: as many as there are, at most `size`.  It is called on whatever
+// thread, by one at a time, and may throw.
+using ReadAt = std::function<std::string(uint64_t at, std::size_t size)>;
+
 struct TextRange {
     std::string file = {};
     TextForm form = TextForm::DOCUMENT;
@@ -40,6 +45,8 @@ struct TextRange {
     std::vector<TextPiece> pieces = {{}};
     // What comes after the elements of a large member is in it: what stands before them.
     std::optional<TextPiece> head = {};
+    // How a file is read that is not of this machine; empty: `file` is.
+    ReadAt readAt = {};
 
     [[nodiscard]] bool whole() const { return pieces.front().kind == Partition::Kind::WHOLE; }
 };
@@ -48,16 +55,23 @@ struct TextRange {
 // is one range: a compressed file, one in another encoding than UTF-8, or a text that is neither
 // JSON Lines nor has a large array of objects.  Reads the file once.  Throws Error.
 //   stopped  see DocumentOptions; may be empty
+//   readAt   as of the ranges
 [[nodiscard]] std::vector<TextRange> rangesOf(const std::string& file, uint64_t bytes,
                                               const TextOptions& options,
-                                              const std::function<bool()>& stopped = {});
+                                              const std::function<bool()>& stopped = {},
+                                              const ReadAt& readAt = {});
 
 // The range of the lines that begin in a range of JSON Lines; any other as it is.  Throws Error.
 [[nodiscard]] TextRange withWholeLines(TextRange range);
 
-// Gives the bytes of a piece of a file that is not whole, some at a time.  `more`: others come.
+// All bytes of the file, in order.  Throws Error.
+//   stopped  may be empty
+[[nodiscard]] ByteSource wholeFile(const std::string& file, const ReadAt& readAt,
+                                   const std::function<bool()>& stopped);
+
+// Gives the bytes of a piece of a range that is not whole, some at a time.  `more`: others come.
 // Throws Error.
-void readPiece(const std::string& file, const TextPiece& piece,
+void readPiece(const TextRange& range, const TextPiece& piece,
                const std::function<void(std::string_view bytes, bool more)>& take);
 
 }  // namespace qvej

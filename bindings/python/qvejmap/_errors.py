@@ -9,6 +9,7 @@ class Error(Exception):
     The text is the one line that the command line prints: the file, the place, and what is wrong.
 
     Attributes:
+        what: what is wrong, without a place.
         file: what the trouble is about: a file as it was named, "<memory>", or "" when not known.
         line: from 1; 0 when it is the file as a whole.
         column: from 1, in bytes (in UTF-16 and UTF-32 in units of 16 or 32 bits); 0 as `line`.
@@ -25,6 +26,7 @@ class Error(Exception):
         place = f"{file}:{line}:{column}" if line else file
         super().__init__(f"{place}: {what}" if place else what)
         self._made_of = (what, file, line, column, offset, status, excerpt, path)
+        self.what = what
         self.file = file
         self.line = line
         self.column = column

@@ -5,7 +5,7 @@ from __future__ import annotations
 from collections.abc import Iterable, Mapping
 from typing import Any, Literal
 
-from . import _arguments, _qvejmap
+from . import _arguments, _files, _qvejmap
 from ._document import Document
 from ._source import (
     Path,
@@ -16,6 +16,7 @@ from ._source import (
     reader_of,
     shape_text,
     sources_of,
+    words_of,
 )
 
 _MOST_THREADS = 1024
@@ -41,7 +42,8 @@ def open(
     Args:
         source: a file, a folder or a pattern, or several of them; bytes, or any other buffer, which
             must not change while the document is open; or a file object, which is read in pieces.
-            Compressed or not.
+            Compressed or not.  One file may have a scheme, "s3://bucket/x.json": it is read by
+            fsspec, as a file object is.
         map: the tables and columns, as a file or a dict; else the automatic ones.
         shape: "auto", a file of rules, or a list of rules.
         lines: one value a line; else it is found by the name and the text.
@@ -72,6 +74,7 @@ def open(
         _arguments.flag(name, value)
     if exact and (map is not None or naming == "original"):
         raise ValueError("exact: the map is made from the document, with names of letters, digits and _")
+    source = _with_scheme(source)
     sources = sources_of(source, map, shape)
     buffer = read = None
     title = b"<memory>"
@@ -103,3 +106,14 @@ def open(
         ),
         sources,
     )
+
+
+def _with_scheme(source: Source) -> Source:
+    """A file with a scheme as a file object; any other source as it is."""
+    if _files.has_scheme(source):
+        (file, *more), several = _files.files_of(words_of(source))  # type: ignore[arg-type]
+        if not several and not more:
+            return _files.Stream(file)
+    elif not isinstance(source, (list, tuple)) or not any(map(_files.has_scheme, source)):
+        return source
+    raise ValueError("source: of files with a scheme one is opened; Plan.find reads several")

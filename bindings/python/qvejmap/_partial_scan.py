@@ -8,7 +8,7 @@ import re
 from collections.abc import Iterable
 from typing import NamedTuple, Union
 
-from . import _arguments, _qvejmap
+from . import _arguments, _files, _qvejmap
 from ._map import Map
 from ._source import Path, file_name, has_buffer
 
@@ -91,8 +91,12 @@ def parts(file: Path, size: int = 64 << 20, *, lines: bool = False, encoding: st
     name = file_name("file", file)
     size = _arguments.number("size", size, 1)
     _arguments.text("encoding", encoding)
-    found = _qvejmap.ranges(name, size, encoding, _arguments.flag("lines", lines))
-    return [Part(os.fspath(file), *of) for of in found]
+    read_at = _files.read_at_of(os.fspath(file))
+    found = _qvejmap.ranges(name, size, encoding, _arguments.flag("lines", lines), read_at)
+    parts = [Part(os.fspath(file), *of) for of in found]
+    whole = Part.whole(file)
+    apart = read_at is None or all(part.pieces == whole.pieces for part in parts) or read_at.has_ranges()
+    return parts if apart else [whole]
 
 
 class PartialScan:
@@ -132,7 +136,8 @@ class PartialScan:
         if isinstance(source, Part):
             _check(source)
             file = file_name("file", source.file)
-            self._bytes = _qvejmap.scan_range(file, source.form, source.pieces, *limits)
+            read_at = _files.read_at_of(source.file)
+            self._bytes = _qvejmap.scan_range(file, source.form, source.pieces, *limits, read_at)
         elif has_buffer(source):
             self._bytes = _qvejmap.scan_text(source, lines, *limits)
         else:

@@ -11,7 +11,7 @@ from collections.abc import Callable, Iterable, Mapping, Sequence
 from functools import partial
 from typing import Any, Literal, NamedTuple, Union
 
-from . import _arguments, _qvejmap
+from . import _arguments, _files, _qvejmap
 from ._document import Document
 from ._errors import Error, FileError
 from ._partial_scan import Part, PartialScan, _check, parts
@@ -38,7 +38,7 @@ class PlannedPart(NamedTuple):
     part: Part
     before: bytes  # how often each of the plan's containers has come, packed
     last: bool  # nothing comes after it: rows that are complete when the next one begins are not
-    state: tuple[int, int] | None  # size and time of its file; None: it is not looked at
+    state: _files.State | None  # of its file; None: it is not looked at
 
 
 class Plan:
@@ -60,7 +60,7 @@ class Plan:
         scans: of each part its scan.
         map: the tables and columns, as of `open`; else the automatic ones.
         source_column: which each table begins with: the name of the file that a row is of.
-        lines, naming, carry, encoding, depth: as of `open`.
+        lines, exact, naming, carry, encoding, depth: as of `open`.
     """
 
     def __init__(
@@ -70,13 +70,14 @@ class Plan:
         *,
         lines: Literal[True] | None = None,
         map: Path | Mapping[str, Any] | None = None,
+        exact: bool = False,
         naming: Literal["map", "original"] = "map",
         carry: bool = False,
         encoding: str = "auto",
         depth: int = 1000,
         source_column: str = "",
     ) -> None:
-        self._options = _options(lines, map, naming, carry, encoding, depth, source_column)
+        self._options = _options(lines, map, exact, naming, carry, encoding, depth, source_column)
         scans = list(scans)
         if len(scans) != len(parts) or not scans:
             raise ValueError("scans: one of each part")
@@ -92,6 +93,7 @@ class Plan:
         size: int = 64 << 20,
         lines: Literal[True] | None = None,
         map: Path | Mapping[str, Any] | None = None,
+        exact: bool = False,
         naming: Literal["map", "original"] = "map",
         carry: bool = False,
         encoding: str = "auto",
@@ -103,37 +105,41 @@ class Plan:
         Files whose parts cannot be read apart are one part each.
 
         Args:
-            source: a file, a folder or a pattern, or several of them; all workers have the files.
-                Several have the column `source`, as of `open`.
+            source: a file, a folder or a pattern, or several of them; all workers have the files,
+                or those with a scheme ("s3://bucket/*.json.gz") are read by fsspec.  Several have
+                the column `source`, as of `open`.
             run: applies a function to each of some items, on whatever workers, and gives what it
                 returns, in order.  Function, items and results can be pickled.
             size: bytes of a part, or somewhat more.
-            lines, map, naming, carry, encoding, depth, max_paths: as of `open`.
+            lines, map, exact, naming, carry, encoding, depth, max_paths: as of `open`.
 
         Raises:
             NotJson, LimitReached, MapError, FileError, Error: as `open`.
         """
-        files, several = _qvejmap.input_files(words_of(source))
-        options = _options(lines, map, naming, carry, encoding, depth, "source" if several else "")
+        files, several = _files.files_of(words_of(source))
+        options = _options(lines, map, exact, naming, carry, encoding, depth, "source" if several else "")
         finder = _Finder(run, size, lines is True, encoding, depth, max_paths)
-        divided = finder.parts_of([os.fsdecode(file) for file in files])
+        divided, states = finder.parts_of(files)
         while True:
             scans = finder.scans_of(divided)
             plan = cls.__new__(cls)
             plan._options = options
-            plan._set([part for of in divided for part in of], finder.sum_of(scans), [containers for _, containers in scans])
+            plan._set([part for of in divided for part in of], finder.sum_of(scans),
+                      [containers for _, containers in scans], states)
             facts = finder.facts_of(plan)
             if facts is not None:
                 plan.learn(facts)
                 return plan
             finder.divide_less(divided)
 
-    def _set(self, parts: Sequence[Part], scan: bytes, containers: Sequence[_Containers | None]) -> None:
+    def _set(self, parts: Sequence[Part], scan: bytes, containers: Sequence[_Containers | None],
+             states: Mapping[str, _files.State | None] | None = None) -> None:
         self._scan = scan
         self._facts: bytes | None = None
         places: dict[bytes, int] = {}
         before: list[int] = []
-        states = {file: _state(file) for file in {part.file for part in parts}}
+        if states is None:
+            states = {file: _files.state_of(file) for file in {part.file for part in parts}}
         #: The parts, for `facts` and `open`.
         self.parts: list[PlannedPart] = []
         for number, (part, of) in enumerate(zip(parts, containers), 1):
@@ -250,19 +256,22 @@ class Plan:
         part, packed, last, state = planned
         before = list(zip(self._containers, _unpacked(packed)))
         _check(part)
-        if state is not None and state != _state(part.file):
+        if state is not None and state != _files.state_of(part.file):
             raise FileError("the file has changed since it was scanned", part.file, 0, 0, -1, _CHANGED, "")
         return _qvejmap.open_part(
-            os.fsencode(part.file), part.form, part.pieces, part.head, self._scan, before, last, **self._options
+            os.fsencode(part.file), part.form, part.pieces, part.head, self._scan, before, last,
+            read_at=_files.read_at_of(part.file), **self._options,
         )
 
 
 def _options(
-    lines: Literal[True] | None, map: Path | Mapping[str, Any] | None, naming: str, carry: bool, encoding: str,
-    depth: int, source_column: str,
+    lines: Literal[True] | None, map: Path | Mapping[str, Any] | None, exact: bool, naming: str, carry: bool,
+    encoding: str, depth: int, source_column: str,
 ) -> dict[str, Any]:
     if lines is not None and lines is not True:
         raise ValueError("lines: True or None")
+    if _arguments.flag("exact", exact) and (map is not None or naming == "original"):
+        raise ValueError("exact: the map is made from the document, with names of letters, digits and _")
     map_bytes, map_name = (b"", b"") if map is None else map_text(map)
     return {
         "lines": lines is True,
@@ -271,6 +280,7 @@ def _options(
         "map": map_bytes,
         "map_name": map_name,
         "original_names": _arguments.choice("naming", naming, "map", "original") == "original",
+        "exact": exact,
         "carry": _arguments.flag("carry", carry),
         "source_column": _arguments.text("source_column", source_column),
     }
@@ -289,9 +299,13 @@ class _Finder:
         self._apart: set[str] = set()  # files that cannot be
         self._scans: dict[Part, _Scan] = {}
 
-    def parts_of(self, files: Sequence[str]) -> list[list[Part]]:
-        """Of each file."""
-        return self._done(partial(_parts_of, size=self._size, lines=self._lines, encoding=self._encoding), files)
+    def parts_of(self, files: Sequence[str]) -> tuple[list[list[Part]], dict[str, _files.State | None]]:
+        """Of each file, and the states they had before."""
+        found = self._done(partial(_parts_of, size=self._size, lines=self._lines, encoding=self._encoding), files)
+        for of in found:
+            if isinstance(of, Error):
+                raise of
+        return [parts for parts, _ in found], {file: state for file, (_, state) in zip(files, found)}
 
     def scans_of(self, divided: list[list[Part]]) -> list[_Scan]:
         """Of each part the scan, and how often containers come; changes parts that cannot be scanned apart."""
@@ -359,8 +373,9 @@ def _tried(function: Callable[[Any], Any], item: Any) -> Any:
         return error
 
 
-def _parts_of(file: str, size: int, lines: bool, encoding: str) -> list[Part]:
-    return parts(file, size, lines=lines, encoding=encoding)
+def _parts_of(file: str, size: int, lines: bool, encoding: str) -> tuple[list[Part], _files.State | None]:
+    state = _files.state_of(file)
+    return parts(file, size, lines=lines, encoding=encoding), state
 
 
 def _scan(part: Part, *, lines: bool, encoding: str, depth: int, max_paths: int) -> _Scan:
@@ -370,15 +385,6 @@ def _scan(part: Part, *, lines: bool, encoding: str, depth: int, max_paths: int)
 
 def _facts(plan: Plan, part: PlannedPart) -> bytes:
     return plan.facts(part)
-
-
-def _state(file: str) -> tuple[int, int] | None:
-    """What tells that a file has changed; None: there is no such file here."""
-    try:
-        found = os.stat(file)
-    except OSError:
-        return None
-    return found.st_size, found.st_mtime_ns
 
 
 def _packed(counts: list[int]) -> bytes:

@@ -78,14 +78,18 @@ def open(
 # Begin and end in the file, kind, the name of the member, line and column.
 Piece: TypeAlias = tuple[int, int, int, bytes, int, int]
 
+# Bytes of a file at a place, so many at most; None where one is asked for: it is a file of this machine.
+ReadAt: TypeAlias = Callable[[int, int], bytes]
+
 # Of each range its form, its pieces, and the head.
 def ranges(
-    file: bytes, bytes: int, encoding: str, lines: bool
+    file: bytes, bytes: int, encoding: str, lines: bool, read_at: ReadAt | None
 ) -> list[tuple[int, tuple[Piece, ...], Piece | None]]: ...
 
 # Scans are bytes.
 def scan_range(
-    file: bytes, form: int, pieces: tuple[Piece, ...], encoding: str, depth: int, max_paths: int
+    file: bytes, form: int, pieces: tuple[Piece, ...], encoding: str, depth: int, max_paths: int,
+    read_at: ReadAt | None,
 ) -> bytes: ...
 def scan_text(buffer: Buffer, lines: bool, encoding: str, depth: int, max_paths: int) -> bytes: ...
 def merge_scans(scans: list[bytes]) -> bytes: ...
@@ -109,8 +113,10 @@ def open_part(
     map: bytes,
     map_name: bytes,
     original_names: bool,
+    exact: bool,
     carry: bool,
     source_column: str,
+    read_at: ReadAt | None,
 ) -> Document: ...
 
 # What rows show of types and keys is bytes.

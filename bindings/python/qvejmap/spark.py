@@ -91,8 +91,8 @@ def register(spark: SparkSession) -> None:
     """Makes format("qvejmap") known to a session.
 
     Its options have the names of the arguments of `Plan.find` and `read`: table, columns (names
-    with commas between, or a list in JSON), size, lines, map (a file), naming, carry, encoding,
-    depth, max_paths; or plan, the text of `Plan.to_json`, which goes without the others.  Without a
+    with commas between, or a list in JSON), size, lines, map (a file), exact, naming, carry,
+    encoding, depth, max_paths; or plan, the text of `Plan.to_json`, which goes without the others.  Without a
     plan the driver's machine makes one, on all its cores.
     """
     spark.dataSource.register(JsonTables)
@@ -257,7 +257,7 @@ def _planned_here(given: dict[str, str]) -> Plan:
     for name, text in given.items():
         if name in ("size", "depth", "max_paths"):
             options[name] = int(text)
-        elif name in ("lines", "carry"):
+        elif name in ("lines", "exact", "carry"):
             options[name] = _arguments.choice(name, text.lower(), "true", "false") == "true"
         elif name in ("map", "naming", "encoding"):
             options[name] = text

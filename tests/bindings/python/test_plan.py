@@ -79,7 +79,7 @@ class Plans(unittest.TestCase):
         for name, document in documents.items():
             file = self.file(name, document)
             for size in (1, 1000, 1 << 20):
-                for options in ({}, {"naming": "original"}, {"map": map, "carry": True}):
+                for options in ({}, {"exact": True}, {"naming": "original"}, {"map": map, "carry": True}):
                     if name == "member.json" and "map" in options:
                         continue
                     with self.subTest(name, size=size, options=options):
@@ -90,6 +90,15 @@ class Plans(unittest.TestCase):
         files = [self.file("a.json", "[" + ",".join(rows(30, 2)) + "]"), self.file("b.json", '{"id":"x"}'),
                  self.file("c.jsonl", "\n".join(rows(40, 3)))]
         self.compare(files, planned(files, 900, source_column="source"))
+
+    def test_numbers_that_no_double_keeps_are_texts(self):
+        # One of them is in one part; the others take their text from the sum.
+        text = ['{"id":%d,"n":%s,"items":[{"p":%d}]}' % (i, "12345678901234567890123.5" if i == 70 else "1.0", i) for i in range(100)]
+        file = self.file("exact.json", "[" + ",".join(text) + "]")
+        plan = qvejmap.Plan.find(file, size=500, exact=True)
+        self.assertGreater(self.compare([file], qvejmap.Plan.from_json(plan.to_json()), exact=True), 3)
+        values = plan.open(plan.parts[0])["root"].to_arrow()["n"].to_pylist()
+        self.assertEqual(values[0], "1.0")
 
     def test_are_found_by_workers(self):
         def run(function, items):
@@ -146,6 +155,8 @@ class Plans(unittest.TestCase):
             (lambda: qvejmap.Plan(parts, scans, naming="no"), ValueError),
             (lambda: qvejmap.Plan(parts, scans, lines=False), ValueError),
             (lambda: qvejmap.Plan.find(file, lines="yes"), ValueError),
+            (lambda: qvejmap.Plan.find(file, exact=True, naming="original"), ValueError),
+            (lambda: qvejmap.Plan(parts, scans, exact=True, map={"DATASETS": []}), ValueError),
             (lambda: qvejmap.Plan.from_json("{}"), ValueError),
             (lambda: qvejmap.Plan.from_json("no"), ValueError),
             (lambda: plan.learn([b"no"]), qvejmap.Error),
