@@ -3,6 +3,7 @@
 
 #include "client/carried_columns.h"
 #include "client/error.h"
+#include "client/parts/part_records.h"
 #include "client/parts/walked_rows.h"
 #include "client/streamed_rows.h"
 
@@ -14,6 +15,12 @@ namespace {
 
 // Cells handed out between two looks at the memory: some milliseconds.
 constexpr std::size_t kCellsBetweenChecks = 262144;
+
+// Is it that table, alone?
+bool isAlldata(const Document& document, const std::vector<JMAPTableh>& tables) {
+    return document.stream() == nullptr && tables.size() == 1 &&
+           tables[0] == document.alldata().handle;
+}
 
 }  // namespace
 
@@ -57,6 +64,8 @@ void TablePass::open(const std::vector<JMAPTableh>& tables, bool retain) {
         }
         if (document_.stream() != nullptr) {
             walked_ = std::make_unique<StreamedRows>(document_, tables);
+        } else if (isAlldata(document_, tables)) {
+            walked_ = std::make_unique<PartRecords>(document_);
         } else {
             walked_ = std::make_unique<WalkedRows>(document_, tables);
         }

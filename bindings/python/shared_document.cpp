@@ -71,8 +71,8 @@ SharedDocument::SharedDocument(RangeOptions options, bool carry)
 
 std::shared_ptr<SharedDocument> SharedDocument::alldata(const SharedDocument& of) {
     std::shared_ptr<Opened> opened = of.opened_;
-    const OpenDocument& whole = of.open();
-    if (of.document().parts() != nullptr) {
+    if (!opened->range && of.document().parts() != nullptr) {
+        const OpenDocument& whole = of.open();
         whole.checkUnchanged();
         OpenOptions options = opened->options;
         options.records = true;

@@ -79,8 +79,8 @@ class SharedDocument {
     // The rows of a range.  Throws as RangeDocument.
     SharedDocument(RangeOptions options, bool carry);
 
-    // ALLDATA of that document, which is read once more when it has no records.  Throws as
-    // OpenDocument.
+    // ALLDATA of that document, which is read once more when it has no records, or of that range.
+    // Throws as OpenDocument.
     [[nodiscard]] static std::shared_ptr<SharedDocument> alldata(const SharedDocument& of);
 
     // Throws QV_UNSUPPORTED for a range.

@@ -56,6 +56,7 @@ void PartDocument::begin(const TextPart& piece) {
         isBefore_ = true;
         document_.feed(before);
         before_ = static_cast<int64_t>(before.size());
+        recordsBefore_ = document_.totals().records;
         jmapBeginPart(document_.handle());
         isBefore_ = false;
     }

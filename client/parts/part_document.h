@@ -34,6 +34,9 @@ class PartDocument {
     // Bytes that stand before the first piece, which are not in it.
     [[nodiscard]] int64_t before() const { return before_; }
 
+    // Records of them, when the document keeps some.
+    [[nodiscard]] uint64_t recordsBefore() const { return recordsBefore_; }
+
     [[nodiscard]] const Document& document() const { return document_; }
     [[nodiscard]] QVEJMAPJsonContexth handle() const { return document_.handle(); }
 
@@ -46,6 +49,7 @@ class PartDocument {
     bool open_ = false;
     bool isBefore_ = false;
     int64_t before_ = 0;
+    uint64_t recordsBefore_ = 0;
 };
 
 }  // namespace qvej

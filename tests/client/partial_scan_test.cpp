@@ -121,8 +121,26 @@ Lines rowsOf(const qvej::Document& document) {
     return lines;
 }
 
+Lines alldataOf(const qvej::Document& document) {
+    Lines lines;
+    TablePass pass(document, {&document.alldata()});
+    for (PassItem item; pass.next(item);) {
+        std::string& line = lines.emplace_back();
+        for (const qvej::PassCell& cell : item.cells) {
+            line += std::to_string(cell.kind) + ":";
+            line += cell.kind == JMAP_CELL_MISSING ? ""
+                    : cell.kind == JMAP_CELL_COUNT
+                        ? std::to_string(cell.count)
+                        : std::string(qvej::view(cell.text, cell.textLen));
+            line += "|";
+        }
+    }
+    return lines;
+}
+
 // The items of the ranges, one range after the other.
-Lines itemsOfRanges(Engine& engine, const std::vector<TextRange>& ranges) {
+Lines itemsOfRanges(Engine& engine, const std::vector<TextRange>& ranges,
+                    Lines (*rowsOf)(const qvej::Document&)) {
     std::vector<PartialScan> scans;
     for (const TextRange& range : ranges) {
         scans.push_back(PartialScan::of(engine, range, {}));
@@ -168,8 +186,33 @@ TEST(RangeDocuments, HaveTheRowsOfTheirRange) {
         reader.read(document);
         const Lines want = sorted(rowsOf(document));
         for (const uint64_t bytes : {1, 700, 100'000}) {
-            EXPECT_EQ(want, sorted(itemsOfRanges(engine, qvej::rangesOf(file, bytes, {}))))
-                << name << bytes;
+            const std::vector<TextRange> ranges = qvej::rangesOf(file, bytes, {});
+            EXPECT_EQ(want, sorted(itemsOfRanges(engine, ranges, rowsOf))) << name << bytes;
+        }
+    }
+}
+
+TEST(RangeDocuments, HaveTheValuesOfTheirRange) {
+    const TemporaryFolder folder;
+    const std::string head = R"({"n":3,"deep":{"er":{"than":{"rows":[1]}}},"rows":[)";
+    const std::pair<const char*, std::string> cases[] = {
+        {"array.json", "[" + rows(300, ",") + "]"},
+        {"member.json", head + rows(300, ",") + R"(],"x":{"y":[1]}})"},
+        {"lines.jsonl", rows(300, "\n") + "\n\n"},
+        {"long.json", "[" + rows(30, ",") + R"(,{"t":{"x":")" + std::string(40'000, 'x') +
+                          R"(",")" + std::string(300, 'n') + R"(":null}},)" + rows(30, ",") +
+                          R"(,{"a":{"b":{"c":{"d":[]}}}}])"},
+    };
+    for (const auto& [name, text] : cases) {
+        Engine engine;
+        const std::string file = folder.file(name, text);
+        qvej::InputsReader reader({{file}, false}, {});
+        qvej::Document document(engine, reader.documentOptions());
+        reader.read(document);
+        const Lines want = alldataOf(document);
+        for (const uint64_t bytes : {1, 700, 100'000}) {
+            const std::vector<TextRange> ranges = qvej::rangesOf(file, bytes, {});
+            EXPECT_EQ(want, itemsOfRanges(engine, ranges, alldataOf)) << name << bytes;
         }
     }
 }

@@ -48,7 +48,7 @@ const Layer kLayers[] = {
     {"client/schema/",
      R"re(client/(schema/.*|(columns|document|error|pass_pipe|row|row_work|table_pass)\.h)|include/.*|<.*>)re"},
     {"client/",
-     R"re(client/([^/]*|shape/(shape|reshaper)\.h|parts/(item_batch|walked_rows)\.h)|include/.*|<.*>)re"},
+     R"re(client/([^/]*|shape/(shape|reshaper)\.h|parts/(item_batch|part_records|walked_rows)\.h)|include/.*|<.*>)re"},
     {"formats/", "(formats|client)/.*|include/.*|<.*>"},
     {"bindings/", "(bindings|formats|client)/.*|include/.*|<.*>"},
     {"tools/", "(tools|formats|client)/.*|include/.*|<.*>"},

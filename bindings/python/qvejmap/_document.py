@@ -6,7 +6,7 @@ import itertools
 import json
 import sys
 import warnings
-from collections.abc import Iterable, Iterator, Mapping
+from collections.abc import Callable, Iterable, Iterator, Mapping
 from types import TracebackType
 from typing import TYPE_CHECKING, NamedTuple
 
@@ -96,8 +96,12 @@ class Document:
     taken from it may outlive it.
     """
 
-    def __init__(self, document: _qvejmap.Document, sources: Sources = Sources()) -> None:
+    def __init__(
+        self, document: _qvejmap.Document, sources: Sources = Sources(),
+        alldata: Callable[[], _qvejmap.Document] | None = None,
+    ) -> None:
         self._sources = sources
+        self._alldata_of = alldata  # None: the document itself has it
         self._opened: _qvejmap.Document | None = document
         self._facts: list[_qvejmap.TableFacts] | None = None
         self._alldata: Table | None = None
@@ -142,7 +146,8 @@ class Document:
         A large document is read once more for it, with records in memory or in a temporary file.
         """
         if self._alldata is None:
-            (self._alldata,) = Document(self._open().alldata()).tables.values()
+            document = self._open()
+            (self._alldata,) = Document((self._alldata_of or document.alldata)()).tables.values()
         return self._alldata
 
     @property
@@ -208,7 +213,7 @@ class Document:
 
     def close(self) -> None:
         """Gives back what the document holds; batches and streams that were taken stay."""
-        self._opened = self._alldata = None
+        self._opened = self._alldata = self._alldata_of = None
 
     def __enter__(self) -> Document:
         return self

@@ -25,6 +25,7 @@ _NO_OBJECTS = (
     "files after this one cannot be read apart from it: its outermost array has elements that are no objects"
 )
 _NO_PLAN = "this is no plan"
+_NO_ALLDATA = "the plan has no facts of ALLDATA: it is made with alldata=True"
 
 
 Run = Callable[[Callable[[Any], Any], Sequence[Any]], Iterable[Any]]
@@ -60,6 +61,7 @@ class Plan:
         scans: of each part its scan.
         map: the tables and columns, as of `open`; else the automatic ones.
         source_column: which each table begins with: the name of the file that a row is of.
+        alldata: also the table ALLDATA of parts; each part is read once more for its types.
         lines, exact, naming, carry, encoding, depth: as of `open`.
     """
 
@@ -76,7 +78,9 @@ class Plan:
         encoding: str = "auto",
         depth: int = 1000,
         source_column: str = "",
+        alldata: bool = False,
     ) -> None:
+        self._alldata = _arguments.flag("alldata", alldata)
         self._options = _options(lines, map, exact, naming, carry, encoding, depth, source_column)
         scans = list(scans)
         if len(scans) != len(parts) or not scans:
@@ -99,6 +103,7 @@ class Plan:
         encoding: str = "auto",
         depth: int = 1000,
         max_paths: int = 10_000_000,
+        alldata: bool = False,
     ) -> Plan:
         """The plan of files, made by many workers: each reads parts of them, twice in all.
 
@@ -112,11 +117,13 @@ class Plan:
                 returns, in order.  Function, items and results can be pickled.
             size: bytes of a part, or somewhat more.
             lines, map, exact, naming, carry, encoding, depth, max_paths: as of `open`.
+            alldata: as above.
 
         Raises:
             NotJson, LimitReached, MapError, FileError, Error: as `open`.
         """
         files, several = _files.files_of(words_of(source))
+        _arguments.flag("alldata", alldata)
         options = _options(lines, map, exact, naming, carry, encoding, depth, "source" if several else "")
         finder = _Finder(run, size, lines is True, encoding, depth, max_paths)
         divided, states = finder.parts_of(files)
@@ -124,6 +131,7 @@ class Plan:
             scans = finder.scans_of(divided)
             plan = cls.__new__(cls)
             plan._options = options
+            plan._alldata = alldata
             plan._set([part for of in divided for part in of], finder.sum_of(scans),
                       [containers for _, containers in scans], states)
             facts = finder.facts_of(plan)
@@ -161,7 +169,9 @@ class Plan:
         Raises:
             Error: rows of the part need values of another one, or its file has changed.
         """
-        return _qvejmap.facts_of(self._document(part))
+        document = self._document(part)
+        facts = _qvejmap.facts_of(document)
+        return _joined(facts, _qvejmap.facts_of(document.alldata())) if self._alldata else facts
 
     def learn(self, facts: Sequence[bytes]) -> None:
         """Takes the facts of all parts, in their order, or sums of those that follow one another."""
@@ -169,14 +179,23 @@ class Plan:
 
     def sum(self, facts: Sequence[bytes]) -> bytes:
         """The sum of facts that follow one another."""
-        return _qvejmap.sum_of_facts(self._document(self.parts[0]), list(facts))
+        document = self._document(self.parts[0])
+        if not self._alldata:
+            return _qvejmap.sum_of_facts(document, list(facts))
+        divided = [_divided(of) for of in facts]
+        return _joined(
+            _qvejmap.sum_of_facts(document, [of_tables for of_tables, _ in divided]),
+            _qvejmap.sum_of_facts(document.alldata(), [of_alldata for _, of_alldata in divided]),
+        )
 
     def open(self, part: PlannedPart) -> Document:
         """A document that has the rows of one part, with types and keys of the whole."""
         document = self._document(part)
+        of_alldata = b"" if self._alldata else None
         if self._facts is not None:
-            _qvejmap.learn(document, self._facts)
-        return Document(document)
+            of_tables, of_alldata = _divided(self._facts) if self._alldata else (self._facts, None)
+            _qvejmap.learn(document, of_tables)
+        return Document(document, alldata=partial(_alldata, document, part.part.file, of_alldata))
 
     def ordinals(self, table: str) -> dict[str, list[range]]:
         """Of the ordinal columns of a table: what each part's rows can have in them.
@@ -212,9 +231,9 @@ class Plan:
             for part, before, last, state in self.parts
         ]
         facts = None if self._facts is None else _text(self._facts)
-        return json.dumps({"format": _FORMAT, "options": options, "scan": _text(self._scan),
-                           "facts": facts, "containers": [_text(path) for path in self._containers],
-                           "after": _text(self._after), "parts": parts})
+        return json.dumps({"format": _FORMAT, "options": options, "alldata": self._alldata,
+                           "scan": _text(self._scan), "facts": facts, "after": _text(self._after),
+                           "containers": [_text(path) for path in self._containers], "parts": parts})
 
     @classmethod
     def from_json(cls, text: str) -> Plan:
@@ -231,6 +250,7 @@ class Plan:
             plan._options = {
                 name: _bytes(of) if name in ("map", "map_name") else of for name, of in given["options"].items()
             }
+            plan._alldata = given["alldata"]
             plan._scan = _bytes(given["scan"])
             plan._facts = None if given["facts"] is None else _bytes(given["facts"])
             plan._containers = [_bytes(path) for path in given["containers"]]
@@ -262,6 +282,26 @@ class Plan:
             os.fsencode(part.file), part.form, part.pieces, part.head, self._scan, before, last,
             read_at=_files.read_at_of(part.file), **self._options,
         )
+
+
+def _joined(of_tables: bytes, of_alldata: bytes) -> bytes:
+    return len(of_tables).to_bytes(8, "little") + of_tables + of_alldata
+
+
+def _divided(facts: bytes) -> tuple[bytes, bytes]:
+    """The facts of the tables and of ALLDATA."""
+    end = 8 + int.from_bytes(facts[:8], "little")
+    return facts[8:end], facts[end:]
+
+
+def _alldata(document: _qvejmap.Document, file: str, facts: bytes | None) -> _qvejmap.Document:
+    """Facts: empty when nothing has been learned; None when they were not wanted."""
+    if facts is None:
+        raise Error(_NO_ALLDATA, file, 0, 0, -1, _UNSUPPORTED, "")
+    alldata = document.alldata()
+    if facts:
+        _qvejmap.learn(alldata, facts)
+    return alldata
 
 
 def _options(

@@ -64,6 +64,12 @@ class Plans(unittest.TestCase):
             self.assertEqual(parts[-1][name].key, want[name].key)
             self.assertEqual(parts[-1][name].parent, want[name].parent)
             self.assertEqual(parts[0][name].rows, want[name].rows)
+        if plan._alldata:
+            table = want.alldata.to_arrow()
+            got = pyarrow.concat_tables([part.alldata.to_arrow() for part in parts])
+            self.assertTrue(got.schema.equals(table.schema, check_metadata=True), (got.schema, table.schema))
+            self.assertEqual(got.to_pylist(), table.to_pylist())
+            self.assertEqual(parts[-1].alldata.rows, table.num_rows)
         return len(parts)
 
     def test_parts_have_the_rows_types_and_keys_of_the_whole(self):
@@ -83,13 +89,13 @@ class Plans(unittest.TestCase):
                     if name == "member.json" and "map" in options:
                         continue
                     with self.subTest(name, size=size, options=options):
-                        plan = qvejmap.Plan.from_json(planned([file], size, **options).to_json())
+                        plan = qvejmap.Plan.from_json(planned([file], size, alldata=True, **options).to_json())
                         self.assertEqual(self.compare([file], plan, **options) > 3, size < 2000)
 
     def test_files_are_told_apart(self):
         files = [self.file("a.json", "[" + ",".join(rows(30, 2)) + "]"), self.file("b.json", '{"id":"x"}'),
                  self.file("c.jsonl", "\n".join(rows(40, 3)))]
-        self.compare(files, planned(files, 900, source_column="source"))
+        self.compare(files, planned(files, 900, source_column="source", alldata=True))
 
     def test_numbers_that_no_double_keeps_are_texts(self):
         # One of them is in one part; the others take their text from the sum.
@@ -125,7 +131,7 @@ class Plans(unittest.TestCase):
             ([os.path.join(self.folder.name, name) for name in ("a.json", "b.json.gz", "c.json")], {}, 12),
         ):
             with self.subTest(files=files):
-                plan = qvejmap.Plan.find(files if len(files) > 1 else files[0], run, size=1000, **options)
+                plan = qvejmap.Plan.find(files if len(files) > 1 else files[0], run, size=1000, alldata=True, **options)
                 found = self.compare(files, qvejmap.Plan.from_json(plan.to_json()), **options)
                 self.assertTrue(found >= parts > 1 or found == parts, found)
         with self.assertRaisesRegex(qvejmap.Error, "no objects"):
@@ -161,6 +167,8 @@ class Plans(unittest.TestCase):
             (lambda: qvejmap.Plan.from_json("no"), ValueError),
             (lambda: plan.learn([b"no"]), qvejmap.Error),
             (lambda: plan.open(plan.parts[0]).alldata, qvejmap.Error),
+            (lambda: planned([file], 500, alldata=True).learn([b"no"]), qvejmap.Error),
+            (lambda: qvejmap.Plan(parts, scans, alldata="yes"), TypeError),
             (lambda: plan.open(plan.parts[0]).find("/root/id"), qvejmap.Error),
             (lambda: qvejmap.Plan(parts, scans, map={"no": 1}), qvejmap.MapError),
         ):
