@@ -82,6 +82,7 @@ class PlacedFile:
 
     def __init__(self, file: str) -> None:
         self._name = file
+        self._system: Any = None
         self._file: Any = None
         self._size: int | None = None  # None: not known
         self._at = 0  # of what comes in order only
@@ -149,7 +150,9 @@ class PlacedFile:
         return data
 
     def _open(self, in_order: bool = False) -> None:
-        system, path = _system(self._name)
+        # It is kept: one that is given up may close its files.
+        self._system, path = _system(self._name)
+        system = self._system
         if in_order:
             self._file = system.open(path, "rb", block_size=0)
         else:

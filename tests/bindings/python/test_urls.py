@@ -12,6 +12,7 @@ import sys
 import tempfile
 import threading
 import unittest
+import zipfile
 
 import pyarrow
 
@@ -197,6 +198,10 @@ class Urls(unittest.TestCase):
         self.compare(qvejmap.Plan.find(memory + "*.json", as_elsewhere, size=9000), here + "/*.json")
         mixed = [here + "/array.json", memory + "lines.jsonl"]
         self.compare(qvejmap.Plan.find(mixed, size=9000), [mixed[0], here + "/lines.jsonl"])
+        packed = os.path.join(self.folder.name, "all.zip")
+        with zipfile.ZipFile(packed, "w") as all:
+            all.writestr("array.json", files["array.json"])
+        self.compare(qvejmap.Plan.find(f"zip://a*.json::file://{packed}", as_elsewhere, size=9000), here + "/array.json")
         with self.served({"y/" + name: data for name, data in self.files.items()}) as server:
             self.compare(qvejmap.Plan.find(server.url + "y/*.json", size=9000), [
                 os.path.join(self.folder.name, name) for name in ("array.json", "member.json", "wide.json")])
