@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <fcntl.h>
+#include <filesystem>
 #include <optional>
 #include <unistd.h>
 #include <utility>
@@ -15,6 +16,7 @@ namespace qvej {
 namespace {
 
 constexpr std::size_t kPieceBytes = std::size_t{1} << 20;
+constexpr std::string_view kMark = "\xEF\xBB\xBF";
 
 // A file that is read at any place.
 class PlacedFile {
@@ -131,13 +133,37 @@ class Ranges final : public TextConsumer {
     bool divisible_ = true;
 };
 
+// Ranges of a file of JSON Lines by its size alone; empty: it is one.
+std::vector<TextRange> linesUnread(const std::string& file, uint64_t bytes) {
+    std::error_code error;
+    const uint64_t size =
+        std::filesystem::is_regular_file(file, error) ? std::filesystem::file_size(file, error) : 0;
+    const uint64_t count = error ? 0 : size / std::max<uint64_t>(bytes, 1);
+    if (count < 2) {
+        return {};
+    }
+    const uint64_t step = (size - 1) / count + 1;
+    std::vector<TextRange> ranges;
+    for (uint64_t begin = 0; begin < size; begin += step) {
+        const TextPiece piece = {.begin = begin,
+                                 .end = std::min(begin + step, size),
+                                 .kind = Partition::Kind::MIDDLE,
+                                 .line = begin == 0 ? 1 : 0};
+        ranges.push_back({file, TextForm::LINES, {piece}});
+    }
+    return ranges;
+}
+
 }  // namespace
 
 std::vector<TextRange> rangesOf(const std::string& file, uint64_t bytes, const TextOptions& options,
-                                const std::function<bool()>& stopped) {
+                                const std::function<bool()>& stopped, bool readLines) {
     DocumentReader reader(ByteSource::untilStopped(file, stopped), options);
     std::vector<TextRange> found;
-    if (const std::optional<int64_t> before = reader.bytesBefore()) {
+    const std::optional<int64_t> before = reader.bytesBefore();
+    if (before && !readLines && reader.form() == TextForm::LINES) {
+        found = linesUnread(file, bytes);
+    } else if (before) {
         Ranges ranges(reader, bytes, static_cast<uint64_t>(*before));
         reader.read(ranges);
         found = ranges.take();
@@ -148,9 +174,10 @@ std::vector<TextRange> rangesOf(const std::string& file, uint64_t bytes, const T
 TextRange withWholeLines(TextRange range) {
     if (range.form == TextForm::LINES && !range.whole()) {
         const PlacedFile file(range.file);
+        const uint64_t first = file.read(0, kMark.size()) == kMark ? kMark.size() : 0;
         TextPiece& piece = range.pieces.front();
         for (uint64_t* const at : {&piece.begin, &piece.end}) {
-            *at = *at == 0 || *at == UINT64_MAX ? *at : file.afterLineFeed(*at - 1);
+            *at = *at <= first ? first : *at == UINT64_MAX ? *at : file.afterLineFeed(*at - 1);
         }
     }
     return range;

@@ -47,12 +47,16 @@ struct TextRange {
 // The ranges of a file, in order, each of so many bytes or somewhat more.  What cannot be divided
 // is one range: a compressed file, one in another encoding than UTF-8, or a text that is neither
 // JSON Lines nor has a large array of objects.  Reads the file once.  Throws Error.
-//   stopped  see DocumentOptions; may be empty
+//   stopped   see DocumentOptions; may be empty
+//   readLines false: only the beginning of JSON Lines is read.  They are cut anywhere, and the line
+//             that a range begins with is not known: see withWholeLines
 [[nodiscard]] std::vector<TextRange> rangesOf(const std::string& file, uint64_t bytes,
                                               const TextOptions& options,
-                                              const std::function<bool()>& stopped = {});
+                                              const std::function<bool()>& stopped = {},
+                                              bool readLines = true);
 
-// The range of the lines that begin in a range of JSON Lines; any other as it is.  Throws Error.
+// The range of the lines that begin in a range of JSON Lines, without a byte order mark; any other
+// as it is.  Throws Error.
 [[nodiscard]] TextRange withWholeLines(TextRange range);
 
 // Gives the bytes of a piece of a file that is not whole, some at a time.  `more`: others come.
