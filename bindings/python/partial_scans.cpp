@@ -6,7 +6,9 @@
 #include "bindings/python/source.h"
 #include "bindings/python/texts.h"
 #include "client/engine.h"
+#include "client/open/shape_of_texts.h"
 #include "client/path_names.h"
+#include "client/ranges/bad_lines.h"
 #include "client/ranges/partial_scan.h"
 #include "client/ranges/text_range.h"
 
@@ -35,13 +37,31 @@ nb::object bytesOf(const PartialScan& scan) {
     return nb::bytes(scan.bytes().data(), scan.bytes().size());
 }
 
+using Rules = std::vector<std::string>;
+
+Shape shapeOf(const Rules& rules) {
+    Shape shape;
+    std::for_each(rules.begin(), rules.end(),
+                  [&](const std::string& rule) { shape.addRule(rule); });
+    return shape;
+}
+
+Rules rulesOf(const Shape& shape) {
+    Rules rules;
+    for (const ShapeRule& rule : shape.rules()) {
+        rules.push_back(rule.text());
+    }
+    return rules;
+}
+
 PartialScanOptions optionsOf(const std::string& encoding, bool lines, uint64_t depth,
-                             uint64_t maxPaths) {
+                             uint64_t maxPaths, const Rules& shape) {
     PartialScanOptions options;
     options.text.encoding = encoding;
     options.text.lines = lines;
     options.maxDepth = depth;
     options.maxPaths = maxPaths;
+    options.shape = shapeOf(shape);
     options.stopped = &isStopped;
     return options;
 }
@@ -71,14 +91,15 @@ TextPiece pieceOf(const nb::handle& from) {
 }
 
 // Of each range its form, its pieces, and the head or None.
-nb::list rangeList(const nb::bytes& file, uint64_t bytes, const std::string& encoding, bool lines) {
+nb::list rangeList(const nb::bytes& file, uint64_t bytes, const std::string& encoding, bool lines,
+                   bool readLines) {
     const std::string name = stringOf(file);
     std::vector<TextRange> ranges;
     interruptible([&] {
         TextOptions text;
         text.encoding = encoding;
         text.lines = lines;
-        ranges = rangesOf(name, bytes, text, &isStopped);
+        ranges = rangesOf(name, bytes, text, &isStopped, readLines);
     });
     nb::list list;
     for (const TextRange& range : ranges) {
@@ -117,18 +138,66 @@ TextRange rangeOf(const nb::bytes& file, int form, const nb::tuple& pieces,
     return range;
 }
 
-nb::object scanRange(const nb::bytes& file, int form, const nb::tuple& pieces,
-                     const std::string& encoding, uint64_t depth, uint64_t maxPaths) {
+// The scan, its line feeds when it is of lines, and how many lines were left out.
+nb::tuple scanRange(const nb::bytes& file, int form, const nb::tuple& pieces,
+                    const std::string& encoding, bool lines, uint64_t depth, uint64_t maxPaths,
+                    const Rules& shape, bool skipBad) {
     const TextRange range = rangeOf(file, form, pieces, nb::none());
-    const PartialScanOptions options =
-        optionsOf(encoding, range.form == TextForm::LINES, depth, maxPaths);
-    return bytesOf(worked([&](Engine& engine) { return PartialScan::of(engine, range, options); }));
+    PartialScanOptions options =
+        optionsOf(encoding, lines || range.form == TextForm::LINES, depth, maxPaths, shape);
+    options.skipBadLines = skipBad;
+    SeenLines seen;
+    const PartialScan scan =
+        worked([&](Engine& engine) { return PartialScan::of(engine, range, options, &seen); });
+    return nb::make_tuple(bytesOf(scan), seen.feeds, seen.bad);
+}
+
+// Line, column and reason of each bad line of a range.
+nb::list badLines(const nb::bytes& file, int form, const nb::tuple& pieces,
+                  const std::string& encoding, bool lines, uint64_t depth) {
+    const TextRange range = rangeOf(file, form, pieces, nb::none());
+    const TextOptions text = optionsOf(encoding, lines, depth, 0, {}).text;
+    std::vector<std::tuple<int64_t, int64_t, std::string>> found;
+    interruptible([&] {
+        const Engine engine;
+        eachBadLine(engine, range, text, depth, &isStopped, [&](const BadLine& bad) {
+            found.emplace_back(bad.line, bad.column, bad.reason);
+        });
+    });
+    nb::list list;
+    for (const auto& [line, column, reason] : found) {
+        list.append(nb::make_tuple(line, column, textOf(reason)));
+    }
+    return list;
+}
+
+// The rules of a text, each as a shape has it.
+Rules shapeRules(const std::string& text, const nb::bytes& name) {
+    Shape shape;
+    shape.addText(text, stringOf(name));
+    return rulesOf(shape);
+}
+
+// Those of the shape that is found in some files.
+Rules foundRules(const std::vector<nb::bytes>& files, const std::string& encoding, bool lines,
+                 uint64_t depth) {
+    std::vector<std::string> names(files.size());
+    std::transform(files.begin(), files.end(), names.begin(), stringOf);
+    const TextOptions text = optionsOf(encoding, lines, depth, 0, {}).text;
+    FinderOptions finding;
+    finding.maxDepth = depth;
+    return worked([&](Engine& engine) {
+        const auto open = [&](std::size_t i) {
+            return ByteSource::untilStopped(names[i], &isStopped);
+        };
+        return rulesOf(shapeOfTexts(engine, names.size(), open, text, finding, &isStopped).shape());
+    });
 }
 
 nb::object scanText(const nb::object& buffer, bool lines, const std::string& encoding,
-                    uint64_t depth, uint64_t maxPaths) {
+                    uint64_t depth, uint64_t maxPaths, const Rules& shape) {
     const HeldBuffer text(buffer);
-    const PartialScanOptions options = optionsOf(encoding, lines, depth, maxPaths);
+    const PartialScanOptions options = optionsOf(encoding, lines, depth, maxPaths, shape);
     return bytesOf(
         worked([&](Engine& engine) { return PartialScan::of(engine, text.bytes(), options); }));
 }
@@ -180,7 +249,8 @@ std::shared_ptr<SharedDocument> openPart(const nb::bytes& file, int form, const 
                                          bool last, const std::string& encoding, bool lines,
                                          uint64_t depth, const nb::bytes& map,
                                          const nb::bytes& mapName, bool originalNames, bool carry,
-                                         const std::string& sourceColumn) {
+                                         const std::string& sourceColumn, const Rules& shape,
+                                         bool skipBad) {
     RangeOptions options = {
         PartialScan(stringOf(scan)), rangeOf(file, form, pieces, head), {}, last};
     for (const auto& [path, count] : before) {
@@ -192,6 +262,8 @@ std::shared_ptr<SharedDocument> openPart(const nb::bytes& file, int form, const 
     options.text.lines = lines || options.range.form == TextForm::LINES;
     options.maxDepth = depth;
     options.sourceColumn = sourceColumn;
+    options.shape = shapeOf(shape);
+    options.skipBadLines = skipBad;
     options.stopped = &isStopped;
     std::shared_ptr<SharedDocument> document;
     interruptible([&, name = stringOf(mapName)] {
@@ -222,18 +294,22 @@ void learn(SharedDocument& document, const nb::bytes& facts) {
 }  // namespace
 
 void registerPartialScans(nb::module_& module) {
-    module.def("ranges", &rangeList, "file"_a, "bytes"_a, "encoding"_a, "lines"_a);
-    module.def("scan_range", &scanRange, "file"_a, "form"_a, "pieces"_a, "encoding"_a, "depth"_a,
-               "max_paths"_a);
+    module.def("ranges", &rangeList, "file"_a, "bytes"_a, "encoding"_a, "lines"_a, "read_lines"_a);
+    module.def("scan_range", &scanRange, "file"_a, "form"_a, "pieces"_a, "encoding"_a, "lines"_a,
+               "depth"_a, "max_paths"_a, "shape"_a, "skip_bad"_a);
     module.def("scan_text", &scanText, "buffer"_a, "lines"_a, "encoding"_a, "depth"_a,
-               "max_paths"_a);
+               "max_paths"_a, "shape"_a);
+    module.def("bad_lines", &badLines, "file"_a, "form"_a, "pieces"_a, "encoding"_a, "lines"_a,
+               "depth"_a);
+    module.def("shape_rules", &shapeRules, "text"_a, "name"_a);
+    module.def("found_rules", &foundRules, "files"_a, "encoding"_a, "lines"_a, "depth"_a);
     module.def("merge_scans", &mergeScans, "scans"_a);
     module.def("map_of_scan", &mapOfScan, "scan"_a);
     module.def("counts_of_scan", &countsOfScan, "scan"_a);
     module.def("containers_of_scan", &containersOfScan, "scan"_a);
     module.def("open_part", &openPart, "file"_a, "form"_a, "pieces"_a, "head"_a.none(), "scan"_a,
                "before"_a, "last"_a, "encoding"_a, "lines"_a, "depth"_a, "map"_a, "map_name"_a,
-               "original_names"_a, "carry"_a, "source_column"_a);
+               "original_names"_a, "carry"_a, "source_column"_a, "shape"_a, "skip_bad"_a);
     module.def("facts_of", &factsOf, "document"_a);
     module.def("sum_of_facts", &sumOfFacts, "document"_a, "facts"_a);
     module.def("learn", &learn, "document"_a, "facts"_a);

@@ -10,7 +10,7 @@ from typing import NamedTuple, Union
 
 from . import _arguments, _qvejmap
 from ._map import Map
-from ._source import Path, file_name, has_buffer
+from ._source import Path, file_name, has_buffer, shape_text
 
 _LINES, _SEQUENCE = 1, 2  # of the forms, of which a document is 0
 _MIDDLE, _HEAD, _TAIL = 2, 4, 5  # of the kinds, of which 1 to 3 are elements or lines
@@ -91,8 +91,31 @@ def parts(file: Path, size: int = 64 << 20, *, lines: bool = False, encoding: st
     name = file_name("file", file)
     size = _arguments.number("size", size, 1)
     _arguments.text("encoding", encoding)
-    found = _qvejmap.ranges(name, size, encoding, _arguments.flag("lines", lines))
+    return cut(file, name, size, encoding, _arguments.flag("lines", lines))
+
+
+def cut(file: Path, name: bytes, size: int, encoding: str, lines: bool, read_lines: bool = True) -> list[Part]:
+    """As `parts`; JSON Lines that are not read have parts whose first line is not known."""
+    found = _qvejmap.ranges(name, size, encoding, lines, read_lines)
     return [Part(os.fspath(file), *of) for of in found]
+
+
+def rules_of(shape: Path | Iterable[str] | None) -> list[str]:
+    """The rules of a shape, each as `Document.shape` has it."""
+    if isinstance(shape, str) and shape == "auto":
+        raise ValueError('shape: "auto" needs the whole document; Plan.find takes it')
+    return _qvejmap.shape_rules(*shape_text(shape))
+
+
+def scan_of(
+    part: Part, lines: bool, encoding: str, depth: int, max_paths: int, rules: list[str], skip_bad: bool = False
+) -> tuple[bytes, int, int]:
+    """The bytes of its scan, its line feeds when it is of lines, and how many lines were left out."""
+    _check(part)
+    file = file_name("file", part.file)
+    return _qvejmap.scan_range(
+        file, part.form, part.pieces, encoding, lines, depth, max_paths, rules, skip_bad
+    )
 
 
 class PartialScan:
@@ -108,6 +131,7 @@ class PartialScan:
         lines: the text is one value a line; else it is found by its beginning.
         encoding: of a text or a whole file.
         depth, max_paths: limits, as of `open`.
+        shape: a file of rules, or a list of rules.
 
     Raises:
         NotJson, LimitReached, FileError: see these.
@@ -122,19 +146,16 @@ class PartialScan:
         encoding: str = "auto",
         depth: int = 1000,
         max_paths: int = 10_000_000,
+        shape: Path | Iterable[str] | None = None,
     ) -> None:
-        limits = (
-            _arguments.text("encoding", encoding),
-            _arguments.number("depth", depth),
-            _arguments.number("max_paths", max_paths),
-        )
+        encoding = _arguments.text("encoding", encoding)
         _arguments.flag("lines", lines)
+        limits = (_arguments.number("depth", depth), _arguments.number("max_paths", max_paths))
+        rules = rules_of(shape)
         if isinstance(source, Part):
-            _check(source)
-            file = file_name("file", source.file)
-            self._bytes = _qvejmap.scan_range(file, source.form, source.pieces, *limits)
+            self._bytes, _, _ = scan_of(source, lines, encoding, *limits, rules)
         elif has_buffer(source):
-            self._bytes = _qvejmap.scan_text(source, lines, *limits)
+            self._bytes = _qvejmap.scan_text(source, lines, encoding, *limits, rules)
         else:
             raise TypeError(f"source: a part of a file, or bytes, not {type(source).__name__}")
 

@@ -78,14 +78,26 @@ Piece: TypeAlias = tuple[int, int, int, bytes, int, int]
 
 # Of each range its form, its pieces, and the head.
 def ranges(
-    file: bytes, bytes: int, encoding: str, lines: bool
+    file: bytes, bytes: int, encoding: str, lines: bool, read_lines: bool
 ) -> list[tuple[int, tuple[Piece, ...], Piece | None]]: ...
 
-# Scans are bytes.
+# Scans are bytes.  Line feeds of lines, and how many lines were left out, come with that of a range.
 def scan_range(
-    file: bytes, form: int, pieces: tuple[Piece, ...], encoding: str, depth: int, max_paths: int
+    file: bytes, form: int, pieces: tuple[Piece, ...], encoding: str, lines: bool, depth: int, max_paths: int,
+    shape: list[str], skip_bad: bool,
+) -> tuple[bytes, int, int]: ...
+def scan_text(
+    buffer: Buffer, lines: bool, encoding: str, depth: int, max_paths: int, shape: list[str]
 ) -> bytes: ...
-def scan_text(buffer: Buffer, lines: bool, encoding: str, depth: int, max_paths: int) -> bytes: ...
+
+# Line, column and reason.
+def bad_lines(
+    file: bytes, form: int, pieces: tuple[Piece, ...], encoding: str, lines: bool, depth: int
+) -> list[tuple[int, int, str]]: ...
+
+# The rules of a text, and those that are found in files.
+def shape_rules(text: str, name: bytes) -> list[str]: ...
+def found_rules(files: list[bytes], encoding: str, lines: bool, depth: int) -> list[str]: ...
 def merge_scans(scans: list[bytes]) -> bytes: ...
 def map_of_scan(scan: bytes) -> str: ...
 def counts_of_scan(scan: bytes) -> list[tuple[str, int]]: ...
@@ -109,6 +121,8 @@ def open_part(
     original_names: bool,
     carry: bool,
     source_column: str,
+    shape: list[str],
+    skip_bad: bool,
 ) -> Document: ...
 
 # What rows show of types and keys is bytes.
