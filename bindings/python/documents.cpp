@@ -11,6 +11,7 @@
 #include "client/error.h"
 #include "client/find/find_values.h"
 #include "client/maps/column_explanation.h"
+#include "client/parts/text_part.h"
 #include "client/shape/reshaper.h"
 #include "client/text.h"
 #include "formats/table_metadata.h"
@@ -293,8 +294,11 @@ nb::list schemaList(SharedDocument& document) {
 // The rules, as a shape has them.
 nb::list shapeOf(const SharedDocument& document) {
     nb::list rules;
-    if (const Reshaper* const reshaper = document.document().reshaper()) {
-        for (const ShapeRule& rule : reshaper->shape().rules()) {
+    const Reshaper* const reshaper = document.document().reshaper();
+    const PartsOfDocument* const parts = document.document().parts();
+    if (reshaper != nullptr || parts != nullptr) {
+        for (const ShapeRule& rule :
+             (reshaper != nullptr ? reshaper->shape() : parts->options.shape).rules()) {
             rules.append(textOf(rule.text()));
         }
     }

@@ -84,7 +84,8 @@ bool PartRecords::next(PassItem& item) {
     if (pass_ == nullptr || !pass_->next(item)) {
         return false;
     }
-    // A part may be less deep than the document: the last two columns, V and Value, come later then.
+    // A part may be less deep than the document: the last two columns, V and Value, come later
+    // then.
     constexpr std::size_t kLast = 2;
     const std::span<const JMAPPassCell> cells = item.cells;
     if (cells.size() > cells_.size() || cells.size() < kLast) {

@@ -34,9 +34,9 @@ class PartRecords final : public RowSource {
 
     const PartsOfDocument& parts_;
     const JMAPPassCell nothing_ = {};
-    std::vector<JMAPPassCell> cells_;      // of a row, as the table of the document has them
-    std::unique_ptr<PartDocument> part_;   // null: it is to be read yet, or has no text
-    std::unique_ptr<TablePass> pass_;      // over its own table ALLDATA
+    std::vector<JMAPPassCell> cells_;     // of a row, as the table of the document has them
+    std::unique_ptr<PartDocument> part_;  // null: it is to be read yet, or has no text
+    std::unique_ptr<TablePass> pass_;     // over its own table ALLDATA
     bool begun_ = false;
 };
 

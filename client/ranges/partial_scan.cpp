@@ -5,8 +5,11 @@
 #include "client/parts/part_document.h"
 #include "client/parts/scan_parts.h"
 #include "client/parts/text_part.h"
+#include "client/ranges/bad_lines.h"
+#include "client/shape/shape_plans.h"
 #include "client/text_consumer.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace qvej {
@@ -39,6 +42,7 @@ PartsOfDocument partsOf(Engine& engine, const PartialScanOptions& options) {
     parts.engine = &engine;
     parts.options.maxDepth = options.maxDepth;
     parts.options.maxPaths = options.maxPaths;
+    parts.options.shape = options.shape;
     parts.options.stopped = options.stopped;
     return parts;
 }
@@ -54,6 +58,10 @@ class PieceScan final : public TextConsumer {
     }
 
     void give(std::string_view text, bool more) {
+        if (piece_.form == TextForm::LINES) {
+            feeds_ += static_cast<uint64_t>(std::count(text.begin(), text.end(), '\n'));
+            blank_ = blank_ && isBlank(text);
+        }
         piece_.partition.text = text;
         piece_.partition.more = more;
         piece_.endsPart = !more;
@@ -63,6 +71,9 @@ class PieceScan final : public TextConsumer {
     void finish() override { give({}, false); }
     [[nodiscard]] Place end() const override { return part_.document().end(); }
     [[nodiscard]] int64_t before() const { return part_.before(); }
+    // Of lines: are they blank, and how many line feeds are there?
+    [[nodiscard]] bool blank() const { return piece_.form == TextForm::LINES && blank_; }
+    [[nodiscard]] uint64_t feeds() const { return feeds_; }
 
     [[nodiscard]] std::string bytes() {
         part_.finish();
@@ -76,6 +87,8 @@ class PieceScan final : public TextConsumer {
    private:
     PartDocument part_;
     TextPart piece_;
+    bool blank_ = true;
+    uint64_t feeds_ = 0;
 };
 
 // The failure of a piece, with its place in the file.
@@ -96,17 +109,33 @@ class PieceScan final : public TextConsumer {
     throw Error(error.status(), error.what(), place, error.excerpt());
 }
 
+// Are elements of a large member shaped each by itself?  Not where a rule is for the member or what
+// is around it, or holds it back until something is in it.
+bool shapedApart(const Shape& shape, const std::string& member) {
+    ShapePlans plans(shape);
+    const bool asItStands = member.find('\\') == std::string::npos;
+    return shape.empty() || (asItStands && !plans.dropsEmpty() && plans.root().plain &&
+                             plans.child(plans.root(), member).plain);
+}
+
 // Blank lines are no part: to a parser they would be an empty array.
 std::optional<PartialScan> scanned(const PartsOfDocument& parts, const TextRange& range,
-                                   const TextPiece& piece) {
+                                   const TextPiece& piece, bool skipBadLines, SeenLines& seen) {
+    if (!piece.member.empty() && !shapedApart(parts.options.shape, piece.member)) {
+        throw Error(QV_UNSUPPORTED, "cannot be scanned in parts: a rule of the shape needs all",
+                    range.file);
+    }
     PieceScan scan(parts, range.form, piece);
-    bool blank = range.form == TextForm::LINES;
     try {
-        readPiece(range, piece, [&](std::string_view bytes, bool more) {
-            blank = blank && isBlank(bytes);
-            scan.give(bytes, more);
-        });
-        if (blank) {
+        if (skipBadLines && range.form == TextForm::LINES) {
+            readSifted(*parts.engine, range, piece, parts.options.maxDepth, scan,
+                       [&](const BadLine&) { ++seen.bad; });
+        } else {
+            readPiece(range, piece,
+                      [&](std::string_view bytes, bool more) { scan.give(bytes, more); });
+        }
+        seen.feeds += scan.feeds();
+        if (scan.blank()) {
             return std::nullopt;
         }
         PartialScan counted(scan.bytes());
@@ -118,13 +147,20 @@ std::optional<PartialScan> scanned(const PartsOfDocument& parts, const TextRange
 }
 
 std::string scannedWhole(const PartsOfDocument& parts, ByteSource source,
-                         const TextOptions& options) {
+                         const PartialScanOptions& options, SeenLines& seen) {
     source.stopWhen(parts.options.stopped);
-    DocumentReader reader(std::move(source), options);
+    DocumentReader reader(std::move(source), options.text);
     PartsOfDocument whole = parts;
     whole.options = reader.documentOptions(parts.options);
     PieceScan scan(whole, reader.form(), {});
-    reader.read(scan);
+    if (options.skipBadLines && reader.form() == TextForm::LINES) {
+        LineSieve sieve(
+            *parts.engine, scan, [&](const BadLine&) { ++seen.bad; }, options.maxDepth);
+        reader.read(sieve);
+    } else {
+        reader.read(scan);
+    }
+    seen.feeds = scan.feeds();
     try {
         return scan.bytes();
     } catch (const Error& error) {
@@ -165,16 +201,20 @@ class Sum {
 }  // namespace
 
 PartialScan PartialScan::of(Engine& engine, const TextRange& range,
-                            const PartialScanOptions& options) {
+                            const PartialScanOptions& options, SeenLines* wanted) {
     const PartsOfDocument parts = partsOf(engine, options);
+    SeenLines ignored;
+    SeenLines& seen = wanted != nullptr ? *wanted : ignored;
+    seen = {};
     if (range.whole()) {
         return PartialScan(scannedWhole(parts, wholeFile(range.file, range.readAt, options.stopped),
-                                        options.text));
+                                        options, seen));
     }
     const TextRange lines = withWholeLines(range);
     std::vector<PartialScan> pieces;
     for (const TextPiece& piece : lines.pieces) {
-        if (std::optional<PartialScan> scan = scanned(parts, lines, piece)) {
+        if (std::optional<PartialScan> scan =
+                scanned(parts, lines, piece, options.skipBadLines, seen)) {
             pieces.push_back(*std::move(scan));
         }
     }
@@ -183,8 +223,9 @@ PartialScan PartialScan::of(Engine& engine, const TextRange& range,
 
 PartialScan PartialScan::of(Engine& engine, std::string_view text,
                             const PartialScanOptions& options) {
+    SeenLines ignored;
     return PartialScan(
-        scannedWhole(partsOf(engine, options), ByteSource::memory(text), options.text));
+        scannedWhole(partsOf(engine, options), ByteSource::memory(text), options, ignored));
 }
 
 PartialScan PartialScan::merged(Engine& engine, const std::vector<PartialScan>& scans) {

@@ -14,6 +14,7 @@
 #include "../engine.h"
 #include "../input/document_reader.h"
 #include "../parts/part_counts.h"
+#include "../shape/shape.h"
 #include "text_range.h"
 
 #include <cstdint>
@@ -29,7 +30,15 @@ struct PartialScanOptions {
     TextOptions text = {};               // of a range that is a whole text
     uint64_t maxDepth = 1000;            // 0: any
     uint64_t maxPaths = 10'000'000;      // 0: any number
+    Shape shape = {};                    // rules, as of DocumentOptions
+    bool skipBadLines = false;           // of JSON Lines: see LineSieve
     std::function<bool()> stopped = {};  // see DocumentOptions
+};
+
+// What a scan has seen of the lines of a range.
+struct SeenLines {
+    uint64_t feeds = 0;  // line feeds
+    uint64_t bad = 0;    // lines that were left out
 };
 
 class PartialScan {
@@ -39,8 +48,9 @@ class PartialScan {
 
     // Scans it.  Throws Error: a mistake in the text has its place in the file; QV_UNSUPPORTED for
     // what cannot be scanned in ranges.
-    static PartialScan of(Engine& engine, const TextRange& range,
-                          const PartialScanOptions& options);
+    //   seen  gets what has been seen of JSON Lines, if that is not null
+    static PartialScan of(Engine& engine, const TextRange& range, const PartialScanOptions& options,
+                          SeenLines* seen = nullptr);
     // A whole text, compressed or not.
     static PartialScan of(Engine& engine, std::string_view text, const PartialScanOptions& options);
 

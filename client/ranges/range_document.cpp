@@ -3,6 +3,7 @@
 
 #include "client/maps/exact_map.h"
 #include "client/parts/text_part.h"
+#include "client/ranges/bad_lines.h"
 #include "client/text_consumer.h"
 
 #include <memory>
@@ -18,14 +19,15 @@ DocumentOptions documentOptions(const RangeOptions& options) {
     document.maxDepth = options.maxDepth;
     document.several = !options.sourceColumn.empty();
     document.sourceColumn = options.sourceColumn;
+    document.shape = options.shape;
     document.stopped = options.stopped;
     return document;
 }
 
-// Gives the text of a whole file as it comes.
-class WholeText final : public TextConsumer {
+// Gives the text of a part as it comes.
+class StreamedPart final : public TextConsumer {
    public:
-    WholeText(TextPart part, const TakePart& take) : part_(std::move(part)), take_(take) {}
+    StreamedPart(TextPart part, const TakePart& take) : part_(std::move(part)), take_(take) {}
     void feed(std::string_view text) override { give(text, true); }
     void finish() override { give({}, false); }
     [[nodiscard]] Place end() const override { return {}; }
@@ -48,18 +50,44 @@ std::string textOf(const TextRange& range, const TextPiece& piece) {
     return text;
 }
 
+void ignore(const BadLine&) {}
+
+// How a range is read.
+struct Reading {
+    Engine* engine;
+    TextOptions text;
+    bool skipBadLines;
+    uint64_t maxDepth;
+};
+
+void readWhole(const Reading& reading, const ReadAt& readAt, TextPart part, const TakePart& take) {
+    DocumentReader reader(wholeFile(part.name, readAt, {}), reading.text);
+    part.name = reader.name();
+    part.form = reader.form();
+    StreamedPart whole(part, take);
+    if (reading.skipBadLines && part.form == TextForm::LINES) {
+        LineSieve sieve(*reading.engine, whole, &ignore, reading.maxDepth);
+        reader.read(sieve);
+    } else {
+        reader.read(whole);
+    }
+}
+
 // The pieces of a range as the parts of a document.
-void readRange(const TextRange& wanted, const TextOptions& options, const TakePart& take) {
+void readRange(const TextRange& wanted, const Reading& reading, const TakePart& take) {
     const TextRange range = withWholeLines(wanted);
     TextPart part;
     part.name = range.file;
     part.form = range.form;
     if (range.whole()) {
-        DocumentReader reader(wholeFile(range.file, range.readAt, {}), options);
-        part.name = reader.name();
-        part.form = reader.form();
-        WholeText whole(part, take);
-        reader.read(whole);
+        readWhole(reading, range.readAt, std::move(part), take);
+        return;
+    }
+    if (reading.skipBadLines && range.form == TextForm::LINES) {
+        const TextPiece& piece = range.pieces.front();
+        part.partition = {{}, {piece.begin, piece.line, piece.column}, piece.kind};
+        StreamedPart lines(part, take);
+        readSifted(*reading.engine, range, piece, reading.maxDepth, lines, &ignore);
         return;
     }
     if (range.head) {
@@ -103,8 +131,10 @@ RangeDocument::RangeDocument(Engine& engine, RangeOptions options)
         parts->counts.add({});
     }
     parts->excerpt = {1, options.last};
-    parts->read = [range = std::move(options.range), text = options.text](
-                      uint64_t, const TakePart& take) { readRange(range, text, take); };
+    const Reading reading = {&engine, options.text, options.skipBadLines, options.maxDepth};
+    parts->read = [range = std::move(options.range), reading](uint64_t, const TakePart& take) {
+        readRange(range, reading, take);
+    };
     document_.setParts(std::move(parts));
 }
 

@@ -31,6 +31,9 @@ struct RangeOptions {
     Naming naming = Naming::MAP;
     TextOptions text = {};
     uint64_t maxDepth = 1000;
+    // That the scans had, too.
+    Shape shape = {};
+    bool skipBadLines = false;
     std::string sourceColumn = {};  // of several files: see DocumentOptions; empty: there is none
     std::function<bool()> stopped = {};
 };

@@ -21,6 +21,7 @@ constexpr std::size_t kLineBytes = std::size_t{1} << 16;  // in which most lines
 // 50 ms later, at 100 MB in a second: this many bytes take as long as the wait for them.  Rows are
 // made of one piece while the next one comes, so larger ones would only need more memory.
 constexpr std::size_t kRequestBytes = std::size_t{4} << 20;
+constexpr std::string_view kMark = "\xEF\xBB\xBF";
 
 // A file that is read at any place.
 class PlacedFile {
@@ -150,6 +151,24 @@ class Ranges final : public TextConsumer {
     bool divisible_ = true;
 };
 
+// Ranges of a file of JSON Lines by its size alone; empty: it is one.
+std::vector<TextRange> linesUnread(const std::string& file, uint64_t bytes, uint64_t size) {
+    const uint64_t count = size / std::max<uint64_t>(bytes, 1);
+    if (count < 2) {
+        return {};
+    }
+    const uint64_t step = (size - 1) / count + 1;
+    std::vector<TextRange> ranges;
+    for (uint64_t begin = 0; begin < size; begin += step) {
+        const TextPiece piece = {.begin = begin,
+                                 .end = std::min(begin + step, size),
+                                 .kind = Partition::Kind::MIDDLE,
+                                 .line = begin == 0 ? 1 : 0};
+        ranges.push_back({file, TextForm::LINES, {piece}});
+    }
+    return ranges;
+}
+
 }  // namespace
 
 ByteSource wholeFile(const std::string& file, const ReadAt& readAt,
@@ -173,10 +192,14 @@ ByteSource wholeFile(const std::string& file, const ReadAt& readAt,
 }
 
 std::vector<TextRange> rangesOf(const std::string& file, uint64_t bytes, const TextOptions& options,
-                                const std::function<bool()>& stopped, const ReadAt& readAt) {
+                                const std::function<bool()>& stopped, const ReadAt& readAt,
+                                std::optional<uint64_t> size) {
     DocumentReader reader(wholeFile(file, readAt, stopped), options);
     std::vector<TextRange> found;
-    if (const std::optional<int64_t> before = reader.bytesBefore()) {
+    const std::optional<int64_t> before = reader.bytesBefore();
+    if (before && size && reader.form() == TextForm::LINES) {
+        found = linesUnread(file, bytes, *size);
+    } else if (before) {
         Ranges ranges(reader, bytes, static_cast<uint64_t>(*before));
         reader.read(ranges);
         found = ranges.take();
@@ -193,9 +216,10 @@ std::vector<TextRange> rangesOf(const std::string& file, uint64_t bytes, const T
 TextRange withWholeLines(TextRange range) {
     if (range.form == TextForm::LINES && !range.whole()) {
         const PlacedFile file(range);
+        const uint64_t first = file.read(0, kMark.size()) == kMark ? kMark.size() : 0;
         TextPiece& piece = range.pieces.front();
         for (uint64_t* const at : {&piece.begin, &piece.end}) {
-            *at = *at == 0 || *at == UINT64_MAX ? *at : file.afterLineFeed(*at - 1);
+            *at = *at <= first ? first : *at == UINT64_MAX ? *at : file.afterLineFeed(*at - 1);
         }
     }
     return range;

@@ -56,12 +56,16 @@ struct TextRange {
 // JSON Lines nor has a large array of objects.  Reads the file once.  Throws Error.
 //   stopped  see DocumentOptions; may be empty
 //   readAt   as of the ranges
+//   size     of the file: only the beginning of JSON Lines is read.  They are cut anywhere, and the
+//            line that a range begins with is not known: see withWholeLines
 [[nodiscard]] std::vector<TextRange> rangesOf(const std::string& file, uint64_t bytes,
                                               const TextOptions& options,
                                               const std::function<bool()>& stopped = {},
-                                              const ReadAt& readAt = {});
+                                              const ReadAt& readAt = {},
+                                              std::optional<uint64_t> size = {});
 
-// The range of the lines that begin in a range of JSON Lines; any other as it is.  Throws Error.
+// The range of the lines that begin in a range of JSON Lines, without a byte order mark; any other
+// as it is.  Throws Error.
 [[nodiscard]] TextRange withWholeLines(TextRange range);
 
 // All bytes of the file, in order.  Throws Error.

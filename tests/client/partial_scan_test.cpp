@@ -3,6 +3,7 @@
 
 #include "client/error.h"
 #include "client/input/inputs_reader.h"
+#include "client/ranges/bad_lines.h"
 #include "client/ranges/range_document.h"
 #include "tests/client/parts_document.h"
 #include "tests/client/temporary_folder.h"
@@ -241,6 +242,88 @@ TEST(PartialScans, TakeTheLinesThatBeginInARangeAndWholeFiles) {
         PartialScan::merged(engine, {PartialScan::of(engine, range(0, UINT64_MAX), {}),
                                      PartialScan::of(engine, TextRange{.file = other}, {})});
     EXPECT_EQ(mapOf(engine, {file, other}), both.mapText(engine));
+}
+
+TEST(PartialScans, OfLinesThatWereNotReadCountThemAndLeaveOutBadOnes) {
+    const TemporaryFolder folder;
+    Engine engine;
+    const std::string mark = "\xEF\xBB\xBF";
+    const std::string good = mark + rows(30, "\n") + "\n";
+    const std::string bad = mark + "{\"x\":}\n" + rows(30, "\n{\"z\":1}}\n\n") + "\n}";
+    const std::string map = mapOf(engine, {folder.file("good.jsonl", good)});
+    for (const std::string& text : {good, bad}) {
+        const std::string file = folder.file("a.jsonl", text);
+        const auto feeds = static_cast<uint64_t>(std::count(text.begin(), text.end(), '\n'));
+        for (const uint64_t bytes : {1, 50, 300, 100'000}) {
+            const std::vector<TextRange> ranges =
+                qvej::rangesOf(file, bytes, {}, {}, {}, std::filesystem::file_size(file));
+            EXPECT_EQ(bytes<1000, ranges.size()> 1);
+            PartialScanOptions options;
+            options.skipBadLines = true;
+            std::vector<PartialScan> scans;
+            qvej::SeenLines all;
+            std::vector<int64_t> badLines;
+            for (TextRange range : ranges) {
+                if (!range.whole()) {
+                    range.pieces.front().line = static_cast<int64_t>(all.feeds) + 1;
+                }
+                qvej::SeenLines seen;
+                scans.push_back(PartialScan::of(engine, range, options, &seen));
+                all.feeds += seen.feeds;
+                all.bad += seen.bad;
+                qvej::eachBadLine(engine, range, {}, 0, {}, [&](const qvej::BadLine& line) {
+                    badLines.push_back(line.line);
+                });
+            }
+            EXPECT_EQ(map, PartialScan::merged(engine, scans).mapText(engine)) << bytes;
+            EXPECT_EQ(feeds, all.feeds) << bytes;
+            EXPECT_EQ(all.bad, badLines.size()) << bytes;
+            std::vector<int64_t> want = {1};
+            for (int64_t line = 3; line < 90; line += 3) {
+                want.push_back(line);
+            }
+            want.push_back(90);
+            EXPECT_EQ(text == bad ? want : std::vector<int64_t>(), badLines) << bytes;
+        }
+    }
+}
+
+TEST(PartialScans, HaveAShapeWhereItsRulesNeedNothingOfOtherElements) {
+    const TemporaryFolder folder;
+    Engine engine;
+    const std::string array = folder.file("a.json", "[" + rows(30, ",") + "]");
+    const std::string member =
+        folder.file("m.json", R"({"n":{"x":1},"r\u006fws":[)" + rows(30, ",") + "]}");
+    const std::string plain =
+        folder.file("p.json", R"({"n":{"x":1},"rows":[)" + rows(30, ",") + "]}");
+    const struct {
+        std::string file, rule;
+        bool apart;
+    } cases[] = {
+        {array, "rows /root", true},       {array, "empty drop", true},
+        {array, "text /root/late", true},  {plain, "inline /root/rows/late", true},
+        {plain, "drop /root/n", true},     {plain, "empty drop", false},
+        {plain, "rows /root", false},      {plain, "text /root/rows", false},
+        {plain, "only /root/rows", false}, {member, "drop /root/n", false},
+    };
+    for (const auto& one : cases) {
+        PartialScanOptions options;
+        options.shape.addRule(one.rule);
+        std::vector<PartialScan> scans;
+        try {
+            for (const TextRange& range : qvej::rangesOf(one.file, 100, {})) {
+                scans.push_back(PartialScan::of(engine, range, options));
+            }
+            EXPECT_TRUE(one.apart) << one.file << one.rule;
+            const TextRange whole = {.file = one.file};
+            EXPECT_EQ(PartialScan::of(engine, whole, options).mapText(engine),
+                      PartialScan::merged(engine, scans).mapText(engine))
+                << one.rule;
+        } catch (const qvej::Error& error) {
+            EXPECT_FALSE(one.apart) << one.file << one.rule;
+            EXPECT_EQ(QV_UNSUPPORTED, error.status()) << error.what();
+        }
+    }
 }
 
 TEST(PartialScans, SayWhatIsWrongAndWhere) {

@@ -42,7 +42,7 @@ const Layer kLayers[] = {
     {"client/parts/", R"re(client/((parts|partition|input)/.*|[^/]*)|include/.*|<.*>)re"},
     {"client/open/", R"re(client/((open|maps|parts|input|shape)/.*|[^/]*)|include/.*|<.*>)re"},
     {"client/ranges/",
-     R"re(client/((ranges|maps|parts|partition|input)/.*|[^/]*)|include/.*|<.*>)re"},
+     R"re(client/((ranges|maps|parts|partition|input|shape)/.*|[^/]*)|include/.*|<.*>)re"},
     {"client/find/", R"re(client/((find|open|input|shape)/.*|[^/]*)|include/.*|<.*>)re"},
     {"client/maps/", R"re(client/(maps/.*|[^/]*)|include/.*|<.*>)re"},
     {"client/schema/",

@@ -10,7 +10,7 @@ from typing import NamedTuple, Union
 
 from . import _arguments, _files, _qvejmap
 from ._map import Map
-from ._source import Path, file_name, has_buffer
+from ._source import Path, file_name, has_buffer, shape_text
 
 _LINES, _SEQUENCE = 1, 2  # of the forms, of which a document is 0
 _MIDDLE, _HEAD, _TAIL = 2, 4, 5  # of the kinds, of which 1 to 3 are elements or lines
@@ -88,15 +88,39 @@ def parts(file: Path, size: int = 64 << 20, *, lines: bool = False, encoding: st
     JSON Lines are cut after lines, other texts between the elements of the outermost array, or of a
     large array of objects in the outermost object.  What cannot be divided is one part.
     """
-    name = file_name("file", file)
+    file_name("file", file)
     size = _arguments.number("size", size, 1)
     _arguments.text("encoding", encoding)
-    read_at = _files.read_at_of(os.fspath(file))
-    found = _qvejmap.ranges(name, size, encoding, _arguments.flag("lines", lines), read_at)
-    parts = [Part(os.fspath(file), *of) for of in found]
+    return cut(os.fspath(file), size, encoding, _arguments.flag("lines", lines))
+
+
+def cut(file: str, size: int, encoding: str, lines: bool, file_size: int | None = None) -> list[Part]:
+    """As `parts`; by their size JSON Lines are cut unread, and have parts whose first line is not known."""
+    read_at = _files.read_at_of(file)
+    found = _qvejmap.ranges(os.fsencode(file), size, encoding, lines, read_at, file_size)
+    parts = [Part(file, *of) for of in found]
     whole = Part.whole(file)
     apart = read_at is None or all(part.pieces == whole.pieces for part in parts) or read_at.has_ranges()
     return parts if apart else [whole]
+
+
+def rules_of(shape: Path | Iterable[str] | None) -> list[str]:
+    """The rules of a shape, each as `Document.shape` has it."""
+    if isinstance(shape, str) and shape == "auto":
+        raise ValueError('shape: "auto" needs the whole document; Plan.find takes it')
+    return _qvejmap.shape_rules(*shape_text(shape))
+
+
+def scan_of(
+    part: Part, lines: bool, encoding: str, depth: int, max_paths: int, rules: list[str], skip_bad: bool = False
+) -> tuple[bytes, int, int]:
+    """The bytes of its scan, its line feeds when it is of lines, and how many lines were left out."""
+    _check(part)
+    file = file_name("file", part.file)
+    return _qvejmap.scan_range(
+        file, part.form, part.pieces, encoding, lines, depth, max_paths, rules, skip_bad,
+        _files.read_at_of(part.file),
+    )
 
 
 class PartialScan:
@@ -112,6 +136,7 @@ class PartialScan:
         lines: the text is one value a line; else it is found by its beginning.
         encoding: of a text or a whole file.
         depth, max_paths: limits, as of `open`.
+        shape: a file of rules, or a list of rules.
 
     Raises:
         NotJson, LimitReached, FileError: see these.
@@ -126,20 +151,16 @@ class PartialScan:
         encoding: str = "auto",
         depth: int = 1000,
         max_paths: int = 10_000_000,
+        shape: Path | Iterable[str] | None = None,
     ) -> None:
-        limits = (
-            _arguments.text("encoding", encoding),
-            _arguments.number("depth", depth),
-            _arguments.number("max_paths", max_paths),
-        )
+        encoding = _arguments.text("encoding", encoding)
         _arguments.flag("lines", lines)
+        limits = (_arguments.number("depth", depth), _arguments.number("max_paths", max_paths))
+        rules = rules_of(shape)
         if isinstance(source, Part):
-            _check(source)
-            file = file_name("file", source.file)
-            read_at = _files.read_at_of(source.file)
-            self._bytes = _qvejmap.scan_range(file, source.form, source.pieces, *limits, read_at)
+            self._bytes, _, _ = scan_of(source, lines, encoding, *limits, rules)
         elif has_buffer(source):
-            self._bytes = _qvejmap.scan_text(source, lines, *limits)
+            self._bytes = _qvejmap.scan_text(source, lines, encoding, *limits, rules)
         else:
             raise TypeError(f"source: a part of a file, or bytes, not {type(source).__name__}")
 

@@ -9,16 +9,17 @@ import struct
 import zlib
 from collections.abc import Callable, Iterable, Mapping, Sequence
 from functools import partial
-from typing import Any, Literal, NamedTuple, Union
+from typing import Any, Literal, NamedTuple
 
 from . import _arguments, _files, _qvejmap
 from ._document import Document
-from ._errors import Error, FileError
-from ._partial_scan import Part, PartialScan, _check, parts
+from ._errors import Error, FileError, NotJson
+from ._partial_scan import _LINES, Part, PartialScan, _check, cut, rules_of, scan_of
 from ._source import Path, map_text, words_of
 
 _FORMAT = "qvejmap plan 1"
 _CHANGED = 0x80BFC809 - 2**32  # QV_IO_CHANGED
+_DAMAGED = 0x80BFC80A - 2**32  # QV_IO_DAMAGED
 _UNSUPPORTED = 0x803FC0F1 - 2**32  # QV_UNSUPPORTED
 _SUMMED_AT_ONCE = 100
 _NO_OBJECTS = (
@@ -30,7 +31,15 @@ _NO_ALLDATA = "the plan has no facts of ALLDATA: it is made with alldata=True"
 
 Run = Callable[[Callable[[Any], Any], Sequence[Any]], Iterable[Any]]
 _Containers = list[tuple[bytes, int]]  # how often each has come
-_Scan = tuple[bytes, Union[_Containers, None]]
+
+
+class _Scan(NamedTuple):
+    """What a scan of a part has found."""
+
+    data: bytes
+    containers: _Containers | None
+    feeds: int  # line feeds, of a part that is lines
+    bad: int  # lines that were left out
 
 
 class PlannedPart(NamedTuple):
@@ -62,8 +71,14 @@ class Plan:
         map: the tables and columns, as of `open`; else the automatic ones.
         source_column: which each table begins with: the name of the file that a row is of.
         alldata: also the table ALLDATA of parts; each part is read once more for its types.
+        shape: the rules that the scans had: a file of them, or a list.
         lines, exact, naming, carry, encoding, depth: as of `open`.
     """
+
+    #: Messages on the files that were left out, "file:line:column: reason".
+    bad_files: list[str]
+    #: How many lines were left out.
+    bad_line_count: int
 
     def __init__(
         self,
@@ -79,9 +94,11 @@ class Plan:
         depth: int = 1000,
         source_column: str = "",
         alldata: bool = False,
+        shape: Path | Iterable[str] | None = None,
     ) -> None:
         self._alldata = _arguments.flag("alldata", alldata)
-        self._options = _options(lines, map, exact, naming, carry, encoding, depth, source_column)
+        self._options = _options(lines, map, exact, naming, carry, encoding, depth, source_column, rules_of(shape))
+        self.bad_files, self.bad_line_count = [], 0
         scans = list(scans)
         if len(scans) != len(parts) or not scans:
             raise ValueError("scans: one of each part")
@@ -104,10 +121,13 @@ class Plan:
         depth: int = 1000,
         max_paths: int = 10_000_000,
         alldata: bool = False,
+        shape: Path | Iterable[str] | None = None,
+        skip_bad: bool = False,
     ) -> Plan:
         """The plan of files, made by many workers: each reads parts of them, twice in all.
 
-        Files whose parts cannot be read apart are one part each.
+        JSON Lines, uncompressed and in UTF-8, are cut without being read; of other files a worker
+        reads all to cut it.  Files whose parts cannot be read apart are one part each.
 
         Args:
             source: a file, a folder or a pattern, or several of them; all workers have the files,
@@ -116,24 +136,38 @@ class Plan:
             run: applies a function to each of some items, on whatever workers, and gives what it
                 returns, in order.  Function, items and results can be pickled.
             size: bytes of a part, or somewhat more.
-            lines, map, exact, naming, carry, encoding, depth, max_paths: as of `open`.
             alldata: as above.
+            shape: as of `open`.  For "auto" one worker reads all files: of much data let `qvejmap
+                shape` find rules in a sample, and give these.
+            skip_bad: bad lines of JSON Lines are left out, and so is any other file that is not
+                JSON, or whose compressed data are damaged; `bad_files`, `bad_line_count` and
+                `bad_lines` tell which.  A file that cannot be read is an error, since another
+                machine may have it, and so is what is nested too deep.
+            lines, map, exact, naming, carry, encoding, depth, max_paths: as of `open`.
 
         Raises:
-            NotJson, LimitReached, MapError, FileError, Error: as `open`.
+            NotJson, LimitReached, MapError, FileError, Error: as `open`; with skip_bad the mistake
+                of the last file when none is left.
         """
         files, several = _files.files_of(words_of(source))
         _arguments.flag("alldata", alldata)
-        options = _options(lines, map, exact, naming, carry, encoding, depth, "source" if several else "")
-        finder = _Finder(run, size, lines is True, encoding, depth, max_paths)
-        divided, states = finder.parts_of(files)
+        auto = isinstance(shape, str) and shape == "auto"
+        rules = [] if auto else rules_of(shape)
+        options = _options(lines, map, exact, naming, carry, encoding, depth, "source" if several else "", rules,
+                           _arguments.flag("skip_bad", skip_bad))
+        finder = _Finder(run, files, size, options, max_paths)
+        if auto:
+            finder.find_shape()
+        divided = finder.parts()
         while True:
             scans = finder.scans_of(divided)
             plan = cls.__new__(cls)
             plan._options = options
             plan._alldata = alldata
-            plan._set([part for of in divided for part in of], finder.sum_of(scans),
-                      [containers for _, containers in scans], states)
+            plan.bad_files = finder.bad_files()
+            plan.bad_line_count = sum(scan.bad for scan in scans)
+            plan._set(finder.with_lines(divided), finder.sum_of(scans), [scan.containers for scan in scans],
+                      finder.states)
             facts = finder.facts_of(plan)
             if facts is not None:
                 plan.learn(facts)
@@ -172,6 +206,32 @@ class Plan:
         document = self._document(part)
         facts = _qvejmap.facts_of(document)
         return _joined(facts, _qvejmap.facts_of(document.alldata())) if self._alldata else facts
+
+    def bad_lines(self, part: PlannedPart) -> list[str]:
+        """The messages on the lines of a part that are left out, "file:line:column: reason".
+
+        Reads the part.  Columns are counted in bytes of UTF-8.  With skip_bad=False there are none.
+
+        Raises:
+            FileError: the file has changed.
+        """
+        of = self._checked(part)
+        if not self.skip_bad:
+            return []
+        lines, encoding, depth = (self._options[name] for name in ("lines", "encoding", "depth"))
+        found = _qvejmap.bad_lines(os.fsencode(of.file), of.form, of.pieces, encoding, lines, depth,
+                                   _files.read_at_of(of.file))
+        return [f"{of.file}:{line}:{column}: {reason}" for line, column, reason in found]
+
+    @property
+    def skip_bad(self) -> bool:
+        """Is what is bad left out?"""
+        return bool(self._options["skip_bad"])
+
+    @property
+    def shape(self) -> list[str]:
+        """The rules that all parts are read with; with shape="auto" those that were found."""
+        return list(self._options["shape"])
 
     def learn(self, facts: Sequence[bytes]) -> None:
         """Takes the facts of all parts, in their order, or sums of those that follow one another."""
@@ -232,6 +292,7 @@ class Plan:
         ]
         facts = None if self._facts is None else _text(self._facts)
         return json.dumps({"format": _FORMAT, "options": options, "alldata": self._alldata,
+                           "bad_files": self.bad_files, "bad_line_count": self.bad_line_count,
                            "scan": _text(self._scan), "facts": facts, "after": _text(self._after),
                            "containers": [_text(path) for path in self._containers], "parts": parts})
 
@@ -251,6 +312,7 @@ class Plan:
                 name: _bytes(of) if name in ("map", "map_name") else of for name, of in given["options"].items()
             }
             plan._alldata = given["alldata"]
+            plan.bad_files, plan.bad_line_count = given["bad_files"], given["bad_line_count"]
             plan._scan = _bytes(given["scan"])
             plan._facts = None if given["facts"] is None else _bytes(given["facts"])
             plan._containers = [_bytes(path) for path in given["containers"]]
@@ -273,15 +335,19 @@ class Plan:
         return f"<qvejmap.Plan: {len(self.parts):,} parts, {types}>"
 
     def _document(self, planned: PlannedPart) -> _qvejmap.Document:
-        part, packed, last, state = planned
-        before = list(zip(self._containers, _unpacked(packed)))
-        _check(part)
-        if state is not None and state != _files.state_of(part.file):
-            raise FileError("the file has changed since it was scanned", part.file, 0, 0, -1, _CHANGED, "")
+        part = self._checked(planned)
+        before = list(zip(self._containers, _unpacked(planned.before)))
         return _qvejmap.open_part(
-            os.fsencode(part.file), part.form, part.pieces, part.head, self._scan, before, last,
+            os.fsencode(part.file), part.form, part.pieces, part.head, self._scan, before, planned.last,
             read_at=_files.read_at_of(part.file), **self._options,
         )
+
+    def _checked(self, planned: PlannedPart) -> Part:
+        part = planned.part
+        _check(part)
+        if planned.state is not None and planned.state != _files.state_of(part.file):
+            raise FileError("the file has changed since it was scanned", part.file, 0, 0, -1, _CHANGED, "")
+        return part
 
 
 def _joined(of_tables: bytes, of_alldata: bytes) -> bytes:
@@ -306,7 +372,7 @@ def _alldata(document: _qvejmap.Document, file: str, facts: bytes | None) -> _qv
 
 def _options(
     lines: Literal[True] | None, map: Path | Mapping[str, Any] | None, exact: bool, naming: str, carry: bool,
-    encoding: str, depth: int, source_column: str,
+    encoding: str, depth: int, source_column: str, shape: list[str], skip_bad: bool = False,
 ) -> dict[str, Any]:
     if lines is not None and lines is not True:
         raise ValueError("lines: True or None")
@@ -323,86 +389,152 @@ def _options(
         "exact": exact,
         "carry": _arguments.flag("carry", carry),
         "source_column": _arguments.text("source_column", source_column),
+        "shape": shape,
+        "skip_bad": skip_bad,
     }
 
 
 class _Finder:
     """What `Plan.find` has workers do."""
 
-    def __init__(self, run: Run, size: int, lines: bool, encoding: str, depth: int, max_paths: int) -> None:
+    def __init__(
+        self, run: Run, files: Sequence[str], size: int, options: dict[str, Any], max_paths: int
+    ) -> None:
         self._run = run
+        self._files = files
         self._size = _arguments.number("size", size, 1)
-        self._lines = lines
-        self._encoding = _arguments.text("encoding", encoding)
-        self._depth = _arguments.number("depth", depth)
+        self._options = options
         self._max_paths = _arguments.number("max_paths", max_paths)
         self._apart: set[str] = set()  # files that cannot be
+        self._bad: dict[str, Error] = {}  # files that are left out
         self._scans: dict[Part, _Scan] = {}
+        self.states: dict[str, _files.State | None] = {}
 
-    def parts_of(self, files: Sequence[str]) -> tuple[list[list[Part]], dict[str, _files.State | None]]:
-        """Of each file, and the states they had before."""
-        found = self._done(partial(_parts_of, size=self._size, lines=self._lines, encoding=self._encoding), files)
-        for of in found:
-            if isinstance(of, Error):
-                raise of
-        return [parts for parts, _ in found], {file: state for file, (_, state) in zip(files, found)}
+    def find_shape(self) -> None:
+        """By one worker, from the files that are not left out; the options have it then."""
+        found = partial(_found_rules, self._scan(), self._options["skip_bad"])
+        (self._options["shape"],) = self._all(found, [self._files])
+
+    def parts(self) -> list[list[Part]]:
+        """Of each file that is not left out; the files' states are those they had before."""
+        lines, encoding = self._options["lines"], self._options["encoding"]
+        cut = partial(_parts_of, size=self._size, lines=lines, encoding=encoding)
+        divided = []
+        for file, result in zip(self._files, self._results(cut, self._files)):
+            if not isinstance(result, Error):
+                parts, self.states[file] = result
+                divided.append(parts)
+            elif self._leaves_out(result):
+                self._bad[file] = result
+            else:
+                raise result
+        return divided
 
     def scans_of(self, divided: list[list[Part]]) -> list[_Scan]:
-        """Of each part the scan, and how often containers come; changes parts that cannot be scanned apart."""
-        scan = partial(
-            _scan, lines=self._lines, encoding=self._encoding, depth=self._depth, max_paths=self._max_paths
-        )
+        """Of each part; changes what cannot be scanned apart, and leaves out files."""
         while True:
+            if not divided:
+                raise self._bad[self._files[-1]]
             parts = [part for of in divided for part in of]
             wanted = [part for part in dict.fromkeys(parts) if part not in self._scans]
-            results = self._done(scan, wanted)
-            self._scans.update((part, found) for part, found in zip(wanted, results) if not isinstance(found, Error))
-            if not self._not_apart(wanted, results):
+            if self._took(wanted, self._results(self._scan(), wanted), divided):
                 return [self._scans[part] for part in parts]
             self.divide_less(divided)
 
+    def _took(self, parts: Sequence[Part], scans: Sequence[Any], divided: list[list[Part]]) -> bool:
+        """False: some are to be scanned otherwise.  Raises the first error of the text."""
+        took = True
+        for part, scan in zip(parts, scans):
+            whole = part == Part.whole(part.file)
+            if not isinstance(scan, Error):
+                self._scans[part] = scan
+            elif not whole and (scan.status == _UNSUPPORTED or self._leaves_out(scan)):
+                self._apart.add(part.file)
+                took = False
+            elif self._leaves_out(scan):
+                self._bad[part.file] = scan
+                took = False
+            elif took:
+                raise self._in_file(scan, part, divided)
+            else:
+                break  # what comes before it may have another one, as a whole
+        return took
+
+    def _in_file(self, error: Error, part: Part, divided: list[list[Part]]) -> Error:
+        """The line of an error is that in the part, when that is all that its worker knows."""
+        if _line_of(part) != 0 or error.line == 0:
+            return error
+        of = next(of for of in divided if part in of)
+        before = sum(self._scans[each].feeds for each in of[: of.index(part)])
+        return type(error)(
+            error._made_of[0], error.file, error.line + before, error.column, error.offset, error.status,
+            error.excerpt, error.path,
+        )
+
+    def with_lines(self, divided: list[list[Part]]) -> list[Part]:
+        """All parts, each with the line that it begins with."""
+        parts = []
+        for of in divided:
+            line = 1
+            for part in of:
+                parts.append(part if _line_of(part) != 0 else _at_line(part, line))
+                line += self._scans[part].feeds
+        return parts
+
+    def bad_files(self) -> list[str]:
+        return [str(self._bad[file]) for file in self._files if file in self._bad]
+
     def sum_of(self, scans: Iterable[_Scan]) -> bytes:
         """Of many scans the workers make sums, and sums of these."""
-        return self._summed(_qvejmap.merge_scans, [scan for scan, _ in scans])
+        return self._summed(_merged, [scan.data for scan in scans])
 
     def facts_of(self, plan: Plan) -> list[bytes] | None:
         """None: some parts cannot be read apart."""
         light = plan.without_parts()
-        results = self._done(partial(_facts, light), plan.parts)
-        if self._not_apart([planned.part for planned in plan.parts], results):
-            return None
-        return [self._summed(light.sum, results)]
+        results = self._results(partial(_facts, light), plan.parts)
+        apart = set()
+        for planned, result in zip(plan.parts, results):
+            if isinstance(result, Error):
+                if result.status != _UNSUPPORTED or planned.part == Part.whole(planned.part.file):
+                    raise result
+                apart.add(planned.part.file)
+        self._apart |= apart
+        return None if apart else [self._summed(light.sum, results)]
 
     def divide_less(self, divided: list[list[Part]]) -> None:
-        """Files whose parts cannot be read apart are one part."""
-        divided[:] = [[Part.whole(of[0].file)] if of[0].file in self._apart else of for of in divided]
+        """Files whose parts cannot be read apart are one part; bad ones are left out."""
+        divided[:] = [
+            [Part.whole(of[0].file)] if of[0].file in self._apart else of
+            for of in divided if of[0].file not in self._bad
+        ]
+
+    def _scan(self) -> partial[_Scan]:
+        names = ("lines", "encoding", "depth", "shape", "skip_bad")
+        return partial(_scan, max_paths=self._max_paths, **{name: self._options[name] for name in names})
+
+    def _leaves_out(self, error: Error) -> bool:
+        return self._options["skip_bad"] and _is_bad(error)
 
     def _summed(self, sum: Callable[[list[bytes]], bytes], of: list[bytes]) -> bytes:
         while len(of) > _SUMMED_AT_ONCE:
             some = [of[i : i + _SUMMED_AT_ONCE] for i in range(0, len(of), _SUMMED_AT_ONCE)]
-            of = self._done(sum, some)
+            of = self._all(sum, some)
         return sum(of)
 
-    def _done(self, function: Callable[[Any], Any], items: Sequence[Any]) -> list[Any]:
-        """The results, in which files that cannot be divided are errors; raises the first other one."""
-        results = list(self._run(partial(_tried, function), items)) if items else []
-        if len(results) != len(items):
-            raise ValueError("run: a result of each item")
+    def _all(self, function: Callable[[Any], Any], items: Sequence[Any]) -> list[Any]:
+        """The results; raises the first error."""
+        results = self._results(function, items)
         for result in results:
-            if isinstance(result, Error) and result.status != _UNSUPPORTED:
+            if isinstance(result, Error):
                 raise result
         return results
 
-    def _not_apart(self, parts: Sequence[Part], results: Sequence[Any]) -> bool:
-        """Are there some?  Raises the error when a file is one part already."""
-        found = False
-        for part, result in zip(parts, results):
-            if isinstance(result, Error):
-                if part == Part.whole(part.file):
-                    raise result
-                self._apart.add(part.file)
-                found = True
-        return found
+    def _results(self, function: Callable[[Any], Any], items: Sequence[Any]) -> list[Any]:
+        """Of each item; errors are results."""
+        results = list(self._run(partial(_tried, function), items)) if items else []
+        if len(results) != len(items):
+            raise ValueError("run: a result of each item")
+        return results
 
 
 def _tried(function: Callable[[Any], Any], item: Any) -> Any:
@@ -415,12 +547,42 @@ def _tried(function: Callable[[Any], Any], item: Any) -> Any:
 
 def _parts_of(file: str, size: int, lines: bool, encoding: str) -> tuple[list[Part], _files.State | None]:
     state = _files.state_of(file)
-    return parts(file, size, lines=lines, encoding=encoding), state
+    if state is not None and 0 < state[0] <= size:
+        return [Part.whole(file)], state  # as it would be after it has been read
+    return cut(file, size, encoding, lines, None if state is None else state[0]), state
 
 
-def _scan(part: Part, *, lines: bool, encoding: str, depth: int, max_paths: int) -> _Scan:
-    scan = PartialScan(part, lines=lines, encoding=encoding, depth=depth, max_paths=max_paths).to_bytes()
-    return scan, _qvejmap.containers_of_scan(scan)
+def _scan(
+    part: Part, *, lines: bool, encoding: str, depth: int, max_paths: int, shape: list[str], skip_bad: bool
+) -> _Scan:
+    known = part if _line_of(part) != 0 else _at_line(part, 1)
+    scan, feeds, bad = scan_of(known, lines, encoding, depth, max_paths, shape, skip_bad)
+    return _Scan(scan, _qvejmap.containers_of_scan(scan), feeds, bad)
+
+
+def _merged(scans: list[bytes]) -> bytes:
+    return _qvejmap.merge_scans(scans)
+
+
+def _found_rules(scan: partial[_Scan], skip_bad: bool, files: Sequence[str]) -> list[str]:
+    good = [file for file in files if not (skip_bad and _is_bad(_tried(scan, Part.whole(file))))]
+    names, read_ats = [os.fsencode(file) for file in good], [_files.read_at_of(file) for file in good]
+    options = scan.keywords
+    return _qvejmap.found_rules(names, read_ats, options["encoding"], options["lines"], options["depth"]) if good else []
+
+
+def _is_bad(result: Any) -> bool:
+    return isinstance(result, NotJson) or (isinstance(result, Error) and result.status == _DAMAGED)
+
+
+def _line_of(part: Part) -> int:
+    """0: not known."""
+    return part.pieces[0][4] if part.form == _LINES else 1
+
+
+def _at_line(part: Part, line: int) -> Part:
+    ((begin, end, kind, member, _, column),) = part.pieces
+    return part._replace(pieces=((begin, end, kind, member, line, column),))
 
 
 def _facts(plan: Plan, part: PlannedPart) -> bytes:

@@ -1,6 +1,6 @@
 """What the package stands on: positions of tables and columns go in and out."""
 
-from collections.abc import Callable
+from collections.abc import Callable, Sequence
 from typing import Any, TypeAlias
 
 from typing_extensions import Buffer
@@ -83,15 +83,28 @@ ReadAt: TypeAlias = Callable[[int, int], bytes]
 
 # Of each range its form, its pieces, and the head.
 def ranges(
-    file: bytes, bytes: int, encoding: str, lines: bool, read_at: ReadAt | None
+    file: bytes, bytes: int, encoding: str, lines: bool, read_at: ReadAt | None, size: int | None
 ) -> list[tuple[int, tuple[Piece, ...], Piece | None]]: ...
 
-# Scans are bytes.
+# Scans are bytes.  Line feeds of lines, and how many lines were left out, come with that of a range.
 def scan_range(
-    file: bytes, form: int, pieces: tuple[Piece, ...], encoding: str, depth: int, max_paths: int,
-    read_at: ReadAt | None,
+    file: bytes, form: int, pieces: tuple[Piece, ...], encoding: str, lines: bool, depth: int, max_paths: int,
+    shape: list[str], skip_bad: bool, read_at: ReadAt | None,
+) -> tuple[bytes, int, int]: ...
+def scan_text(
+    buffer: Buffer, lines: bool, encoding: str, depth: int, max_paths: int, shape: list[str]
 ) -> bytes: ...
-def scan_text(buffer: Buffer, lines: bool, encoding: str, depth: int, max_paths: int) -> bytes: ...
+
+# Line, column and reason.
+def bad_lines(
+    file: bytes, form: int, pieces: tuple[Piece, ...], encoding: str, lines: bool, depth: int, read_at: ReadAt | None
+) -> list[tuple[int, int, str]]: ...
+
+# The rules of a text, and those that are found in files.
+def shape_rules(text: str, name: bytes) -> list[str]: ...
+def found_rules(
+    files: list[bytes], read_ats: Sequence[ReadAt | None], encoding: str, lines: bool, depth: int
+) -> list[str]: ...
 def merge_scans(scans: list[bytes]) -> bytes: ...
 def map_of_scan(scan: bytes) -> str: ...
 def counts_of_scan(scan: bytes) -> list[tuple[str, int]]: ...
@@ -116,6 +129,8 @@ def open_part(
     exact: bool,
     carry: bool,
     source_column: str,
+    shape: list[str],
+    skip_bad: bool,
     read_at: ReadAt | None,
 ) -> Document: ...
 

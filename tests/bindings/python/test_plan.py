@@ -1,15 +1,19 @@
 """Plans: the parts of a document, each read by itself, have the tables of the whole."""
 
+import csv
 import gzip
 import os
 import pickle
 import random
+import subprocess
 import tempfile
 import unittest
 
 import pyarrow
 
 import qvejmap
+from documents import TOOL, arrow_files_of, can_compare
+from qvejmap._plan import _parts_of
 
 
 def rows(count, seed):
@@ -141,6 +145,159 @@ class Plans(unittest.TestCase):
             qvejmap.Plan.find([a, broken], run, size=1000)
         self.assertEqual((raised.exception.file, raised.exception.line), (broken, 501))
 
+    def test_lines_are_cut_without_being_read(self):
+        good = ['{"a":%d,"b":[{"c":"%s"}]}' % (i, "x" * (i % 9)) for i in range(12)]
+        texts = {
+            "plain": "\n".join(good) + "\n",
+            "no last line feed": "\n".join(good),
+            "blank lines": "\n\n  \n" + "\n\n".join(good) + "\n\n\n\n \n",
+            "CR LF": "\r\n".join(good) + "\r\n",
+            "byte order mark": "\ufeff" + "\n".join(good),
+            "longer than parts": "\n".join([*good[:3], '{"a":"%s"}' % ("y" * 400), *good[3:]]),
+            "nothing but blank lines": "\n\n\n \n\n",
+        }
+        mistakes = ('{"a":}', '{"a":1} 2', '{"a":[[[[1]]]]}', '{"a":"\x01"}', '{"a"', "}")
+        for name, text in texts.items():
+            lines = text.split("\n")
+            for size in (1, 7, 60, 300):
+                with self.subTest(name, size=size):
+                    file = self.file("a.jsonl", text)
+                    self.compare([file], qvejmap.Plan.find(file, size=size))
+                    for i in range(1, len(lines), 3):
+                        self.file("a.jsonl", "\n".join([*lines[:i], mistakes[i // 3 % len(mistakes)], *lines[i:]]))
+                        told = []
+                        for read in (qvejmap.open, lambda file, depth: qvejmap.Plan.find(file, size=size, depth=depth)):
+                            with self.assertRaises(qvejmap.Error) as raised:
+                                read(file, depth=4)
+                            error = raised.exception
+                            told.append((type(error), str(error), error.line, error.column, error.offset, error.path))
+                        self.assertEqual(told[1], told[0])
+        text = texts["plain"]
+        file = self.file("a.jsonl", text)
+        for planned in qvejmap.Plan.find(file, size=60).parts:
+            begin, line = planned.part.begin, planned.part.pieces[0][4]
+            self.assertEqual(line, 1 if begin == 0 else text.count("\n", 0, text.index("\n", begin - 1) + 1) + 1)
+        os.truncate(file, 1 << 40)  # takes no room, and for ever to read
+        self.assertEqual(len(_parts_of(file, 1 << 30, False, "auto")[0]), 1024)
+
+    def test_a_file_with_a_mistake_and_parts_that_are_not_apart_tells_the_line(self):
+        file = self.file("a.jsonl", '{"a":1}\n' * 30 + "7\n" * 30 + '{"a":}\n' + '{"a":1}\n' * 30)
+        with self.assertRaises(qvejmap.NotJson) as raised:
+            qvejmap.Plan.find(file, size=50)
+        self.assertEqual(raised.exception.line, 61)
+
+    def test_what_is_bad_is_left_out(self):
+        good = [b'{"a":%d,"b":[{"c":"%s"}]}' % (i, b"x" * (i % 9)) for i in range(40)]
+        bad = [b'{"a":}', b'{"a":1} 2', b'{"a":"\x01"}', b'{"a":"\xff"}', b'{"a"', b"}", b"x", b'{"new":{"z":[1,2}}']
+        mixed = b"\n".join(line for i, line in enumerate(good) for line in
+                           ([line, bad[i // 3 % len(bad)], b""] if i % 3 == 0 else [line]))
+        array, zipped = b"[" + b",".join(good) + b"]", gzip.compress(mixed)
+        files = {
+            "l.jsonl": mixed, "g.jsonl.gz": zipped, "marked.jsonl": b"\xef\xbb\xbf" + mixed.replace(b"\n", b"\r\n"),
+            "u.jsonl": mixed.decode("latin-1").encode("utf-16"), "bad.jsonl": b"\n".join(bad * 30), "a.json": array,
+            "wrong.json": array[:-1] + b',{"q":}' + array[1:], "short.json": array[:-1], "empty.json": b"",
+            "scalar.json": b"12", "coded.json": "[1".encode("utf-16") + b"\xff\xdbA", "cut.json.gz": gzip.compress(array)[:60],
+            "member.json": b'{"n":7,"rows":' + array + b',"m":{',
+        }
+        for name, data in files.items():
+            with open(os.path.join(self.folder.name, name), "wb") as file:
+                file.write(data)
+        here = os.getcwd()
+        os.chdir(self.folder.name)
+        self.addCleanup(os.chdir, here)
+        for names, left_out in (
+            (["l.jsonl"], []), (["g.jsonl.gz"], []), (["u.jsonl"], []), (["bad.jsonl"], []), (["l.jsonl", "l.jsonl"], []),
+            (["bad.jsonl", "marked.jsonl", "a.json"], []), (["wrong.json", "a.json"], ["wrong.json:1:1107: a value was expected"]),
+            (["a.json", "short.json", "empty.json", "scalar.json", "l.jsonl", "coded.json", "short.json"],
+             ["short.json:1:1101: the document ends before a complete object or array",
+              "empty.json:1:1: the document ends before a complete object or array",
+              "scalar.json:1:1: a document must be an object or an array",
+              "coded.json:1:3: the text is not valid UTF-16LE",
+              "short.json:1:1101: the document ends before a complete object or array"]),
+            (["cut.json.gz", "a.json", "member.json"],
+             ["cut.json.gz: the gzip data end too soon", "member.json:1:1122: the document ends before a complete object or array"]),
+        ):
+            for size in (1, 100, 1000, 1 << 20):
+                with self.subTest(names, size=size):
+                    plan = qvejmap.Plan.find(names if len(names) > 1 else names[0], size=size, skip_bad=True)
+                    plan = qvejmap.Plan.from_json(plan.to_json())
+                    self.assertEqual(plan.bad_files, left_out)
+                    told = [line for part in plan.parts for line in plan.without_parts().bad_lines(part)]
+                    self.assertEqual(plan.bad_line_count, len(told))
+                    self.assertEqual(told == [], not any(name.count("jsonl") for name in names))
+                    if can_compare():
+                        self.compare_with_tool(names, plan, told)
+        for names, error, what in (
+            (["short.json", "empty.json"], qvejmap.NotJson, "^empty.json:1:1:"),
+            (["a.json", "missing.json"], qvejmap.FileError, "missing.json"),
+        ):
+            with self.subTest(names), self.assertRaisesRegex(error, what):
+                qvejmap.Plan.find(names, skip_bad=True)
+        for size in (50, 1 << 20):
+            with self.assertRaises(qvejmap.LimitReached) as raised:
+                qvejmap.Plan.find("l.jsonl", size=size, depth=2, skip_bad=True)
+            self.assertEqual((raised.exception.line, raised.exception.column), (1, 13))
+
+    def compare_with_tool(self, names, plan, told):
+        skips = ("--skip-bad-lines", "--skip-bad-files")
+        parts = [plan.open(part) for part in plan.parts]
+        want = arrow_files_of(names[0], *names[1:], *skips)
+        self.assertEqual(set(parts[0]), set(want))
+        for name, table in want.items():
+            got = pyarrow.concat_tables([part[name].to_arrow() for part in parts])
+            self.assertTrue(got.schema.equals(table.schema, check_metadata=True), name)
+            self.assertTrue(got.equals(table), name)
+        done = subprocess.run([TOOL, "convert", *names, "-o", "tables", "--force", "--rejects", "rejects.csv", *skips],
+                              capture_output=True)
+        self.assertIn(done.returncode, (0, 1), done.stderr)
+        with open("rejects.csv", newline="", encoding="latin-1") as file:
+            lines = [f"{row['path']}: {row['reason']}" for row in csv.DictReader(file) if not row["table"]]
+        self.assertEqual(told, lines)
+
+    def test_have_the_shape_of_the_whole(self):
+        def row(i):
+            kinds = ('{"n":%d,"u":[%d]}' % (i, i), "[]", "{}", "7", '[{"z":1},2]')
+            return '{"id":%d,"in":{"x":1,"deep":{"y":"%s"}},"m":{"w":1,"p":%s,"q%d":%s},"t":{"k":[1,{"v":null}]},"e":{},"items":[%s]}' % (
+                i, "s" * (i % 5), kinds[i % 5], i % 2, kinds[i // 5 % 5], ",".join('{"sku":"a","p":%d}' % j for j in range(i % 4)))
+
+        text = [row(i) for i in range(60)]
+        lines, array = self.file("l.jsonl", "\n".join(text)), self.file("a.json", "[" + ",\n".join(text) + "]")
+        member = self.file("m.json", '{"n":7,"in":{"q":{"r":1}},"rows":[' + ",".join(text) + '],"tail":{"in":{"x":1}}}')
+        many, one = range(3, 1000), range(1, 2)
+        # Rules, and whether the elements of the member are apart.
+        for shape, apart in (
+            (["rows /root as name"], one), (["rows /root/**/m as k except w", "rows /root/m/*"], many),
+            (["inline /root/**/in", "inline /root/in/deep"], many), (["text /root/**/t"], many),
+            (["drop /root/**/items"], many), (["only /root/items/p"], one), (["rows /root/m", "keep /root/m"], many),
+            (["empty drop"], one), (["rows /root/rows"], one), (["drop /root/rows"], one), (["text /root/rows"], one),
+            (["rows /root/rows/m as k", "drop /root/tail"], many), ("auto", None),
+            (self.file("rules", "# of rows\nrows /root/rows/m as k\ninline /root/tail\n"), many),
+        ):
+            for files, parts in (([lines], many), ([array], many), ([lines, array], many), ([member], apart)):
+                with self.subTest(shape=shape, files=files):
+                    source = files if len(files) > 1 else files[0]
+                    plan = qvejmap.Plan.from_json(qvejmap.Plan.find(source, size=400, shape=shape).to_json())
+                    self.assertIn(self.compare(files, plan, shape=shape), range(1, 1000) if parts is None else parts)
+                    self.assertEqual(plan.shape, qvejmap.open(source, shape=shape).shape)
+                    self.assertEqual(plan.open(plan.parts[-1]).shape, plan.shape)
+        rules = ["rows /root/m as k"]
+        parts = qvejmap.parts(array, 400)
+        plan = qvejmap.Plan(parts, [qvejmap.PartialScan(part, shape=rules) for part in parts], shape=rules)
+        plan.learn([plan.facts(part) for part in plan.parts])
+        self.compare([array], plan, shape=rules)
+        with open(lines, "ab") as file:
+            file.write(b'\n{"m":}\n[')
+        bad = self.file("b.json", "[1")
+        plan = qvejmap.Plan.find([bad, lines], size=400, shape="auto", skip_bad=True)
+        self.assertEqual((plan.shape, plan.bad_line_count), (qvejmap.open(lines.replace("l.jsonl", "a.json"), shape="auto").shape, 2))
+        for wrong in (["rows"], ["drop /root/a", "inline x"], os.path.join(self.folder.name, "none")):
+            told = []
+            for read in (qvejmap.open, qvejmap.Plan.find):
+                with self.assertRaises(qvejmap.Error) as raised:
+                    read(array, shape=wrong)
+                told.append((type(raised.exception), str(raised.exception), raised.exception.column))
+            self.assertEqual(told[0], told[1])
+
     def test_parts_that_cannot_be_read_apart_are_errors(self):
         # A value of an object without rows is in the next row.
         map = {"DATASETS": [{"DSNAME": "T", "TABLEPATH": "/root/a", "VARIABLES": [
@@ -163,6 +320,8 @@ class Plans(unittest.TestCase):
             (lambda: qvejmap.Plan.find(file, lines="yes"), ValueError),
             (lambda: qvejmap.Plan.find(file, exact=True, naming="original"), ValueError),
             (lambda: qvejmap.Plan(parts, scans, exact=True, map={"DATASETS": []}), ValueError),
+            (lambda: qvejmap.Plan.find(file, skip_bad="no"), TypeError),
+            (lambda: qvejmap.Plan(parts, scans, shape="auto"), ValueError),
             (lambda: qvejmap.Plan.from_json("{}"), ValueError),
             (lambda: qvejmap.Plan.from_json("no"), ValueError),
             (lambda: plan.learn([b"no"]), qvejmap.Error),
