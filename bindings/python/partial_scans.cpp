@@ -253,18 +253,29 @@ nb::object containersOfScan(const nb::bytes& bytes) {
 //   scan    of all parts
 //   before  containers as in containers_of_scan, and how often they have come before this part
 //   last    no part comes after it
-std::shared_ptr<SharedDocument> openPart(
-    const nb::bytes& file, int form, const nb::tuple& pieces, const nb::object& head,
-    const nb::bytes& scan, const std::vector<std::tuple<nb::bytes, uint64_t>>& before, bool last,
-    const std::string& encoding, bool lines, uint64_t depth, const nb::bytes& map,
-    const nb::bytes& mapName, bool originalNames, bool exact, bool carry,
-    const std::string& sourceColumn, const Rules& shape, bool skipBad, const nb::object& readAt) {
+//   together  if there are some: whole files in place of the part, with their scans and read_at
+std::shared_ptr<SharedDocument> openPart(const nb::bytes& file, int form, const nb::tuple& pieces,
+                                         const nb::object& head, const nb::bytes& scan,
+                                         const std::vector<std::tuple<nb::bytes, uint64_t>>& before,
+                                         bool last, const std::string& encoding, bool lines,
+                                         uint64_t depth, const nb::bytes& map,
+                                         const nb::bytes& mapName, bool originalNames, bool exact,
+                                         bool carry, const std::string& sourceColumn,
+                                         const Rules& shape, bool skipBad, const nb::object& readAt,
+                                         const nb::list& together) {
     RangeOptions options = {
         PartialScan(stringOf(scan)), rangeOf(file, form, pieces, head), {}, last};
     for (const auto& [path, count] : before) {
         options.before.push_back({stringOf(path), count});
     }
     options.range.readAt = readAtOf(readAt);
+    for (const nb::handle of : together) {
+        const auto [name, scanned, read] =
+            nb::cast<std::tuple<nb::bytes, nb::bytes, nb::object>>(of);
+        TextRange whole = {.file = stringOf(name)};
+        whole.readAt = readAtOf(read);
+        options.together.push_back({std::move(whole), PartialScan(stringOf(scanned))});
+    }
     options.map = stringOf(map);
     options.naming = originalNames ? Naming::ORIGINAL : Naming::MAP;
     options.exact = exact;
@@ -322,7 +333,7 @@ void registerPartialScans(nb::module_& module) {
     module.def("open_part", &openPart, "file"_a, "form"_a, "pieces"_a, "head"_a.none(), "scan"_a,
                "before"_a, "last"_a, "encoding"_a, "lines"_a, "depth"_a, "map"_a, "map_name"_a,
                "original_names"_a, "exact"_a, "carry"_a, "source_column"_a, "shape"_a, "skip_bad"_a,
-               "read_at"_a.none());
+               "read_at"_a.none(), "together"_a);
     module.def("facts_of", &factsOf, "document"_a);
     module.def("sum_of_facts", &sumOfFacts, "document"_a, "facts"_a);
     module.def("learn", &learn, "document"_a, "facts"_a);

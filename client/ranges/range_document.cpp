@@ -6,9 +6,11 @@
 #include "client/ranges/bad_lines.h"
 #include "client/text_consumer.h"
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace qvej {
 namespace {
@@ -105,6 +107,35 @@ void readRange(const TextRange& wanted, const Reading& reading, const TakePart& 
     }
 }
 
+void addTexts(Engine& engine, const RangeOptions& options, Document& document) {
+    const auto add = [&](const TextRange& range, const PartialScan& scan) {
+        if (document.hasSourceColumn()) {
+            document.addText(range.file);
+        }
+        document.addPart(scan.bytes(), 1, 1);
+    };
+    if (options.together.empty()) {
+        add(options.range, options.whole);
+        return;
+    }
+    std::vector<PartialScan> scans;
+    for (const ScannedFile& file : options.together) {
+        add(file.range, file.scan);
+        scans.push_back(file.scan);
+    }
+    (void)PartialScan::merged(engine, scans);  // throws when there is no sum
+}
+
+void readTogether(const std::vector<ScannedFile>& files, const Reading& reading,
+                  const TakePart& take) {
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        TextPart part;
+        part.text = i;
+        part.name = files[i].range.file;
+        readWhole(reading, files[i].range.readAt, std::move(part), take);
+    }
+}
+
 }  // namespace
 
 RangeDocument::RangeDocument(Engine& engine, RangeOptions options)
@@ -113,10 +144,7 @@ RangeDocument::RangeDocument(Engine& engine, RangeOptions options)
           sum.ofParts = true;
           return sum;
       }()) {
-    if (document_.hasSourceColumn()) {
-        document_.addText(options.range.file);
-    }
-    document_.addPart(options.whole.bytes(), 1, 1);
+    addTexts(engine, options, document_);
     document_.finishParts();
     if (!options.map.empty()) {
         document_.useMap(options.map);
@@ -126,12 +154,19 @@ RangeDocument::RangeDocument(Engine& engine, RangeOptions options)
     auto parts = std::make_shared<PartsOfDocument>();
     parts->engine = &engine;
     parts->options = documentOptions(options);
+    const Reading reading = {&engine, options.text, options.skipBadLines, options.maxDepth};
+    if (!options.together.empty()) {
+        parts->asOne = true;
+        parts->read = [files = std::move(options.together), reading](
+                          uint64_t, const TakePart& take) { readTogether(files, reading, take); };
+        document_.setParts(std::move(parts));
+        return;
+    }
     parts->counts.add(options.before);
     for ([[maybe_unused]] const TextPiece& piece : options.range.pieces) {
         parts->counts.add({});
     }
     parts->excerpt = {1, options.last};
-    const Reading reading = {&engine, options.text, options.skipBadLines, options.maxDepth};
     parts->read = [range = std::move(options.range), reading](uint64_t, const TakePart& take) {
         readRange(range, reading, take);
     };

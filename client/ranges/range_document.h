@@ -21,12 +21,21 @@
 
 namespace qvej {
 
+// A whole file, and its scan.
+struct ScannedFile {
+    TextRange range;
+    PartialScan scan;
+};
+
 struct RangeOptions {
     PartialScan whole;                   // the sum of all ranges' scans
     TextRange range;                     // what is read
     std::vector<ContainerCount> before;  // of the ranges before it, added up
     bool last;                           // no range comes after it; an unfinished row ends there
-    std::string map = {};                // as of OpenOptions, the next ones too
+    // In place of a range: whole files, in order, that cannot be read apart.  The four above do not
+    // count then.
+    std::vector<ScannedFile> together = {};
+    std::string map = {};  // as of OpenOptions, the next ones too
     bool exact = false;
     Naming naming = Naming::MAP;
     TextOptions text = {};

@@ -84,6 +84,7 @@ TEST(PartialScans, AddUpToTheScanOfTheWhole) {
         {"marked.json", "\xEF\xBB\xBF[" + rows(300, ",") + "]", true},
         {"member.json", R"({"n":3,"rows":[)" + rows(300, ",") + R"(],"x":{"y":[1]}})", true},
         {"lines.jsonl", rows(300, "\n") + "\n\n\n", true},
+        {"marked.jsonl", "\xEF\xBB\xBF" + rows(300, "\n"), true},
         {"object.json", R"({"a":{"b":[1,2,3]}})", false},
         {"scalars.json", "[1,2,[3],{\"a\":4}]", false},
     };

@@ -51,6 +51,12 @@ class PlannedPart(NamedTuple):
     state: _files.State | None  # of its file; None: it is not looked at
 
 
+class _WholeFile(NamedTuple):
+    file: str
+    scan: bytes
+    state: _files.State | None
+
+
 class Plan:
     """How the parts of a document are read, each by itself, on whatever machine has the files.
 
@@ -74,6 +80,9 @@ class Plan:
         shape: the rules that the scans had: a file of them, or a list.
         lines, exact, naming, carry, encoding, depth: as of `open`.
     """
+
+    _alldata = False
+    _together: Sequence[_WholeFile] = ()  # what the only part is, when files cannot be read apart
 
     #: Messages on the files that were left out, "file:line:column: reason".
     bad_files: list[str]
@@ -159,13 +168,20 @@ class Plan:
         if auto:
             finder.find_shape()
         divided = finder.parts()
+        try:
+            return cls._found(finder, divided, alldata)
+        except Error as error:
+            if error.status != _UNSUPPORTED or len(files) == 1 or alldata:
+                raise
+        return cls._found_together(finder)
+
+    @classmethod
+    def _found(cls, finder: _Finder, divided: list[list[Part]], alldata: bool) -> Plan:
+        """Raises Error (QV_UNSUPPORTED): its files cannot be read apart."""
         while True:
             scans = finder.scans_of(divided)
-            plan = cls.__new__(cls)
-            plan._options = options
+            plan = finder.plan(cls.__new__(cls), scans)
             plan._alldata = alldata
-            plan.bad_files = finder.bad_files()
-            plan.bad_line_count = sum(scan.bad for scan in scans)
             plan._set(finder.with_lines(divided), finder.sum_of(scans), [scan.containers for scan in scans],
                       finder.states)
             facts = finder.facts_of(plan)
@@ -173,6 +189,19 @@ class Plan:
                 plan.learn(facts)
                 return plan
             finder.divide_less(divided)
+
+    @classmethod
+    def _found_together(cls, finder: _Finder) -> Plan:
+        """One part that is all files."""
+        divided = [[Part.whole(file)] for file in finder.files()]
+        scans = finder.scans_of(divided)
+        plan = finder.plan(cls.__new__(cls), scans)
+        plan._together = [
+            _WholeFile(of[0].file, scan.data, finder.states[of[0].file]) for of, scan in zip(divided, scans)
+        ]
+        plan._set(divided[0], scans[0].data, [None], finder.states)
+        plan.learn(finder.facts_of(plan) or [])
+        return plan
 
     def _set(self, parts: Sequence[Part], scan: bytes, containers: Sequence[_Containers | None],
              states: Mapping[str, _files.State | None] | None = None) -> None:
@@ -294,7 +323,8 @@ class Plan:
         return json.dumps({"format": _FORMAT, "options": options, "alldata": self._alldata,
                            "bad_files": self.bad_files, "bad_line_count": self.bad_line_count,
                            "scan": _text(self._scan), "facts": facts, "after": _text(self._after),
-                           "containers": [_text(path) for path in self._containers], "parts": parts})
+                           "containers": [_text(path) for path in self._containers], "parts": parts,
+                           "together": [[file, _text(scan), state] for file, scan, state in self._together]})
 
     @classmethod
     def from_json(cls, text: str) -> Plan:
@@ -315,6 +345,9 @@ class Plan:
             plan.bad_files, plan.bad_line_count = given["bad_files"], given["bad_line_count"]
             plan._scan = _bytes(given["scan"])
             plan._facts = None if given["facts"] is None else _bytes(given["facts"])
+            plan._together = [
+                _WholeFile(file, _bytes(scan), state and tuple(state)) for file, scan, state in given["together"]
+            ]
             plan._containers = [_bytes(path) for path in given["containers"]]
             plan._after = _bytes(given["after"])
             plan.parts = [
@@ -340,13 +373,15 @@ class Plan:
         return _qvejmap.open_part(
             os.fsencode(part.file), part.form, part.pieces, part.head, self._scan, before, planned.last,
             read_at=_files.read_at_of(part.file), **self._options,
+            together=[(os.fsencode(file), scan, _files.read_at_of(file)) for file, scan, _ in self._together],
         )
 
     def _checked(self, planned: PlannedPart) -> Part:
         part = planned.part
         _check(part)
-        if planned.state is not None and planned.state != _files.state_of(part.file):
-            raise FileError("the file has changed since it was scanned", part.file, 0, 0, -1, _CHANGED, "")
+        for file, state in [(of.file, of.state) for of in self._together] or [(part.file, planned.state)]:
+            if state is not None and state != _files.state_of(file):
+                raise FileError("the file has changed since it was scanned", file, 0, 0, -1, _CHANGED, "")
         return part
 
 
@@ -448,11 +483,11 @@ class _Finder:
             whole = part == Part.whole(part.file)
             if not isinstance(scan, Error):
                 self._scans[part] = scan
-            elif not whole and (scan.status == _UNSUPPORTED or self._leaves_out(scan)):
+            elif not whole and scan.status == _UNSUPPORTED:
                 self._apart.add(part.file)
                 took = False
             elif self._leaves_out(scan):
-                self._bad[part.file] = scan
+                self._bad.setdefault(part.file, scan)
                 took = False
             elif took:
                 raise self._in_file(scan, part, divided)
@@ -480,6 +515,17 @@ class _Finder:
                 parts.append(part if _line_of(part) != 0 else _at_line(part, line))
                 line += self._scans[part].feeds
         return parts
+
+    def files(self) -> list[str]:
+        """Those that are not left out."""
+        return [file for file in self._files if file not in self._bad]
+
+    def plan(self, plan: Plan, scans: Sequence[_Scan]) -> Plan:
+        """With what is known of it before its parts."""
+        plan._options = self._options
+        plan.bad_files = self.bad_files()
+        plan.bad_line_count = sum(scan.bad for scan in scans)
+        return plan
 
     def bad_files(self) -> list[str]:
         return [str(self._bad[file]) for file in self._files if file in self._bad]

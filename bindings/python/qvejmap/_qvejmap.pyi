@@ -132,6 +132,7 @@ def open_part(
     shape: list[str],
     skip_bad: bool,
     read_at: ReadAt | None,
+    together: list[tuple[bytes, bytes, ReadAt | None]],
 ) -> Document: ...
 
 # What rows show of types and keys is bytes.
