@@ -44,7 +44,7 @@ def open(
             must not change while the document is open; or a file object, which is read in pieces.
             Compressed or not.  One file may have a scheme, "s3://bucket/x.json": it is read by
             fsspec, as a file object is.
-        map: the tables and columns, as a file or a dict; else the automatic ones.
+        map: the tables and columns, as a file, a dict or a text of JSON; else the automatic ones.
         shape: "auto", a file of rules, or a list of rules.
         lines: one value a line; else it is found by the name and the text.
         encoding: of the text; else found by its first bytes.

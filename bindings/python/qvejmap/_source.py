@@ -126,7 +126,7 @@ def sources_of(source: Any, map: Path | Mapping[str, Any] | None, shape: Path | 
     return Sources(
         words,
         b"" if words or has_buffer(source) else _file_of(source),
-        b"" if map is None or isinstance(map, Mapping) else file_name("map", map),
+        b"" if map is None or isinstance(map, Mapping) or _is_text(map) else file_name("map", map),
         file_name("shape", shape) if isinstance(shape, (str, os.PathLike)) and shape != "auto" else b"",
     )
 
@@ -140,8 +140,15 @@ def _file_of(source: Any) -> bytes:
         return os.fsencode(name) if isinstance(name, (str, bytes)) else b""
 
 
+def _is_text(map: Path) -> bool:
+    """Is it the text of a map, and no file?"""
+    return isinstance(map, str) and map.lstrip().startswith("{")
+
+
 def map_text(map: Path | Mapping[str, Any]) -> tuple[bytes, bytes]:
     """The text of a map, and what messages call it."""
+    if not isinstance(map, Mapping) and _is_text(map):
+        return _arguments.text("map", map).encode(), b"<map>"
     if isinstance(map, Mapping):
         try:
             return json.dumps(dict(map)).encode(), b"<map>"
