@@ -1,7 +1,10 @@
 """Tables on a cluster of Spark, with workers that are processes of their own, beside one machine."""
 
+import doctest
+import functools
 import glob
 import gzip
+import http.server
 import json
 import os
 import random
@@ -14,10 +17,12 @@ import time
 import unittest
 
 import pyarrow.parquet
+import pyspark.sql.datasource
 
 import qvejmap
 
-SHARED = os.path.join(os.path.dirname(__file__), "../../../../shared/data")
+ROOT = os.path.abspath(os.path.join(os.path.dirname(__file__), "../../.."))
+SHARED = os.path.join(ROOT, "../shared/data")
 ODD = {
     "types": '[{"b":true,"i":1,"d":1.5,"m":12345678901234567.25,"t":"x","on":"2024-02-29","u":"2024-01-01T00:00:00.5Z",'
              '"n":"2024-01-01T00:00:00","f":"2024-01-01T00:00:00.123456789Z"},{"b":null,"t":""},{"d":-0.0}]',
@@ -32,6 +37,8 @@ def spark_session():
     from pyspark.sql import SparkSession
 
     return (SparkSession.builder.master("local-cluster[2,1,1024]").config("spark.ui.enabled", "false")
+            .config("spark.ui.showConsoleProgress", "false").config("spark.log.level", "OFF")
+            .config("spark.sql.python.filterPushdown.enabled", "true")
             .config("spark.sql.session.timeZone", "UTC").config("spark.task.maxFailures", "4").getOrCreate())
 
 
@@ -43,11 +50,50 @@ def random_rows(count, seed):
         yield '{"id":%d,"on":"2024-01-%02d","items":[%s]}' % (i, i % 28 + 1, items)
 
 
+def random_value(chance, depth):
+    """Of any kind; members and elements get fewer with depth."""
+    kind = chance.randrange(9 if depth < 4 else 6)
+    if kind < 6:
+        return (None, True, chance.randrange(-99, 99), chance.random(), "x" * chance.randrange(30), "2024-02-29")[kind]
+    if kind < 8:
+        return {chance.choice("abcdefg"): random_value(chance, depth + 1) for _ in range(chance.randrange(6))}
+    return [random_value(chance, depth + 1) for _ in range(chance.randrange(6))]
+
+
+def random_element(chance):
+    return json.dumps({chance.choice("abcdefg"): random_value(chance, 1) for _ in range(chance.randrange(7))})
+
+
+class Files(http.server.SimpleHTTPRequestHandler):
+    """Ranges of files, as object stores give them."""
+
+    def do_GET(self):
+        with open(self.translate_path(self.path), "rb") as file:
+            data = file.read()
+        first, last = 0, len(data) - 1
+        if asked := self.headers.get("Range"):
+            first, _, end = asked.removeprefix("bytes=").partition("-")
+            first, last = int(first), min(int(end or last), last)
+        self.send_response(206 if asked else 200)
+        self.send_header("Content-Length", str(last + 1 - first))
+        self.send_header("Content-Range", f"bytes {first}-{last}/{len(data)}")
+        self.send_header("Accept-Ranges", "bytes")
+        self.end_headers()
+        if self.command == "GET":
+            self.wfile.write(data[first : last + 1])
+
+    do_HEAD = do_GET
+
+    def log_message(self, *_):
+        pass
+
+
 class OnACluster(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         import qvejmap.spark
 
+        os.chdir(ROOT)
         cls.spark = spark_session()
         cls.addClassCleanup(cls.spark.stop)
         qvejmap.spark.register(cls.spark)
@@ -67,7 +113,7 @@ class OnACluster(unittest.TestCase):
     def compare(self, source, tables=None, **options):
         """Tables by one machine and by the cluster.  Returns the number of parts."""
         plan = qvejmap.spark.prepare(self.spark, source, **options)
-        options.pop("size", None)
+        options.pop("maxPartitionBytes", None)
         one = qvejmap.open(source, **options)
         for name in list(one.tables)[:tables]:
             want = one[name].to_arrow()
@@ -89,8 +135,8 @@ class OnACluster(unittest.TestCase):
                 self.compare(self.file(f"{name}.json", text))
         text = list(random_rows(200, 1))
         array = self.file("a.json", "[" + ",".join(text) + "]")
-        self.assertGreater(self.compare(array, size=2000), 5)
-        self.assertGreater(self.compare(self.file("b.jsonl", "\n".join(text)), size=2000), 5)
+        self.assertGreater(self.compare(array, maxPartitionBytes=2000), 5)
+        self.assertGreater(self.compare(self.file("b.jsonl", "\n".join(text)), maxPartitionBytes=2000), 5)
         for i in range(20):
             self.file(f"many/{i:02}.json" + (".gz" if i % 3 == 0 else ""), "[" + ",".join(text[i * 10 : i * 10 + 10]) + "]")
         self.assertEqual(self.compare(os.path.join(self.folder, "many")), 20)
@@ -99,7 +145,38 @@ class OnACluster(unittest.TestCase):
     def test_has_the_tables_of_real_documents(self):
         for file in sorted(glob.glob(SHARED + "/*json")):
             with self.subTest(os.path.basename(file)):
-                self.compare(file, tables=3, size=100_000)
+                self.compare(file, tables=2, maxPartitionBytes=100_000)
+                self.compare_written(file, maxPartitionBytes=100_000)
+
+    def test_has_the_tables_of_random_documents(self):
+        chance = random.Random(7)
+        for number in range(1, 21):
+            folder = f"random{number}"
+            for i in range(number):
+                elements = [random_element(chance) for _ in range(chance.randrange(1, 30))]
+                name, text = chance.choice((("j.json", "[" + ",".join(elements) + "]"), ("jsonl", "\n".join(elements)),
+                                            ("json", '{"v":[' + ",".join(elements) + "]}"), ("l.json.gz", "\n".join(elements))))
+                self.file(f"{folder}/{i:02}.{name}", text)
+            with self.subTest(folder):
+                self.compare_written(os.path.join(self.folder, folder), maxPartitionBytes=chance.choice((1, 200, 5000)))
+
+    def compare_written(self, source, **options):
+        """All tables of files written by the cluster."""
+        out = tempfile.mkdtemp(dir=self.folder)
+        os.rmdir(out)
+        names = qvejmap.spark.write_tables(self.spark, source, out, **options)
+        options.pop("maxPartitionBytes", None)
+        one = qvejmap.open(source, **options)
+        self.assertEqual(names, list(one.tables))
+        with open(os.path.join(out, "datapackage.json"), encoding="utf-8") as text:
+            package = json.load(text)
+        for resource, (name, want) in zip(package["resources"], one.to_arrow().items()):
+            got = pyarrow.concat_tables(pyarrow.parquet.read_table(os.path.join(out, path), partitioning=None)
+                                        for path in resource["path"])
+            self.assertEqual(str(got.to_pylist()), str(want.to_pylist()), name)
+            self.assertEqual((resource["name"], resource["rows"], resource["schema"].get("primaryKey")),
+                             (name, want.num_rows, one[name].key))
+        return package
 
     def test_times_too_fine_for_spark_are_texts(self):
         frame = qvejmap.spark.read(self.spark, self.file("t.json", ODD["types"]))
@@ -110,15 +187,113 @@ class OnACluster(unittest.TestCase):
         reader = self.spark.read.format("qvejmap")
         items = reader.option("table", "orders_items").option("columns", "sku, ordinal_items").load(file)
         self.assertEqual([tuple(row) for row in items.collect()], [("A", 1), (None, 2)])
-        for options, message in (({"table": "no"}, "no 'no' among orders, orders_items"), ({}, "one of orders"),
-                                 ({"table": "orders", "columns": "x"}, "no 'x' in orders"), ({"no": "1"}, "no option 'no'")):
-            with self.assertRaisesRegex(Exception, message):
+        map = json.dumps({"DATASETS": [{"DSNAME": "T", "TABLEPATH": "/root/orders", "VARIABLES": [
+            {"NAME": "X", "TYPE": "NUMERIC", "PATH": "/root/orders/id"}]}]})
+        lines = self.file("b.txt", '{"A":{"x":12345678901234567890}}\n{"B":{"x":2}}\n' * 50)
+        for path, options, want in (
+            (file, {"map": map}, [(1,), (2,)]),
+            (file, {"map": self.file("m.json", map), "table": "T"}, [(1,), (2,)]),
+            (file, {"table": "/root/orders", "columns": '["id"]', "naming": "original"}, [(1,), (2,)]),
+            (file, {"table": "orders", "shape": '["drop /root/orders/items"]', "columns": "ordinal_orders,id"}, [(1, 1), (2, 2)]),
+            (lines, {"table": "A", "lines": "TRUE", "exact": "true", "columns": "x", "maxPartitionBytes": "1k"},
+             [("12345678901234567890",)] * 50),
+        ):
+            with self.subTest(options):
+                frame = self.spark.read.format("qvejmap").options(**options).load(path)
+                self.assertEqual([tuple(row) for row in frame.collect()], want)
+        for options, message in (
+            ({"table": "no"}, "no 'no' among orders, orders_items"), ({}, "one of orders"),
+            ({"table": "orders", "columns": "x"}, "no 'x' in orders"), ({"naming": "x"}, "naming: 'map' or 'original'"),
+            ({"namin": "x"}, "no option 'namin'; did you mean 'naming'"), ({"mode": "x"}, "mode: 'FAILFAST', "),
+            ({"maxPartitionBytes": "x"}, "maxPartitionBytes: a size"), ({"depth": "x"}, "depth: a whole number"),
+            ({"columnNameOfCorruptRecord": "x"}, "goes with mode PERMISSIVE"), ({"map": "{"}, "<map>:1:2"),
+        ):
+            with self.subTest(options), self.assertRaisesRegex(Exception, message):
                 self.spark.read.format("qvejmap").options(**options).load(file).collect()
+
+    def test_has_every_value_in_alldata(self):
+        for name, text in (("a.json", "[" + ",".join(random_rows(50, 4)) + "]"), ("b.jsonl", "\n".join(random_rows(50, 5)))):
+            file = self.file(name, text)
+            frame = qvejmap.spark.read(self.spark, file, "ALLDATA", maxPartitionBytes=1000)
+            self.assertGreater(frame.rdd.getNumPartitions(), 2)
+            self.assertEqual(frame.toArrow().to_pylist(), qvejmap.open(file).alldata.to_arrow().to_pylist())
+
+    def test_leaves_out_what_is_bad_when_it_is_told_to(self):
+        lines = self.file("in/a.jsonl", "".join('{"a":%s}\n' % ("?" if i % 40 == 7 else i) for i in range(200)))
+        broken = self.file("in/b.json", '[{"a":1},{"a":')
+        self.file("in/c.json", '[{"a":1000}]')
+        source = os.path.join(self.folder, "in")
+        good = [i for i in range(200) if i % 40 != 7] + [1000]
+        bad = [f"{lines}:{i + 1}:6: " for i in range(7, 200, 40)] + [f"{broken}:1:15: "]
+
+        def reader(**options):
+            return self.spark.read.format("qvejmap").options(table="root", maxPartitionBytes="300", **options)
+
+        for mode in ("DROPMALFORMED", "permissive"):
+            rows = reader(mode=mode).load(source).collect()
+            self.assertEqual([row.a for row in rows], good)
+            self.assertEqual([row.ordinal_root for row in rows], list(range(1, len(good) + 1)))
+        frame = reader(mode="PERMISSIVE", columnNameOfCorruptRecord="bad").load(source)
+        self.assertTrue(all(field.nullable for field in frame.schema))
+        rows = frame.collect()
+        self.assertEqual([row.a for row in rows if row.bad is None], good)
+        told = [row for row in rows if row.bad is not None]
+        self.assertEqual([row.bad[: len(place)] for row, place in zip(told, bad, strict=True)], bad)
+        self.assertEqual({tuple(row)[:-1] for row in told}, {(None,) * (len(frame.columns) - 1)})
+        with self.assertRaisesRegex(Exception, f"{lines}:8:6: "):
+            reader(mode="FAILFAST").load(source).collect()
+
+    def test_parts_are_left_out_that_filters_exclude(self):
+        if not hasattr(pyspark.sql.datasource.DataSourceReader, "pushFilters"):
+            self.skipTest("filters are not pushed in this version of Spark")
+        file = self.file("a.json", "[" + ",".join(random_rows(300, 6)) + "]")
+        plan = qvejmap.spark.prepare(self.spark, file, maxPartitionBytes=1000)
+        items = qvejmap.spark.read(self.spark, plan, "items")
+        want = [tuple(row) for row in items.collect()]
+        names = items.columns
+        for filter, test, most in (
+            ("ordinal_root = 150", lambda row: row["ordinal_root"] == 150, 2),
+            ("ordinal_root in (1, 300)", lambda row: row["ordinal_root"] in (1, 300), 4),
+            ("ordinal_items > 20 and ordinal_items <= 40", lambda row: 20 < row["ordinal_items"] <= 40, 4),
+            ("ordinal_root >= 290 and p > 1", lambda row: row["ordinal_root"] >= 290 and (row["p"] or 0) > 1, 3),
+            ("ordinal_root < 5", lambda row: row["ordinal_root"] < 5, 2),
+            ("ordinal_root = 1000", lambda row: False, 1),
+            ("p is null", lambda row: row["p"] is None, len(plan.parts)),
+        ):
+            with self.subTest(filter):
+                chosen = items.filter(filter)
+                self.assertEqual([tuple(row) for row in chosen.collect()], [row for row in want if test(dict(zip(names, row)))])
+                self.assertLessEqual(chosen.rdd.getNumPartitions(), most)
+
+    def test_files_come_by_urls(self):
+        text = list(random_rows(200, 8))
+        local = [self.file("u/a.json", "[" + ",".join(text) + "]"), self.file("u/b.jsonl", "\n".join(text)),
+                 self.file("u/c.json.gz", "[" + ",".join(text) + "]")]
+        server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), functools.partial(Files, directory=self.folder))
+        threading.Thread(target=server.serve_forever, daemon=True).start()
+        self.addCleanup(server.server_close)
+        self.addCleanup(server.shutdown)
+        host = f"http://127.0.0.1:{server.server_port}"
+        for file in local:
+            want = qvejmap.open(file)["items"].to_arrow().to_pylist()
+            for url in (f"file://{file}", host + file.removeprefix(self.folder)):
+                with self.subTest(url):
+                    frame = qvejmap.spark.read(self.spark, url, "items", maxPartitionBytes=3000)
+                    self.assertEqual(frame.toArrow().to_pylist(), want)
+
+    def test_the_readme_is_right(self):
+        with open("README.md", encoding="utf-8") as file:
+            section = file.read().split("## When one machine is not enough")[1].split("\n## ")[0]
+        test = doctest.DocTestParser().get_doctest(section.replace("```", ""), {}, "README.md", "README.md", 0)
+        told = []
+        result = doctest.DocTestRunner().run(test, out=told.append)
+        self.assertEqual(result.failed, 0, "".join(told))
+        self.assertGreater(result.attempted, 4)
 
     def test_mistakes_are_those_of_one_machine(self):
         broken = self.file("b.jsonl", '{"a":1}\n' * 500 + '{"a":}\n' + '{"a":1}\n' * 500 + "}")
         with self.assertRaises(qvejmap.NotJson) as raised:
-            qvejmap.spark.prepare(self.spark, broken, size=1000)
+            qvejmap.spark.prepare(self.spark, broken, maxPartitionBytes=1000)
         self.assertEqual((raised.exception.file, raised.exception.line), (broken, 501))
         with self.assertRaises(qvejmap.FileError):
             qvejmap.spark.prepare(self.spark, os.path.join(self.folder, "no.json"))
@@ -130,26 +305,19 @@ class OnACluster(unittest.TestCase):
 
     def test_all_tables_are_written_by_one_job(self):
         file = self.file("a.json", "[" + ",".join(random_rows(300, 2)) + "]")
-        out = os.path.join(self.folder, "out")
-        names = qvejmap.spark.write_tables(self.spark, file, out, size=3000)
-        one = qvejmap.open(file)
-        self.assertEqual(names, list(one.tables))
-        with open(os.path.join(out, "datapackage.json"), encoding="utf-8") as text:
-            package = json.load(text)
-        for resource in package["resources"]:
-            want = one[resource["name"]]
-            got = pyarrow.concat_tables(pyarrow.parquet.read_table(os.path.join(out, path), partitioning=None)
-                                        for path in resource["path"])
-            self.assertEqual(got.to_pylist(), want.to_arrow().to_pylist())
-            self.assertEqual((resource["rows"], resource["schema"]["primaryKey"]), (want.rows, want.key))
+        package = self.compare_written(file, maxPartitionBytes=3000)
+        names = [resource["name"] for resource in package["resources"]]
         self.assertEqual(package["resources"][1]["schema"]["foreignKeys"][0]["reference"]["resource"], names[0])
+        out = os.path.join(self.folder, "out")
+        qvejmap.spark.write_tables(self.spark, file, out)
         self.assertEqual(sorted(os.listdir(out)), sorted([*names, "datapackage.json"]))
-        with self.assertRaises(FileExistsError):
-            qvejmap.spark.write_tables(self.spark, file, out)
+        for output, options, error in ((out, {}, FileExistsError), (out + "2", {"format": "csv"}, ValueError)):
+            with self.assertRaises(error):
+                qvejmap.spark.write_tables(self.spark, file, output, **options)
 
     def test_a_worker_that_is_killed_changes_nothing(self):
         file = self.file("a.json", "[" + ",".join(random_rows(200_000, 3)) + "]")
-        plan = qvejmap.spark.prepare(self.spark, file, size=200_000)
+        plan = qvejmap.spark.prepare(self.spark, file, maxPartitionBytes=200_000)
         killed = []
 
         def kill():

@@ -1,0 +1,210 @@
+"""A table of JSON documents as a data source of Spark."""
+
+# Types are checked where pyspark is not installed.
+# mypy: disable-error-code="import-untyped,import-not-found,misc,no-any-return,unused-ignore"
+from __future__ import annotations
+
+import inspect
+import os
+from collections.abc import Callable, Iterable, Iterator, Mapping, Sequence
+from concurrent.futures import ThreadPoolExecutor
+from typing import Any, NamedTuple
+
+import pyarrow
+import pyarrow.compute
+from pyspark.sql.datasource import DataSource, DataSourceReader, InputPartition
+from pyspark.sql.pandas.types import from_arrow_type, to_arrow_schema
+from pyspark.sql.types import StringType, StructField, StructType
+
+from ._plan import Plan, PlannedPart
+from ._spark_options import absolute, mode, names, plan_options
+from ._tables import Table
+
+ALLDATA = "ALLDATA"
+_ROWS = 65536  # of a batch
+
+
+class Wish(NamedTuple):
+    """What is read of a plan: columns of a table, and perhaps one that has the bad lines and files."""
+
+    table: str
+    columns: list[str]
+    corrupt: str | None
+
+    @classmethod
+    def of(cls, plan: Plan, table: str | None, columns: Iterable[str] | None, corrupt: str | None) -> Wish:
+        """Raises KeyError: there is no such table or column; ValueError: nothing was left out."""
+        tables = plan.open(plan.parts[0]).tables
+        found = [name for name, of in tables.items() if table in (None, name, of.path)]
+        if not found and table == ALLDATA:
+            found = [ALLDATA]
+        if len(found) != 1:
+            known = ", ".join(tables)
+            raise KeyError(f"table: {'one of' if table is None else f'no {table!r} among'} {known}")
+        all_columns = [column.name for column in table_of(plan, plan.parts[0], found[0]).columns]
+        chosen = all_columns if columns is None else list(columns)
+        for column in chosen:
+            if column not in all_columns:
+                raise KeyError(f"columns: no {column!r} in {found[0]}")
+        if corrupt is not None and not plan.skip_bad:
+            raise ValueError("columnNameOfCorruptRecord: nothing is left out but with mode PERMISSIVE")
+        if corrupt in all_columns:
+            raise ValueError(f"columnNameOfCorruptRecord: {found[0]} has a column {corrupt!r}")
+        return cls(found[0], chosen, corrupt)
+
+    def schema(self, plan: Plan) -> StructType:
+        types = pyarrow.schema(table_of(plan, plan.parts[0], self.table))
+        fields = [_field(types.field(name)) for name in self.columns]
+        if self.corrupt is not None:
+            for field in fields:
+                field.nullable = True
+            fields.append(StructField(self.corrupt, StringType()))
+        return StructType(fields)
+
+
+class JsonTables(DataSource):
+    """A table of JSON documents; see `qvejmap.spark.register`."""
+
+    def __init__(self, options: Mapping[str, str]) -> None:
+        super().__init__(dict(options))
+        self._plan: Plan | None = None
+
+    @classmethod
+    def name(cls) -> str:
+        return "qvejmap"
+
+    def schema(self) -> StructType:
+        plan, wish = self._chosen()
+        return wish.schema(plan)
+
+    def reader(self, schema: StructType) -> DataSourceReader:
+        return _TableReader(*self._chosen(), schema)
+
+    def _chosen(self) -> tuple[Plan, Wish]:
+        given = {name.lower(): value for name, value in self.options.items()}
+        table, columns = given.pop("table", None), given.pop("columns", None)
+        corrupt = given.pop("columnnameofcorruptrecord", None)
+        if corrupt is not None and "plan" not in given and mode("mode", given.get("mode", "FAILFAST")) != "PERMISSIVE":
+            raise ValueError("columnNameOfCorruptRecord: goes with mode PERMISSIVE")
+        if self._plan is None:
+            self._plan = _planned({"alldata": "true", **given} if table == ALLDATA and "plan" not in given else given)
+        return self._plan, Wish.of(self._plan, table, None if columns is None else names("columns", columns), corrupt)
+
+
+def _planned(given: dict[str, str]) -> Plan:
+    """The plan of a reader's options, whose names are in lower case."""
+    text, path = given.pop("plan", None), given.pop("path", None)
+    if text is not None:
+        if given:
+            raise ValueError(f"{next(iter(given))}: the plan has been made already")
+        return Plan.from_json(text)
+    if path is None:
+        raise ValueError("path: what is to be read")
+    with ThreadPoolExecutor(os.cpu_count()) as threads:
+        return Plan.find(absolute(path), threads.map, **plan_options(given))
+
+
+class _Piece(InputPartition):
+    """A part; None: what tells of the files that were left out."""
+
+    def __init__(self, part: PlannedPart | None) -> None:
+        super().__init__(None)
+        self.part = part
+
+
+class _TableReader(DataSourceReader):
+    def __init__(self, plan: Plan, wish: Wish, schema: StructType) -> None:
+        self._plan = plan
+        self._wish = wish
+        self._schema = schema
+        self._wanted = [True] * len(plan.parts)
+
+    def __getstate__(self) -> dict[str, Any]:
+        return {**self.__dict__, "_plan": self._plan.without_parts(), "_wanted": []}
+
+    def pushFilters(self, filters: list[Any]) -> Iterable[Any]:
+        """Leaves out parts that cannot have rows with such ordinals; Spark looks at the others' rows itself."""
+        ranges = self._plan.ordinals(self._wish.table) if self._wish.table != ALLDATA else {}
+        for filter in filters:
+            column = ".".join(getattr(filter, "attribute", ()))
+            for number, ordinals in enumerate(ranges.get(column, ())):
+                self._wanted[number] &= _may_hold(filter, ordinals)
+        return filters
+
+    def partitions(self) -> Sequence[InputPartition]:
+        pieces = [_Piece(part) for part, wanted in zip(self._plan.parts, self._wanted) if wanted]
+        told = self._wish.corrupt is not None and bool(self._plan.bad_files)
+        return pieces + [_Piece(None)] if told or not pieces else pieces
+
+    def read(self, partition: InputPartition) -> Iterator[pyarrow.RecordBatch]:
+        assert isinstance(partition, _Piece)
+        schema = _arrow_schema(self._schema)
+        if partition.part is None:
+            yield from self._corrupt(schema, self._plan.bad_files)
+            return
+        table = table_of(self._plan, partition.part, self._wish.table)
+        for batch in table.batches(_ROWS, self._wish.columns):
+            rows = pyarrow.record_batch(batch)
+            columns = [_cast(column, field.type) for column, field in zip(rows.columns, schema)]
+            if self._wish.corrupt is not None:
+                columns.append(pyarrow.nulls(rows.num_rows, schema.field(len(columns)).type))
+            yield pyarrow.RecordBatch.from_arrays(columns, schema=schema)
+        if self._wish.corrupt is not None:
+            yield from self._corrupt(schema, self._plan.bad_lines(partition.part))
+
+    def _corrupt(self, schema: pyarrow.Schema, messages: Iterable[str]) -> Iterator[pyarrow.RecordBatch]:
+        """Rows that have nothing but a message."""
+        told = list(messages) if self._wish.corrupt is not None else []
+        if told:
+            columns = [pyarrow.nulls(len(told), field.type) for field in schema][:-1]
+            yield pyarrow.RecordBatch.from_arrays([*columns, pyarrow.array(told, schema.field(-1).type)], schema=schema)
+
+
+def table_of(plan: Plan, part: PlannedPart, name: str) -> Table:
+    """Of a part."""
+    document = plan.open(part)
+    return document[name] if name in document else document.alldata
+
+
+def _may_hold(filter: Any, ordinals: range) -> bool:
+    """May a column with these values have one that the filter lets pass?"""
+    kind = type(filter).__name__
+    if kind not in _TESTS:
+        return True
+    values = filter.value if kind == "In" else (filter.value,)
+    return any(not isinstance(value, int) or _TESTS[kind](ordinals, value) for value in values)
+
+
+# Of Spark's filters, by their names, since Spark 4.0 has none.
+_TESTS: dict[str, Callable[[range, int], bool]] = {
+    "EqualTo": lambda ordinals, value: value in ordinals,
+    "In": lambda ordinals, value: value in ordinals,
+    "GreaterThan": lambda ordinals, value: ordinals[-1] > value,
+    "GreaterThanOrEqual": lambda ordinals, value: ordinals[-1] >= value,
+    "LessThan": lambda ordinals, value: ordinals[0] < value,
+    "LessThanOrEqual": lambda ordinals, value: ordinals[0] <= value,
+}
+
+
+def _arrow_schema(schema: StructType) -> pyarrow.Schema:
+    """As Spark wants it of batches; instants are in UTC, which Spark 4.1 and later ask for."""
+    later = "timezone" in inspect.signature(to_arrow_schema).parameters
+    return to_arrow_schema(schema, timezone="UTC") if later else to_arrow_schema(schema)
+
+
+def _field(field: pyarrow.Field) -> StructField:
+    metadata = {key.decode(): value.decode() for key, value in (field.metadata or {}).items()}
+    type = pyarrow.string() if _too_fine(field.type) else field.type
+    return StructField(field.name, from_arrow_type(type, prefer_timestamp_ntz=True), field.nullable, metadata)
+
+
+def _too_fine(type: pyarrow.DataType) -> bool:
+    return pyarrow.types.is_timestamp(type) and type.unit == "ns"
+
+
+def _cast(column: pyarrow.Array, type: pyarrow.DataType) -> pyarrow.Array:
+    """Exact; times with more digits than Spark has are texts."""
+    if _too_fine(column.type):
+        texts = pyarrow.compute.strftime(column, "%Y-%m-%dT%H:%M:%S" + ("Z" if column.type.tz else ""))
+        return texts.cast(type)
+    return column.cast(type)
