@@ -7,39 +7,24 @@ import json
 import os
 import struct
 import zlib
-from collections.abc import Callable, Iterable, Mapping, Sequence
+from collections.abc import Iterable, Mapping, Sequence
 from functools import partial
 from typing import Any, Literal, NamedTuple
 
 from . import _arguments, _files, _qvejmap
 from ._document import Document
-from ._errors import Error, FileError, NotJson
-from ._partial_scan import _LINES, Part, PartialScan, _check, cut, rules_of, scan_of
+from ._errors import Error, FileError
+from ._finder import UNSUPPORTED, Containers, Finder, Run
+from ._partial_scan import Part, PartialScan, _check, rules_of
 from ._source import Path, map_text, words_of
 
 _FORMAT = "qvejmap plan 1"
 _CHANGED = 0x80BFC809 - 2**32  # QV_IO_CHANGED
-_DAMAGED = 0x80BFC80A - 2**32  # QV_IO_DAMAGED
-_UNSUPPORTED = 0x803FC0F1 - 2**32  # QV_UNSUPPORTED
-_SUMMED_AT_ONCE = 100
 _NO_OBJECTS = (
     "files after this one cannot be read apart from it: its outermost array has elements that are no objects"
 )
 _NO_PLAN = "this is no plan"
 _NO_ALLDATA = "the plan has no facts of ALLDATA: it is made with alldata=True"
-
-
-Run = Callable[[Callable[[Any], Any], Sequence[Any]], Iterable[Any]]
-_Containers = list[tuple[bytes, int]]  # how often each has come
-
-
-class _Scan(NamedTuple):
-    """What a scan of a part has found."""
-
-    data: bytes
-    containers: _Containers | None
-    feeds: int  # line feeds, of a part that is lines
-    bad: int  # lines that were left out
 
 
 class PlannedPart(NamedTuple):
@@ -164,20 +149,20 @@ class Plan:
         rules = [] if auto else rules_of(shape)
         options = _options(lines, map, exact, naming, carry, encoding, depth, "source" if several else "", rules,
                            _arguments.flag("skip_bad", skip_bad))
-        finder = _Finder(run, files, size, options, max_paths)
+        finder = Finder(run, files, size, options, max_paths)
         if auto:
             finder.find_shape()
         divided = finder.parts()
         try:
             return cls._found(finder, divided, alldata)
         except Error as error:
-            if error.status != _UNSUPPORTED or len(files) == 1 or alldata:
+            if error.status != UNSUPPORTED or len(files) == 1 or alldata:
                 raise
         return cls._found_together(finder)
 
     @classmethod
-    def _found(cls, finder: _Finder, divided: list[list[Part]], alldata: bool) -> Plan:
-        """Raises Error (QV_UNSUPPORTED): its files cannot be read apart."""
+    def _found(cls, finder: Finder, divided: list[list[Part]], alldata: bool) -> Plan:
+        """Raises Error (QVUNSUPPORTED): its files cannot be read apart."""
         while True:
             scans = finder.scans_of(divided)
             plan = finder.plan(cls.__new__(cls), scans)
@@ -191,7 +176,7 @@ class Plan:
             finder.divide_less(divided)
 
     @classmethod
-    def _found_together(cls, finder: _Finder) -> Plan:
+    def _found_together(cls, finder: Finder) -> Plan:
         """One part that is all files."""
         divided = [[Part.whole(file)] for file in finder.files()]
         scans = finder.scans_of(divided)
@@ -203,7 +188,7 @@ class Plan:
         plan.learn(finder.facts_of(plan) or [])
         return plan
 
-    def _set(self, parts: Sequence[Part], scan: bytes, containers: Sequence[_Containers | None],
+    def _set(self, parts: Sequence[Part], scan: bytes, containers: Sequence[Containers | None],
              states: Mapping[str, _files.State | None] | None = None) -> None:
         self._scan = scan
         self._facts: bytes | None = None
@@ -221,7 +206,7 @@ class Plan:
                     before.append(0)
                 before[place] += count
             if of is None and number < len(parts):
-                raise Error(_NO_OBJECTS, part.file, 0, 0, -1, _UNSUPPORTED, "")
+                raise Error(_NO_OBJECTS, part.file, 0, 0, -1, UNSUPPORTED, "")
         self._containers = list(places)
         self._after = _packed(before if containers[-1] is not None else [_arguments.MOST] * len(before))
         self._document(self.parts[0])  # a mistake in the map is told now
@@ -398,7 +383,7 @@ def _divided(facts: bytes) -> tuple[bytes, bytes]:
 def _alldata(document: _qvejmap.Document, file: str, facts: bytes | None) -> _qvejmap.Document:
     """Facts: empty when nothing has been learned; None when they were not wanted."""
     if facts is None:
-        raise Error(_NO_ALLDATA, file, 0, 0, -1, _UNSUPPORTED, "")
+        raise Error(_NO_ALLDATA, file, 0, 0, -1, UNSUPPORTED, "")
     alldata = document.alldata()
     if facts:
         _qvejmap.learn(alldata, facts)
@@ -427,212 +412,6 @@ def _options(
         "shape": shape,
         "skip_bad": skip_bad,
     }
-
-
-class _Finder:
-    """What `Plan.find` has workers do."""
-
-    def __init__(
-        self, run: Run, files: Sequence[str], size: int, options: dict[str, Any], max_paths: int
-    ) -> None:
-        self._run = run
-        self._files = files
-        self._size = _arguments.number("size", size, 1)
-        self._options = options
-        self._max_paths = _arguments.number("max_paths", max_paths)
-        self._apart: set[str] = set()  # files that cannot be
-        self._bad: dict[str, Error] = {}  # files that are left out
-        self._scans: dict[Part, _Scan] = {}
-        self.states: dict[str, _files.State | None] = {}
-
-    def find_shape(self) -> None:
-        """By one worker, from the files that are not left out; the options have it then."""
-        found = partial(_found_rules, self._scan(), self._options["skip_bad"])
-        (self._options["shape"],) = self._all(found, [self._files])
-
-    def parts(self) -> list[list[Part]]:
-        """Of each file that is not left out; the files' states are those they had before."""
-        lines, encoding = self._options["lines"], self._options["encoding"]
-        cut = partial(_parts_of, size=self._size, lines=lines, encoding=encoding)
-        divided = []
-        for file, result in zip(self._files, self._results(cut, self._files)):
-            if not isinstance(result, Error):
-                parts, self.states[file] = result
-                divided.append(parts)
-            elif self._leaves_out(result):
-                self._bad[file] = result
-            else:
-                raise result
-        return divided
-
-    def scans_of(self, divided: list[list[Part]]) -> list[_Scan]:
-        """Of each part; changes what cannot be scanned apart, and leaves out files."""
-        while True:
-            if not divided:
-                raise self._bad[self._files[-1]]
-            parts = [part for of in divided for part in of]
-            wanted = [part for part in dict.fromkeys(parts) if part not in self._scans]
-            if self._took(wanted, self._results(self._scan(), wanted), divided):
-                return [self._scans[part] for part in parts]
-            self.divide_less(divided)
-
-    def _took(self, parts: Sequence[Part], scans: Sequence[Any], divided: list[list[Part]]) -> bool:
-        """False: some are to be scanned otherwise.  Raises the first error of the text."""
-        took = True
-        for part, scan in zip(parts, scans):
-            whole = part == Part.whole(part.file)
-            if not isinstance(scan, Error):
-                self._scans[part] = scan
-            elif not whole and scan.status == _UNSUPPORTED:
-                self._apart.add(part.file)
-                took = False
-            elif self._leaves_out(scan):
-                self._bad.setdefault(part.file, scan)
-                took = False
-            elif took:
-                raise self._in_file(scan, part, divided)
-            else:
-                break  # what comes before it may have another one, as a whole
-        return took
-
-    def _in_file(self, error: Error, part: Part, divided: list[list[Part]]) -> Error:
-        """The line of an error is that in the part, when that is all that its worker knows."""
-        if _line_of(part) != 0 or error.line == 0:
-            return error
-        of = next(of for of in divided if part in of)
-        before = sum(self._scans[each].feeds for each in of[: of.index(part)])
-        return type(error)(
-            error._made_of[0], error.file, error.line + before, error.column, error.offset, error.status,
-            error.excerpt, error.path,
-        )
-
-    def with_lines(self, divided: list[list[Part]]) -> list[Part]:
-        """All parts, each with the line that it begins with."""
-        parts = []
-        for of in divided:
-            line = 1
-            for part in of:
-                parts.append(part if _line_of(part) != 0 else _at_line(part, line))
-                line += self._scans[part].feeds
-        return parts
-
-    def files(self) -> list[str]:
-        """Those that are not left out."""
-        return [file for file in self._files if file not in self._bad]
-
-    def plan(self, plan: Plan, scans: Sequence[_Scan]) -> Plan:
-        """With what is known of it before its parts."""
-        plan._options = self._options
-        plan.bad_files = self.bad_files()
-        plan.bad_line_count = sum(scan.bad for scan in scans)
-        return plan
-
-    def bad_files(self) -> list[str]:
-        return [str(self._bad[file]) for file in self._files if file in self._bad]
-
-    def sum_of(self, scans: Iterable[_Scan]) -> bytes:
-        """Of many scans the workers make sums, and sums of these."""
-        return self._summed(_merged, [scan.data for scan in scans])
-
-    def facts_of(self, plan: Plan) -> list[bytes] | None:
-        """None: some parts cannot be read apart."""
-        light = plan.without_parts()
-        results = self._results(partial(_facts, light), plan.parts)
-        apart = set()
-        for planned, result in zip(plan.parts, results):
-            if isinstance(result, Error):
-                if result.status != _UNSUPPORTED or planned.part == Part.whole(planned.part.file):
-                    raise result
-                apart.add(planned.part.file)
-        self._apart |= apart
-        return None if apart else [self._summed(light.sum, results)]
-
-    def divide_less(self, divided: list[list[Part]]) -> None:
-        """Files whose parts cannot be read apart are one part; bad ones are left out."""
-        divided[:] = [
-            [Part.whole(of[0].file)] if of[0].file in self._apart else of
-            for of in divided if of[0].file not in self._bad
-        ]
-
-    def _scan(self) -> partial[_Scan]:
-        names = ("lines", "encoding", "depth", "shape", "skip_bad")
-        return partial(_scan, max_paths=self._max_paths, **{name: self._options[name] for name in names})
-
-    def _leaves_out(self, error: Error) -> bool:
-        return self._options["skip_bad"] and _is_bad(error)
-
-    def _summed(self, sum: Callable[[list[bytes]], bytes], of: list[bytes]) -> bytes:
-        while len(of) > _SUMMED_AT_ONCE:
-            some = [of[i : i + _SUMMED_AT_ONCE] for i in range(0, len(of), _SUMMED_AT_ONCE)]
-            of = self._all(sum, some)
-        return sum(of)
-
-    def _all(self, function: Callable[[Any], Any], items: Sequence[Any]) -> list[Any]:
-        """The results; raises the first error."""
-        results = self._results(function, items)
-        for result in results:
-            if isinstance(result, Error):
-                raise result
-        return results
-
-    def _results(self, function: Callable[[Any], Any], items: Sequence[Any]) -> list[Any]:
-        """Of each item; errors are results."""
-        results = list(self._run(partial(_tried, function), items)) if items else []
-        if len(results) != len(items):
-            raise ValueError("run: a result of each item")
-        return results
-
-
-def _tried(function: Callable[[Any], Any], item: Any) -> Any:
-    """Errors are results, so that the first one of the text is told, and workers do not try again."""
-    try:
-        return function(item)
-    except Error as error:
-        return error
-
-
-def _parts_of(file: str, size: int, lines: bool, encoding: str) -> tuple[list[Part], _files.State | None]:
-    state = _files.state_of(file)
-    if state is not None and 0 < state[0] <= size:
-        return [Part.whole(file)], state  # as it would be after it has been read
-    return cut(file, size, encoding, lines, None if state is None else state[0]), state
-
-
-def _scan(
-    part: Part, *, lines: bool, encoding: str, depth: int, max_paths: int, shape: list[str], skip_bad: bool
-) -> _Scan:
-    known = part if _line_of(part) != 0 else _at_line(part, 1)
-    scan, feeds, bad = scan_of(known, lines, encoding, depth, max_paths, shape, skip_bad)
-    return _Scan(scan, _qvejmap.containers_of_scan(scan), feeds, bad)
-
-
-def _merged(scans: list[bytes]) -> bytes:
-    return _qvejmap.merge_scans(scans)
-
-
-def _found_rules(scan: partial[_Scan], skip_bad: bool, files: Sequence[str]) -> list[str]:
-    good = [file for file in files if not (skip_bad and _is_bad(_tried(scan, Part.whole(file))))]
-    names, read_ats = [os.fsencode(file) for file in good], [_files.read_at_of(file) for file in good]
-    options = scan.keywords
-    return _qvejmap.found_rules(names, read_ats, options["encoding"], options["lines"], options["depth"]) if good else []
-
-
-def _is_bad(result: Any) -> bool:
-    return isinstance(result, NotJson) or (isinstance(result, Error) and result.status == _DAMAGED)
-
-
-def _line_of(part: Part) -> int:
-    """0: not known."""
-    return part.pieces[0][4] if part.form == _LINES else 1
-
-
-def _at_line(part: Part, line: int) -> Part:
-    ((begin, end, kind, member, _, column),) = part.pieces
-    return part._replace(pieces=((begin, end, kind, member, line, column),))
-
-
-def _facts(plan: Plan, part: PlannedPart) -> bytes:
-    return plan.facts(part)
 
 
 def _packed(counts: list[int]) -> bytes:

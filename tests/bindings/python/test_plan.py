@@ -13,7 +13,7 @@ import pyarrow
 
 import qvejmap
 from documents import TOOL, arrow_files_of, can_compare
-from qvejmap._plan import _parts_of
+from qvejmap._finder import _parts_of
 
 
 def rows(count, seed):
