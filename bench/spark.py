@@ -24,7 +24,7 @@ from pyspark.sql import functions as F
 
 TABLE = "orders_items"
 VALUES = ["sku", "title", "qty", "price", "discount"]
-STEPS = {"_parts_of": "cut", "_scan": "scan", "merge_scans": "sum", "_facts": "facts", "sum": "sum"}
+STEPS = {"_parts_of": "cut", "_scan": "scan", "_merged": "sum", "_found_rules": "shape", "_facts": "facts", "sum": "sum"}
 
 
 def session(workers):

@@ -78,7 +78,11 @@ class JsonTables(DataSource):
         return wish.schema(plan)
 
     def reader(self, schema: StructType) -> DataSourceReader:
-        return _TableReader(*self._chosen(), schema)
+        return self.reader_of(*self._chosen(), schema)
+
+    @staticmethod
+    def reader_of(plan: Plan, wish: Wish, schema: StructType) -> DataSourceReader:
+        return _TableReader(plan, wish, schema)
 
     def _chosen(self) -> tuple[Plan, Wish]:
         given = {name.lower(): value for name, value in self.options.items()}
@@ -122,15 +126,6 @@ class _TableReader(DataSourceReader):
     def __getstate__(self) -> dict[str, Any]:
         return {**self.__dict__, "_plan": self._plan.without_parts(), "_wanted": []}
 
-    def pushFilters(self, filters: list[Any]) -> Iterable[Any]:
-        """Leaves out parts that cannot have rows with such ordinals; Spark looks at the others' rows itself."""
-        ranges = self._plan.ordinals(self._wish.table) if self._wish.table != ALLDATA else {}
-        for filter in filters:
-            column = ".".join(getattr(filter, "attribute", ()))
-            for number, ordinals in enumerate(ranges.get(column, ())):
-                self._wanted[number] &= _may_hold(filter, ordinals)
-        return filters
-
     def partitions(self) -> Sequence[InputPartition]:
         pieces = [_Piece(part) for part, wanted in zip(self._plan.parts, self._wanted) if wanted]
         told = self._wish.corrupt is not None and bool(self._plan.bad_files)
@@ -158,6 +153,25 @@ class _TableReader(DataSourceReader):
         if told:
             columns = [pyarrow.nulls(len(told), field.type) for field in schema][:-1]
             yield pyarrow.RecordBatch.from_arrays([*columns, pyarrow.array(told, schema.field(-1).type)], schema=schema)
+
+
+class _FilteringReader(_TableReader):
+    def pushFilters(self, filters: list[Any]) -> Iterable[Any]:
+        """Leaves out parts that cannot have rows with such ordinals; Spark looks at the others' rows itself."""
+        ranges = self._plan.ordinals(self._wish.table) if self._wish.table != ALLDATA else {}
+        for filter in filters:
+            column = ".".join(getattr(filter, "attribute", ()))
+            for number, ordinals in enumerate(ranges.get(column, ())):
+                self._wanted[number] &= _may_hold(filter, ordinals)
+        return filters
+
+
+class FilteredJsonTables(JsonTables):
+    """The same where Spark pushes filters, for it refuses readers that take them where it does not."""
+
+    @staticmethod
+    def reader_of(plan: Plan, wish: Wish, schema: StructType) -> DataSourceReader:
+        return _FilteringReader(plan, wish, schema)
 
 
 def table_of(plan: Plan, part: PlannedPart, name: str) -> Table:

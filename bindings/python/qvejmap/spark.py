@@ -29,7 +29,7 @@ from pyspark.sql import DataFrame, SparkSession
 from ._plan import Plan
 from ._source import Path
 from ._spark_options import absolute, plan_options
-from ._spark_source import ALLDATA, JsonTables, Wish
+from ._spark_source import ALLDATA, FilteredJsonTables, JsonTables, Wish
 from ._written_tables import write_package, write_part
 
 __all__ = ["JsonTables", "prepare", "read", "register", "write_tables"]
@@ -90,8 +90,12 @@ def register(spark: SparkSession) -> None:
     commas between, or a list in JSON, and so are the rules of a shape.  An option `plan`, the text
     of `Plan.to_json`, goes without those of `prepare`.  Without it the driver's machine makes a
     plan, on all its cores: a data source cannot start jobs.
+
+    With spark.sql.python.filterPushdown.enabled, when this is called, filters of ordinals spare
+    parts.
     """
-    spark.dataSource.register(JsonTables)
+    pushes = spark.conf.get("spark.sql.python.filterPushdown.enabled", "false") == "true"
+    spark.dataSource.register(FilteredJsonTables if pushes else JsonTables)
 
 
 def write_tables(spark: SparkSession, source: Plan | Path | Iterable[Path], output: Path,
