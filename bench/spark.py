@@ -19,10 +19,11 @@ from functools import partial
 
 import qvejmap
 import qvejmap.spark
+from qvejmap._spark_options import PARTITION_BYTES
 from pyspark.sql import SparkSession
 from pyspark.sql import functions as F
 
-TABLE = "orders_items"
+TABLES = {"orders_items", "items"}  # of an object with orders, and of lines
 VALUES = ["sku", "title", "qty", "price", "discount"]
 STEPS = {"_parts_of": "cut", "_scan": "scan", "_merged": "sum", "_found_rules": "shape", "_facts": "facts", "sum": "sum"}
 
@@ -91,11 +92,12 @@ def measure(spark, source, files, runs, with_own):
     for _ in range(runs):
         before = {stage["stageId"] for stage in stages(spark)}
         finding = Finding(spark)
-        seconds, plan = seconds_of(lambda: qvejmap.Plan.find(source, finding.run))
+        seconds, plan = seconds_of(lambda: qvejmap.Plan.find(source, finding.run, size=PARTITION_BYTES))
         found["find"].append(seconds)
         for step, wall in finding.walls.items():
             steps.setdefault(step, []).append((wall, finding.work[step]))
-        frame = qvejmap.spark.read(spark, plan, TABLE)
+        (table,) = TABLES.intersection(plan.open(plan.parts[0]).tables)
+        frame = qvejmap.spark.read(spark, plan, table)
         found["read"].append(seconds_of(lambda: to_nothing(frame))[0])
         after = [stage for stage in stages(spark) if stage["stageId"] not in before]
         if with_own:

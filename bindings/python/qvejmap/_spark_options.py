@@ -13,6 +13,7 @@ from . import _arguments
 from ._files import has_scheme
 from ._source import Path
 
+PARTITION_BYTES = 128 << 20  # as Spark's own
 MODES = ("FAILFAST", "DROPMALFORMED", "PERMISSIVE")
 _UNITS = {"": 1, "k": 1 << 10, "m": 1 << 20, "g": 1 << 30, "t": 1 << 40}
 
@@ -23,7 +24,7 @@ def plan_options(given: Mapping[str, Any]) -> dict[str, Any]:
     Raises:
         ValueError: there is no such option, or no such value of it.
     """
-    arguments: dict[str, Any] = {}
+    arguments: dict[str, Any] = {"size": PARTITION_BYTES}
     for name, value in given.items():
         known = _plain(name)
         if known not in _OPTIONS:

@@ -16,12 +16,15 @@ from pyspark.sql.datasource import DataSource, DataSourceReader, InputPartition
 from pyspark.sql.pandas.types import from_arrow_type, to_arrow_schema
 from pyspark.sql.types import StringType, StructField, StructType
 
+from ._partial_scan import Part
 from ._plan import Plan, PlannedPart
 from ._spark_options import absolute, mode, names, plan_options
 from ._tables import Table
 
 ALLDATA = "ALLDATA"
 _ROWS = 65536  # of a batch
+_PACKED_BYTES = 32 << 20  # of files in one partition
+_OPENING_BYTES = 4 << 20
 
 
 class Wish(NamedTuple):
@@ -109,11 +112,12 @@ def _planned(given: dict[str, str]) -> Plan:
 
 
 class _Piece(InputPartition):
-    """A part; None: what tells of the files that were left out."""
+    """Parts, one after the other, or what tells of the files that were left out."""
 
-    def __init__(self, part: PlannedPart | None) -> None:
+    def __init__(self, parts: Sequence[PlannedPart], bad_files: Sequence[str] = ()) -> None:
         super().__init__(None)
-        self.part = part
+        self.parts = parts
+        self.bad_files = bad_files
 
 
 class _TableReader(DataSourceReader):
@@ -127,17 +131,19 @@ class _TableReader(DataSourceReader):
         return {**self.__dict__, "_plan": self._plan.without_parts(), "_wanted": []}
 
     def partitions(self) -> Sequence[InputPartition]:
-        pieces = [_Piece(part) for part, wanted in zip(self._plan.parts, self._wanted) if wanted]
-        told = self._wish.corrupt is not None and bool(self._plan.bad_files)
-        return pieces + [_Piece(None)] if told or not pieces else pieces
+        pieces = _packed(part for part, wanted in zip(self._plan.parts, self._wanted) if wanted)
+        told = self._wish.corrupt is not None and self._plan.bad_files
+        return pieces + [_Piece((), self._plan.bad_files)] if told or not pieces else pieces
 
     def read(self, partition: InputPartition) -> Iterator[pyarrow.RecordBatch]:
         assert isinstance(partition, _Piece)
         schema = _arrow_schema(self._schema)
-        if partition.part is None:
-            yield from self._corrupt(schema, self._plan.bad_files)
-            return
-        table = table_of(self._plan, partition.part, self._wish.table)
+        for part in partition.parts:
+            yield from self._rows(schema, part)
+        yield from self._corrupt(schema, partition.bad_files)
+
+    def _rows(self, schema: pyarrow.Schema, part: PlannedPart) -> Iterator[pyarrow.RecordBatch]:
+        table = table_of(self._plan, part, self._wish.table)
         for batch in table.batches(_ROWS, self._wish.columns):
             rows = pyarrow.record_batch(batch)
             columns = [_cast(column, field.type) for column, field in zip(rows.columns, schema)]
@@ -145,7 +151,7 @@ class _TableReader(DataSourceReader):
                 columns.append(pyarrow.nulls(rows.num_rows, schema.field(len(columns)).type))
             yield pyarrow.RecordBatch.from_arrays(columns, schema=schema)
         if self._wish.corrupt is not None:
-            yield from self._corrupt(schema, self._plan.bad_lines(partition.part))
+            yield from self._corrupt(schema, self._plan.bad_lines(part))
 
     def _corrupt(self, schema: pyarrow.Schema, messages: Iterable[str]) -> Iterator[pyarrow.RecordBatch]:
         """Rows that have nothing but a message."""
@@ -172,6 +178,27 @@ class FilteredJsonTables(JsonTables):
     @staticmethod
     def reader_of(plan: Plan, wish: Wish, schema: StructType) -> DataSourceReader:
         return _FilteringReader(plan, wish, schema)
+
+
+def _packed(parts: Iterable[PlannedPart]) -> list[_Piece]:
+    """As Spark packs small files, which are said to be larger by what it takes to open one."""
+    packed: list[list[PlannedPart]] = []
+    room = 0
+    for part in parts:
+        size = _bytes_of(part) + _OPENING_BYTES
+        if not packed or size > room:
+            packed.append([])
+            room = _PACKED_BYTES
+        packed[-1].append(part)
+        room -= size
+    return [_Piece(of) for of in packed]
+
+
+def _bytes_of(planned: PlannedPart) -> int:
+    part, state = planned.part, planned.state
+    if part != Part.whole(part.file):
+        return _PACKED_BYTES  # it was cut to be apart
+    return state[0] if state is not None else 0
 
 
 def table_of(plan: Plan, part: PlannedPart, name: str) -> Table:

@@ -32,6 +32,8 @@ from ._spark_options import absolute, plan_options
 from ._spark_source import ALLDATA, FilteredJsonTables, JsonTables, Wish
 from ._written_tables import write_package, write_part
 
+_TASKS_OF_A_CORE = 8
+
 __all__ = ["JsonTables", "prepare", "read", "register", "write_tables"]
 
 
@@ -136,8 +138,11 @@ def write_tables(spark: SparkSession, source: Plan | Path | Iterable[Path], outp
 
 
 def _run(spark: SparkSession, function: Any, items: Sequence[Any]) -> list[Any]:
-    """A task for each item."""
-    return spark.sparkContext.parallelize(items, len(items)).map(function).collect() if items else []
+    """Some items a task, for a task costs some 50 ms; but each core has several, since they take their time."""
+    if not items:
+        return []
+    tasks = min(len(items), _TASKS_OF_A_CORE * spark.sparkContext.defaultParallelism)
+    return spark.sparkContext.parallelize(items, tasks).map(function).collect()
 
 
 def _plan_of(spark: SparkSession, source: Any, options: dict[str, Any]) -> Plan:

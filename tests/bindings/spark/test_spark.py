@@ -139,6 +139,8 @@ class OnACluster(unittest.TestCase):
         for i in range(20):
             self.file(f"many/{i:02}.json" + (".gz" if i % 3 == 0 else ""), "[" + ",".join(text[i * 10 : i * 10 + 10]) + "]")
         self.assertEqual(self.compare(os.path.join(self.folder, "many")), 20)
+        frame = qvejmap.spark.read(self.spark, os.path.join(self.folder, "many"), "items")
+        self.assertEqual(frame.rdd.getNumPartitions(), 3)  # 7 files and what opening them costs in each
 
     @unittest.skipUnless(os.path.isdir(SHARED), "no real documents")
     def test_has_the_tables_of_real_documents(self):
