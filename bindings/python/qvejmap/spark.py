@@ -26,6 +26,7 @@ from typing import Any
 
 from pyspark.sql import DataFrame, SparkSession
 
+from ._files import has_scheme
 from ._plan import Plan
 from ._source import Path
 from ._spark_options import absolute, plan_options
@@ -109,7 +110,7 @@ def write_tables(spark: SparkSession, source: Plan | Path | Iterable[Path], outp
 
     Args:
         source: as of `read`.
-        output: a folder that is not there yet, where all machines can write.
+        output: a folder that is not there yet, where all machines can write; no URL.
         format: "parquet" alone.
 
     Returns:
@@ -120,7 +121,9 @@ def write_tables(spark: SparkSession, source: Plan | Path | Iterable[Path], outp
     """
     if format != "parquet":
         raise ValueError(f"format: 'parquet', not {format!r}")
-    folder = os.fspath(output)
+    folder = os.path.abspath(output)
+    if has_scheme(os.fspath(output)):
+        raise ValueError("output: a folder that all machines have, no URL")
     if os.path.lexists(folder):
         raise FileExistsError(f"{folder}: is there already")
     plan = _plan_of(spark, source, options)

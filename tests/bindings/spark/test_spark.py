@@ -317,7 +317,8 @@ class OnACluster(unittest.TestCase):
         out = os.path.join(self.folder, "out")
         qvejmap.spark.write_tables(self.spark, file, out)
         self.assertEqual(sorted(os.listdir(out)), sorted([*names, "datapackage.json"]))
-        for output, options, error in ((out, {}, FileExistsError), (out + "2", {"format": "csv"}, ValueError)):
+        for output, options, error in ((out, {}, FileExistsError), (out + "2", {"format": "csv"}, ValueError),
+                                       ("s3://bucket/out", {}, ValueError)):
             with self.assertRaises(error):
                 qvejmap.spark.write_tables(self.spark, file, output, **options)
 
