@@ -5,6 +5,7 @@
 from __future__ import annotations
 
 import inspect
+import json
 import os
 from collections.abc import Callable, Iterable, Iterator, Mapping, Sequence
 from concurrent.futures import ThreadPoolExecutor
@@ -100,15 +101,17 @@ class JsonTables(DataSource):
 
 def _planned(given: dict[str, str]) -> Plan:
     """The plan of a reader's options, whose names are in lower case."""
-    text, path = given.pop("plan", None), given.pop("path", None)
+    given = dict(given)
+    text, path, paths = (given.pop(name, None) for name in ("plan", "path", "paths"))
     if text is not None:
         if given:
             raise ValueError(f"{next(iter(given))}: the plan has been made already")
         return Plan.from_json(text)
-    if path is None:
+    if path is None and paths is None:
         raise ValueError("path: what is to be read")
+    source: Any = path if paths is None else json.loads(paths)  # as Spark has them of load([...])
     with ThreadPoolExecutor(os.cpu_count()) as threads:
-        return Plan.find(absolute(path), threads.map, **plan_options(given))
+        return Plan.find(absolute(source), threads.map, **plan_options(given))
 
 
 class _Piece(InputPartition):

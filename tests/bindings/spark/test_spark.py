@@ -202,6 +202,9 @@ class OnACluster(unittest.TestCase):
             with self.subTest(options):
                 frame = self.spark.read.format("qvejmap").options(**options).load(path)
                 self.assertEqual([tuple(row) for row in frame.collect()], want)
+        both = self.spark.read.format("qvejmap").option("table", "orders").load([file, file])
+        self.assertEqual([tuple(row) for row in both.select("source", "ordinal_orders").collect()],
+                         [(file, i) for i in (1, 2, 3, 4)])
         for options, message in (
             ({"table": "no"}, "no 'no' among orders, orders_items"), ({}, "one of orders"),
             ({"table": "orders", "columns": "x"}, "no 'x' in orders"), ({"naming": "x"}, "naming: 'map' or 'original'"),
