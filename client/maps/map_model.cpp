@@ -85,14 +85,16 @@ void addTable(std::string& out, const MapTable& table) {
 
 }  // namespace
 
-MapModel mapModel(const Engine& engine, std::string_view text, const std::vector<Table>& tables) {
+MapModel mapModel(const Engine& engine, std::string_view text, const std::vector<Table>& tables,
+                  std::size_t inFront) {
     const std::vector<TableText> texts = readMapText(engine, text);
     MapModel model;
     for (std::size_t t = 0; t < texts.size(); ++t) {
         const Table& table = tables.at(t);
         model.push_back({texts[t].name, withSlashes(table.path()), {}});
-        for (std::size_t c = 0; c < table.columns.size(); ++c) {
-            model.back().columns.push_back(modelOf(table.columns[c], texts[t].columns.at(c)));
+        for (std::size_t c = inFront; c < table.columns.size(); ++c) {
+            model.back().columns.push_back(
+                modelOf(table.columns[c], texts[t].columns.at(c - inFront)));
         }
     }
     return model;

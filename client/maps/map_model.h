@@ -36,7 +36,9 @@ struct MapTable {
 using MapModel = std::vector<MapTable>;
 
 // A map by its text and the tables that have been read from it.
-MapModel mapModel(const Engine& engine, std::string_view text, const std::vector<Table>& tables);
+//   inFront  columns of each table before those of the map: that of the text's name
+MapModel mapModel(const Engine& engine, std::string_view text, const std::vector<Table>& tables,
+                  std::size_t inFront = 0);
 
 // A map by its text (UTF-8).  Throws MapError.
 MapModel readMapModel(Engine& engine, std::string_view text);

@@ -82,7 +82,7 @@ void readInParts(const PartsOfDocument& parts, uint64_t least, Members members,
         }
         // Blank lines are no part: to a parser they would be an empty array.
         if (begins && partition.kind != Kind::WHOLE && isBlank(partition.text)) {
-            if (partition.kind != Kind::LAST) {
+            if (partition.kind != Kind::LAST && !parts.excerpt) {
                 throw Indivisible();
             }
             return;

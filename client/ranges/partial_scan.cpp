@@ -152,8 +152,12 @@ std::string scannedWhole(const PartsOfDocument& parts, ByteSource source,
     DocumentReader reader(std::move(source), options.text);
     PartsOfDocument whole = parts;
     whole.options = reader.documentOptions(parts.options);
+    const bool sifts = options.skipBadLines && reader.form() == TextForm::LINES;
+    if (sifts) {
+        whole.options.columnOf = {};  // what the sieve passes on the reader does not know any more
+    }
     PieceScan scan(whole, reader.form(), {});
-    if (options.skipBadLines && reader.form() == TextForm::LINES) {
+    if (sifts) {
         LineSieve sieve(
             *parts.engine, scan, [&](const BadLine&) { ++seen.bad; }, options.maxDepth);
         reader.read(sieve);
@@ -171,7 +175,7 @@ std::string scannedWhole(const PartsOfDocument& parts, ByteSource source,
 // The sum of scans, on its way.
 class Sum {
    public:
-    explicit Sum(Engine& engine) : document_(engine, ofParts()) {}
+    explicit Sum(Engine& engine, uint64_t maxPaths = 0) : document_(engine, ofParts(maxPaths)) {}
 
     void add(const PartialScan& scan) {
         try {
@@ -188,9 +192,10 @@ class Sum {
     [[nodiscard]] Document& document() { return document_; }
 
    private:
-    static DocumentOptions ofParts() {
+    static DocumentOptions ofParts(uint64_t maxPaths) {
         DocumentOptions options;
         options.ofParts = true;
+        options.maxPaths = maxPaths;
         return options;
     }
 
@@ -228,8 +233,9 @@ PartialScan PartialScan::of(Engine& engine, std::string_view text,
         scannedWhole(partsOf(engine, options), ByteSource::memory(text), options, ignored));
 }
 
-PartialScan PartialScan::merged(Engine& engine, const std::vector<PartialScan>& scans) {
-    Sum sum(engine);
+PartialScan PartialScan::merged(Engine& engine, const std::vector<PartialScan>& scans,
+                                uint64_t maxPaths) {
+    Sum sum(engine, maxPaths);
     for (const PartialScan& scan : scans) {
         sum.add(scan);
     }

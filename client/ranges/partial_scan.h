@@ -55,7 +55,9 @@ class PartialScan {
     static PartialScan of(Engine& engine, std::string_view text, const PartialScanOptions& options);
 
     // The sum.  Throws as `of`.
-    static PartialScan merged(Engine& engine, const std::vector<PartialScan>& scans);
+    //   maxPaths  as of the options
+    static PartialScan merged(Engine& engine, const std::vector<PartialScan>& scans,
+                              uint64_t maxPaths = 0);
 
     [[nodiscard]] const std::string& bytes() const { return bytes_; }
 

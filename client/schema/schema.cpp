@@ -146,6 +146,17 @@ void SchemaBuilder::findParents() {
     }
 }
 
+std::vector<std::size_t> SchemaBuilder::withTablesAbove(std::size_t table) const {
+    std::vector<std::size_t> tables;
+    // A user's map can have two tables of which each is above the other.
+    while (table != kNone && std::find(tables.begin(), tables.end(), table) == tables.end()) {
+        tables.push_back(table);
+        table = facts_[table].parent;
+    }
+    std::sort(tables.begin(), tables.end());
+    return tables;
+}
+
 void SchemaBuilder::takeColumns(const OfTable& of, const PassRow& row) {
     const std::size_t count = row.columns().size();
     ColumnFacts* const columns = columns_.data() + of.firstColumn;

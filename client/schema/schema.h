@@ -87,6 +87,10 @@ class SchemaBuilder {
     [[nodiscard]] static std::size_t sizeFor(const std::vector<const Table*>& tables,
                                              const SchemaOptions& options);
 
+    // The positions of a table and of those above it, in order.  A schema of these alone tells of
+    // that table what the whole schema tells.
+    [[nodiscard]] std::vector<std::size_t> withTablesAbove(std::size_t table) const;
+
     // A complete row of the table at that position.
     void take(std::size_t table, const PassRow& row);
 
