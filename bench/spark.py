@@ -4,9 +4,11 @@
     build/python-spark/bin/python bench/spark.py WORKERS INPUT [INPUT...] [--own] [--runs N]
 
 WORKERS are processes of one core and 1,024 MB each.  An INPUT is a file, a folder or a pattern of documents as
-makebig's orders are.  With --own Spark reads them, too: `spark.read.json(multiLine=True)` and two explodes, that
-give the same items.  Wall time in seconds, medians of N runs (default 3) in turn; everything in one session, after
-a run that starts all workers.  What Spark's own interface tells of the last run stands below.
+makebig's orders are.  "find" makes the plan of the items, "read" reads them, "all" makes the plan of all tables.  With
+--own Spark reads the items, too: `spark.read.json(multiLine=True)` and two explodes, or of JSON Lines
+`spark.read.json` and one.  Wall time in seconds, medians
+of N runs (default 3) in turn; everything in one session, after a run of all that is not counted, in which workers
+start and Java compiles.  What Spark's own interface tells of the last run stands below.
 """
 import argparse
 import json
@@ -23,9 +25,8 @@ from qvejmap._spark_options import PARTITION_BYTES
 from pyspark.sql import SparkSession
 from pyspark.sql import functions as F
 
-TABLES = {"orders_items", "items"}  # of an object with orders, and of lines
 VALUES = ["sku", "title", "qty", "price", "discount"]
-STEPS = {"_parts_of": "cut", "_scan": "scan", "_merged": "sum", "_found_rules": "shape", "_facts": "facts", "sum": "sum"}
+STEPS = {"_begun": "begin", "_scan": "scan", "_merged": "sum", "_found_rules": "shape", "_facts": "facts", "sum": "sum"}
 
 
 def session(workers):
@@ -51,8 +52,8 @@ class Finding:
         results = qvejmap.spark._run(self._spark, partial(timed, function), items)
         self.walls[step] = self.walls.get(step, 0) + time.monotonic() - start
         self.work[step] = self.work.get(step, 0) + sum(seconds for seconds, _ in results)
-        if step == "scan":
-            self.bytes += sum(len(scan[0]) for _, scan in results)
+        scans = [result[2] if step == "begin" else result for _, result in results if step in ("begin", "scan")]
+        self.bytes += sum(len(scan.data) for scan in scans if scan is not None)
         return [result for _, result in results]
 
 
@@ -66,8 +67,11 @@ def to_nothing(frame):
     frame.write.format("noop").mode("overwrite").save()
 
 
-def own(spark, files):
-    orders = spark.read.json(files, multiLine=True).select(F.posexplode("orders").alias("order", "o"))
+def own(spark, files, lines):
+    if lines:
+        orders = spark.read.json(files).select(F.monotonically_increasing_id().alias("order"), F.struct("items").alias("o"))
+    else:
+        orders = spark.read.json(files, multiLine=True).select(F.posexplode("orders").alias("order", "o"))
     items = orders.select("order", F.posexplode("o.items").alias("item", "i"))
     return items.select("order", "item", *(f"i.{name}" for name in VALUES))
 
@@ -87,22 +91,26 @@ def stages(spark):
 def measure(spark, source, files, runs, with_own):
     bytes = sum(os.path.getsize(file) for file in files)
     print(f"\n{source}: {len(files)} files, {bytes / 1e6:,.0f} MB, {runs} runs")
-    found = {"find": [], "read": [], "own": []}
+    lines = source.endswith("l")
+    table = "items" if lines else "orders_items"
+    found = {"find": [], "read": [], "all": [], "own": []}
     steps = {}
-    for _ in range(runs):
+    for run in range(runs + 1):
+        if run == 1:
+            found, steps = {name: [] for name in found}, {}
         before = {stage["stageId"] for stage in stages(spark)}
         finding = Finding(spark)
-        seconds, plan = seconds_of(lambda: qvejmap.Plan.find(source, finding.run, size=PARTITION_BYTES))
+        seconds, plan = seconds_of(lambda: qvejmap.Plan.find(source, finding.run, size=PARTITION_BYTES, table=table))
         found["find"].append(seconds)
         for step, wall in finding.walls.items():
             steps.setdefault(step, []).append((wall, finding.work[step]))
-        (table,) = TABLES.intersection(plan.open(plan.parts[0]).tables)
-        frame = qvejmap.spark.read(spark, plan, table)
+        frame = qvejmap.spark.read(spark, plan)
         found["read"].append(seconds_of(lambda: to_nothing(frame))[0])
+        found["all"].append(seconds_of(lambda: qvejmap.spark.prepare(spark, source))[0])
         after = [stage for stage in stages(spark) if stage["stageId"] not in before]
         if with_own:
             try:
-                found["own"].append(seconds_of(lambda: to_nothing(own(spark, files)))[0])
+                found["own"].append(seconds_of(lambda: to_nothing(own(spark, files, lines)))[0])
             except Exception as error:  # it ran out of memory, say
                 print("  Spark's own reader:", str(error).strip().splitlines()[0][:150])
                 with_own = False

@@ -190,6 +190,12 @@ nb::list ordinalsOf(const SharedDocument& document, std::size_t position) {
     return ordinals;
 }
 
+// The positions of a table and of those above it.
+std::vector<std::size_t> withTablesAbove(const SharedDocument& document, std::size_t position) {
+    (void)document.tables().at(position);
+    return SchemaBuilder(document.document(), document.tables(), {}).withTablesAbove(position);
+}
+
 const Schema& schemaOf(SharedDocument& document) {
     interruptible([&] { (void)document.schema(); });
     return document.schema();
@@ -402,6 +408,7 @@ void registerDocuments(nb::module_& module) {
         .def("map_text", &mapText)
         .def("tables", &tablesOf)
         .def("ordinals", &ordinalsOf, "table"_a)
+        .def("with_tables_above", &withTablesAbove, "table"_a)
         .def("shape", &shapeOf)
         .def("schema", &schemaList)
         .def("findings", &findingsOf)

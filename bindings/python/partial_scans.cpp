@@ -212,12 +212,13 @@ nb::object scanText(const nb::object& buffer, bool lines, const std::string& enc
         worked([&](Engine& engine) { return PartialScan::of(engine, text.bytes(), options); }));
 }
 
-nb::object mergeScans(const std::vector<nb::bytes>& scans) {
+nb::object mergeScans(const std::vector<nb::bytes>& scans, uint64_t maxPaths) {
     std::vector<PartialScan> all;
     for (const nb::bytes& scan : scans) {
         all.emplace_back(stringOf(scan));
     }
-    return bytesOf(worked([&](Engine& engine) { return PartialScan::merged(engine, all); }));
+    return bytesOf(
+        worked([&](Engine& engine) { return PartialScan::merged(engine, all, maxPaths); }));
 }
 
 nb::object mapOfScan(const nb::bytes& bytes) {
@@ -254,6 +255,9 @@ nb::object containersOfScan(const nb::bytes& bytes) {
 //   before  containers as in containers_of_scan, and how often they have come before this part
 //   last    no part comes after it
 //   together  if there are some: whole files in place of the part, with their scans and read_at
+//   tables    positions; None: all
+using TablePositions = std::optional<std::vector<std::size_t>>;
+
 std::shared_ptr<SharedDocument> openPart(const nb::bytes& file, int form, const nb::tuple& pieces,
                                          const nb::object& head, const nb::bytes& scan,
                                          const std::vector<std::tuple<nb::bytes, uint64_t>>& before,
@@ -262,7 +266,7 @@ std::shared_ptr<SharedDocument> openPart(const nb::bytes& file, int form, const 
                                          const nb::bytes& mapName, bool originalNames, bool exact,
                                          bool carry, const std::string& sourceColumn,
                                          const Rules& shape, bool skipBad, const nb::object& readAt,
-                                         const nb::list& together) {
+                                         const nb::list& together, const TablePositions& tables) {
     RangeOptions options = {
         PartialScan(stringOf(scan)), rangeOf(file, form, pieces, head), {}, last};
     for (const auto& [path, count] : before) {
@@ -288,8 +292,9 @@ std::shared_ptr<SharedDocument> openPart(const nb::bytes& file, int form, const 
     options.stopped = &isStopped;
     std::shared_ptr<SharedDocument> document;
     interruptible([&, name = stringOf(mapName)] {
-        document = withMapNamed(
-            name, [&] { return std::make_shared<SharedDocument>(std::move(options), carry); });
+        document = withMapNamed(name, [&] {
+            return std::make_shared<SharedDocument>(std::move(options), carry, tables);
+        });
     });
     return document;
 }
@@ -326,14 +331,14 @@ void registerPartialScans(nb::module_& module) {
     module.def("shape_rules", &shapeRules, "text"_a, "name"_a);
     module.def("found_rules", &foundRules, "files"_a, "read_ats"_a, "encoding"_a, "lines"_a,
                "depth"_a);
-    module.def("merge_scans", &mergeScans, "scans"_a);
+    module.def("merge_scans", &mergeScans, "scans"_a, "max_paths"_a = 0);
     module.def("map_of_scan", &mapOfScan, "scan"_a);
     module.def("counts_of_scan", &countsOfScan, "scan"_a);
     module.def("containers_of_scan", &containersOfScan, "scan"_a);
     module.def("open_part", &openPart, "file"_a, "form"_a, "pieces"_a, "head"_a.none(), "scan"_a,
                "before"_a, "last"_a, "encoding"_a, "lines"_a, "depth"_a, "map"_a, "map_name"_a,
                "original_names"_a, "exact"_a, "carry"_a, "source_column"_a, "shape"_a, "skip_bad"_a,
-               "read_at"_a.none(), "together"_a);
+               "read_at"_a.none(), "together"_a, "tables"_a.none());
     module.def("facts_of", &factsOf, "document"_a);
     module.def("sum_of_facts", &sumOfFacts, "document"_a, "facts"_a);
     module.def("learn", &learn, "document"_a, "facts"_a);

@@ -66,8 +66,19 @@ SharedDocument::SharedDocument(OpenOptions options, std::shared_ptr<const void> 
     : SharedDocument(std::make_shared<Opened>(std::move(options), std::move(source)), false,
                      carry) {}
 
-SharedDocument::SharedDocument(RangeOptions options, bool carry)
-    : SharedDocument(std::make_shared<Opened>(std::move(options)), false, carry) {}
+SharedDocument::SharedDocument(RangeOptions options, bool carry,
+                               const std::optional<std::vector<std::size_t>>& tables)
+    : SharedDocument(std::make_shared<Opened>(std::move(options)), false, carry) {
+    if (tables) {
+        const std::vector<const Table*> all = std::exchange(tables_, {});
+        for (const std::size_t position : *tables) {
+            if (position >= all.size()) {
+                throw Error(QV_BADPARMS, "the plan has a table that is not in its map", name());
+            }
+            tables_.push_back(all[position]);
+        }
+    }
+}
 
 std::shared_ptr<SharedDocument> SharedDocument::alldata(const SharedDocument& of) {
     std::shared_ptr<Opened> opened = of.opened_;
@@ -85,7 +96,10 @@ std::shared_ptr<SharedDocument> SharedDocument::alldata(const SharedDocument& of
 std::string SharedDocument::facts() const {
     const std::unique_lock lock = turn();
     return named(*opened_, [&] {
-        const SchemaBuilder noRows(document(), tables_, {});
+        SchemaBuilder noRows(document(), tables_, {});
+        if (tables_.empty() && !document().tables().empty()) {
+            return noRows.takeBatch(noRows).bytes();  // the text need not be read
+        }
         return factsOf(document(), tables_, carry_, noRows).bytes();
     });
 }

@@ -76,8 +76,10 @@ class SharedDocument {
     //   carry  as of TablePass
     SharedDocument(OpenOptions options, std::shared_ptr<const void> source, bool carry);
 
-    // The rows of a range.  Throws as RangeDocument.
-    SharedDocument(RangeOptions options, bool carry);
+    // The rows of a range.  Throws as RangeDocument; QV_BADPARMS when there is no such table.
+    //   tables  positions in those of the map; none: all of them
+    SharedDocument(RangeOptions options, bool carry,
+                   const std::optional<std::vector<std::size_t>>& tables);
 
     // ALLDATA of that document, which is read once more when it has no records, or of that range.
     // Throws as OpenDocument.

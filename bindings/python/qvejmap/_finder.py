@@ -17,6 +17,7 @@ if TYPE_CHECKING:
 _DAMAGED = 0x80BFC80A - 2**32  # QV_IO_DAMAGED
 UNSUPPORTED = 0x803FC0F1 - 2**32  # QVUNSUPPORTED
 _SUMMED_AT_ONCE = 100
+_SUMMED_HERE = 4 << 20  # bytes; more are worth a job of the workers
 
 Run = Callable[[Callable[[Any], Any], Sequence[Any]], Iterable[Any]]
 Containers = list[tuple[bytes, int]]  # how often each has come
@@ -45,6 +46,7 @@ class Finder:
         self._apart: set[str] = set()  # files that cannot be
         self._bad: dict[str, Error] = {}  # files that are left out
         self._scans: dict[Part, Scan] = {}
+        self._scanned: dict[Part, Any] = {}  # scans and errors that have not been looked at yet
         self.states: dict[str, _files.State | None] = {}
 
     def find_shape(self) -> None:
@@ -53,14 +55,18 @@ class Finder:
         (self._options["shape"],) = self._all(found, [self._files])
 
     def parts(self) -> list[list[Part]]:
-        """Of each file that is not left out; the files' states are those they had before."""
-        lines, encoding = self._options["lines"], self._options["encoding"]
-        cut = partial(_parts_of, size=self._size, lines=lines, encoding=encoding)
+        """Of each file that is not left out; the files' states are those they had before.
+
+        What is one part is scanned at once.
+        """
+        begun = partial(_begun, size=self._size, scan=self._scan())
         divided = []
-        for file, result in zip(self._files, self._results(cut, self._files)):
+        for file, result in zip(self._files, self._results(begun, self._files)):
             if not isinstance(result, Error):
-                parts, self.states[file] = result
+                parts, self.states[file], scanned = result
                 divided.append(parts)
+                if scanned is not None:
+                    self._scanned[parts[0]] = scanned
             elif self._leaves_out(result):
                 self._bad[file] = result
             else:
@@ -74,7 +80,10 @@ class Finder:
                 raise self._bad[self._files[-1]]
             parts = [part for of in divided for part in of]
             wanted = [part for part in dict.fromkeys(parts) if part not in self._scans]
-            if self._took(wanted, self._results(self._scan(), wanted), divided):
+            left = [part for part in wanted if part not in self._scanned]
+            self._scanned.update(zip(left, self._results(self._scan(), left)))
+            scanned = [self._scanned.pop(part) for part in wanted]
+            if self._took(wanted, scanned, divided) and not self._has_blank_files(divided):
                 return [self._scans[part] for part in parts]
             self.divide_less(divided)
 
@@ -96,6 +105,12 @@ class Finder:
             else:
                 break  # what comes before it may have another one, as a whole
         return took
+
+    def _has_blank_files(self, divided: list[list[Part]]) -> bool:
+        parts = [part for of in divided for part in of]
+        blank = blank_files(parts, [self._scans[part].containers for part in parts])
+        self._apart |= blank
+        return bool(blank)
 
     def _in_file(self, error: Error, part: Part, divided: list[list[Part]]) -> Error:
         """The line of an error is that in the part, when that is all that its worker knows."""
@@ -122,19 +137,15 @@ class Finder:
         """Those that are not left out."""
         return [file for file in self._files if file not in self._bad]
 
-    def plan(self, plan: Plan, scans: Sequence[Scan]) -> Plan:
-        """With what is known of it before its parts."""
+    def tell(self, plan: Plan, scans: Sequence[Scan]) -> None:
+        """What is known of a plan before its parts."""
         plan._options = self._options
-        plan.bad_files = self.bad_files()
+        plan.bad_files = [str(self._bad[file]) for file in self._files if file in self._bad]
         plan.bad_line_count = sum(scan.bad for scan in scans)
-        return plan
-
-    def bad_files(self) -> list[str]:
-        return [str(self._bad[file]) for file in self._files if file in self._bad]
 
     def sum_of(self, scans: Iterable[Scan]) -> bytes:
         """Of many scans the workers make sums, and sums of these."""
-        return self._summed(_merged, [scan.data for scan in scans])
+        return self._summed(partial(_merged, max_paths=self._max_paths), [scan.data for scan in scans])
 
     def facts_of(self, plan: Plan) -> list[bytes] | None:
         """None: some parts cannot be read apart."""
@@ -163,11 +174,11 @@ class Finder:
     def _leaves_out(self, error: Error) -> bool:
         return self._options["skip_bad"] and _is_bad(error)
 
-    def _summed(self, sum: Callable[[list[bytes]], bytes], of: list[bytes]) -> bytes:
-        while len(of) > _SUMMED_AT_ONCE:
+    def _summed(self, add: Callable[[list[bytes]], bytes], of: list[bytes]) -> bytes:
+        while len(of) > _SUMMED_AT_ONCE and sum(map(len, of)) > _SUMMED_HERE:
             some = [of[i : i + _SUMMED_AT_ONCE] for i in range(0, len(of), _SUMMED_AT_ONCE)]
-            of = self._all(sum, some)
-        return sum(of)
+            of = self._all(add, some)
+        return add(of)
 
     def _all(self, function: Callable[[Any], Any], items: Sequence[Any]) -> list[Any]:
         """The results; raises the first error."""
@@ -185,6 +196,13 @@ class Finder:
         return results
 
 
+def blank_files(parts: Iterable[Part], containers: Iterable[Containers | None]) -> set[str]:
+    """Those of blank lines alone, in parts: as a whole such a file is an empty array, its parts are nothing."""
+    of_parts = list(zip(parts, containers))
+    divided = {part.file for part, _ in of_parts if part != Part.whole(part.file)}
+    return divided - {part.file for part, of in of_parts if of != []}
+
+
 def _tried(function: Callable[[Any], Any], item: Any) -> Any:
     """Errors are results, so that the first one of the text is told, and workers do not try again."""
     try:
@@ -193,11 +211,15 @@ def _tried(function: Callable[[Any], Any], item: Any) -> Any:
         return error
 
 
-def _parts_of(file: str, size: int, lines: bool, encoding: str) -> tuple[list[Part], _files.State | None]:
+def _begun(file: str, size: int, scan: partial[Scan]) -> tuple[list[Part], _files.State | None, Scan | Error | None]:
+    """The parts, the state before, and the scan when there is one part."""
     state = _files.state_of(file)
     if state is not None and 0 < state[0] <= size:
-        return [Part.whole(file)], state  # as it would be after it has been read
-    return cut(file, size, encoding, lines, None if state is None else state[0]), state
+        parts = [Part.whole(file)]  # as it would be after it has been read
+    else:
+        options = scan.keywords
+        parts = cut(file, size, options["encoding"], options["lines"], None if state is None else state[0])
+    return parts, state, _tried(scan, parts[0]) if len(parts) == 1 else None
 
 
 def _scan(
@@ -208,8 +230,8 @@ def _scan(
     return Scan(scan, _qvejmap.containers_of_scan(scan), feeds, bad)
 
 
-def _merged(scans: list[bytes]) -> bytes:
-    return _qvejmap.merge_scans(scans)
+def _merged(scans: list[bytes], max_paths: int) -> bytes:
+    return _qvejmap.merge_scans(scans, max_paths)
 
 
 def _found_rules(scan: partial[Scan], skip_bad: bool, files: Sequence[str]) -> list[str]:

@@ -14,14 +14,20 @@ from typing import Any, Literal, NamedTuple
 from . import _arguments, _files, _qvejmap
 from ._document import Document
 from ._errors import Error, FileError
-from ._finder import UNSUPPORTED, Containers, Finder, Run
-from ._partial_scan import Part, PartialScan, _check, rules_of
+from ._finder import UNSUPPORTED, Containers, Finder, Run, blank_files
+from ._partial_scan import _LINES, Part, PartialScan, _check, rules_of
 from ._source import Path, map_text, words_of
 
+ALLDATA = "ALLDATA"
 _FORMAT = "qvejmap plan 1"
 _CHANGED = 0x80BFC809 - 2**32  # QV_IO_CHANGED
 _NO_OBJECTS = (
     "files after this one cannot be read apart from it: its outermost array has elements that are no objects"
+)
+_BLANK = "a file of blank lines cannot be read in parts: Part.whole has all of it"
+_ALLDATA_ALONE = (
+    "rows cross the ends of parts or files, so that all is read together, and so ALLDATA cannot be: "
+    "find a plan of it alone (table='ALLDATA')"
 )
 _NO_PLAN = "this is no plan"
 _NO_ALLDATA = "the plan has no facts of ALLDATA: it is made with alldata=True"
@@ -63,10 +69,14 @@ class Plan:
         source_column: which each table begins with: the name of the file that a row is of.
         alldata: also the table ALLDATA of parts; each part is read once more for its types.
         shape: the rules that the scans had: a file of them, or a list.
+        table: as of `find`.
         lines, exact, naming, carry, encoding, depth: as of `open`.
     """
 
-    _alldata = False
+    #: The one that it was made for.
+    table: str | None
+    _alldata: bool
+    _tables: list[int] | None = None  # positions in those of the map; None: all
     _together: Sequence[_WholeFile] = ()  # what the only part is, when files cannot be read apart
 
     #: Messages on the files that were left out, "file:line:column: reason".
@@ -89,14 +99,17 @@ class Plan:
         source_column: str = "",
         alldata: bool = False,
         shape: Path | Iterable[str] | None = None,
+        table: str | None = None,
     ) -> None:
-        self._alldata = _arguments.flag("alldata", alldata)
+        self._choose(table, alldata)
         self._options = _options(lines, map, exact, naming, carry, encoding, depth, source_column, rules_of(shape))
         self.bad_files, self.bad_line_count = [], 0
         scans = list(scans)
         if len(scans) != len(parts) or not scans:
             raise ValueError("scans: one of each part")
         containers = [_qvejmap.containers_of_scan(scan.to_bytes()) for scan in scans]
+        for file in blank_files(parts, containers):
+            raise Error(_BLANK, file, 0, 0, -1, UNSUPPORTED, "")
         self._set(parts, PartialScan.merge(scans).to_bytes(), containers)
 
     @classmethod
@@ -117,6 +130,7 @@ class Plan:
         alldata: bool = False,
         shape: Path | Iterable[str] | None = None,
         skip_bad: bool = False,
+        table: str | None = None,
     ) -> Plan:
         """The plan of files, made by many workers: each reads parts of them, twice in all.
 
@@ -137,14 +151,18 @@ class Plan:
                 JSON, or whose compressed data are damaged; `bad_files`, `bad_line_count` and
                 `bad_lines` tell which.  A file that cannot be read is an error, since another
                 machine may have it, and so is what is nested too deep.
+            table: its name or path, or "ALLDATA": the plan has this one alone and those above it,
+                and is found sooner.
             lines, map, exact, naming, carry, encoding, depth, max_paths: as of `open`.
 
         Raises:
             NotJson, LimitReached, MapError, FileError, Error: as `open`; with skip_bad the mistake
                 of the last file when none is left.
+            KeyError: there is no such table.
         """
         files, several = _files.files_of(words_of(source))
-        _arguments.flag("alldata", alldata)
+        plan = cls.__new__(cls)
+        plan._choose(table, alldata)
         auto = isinstance(shape, str) and shape == "auto"
         rules = [] if auto else rules_of(shape)
         options = _options(lines, map, exact, naming, carry, encoding, depth, "source" if several else "", rules,
@@ -154,62 +172,87 @@ class Plan:
             finder.find_shape()
         divided = finder.parts()
         try:
-            return cls._found(finder, divided, alldata)
+            plan._find(finder, divided)
         except Error as error:
-            if error.status != UNSUPPORTED or len(files) == 1 or alldata:
+            if error.status != UNSUPPORTED or len(files) == 1:
                 raise
-        return cls._found_together(finder)
+            if plan._alldata:
+                raise Error(_ALLDATA_ALONE, error.file, 0, 0, -1, UNSUPPORTED, "") from error
+            plan._find_together(finder)
+        return plan
 
-    @classmethod
-    def _found(cls, finder: Finder, divided: list[list[Part]], alldata: bool) -> Plan:
+    def _choose(self, table: str | None, alldata: bool) -> None:
+        self.table = None if table is None else _arguments.text("table", table)
+        self._alldata = _arguments.flag("alldata", alldata)
+
+    def _find(self, finder: Finder, divided: list[list[Part]]) -> None:
         """Raises Error (QVUNSUPPORTED): its files cannot be read apart."""
         while True:
             scans = finder.scans_of(divided)
-            plan = finder.plan(cls.__new__(cls), scans)
-            plan._alldata = alldata
-            plan._set(finder.with_lines(divided), finder.sum_of(scans), [scan.containers for scan in scans],
+            finder.tell(self, scans)
+            self._set(finder.with_lines(divided), finder.sum_of(scans), [scan.containers for scan in scans],
                       finder.states)
-            facts = finder.facts_of(plan)
+            facts = finder.facts_of(self)
             if facts is not None:
-                plan.learn(facts)
-                return plan
+                self.learn(facts)
+                return
             finder.divide_less(divided)
 
-    @classmethod
-    def _found_together(cls, finder: Finder) -> Plan:
+    def _find_together(self, finder: Finder) -> None:
         """One part that is all files."""
         divided = [[Part.whole(file)] for file in finder.files()]
         scans = finder.scans_of(divided)
-        plan = finder.plan(cls.__new__(cls), scans)
-        plan._together = [
+        finder.tell(self, scans)
+        self._together = [
             _WholeFile(of[0].file, scan.data, finder.states[of[0].file]) for of, scan in zip(divided, scans)
         ]
-        plan._set(divided[0], scans[0].data, [None], finder.states)
-        plan.learn(finder.facts_of(plan) or [])
-        return plan
+        self._set(divided[0], scans[0].data, [None], finder.states)
+        self.learn(finder.facts_of(self) or [])
 
     def _set(self, parts: Sequence[Part], scan: bytes, containers: Sequence[Containers | None],
              states: Mapping[str, _files.State | None] | None = None) -> None:
         self._scan = scan
         self._facts: bytes | None = None
+        self._tables = None
         places: dict[bytes, int] = {}
         before: list[int] = []
+        not_apart = None
+        end = len(parts)  # after the last part that is no blank lines
+        while end > 1 and parts[end - 1].form == _LINES and containers[end - 1] == []:
+            end -= 1
         if states is None:
             states = {file: _files.state_of(file) for file in {part.file for part in parts}}
         #: The parts, for `facts` and `open`.
         self.parts: list[PlannedPart] = []
         for number, (part, of) in enumerate(zip(parts, containers), 1):
-            self.parts.append(PlannedPart(part, _packed(before), number == len(parts), states[part.file]))
+            self.parts.append(PlannedPart(part, _packed(before), number >= end, states[part.file]))
             for path, count in of or ():
                 place = places.setdefault(path, len(before))
                 if place == len(before):
                     before.append(0)
                 before[place] += count
-            if of is None and number < len(parts):
-                raise Error(_NO_OBJECTS, part.file, 0, 0, -1, UNSUPPORTED, "")
+            if of is None and number < len(parts) and not_apart is None:
+                not_apart = part.file
         self._containers = list(places)
         self._after = _packed(before if containers[-1] is not None else [_arguments.MOST] * len(before))
-        self._document(self.parts[0])  # a mistake in the map is told now
+        self._tables = self._tables_of(self._document(self.parts[0]))  # a mistake in the map is told now
+        if not_apart is not None and self._tables != []:
+            raise Error(_NO_OBJECTS, not_apart, 0, 0, -1, UNSUPPORTED, "")
+
+    def _tables_of(self, document: _qvejmap.Document) -> list[int] | None:
+        """The positions of the tables that are wanted; None: all."""
+        if self.table is None:
+            return None
+        places = Document(document)._places
+        found = named({name: path for name, (_, path) in places.items()}, self.table)
+        if found is None:
+            self._alldata = True
+            return []
+        tables = document.with_tables_above(places[found][0])
+        # Where tables share a name, what the second one is called depends on the first.
+        names = [name for name, (position, _) in places.items() if position in tables]
+        some = self._document(self.parts[0], tables)
+        return tables if list(Document(some)._places) == names else None
 
     def facts(self, part: PlannedPart) -> bytes:
         """What the rows of a part show of types and keys; reads the part.
@@ -233,9 +276,12 @@ class Plan:
         if not self.skip_bad:
             return []
         lines, encoding, depth = (self._options[name] for name in ("lines", "encoding", "depth"))
-        found = _qvejmap.bad_lines(os.fsencode(of.file), of.form, of.pieces, encoding, lines, depth,
-                                   _files.read_at_of(of.file))
-        return [f"{of.file}:{line}:{column}: {reason}" for line, column, reason in found]
+        told = []
+        for each in [Part.whole(file.file) for file in self._together] or [of]:
+            found = _qvejmap.bad_lines(os.fsencode(each.file), each.form, each.pieces, encoding, lines, depth,
+                                       _files.read_at_of(each.file))
+            told += [f"{each.file}:{line}:{column}: {reason}" for line, column, reason in found]
+        return told
 
     @property
     def skip_bad(self) -> bool:
@@ -305,7 +351,8 @@ class Plan:
             for part, before, last, state in self.parts
         ]
         facts = None if self._facts is None else _text(self._facts)
-        return json.dumps({"format": _FORMAT, "options": options, "alldata": self._alldata,
+        return json.dumps({"format": _FORMAT, "options": options, "table": self.table, "tables": self._tables,
+                           "alldata": self._alldata,
                            "bad_files": self.bad_files, "bad_line_count": self.bad_line_count,
                            "scan": _text(self._scan), "facts": facts, "after": _text(self._after),
                            "containers": [_text(path) for path in self._containers], "parts": parts,
@@ -326,7 +373,7 @@ class Plan:
             plan._options = {
                 name: _bytes(of) if name in ("map", "map_name") else of for name, of in given["options"].items()
             }
-            plan._alldata = given["alldata"]
+            plan.table, plan._tables, plan._alldata = given["table"], given["tables"], given["alldata"]
             plan.bad_files, plan.bad_line_count = given["bad_files"], given["bad_line_count"]
             plan._scan = _bytes(given["scan"])
             plan._facts = None if given["facts"] is None else _bytes(given["facts"])
@@ -352,13 +399,14 @@ class Plan:
         types = "without types" if self._facts is None else "with types"
         return f"<qvejmap.Plan: {len(self.parts):,} parts, {types}>"
 
-    def _document(self, planned: PlannedPart) -> _qvejmap.Document:
+    def _document(self, planned: PlannedPart, tables: list[int] | None = None) -> _qvejmap.Document:
         part = self._checked(planned)
         before = list(zip(self._containers, _unpacked(planned.before)))
         return _qvejmap.open_part(
             os.fsencode(part.file), part.form, part.pieces, part.head, self._scan, before, planned.last,
             read_at=_files.read_at_of(part.file), **self._options,
             together=[(os.fsencode(file), scan, _files.read_at_of(file)) for file, scan, _ in self._together],
+            tables=self._tables if tables is None else tables,
         )
 
     def _checked(self, planned: PlannedPart) -> Part:
@@ -368,6 +416,20 @@ class Plan:
             if state is not None and state != _files.state_of(file):
                 raise FileError("the file has changed since it was scanned", file, 0, 0, -1, _CHANGED, "")
         return part
+
+
+def named(paths: Mapping[str, str], table: str) -> str | None:
+    """The name of a table that has that name or path; None: it is ALLDATA.
+
+    Args:
+        paths: of all tables by their names.
+    """
+    found = [table] if table in paths else [name for name, path in paths.items() if path == table]
+    if not found and table == ALLDATA:
+        return None
+    if len(found) != 1:
+        raise KeyError(f"table: {'more than one with path' if found else 'no'} {table!r} among {', '.join(paths)}")
+    return found[0]
 
 
 def _joined(of_tables: bytes, of_alldata: bytes) -> bytes:

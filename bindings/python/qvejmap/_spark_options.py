@@ -42,7 +42,7 @@ def plan_options(given: Mapping[str, Any]) -> dict[str, Any]:
 def absolute(source: Path | Iterable[Path]) -> list[str]:
     """Workers have folders of their own to work in."""
     words = [source] if isinstance(source, (str, os.PathLike)) else source
-    return [word if has_scheme(word := os.fspath(each)) else os.path.abspath(word) for each in words]
+    return [word if not (word := os.fspath(each)) or has_scheme(word) else os.path.abspath(word) for each in words]
 
 
 def mode(name: str, text: str) -> str:
@@ -96,6 +96,7 @@ def _rules(name: str, text: str) -> str | list[str]:
 _OPTIONS: dict[str, tuple[str, str, Any]] = {
     _plain(name): (name, argument, convert)
     for name, argument, convert in (
+        ("table", "table", _text),
         ("map", "map", _text),
         ("shape", "shape", _rules),
         ("lines", "lines", _flag),

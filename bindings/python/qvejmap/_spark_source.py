@@ -18,14 +18,13 @@ from pyspark.sql.pandas.types import from_arrow_type, to_arrow_schema
 from pyspark.sql.types import StringType, StructField, StructType
 
 from ._partial_scan import Part
-from ._plan import Plan, PlannedPart
+from ._plan import ALLDATA, Plan, PlannedPart, named
 from ._spark_options import absolute, mode, names, plan_options
 from ._tables import Table
 
-ALLDATA = "ALLDATA"
 _ROWS = 65536  # of a batch
-_PACKED_BYTES = 32 << 20  # of files in one partition
-_OPENING_BYTES = 4 << 20
+_PACKED_BYTES = 64 << 20  # of files in one partition
+_OPENING_BYTES = 2 << 20
 
 
 class Wish(NamedTuple):
@@ -38,23 +37,23 @@ class Wish(NamedTuple):
     @classmethod
     def of(cls, plan: Plan, table: str | None, columns: Iterable[str] | None, corrupt: str | None) -> Wish:
         """Raises KeyError: there is no such table or column; ValueError: nothing was left out."""
-        tables = plan.open(plan.parts[0]).tables
-        found = [name for name, of in tables.items() if table in (None, name, of.path)]
-        if not found and table == ALLDATA:
-            found = [ALLDATA]
-        if len(found) != 1:
-            known = ", ".join(tables)
-            raise KeyError(f"table: {'one of' if table is None else f'no {table!r} among'} {known}")
-        all_columns = [column.name for column in table_of(plan, plan.parts[0], found[0]).columns]
+        paths = {name: of.path for name, of in plan.open(plan.parts[0]).tables.items()}
+        table = plan.table if table is None else table
+        if table is None and len(paths) != 1:
+            raise KeyError(f"table: one of {', '.join(paths)}")
+        found = next(iter(paths)) if table is None else named(paths, table) or ALLDATA
+        all_columns = [column.name for column in table_of(plan, plan.parts[0], found).columns]
         chosen = all_columns if columns is None else list(columns)
+        if not chosen:
+            raise ValueError("columns: one at least")
         for column in chosen:
             if column not in all_columns:
-                raise KeyError(f"columns: no {column!r} in {found[0]}")
+                raise KeyError(f"columns: no {column!r} in {found}")
         if corrupt is not None and not plan.skip_bad:
             raise ValueError("columnNameOfCorruptRecord: nothing is left out but with mode PERMISSIVE")
         if corrupt in all_columns:
-            raise ValueError(f"columnNameOfCorruptRecord: {found[0]} has a column {corrupt!r}")
-        return cls(found[0], chosen, corrupt)
+            raise ValueError(f"columnNameOfCorruptRecord: {found} has a column {corrupt!r}")
+        return cls(found, chosen, corrupt)
 
     def schema(self, plan: Plan) -> StructType:
         types = pyarrow.schema(table_of(plan, plan.parts[0], self.table))
@@ -90,12 +89,13 @@ class JsonTables(DataSource):
 
     def _chosen(self) -> tuple[Plan, Wish]:
         given = {name.lower(): value for name, value in self.options.items()}
-        table, columns = given.pop("table", None), given.pop("columns", None)
+        table = given.pop("table", None) if "plan" in given else given.get("table")
+        columns = given.pop("columns", None)
         corrupt = given.pop("columnnameofcorruptrecord", None)
         if corrupt is not None and "plan" not in given and mode("mode", given.get("mode", "FAILFAST")) != "PERMISSIVE":
             raise ValueError("columnNameOfCorruptRecord: goes with mode PERMISSIVE")
         if self._plan is None:
-            self._plan = _planned({"alldata": "true", **given} if table == ALLDATA and "plan" not in given else given)
+            self._plan = _planned(given)
         return self._plan, Wish.of(self._plan, table, None if columns is None else names("columns", columns), corrupt)
 
 
@@ -147,21 +147,18 @@ class _TableReader(DataSourceReader):
 
     def _rows(self, schema: pyarrow.Schema, part: PlannedPart) -> Iterator[pyarrow.RecordBatch]:
         table = table_of(self._plan, part, self._wish.table)
-        for batch in table.batches(_ROWS, self._wish.columns):
+        wanted = [name for name in self._wish.columns if name in schema.names]
+        for batch in table.batches(_ROWS, wanted or self._wish.columns[:1]):
             rows = pyarrow.record_batch(batch)
-            columns = [_cast(column, field.type) for column, field in zip(rows.columns, schema)]
-            if self._wish.corrupt is not None:
-                columns.append(pyarrow.nulls(rows.num_rows, schema.field(len(columns)).type))
-            yield pyarrow.RecordBatch.from_arrays(columns, schema=schema)
+            yield _batch(schema, rows.num_rows, {name: rows.column(name) for name in wanted})
         if self._wish.corrupt is not None:
             yield from self._corrupt(schema, self._plan.bad_lines(part))
 
     def _corrupt(self, schema: pyarrow.Schema, messages: Iterable[str]) -> Iterator[pyarrow.RecordBatch]:
         """Rows that have nothing but a message."""
-        told = list(messages) if self._wish.corrupt is not None else []
-        if told:
-            columns = [pyarrow.nulls(len(told), field.type) for field in schema][:-1]
-            yield pyarrow.RecordBatch.from_arrays([*columns, pyarrow.array(told, schema.field(-1).type)], schema=schema)
+        told = list(messages)
+        if told and self._wish.corrupt is not None:
+            yield _batch(schema, len(told), {self._wish.corrupt: pyarrow.array(told)})
 
 
 class _FilteringReader(_TableReader):
@@ -236,6 +233,13 @@ def _arrow_schema(schema: StructType) -> pyarrow.Schema:
     return to_arrow_schema(schema, timezone="UTC") if later else to_arrow_schema(schema)
 
 
+def _batch(schema: pyarrow.Schema, rows: int, columns: dict[str, pyarrow.Array]) -> pyarrow.RecordBatch:
+    """A schema may be the user's: what has no column is null."""
+    arrays = [_cast(columns[field.name], field) if field.name in columns else pyarrow.nulls(rows, field.type)
+              for field in schema]
+    return pyarrow.RecordBatch.from_arrays(arrays, schema=schema)
+
+
 def _field(field: pyarrow.Field) -> StructField:
     metadata = {key.decode(): value.decode() for key, value in (field.metadata or {}).items()}
     type = pyarrow.string() if _too_fine(field.type) else field.type
@@ -246,9 +250,11 @@ def _too_fine(type: pyarrow.DataType) -> bool:
     return pyarrow.types.is_timestamp(type) and type.unit == "ns"
 
 
-def _cast(column: pyarrow.Array, type: pyarrow.DataType) -> pyarrow.Array:
+def _cast(column: pyarrow.Array, field: pyarrow.Field) -> pyarrow.Array:
     """Exact; times with more digits than Spark has are texts."""
     if _too_fine(column.type):
-        texts = pyarrow.compute.strftime(column, "%Y-%m-%dT%H:%M:%S" + ("Z" if column.type.tz else ""))
-        return texts.cast(type)
-    return column.cast(type)
+        column = pyarrow.compute.strftime(column, "%Y-%m-%dT%H:%M:%S" + ("Z" if column.type.tz else ""))
+    try:
+        return column.cast(field.type)
+    except pyarrow.ArrowException as error:
+        raise ValueError(f"{field.name}: not all values are {field.type}: {error}") from None

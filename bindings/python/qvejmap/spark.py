@@ -2,7 +2,7 @@
 
     import qvejmap.spark
 
-    plan = qvejmap.spark.prepare(spark, "big/*.json.gz")           # two jobs
+    plan = qvejmap.spark.prepare(spark, "big/*.json.gz")           # two or three jobs
     items = qvejmap.spark.read(spark, plan, "orders_items")        # a DataFrame
     qvejmap.spark.write_tables(spark, plan, "out")                 # all tables, one job
 
@@ -30,10 +30,10 @@ from ._files import has_scheme
 from ._plan import Plan
 from ._source import Path
 from ._spark_options import absolute, plan_options
-from ._spark_source import ALLDATA, FilteredJsonTables, JsonTables, Wish
+from ._spark_source import FilteredJsonTables, JsonTables, Wish
 from ._written_tables import write_package, write_part
 
-_TASKS_OF_A_CORE = 8
+_TASKS_OF_A_CORE = 4
 
 __all__ = ["JsonTables", "prepare", "read", "register", "write_tables"]
 
@@ -47,12 +47,14 @@ def prepare(spark: SparkSession, source: Path | Iterable[Path], **options: Any) 
         source: a file, a folder or a pattern, or several of them; URLs, too.
         options: as of the command line, where they are explained: map (a file, a dict or a text),
             shape, lines, encoding, exact, naming, carry, alldata, depth, max_paths.
+        table: its name or path, or "ALLDATA": the plan has this one alone and those above it, and
+            is found sooner.
         maxPartitionBytes: of a part, or somewhat more; a number, or "128m".
         mode: what becomes of text that is no JSON: "FAILFAST" raises it, "DROPMALFORMED" and
             "PERMISSIVE" leave out lines of JSON Lines and other files as a whole.
 
     Raises:
-        NotJson, LimitReached, MapError, FileError, Error: as `Plan.find`.
+        NotJson, LimitReached, MapError, FileError, Error, KeyError: as `Plan.find`.
         ValueError: there is no such option.
     """
     return Plan.find(absolute(source), partial(_run, spark), **plan_options(options))
@@ -65,7 +67,8 @@ def read(spark: SparkSession, source: Plan | Path | Iterable[Path], table: str |
 
     Args:
         source: a plan, or what `prepare` takes, which makes one first.
-        table: its name or path, or "ALLDATA" of a plan that has it; needless when there is only one.
+        table: its name or path, or "ALLDATA" of a plan that has it; needless when there is only
+            one, or the plan was made for one.
         columns: of these alone, in that order.
         columnNameOfCorruptRecord: of a plan that leaves bad text out: each line and file that is
             not there has a row with nothing but this column, "file:line:column: what is wrong".
@@ -74,8 +77,8 @@ def read(spark: SparkSession, source: Plan | Path | Iterable[Path], table: str |
     Raises:
         KeyError: there is no such table or column.
     """
-    if table == ALLDATA and not isinstance(source, Plan):
-        options = {"alldata": True, **options}
+    if table is not None and not isinstance(source, Plan):
+        options["table"] = table
     plan = _plan_of(spark, source, options)
     wish = Wish.of(plan, table, columns, columnNameOfCorruptRecord)
     register(spark)

@@ -34,4 +34,4 @@ if sys.argv[1:] == ["leak"]:
 told = subprocess.run([sys.executable, __file__, "leak"], capture_output=True, text=True)
 if told.returncode != LEAKS or "exportStream" not in told.stderr:
     sys.exit(f"a stream that is not released is not found:\n{told.stderr}")
-unittest.main(module=None, argv=["sanitized.py", "-v", *TESTS])
+unittest.main(module=None, argv=["sanitized.py", *TESTS], warnings="ignore")

@@ -2,6 +2,7 @@
 
 import csv
 import gzip
+import json
 import os
 import pickle
 import random
@@ -13,7 +14,7 @@ import pyarrow
 
 import qvejmap
 from documents import TOOL, arrow_files_of, can_compare
-from qvejmap._finder import _parts_of
+from qvejmap._partial_scan import cut
 
 
 def rows(count, seed):
@@ -53,7 +54,10 @@ class Plans(unittest.TestCase):
         tables = want.to_arrow()
         light = pickle.loads(pickle.dumps(plan.without_parts()))
         parts = [light.open(part) for part in pickle.loads(pickle.dumps(plan.parts))]
-        for name, table in tables.items():
+        if plan.table is None:
+            self.assertEqual(list(parts[0]), list(tables))
+        for name in parts[0]:
+            table = tables[name]
             rows = [part[name].to_arrow() for part in parts]
             got = pyarrow.concat_tables(rows)
             ordinals = plan.ordinals(name)
@@ -96,10 +100,51 @@ class Plans(unittest.TestCase):
                         plan = qvejmap.Plan.from_json(planned([file], size, alldata=True, **options).to_json())
                         self.assertEqual(self.compare([file], plan, **options) > 3, size < 2000)
 
+    def test_of_one_table_have_those_above_it(self):
+        text = "[" + ",".join(rows(100, 1)) + ',{"id":7,"zebra":[{"x":1,"y":[1,2]}]}' * 20 + "]"
+        file = self.file("a.json", text)
+        ordinals = {name: {"NAME": name, "TYPE": "ORDINAL", "PATH": "/root/" + name} for name in ("items", "zebra")}
+        map = {"DATASETS": [{"DSNAME": name, "TABLEPATH": path, "VARIABLES": [
+            *(ordinals[each] for each in above), {"NAME": "V", "TYPE": "CHARACTER", "PATH": f"{path}/{column}"}]}
+            for name, path, above, column in (
+                ("A", "/root/items", (), "sku"), ("A", "/root/late", (), "n"), ("Z", "/root/zebra", ("items", "zebra"), "x"),
+                ("I", "/root/items", ("zebra", "items"), "p"))]}
+        for table, names, options in (
+            ("root", ["root"], {}), ("items", ["root", "items"], {}), ("/root/zebra/y", ["root", "zebra", "zebra_y"], {}),
+            ("t_b", ["root", "t", "t_b"], {}), ("late", ["root", "late"], {"carry": True}),
+            ("ALLDATA", [], {}), ("A", ["A"], {"map": map}), ("A~2", ["A", "A~2", "Z", "I"], {"map": map}),
+            ("I", ["Z", "I"], {"map": map}),  # either is above the other
+        ):
+            with self.subTest(table):
+                for plan in (qvejmap.Plan.find(file, size=2000, table=table, **options),
+                             planned([file], 2000, table=table, **options)):
+                    plan = qvejmap.Plan.from_json(plan.to_json())
+                    self.assertEqual(plan.table, table)
+                    self.assertEqual(list(plan.open(plan.parts[-1])), names)
+                    self.assertGreater(self.compare([file], plan, **options), 3)
+        for table, options, message in (("no", {}, "no 'no' among root, "), ("/root/items", {"map": map}, "more than one with path '/r")):
+            with self.assertRaisesRegex(KeyError, message):
+                qvejmap.Plan.find(file, table=table, **options)
+
     def test_files_are_told_apart(self):
         files = [self.file("a.json", "[" + ",".join(rows(30, 2)) + "]"), self.file("b.json", '{"id":"x"}'),
                  self.file("c.jsonl", "\n".join(rows(40, 3)))]
         self.compare(files, planned(files, 900, source_column="source", alldata=True))
+        files.append(self.file("d.json", '{"id":12345678901234567890}'))
+        self.compare(files, planned(files, 900, source_column="source", exact=True), exact=True)
+
+    def test_blank_lines_are_nothing_and_files_of_them_empty_arrays(self):
+        text = self.file("a.jsonl", '\n\n{"a":1}\n\n\n{"c":[1]}\n \n{"a":2,"b":[1,2]}\n\n{"c":[]}\n\n\n')  # no row of c at the end
+        blank = self.file("b.jsonl", "\n\n\n")
+        for files in ([text], [blank, text], [text, blank, text], [blank, blank, text]):
+            for size in (1, 5, 1 << 20):
+                for table in (None, "ALLDATA", "c"):
+                    with self.subTest(files, size=size, table=table):
+                        source = files if len(files) > 1 else files[0]
+                        self.compare(files, qvejmap.Plan.find(source, size=size, table=table))
+        self.assertGreater(len(qvejmap.Plan.find(text, size=1).parts), 20)
+        with self.assertRaisesRegex(qvejmap.Error, "blank"):
+            planned([text, blank], 1)
 
     def test_numbers_that_no_double_keeps_are_texts(self):
         # One of them is in one part; the others take their text from the sum.
@@ -189,7 +234,7 @@ class Plans(unittest.TestCase):
             begin, line = planned.part.begin, planned.part.pieces[0][4]
             self.assertEqual(line, 1 if begin == 0 else text.count("\n", 0, text.index("\n", begin - 1) + 1) + 1)
         os.truncate(file, 1 << 40)  # takes no room, and for ever to read
-        self.assertEqual(len(_parts_of(file, 1 << 30, False, "auto")[0]), 1024)
+        self.assertEqual(len(cut(file, 1 << 30, "auto", False, 1 << 40)), 1024)
 
     def test_a_file_with_a_mistake_and_parts_that_are_not_apart_tells_the_line(self):
         file = self.file("a.jsonl", '{"a":1}\n' * 30 + "7\n" * 30 + '{"a":}\n' + '{"a":1}\n' * 30)
@@ -208,7 +253,8 @@ class Plans(unittest.TestCase):
             "u.jsonl": mixed.decode("latin-1").encode("utf-16"), "bad.jsonl": b"\n".join(bad * 30), "a.json": array,
             "wrong.json": array[:-1] + b',{"q":}' + array[1:], "twice.json": array[:-1] + (b',{"q":},' + array[1:-1]) * 2 + b"]", "short.json": array[:-1], "empty.json": b"",
             "scalar.json": b"12", "coded.json": "[1".encode("utf-16") + b"\xff\xdbA", "cut.json.gz": gzip.compress(array)[:60],
-            "member.json": b'{"n":7,"rows":' + array + b',"m":{',
+            "member.json": b'{"n":7,"rows":' + array + b',"m":{', "mixed.json": b'[1,{"a":1}]',
+            "wide.jsonl": ('{"a":"%s"}\n{"a":}\n' % ("\u00e9" * 300) * 3).encode("utf-16"),
         }
         for name, data in files.items():
             with open(os.path.join(self.folder.name, name), "wb") as file:
@@ -217,7 +263,8 @@ class Plans(unittest.TestCase):
         os.chdir(self.folder.name)
         self.addCleanup(os.chdir, here)
         for names, left_out in (
-            (["l.jsonl"], []), (["g.jsonl.gz"], []), (["u.jsonl"], []), (["bad.jsonl"], []), (["l.jsonl", "l.jsonl"], []),
+            (["l.jsonl"], []), (["g.jsonl.gz"], []), (["u.jsonl"], []), (["wide.jsonl"], []),
+            (["bad.jsonl"], []), (["mixed.json", "l.jsonl", "mixed.json", "l.jsonl"], []), (["l.jsonl", "l.jsonl"], []),
             (["bad.jsonl", "marked.jsonl", "a.json"], []), (["wrong.json", "a.json", "twice.json"],
              ["wrong.json:1:1107: a value was expected", "twice.json:1:1107: a value was expected"]),
             (["a.json", "short.json", "empty.json", "scalar.json", "l.jsonl", "coded.json", "short.json"],
@@ -245,6 +292,9 @@ class Plans(unittest.TestCase):
         ):
             with self.subTest(names), self.assertRaisesRegex(error, what):
                 qvejmap.Plan.find(names, skip_bad=True)
+        wide = self.file("columns.json", json.dumps([{f"a{i}": 1} for i in range(5000)]))
+        with self.assertRaises(qvejmap.LimitReached):  # no part has so many
+            qvejmap.Plan.find(wide, size=1000, max_paths=1000)
         for size in (50, 1 << 20):
             with self.assertRaises(qvejmap.LimitReached) as raised:
                 qvejmap.Plan.find("l.jsonl", size=size, depth=2, skip_bad=True)
@@ -320,6 +370,9 @@ class Plans(unittest.TestCase):
         with self.assertRaisesRegex(qvejmap.Error, "part"):
             planned([file], 100, map=map)
         self.compare([file], planned([file], 1 << 20, map=map), map=map)
+        map["DATASETS"].insert(0, {**map["DATASETS"][0], "DSNAME": "S", "VARIABLES": map["DATASETS"][0]["VARIABLES"][1:]})
+        plan = qvejmap.Plan.find(file, size=100, table="T", map=map)
+        self.assertEqual((list(plan.open(plan.parts[0])), self.compare([file], plan, map=map)), (["T"], 1))
 
     def test_what_does_not_belong_together_is_refused(self):
         file = self.file("a.json", "[" + ",".join(rows(30, 4)) + "]")

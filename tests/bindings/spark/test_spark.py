@@ -15,6 +15,7 @@ import tempfile
 import threading
 import time
 import unittest
+from unittest import mock
 
 import pyarrow.parquet
 import pyspark.sql.datasource
@@ -135,12 +136,15 @@ class OnACluster(unittest.TestCase):
         text = list(random_rows(200, 1))
         array = self.file("a.json", "[" + ",".join(text) + "]")
         self.assertGreater(self.compare(array, maxPartitionBytes=2000), 5)
-        self.assertGreater(self.compare(self.file("b.jsonl", "\n".join(text)), maxPartitionBytes=2000), 5)
+        with mock.patch.multiple("qvejmap._finder", _SUMMED_AT_ONCE=2, _SUMMED_HERE=0):  # workers sum up
+            self.assertGreater(self.compare(self.file("b.jsonl", "\n".join(text)), maxPartitionBytes=2000), 5)
         for i in range(20):
             self.file(f"many/{i:02}.json" + (".gz" if i % 3 == 0 else ""), "[" + ",".join(text[i * 10 : i * 10 + 10]) + "]")
         self.assertEqual(self.compare(os.path.join(self.folder, "many")), 20)
         frame = qvejmap.spark.read(self.spark, os.path.join(self.folder, "many"), "items")
-        self.assertEqual(frame.rdd.getNumPartitions(), 3)  # 7 files and what opening them costs in each
+        self.assertEqual(frame.rdd.getNumPartitions(), 1)
+        alone = qvejmap.spark.prepare(self.spark, os.path.join(self.folder, "many"), table="items")
+        self.assertEqual(qvejmap.spark.read(self.spark, alone).collect(), frame.collect())
 
     @unittest.skipUnless(os.path.isdir(SHARED), "no real documents")
     def test_has_the_tables_of_real_documents(self):
@@ -205,6 +209,19 @@ class OnACluster(unittest.TestCase):
         both = self.spark.read.format("qvejmap").option("table", "orders").load([file, file])
         self.assertEqual([tuple(row) for row in both.select("source", "ordinal_orders").collect()],
                          [(file, i) for i in (1, 2, 3, 4)])
+        for schema, want in (
+            ("id string, no double, ordinal_orders bigint", [("1", None, 1), ("2", None, 2)]),
+            ("no string", [(None,), (None,)]),
+        ):
+            frame = self.spark.read.format("qvejmap").option("table", "orders").schema(schema).load(file)
+            self.assertEqual([tuple(row) for row in frame.collect()], want)
+        with self.assertRaisesRegex(Exception, "sku: not all values are int32"):
+            self.spark.read.format("qvejmap").option("table", "orders_items").schema("sku int").load(file).collect()
+        for columns in ("", "[]"):
+            with self.assertRaisesRegex(Exception, "columns: "):
+                self.spark.read.format("qvejmap").options(table="orders", columns=columns).load(file)
+        with self.assertRaisesRegex(Exception, "No such file"):
+            self.spark.read.format("qvejmap").load("")
         for options, message in (
             ({"table": "no"}, "no 'no' among orders, orders_items"), ({}, "one of orders"),
             ({"table": "orders", "columns": "x"}, "no 'x' in orders"), ({"naming": "x"}, "naming: 'map' or 'original'"),
@@ -240,6 +257,8 @@ class OnACluster(unittest.TestCase):
         frame = reader(mode="PERMISSIVE", columnNameOfCorruptRecord="bad").load(source)
         self.assertTrue(all(field.nullable for field in frame.schema))
         rows = frame.collect()
+        self.assertEqual(reader(mode="PERMISSIVE", columnNameOfCorruptRecord="bad").schema("bad string, a int").load(source).collect(),
+                         [(row.bad, row.a) for row in rows])
         self.assertEqual([row.a for row in rows if row.bad is None], good)
         told = [row for row in rows if row.bad is not None]
         self.assertEqual([row.bad[: len(place)] for row, place in zip(told, bad, strict=True)], bad)
