@@ -2,6 +2,7 @@
 #include "client/ranges/range_document.h"
 
 #include "client/maps/exact_map.h"
+#include "client/parts/input_parts.h"
 #include "client/parts/text_part.h"
 #include "client/ranges/bad_lines.h"
 #include "client/text_consumer.h"
@@ -136,6 +137,33 @@ void readTogether(const std::vector<ScannedFile>& files, const Reading& reading,
     }
 }
 
+// The files of this machine that are read.
+InputList localFiles(const RangeOptions& options) {
+    InputList local;
+    const auto add = [&](const TextRange& range) {
+        if (!range.readAt) {
+            local.files.push_back(range.file);
+        }
+    };
+    if (options.together.empty()) {
+        add(options.range);
+    }
+    for (const ScannedFile& file : options.together) {
+        add(file.range);
+    }
+    return local;
+}
+
+// Throws QV_IO_CHANGED when a file is not what it is now.
+ReadParts whileUnchanged(const RangeOptions& options, ReadParts read) {
+    return [read = std::move(read), check = checkOfChanges(localFiles(options))](
+               uint64_t bytes, const TakePart& take) {
+        check();
+        read(bytes, take);
+        check();
+    };
+}
+
 }  // namespace
 
 RangeDocument::RangeDocument(Engine& engine, RangeOptions options)
@@ -157,8 +185,10 @@ RangeDocument::RangeDocument(Engine& engine, RangeOptions options)
     const Reading reading = {&engine, options.text, options.skipBadLines, options.maxDepth};
     if (!options.together.empty()) {
         parts->asOne = true;
-        parts->read = [files = std::move(options.together), reading](
-                          uint64_t, const TakePart& take) { readTogether(files, reading, take); };
+        parts->read = whileUnchanged(
+            options, [files = options.together, reading](uint64_t, const TakePart& take) {
+                readTogether(files, reading, take);
+            });
         document_.setParts(std::move(parts));
         return;
     }
@@ -167,9 +197,10 @@ RangeDocument::RangeDocument(Engine& engine, RangeOptions options)
         parts->counts.add({});
     }
     parts->excerpt = {1, options.last};
-    parts->read = [range = std::move(options.range), reading](uint64_t, const TakePart& take) {
-        readRange(range, reading, take);
-    };
+    parts->read =
+        whileUnchanged(options, [range = options.range, reading](uint64_t, const TakePart& take) {
+            readRange(range, reading, take);
+        });
     document_.setParts(std::move(parts));
 }
 

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import difflib
+import glob
 import json
 import os
 import re
@@ -42,7 +43,14 @@ def plan_options(given: Mapping[str, Any]) -> dict[str, Any]:
 def absolute(source: Path | Iterable[Path]) -> list[str]:
     """Workers have folders of their own to work in."""
     words = [source] if isinstance(source, (str, os.PathLike)) else source
-    return [word if not (word := os.fspath(each)) or has_scheme(word) else os.path.abspath(word) for each in words]
+    return [word if not (word := os.fspath(each)) or has_scheme(word) else _absolute(word) for each in words]
+
+
+def _absolute(word: str) -> str:
+    here = os.getcwd()
+    # Of a pattern only the word is one.  ".." behind a link is no neighbour of the link.
+    path = os.path.join(here if os.path.lexists(word) else glob.escape(here), word)
+    return path if ".." in path.split(os.sep) else os.path.normpath(path)
 
 
 def mode(name: str, text: str) -> str:

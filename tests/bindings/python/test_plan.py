@@ -14,7 +14,9 @@ import pyarrow
 
 import qvejmap
 from documents import TOOL, arrow_files_of, can_compare
+from qvejmap._files import files_of
 from qvejmap._partial_scan import cut
+from qvejmap._spark_options import absolute
 
 
 def rows(count, seed):
@@ -373,6 +375,35 @@ class Plans(unittest.TestCase):
         map["DATASETS"].insert(0, {**map["DATASETS"][0], "DSNAME": "S", "VARIABLES": map["DATASETS"][0]["VARIABLES"][1:]})
         plan = qvejmap.Plan.find(file, size=100, table="T", map=map)
         self.assertEqual((list(plan.open(plan.parts[0])), self.compare([file], plan, map=map)), (["T"], 1))
+
+    def test_a_file_that_changes_is_told(self):
+        file = self.file("a.json", "[" + ",".join(rows(30, 4)) + "]")
+        for source in (file, [file, file]):
+            plan = qvejmap.Plan.find(source, size=500)
+            document = plan.open(plan.parts[-1])
+            with open(file, encoding="utf-8") as text:
+                other = text.read().replace("sku", "abc")
+            self.file("a.json", other)
+            with self.assertRaisesRegex(qvejmap.FileError, "a.json: the file has changed"):
+                document.to_arrow()
+            with self.assertRaisesRegex(qvejmap.FileError, "a.json: the file has changed"):
+                plan.open(plan.parts[0])
+
+    def test_names_become_absolute_as_they_stand(self):
+        for name, text in (("d[1]/x.json", "[1]"), ("d1/y.json", "[2]"), ("far/in/z.json", "[3]"), ("far/y.json", "[4]"), ("y.json", "[5]")):
+            os.makedirs(os.path.join(self.folder.name, os.path.dirname(name)), exist_ok=True)
+            self.file(name, text)
+        os.symlink(os.path.join(self.folder.name, "far/in"), os.path.join(self.folder.name, "d[1]/link"))
+        here = os.getcwd()
+        os.chdir(os.path.join(self.folder.name, "d[1]"))
+        self.addCleanup(os.chdir, here)
+        for word in ("x.json", "*.json", ".", "./x.json", "link/../y.json", "../d1", "?.json"):
+            with self.subTest(word):
+                (name,) = absolute(word)
+                self.assertTrue(os.path.isabs(name))
+                self.assertEqual([os.path.realpath(file) for file in files_of([os.fsencode(name)])[0]],
+                                 [os.path.realpath(file) for file in files_of([os.fsencode(word)])[0]])
+        self.assertEqual(absolute(["", "s3://b/x"]), ["", "s3://b/x"])
 
     def test_what_does_not_belong_together_is_refused(self):
         file = self.file("a.json", "[" + ",".join(rows(30, 4)) + "]")
