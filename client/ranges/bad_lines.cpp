@@ -46,7 +46,9 @@ void eachBadLine(const Engine& engine, const TextRange& range, const TextOptions
         }
         return;
     }
-    DocumentReader reader(wholeFile(range.file, range.readAt, stopped), options);
+    TextOptions text = options;
+    text.late = true;
+    DocumentReader reader(wholeFile(range.file, range.readAt, stopped), text);
     if (reader.form() == TextForm::LINES) {
         LineSieve sieve(engine, nothing, onBad, maxDepth);
         reader.read(sieve);

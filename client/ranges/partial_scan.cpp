@@ -149,15 +149,13 @@ std::optional<PartialScan> scanned(const PartsOfDocument& parts, const TextRange
 std::string scannedWhole(const PartsOfDocument& parts, ByteSource source,
                          const PartialScanOptions& options, SeenLines& seen) {
     source.stopWhen(parts.options.stopped);
-    DocumentReader reader(std::move(source), options.text);
+    TextOptions text = options.text;
+    text.late = options.skipBadLines;
+    DocumentReader reader(std::move(source), text);
     PartsOfDocument whole = parts;
     whole.options = reader.documentOptions(parts.options);
-    const bool sifts = options.skipBadLines && reader.form() == TextForm::LINES;
-    if (sifts) {
-        whole.options.columnOf = {};  // what the sieve passes on the reader does not know any more
-    }
     PieceScan scan(whole, reader.form(), {});
-    if (sifts) {
+    if (options.skipBadLines && reader.form() == TextForm::LINES) {
         LineSieve sieve(
             *parts.engine, scan, [&](const BadLine&) { ++seen.bad; }, options.maxDepth);
         reader.read(sieve);

@@ -208,7 +208,7 @@ def _tried(function: Callable[[Any], Any], item: Any) -> Any:
     try:
         return function(item)
     except Error as error:
-        return error
+        return error.with_traceback(None)  # which would keep the document
 
 
 def _begun(file: str, size: int, scan: partial[Scan]) -> tuple[list[Part], _files.State | None, Scan | Error | None]:

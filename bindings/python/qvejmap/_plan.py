@@ -369,7 +369,7 @@ class Plan:
         try:
             given = json.loads(text)
             if given["format"] != _FORMAT:
-                raise ValueError(_NO_PLAN)
+                raise KeyError("format")
             plan._options = {
                 name: _bytes(of) if name in ("map", "map_name") else of for name, of in given["options"].items()
             }
@@ -391,8 +391,11 @@ class Plan:
                 )
                 for file, form, pieces, head, before, last, state in given["parts"]
             ]
-        except (KeyError, TypeError, AttributeError) as error:
+            _unpacked(plan._after)
+        except (KeyError, TypeError, ValueError, AttributeError, zlib.error) as error:
             raise ValueError(_NO_PLAN) from error
+        if not plan.parts or set(plan._options) != set(_options(None, None, False, "map", False, "auto", 0, "", [])):
+            raise ValueError(_NO_PLAN)
         return plan
 
     def __repr__(self) -> str:

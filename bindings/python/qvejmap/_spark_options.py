@@ -33,6 +33,8 @@ def plan_options(given: Mapping[str, Any]) -> dict[str, Any]:
             raise ValueError(f"there is no option {name!r}" + (f"; did you mean {_OPTIONS[near[0]][0]!r}?" if near else ""))
         shown, argument, convert = _OPTIONS[known]
         arguments[argument] = convert(shown, value) if isinstance(value, str) else value
+        if argument == "size" and arguments[argument] == 0:
+            raise ValueError(f"{shown}: at least 1")
     if arguments.get("lines") is False:
         arguments["lines"] = None
     if arguments.get("skip_bad") in MODES:
@@ -47,6 +49,8 @@ def absolute(source: Path | Iterable[Path]) -> list[str]:
 
 
 def _absolute(word: str) -> str:
+    if word.startswith("file:/"):  # as Spark writes them, too
+        word = word.removeprefix("file:")
     here = os.getcwd()
     # Of a pattern only the word is one.  ".." behind a link is no neighbour of the link.
     path = os.path.join(here if os.path.lexists(word) else glob.escape(here), word)

@@ -7,7 +7,7 @@ from __future__ import annotations
 import inspect
 import json
 import os
-from collections.abc import Callable, Iterable, Iterator, Mapping, Sequence
+from collections.abc import Iterable, Iterator, Mapping, Sequence
 from concurrent.futures import ThreadPoolExecutor
 from typing import Any, NamedTuple
 
@@ -81,11 +81,7 @@ class JsonTables(DataSource):
         return wish.schema(plan)
 
     def reader(self, schema: StructType) -> DataSourceReader:
-        return self.reader_of(*self._chosen(), schema)
-
-    @staticmethod
-    def reader_of(plan: Plan, wish: Wish, schema: StructType) -> DataSourceReader:
-        return _TableReader(plan, wish, schema)
+        return _TableReader(*self._chosen(), schema)
 
     def _chosen(self) -> tuple[Plan, Wish]:
         given = {name.lower(): value for name, value in self.options.items()}
@@ -104,6 +100,7 @@ def _planned(given: dict[str, str]) -> Plan:
     given = dict(given)
     text, path, paths = (given.pop(name, None) for name in ("plan", "path", "paths"))
     if text is not None:
+        given.update({name: of for name, of in (("path", path), ("paths", paths)) if of is not None})
         if given:
             raise ValueError(f"{next(iter(given))}: the plan has been made already")
         return Plan.from_json(text)
@@ -128,15 +125,14 @@ class _TableReader(DataSourceReader):
         self._plan = plan
         self._wish = wish
         self._schema = schema
-        self._wanted = [True] * len(plan.parts)
 
     def __getstate__(self) -> dict[str, Any]:
-        return {**self.__dict__, "_plan": self._plan.without_parts(), "_wanted": []}
+        return {**self.__dict__, "_plan": self._plan.without_parts()}
 
     def partitions(self) -> Sequence[InputPartition]:
-        pieces = _packed(part for part, wanted in zip(self._plan.parts, self._wanted) if wanted)
+        pieces = _packed(self._plan.parts)
         told = self._wish.corrupt is not None and self._plan.bad_files
-        return pieces + [_Piece((), self._plan.bad_files)] if told or not pieces else pieces
+        return pieces + [_Piece((), self._plan.bad_files)] if told else pieces
 
     def read(self, partition: InputPartition) -> Iterator[pyarrow.RecordBatch]:
         assert isinstance(partition, _Piece)
@@ -161,26 +157,7 @@ class _TableReader(DataSourceReader):
             yield _batch(schema, len(told), {self._wish.corrupt: pyarrow.array(told)})
 
 
-class _FilteringReader(_TableReader):
-    def pushFilters(self, filters: list[Any]) -> Iterable[Any]:
-        """Leaves out parts that cannot have rows with such ordinals; Spark looks at the others' rows itself."""
-        ranges = self._plan.ordinals(self._wish.table) if self._wish.table != ALLDATA else {}
-        for filter in filters:
-            column = ".".join(getattr(filter, "attribute", ()))
-            for number, ordinals in enumerate(ranges.get(column, ())):
-                self._wanted[number] &= _may_hold(filter, ordinals)
-        return filters
-
-
-class FilteredJsonTables(JsonTables):
-    """The same where Spark pushes filters, for it refuses readers that take them where it does not."""
-
-    @staticmethod
-    def reader_of(plan: Plan, wish: Wish, schema: StructType) -> DataSourceReader:
-        return _FilteringReader(plan, wish, schema)
-
-
-def _packed(parts: Iterable[PlannedPart]) -> list[_Piece]:
+def _packed(parts: Sequence[PlannedPart]) -> list[_Piece]:
     """As Spark packs small files, which are said to be larger by what it takes to open one."""
     packed: list[list[PlannedPart]] = []
     room = 0
@@ -205,26 +182,6 @@ def table_of(plan: Plan, part: PlannedPart, name: str) -> Table:
     """Of a part."""
     document = plan.open(part)
     return document[name] if name in document else document.alldata
-
-
-def _may_hold(filter: Any, ordinals: range) -> bool:
-    """May a column with these values have one that the filter lets pass?"""
-    kind = type(filter).__name__
-    if kind not in _TESTS:
-        return True
-    values = filter.value if kind == "In" else (filter.value,)
-    return any(not isinstance(value, int) or _TESTS[kind](ordinals, value) for value in values)
-
-
-# Of Spark's filters, by their names, since Spark 4.0 has none.
-_TESTS: dict[str, Callable[[range, int], bool]] = {
-    "EqualTo": lambda ordinals, value: value in ordinals,
-    "In": lambda ordinals, value: value in ordinals,
-    "GreaterThan": lambda ordinals, value: ordinals[-1] > value,
-    "GreaterThanOrEqual": lambda ordinals, value: ordinals[-1] >= value,
-    "LessThan": lambda ordinals, value: ordinals[0] < value,
-    "LessThanOrEqual": lambda ordinals, value: ordinals[0] <= value,
-}
 
 
 def _arrow_schema(schema: StructType) -> pyarrow.Schema:

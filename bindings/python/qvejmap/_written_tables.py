@@ -8,6 +8,7 @@ import json
 import os
 import re
 import uuid
+import zlib
 from collections.abc import Sequence
 from typing import Any
 from urllib.parse import quote
@@ -17,6 +18,8 @@ import pyarrow.parquet
 from ._plan import Plan, PlannedPart
 from ._tables import Table
 
+_PACKAGE = "datapackage.json"
+_LONGEST = 200  # bytes of a folder's name
 _PACKAGE_TYPES = {
     "TEXT": "string", "BOOLEAN": "boolean", "BIGINT": "integer", "DOUBLE": "number", "DECIMAL": "number",
     "DATE": "date", "TIMESTAMP": "datetime",
@@ -31,7 +34,7 @@ def write_part(plan: Plan, folder: str, item: tuple[int, PlannedPart]) -> list[s
         if number != 0 and rows.num_rows == 0:
             files.append(None)
             continue
-        table = quote(name, safe=" ")
+        table = _folder_of(name)
         file = f"{table}/part-{number:05}.parquet"
         os.makedirs(os.path.join(folder, table), exist_ok=True)
         begun = os.path.join(folder, f"{file}.{uuid.uuid4().hex}")  # another try may write it, too
@@ -39,6 +42,16 @@ def write_part(plan: Plan, folder: str, item: tuple[int, PlannedPart]) -> list[s
         os.replace(begun, os.path.join(folder, file))
         files.append(file)
     return files
+
+
+def _folder_of(table: str) -> str:
+    """No name that is hidden, another file's, or too long for what is written there."""
+    name = quote(table, safe=" ") or "%00"
+    if name[0] in "._" or name == _PACKAGE:
+        name = f"%{ord(name[0]):02X}{name[1:]}"
+    if len(name) > _LONGEST:
+        name = f"{name[:_LONGEST]}~{zlib.crc32(table.encode()):08x}"
+    return name
 
 
 def write_package(tables: Sequence[Table], files: Sequence[Sequence[str | None]], folder: str) -> None:
@@ -49,7 +62,7 @@ def write_package(tables: Sequence[Table], files: Sequence[Sequence[str | None]]
     """
     package = {"profile": "tabular-data-package", "resources": [
         _resource(table, [file for of in files if (file := of[i]) is not None]) for i, table in enumerate(tables)]}
-    with open(os.path.join(folder, "datapackage.json"), "w", encoding="utf-8") as out:
+    with open(os.path.join(folder, _PACKAGE), "w", encoding="utf-8") as out:
         json.dump(package, out, indent=2, ensure_ascii=False)
 
 

@@ -30,7 +30,7 @@ from ._files import has_scheme
 from ._plan import Plan
 from ._source import Path
 from ._spark_options import absolute, plan_options
-from ._spark_source import FilteredJsonTables, JsonTables, Wish
+from ._spark_source import JsonTables, Wish
 from ._written_tables import write_package, write_part
 
 _TASKS_OF_A_CORE = 4
@@ -96,12 +96,8 @@ def register(spark: SparkSession) -> None:
     commas between, or a list in JSON, and so are the rules of a shape.  An option `plan`, the text
     of `Plan.to_json`, goes without those of `prepare`.  Without it the driver's machine makes a
     plan, on all its cores: a data source cannot start jobs.
-
-    With spark.sql.python.filterPushdown.enabled, when this is called, filters of ordinals spare
-    parts.
     """
-    pushes = spark.conf.get("spark.sql.python.filterPushdown.enabled", "false") == "true"
-    spark.dataSource.register(FilteredJsonTables if pushes else JsonTables)
+    spark.dataSource.register(JsonTables)
 
 
 def write_tables(spark: SparkSession, source: Plan | Path | Iterable[Path], output: Path,
