@@ -251,13 +251,13 @@ nb::object containersOfScan(const nb::bytes& bytes) {
     return list;
 }
 
+using TablePositions = std::optional<std::vector<std::size_t>>;
+
 //   scan    of all parts
 //   before  containers as in containers_of_scan, and how often they have come before this part
 //   last    no part comes after it
 //   together  if there are some: whole files in place of the part, with their scans and read_at
 //   tables    positions; None: all
-using TablePositions = std::optional<std::vector<std::size_t>>;
-
 std::shared_ptr<SharedDocument> openPart(const nb::bytes& file, int form, const nb::tuple& pieces,
                                          const nb::object& head, const nb::bytes& scan,
                                          const std::vector<std::tuple<nb::bytes, uint64_t>>& before,
